@@ -1,0 +1,44 @@
+#include "settings/settings_load_save.h"
+
+#include <QByteArray>
+#include <algorithm>
+#include <optional>
+
+#include "settings/key_store.h"
+#include "settings/settings_table.h"
+
+namespace quarn {
+
+LoadResult LoadSettings(const QString& path, SettingsRecord& record) {
+  if (ClassifyPath(path) != PathKind::File) return LoadResult::NoFile;
+  SettingsRecord loaded = record;
+  bool complete = true;
+  for (const Setting* setting : SettingsInLoadOrder()) {
+    const std::optional<QString> value = ReadValue(path, setting->key);
+    if (!value || (value->isEmpty() && setting->whenEmpty == EmptyValue::Refused)) {
+      complete = false;
+    } else {
+      setting->field.In(loaded) = *value;
+    }
+  }
+  if (!complete) return LoadResult::Incomplete;
+  record = loaded;
+  return LoadResult::Loaded;
+}
+
+bool SaveAllSettings(const QString& path, const SettingsRecord& record) {
+  bool allUpdated = true;
+  for (const Setting* setting : SettingsInSaveOrder()) {
+    if (!UpdateValue(path, setting->key, setting->savedFrom.In(record))) allUpdated = false;
+  }
+  return allUpdated;
+}
+
+bool ValidatePortName(const QString& name) {
+  const QByteArray bytes = name.toLocal8Bit();
+  if (bytes == "NONE") return true;
+  if (!bytes.startsWith("COM") || bytes.size() < 4 || bytes.size() > 5) return false;
+  return std::none_of(bytes.begin() + 3, bytes.end(), [](char c) { return c >= 0x28 && c <= 0x2F; });
+}
+
+}  // namespace quarn

@@ -1,0 +1,120 @@
+#include "settings/settings_table.h"
+
+#include <algorithm>
+
+#include "settings/text_lines.h"
+
+namespace quarn {
+
+namespace {
+
+using R = SettingsRecord;
+
+constexpr Setting Text(SettingsKey key, QStringView defaultValue, QString R::*field, int loadPlace,
+                       int savePlace) {
+  return {key, defaultValue, field, field, loadPlace, savePlace, EmptyValue::Refused};
+}
+
+/// A stored command may be empty, and comes after all other settings.
+constexpr Setting Command(int index, QStringView defaultValue) {
+  const SettingsField field = SettingsField::StoredCommand(index);
+  return {keys::kMem[static_cast<std::size_t>(index)],
+          defaultValue,
+          field,
+          field,
+          19 + index,
+          19 + index,
+          EmptyValue::Allowed};
+}
+
+constexpr std::array<Setting, kSettingCount> kSettings{{
+    Text(keys::kAutoClr, u"OFF", &R::autoClr, 1, 6),
+    Text(keys::kBkColor, u"NAVY", &R::bkColor, 13, 11),
+    Text(keys::kComPort, u"NONE", &R::comPort, 2, 7),
+    Text(keys::kChkCmd, u"id", &R::chkCmd, 3, 12),
+    Text(keys::kDelimiter, u"CR", &R::delimiter, 4, 13),
+    Text(keys::kComBits, u"8", &R::comBits, 5, 1),
+    Text(keys::kComBps, u"9600", &R::comBps, 6, 2),
+    Text(keys::kComBuf, u"1K", &R::comBuf, 7, 3),
+    Text(keys::kComParity, u"None", &R::comParity, 8, 4),
+    Text(keys::kComStop, u"1", &R::comStop, 9, 5),
+    Text(keys::kEnblNull, u"OFF", &R::enblNull, 10, 8),
+    // No slip: a save-all leaves ENBL_NULL's text under FUNC_KEY.
+    {keys::kFuncKey, u"ON", &R::funcKey, &R::enblNull, 11, 9, EmptyValue::Refused},
+    Text(keys::kInputMax, u"N", &R::inputMax, 12, 10),
+    Text(keys::kLineNum, u"OFF", &R::lineNum, 14, 14),
+    Text(keys::kMainPos, u"TL", &R::mainPos, 18, 15),
+    // Part of every fresh file, and of no record.
+    {keys::kMarkColor, u"WHITE", {}, {}, 0, 0, EmptyValue::Refused},
+    Command(0, u"function-1"),
+    Command(1, u"function-2"),
+    Command(2, u"function-3"),
+    Command(3, u"function-4"),
+    Command(4, u"function-5"),
+    Command(5, u"function-6"),
+    Command(6, u"function-7"),
+    Command(7, u"function-8"),
+    Command(8, u"function-9"),
+    Command(9, u"function-10"),
+    Text(keys::kPortSpeed, u"HIGH", &R::portSpeed, 16, 17),
+    Text(keys::kRTimeout, u"ON", &R::rTimeout, 17, 18),
+    Text(keys::kStartDisp, u"ON", &R::startDisp, 15, 16),
+}};
+
+/// Puts each setting at its place; a place left out or given twice does not compile.
+constexpr std::array<const Setting*, kLoadedSettingCount> InOrderOf(int Setting::*place) {
+  std::array<const Setting*, kLoadedSettingCount> ordered{};
+  for (const Setting& setting : kSettings) {
+    if (setting.*place > 0) ordered[static_cast<std::size_t>(setting.*place - 1)] = &setting;
+  }
+  return ordered;
+}
+
+constexpr bool IsComplete(const std::array<const Setting*, kLoadedSettingCount>& ordered) {
+  return std::none_of(ordered.begin(), ordered.end(), [](const Setting* setting) { return !setting; });
+}
+
+constexpr auto kLoadOrder = InOrderOf(&Setting::loadPlace);
+constexpr auto kSaveOrder = InOrderOf(&Setting::savePlace);
+static_assert(IsComplete(kLoadOrder) && IsComplete(kSaveOrder));
+
+}  // namespace
+
+QString& SettingsField::In(SettingsRecord& record) const {
+  Q_ASSERT(!IsNone());
+  return m_member ? record.*m_member : record.mem[static_cast<std::size_t>(m_command)];
+}
+
+const QString& SettingsField::In(const SettingsRecord& record) const {
+  Q_ASSERT(!IsNone());
+  return m_member ? record.*m_member : record.mem[static_cast<std::size_t>(m_command)];
+}
+
+std::span<const Setting, kSettingCount> AllSettings() { return kSettings; }
+
+const Setting* FindSetting(SettingsKey key) {
+  const auto it =
+      std::find_if(kSettings.begin(), kSettings.end(), [&](const Setting& s) { return s.key == key; });
+  return it == kSettings.end() ? nullptr : &*it;
+}
+
+std::array<const Setting*, kLoadedSettingCount> SettingsInLoadOrder() { return kLoadOrder; }
+
+std::array<const Setting*, kLoadedSettingCount> SettingsInSaveOrder() { return kSaveOrder; }
+
+QStringList DefaultLines() {
+  QStringList lines;
+  for (const Setting& setting : kSettings) {
+    lines.append(setting.key.Text().toString().append(setting.defaultValue));
+  }
+  SortTextList(lines);
+  return lines;
+}
+
+SettingsRecord DefaultSettings() {
+  SettingsRecord record;
+  for (const Setting* setting : kLoadOrder) setting->field.In(record) = setting->defaultValue.toString();
+  return record;
+}
+
+}  // namespace quarn

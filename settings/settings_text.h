@@ -1,0 +1,70 @@
+#pragma once
+
+#include <QByteArray>
+#include <QByteArrayView>
+#include <QString>
+#include <QStringList>
+#include <optional>
+
+#include "settings/settings_key.h"
+
+/// The text of a settings file and what may be done to it, without any file: ".VER=" line, ".BEGIN", one
+/// KEY=VALUE line per setting, ".END". All lengths are in 16-bit characters; a line ends at a line feed.
+/// Blanks are never trimmed and there are no comments. Passing a limit called fatal ends the program
+/// (FatalBoundsError). Every function may be called from any thread.
+namespace quarn {
+
+/// Larger files are not searched and not updated; a larger updated text is fatal.
+inline constexpr qsizetype kMaxFileCharacters = 16383;
+/// A longer value is fatal when it is looked up.
+inline constexpr qsizetype kMaxValueCharacters = 1023;
+/// A longer key part is fatal when its line is added.
+inline constexpr qsizetype kMaxKeyPartCharacters = 79;
+
+enum class BytesAre { Whole, CutShort };
+
+/// Bytes of a file to text: UTF-8 with or without a byte-order mark; carriage return plus line feed
+/// becomes a line feed, a lone carriage return stays. Nothing when the bytes are not valid UTF-8, so that
+/// no file is ever rewritten with replacement characters. Bytes that are CutShort may end inside a
+/// character, which is left out.
+[[nodiscard]] std::optional<QString> DecodeSettingsText(QByteArrayView bytes,
+                                                        BytesAre extent = BytesAre::Whole);
+
+/// Text to the bytes of a file: byte-order mark, UTF-8, every line feed as carriage return plus line feed.
+[[nodiscard]] QByteArray EncodeSettingsText(const QString& text);
+
+/// The rest of the first line that begins with the key; lines before ".BEGIN" are searched too. A line
+/// that is exactly ".END" ends the search. Nothing for a text of at most one character or of more than
+/// kMaxFileCharacters.
+[[nodiscard]] std::optional<QString> FindValue(const QString& text, SettingsKey key);
+
+struct ValueUpdate {
+  /// False when ".END" comes before the key, or the text is too long.
+  bool ok = false;
+  /// What the file is to hold from now on; nothing when it is to be left alone.
+  std::optional<QString> newText;
+};
+
+/// The text with the value of the first line that begins with the key replaced; that line then ends with
+/// a line feed, and everything else stays. A key that is not there is never added: a text without the key
+/// and without ".END" comes back unchanged.
+[[nodiscard]] ValueUpdate UpdateText(const QString& text, SettingsKey key, QStringView value);
+
+/// The lines between the first that begins with ".BEGIN" and the first, from the top, that begins with
+/// ".END". No line when ".END" comes first. Nothing when either is missing, or out of sight for
+/// SplitTextLines.
+[[nodiscard]] std::optional<QStringList> EntriesOf(const QString& text);
+
+/// The layout that every writer of a whole file produces: the current version line, ".BEGIN", the
+/// entries sorted and without empty ones, ".END". More than kMaxFileCharacters are fatal.
+[[nodiscard]] QString NormalisedText(QStringList entries);
+
+/// The normalised text with one complete line ("KEY=VALUE") added. Nothing when it is to be left alone:
+/// its key part occurs anywhere in the text, or the entries cannot be listed.
+[[nodiscard]] std::optional<QString> TextWithKeyLine(const QString& text, const QString& line);
+
+/// The normalised text without the entries that begin with the key. An empty key removes no entry.
+/// Nothing when the entries cannot be listed.
+[[nodiscard]] std::optional<QString> TextWithoutKey(const QString& text, SettingsKey key);
+
+}  // namespace quarn

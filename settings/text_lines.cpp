@@ -1,0 +1,30 @@
+#include "settings/text_lines.h"
+
+#include <algorithm>
+
+#include "settings/bounds.h"
+
+namespace quarn {
+
+QStringList SplitTextLines(QStringView text, QChar terminator) {
+  QStringList lines;
+  if (text.size() > kMaxSplitCharacters) return lines;
+  qsizetype start = 0;
+  while (start < text.size() && lines.size() < kMaxLines) {
+    qsizetype end = text.indexOf(terminator, start);
+    if (end < 0) end = text.size();
+    RequireWithinBounds("line", kMaxLineCharacters, end - start);
+    lines.append(text.sliced(start, end - start).toString());
+    start = end + 1;
+  }
+  return lines;
+}
+
+void SortTextList(QStringList& list, qsizetype capacity) {
+  if (list.size() > capacity) return;
+  list.removeAll(QString());
+  // QString's own order is the order of code units.
+  std::sort(list.begin(), list.end());
+}
+
+}  // namespace quarn
