@@ -1,0 +1,136 @@
+#include "serial/device_list_linux.h"
+
+#include <libudev.h>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <sstream>
+#include <string_view>
+#include <tuple>
+#include <utility>
+
+#include "serial/udev_objects_linux.h"
+
+namespace quarn {
+
+namespace {
+
+bool IsSerialLine(udev_device* device) {
+  const char* node = udev_device_get_devnode(device);
+  const char* name = udev_device_get_sysname(device);
+  if (node == nullptr || name == nullptr) {
+    return false;
+  }
+  if (udev_device_get_parent(device) == nullptr && !std::string_view(name).starts_with("rfcomm")) {
+    return false;
+  }
+  const char* portType = udev_device_get_sysattr_value(device, "type");
+  return portType == nullptr || std::strcmp(portType, "0") != 0;
+}
+
+std::string ProductOf(udev_device* device) {
+  if (const char* model = udev_device_get_property_value(device, "ID_MODEL_FROM_DATABASE")) {
+    return model;
+  }
+  if (const char* model = udev_device_get_property_value(device, "ID_MODEL")) {
+    std::string product = model;
+    std::replace(product.begin(), product.end(), '_', ' ');
+    return product;
+  }
+  // Belongs to `device` and is not released on its own.
+  udev_device* adapter = udev_device_get_parent_with_subsystem_devtype(device, "usb", "usb_device");
+  const char* product = adapter != nullptr ? udev_device_get_sysattr_value(adapter, "product") : nullptr;
+  return product != nullptr ? product : "";
+}
+
+std::vector<std::string> PinPathsOf(udev_device* device, const std::string& node, const std::string& dev) {
+  std::vector<std::string> byId;
+  std::vector<std::string> byPath;
+  // Separated by blanks; one within a name is written \x20.
+  const char* links = udev_device_get_property_value(device, "DEVLINKS");
+  std::istringstream words(links != nullptr ? links : "");
+  for (std::string link; words >> link;) {
+    if (link.starts_with(dev + "/serial/by-id/")) {
+      byId.push_back(link);
+    } else if (link.starts_with(dev + "/serial/by-path/")) {
+      byPath.push_back(link);
+    }
+  }
+  std::sort(byId.begin(), byId.end());
+  std::sort(byPath.begin(), byPath.end());
+  byId.insert(byId.end(), byPath.begin(), byPath.end());
+  byId.push_back(node);
+  return byId;
+}
+
+/// The file in which udev keeps what it knows of a device, for instance "c188:0".
+std::string RecordNameOf(dev_t number) {
+  std::string name("c");
+  return name.append(std::to_string(major(number))).append(":").append(std::to_string(minor(number)));
+}
+
+/// "/dev/ttyUSB10" as ("/dev/ttyUSB", 10), so that it sorts behind ttyUSB2.
+std::tuple<std::string, unsigned long, std::string> SortKeyOf(const std::string& node) {
+  const std::size_t digits = node.find_last_not_of("0123456789") + 1;
+  const std::string number = node.substr(digits, 9);
+  return {node.substr(0, digits), number.empty() ? 0 : std::stoul(number), node};
+}
+
+}  // namespace
+
+namespace {
+
+/// Every name but tty0, tty1 ...: to look into the 64 virtual consoles, of which none is a serial line, would
+/// take longer than all the rest.
+constexpr std::array kNamePatterns = {"tty[!0-9]*", "tt[!y]*", "t[!t]*", "[!t]*"};
+
+bool Scan(udev_enumerate* enumerate) {
+  return udev_enumerate_add_match_subsystem(enumerate, "tty") >= 0 &&
+         std::all_of(kNamePatterns.begin(), kNamePatterns.end(),
+                     [&](const char* pattern) {
+                       return udev_enumerate_add_match_sysname(enumerate, pattern) >= 0;
+                     }) &&
+         udev_enumerate_scan_devices(enumerate) >= 0;
+}
+
+}  // namespace
+
+std::optional<DeviceList> ListSerialDevices(const SystemRoots& roots) {
+  const UdevContext context(udev_new());
+  const UdevEnumerate enumerate(context ? udev_enumerate_new(context.get()) : nullptr);
+  if (!enumerate || !Scan(enumerate.get())) {
+    return std::nullopt;
+  }
+  // Without its service nothing is ever finished with, and nothing has to be waited for.
+  const bool serviceRuns = ::access((roots.udev + "/control").c_str(), F_OK) == 0;
+  DeviceList list;
+  udev_list_entry* entry = nullptr;
+  udev_list_entry_foreach(entry, udev_enumerate_get_list_entry(enumerate.get())) {
+    const UdevDevice device(udev_device_new_from_syspath(context.get(), udev_list_entry_get_name(entry)));
+    if (!device || !IsSerialLine(device.get())) {
+      continue;
+    }
+    const dev_t number = udev_device_get_devnum(device.get());
+    if (serviceRuns && udev_device_get_is_initialized(device.get()) == 0) {
+      // Its lasting names do not exist yet; a pin made now would be a weaker one for good.
+      list.pending.push_back({roots.udev + "/data", RecordNameOf(number)});
+      continue;
+    }
+    SerialDevice found;
+    found.node = udev_device_get_devnode(device.get());
+    found.number = number;
+    found.pinPaths = PinPathsOf(device.get(), found.node, roots.dev);
+    found.product = ProductOf(device.get());
+    list.devices.push_back(std::move(found));
+  }
+  std::sort(list.devices.begin(), list.devices.end(), [](const SerialDevice& a, const SerialDevice& b) {
+    return SortKeyOf(a.node) < SortKeyOf(b.node);
+  });
+  return list;
+}
+
+}  // namespace quarn

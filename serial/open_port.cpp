@@ -1,0 +1,77 @@
+#include "serial/open_port.h"
+
+#include "serial/line_parameters.h"
+#include "serial/port_names.h"
+
+namespace quarn {
+namespace {
+
+bool Configure(SerialLine& line, const SettingsRecord& settings, MessageOperations& messages) {
+  LineState state;
+  if (!line.GetState(state)) return false;
+  state.baudRate = BaudRateOf(settings.comBps);
+  state.byteSize = ByteSizeOf(settings.comBits);
+  state.stopBits = StopBitsOf(settings.comStop);
+  state.parity = ParityOf(settings.comParity);
+  if (!line.SetState(state)) {
+    messages.ShowPlainMessage(QStringLiteral("Failed to set serial port state"));
+    return false;
+  }
+  if (!line.SetTimeouts(TimeoutsOf(settings.comBps, settings.portSpeed))) {
+    messages.ShowPlainMessage(QStringLiteral("Failed to set serial port timeouts"));
+    return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+bool OpenPort(const SettingsRecord& settings, PortConnection& connection,
+              const PortEnvironment& environment) {
+  const auto path = DevicePathOf(settings.comPort);
+  if (!path) {
+    connection.lastFailure = {LineError::NotFound, QStringLiteral("%1 is above COM99").arg(settings.comPort)};
+    return false;
+  }
+  ClosePort(connection);
+  OpenResult opened = environment.opener.Open(*path);
+  connection.lastFailure = opened.failure;
+  if (!opened.line) {
+    connection.handle = PortHandle::Invalid();
+    return false;
+  }
+  connection.handle = PortHandle(opened.line);
+  if (Configure(*opened.line, settings, environment.messages)) return true;
+  connection.lastFailure = opened.line->LastFailure();
+  return false;
+}
+
+bool ConnectPort(const SettingsRecord& settings, PortConnection& connection,
+                 const PortEnvironment& environment) {
+  if (!IsPortAvailable(settings.comPort, connection.portCount, connection.portNames)) {
+    connection.lastFailure = {LineError::NotFound, QStringLiteral("%1 is not present").arg(settings.comPort)};
+    return false;
+  }
+  return OpenPort(settings, connection, environment);
+}
+
+bool ResetPort(const SettingsRecord& settings, PortConnection& connection,
+               const PortEnvironment& environment) {
+  const WaitShown wait(environment.waitIndicator);
+  if (connection.handle.IsOpen()) {
+    // A read left behind would hold up the purge where the system does one thing at a time on a line.
+    connection.handle.Line()->CancelIo();
+    connection.handle.Line()->Purge();
+  }
+  // What a failed open left behind cannot be closed; it counts as a failed close.
+  const bool open = connection.handle.IsOpen();
+  if (!ClosePort(connection) || !open) return false;
+  return ConnectPort(settings, connection, environment);
+}
+
+bool ClosePort(PortConnection& connection) {
+  const PortHandle handle = std::exchange(connection.handle, PortHandle());
+  return !handle.IsOpen() || handle.Line()->Close();
+}
+
+}  // namespace quarn

@@ -1,0 +1,15 @@
+#include "serial/platform_serial.h"
+#include "serial/port_source_linux.h"
+#include "serial/serial_line_posix.h"
+
+namespace quarn {
+
+std::unique_ptr<SerialLineOpener> CreateLineOpener(const QString& portsFolder) {
+  return std::make_unique<PosixLineOpener>(portsFolder);
+}
+
+std::unique_ptr<PortSource> CreatePortSource(const QString& portsFolder) {
+  return std::make_unique<LinuxPortSource>(portsFolder);
+}
+
+}  // namespace quarn

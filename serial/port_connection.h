@@ -1,0 +1,65 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <utility>
+
+#include "serial/serial_line.h"
+
+namespace quarn {
+
+/// At most this many ports are listed.
+inline constexpr int kPortCapacity = 100;
+/// The receive buffer: 8192 bytes and a terminating NUL.
+inline constexpr int kReceiveBufferSize = 8193;
+
+using PortNames = std::array<QString, kPortCapacity>;
+
+/// The open port, nothing (null), or what a failed open leaves behind (invalid). Both null and invalid
+/// mean "not open".
+class PortHandle {
+ public:
+  PortHandle() = default;
+  static PortHandle Invalid() {
+    PortHandle handle;
+    handle.m_invalid = true;
+    return handle;
+  }
+  explicit PortHandle(std::shared_ptr<SerialLine> line) : m_line(std::move(line)) {}
+
+  [[nodiscard]] bool IsOpen() const { return m_line != nullptr; }
+  [[nodiscard]] bool IsNull() const { return !m_line && !m_invalid; }
+  [[nodiscard]] bool IsInvalid() const { return m_invalid; }
+  [[nodiscard]] const std::shared_ptr<SerialLine>& Line() const { return m_line; }
+
+ private:
+  std::shared_ptr<SerialLine> m_line;
+  bool m_invalid = false;
+};
+
+/// The one port record of the process.
+///
+/// Threads: the user-interface thread owns it. The transaction fields are written by the receive worker
+/// while a transaction runs and read by the user-interface thread after it has ended.
+struct PortConnection {
+  PortHandle handle;
+  /// What the program regards as its state; set by the commands that connect and disconnect, never by
+  /// OpenPort itself.
+  bool connected = false;
+  std::int32_t portCount = 0;
+  PortNames portNames;
+  /// Why the last OpenPort failed; kind None after a success.
+  LineFailure lastFailure;
+
+  // Transaction fields.
+  std::int32_t status = 0;     ///< 0 complete, 3 truncated at the limit, -1 the read failed
+  std::int32_t byteCount = 0;  ///< bytes read minus one; -1 when the read failed
+  QString command;
+  QByteArray response;
+  std::array<char, kReceiveBufferSize> receiveBuffer{};  ///< always NUL-terminated
+};
+
+}  // namespace quarn

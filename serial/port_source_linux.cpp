@@ -1,0 +1,174 @@
+#include "serial/port_source_linux.h"
+
+#include <QDir>
+#include <QFile>
+#include <QLoggingCategory>
+#include <algorithm>
+#include <utility>
+
+#include "serial/friendly_name.h"
+#include "serial/port_pins_linux.h"
+#include "serial/port_use_linux.h"
+
+namespace quarn {
+
+namespace {
+
+Q_LOGGING_CATEGORY(lcSerial, "quarn.serial")
+
+std::string AbsolutePath(const QString& path) {
+  return QFile::encodeName(QDir::cleanPath(QDir(path).absolutePath())).toStdString();
+}
+
+QString TextOf(const std::string& bytes) { return QString::fromUtf8(bytes.data(), qsizetype(bytes.size())); }
+
+QString ProductOf(const struct stat& node, const std::vector<SerialDevice>& devices) {
+  if (IsPseudoTerminal(node.st_rdev)) {
+    return QStringLiteral("Pseudo-terminal");
+  }
+  const auto device = std::find_if(devices.begin(), devices.end(),
+                                   [&](const SerialDevice& d) { return d.number == node.st_rdev; });
+  const QString product = device != devices.end() ? TextOf(device->product) : QString();
+  return product.trimmed().isEmpty() ? QStringLiteral("Serial Port") : product;
+}
+
+QString HindranceOf(const DeviceNode& node, pid_t user) {
+  const std::string permission = PermissionHindrance(node);
+  if (!permission.empty()) {
+    return TextOf(permission);
+  }
+  return user != 0 ? QStringLiteral("in use by PID %1").arg(user) : QString();
+}
+
+}  // namespace
+
+LinuxPortSource::LinuxPortSource(const QString& portsFolder, SystemRoots roots, ChangeWatch::Mode mode)
+    : m_folderPath(AbsolutePath(portsFolder)),
+      m_roots(std::move(roots)),
+      m_folder(m_folderPath, m_roots),
+      m_watch(mode) {}
+
+bool LinuxPortSource::FriendlyNames(QStringList& names) {
+  // Asked even when the result is known to be stale, so that old events do not pile up.
+  const bool changed = m_watch.Changed();
+  // What was not watched while it was listed is listed again; it can only be more each time.
+  constexpr int kRounds = 3;
+  for (int round = 0; round < kRounds && (changed || m_last == Listing::None || round > 0); ++round) {
+    WatchPlan plan;
+    m_last = List(plan);
+    if (m_last == Listing::None || !m_watch.Follow(plan)) {
+      break;
+    }
+  }
+  if (m_last != Listing::Good) {
+    return false;
+  }
+  names = m_names;
+  return true;
+}
+
+LinuxPortSource::Listing LinuxPortSource::List(WatchPlan& plan) {
+  ++m_listings;
+  const std::optional<DeviceList> devices = ListSerialDevices(m_roots);
+  if (!devices) {
+    return Listing::None;
+  }
+  std::vector<FolderEntry> restsOn = devices->pending;
+  std::error_code problem;
+  const std::optional<std::vector<PortLink>> links =
+      PinNewDevices(m_folder, devices->devices, restsOn, problem);
+  Tell(problem);
+  if (!links) {
+    PlanWatch({}, restsOn, plan);
+    return Listing::NoFolder;
+  }
+  StampLinks(*links);
+  m_names = NamesOf(*links, devices->devices);
+  PlanWatch(*links, restsOn, plan);
+  return Listing::Good;
+}
+
+/// Devices come and go while the folder is as it was; that is no reason to repeat it.
+void LinuxPortSource::Tell(const std::error_code& problem) {
+  if (problem && problem != m_told) {
+    qCWarning(lcSerial).noquote() << "the ports folder cannot be used:" << TextOf(m_folderPath) + ':'
+                                  << QString::fromStdString(problem.message());
+  }
+  m_told = problem;
+}
+
+/// A link that was present until now is stamped once more: it may have been there for months since the
+/// last listing, and has been absent only from now on.
+void LinuxPortSource::StampLinks(const std::vector<PortLink>& links) {
+  std::vector<int> present;
+  for (const PortLink& link : links) {
+    const bool before =
+        std::find(m_presentBefore.begin(), m_presentBefore.end(), link.number) != m_presentBefore.end();
+    if (link.isLink && (link.present || before)) {
+      m_folder.StampSeen(link.number);
+    }
+    if (link.present) {
+      present.push_back(link.number);
+    }
+  }
+  m_presentBefore = std::move(present);
+}
+
+QStringList LinuxPortSource::NamesOf(const std::vector<PortLink>& links,
+                                     const std::vector<SerialDevice>& devices) const {
+  std::vector<DeviceNode> nodes;
+  std::vector<int> numbers;
+  for (const PortLink& link : links) {
+    if (link.present) {
+      nodes.push_back({link.target.node, link.target.status});
+      numbers.push_back(link.number);
+    }
+  }
+  const std::vector<pid_t> users = UsersOf(nodes, m_roots);
+  QStringList names;
+  for (std::size_t i = 0; i < nodes.size(); ++i) {
+    names.append(
+        ComposeFriendlyName({ProductOf(nodes[i].status, devices), TextOf(nodes[i].path),
+                             HindranceOf(nodes[i], users[i]), QStringLiteral("COM%1").arg(numbers[i])}));
+  }
+  return names;
+}
+
+void LinuxPortSource::PlanWatch(const std::vector<PortLink>& links, const std::vector<FolderEntry>& restsOn,
+                                WatchPlan& plan) const {
+  // Devices come and go here even where udev does not run.
+  plan.folders[m_roots.dev].anyName = true;
+  const ResolvedPath folder = ResolvePath({}, m_folderPath);
+  const auto add = [&](const FolderEntry& entry) {
+    // In the ports folder itself every entry counts already, and by name only: the stamps on its links
+    // are no change.
+    if (entry.folder != folder.node) {
+      plan.folders[entry.folder].names.insert(entry.name);
+    }
+  };
+  std::for_each(restsOn.begin(), restsOn.end(), add);
+  for (const PortLink& link : links) {
+    std::for_each(link.target.restsOn.begin(), link.target.restsOn.end(), add);
+    if (link.present) {
+      plan.nodes.insert(link.target.node);
+    }
+  }
+  if (!folder.node.empty() && S_ISDIR(folder.status.st_mode)) {
+    plan.folders[folder.node].anyName = true;
+  }
+}
+
+QString ResolvePort(const QString& portsFolder, const QString& name) {
+  if (name.isEmpty() || name == QLatin1String(".") || name == QLatin1String("..") ||
+      name.contains(QLatin1Char('/')) || name.contains(QChar(u'\0'))) {
+    return {};
+  }
+  const ResolvedPath end =
+      ResolvePath({}, AbsolutePath(portsFolder) + '/' + QFile::encodeName(name).toStdString());
+  if (end.node.empty() || !IsTerminalDevice(end.status, SystemRoots().sys)) {
+    return {};
+  }
+  return QFile::decodeName(QByteArray::fromStdString(end.node));
+}
+
+}  // namespace quarn

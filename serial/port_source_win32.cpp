@@ -1,0 +1,99 @@
+#include "serial/port_source_win32.h"
+
+// windows.h comes before setupapi.h, which builds on it.
+#include <windows.h>
+//
+#include <setupapi.h>
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <iterator>
+#include <optional>
+#include <vector>
+
+#include "serial/port_connection.h"
+
+namespace quarn {
+
+namespace {
+
+/// GUID_DEVINTERFACE_COMPORT of the Windows driver kit.
+constexpr GUID kComPortInterface = {
+    0x86E0D1E0, 0x8089, 0x11D0, {0x9C, 0xE4, 0x08, 0x00, 0x3E, 0x30, 0x1F, 0x73}};
+
+class DeviceInfoList {
+ public:
+  DeviceInfoList()
+      : m_list(SetupDiGetClassDevsW(&kComPortInterface, nullptr, nullptr,
+                                    DIGCF_PRESENT | DIGCF_DEVICEINTERFACE)) {}
+  DeviceInfoList(const DeviceInfoList&) = delete;
+  DeviceInfoList& operator=(const DeviceInfoList&) = delete;
+  ~DeviceInfoList() {
+    if (IsValid()) {
+      SetupDiDestroyDeviceInfoList(m_list);
+    }
+  }
+  [[nodiscard]] bool IsValid() const { return m_list != INVALID_HANDLE_VALUE; }
+  [[nodiscard]] HDEVINFO Get() const { return m_list; }
+
+ private:
+  HDEVINFO m_list;
+};
+
+/// The info record of the device behind an interface; the path that comes with it is not needed.
+std::optional<SP_DEVINFO_DATA> DeviceOf(const DeviceInfoList& list, SP_DEVICE_INTERFACE_DATA& port) {
+  DWORD size = 0;
+  if (SetupDiGetDeviceInterfaceDetailW(list.Get(), &port, nullptr, 0, &size, nullptr) == FALSE &&
+      GetLastError() != ERROR_INSUFFICIENT_BUFFER) {
+    return std::nullopt;
+  }
+  std::vector<std::max_align_t> memory(size / sizeof(std::max_align_t) + 1);
+  auto* detail = static_cast<SP_DEVICE_INTERFACE_DETAIL_DATA_W*>(static_cast<void*>(memory.data()));
+  detail->cbSize = sizeof(SP_DEVICE_INTERFACE_DETAIL_DATA_W);
+  SP_DEVINFO_DATA device{};
+  device.cbSize = sizeof device;
+  if (SetupDiGetDeviceInterfaceDetailW(list.Get(), &port, detail, size, nullptr, &device) == FALSE) {
+    return std::nullopt;
+  }
+  return device;
+}
+
+std::optional<QString> FriendlyNameOf(const DeviceInfoList& list, SP_DEVINFO_DATA& device) {
+  std::array<wchar_t, kFriendlyNameCapacity + 1> name{};
+  if (SetupDiGetDeviceRegistryPropertyW(list.Get(), &device, SPDRP_FRIENDLYNAME, nullptr,
+                                        static_cast<BYTE*>(static_cast<void*>(name.data())),
+                                        static_cast<DWORD>(sizeof name), nullptr) == FALSE) {
+    return std::nullopt;
+  }
+  // The registry does not promise that a text ends in a NUL.
+  const auto end = std::find(name.begin(), std::prev(name.end()), L'\0');
+  return QString::fromWCharArray(name.data(), end - name.begin());
+}
+
+}  // namespace
+
+bool Win32PortSource::FriendlyNames(QStringList& names) {
+  const DeviceInfoList list;
+  if (!list.IsValid()) {
+    return false;
+  }
+  QStringList found;
+  for (DWORD index = 0; found.size() < kPortCapacity; ++index) {
+    SP_DEVICE_INTERFACE_DATA port{};
+    port.cbSize = sizeof port;
+    if (SetupDiEnumDeviceInterfaces(list.Get(), nullptr, &kComPortInterface, index, &port) == FALSE) {
+      break;
+    }
+    std::optional<SP_DEVINFO_DATA> device = DeviceOf(list, port);
+    const std::optional<QString> name = device ? FriendlyNameOf(list, *device) : std::nullopt;
+    // Counted here already, so that a device without a usable name takes none of the hundred places.
+    if (name && name->contains(QLatin1String("COM"))) {
+      found.append(*name);
+    }
+  }
+  names = found;
+  return true;
+}
+
+}  // namespace quarn

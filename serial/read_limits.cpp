@@ -1,0 +1,49 @@
+#include "serial/read_limits.h"
+
+#include <algorithm>
+#include <cstdint>
+
+namespace quarn {
+namespace {
+
+constexpr std::uint32_t kMaximum = 0xFFFFFFFFU;
+/// As good as never; a multiplier's largest product would run over the end of the clock.
+constexpr auto kLongestTotal = std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::years(50));
+
+std::optional<LineClock::time_point> TotalEnd(std::uint32_t multiplier, std::uint32_t constant,
+                                              std::size_t size, LineClock::time_point start) {
+  if (multiplier == 0 && constant == 0) return std::nullopt;
+  const std::uint64_t total = std::uint64_t{multiplier} * size + constant;
+  return start + std::min(std::chrono::milliseconds(total), kLongestTotal);
+}
+
+}  // namespace
+
+ReadLimits::ReadLimits(const LineTimeouts& timeouts, std::size_t size, LineClock::time_point start) {
+  if (timeouts.readInterval != kMaximum) {
+    if (timeouts.readInterval != 0) m_interval = std::chrono::milliseconds(timeouts.readInterval);
+    m_totalEnd = TotalEnd(timeouts.readTotalMultiplier, timeouts.readTotalConstant, size, start);
+    return;
+  }
+  // The largest interval means: take what is there. With the largest multiplier too, the first byte is
+  // waited for, as long as the constant says, and the read ends with it.
+  m_interval = std::chrono::milliseconds(0);
+  const bool waitsForFirst = timeouts.readTotalMultiplier == kMaximum && timeouts.readTotalConstant != 0;
+  m_totalEnd = start + std::chrono::milliseconds(waitsForFirst ? timeouts.readTotalConstant : 0U);
+}
+
+void ReadLimits::BytesArrived(LineClock::time_point when) {
+  if (m_interval) m_silenceEnd = when + *m_interval;
+}
+
+std::optional<LineClock::time_point> ReadLimits::Deadline() const {
+  if (m_totalEnd && m_silenceEnd) return std::min(*m_totalEnd, *m_silenceEnd);
+  return m_totalEnd ? m_totalEnd : m_silenceEnd;
+}
+
+std::optional<LineClock::time_point> WriteDeadline(const LineTimeouts& timeouts, std::size_t size,
+                                                   LineClock::time_point start) {
+  return TotalEnd(timeouts.writeTotalMultiplier, timeouts.writeTotalConstant, size, start);
+}
+
+}  // namespace quarn

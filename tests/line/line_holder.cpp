@@ -1,0 +1,44 @@
+// Another program on the line, for the tests of exclusive use: opens a terminal device, says how that
+// went and holds the line until its standard input ends or somebody kills it.
+
+#include <grp.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <string_view>
+
+#include "serial/serial_line_posix.h"
+
+namespace {
+
+/// Becomes a user who may open next to nothing.
+bool BecomeNobody() {
+  constexpr uid_t kNobody = 65534;
+  return setgroups(0, nullptr) == 0 && setgid(kNobody) == 0 && setuid(kNobody) == 0;
+}
+
+void Say(const char* word, const QString& reason) {
+  std::printf("%s %s\n", word, reason.toUtf8().constData());
+  std::fflush(stdout);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc < 2) return 2;
+  const bool asNobody = argc > 2 && std::string_view(argv[2]) == "--as-nobody";
+  if (asNobody && !BecomeNobody()) return 2;
+  const quarn::OpenResult opened = quarn::OpenTerminalDevice(QString::fromLocal8Bit(argv[1]));
+  if (opened.line) {
+    Say("open", {});
+  } else if (opened.failure.kind == quarn::LineError::InUse) {
+    Say("in-use", opened.failure.reason);
+  } else if (opened.failure.kind == quarn::LineError::NoPermission) {
+    Say("no-permission", opened.failure.reason);
+  } else {
+    Say("failed", opened.failure.reason);
+  }
+  while (std::getchar() != EOF) {
+  }
+  return 0;
+}

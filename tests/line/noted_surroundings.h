@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QString>
+#include <optional>
+#include <string>
+
+#include "tests/line/scripted_line.h"
+#include "ui/message_operations.h"
+#include "ui/wait_indicator.h"
+
+namespace quarn {
+
+class NotedMessages final : public MessageOperations {
+ public:
+  explicit NotedMessages(Journal& journal) : m_journal(journal) {}
+  void ShowErrorMessage(const QString&, const QString&, const QString&, const QString&) override {
+    m_journal.Note("error box");
+  }
+  void ShowInformationMessage(const QString&, const QString&, const QString&, const QString&) override {
+    m_journal.Note("information box");
+  }
+  bool AskConfirmation(const QString&, const QString&, const QString&, const QString&) override {
+    m_journal.Note("question");
+    return false;
+  }
+  void ShowTransientMessage(const QString&, std::optional<QPoint>) override { m_journal.Note("transient"); }
+  void ShowPlainMessage(const QString& text) override { m_journal.Note("plain: " + text.toStdString()); }
+
+ private:
+  Journal& m_journal;
+};
+
+class NotedIndicator final : public WaitIndicator {
+ public:
+  explicit NotedIndicator(Journal& journal) : m_journal(journal) {}
+  void Show() override { m_journal.Note("wait shown"); }
+  void Restore() override { m_journal.Note("wait restored"); }
+
+ private:
+  Journal& m_journal;
+};
+
+}  // namespace quarn

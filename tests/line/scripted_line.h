@@ -1,0 +1,101 @@
+#pragma once
+
+#include <QString>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "serial/serial_line.h"
+
+namespace quarn {
+
+/// What happened, in order, told by several objects. Any thread.
+class Journal {
+ public:
+  void Note(std::string entry) {
+    const std::lock_guard guard(m_mutex);
+    m_entries.push_back(std::move(entry));
+  }
+  [[nodiscard]] std::vector<std::string> Entries() const {
+    const std::lock_guard guard(m_mutex);
+    return m_entries;
+  }
+
+ private:
+  mutable std::mutex m_mutex;
+  std::vector<std::string> m_entries;
+};
+
+/// A line that does what a test tells it and notes what it is asked for.
+class ScriptedLine : public SerialLine {
+ public:
+  explicit ScriptedLine(Journal& journal) : m_journal(journal) {}
+
+  // What the calls give. Set before the line is used.
+  LineState state{.baudRate = 50, .byteSize = 6, .stopBits = StopBits::Two, .parity = Parity::Even};
+  bool getStateWorks = true;
+  bool setStateWorks = true;
+  bool setTimeoutsWorks = true;
+  bool purgeWorks = true;
+  bool closeWorks = true;
+  LineFailure failure;
+  std::function<IoResult(char*, std::size_t)> read;
+  std::function<IoResult(const char*, std::size_t)> write;
+  std::function<void()> cancel;
+
+  // What was asked for.
+  LineTimeouts timeouts;
+  std::size_t readSize = 0;
+  QByteArray written;
+
+  bool GetState(LineState& result) override {
+    m_journal.Note("get state");
+    if (getStateWorks) result = state;
+    return getStateWorks;
+  }
+  bool SetState(const LineState& wanted) override {
+    m_journal.Note("set state");
+    if (setStateWorks) state = wanted;
+    return setStateWorks;
+  }
+  bool SetTimeouts(const LineTimeouts& wanted) override {
+    m_journal.Note("set time-outs");
+    if (setTimeoutsWorks) timeouts = wanted;
+    return setTimeoutsWorks;
+  }
+  bool Purge() override {
+    m_journal.Note("purge");
+    return purgeWorks;
+  }
+  bool ClearError() override {
+    m_journal.Note("clear error");
+    return true;
+  }
+  IoResult Read(char* buffer, std::size_t size) override {
+    m_journal.Note("read");
+    readSize = size;
+    return read ? read(buffer, size) : IoResult{.ok = true, .bytes = 0};
+  }
+  IoResult Write(const char* data, std::size_t size) override {
+    m_journal.Note("write");
+    written.append(data, static_cast<qsizetype>(size));
+    return write ? write(data, size) : IoResult{.ok = true, .bytes = size};
+  }
+  void CancelIo() override {
+    m_journal.Note("cancel");
+    if (cancel) cancel();
+  }
+  void AllowIo() override { m_journal.Note("allow"); }
+  bool Close() override {
+    m_journal.Note("close");
+    return closeWorks;
+  }
+  [[nodiscard]] LineFailure LastFailure() const override { return failure; }
+
+ private:
+  Journal& m_journal;
+};
+
+}  // namespace quarn

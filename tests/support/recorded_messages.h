@@ -1,0 +1,48 @@
+#pragma once
+
+#include <QStringList>
+#include <deque>
+#include <functional>
+
+#include "ui/message_operations.h"
+
+namespace quarn::test {
+
+/// Messages written down instead of shown, one text each: kind, suffix and lines parted by "/". Questions
+/// get the answers laid out beforehand, and No when these have run out.
+class RecordedMessages final : public MessageOperations {
+ public:
+  QStringList shown;
+  std::deque<bool> answers;
+  /// Called while a message is up, as another window's timer would be.
+  std::function<void()> whileShown;
+
+  void ShowErrorMessage(const QString& captionSuffix, const QString& line0, const QString& line1,
+                        const QString& line2) override {
+    Record(QStringLiteral("error"), {captionSuffix, line0, line1, line2});
+  }
+  void ShowInformationMessage(const QString& captionSuffix, const QString& line0, const QString& line1,
+                              const QString& line2) override {
+    Record(QStringLiteral("information"), {captionSuffix, line0, line1, line2});
+  }
+  bool AskConfirmation(const QString& captionSuffix, const QString& line0, const QString& line1,
+                       const QString& line2) override {
+    Record(QStringLiteral("question"), {captionSuffix, line0, line1, line2});
+    if (answers.empty()) return false;
+    const bool answer = answers.front();
+    answers.pop_front();
+    return answer;
+  }
+  void ShowTransientMessage(const QString& text, std::optional<QPoint> /*position*/) override {
+    Record(QStringLiteral("transient"), {text});
+  }
+  void ShowPlainMessage(const QString& text) override { Record(QStringLiteral("plain"), {text}); }
+
+ private:
+  void Record(const QString& kind, const QStringList& texts) {
+    shown.append(kind + QLatin1Char('/') + texts.join(QLatin1Char('/')));
+    if (whileShown) whileShown();
+  }
+};
+
+}  // namespace quarn::test
