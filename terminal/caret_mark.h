@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QString>
+
+namespace quarn {
+
+/// `text` with its character at `position` replaced; behind the last character when the position is at
+/// or beyond the end. `position` must not be negative.
+inline QString WithCharacterAt(QString text, int position, QChar character) {
+  if (position < text.size()) {
+    text[position] = character;
+  } else {
+    text.append(character);
+  }
+  return text;
+}
+
+}  // namespace quarn

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QString>
+
+#include "terminal/command_line.h"
+#include "terminal/operation_log.h"
+#include "terminal/transaction.h"
+
+namespace quarn {
+
+/// What one command works on.
+struct ExecuteContext {
+  TransactionEngine& engine;
+  PortConnection& connection;
+  const SettingsRecord& settings;
+  OperationLog& log;
+  CommandLine& commandLine;
+};
+
+/// Runs one transaction and writes its outcome into the log. With a full log nothing is sent and the log
+/// stays as it is: the result is LogFull, which the caller reports. User-interface thread.
+TransactionResult ExecuteCommand(const ExecuteContext& context, TransactionHost& host,
+                                 const QString& command);
+
+}  // namespace quarn

@@ -1,0 +1,71 @@
+#include "terminal/framing.h"
+
+#include <algorithm>
+#include <array>
+
+namespace quarn {
+namespace {
+
+constexpr char kStx = 0x02;
+constexpr char kEtx = 0x03;
+constexpr char kLf = 0x0A;
+constexpr char kCr = 0x0D;
+
+/// The transmit buffer takes 1024 bytes, the last of them a NUL.
+constexpr qsizetype kLongestTransmission = 1023;
+
+/// How one delimiter frames a command and how its response is cleaned: `removed` goes, `lineEnd` becomes
+/// CR. Zero: nothing to remove or replace.
+struct Delimiter {
+  const char16_t* name;
+  const char* before;
+  const char* after;
+  char removed;
+  char lineEnd;
+};
+
+constexpr std::array<Delimiter, 4> kDelimiters = {{
+    {u"CR", "", "\r", 0, 0},
+    {u"LF", "", "\n", 0, kLf},
+    {u"CRLF", "", "\r\n", kLf, 0},
+    {u"STX_ETX", "\x02", "\x03", kStx, kEtx},
+}};
+static_assert(kStx == '\x02' && kEtx == '\x03' && kCr == '\r');
+
+const Delimiter& DelimiterNamed(const QString& name) {
+  const auto* const found = std::ranges::find_if(
+      kDelimiters, [&](const Delimiter& each) { return name == QStringView(each.name); });
+  return found == kDelimiters.end() ? kDelimiters.front() : *found;
+}
+
+}  // namespace
+
+FramedCommand FrameCommand(const QString& delimiter, const QString& command) {
+  const Delimiter& rule = DelimiterNamed(delimiter);
+  QByteArray bytes = rule.before + command.toLocal8Bit() + rule.after;
+  const char terminator = bytes.back();
+  return {std::move(bytes), terminator};
+}
+
+bool SendFramed(SerialLine& line, const FramedCommand& framed) {
+  const qsizetype end = framed.bytes.indexOf(framed.terminator);
+  if (end < 0 || end >= kLongestTransmission) return false;
+  const auto size = static_cast<std::size_t>(end) + 1;
+  const IoResult written = line.Write(framed.bytes.constData(), size);
+  return written.ok && written.bytes == size;
+}
+
+bool HoldsOnlyFraming(const QString& delimiter, const QByteArray& response) {
+  const Delimiter& rule = DelimiterNamed(delimiter);
+  return std::ranges::all_of(
+      response, [&](char each) { return each == rule.removed || (each == kEtx && rule.lineEnd == kEtx); });
+}
+
+QByteArray NormaliseResponse(const QString& delimiter, QByteArray response) {
+  const Delimiter& rule = DelimiterNamed(delimiter);
+  if (rule.removed != 0) response.replace(QByteArray(1, rule.removed), QByteArray());
+  if (rule.lineEnd != 0) response.replace(rule.lineEnd, kCr);
+  return response;
+}
+
+}  // namespace quarn

@@ -1,0 +1,74 @@
+#include "terminal/log_text.h"
+
+#include <algorithm>
+#include <array>
+
+#include "terminal/render.h"
+#include "terminal/screen_options.h"
+
+namespace quarn {
+namespace {
+
+constexpr char kCr = '\r';
+
+struct ErrorText {
+  TransactionResult result;
+  const char* text;
+};
+constexpr std::array<ErrorText, 5> kErrorTexts = {{
+    {TransactionResult::Timeout, "Error: Response Timeout Error"},
+    {TransactionResult::InvalidData, "Error: Received Invalid Data"},
+    {TransactionResult::Overflow, "Error: Receive Buffer Overflow"},
+    {TransactionResult::Aborted, "Warning: Aborted by ESC Key"},
+    {TransactionResult::AlreadyRunning, "Error: Communication Error"},
+}};
+
+QByteArray ErrorTextOf(TransactionResult result) {
+  const auto* const found = std::ranges::find(kErrorTexts, result, &ErrorText::result);
+  return found == kErrorTexts.end() ? QByteArray() : QByteArray(found->text);
+}
+
+struct LimitText {
+  const char16_t* comBuf;
+  const char* text;
+};
+constexpr std::array<LimitText, 3> kLimitTexts = {
+    {{u"1K", " (MAX. 1024)"}, {u"2K", " (MAX. 2048)"}, {u"6K", " (MAX. 6144)"}}};
+
+QByteArray LimitTextOf(const QString& comBuf) {
+  const auto* const found = std::ranges::find_if(
+      kLimitTexts, [&](const LimitText& each) { return comBuf == QStringView(each.comBuf); });
+  return found == kLimitTexts.end() ? kLimitTexts.front().text : found->text;
+}
+
+/// The response as lines, the last of them ended by exactly one CR.
+QByteArray ResponseLines(const QByteArray& response, const SettingsRecord& settings) {
+  QByteArray lines = WrapLogText(RenderBytesForLog(response), ScreenWidthOf(settings.inputMax).lineWidth);
+  while (lines.endsWith(kCr)) lines.chop(1);
+  return lines + kCr;
+}
+
+/// A truncated response breaks off somewhere in its last line: that line says so instead.
+QByteArray TruncatedLines(const QByteArray& response, const SettingsRecord& settings) {
+  QByteArray lines = ResponseLines(response, settings);
+  lines.chop(1);
+  lines.truncate(lines.lastIndexOf(kCr) + 1);
+  return lines + "..." + kCr;
+}
+
+}  // namespace
+
+QByteArray LogTextOf(TransactionResult result, const QString& command, const PortConnection& connection,
+                     const SettingsRecord& settings) {
+  if (result == TransactionResult::LogFull) return QByteArray(1, kCr);
+  QByteArray text = '[' + command.toLocal8Bit() + ']' + kCr;
+  if (result == TransactionResult::Received) return text + ResponseLines(connection.response, settings);
+  if (result == TransactionResult::Overflow) text += TruncatedLines(connection.response, settings);
+  text += ErrorTextOf(result);
+  if (result == TransactionResult::Overflow) {
+    text += " > " + QByteArray::number(connection.byteCount) + LimitTextOf(settings.comBuf);
+  }
+  return text + kCr + kCr;
+}
+
+}  // namespace quarn

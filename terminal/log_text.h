@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include "serial/port_connection.h"
+#include "settings/settings_record.h"
+#include "terminal/transaction.h"
+
+namespace quarn {
+
+/// The text that one transaction adds to the log: the command in square brackets, then the response,
+/// rendered and wrapped, or an error line and an empty line. Lines end in CR; two or more CRs at the end
+/// of a response are cut to one. LogFull, where no command was sent, gives a bare line end.
+QByteArray LogTextOf(TransactionResult result, const QString& command, const PortConnection& connection,
+                     const SettingsRecord& settings);
+
+}  // namespace quarn

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QString>
+#include <memory>
+#include <mutex>
+#include <thread>
+
+#include "serial/port_connection.h"
+#include "settings/settings_record.h"
+#include "terminal/waitable_flag.h"
+
+namespace quarn {
+
+/// The thread of one transaction: frames the command, purges the line, sends, and performs one blocking
+/// read, which is the whole response. The read ends when the line falls silent for its read interval.
+class ReceiveWorker {
+ public:
+  /// Starts at once on copies of settings and command. `busy` and `resultMutex` must outlive the worker;
+  /// `connection`'s transaction fields are written under `resultMutex`.
+  ReceiveWorker(const SettingsRecord& settings, PortConnection& connection, WaitableFlag& busy,
+                std::mutex& resultMutex);
+  /// Cancels the read if it still runs, and waits for the thread.
+  ~ReceiveWorker();
+  ReceiveWorker(const ReceiveWorker&) = delete;
+  ReceiveWorker& operator=(const ReceiveWorker&) = delete;
+
+  /// True when the thread has ended, false when `until` came first.
+  bool WaitEnded(std::chrono::steady_clock::time_point until) const { return m_running.WaitClear(until); }
+  /// Whether a response, or a read's failure, has reached the connection.
+  [[nodiscard]] bool HasDelivered() const;
+
+ private:
+  void Run();
+  void SendAndReceive();
+  void Deliver(const char* bytes, std::size_t count);
+  void DeliverFailure();
+
+  const SettingsRecord m_settings;
+  const QString m_command;
+  const std::shared_ptr<SerialLine> m_line;
+  PortConnection& m_connection;
+  WaitableFlag& m_busy;
+  std::mutex& m_resultMutex;
+  WaitableFlag m_running;
+  WaitableFlag m_settling;  ///< set until the pause after a response may be cut short
+  bool m_delivered = false;
+  std::thread m_thread;
+};
+
+}  // namespace quarn

@@ -1,0 +1,23 @@
+#include "terminal/terminal_title.h"
+
+#include "terminal/screen_options.h"
+
+namespace quarn {
+
+QString PortTitlePart(const QString& portName, bool open) {
+  return open || portName == u"NONE" ? portName : portName + QStringLiteral("-NC");
+}
+
+QString TerminalTitle(const QString& portName, bool open, const QString& inputMax, bool overwrite,
+                      const OperationLog& log) {
+  QString title = QStringLiteral("Quarn - Terminal Screeen (") + PortTitlePart(portName, open) +
+                  QStringLiteral(")  ") + ScreenWidthOf(inputMax).letter + QStringLiteral("- ") +
+                  (overwrite ? QStringLiteral("OVR") : QStringLiteral("INS"));
+  if (log.HasContent()) {
+    title += QStringLiteral("  [ ") + QString::number(log.TopLine() + 1) + QLatin1Char('-') +
+             QString::number(log.WritePos()) + QStringLiteral("  ]");
+  }
+  return title;
+}
+
+}  // namespace quarn

@@ -1,0 +1,88 @@
+#include "terminal/transaction.h"
+
+#include "terminal/framing.h"
+#include "terminal/receive_worker.h"
+#include "terminal/wait_plan.h"
+
+namespace quarn {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr std::chrono::milliseconds kPoll{10};
+constexpr std::chrono::milliseconds kWorkerGrace{500};
+constexpr std::int32_t kTruncated = 3;
+
+/// Holds the person's input for as long as it lives.
+class WaitScope {
+ public:
+  explicit WaitScope(TransactionHost& host) : m_host(host) { m_host.BeginWait(); }
+  ~WaitScope() { m_host.EndWait(); }
+  WaitScope(const WaitScope&) = delete;
+  WaitScope& operator=(const WaitScope&) = delete;
+
+ private:
+  TransactionHost& m_host;
+};
+
+}  // namespace
+
+TransactionEngine::TransactionEngine(PortConnection& connection) : m_connection(connection) {}
+
+TransactionEngine::~TransactionEngine() = default;
+
+TransactionResult TransactionEngine::RunTransaction(const SettingsRecord& settings, TransactionHost& host) {
+  if (m_busy.IsSet()) return TransactionResult::AlreadyRunning;
+  const WaitScope scope(host);
+  // A read left behind must be gone before this command's bytes go out: two reads would compete for one
+  // response. It also clears the busy flag at its end, so the flag comes after it.
+  m_worker.reset();
+  m_busy.TrySet();
+  m_worker = std::make_unique<ReceiveWorker>(settings, m_connection, m_busy, m_resultMutex);
+  const TransactionResult ended = WaitForWorker(settings, host);
+  EndWorker(host);
+  if (ended != TransactionResult::Received) return ended;
+  // Whoever else cleared the flag, the response is not here yet, and what the buffer holds is not it.
+  if (m_worker && !m_worker->HasDelivered()) return TransactionResult::Aborted;
+  return Evaluate(settings);
+}
+
+TransactionResult TransactionEngine::WaitForWorker(const SettingsRecord& settings, TransactionHost& host) {
+  WaitPlan plan(settings);
+  // Polls are counted from one start, so that what a poll itself takes does not add up.
+  Clock::time_point next = Clock::now();
+  while (m_busy.IsSet()) {
+    next += kPoll;
+    host.KeepPainting();
+    if (m_busy.WaitClear(next)) break;
+    const WaitPlan::Step step = plan.Next();
+    if (step == WaitPlan::Step::TimedOut) return TransactionResult::Timeout;
+    if (step == WaitPlan::Step::Continue) continue;
+    host.ShowWaitingText(WaitingText(m_connection.command, host.CaretPosition(), plan.Refreshes()));
+    host.KeepPainting();
+    if (host.EscapePressed()) return TransactionResult::Aborted;
+    ++m_pollCounter;
+  }
+  return TransactionResult::Received;
+}
+
+void TransactionEngine::EndWorker(TransactionHost& host) {
+  m_busy.Clear();
+  if (!m_worker) return;
+  const Clock::time_point end = Clock::now() + kWorkerGrace;
+  while (Clock::now() < end) {
+    if (m_worker->WaitEnded(std::min(end, Clock::now() + kPoll))) return;
+    host.KeepPainting();
+  }
+}
+
+TransactionResult TransactionEngine::Evaluate(const SettingsRecord& settings) {
+  const std::lock_guard guard(m_resultMutex);
+  m_connection.response = QByteArray(m_connection.receiveBuffer.data());
+  if (HoldsOnlyFraming(settings.delimiter, m_connection.response)) return TransactionResult::InvalidData;
+  if (m_connection.status == kTruncated) return TransactionResult::Overflow;
+  m_connection.response = NormaliseResponse(settings.delimiter, m_connection.response);
+  return TransactionResult::Received;
+}
+
+}  // namespace quarn

@@ -1,0 +1,67 @@
+#include "terminal/wait_plan.h"
+
+#include <algorithm>
+#include <array>
+
+#include "serial/line_parameters.h"
+#include "terminal/caret_mark.h"
+
+namespace quarn {
+namespace {
+
+struct BufferSize {
+  const char16_t* name;
+  int bytes;
+};
+constexpr std::array<BufferSize, 3> kBufferSizes = {{{u"1K", 1024}, {u"2K", 2048}, {u"6K", 6144}}};
+constexpr int kUnknownSizeForTimeout = 2048;
+constexpr int kUnknownSizeForLimit = 1024;
+
+constexpr double kReferenceRate = 1200.0;
+constexpr double kReferencePolls = 4000.0;
+constexpr double kLargestBuffer = 6144.0;
+constexpr int kFewestPolls = 50;
+constexpr int kPollsPerRefresh = 20;
+constexpr int kPlainRefreshes = 5;
+
+int BytesOf(const QString& comBuf, int unknown) {
+  const auto* const found = std::ranges::find_if(
+      kBufferSizes, [&](const BufferSize& each) { return comBuf == QStringView(each.name); });
+  return found == kBufferSizes.end() ? unknown : found->bytes;
+}
+
+}  // namespace
+
+int BufferSizeForTimeout(const QString& comBuf) { return BytesOf(comBuf, kUnknownSizeForTimeout); }
+
+int ResponseLimit(const QString& comBuf) { return BytesOf(comBuf, kUnknownSizeForLimit); }
+
+int TimeoutPolls(const SettingsRecord& settings) {
+  const double rate = NominalRateOf(settings.comBps);
+  const double size = BufferSizeForTimeout(settings.comBuf);
+  const double polls = kReferenceRate / rate * kReferencePolls * (kLargestBuffer / size);
+  return std::max(static_cast<int>(polls), kFewestPolls);
+}
+
+QString WaitingText(const QString& command, int caret, int refresh) {
+  const bool marked = refresh > kPlainRefreshes && (refresh - kPlainRefreshes) % 2 == 1;
+  if (!marked || caret < 0) return command;
+  return WithCharacterAt(command, caret, u'*');
+}
+
+WaitPlan::WaitPlan(const SettingsRecord& settings)
+    : m_limit(TimeoutPolls(settings)), m_limited(settings.rTimeout == u"ON") {}
+
+WaitPlan::Step WaitPlan::Next() {
+  if (m_limited && m_polls > m_limit) return Step::TimedOut;
+  ++m_iterations;
+  if (m_iterations % kPollsPerRefresh != 0) {
+    // Without a time-out a wait may last for ever; the count must not.
+    if (m_polls <= m_limit) ++m_polls;
+    return Step::Continue;
+  }
+  ++m_refreshes;
+  return Step::Refresh;
+}
+
+}  // namespace quarn

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "serial/line_parameters.h"
+#include "serial/open_port.h"
+#include "serial/serial_line_posix.h"
+#include "support/served_instrument.h"
+#include "tests/line/line_test_support.h"
+#include "tests/transaction/scripted_host.h"
+
+namespace quarn {
+
+using test::ServedInstrument;
+
+/// Settings under which a response ends after 180 ms of silence, and only a silent line or ESC ends the
+/// wait for one: no test depends on how fast the machine is.
+inline SettingsRecord PatientSettings() {
+  SettingsRecord settings;
+  settings.delimiter = QStringLiteral("CR");
+  settings.comBps = QStringLiteral("4800");
+  settings.comBuf = QStringLiteral("1K");
+  settings.portSpeed = QStringLiteral("HIGH");
+  settings.rTimeout = QStringLiteral("OFF");
+  settings.inputMax = QStringLiteral("N");
+  return settings;
+}
+
+/// Transactions over a real pseudo-terminal with a simulated instrument at its far end.
+class TransactionTest : public testing::Test {
+ protected:
+  /// Before what a test scripted for the line goes.
+  void TearDown() override { m_engine.reset(); }
+
+  /// The line gets the time-outs of the settings, which have to be made before.
+  void Serve(device::Rules rules) {
+    m_instrument.emplace(std::move(rules));
+    const OpenResult opened = OpenTerminalDevice(m_instrument->NodePath());
+    ASSERT_TRUE(opened.line) << opened.failure.reason.toStdString();
+    ASSERT_TRUE(opened.line->SetTimeouts(TimeoutsOf(m_settings.comBps, m_settings.portSpeed)));
+    m_connection.handle = PortHandle(opened.line);
+  }
+  void Serve(const std::string& rules) { Serve(device::ParseRules(rules)); }
+
+  /// The shortest response time-out there is: 50 polls.
+  void SetShortestTimeout() {
+    m_settings.comBps = QStringLiteral("115200");
+    m_settings.comBuf = QStringLiteral("6K");
+    m_settings.rTimeout = QStringLiteral("ON");
+  }
+
+  TransactionResult Run(const char* command) {
+    m_connection.command = QString::fromUtf8(command);
+    return m_engine->RunTransaction(m_settings, m_host);
+  }
+  [[nodiscard]] const QByteArray& Response() const { return m_connection.response; }
+
+  SettingsRecord m_settings = PatientSettings();
+  std::optional<ServedInstrument> m_instrument;
+  PortConnection m_connection;
+  ScriptedHost m_host;
+  std::unique_ptr<TransactionEngine> m_engine = std::make_unique<TransactionEngine>(m_connection);
+};
+
+}  // namespace quarn
