@@ -1,0 +1,266 @@
+#include "ui/input_hold.h"
+
+#include <gtest/gtest.h>
+
+#include <QAction>
+#include <QApplication>
+#include <QBasicTimer>
+#include <QPushButton>
+#include <QTest>
+#include <QWidget>
+#include <QWindow>
+
+namespace quarn::test {
+namespace {
+
+/// Writes down what reaches it.
+class Recorder final : public QWidget {
+ public:
+  Recorder() {
+    setFocusPolicy(Qt::StrongFocus);
+    setAttribute(Qt::WA_InputMethodEnabled);
+    resize(100, 100);
+    show();
+    activateWindow();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(this));
+  }
+  QStringList events;
+  int timers = 0;
+  int paints = 0;
+
+ protected:
+  bool event(QEvent* event) override {
+    switch (event->type()) {
+      case QEvent::KeyPress:
+        events.append(QStringLiteral("key ") + static_cast<QKeyEvent*>(event)->text());
+        break;
+      case QEvent::MouseButtonPress:
+        events.append(QStringLiteral("press"));
+        break;
+      case QEvent::MouseButtonRelease:
+        events.append(QStringLiteral("release"));
+        break;
+      case QEvent::Wheel:
+        events.append(QStringLiteral("wheel"));
+        break;
+      case QEvent::InputMethod:
+        events.append(QStringLiteral("composed ") + static_cast<QInputMethodEvent*>(event)->commitString());
+        break;
+      case QEvent::Close:
+        events.append(QStringLiteral("close"));
+        break;
+      case QEvent::Timer:
+        ++timers;
+        break;
+      case QEvent::Paint:
+        ++paints;
+        break;
+      default:
+        break;
+    }
+    return QWidget::event(event);
+  }
+};
+
+TEST(InputHold, KeepsKeysAndClicksAndHandsThemOnInOrder) {
+  Recorder window;
+  InputHold hold;
+  hold.Begin();
+  QTest::keyClick(window.windowHandle(), 'a');
+  QTest::mouseClick(window.windowHandle(), Qt::LeftButton, {}, QPoint(10, 10));
+  QWheelEvent wheel(QPointF(10, 10), window.mapToGlobal(QPointF(10, 10)), QPoint(), QPoint(0, 120),
+                    Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+  QCoreApplication::sendEvent(window.windowHandle(), &wheel);
+  QTest::keyClick(window.windowHandle(), 'b');
+  hold.Pump();
+  EXPECT_EQ(window.events, QStringList());
+  hold.End();
+  EXPECT_FALSE(hold.IsHolding());
+  QCoreApplication::processEvents();
+  EXPECT_EQ(window.events.join(u','), QStringLiteral("key a,press,release,wheel,key b"));
+}
+
+TEST(InputHold, PaintsButRunsNoTimer) {
+  Recorder window;
+  QBasicTimer timer;
+  timer.start(1, &window);
+  InputHold hold;
+  hold.Begin();
+  window.paints = 0;
+  window.update();
+  EXPECT_TRUE(QTest::qWaitFor([&] {
+    hold.Pump();
+    return window.paints > 0;
+  }));
+  window.timers = 0;
+  for (int i = 0; i < 20; ++i) {
+    QTest::qSleep(1);
+    hold.Pump();
+  }
+  EXPECT_EQ(window.timers, 0);
+  hold.End();
+  EXPECT_TRUE(QTest::qWaitFor([&] { return window.timers > 0; }));
+}
+
+TEST(InputHold, NoticesEscapeAndUsesItUp) {
+  Recorder window;
+  InputHold hold;
+  hold.Begin();
+  EXPECT_FALSE(hold.EscapePressed());
+  QTest::keyClick(window.windowHandle(), Qt::Key_Escape);
+  EXPECT_TRUE(hold.EscapePressed());
+  hold.UseEscape();
+  QTest::keyClick(window.windowHandle(), 'a');
+  hold.End();
+  QCoreApplication::processEvents();
+  EXPECT_EQ(window.events.join(u','), QStringLiteral("key a"));
+}
+
+TEST(InputHold, AnEscapeThatNobodyUsedIsHandedOn) {
+  Recorder window;
+  InputHold hold;
+  hold.Begin();
+  QTest::keyClick(window.windowHandle(), Qt::Key_Escape);
+  hold.End();
+  QCoreApplication::processEvents();
+  EXPECT_EQ(window.events.size(), 1);
+  // The next wait starts without it.
+  hold.Begin();
+  EXPECT_FALSE(hold.EscapePressed());
+  hold.End();
+}
+
+TEST(InputHold, ACloseWaits) {
+  Recorder window;
+  InputHold hold;
+  hold.Begin();
+  window.windowHandle()->close();
+  hold.Pump();
+  EXPECT_TRUE(window.isVisible());
+  hold.End();
+  EXPECT_TRUE(QTest::qWaitFor([&] { return !window.isVisible(); }));
+  EXPECT_TRUE(window.events.contains(QStringLiteral("close")));
+}
+
+TEST(InputHold, KeepsOneStepOfALongWayOfThePointer) {
+  Recorder window;
+  InputHold hold;
+  hold.Begin();
+  for (int i = 0; i < 50; ++i) QTest::mouseMove(window.windowHandle(), QPoint(i, i));
+  QTest::mousePress(window.windowHandle(), Qt::LeftButton, {}, QPoint(50, 50));
+  hold.End();
+  QCoreApplication::processEvents();
+  EXPECT_EQ(window.events.join(u','), QStringLiteral("press"));
+  QTest::mouseRelease(window.windowHandle(), Qt::LeftButton, {}, QPoint(50, 50));
+}
+
+TEST(InputHold, EachClickLandsWhereItWasMade) {
+  Recorder window;
+  QStringList clicked;
+  std::vector<std::unique_ptr<QPushButton>> buttons;
+  for (const char* name : {"A", "B"}) {
+    auto button = std::make_unique<QPushButton>(QLatin1String(name), &window);
+    button->setGeometry(static_cast<int>(buttons.size()) * 50, 0, 40, 40);
+    button->show();
+    QObject::connect(button.get(), &QPushButton::clicked,
+                     [&clicked, name] { clicked.append(QLatin1String(name)); });
+    buttons.push_back(std::move(button));
+  }
+  InputHold hold;
+  hold.Begin();
+  QTest::mouseClick(window.windowHandle(), Qt::LeftButton, {}, QPoint(20, 20));
+  QTest::mouseClick(window.windowHandle(), Qt::LeftButton, {}, QPoint(70, 20));
+  QTest::mouseMove(window.windowHandle(), QPoint(20, 90));
+  hold.End();
+  EXPECT_TRUE(clicked.isEmpty());
+  QCoreApplication::processEvents();
+  EXPECT_EQ(clicked.join(u','), QStringLiteral("A,B"));
+}
+
+TEST(InputHold, NewerInputStaysBehindTheHeld) {
+  Recorder window;
+  InputHold hold;
+  hold.Begin();
+  QTest::keyClick(window.windowHandle(), 'a');
+  hold.End();
+  // Before the event loop has run again.
+  QKeyEvent newer(QEvent::KeyPress, Qt::Key_B, Qt::NoModifier, QStringLiteral("b"));
+  QCoreApplication::sendEvent(window.windowHandle(), &newer);
+  EXPECT_TRUE(window.events.isEmpty());
+  QCoreApplication::processEvents();
+  EXPECT_EQ(window.events.join(u','), QStringLiteral("key a,key b"));
+  QTest::keyClick(window.windowHandle(), 'c');
+  EXPECT_EQ(window.events.last(), QStringLiteral("key c"));
+}
+
+TEST(InputHold, AHoldThatAHeldKeyBeginsKeepsTheRest) {
+  class Beginner final : public QObject {
+   public:
+    explicit Beginner(InputHold* hold) : m_hold(hold) {}
+    bool eventFilter(QObject*, QEvent* event) override {
+      if (event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->key() == Qt::Key_A)
+        m_hold->Begin();
+      return false;
+    }
+
+   private:
+    InputHold* m_hold;
+  };
+  Recorder window;
+  InputHold hold;
+  Beginner beginner(&hold);
+  window.installEventFilter(&beginner);
+  hold.Begin();
+  for (const char key : {'a', 'b'}) QTest::keyClick(window.windowHandle(), key);
+  hold.End();
+  QCoreApplication::processEvents();
+  EXPECT_TRUE(hold.IsHolding());
+  EXPECT_EQ(window.events.join(u','), QStringLiteral("key a"));
+  QTest::keyClick(window.windowHandle(), 'c');
+  hold.End();
+  QCoreApplication::processEvents();
+  EXPECT_EQ(window.events.join(u','), QStringLiteral("key a,key b,key c"));
+}
+
+TEST(InputHold, DropsTheRepeatsOfAHeldKey) {
+  Recorder window;
+  InputHold hold;
+  hold.Begin();
+  for (const bool repeat : {false, true, true}) {
+    QKeyEvent key(QEvent::KeyPress, Qt::Key_A, Qt::NoModifier, QStringLiteral("a"), repeat);
+    QCoreApplication::sendEvent(window.windowHandle(), &key);
+  }
+  hold.End();
+  QCoreApplication::processEvents();
+  EXPECT_EQ(window.events.join(u','), QStringLiteral("key a"));
+}
+
+TEST(InputHold, KeepsComposedTextAndMenuKeys) {
+  Recorder window;
+  InputHold hold;
+  hold.Begin();
+  QInputMethodEvent composed;
+  composed.setCommitString(QStringLiteral("x"));
+  QCoreApplication::sendEvent(&window, &composed);
+  QAction action;
+  QShortcutEvent shortcut(QKeySequence(QStringLiteral("Ctrl+S")), 1);
+  QCoreApplication::sendEvent(&action, &shortcut);
+  EXPECT_TRUE(window.events.isEmpty());
+  hold.End();
+  QCoreApplication::processEvents();
+  EXPECT_EQ(window.events.join(u','), QStringLiteral("composed x"));
+}
+
+TEST(InputHold, AWindowThatIsGoneGetsNothing) {
+  auto window = std::make_unique<Recorder>();
+  InputHold hold;
+  hold.Begin();
+  QTest::keyClick(window->windowHandle(), 'a');
+  window.reset();
+  hold.End();
+  QCoreApplication::processEvents();
+  EXPECT_FALSE(hold.IsHolding());
+}
+
+}  // namespace
+}  // namespace quarn::test

@@ -1,0 +1,57 @@
+#include "ui/placement.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QScreen>
+#include <QWidget>
+
+namespace quarn {
+namespace {
+
+TEST(Placement, CentresALittleAboveTheMiddle) {
+  EXPECT_EQ(CentredPosition({1920, 1080}, {400, 200}), QPoint(760, 410));
+  EXPECT_EQ(CentredPosition({1921, 1081}, {401, 201}), QPoint(960 - 200, 540 - 100 - 30));
+}
+
+TEST(Placement, NeverAboveTheTop) {
+  EXPECT_EQ(CentredPosition({640, 480}, {300, 600}), QPoint(170, 0));
+  EXPECT_EQ(CentredPosition({640, 480}, {300, 440}).y(), 0);
+}
+
+TEST(Placement, ByPercentIsTruncated) {
+  EXPECT_EQ(PercentPosition({1920, 1080}, {400, 200}, 98, 3), QPoint(1489, 26));
+  EXPECT_EQ(PercentPosition({1920, 1080}, {400, 200}, 3, 3), QPoint(45, 26));
+  EXPECT_EQ(PercentPosition({100, 100}, {133, 133}, 50, 50), QPoint(-16, -16));
+}
+
+TEST(Placement, MovesAWindowAndKeepsItsSize) {
+  QWidget window;
+  window.resize(200, 100);
+  window.show();
+  CenterOnScreen(window);
+  const QSize screen = QGuiApplication::primaryScreen()->geometry().size();
+  EXPECT_EQ(window.pos(), CentredPosition(screen, QSize(200, 100).grownBy(FrameOf(window))));
+  EXPECT_EQ(window.size(), QSize(200, 100));
+  PlaceOnScreenByPercent(window, 98, 3);
+  EXPECT_EQ(window.pos(), PercentPosition(screen, QSize(200, 100).grownBy(FrameOf(window)), 98, 3));
+}
+
+TEST(Placement, AFrameThatNobodyReportsHasTheUsualSize) {
+  const QWidget neverShown;
+  const QMargins frame = FrameOf(neverShown);
+  EXPECT_EQ(frame.left() + frame.right(), 16);
+  EXPECT_EQ(frame.top() + frame.bottom(), 39);
+}
+
+TEST(Placement, DialogUnitsGrowWithTheFont) {
+  QFont font = QApplication::font();
+  const QRect normal = MapDialogUnits(font, {4, 8, 40, 80});
+  font.setPointSizeF(font.pointSizeF() * 2);
+  const QRect twice = MapDialogUnits(font, {4, 8, 40, 80});
+  EXPECT_GT(twice.width(), normal.width() * 3 / 2);
+  EXPECT_GT(twice.height(), normal.height() * 3 / 2);
+}
+
+}  // namespace
+}  // namespace quarn

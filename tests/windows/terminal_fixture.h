@@ -1,0 +1,104 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QClipboard>
+#include <QMenu>
+#include <QPointer>
+#include <QPushButton>
+#include <QTest>
+#include <memory>
+
+#include "serial/serial_line_posix.h"
+#include "settings/settings_table.h"
+#include "support/recorded_messages.h"
+#include "support/served_instrument.h"
+#include "terminal/dialogs/terminal_screen.h"
+#include "ui/control.h"
+#include "ui/static_text.h"
+
+namespace quarn::test {
+
+/// A Terminal Screen on a real pseudo-terminal with an instrument behind it.
+class TerminalFixture : public ::testing::Test {
+ protected:
+  TerminalFixture() {
+    settings = DefaultSettings();
+    settings.comPort = QStringLiteral("COM3");
+    settings.comBps = QStringLiteral("115200");
+    settings.comBuf = QStringLiteral("6K");
+    state.currentPortName = settings.comPort;
+  }
+  ~TerminalFixture() override {
+    delete window.data();
+    QApplication::clipboard()->clear();
+  }
+
+  void Connect(std::string_view rules) {
+    instrument = std::make_unique<ServedInstrument>(rules);
+    OpenResult opened = OpenTerminalDevice(instrument->NodePath());
+    ASSERT_TRUE(opened.line) << opened.failure.reason.toStdString();
+    opened.line->SetTimeouts({.readInterval = 12,
+                              .readTotalMultiplier = 10,
+                              .readTotalConstant = 50,
+                              .writeTotalMultiplier = 10,
+                              .writeTotalConstant = 50});
+    connection.handle = PortHandle(opened.line);
+    connection.connected = true;
+  }
+
+  CTerminalScreen& Open() {
+    state.open.terminalScreen = true;
+    window = new CTerminalScreen(
+        nullptr, {settings, connection, state, engine, log, commandLine, messages, savedRect});
+    window->show();
+    window->activateWindow();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(window));
+    return *window;
+  }
+
+  QPushButton& Button(const char* caption) {
+    auto* button = window->findChild<QPushButton*>(QLatin1String(caption));
+    EXPECT_NE(button, nullptr) << caption;
+    return *button;
+  }
+  void Click(const char* caption, Qt::KeyboardModifiers modifiers = {}) {
+    QTest::mouseClick(&Button(caption), Qt::LeftButton, modifiers);
+  }
+  /// A key as the person presses it: to whatever has the focus.
+  void Press(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
+    QTest::keyClick(QApplication::focusWidget(), key, modifiers);
+  }
+  void Type(const char* text) { QTest::keyClicks(QApplication::focusWidget(), QLatin1String(text)); }
+  QAction* MenuItem(const char* text) {
+    for (QAction* each : window->ContextMenu().actions()) {
+      if (each->text() == QLatin1String(text)) return each;
+    }
+    ADD_FAILURE() << "no menu item " << text;
+    return nullptr;
+  }
+  QString DisplayedCommand() const {
+    return window->findChild<StaticText*>(QStringLiteral("commandLine"))->Text();
+  }
+  void Tick() { QTest::qWait(PolledDialog::kTickMs + PolledDialog::kTickMs / 2); }
+  /// Lets ticks run until the condition holds.
+  template <typename Condition>
+  static bool Until(Condition condition, int limitMs = 10000) {
+    return QTest::qWaitFor(condition, limitMs);
+  }
+  QString Clipboard() const { return QApplication::clipboard()->text(); }
+
+  SettingsRecord settings;
+  PortConnection connection;
+  SharedState state;
+  OperationLog log;
+  CommandLine commandLine;
+  QRect savedRect;
+  RecordedMessages messages;
+  TransactionEngine engine{connection};
+  std::unique_ptr<ServedInstrument> instrument;
+  QPointer<CTerminalScreen> window;
+};
+
+}  // namespace quarn::test

@@ -1,0 +1,162 @@
+#include "ui/input_hold.h"
+
+#include <QCoreApplication>
+#include <QDragEnterEvent>
+#include <QEventLoop>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QWheelEvent>
+#include <utility>
+
+namespace quarn {
+namespace {
+
+enum class Treatment { Pass, Keep, Drop };
+
+const QEvent::Type kHandOn = static_cast<QEvent::Type>(QEvent::registerEventType());
+
+/// Keys and pointers reach the program as events to its QWindows, which hand them on to widgets: they are
+/// caught at the window, once. What an input method commits goes to the widget with the focus.
+Treatment TreatmentOf(const QObject& receiver, QEvent::Type type) {
+  switch (type) {
+    case QEvent::KeyPress:
+    case QEvent::KeyRelease:
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonRelease:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::MouseMove:
+    case QEvent::Wheel:
+    case QEvent::TouchBegin:
+    case QEvent::TouchUpdate:
+    case QEvent::TouchEnd:
+    case QEvent::ContextMenu:
+    case QEvent::Close:
+      return receiver.isWindowType() ? Treatment::Keep : Treatment::Pass;
+    case QEvent::InputMethod:
+    case QEvent::Quit:
+    case QEvent::Shortcut:
+      return Treatment::Keep;
+    case QEvent::DragEnter:
+    case QEvent::DragMove:
+    case QEvent::Drop:
+      return Treatment::Drop;  // their data is gone by the time they could be handed on
+    // A window paces its repaints with a timer of its own.
+    case QEvent::Timer:
+      return receiver.isWindowType() ? Treatment::Pass : Treatment::Drop;
+    default:
+      return Treatment::Pass;
+  }
+}
+
+const QKeyEvent* AsKey(const QEvent& event) {
+  const bool key = event.type() == QEvent::KeyPress || event.type() == QEvent::KeyRelease;
+  return key ? static_cast<const QKeyEvent*>(&event) : nullptr;
+}
+
+std::function<std::unique_ptr<QEvent>()> MouseMaker(const QMouseEvent& event) {
+  return [type = event.type(), position = event.position(), scene = event.scenePosition(),
+          global = event.globalPosition(), button = event.button(), buttons = event.buttons(),
+          modifiers = event.modifiers(), device = event.pointingDevice()]() -> std::unique_ptr<QEvent> {
+    return std::make_unique<QMouseEvent>(type, position, scene, global, button, buttons, modifiers, device);
+  };
+}
+
+std::function<std::unique_ptr<QEvent>()> WheelMaker(const QWheelEvent& event) {
+  return [position = event.position(), global = event.globalPosition(), pixels = event.pixelDelta(),
+          angle = event.angleDelta(), buttons = event.buttons(), modifiers = event.modifiers(),
+          phase = event.phase(), inverted = event.inverted(), source = event.source(),
+          device = event.pointingDevice()]() -> std::unique_ptr<QEvent> {
+    return std::make_unique<QWheelEvent>(position, global, pixels, angle, buttons, modifiers, phase, inverted,
+                                         source, device);
+  };
+}
+
+std::function<std::unique_ptr<QEvent>()> MakerOf(const QEvent& event) {
+  switch (event.type()) {
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonRelease:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::MouseMove:
+      return MouseMaker(static_cast<const QMouseEvent&>(event));
+    case QEvent::Wheel:
+      return WheelMaker(static_cast<const QWheelEvent&>(event));
+    default:
+      break;
+  }
+  return [kept = std::shared_ptr<QEvent>(event.clone())] { return std::unique_ptr<QEvent>(kept->clone()); };
+}
+
+}  // namespace
+
+InputHold::InputHold(QObject* parent) : QObject(parent) {}
+
+InputHold::~InputHold() = default;
+
+void InputHold::Begin() {
+  m_holding = true;
+  m_escapePressed = false;
+  m_escapeUsed = false;
+  QCoreApplication::instance()->installEventFilter(this);
+}
+
+void InputHold::End() {
+  m_holding = false;
+  if (m_escapeUsed) DropUsedEscapes();
+  if (m_held.empty()) {
+    QCoreApplication::instance()->removeEventFilter(this);
+  } else {
+    QCoreApplication::postEvent(this, new QEvent(kHandOn));
+  }
+}
+
+void InputHold::Pump() { QCoreApplication::processEvents(QEventLoop::AllEvents); }
+
+bool InputHold::event(QEvent* event) {
+  if (event->type() != kHandOn) return QObject::event(event);
+  HandOn();
+  return true;
+}
+
+void InputHold::HandOn() {
+  // A key that is handed on may begin the next hold; what is left waits for its end then, in front of
+  // what comes meanwhile. It may also open a box with an event loop of its own that gets here again.
+  if (m_holding || m_handingOn) return;
+  m_handingOn = true;
+  while (!m_held.empty() && !m_holding) {
+    const Held held = std::move(m_held.front());
+    m_held.pop_front();
+    if (!held.receiver.isNull()) QCoreApplication::sendEvent(held.receiver, held.make().get());
+  }
+  m_handingOn = false;
+  if (m_held.empty() && !m_holding) QCoreApplication::instance()->removeEventFilter(this);
+}
+
+bool InputHold::eventFilter(QObject* receiver, QEvent* event) {
+  const Treatment treatment = TreatmentOf(*receiver, event->type());
+  // Between End and the handing on, newer input queues up behind the older; timers run again.
+  const bool queueing = !m_holding && !m_handingOn && !m_held.empty();
+  if (!m_holding && !(queueing && treatment == Treatment::Keep)) return false;
+  if (treatment == Treatment::Pass) return false;
+  if (treatment == Treatment::Keep) Keep(receiver, *event);
+  event->ignore();
+  return true;
+}
+
+void InputHold::Keep(QObject* receiver, const QEvent& event) {
+  const QKeyEvent* key = AsKey(event);
+  if (key != nullptr && key->isAutoRepeat()) return;
+  const bool escape = key != nullptr && key->key() == Qt::Key_Escape;
+  if (escape && event.type() == QEvent::KeyPress) m_escapePressed = true;
+  // The pointer's way does not matter, only where it stood at each click; keeping every step of it could
+  // fill memory during a long wait.
+  if (event.type() == QEvent::MouseMove && !m_held.empty() && m_held.back().type == QEvent::MouseMove) {
+    m_held.pop_back();
+  }
+  m_held.push_back({receiver, event.type(), escape, MakerOf(event)});
+}
+
+void InputHold::DropUsedEscapes() {
+  std::erase_if(m_held, [](const Held& held) { return held.escape; });
+}
+
+}  // namespace quarn

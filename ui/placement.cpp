@@ -1,0 +1,73 @@
+#include "ui/placement.h"
+
+#include <QFontMetricsF>
+#include <QGuiApplication>
+#include <QScreen>
+#include <QWidget>
+#include <QWindow>
+#include <algorithm>
+#include <cmath>
+
+namespace quarn {
+namespace {
+
+constexpr int kLift = 30;
+constexpr QMargins kUnreportedFrame{8, 31, 8, 8};
+
+QSize PrimaryScreenSize() {
+  const QScreen* screen = QGuiApplication::primaryScreen();
+  return screen != nullptr ? screen->geometry().size() : QSize();
+}
+
+QPoint PrimaryScreenOrigin() {
+  const QScreen* screen = QGuiApplication::primaryScreen();
+  return screen != nullptr ? screen->geometry().topLeft() : QPoint();
+}
+
+}  // namespace
+
+QPoint CentredPosition(QSize screen, QSize window) {
+  return {screen.width() / 2 - window.width() / 2,
+          std::max(screen.height() / 2 - window.height() / 2 - kLift, 0)};
+}
+
+QPoint PercentPosition(QSize screen, QSize window, int xPercent, int yPercent) {
+  constexpr double kWhole = 100.0;
+  const QSize left = screen - window;
+  return {static_cast<int>(left.width() * double(xPercent) / kWhole),
+          static_cast<int>(left.height() * double(yPercent) / kWhole)};
+}
+
+void CenterOnScreen(QWidget& window) {
+  window.move(PrimaryScreenOrigin() + CentredPosition(PrimaryScreenSize(), OuterSize(window)));
+}
+
+void PlaceOnScreenByPercent(QWidget& window, int xPercent, int yPercent) {
+  window.move(PrimaryScreenOrigin() +
+              PercentPosition(PrimaryScreenSize(), OuterSize(window), xPercent, yPercent));
+}
+
+QMargins FrameOf(const QWidget& window) {
+  const QWindow* handle = window.windowHandle();
+  const QMargins reported = handle != nullptr ? handle->frameMargins() : QMargins();
+  return reported.isNull() ? kUnreportedFrame : reported;
+}
+
+QSize OuterSize(const QWidget& window) { return window.size().grownBy(FrameOf(window)); }
+
+QRect MapDialogUnits(const QFont& font, const QRect& units) {
+  constexpr double kAlphabet = 52.0;
+  constexpr double kUnitsPerWidth = 4.0;
+  constexpr double kUnitsPerHeight = 8.0;
+  const QFontMetricsF metrics(font);
+  const double baseX =
+      metrics.horizontalAdvance(QStringLiteral("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz")) /
+      kAlphabet;
+  const auto x = [baseX](int value) { return static_cast<int>(std::lround(value * baseX / kUnitsPerWidth)); };
+  const auto y = [&metrics](int value) {
+    return static_cast<int>(std::lround(value * metrics.height() / kUnitsPerHeight));
+  };
+  return {x(units.x()), y(units.y()), x(units.width()), y(units.height())};
+}
+
+}  // namespace quarn

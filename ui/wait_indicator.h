@@ -1,0 +1,25 @@
+#pragma once
+
+namespace quarn {
+
+/// Shows the person that the program works (the hourglass cursor). Plain, so that every layer may use it.
+class WaitIndicator {
+ public:
+  virtual ~WaitIndicator() = default;
+  virtual void Show() = 0;
+  virtual void Restore() = 0;
+};
+
+/// Shows the indicator for as long as it lives.
+class WaitShown {
+ public:
+  explicit WaitShown(WaitIndicator& indicator) : m_indicator(indicator) { m_indicator.Show(); }
+  ~WaitShown() { m_indicator.Restore(); }
+  WaitShown(const WaitShown&) = delete;
+  WaitShown& operator=(const WaitShown&) = delete;
+
+ private:
+  WaitIndicator& m_indicator;
+};
+
+}  // namespace quarn

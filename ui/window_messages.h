@@ -1,0 +1,20 @@
+#pragma once
+
+#include "ui/message_operations.h"
+
+namespace quarn {
+
+/// Messages as real boxes over the window that is active.
+class WindowMessages final : public MessageOperations {
+ public:
+  void ShowErrorMessage(const QString& captionSuffix, const QString& line0, const QString& line1,
+                        const QString& line2) override;
+  void ShowInformationMessage(const QString& captionSuffix, const QString& line0, const QString& line1,
+                              const QString& line2) override;
+  bool AskConfirmation(const QString& captionSuffix, const QString& line0, const QString& line1,
+                       const QString& line2) override;
+  void ShowTransientMessage(const QString& text, std::optional<QPoint> position) override;
+  void ShowPlainMessage(const QString& text) override;
+};
+
+}  // namespace quarn
