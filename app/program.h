@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QRect>
+#include <QString>
+#include <memory>
+
+#include "serial/open_port.h"
+#include "serial/port_connection.h"
+#include "serial/port_source.h"
+#include "settings/settings_record.h"
+#include "terminal/command_line.h"
+#include "terminal/operation_log.h"
+#include "terminal/transaction.h"
+#include "ui/message_operations.h"
+#include "ui/shared_state.h"
+#include "ui/wait_indicator.h"
+
+namespace quarn {
+
+/// The one instance of everything that lives as long as the process. Handed to whoever needs it, never
+/// reached for.
+struct Program {
+  Program(QString folder, std::unique_ptr<SerialLineOpener> lineOpener, std::unique_ptr<PortSource> source,
+          std::unique_ptr<MessageOperations> messageOperations, std::unique_ptr<WaitIndicator> indicator);
+
+  [[nodiscard]] PortEnvironment Environment() const { return {*opener, *messages, *waitIndicator}; }
+
+  const QString dataFolder;  ///< ends with a separator
+  const QString workingSettingsFile;
+
+  SettingsRecord settings;
+  PortConnection connection;
+  SharedState state;
+  OperationLog log;
+  CommandLine commandLine;
+  QRect savedTerminalRect;
+
+  const std::unique_ptr<SerialLineOpener> opener;
+  const std::unique_ptr<PortSource> portSource;
+  const std::unique_ptr<MessageOperations> messages;
+  const std::unique_ptr<WaitIndicator> waitIndicator;
+  TransactionEngine engine;  ///< last: its worker must be gone before anything that it uses
+};
+
+}  // namespace quarn

@@ -1,0 +1,71 @@
+#include "device/pseudo_terminal.h"
+
+#include <fcntl.h>
+#include <stdlib.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+namespace quarn::device {
+namespace {
+
+[[noreturn]] void Throw(const std::string& what) {
+  throw std::system_error(errno, std::generic_category(), what);
+}
+
+void MakeRaw(int fd) {
+  termios state{};
+  if (tcgetattr(fd, &state) != 0) Throw("tcgetattr");
+  cfmakeraw(&state);
+  if (tcsetattr(fd, TCSANOW, &state) != 0) Throw("tcsetattr");
+}
+
+void CloseQuietly(int& fd) {
+  if (fd >= 0) ::close(std::exchange(fd, -1));
+}
+
+}  // namespace
+
+PseudoTerminal::PseudoTerminal() {
+  m_far = posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+  if (m_far < 0) Throw("posix_openpt");
+  std::array<char, 64> name{};
+  if (grantpt(m_far) != 0 || unlockpt(m_far) != 0 || ptsname_r(m_far, name.data(), name.size()) != 0) {
+    CloseQuietly(m_far);
+    Throw("pseudo-terminal");
+  }
+  m_nodePath = name.data();
+  m_near = ::open(m_nodePath.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+  if (m_near < 0) {
+    CloseQuietly(m_far);
+    Throw(m_nodePath);
+  }
+  MakeRaw(m_near);
+}
+
+PseudoTerminal::~PseudoTerminal() { HangUp(); }
+
+void PseudoTerminal::HangUp() {
+  CloseQuietly(m_near);
+  CloseQuietly(m_far);
+}
+
+NodeLink::NodeLink(std::string linkPath, const std::string& target)
+    : m_linkPath(std::move(linkPath)), m_target(target) {
+  namespace fs = std::filesystem;
+  if (fs::is_symlink(m_linkPath)) fs::remove(m_linkPath);
+  if (::symlink(m_target.c_str(), m_linkPath.c_str()) != 0) Throw(m_linkPath);
+}
+
+NodeLink::~NodeLink() {
+  // Somebody may have put a link of their own there meanwhile.
+  std::error_code ignored;
+  if (std::filesystem::read_symlink(m_linkPath, ignored) == m_target) ::unlink(m_linkPath.c_str());
+}
+
+}  // namespace quarn::device

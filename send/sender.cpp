@@ -1,0 +1,124 @@
+#include "send/sender.h"
+
+#include <cstdio>
+#include <optional>
+
+#include "serial/open_port.h"
+#include "serial/platform_serial.h"
+#include "serial/port_list.h"
+#include "settings/data_folder.h"
+#include "settings/settings_load_save.h"
+#include "terminal/log_text.h"
+#include "terminal/transaction.h"
+#include "terminal/wait_plan.h"
+
+namespace quarn::send {
+namespace {
+
+constexpr int kNotOpened = 5;
+
+void Complain(const QString& text) {
+  std::fprintf(stderr, "quarn-send: %s\n", text.toLocal8Bit().constData());
+}
+
+/// There is nobody to ask and nothing to draw: messages go to standard error.
+class StandardErrorMessages final : public MessageOperations {
+ public:
+  void ShowErrorMessage(const QString&, const QString& line0, const QString& line1,
+                        const QString& line2) override {
+    Complain(QStringLiteral("%1 %2 %3").arg(line1, line0, line2).simplified());
+  }
+  void ShowInformationMessage(const QString& suffix, const QString& line0, const QString& line1,
+                              const QString& line2) override {
+    ShowErrorMessage(suffix, line0, line1, line2);
+  }
+  bool AskConfirmation(const QString&, const QString&, const QString&, const QString&) override {
+    return false;
+  }
+  void ShowTransientMessage(const QString& text, std::optional<QPoint>) override { Complain(text); }
+  void ShowPlainMessage(const QString& text) override { Complain(text); }
+};
+
+class NoIndicator final : public WaitIndicator {
+ public:
+  void Show() override {}
+  void Restore() override {}
+};
+
+/// Nothing has to be painted or held; Ctrl+C ends the whole program.
+class ShellHost final : public TransactionHost {
+ public:
+  void BeginWait() override {}
+  void EndWait() override {}
+  void KeepPainting() override {}
+  void ShowWaitingText(const QString&) override {}
+  [[nodiscard]] int CaretPosition() const override { return -1; }
+  bool EscapePressed() override { return false; }
+};
+
+bool LoadSettingsFile(const Options& options, const QString& dataFolder, SettingsRecord& settings) {
+  const QString file =
+      options.settingsFile.isEmpty() ? WorkingSettingsFile(dataFolder) : options.settingsFile;
+  const LoadResult loaded = LoadSettings(file, settings);
+  if (loaded == LoadResult::NoFile) Complain(file + QStringLiteral(": no such settings file"));
+  if (loaded == LoadResult::Incomplete) Complain(file + QStringLiteral(": not a complete settings file"));
+  if (!options.port.isEmpty()) settings.comPort = options.port;
+  return loaded == LoadResult::Loaded;
+}
+
+bool Connect(const SettingsRecord& settings, const QString& portsFolder, PortConnection& connection) {
+  const auto opener = CreateLineOpener(portsFolder);
+  const auto source = CreatePortSource(portsFolder);
+  StandardErrorMessages messages;
+  NoIndicator indicator;
+  RefreshPortList(*source, connection);
+  if (ConnectPort(settings, connection, {*opener, messages, indicator})) return true;
+  Complain(connection.lastFailure.reason);
+  return false;
+}
+
+/// What came, byte for byte. The receive buffer still holds an earlier response where none did.
+QByteArray RawResponse(TransactionResult result, const PortConnection& connection,
+                       const SettingsRecord& settings) {
+  const bool ended = result != TransactionResult::Timeout && result != TransactionResult::Aborted;
+  if (!ended || connection.status < 0) return {};
+  constexpr std::int32_t kTruncated = 3;
+  const std::int32_t kept =
+      connection.status == kTruncated ? ResponseLimit(settings.comBuf) : connection.byteCount + 1;
+  return {connection.receiveBuffer.data(), kept};
+}
+
+void Print(const Options& options, TransactionResult result, const PortConnection& connection,
+           const SettingsRecord& settings) {
+  QByteArray text;
+  if (options.raw) {
+    text = RawResponse(result, connection, settings);
+  } else {
+    text = LogTextOf(result, connection.command, connection, settings);
+    text.replace('\r', '\n');
+  }
+  std::fwrite(text.constData(), 1, static_cast<std::size_t>(text.size()), stdout);
+  std::fflush(stdout);
+}
+
+}  // namespace
+
+int Send(const Options& options) {
+  const QString dataFolder = DataFolder();
+  SettingsRecord settings;
+  PortConnection connection;
+  if (!LoadSettingsFile(options, dataFolder, settings)) return kNotOpened;
+  if (!Connect(settings, PortsFolder(dataFolder), connection)) return kNotOpened;
+  TransactionEngine engine(connection);
+  ShellHost host;
+  TransactionResult result = TransactionResult::Received;
+  for (const QString& command : options.commands) {
+    connection.command = command;
+    result = engine.RunTransaction(settings, host);
+    Print(options, result, connection, settings);
+  }
+  ClosePort(connection);
+  return static_cast<int>(result);
+}
+
+}  // namespace quarn::send

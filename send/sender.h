@@ -1,0 +1,12 @@
+#pragma once
+
+#include "send/command_line_options.h"
+
+namespace quarn::send {
+
+/// Opens the port, runs every command as one transaction and prints the outcomes on standard output, with
+/// line feeds for the log's CRs. Returns the exit status; what could not be opened is told on standard
+/// error.
+int Send(const Options& options);
+
+}  // namespace quarn::send

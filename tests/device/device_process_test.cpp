@@ -1,0 +1,86 @@
+#include <gtest/gtest.h>
+
+#include <QFile>
+#include <QFileInfo>
+#include <QProcess>
+#include <QTemporaryDir>
+
+namespace {
+
+constexpr int kLimitMs = 20000;
+
+class DeviceProcess : public testing::Test {
+ protected:
+  void Start(const QStringList& arguments) {
+    device.start(QStringLiteral(QUARN_DEVICE), arguments);
+    ASSERT_TRUE(device.waitForStarted(kLimitMs));
+  }
+  /// The node that the device prints when it is ready.
+  QString Node() {
+    while (!device.canReadLine() && device.waitForReadyRead(kLimitMs)) {
+    }
+    return QString::fromLocal8Bit(device.readLine()).trimmed();
+  }
+  int ExitCode() {
+    EXPECT_TRUE(device.waitForFinished(kLimitMs));
+    return device.exitStatus() == QProcess::NormalExit ? device.exitCode() : -1;
+  }
+  QByteArray Complaint() { return device.readAllStandardError(); }
+
+  QTemporaryDir folder;
+  QString link = folder.filePath(QStringLiteral("COM7"));
+  QProcess device;
+};
+
+TEST_F(DeviceProcess, LinksItsNodeAndTakesTheLinkAwayAtTheEnd) {
+  Start({QStringLiteral("--link"), link});
+  const QString node = Node();
+  EXPECT_TRUE(node.startsWith(QStringLiteral("/dev/"))) << node.toStdString();
+  EXPECT_EQ(QFile::symLinkTarget(link), node);
+  device.terminate();
+  EXPECT_EQ(ExitCode(), 0);
+  EXPECT_FALSE(QFileInfo(link).isSymLink());
+}
+
+TEST_F(DeviceProcess, ReplacesAnOldLinkButNothingElse) {
+  ASSERT_TRUE(QFile::link(QStringLiteral("/nowhere"), link));
+  Start({QStringLiteral("--link"), link});
+  EXPECT_EQ(QFile::symLinkTarget(link), Node());
+  device.terminate();
+  EXPECT_EQ(ExitCode(), 0);
+  QFile file(link);
+  ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+  file.close();
+  Start({QStringLiteral("--link"), link});
+  EXPECT_EQ(ExitCode(), 1);
+  EXPECT_TRUE(Complaint().contains(link.toLocal8Bit()));
+  EXPECT_TRUE(QFileInfo(link).isFile());
+}
+
+TEST_F(DeviceProcess, SaysWhatIsWrongWithTheRules) {
+  const QString path = folder.filePath(QStringLiteral("rules"));
+  QFile file(path);
+  ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+  file.write("\"a\" -> echo\nnonsense\n");
+  file.close();
+  Start({QStringLiteral("--rules"), path});
+  EXPECT_EQ(ExitCode(), 1);
+  EXPECT_EQ(Complaint(), "quarn-device: " + path.toLocal8Bit() + ": line 2: a text in quotes is expected\n");
+  Start({QStringLiteral("--rules"), folder.filePath(QStringLiteral("none"))});
+  EXPECT_EQ(ExitCode(), 1);
+  EXPECT_TRUE(Complaint().contains("cannot be read"));
+}
+
+TEST_F(DeviceProcess, WrongUsageIs64) {
+  for (const QStringList& arguments :
+       {QStringList{QStringLiteral("--nonsense")}, QStringList{QStringLiteral("--link")}}) {
+    Start(arguments);
+    EXPECT_EQ(ExitCode(), 64);
+    EXPECT_TRUE(Complaint().contains("usage:"));
+  }
+  Start({QStringLiteral("--help")});
+  EXPECT_EQ(ExitCode(), 0);
+  EXPECT_TRUE(device.readAllStandardOutput().startsWith("usage:"));
+}
+
+}  // namespace

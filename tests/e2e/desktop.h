@@ -1,0 +1,88 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QByteArray>
+#include <QPoint>
+#include <QProcess>
+#include <QRect>
+#include <QString>
+#include <QStringList>
+#include <QTemporaryDir>
+#include <functional>
+#include <memory>
+
+#include "support/served_instrument.h"
+
+namespace quarn::test {
+
+/// Waits until `condition` holds; false when it does not within `limitMs`.
+bool Eventually(const std::function<bool()>& condition, int limitMs = 20000);
+
+/// A virtual X display with a window manager, both gone with the object.
+class Desktop {
+ public:
+  Desktop();
+  ~Desktop();
+  Desktop(const Desktop&) = delete;
+  Desktop& operator=(const Desktop&) = delete;
+
+  [[nodiscard]] const QString& Display() const { return m_display; }
+  /// Runs a tool on the display and returns what it prints; empty when it fails.
+  QByteArray Run(const QString& tool, const QStringList& arguments) const;
+  /// The ids of the visible windows whose titles match; empty when there is none.
+  QStringList Windows(const QString& titlePattern) const;
+  [[nodiscard]] QProcessEnvironment Environment() const;
+
+ private:
+  QProcess m_server;
+  QProcess m_manager;
+  QString m_display;
+};
+
+/// A desktop, a settings folder of its own, an instrument as COM3, and the program.
+class EndToEnd : public ::testing::Test {
+ protected:
+  EndToEnd();
+  ~EndToEnd() override;
+
+  /// Writes the working settings file: the defaults with these values.
+  void WriteSettings(const QList<QPair<QString, QString>>& values);
+  [[nodiscard]] QString SettingsFile() const;
+  /// Makes an instrument with these rules reachable as COM3.
+  void PlugIn(std::string_view rules);
+  void StartProgram();
+  /// Starts with COM3 and waits for the Terminal Screen to have the keyboard.
+  void StartConnected(std::string_view rules, const QList<QPair<QString, QString>>& values = {});
+
+  QString WaitForWindow(const QString& titlePattern);
+  bool WaitForNoWindow(const QString& titlePattern);
+  QString Title(const QString& window);
+  /// Waits until the Terminal Screen's title is this.
+  ::testing::AssertionResult TerminalTitleBecomes(const QString& title);
+  ::testing::AssertionResult WireBecomes(const std::string& bytes);
+
+  void Type(const QString& text);
+  void Press(const QStringList& keys);
+  /// Opens the context menu with the mouse and chooses its item 1, 2, ... with the keyboard.
+  void ChooseFromContextMenu(int item);
+  /// "Copy Log - All " from the context menu, with mouse and keyboard.
+  QByteArray CopiedLog();
+  QByteArray ClipboardText();
+  void SetClipboard(const QByteArray& text);
+  /// Moves the pointer there and presses the button; 0 only moves.
+  void ClickAt(const QString& window, QPoint place, int button = 1);
+  QRect Geometry(const QString& window);
+  void Focus(const QString& window);
+
+  const QString kTerminal = QStringLiteral("^Quarn - Terminal Screeen");
+  const QString kMain = QStringLiteral("^Quarn   \\(");
+
+  Desktop desktop;
+  QTemporaryDir config;
+  std::unique_ptr<ServedInstrument> instrument;
+  QProcess program;
+  QString terminal;
+};
+
+}  // namespace quarn::test

@@ -1,0 +1,75 @@
+
+#include "e2e/desktop.h"
+
+namespace quarn::test {
+namespace {
+
+class FirstCommand : public EndToEnd {};
+
+TEST_F(FirstCommand, TypedSentAnsweredAndCopied) {
+  StartConnected("\"id\" -> line \"SIM-1\"");
+  EXPECT_TRUE(TerminalTitleBecomes(QStringLiteral("Quarn - Terminal Screeen (COM3)  N- INS")));
+  Type(QStringLiteral("id"));
+  Press({QStringLiteral("Return")});
+  EXPECT_TRUE(TerminalTitleBecomes(QStringLiteral("Quarn - Terminal Screeen (COM3)  N- INS  [ 1-2  ]")));
+  EXPECT_EQ(instrument->Received(), "id\r");
+  EXPECT_EQ(CopiedLog(), QByteArray("[id]\rSIM-1\r"));
+  EXPECT_EQ(instrument->Received(), "id\r");
+}
+
+TEST_F(FirstCommand, TheDelimiterOfTheSettingsFramesIt) {
+  StartConnected("\"id\" -> line \"SIM-1\"", {{QStringLiteral("DELIMITER"), QStringLiteral("STX_ETX")},
+                                              {QStringLiteral("LINE_NUM"), QStringLiteral("ON")}});
+  Type(QStringLiteral("id"));
+  Press({QStringLiteral("Return")});
+  EXPECT_TRUE(TerminalTitleBecomes(QStringLiteral("Quarn - Terminal Screeen (COM3)  N- INS  [ 1-2  ]")));
+  EXPECT_EQ(instrument->Received(), "\x02id\x03");
+  EXPECT_EQ(CopiedLog(), QByteArray("   1|  [id]\r   2|  SIM-1\r"));
+}
+
+TEST_F(FirstCommand, EscapeEndsTheWaitForASilentDevice) {
+  StartConnected("* -> silence", {{QStringLiteral("R_TIMEOUT"), QStringLiteral("OFF")}});
+  Type(QStringLiteral("mute"));
+  Press({QStringLiteral("Return")});
+  ASSERT_TRUE(WireBecomes("mute\r"));
+  Press({QStringLiteral("Escape")});
+  EXPECT_TRUE(TerminalTitleBecomes(QStringLiteral("Quarn - Terminal Screeen (COM3)  N- INS  [ 1-3  ]")));
+  EXPECT_EQ(CopiedLog(), QByteArray("[mute]\rWarning: Aborted by ESC Key\r\r"));
+}
+
+TEST_F(FirstCommand, WhatIsTypedDuringAWaitComesAfterwards) {
+  StartConnected("\"slow\" -> 1500 line \"done\"\n* -> line \"OK\"",
+                 {{QStringLiteral("AUTO_CLR"), QStringLiteral("ON")}});
+  Type(QStringLiteral("slow"));
+  Press({QStringLiteral("Return")});
+  ASSERT_TRUE(WireBecomes("slow\r"));
+  Type(QStringLiteral("next"));
+  Press({QStringLiteral("Return")});
+  EXPECT_TRUE(TerminalTitleBecomes(QStringLiteral("Quarn - Terminal Screeen (COM3)  N- INS  [ 1-4  ]")));
+  EXPECT_EQ(instrument->Received(), "slow\rnext\r");
+  EXPECT_EQ(CopiedLog(), QByteArray("[slow]\rdone\r[next]\rOK\r"));
+}
+
+TEST_F(FirstCommand, AClickDuringAWaitLandsWhereItWasMade) {
+  StartConnected("\"slow\" -> 1500 line \"done\"\n* -> line \"OK\"",
+                 {{QStringLiteral("MEM1"), QStringLiteral("two")}});
+  Type(QStringLiteral("slow"));
+  Press({QStringLiteral("Return")});
+  ASSERT_TRUE(WireBecomes("slow\r"));
+  ClickAt(terminal, QPoint(20 + 69 + 30, 639));
+  ClickAt(terminal, QPoint(200, 300), 0);
+  Press({QStringLiteral("Return")});
+  EXPECT_TRUE(WireBecomes("slow\rtwo\r"));
+}
+
+TEST_F(FirstCommand, ALineThatBreaksEndsInALogLineAndNoHang) {
+  StartConnected("\"bye\" -> hangup\n* -> line \"OK\"");
+  Type(QStringLiteral("bye"));
+  Press({QStringLiteral("Return")});
+  EXPECT_TRUE(TerminalTitleBecomes(QStringLiteral("Quarn - Terminal Screeen (COM3)  N- INS  [ 1-3  ]")));
+  EXPECT_EQ(CopiedLog(), QByteArray("[bye]\rError: Received Invalid Data\r\r"));
+  EXPECT_EQ(program.state(), QProcess::Running);
+}
+
+}  // namespace
+}  // namespace quarn::test

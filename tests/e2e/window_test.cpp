@@ -1,0 +1,115 @@
+
+#include "e2e/desktop.h"
+
+namespace quarn::test {
+namespace {
+
+class Window : public EndToEnd {
+ protected:
+  static QRect ButtonRect(int index) { return {69 * (index % 6) + 20, 628 + 32 * (index / 6), 60, 22}; }
+  static QPoint ButtonAt(int index) { return ButtonRect(index).center(); }
+  /// What the window manager adds on each side.
+  QMargins Frame(const QString& window) {
+    const QByteArray text = desktop.Run(
+        QStringLiteral("xprop"), {QStringLiteral("-id"), window, QStringLiteral("_NET_FRAME_EXTENTS")});
+    const QList<QByteArray> sides = text.mid(text.indexOf('=') + 1).trimmed().split(',');
+    EXPECT_EQ(sides.size(), 4) << text.toStdString();
+    return {sides.value(0).trimmed().toInt(), sides.value(2).trimmed().toInt(),
+            sides.value(1).trimmed().toInt(), sides.value(3).trimmed().toInt()};
+  }
+};
+
+TEST_F(Window, TheOuterSizeIsTheFixedOne) {
+  StartConnected("* -> line \"OK\"");
+  EXPECT_TRUE(Eventually([this] {
+    return Geometry(terminal).size().grownBy(Frame(terminal)) == QSize(460, 740);
+  })) << Geometry(terminal).width()
+      << 'x' << Geometry(terminal).height();
+}
+
+TEST_F(Window, ButtonsWorkWithTheMouse) {
+  StartConnected("* -> line \"OK\"", {{QStringLiteral("MEM1"), QStringLiteral("two")}});
+  ClickAt(terminal, ButtonAt(1));
+  ClickAt(terminal, ButtonAt(5));
+  EXPECT_TRUE(WireBecomes("two\r"));
+  ASSERT_TRUE(TerminalTitleBecomes(QStringLiteral("Quarn - Terminal Screeen (COM3)  N- INS  [ 1-2  ]")));
+  ClickAt(terminal, ButtonAt(11));
+  Press({QStringLiteral("Left"), QStringLiteral("Left"), QStringLiteral("Left")});
+  Type(QStringLiteral("x"));
+  Press({QStringLiteral("Return")});
+  EXPECT_TRUE(WireBecomes("two\rx\r"));
+}
+
+TEST_F(Window, TheWheelScrolls) {
+  StartConnected("* -> line \"OK\"");
+  Type(QStringLiteral("id"));
+  Press({QStringLiteral("Return")});
+  ASSERT_TRUE(TerminalTitleBecomes(QStringLiteral("Quarn - Terminal Screeen (COM3)  N- INS  [ 1-2  ]")));
+  ClickAt(terminal, QPoint(100, 300), 5);
+  EXPECT_TRUE(TerminalTitleBecomes(QStringLiteral("Quarn - Terminal Screeen (COM3)  N- INS  [ 2-2  ]")));
+  ClickAt(terminal, QPoint(100, 300), 4);
+  EXPECT_TRUE(TerminalTitleBecomes(QStringLiteral("Quarn - Terminal Screeen (COM3)  N- INS  [ 1-2  ]")));
+}
+
+TEST_F(Window, ClosedAndOpenedAgainItStandsWhereItStoodWithTheSameLog) {
+  StartConnected("* -> line \"OK\"");
+  Type(QStringLiteral("id"));
+  Press({QStringLiteral("Return")});
+  ASSERT_TRUE(TerminalTitleBecomes(QStringLiteral("Quarn - Terminal Screeen (COM3)  N- INS  [ 1-2  ]")));
+  desktop.Run(QStringLiteral("xdotool"), {QStringLiteral("windowmove"), QStringLiteral("--sync"), terminal,
+                                          QStringLiteral("620"), QStringLiteral("150")});
+  QRect before;
+  ASSERT_TRUE(Eventually([&] {
+    before = Geometry(terminal);
+    return before.x() > 600;
+  }));
+  Focus(terminal);
+  Press({QStringLiteral("alt+F4")});
+  ASSERT_TRUE(WaitForNoWindow(kTerminal));
+  const QString main = WaitForWindow(kMain);
+  Focus(main);
+  // The menu's item comes to life with the main window's next tick; press again if that was too early.
+  constexpr int kPatienceMs = 2000;
+  EXPECT_TRUE(Eventually([&] {
+    Press({QStringLiteral("Escape"), QStringLiteral("alt+t"), QStringLiteral("Return")});
+    return Eventually([&] { return !desktop.Windows(kTerminal).isEmpty(); }, kPatienceMs);
+  }));
+  terminal = WaitForWindow(kTerminal);
+  EXPECT_TRUE(Eventually([&] { return Geometry(terminal) == before; }))
+      << Geometry(terminal).x() << ',' << Geometry(terminal).y() << " instead of " << before.x() << ','
+      << before.y();
+  EXPECT_TRUE(TerminalTitleBecomes(QStringLiteral("Quarn - Terminal Screeen (COM3)  N- INS  [ 1-2  ]")));
+  Focus(terminal);
+  Press({QStringLiteral("Return")});
+  EXPECT_TRUE(WireBecomes("id\rid\r"));
+}
+
+TEST_F(Window, ClearingTheLogAsksAndClears) {
+  StartConnected("* -> line \"OK\"");
+  Type(QStringLiteral("id"));
+  Press({QStringLiteral("Return")});
+  ASSERT_TRUE(TerminalTitleBecomes(QStringLiteral("Quarn - Terminal Screeen (COM3)  N- INS  [ 1-2  ]")));
+  const auto choose = [this] {
+    ChooseFromContextMenu(3);
+    Focus(WaitForWindow(QStringLiteral("^Quarn : Confirmation$")));
+  };
+  choose();
+  Press({QStringLiteral("Escape")});
+  ASSERT_TRUE(WaitForNoWindow(QStringLiteral("^Quarn : Confirmation$")));
+  EXPECT_TRUE(TerminalTitleBecomes(QStringLiteral("Quarn - Terminal Screeen (COM3)  N- INS  [ 1-2  ]")));
+  choose();
+  Press({QStringLiteral("Return")});
+  EXPECT_TRUE(TerminalTitleBecomes(QStringLiteral("Quarn - Terminal Screeen (COM3)  N- INS")));
+}
+
+TEST_F(Window, ClosingTheMainWindowEndsTheProgram) {
+  StartConnected("* -> line \"OK\"");
+  Focus(WaitForWindow(kMain));
+  Press({QStringLiteral("Return"), QStringLiteral("Escape"), QStringLiteral("alt+F4")});
+  ASSERT_TRUE(program.waitForFinished(20000));
+  EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);
+  EXPECT_EQ(program.exitCode(), 0);
+}
+
+}  // namespace
+}  // namespace quarn::test

@@ -1,0 +1,229 @@
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <map>
+
+#include "settings/settings_table.h"
+#include "tests/transaction/transaction_fixture.h"
+
+#ifdef __SANITIZE_THREAD__
+// Starting a program shares this one's memory for a moment, and the thread sanitizer then takes this one
+// for a forked copy that may start no thread.
+extern "C" const char* __tsan_default_options() { return "die_after_fork=0"; }
+#endif
+
+namespace quarn {
+namespace {
+
+constexpr int kPatienceMs = 90'000;
+
+constexpr char kRules[] =
+    "\"id\" -> line \"SIM-1\"\n"
+    "\"mute\" -> silence\n"
+    "\"empty\" -> \"\\n\"\n"
+    "\"nul\" -> \"A\\x00B\\n\"\n"
+    "\"big\" -> \"x\" * 1501\n"
+    "\"bytes\" -> \"\\x02A\\x05\\r\\n\\x7f\\xff\\r\\n\"\n"
+    "* -> line \"ERR\"";
+
+struct Outcome {
+  int exitCode = -1;
+  QByteArray out;
+  QByteArray err;
+};
+
+/// The program with a settings folder of its own, in which COM7 leads to a simulated instrument.
+class SendProcess : public testing::Test {
+ protected:
+  using Values = std::map<QByteArray, QByteArray>;
+
+  void SetUp() override {
+    ASSERT_TRUE(QDir().mkpath(Path("Halvo/Quarn/ports")));
+    ASSERT_TRUE(QFile::link(m_instrument.NodePath(), Path("Halvo/Quarn/ports/COM7")));
+    WriteSettings(Path("Halvo/Quarn/Quarn.ini"), {});
+  }
+
+  [[nodiscard]] QString Path(const char* name) const { return m_home.filePath(QString::fromLatin1(name)); }
+
+  /// A complete settings file: the defaults but for COM7, a fast line with a lasting silence, CRLF, and
+  /// what `values` say ("COM_BUF=" -> "1K").
+  void WriteSettings(const QString& path, Values values) const {
+    values.insert(
+        {{"COM_PORT=", "COM7"}, {"COM_BPS=", "4800"}, {"DELIMITER=", "CRLF"}, {"R_TIMEOUT=", "OFF"}});
+    QByteArray text = "\xEF\xBB\xBF.VER=Quarn  (Ver. 1.00)\r\n.BEGIN\r\n";
+    for (const QString& line : DefaultLines()) {
+      const QByteArray key = line.left(line.indexOf(u'=') + 1).toUtf8();
+      const auto own = values.find(key);
+      text += (own == values.end() ? line.toUtf8() : key + own->second) + "\r\n";
+    }
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    file.write(text + ".END\r\n");
+  }
+  void UseSettings(const Values& values) const { WriteSettings(Path("Halvo/Quarn/Quarn.ini"), values); }
+
+  [[nodiscard]] Outcome Send(const QStringList& arguments) const {
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), m_home.path());
+    process.setProcessEnvironment(environment);
+    process.start(QStringLiteral(QUARN_SEND), arguments);
+    EXPECT_TRUE(process.waitForFinished(kPatienceMs));
+    EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+    return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
+  }
+  [[nodiscard]] Outcome Send(const char* line) const {
+    return Send(QString::fromLatin1(line).split(u' ', Qt::SkipEmptyParts));
+  }
+
+  QTemporaryDir m_home;
+  ServedInstrument m_instrument{std::string_view(kRules)};
+};
+
+TEST_F(SendProcess, PrintsCommandAndResponseAsTheLogShowsThem) {
+  const Outcome sent = Send("id bytes");
+  EXPECT_EQ(sent.out, "[id]\nSIM-1\n[bytes]\n<STX>A<ENG>\n<DEL><0xff>\n");
+  EXPECT_EQ(sent.err, "");
+  EXPECT_EQ(sent.exitCode, 0);
+  EXPECT_EQ(m_instrument.Received(), "id\r\nbytes\r\n");
+}
+
+TEST_F(SendProcess, ATimeoutIsOne) {
+  UseSettings({{"COM_BPS=", "115200"}, {"COM_BUF=", "6K"}, {"R_TIMEOUT=", "ON"}});
+  const Outcome sent = Send("mute");
+  EXPECT_EQ(sent.exitCode, 1);
+  EXPECT_EQ(sent.out, "[mute]\nError: Response Timeout Error\n\n");
+}
+
+TEST_F(SendProcess, AnEmptyResponseIsTwo) {
+  const Outcome sent = Send("empty");
+  EXPECT_EQ(sent.exitCode, 2);
+  EXPECT_EQ(sent.out, "[empty]\nError: Received Invalid Data\n\n");
+}
+
+TEST_F(SendProcess, ATruncatedResponseIsThree) {
+  const Outcome sent = Send("big");
+  EXPECT_EQ(sent.exitCode, 3);
+  EXPECT_TRUE(sent.out.endsWith("\n...\nError: Receive Buffer Overflow > 1500 (MAX. 1024)\n\n"))
+      << sent.out.constData();
+}
+
+TEST_F(SendProcess, TheLastCommandDecides) {
+  EXPECT_EQ(Send("empty id").exitCode, 0);
+  EXPECT_EQ(Send("id empty").exitCode, 2);
+}
+
+TEST_F(SendProcess, AfterATimeoutTheNextCommandIsSent) {
+  UseSettings({{"COM_BPS=", "115200"}, {"COM_BUF=", "6K"}, {"R_TIMEOUT=", "ON"}});
+  const Outcome sent = Send("mute id");
+  EXPECT_EQ(sent.exitCode, 0);
+  EXPECT_EQ(sent.out, "[mute]\nError: Response Timeout Error\n\n[id]\nSIM-1\n");
+}
+
+TEST_F(SendProcess, RawIsTheResponseByteForByte) {
+  EXPECT_EQ(Send("--raw id").out, "SIM-1\r\n");
+  EXPECT_EQ(Send("--raw bytes").out,
+            "\x02"
+            "A\x05\r\n\x7f\xff\r\n");
+  EXPECT_EQ(Send("--raw nul").out, QByteArray("A\0B\n", 4));
+}
+
+TEST_F(SendProcess, RawOfATruncatedResponseIsWhatWasKept) {
+  const Outcome sent = Send("--raw big");
+  EXPECT_EQ(sent.out, QByteArray(1024, 'x'));
+  EXPECT_EQ(sent.exitCode, 3);
+}
+
+TEST_F(SendProcess, RawOfNoResponseIsNothing) {
+  UseSettings({{"COM_BPS=", "115200"}, {"COM_BUF=", "6K"}, {"R_TIMEOUT=", "ON"}});
+  const Outcome sent = Send("--raw id mute");
+  EXPECT_EQ(sent.out, "SIM-1\r\n") << "the response before is not this command's";
+  EXPECT_EQ(sent.exitCode, 1);
+}
+
+TEST_F(SendProcess, ThePortCanBeNamed) {
+  UseSettings({{"COM_PORT=", "NONE"}});
+  EXPECT_EQ(Send("id").exitCode, 5);
+  EXPECT_EQ(Send("--port COM7 id").out, "[id]\nSIM-1\n");
+}
+
+TEST_F(SendProcess, TheSettingsFileCanBeNamed) {
+  WriteSettings(Path("other.qrn"), {{"DELIMITER=", "LF"}});
+  const Outcome sent = Send({QStringLiteral("--settings"), Path("other.qrn"), QStringLiteral("id")});
+  EXPECT_EQ(sent.exitCode, 0);
+  EXPECT_EQ(sent.out, "[id]\nSIM-1\n");
+  EXPECT_EQ(m_instrument.Received(), "id\n");
+}
+
+TEST_F(SendProcess, AMissingSettingsFileIsFiveWithItsName) {
+  const QString missing = Path("missing.qrn");
+  const Outcome sent = Send({QStringLiteral("--settings"), missing, QStringLiteral("id")});
+  EXPECT_EQ(sent.exitCode, 5);
+  EXPECT_EQ(sent.out, "");
+  EXPECT_EQ(sent.err, "quarn-send: " + missing.toUtf8() + ": no such settings file\n");
+}
+
+TEST_F(SendProcess, WithoutAWorkingSettingsFileItIsFiveToo) {
+  ASSERT_TRUE(QFile::remove(Path("Halvo/Quarn/Quarn.ini")));
+  const Outcome sent = Send("id");
+  EXPECT_EQ(sent.exitCode, 5);
+  EXPECT_TRUE(sent.err.endsWith("Quarn.ini: no such settings file\n")) << sent.err.constData();
+}
+
+TEST_F(SendProcess, ADamagedSettingsFileIsFiveWithItsName) {
+  const QString working = Path("Halvo/Quarn/Quarn.ini");
+  ASSERT_TRUE(QFile::resize(working, 60));
+  const Outcome sent = Send("id");
+  EXPECT_EQ(sent.exitCode, 5);
+  EXPECT_EQ(sent.err, "quarn-send: " + working.toUtf8() + ": not a complete settings file\n");
+  EXPECT_EQ(m_instrument.Received(), "");
+}
+
+TEST_F(SendProcess, APortThatIsNotPresentIsFiveWithItsName) {
+  const Outcome sent = Send("--port COM98 id");
+  EXPECT_EQ(sent.exitCode, 5);
+  EXPECT_EQ(sent.out, "");
+  EXPECT_EQ(sent.err, "quarn-send: COM98 is not present\n");
+}
+
+TEST_F(SendProcess, APortInUseIsFiveWithItsReason) {
+  const OpenResult mine = OpenTerminalDevice(m_instrument.NodePath());
+  ASSERT_TRUE(mine.line);
+  const Outcome sent = Send("id");
+  EXPECT_EQ(sent.exitCode, 5);
+  EXPECT_EQ(sent.err, "quarn-send: " + m_instrument.NodePath().toUtf8() + ": in use by another program\n");
+  EXPECT_EQ(m_instrument.Received(), "");
+}
+
+TEST_F(SendProcess, ALineThatNoUartHasIsFiveWithTheReason) {
+  UseSettings({{"COM_BITS=", "8"}, {"COM_STOP=", "1.5"}});
+  const Outcome sent = Send("id");
+  EXPECT_EQ(sent.exitCode, 5);
+  EXPECT_TRUE(sent.err.contains("Failed to set serial port state\n")) << sent.err.constData();
+  EXPECT_TRUE(sent.err.contains("data and stop bits")) << sent.err.constData();
+}
+
+TEST_F(SendProcess, WrongUsageIs64) {
+  for (const char* line : {"", "--loud id", "id --port"}) {
+    const Outcome sent = Send(line);
+    EXPECT_EQ(sent.exitCode, 64) << line;
+    EXPECT_EQ(sent.out, "") << line;
+    EXPECT_TRUE(sent.err.startsWith("quarn-send: ")) << line;
+    EXPECT_TRUE(sent.err.contains("usage: quarn-send")) << line;
+  }
+  EXPECT_EQ(m_instrument.Received(), "");
+}
+
+TEST_F(SendProcess, HelpAndVersionGoToStandardOutput) {
+  const Outcome help = Send("--help");
+  EXPECT_EQ(help.exitCode, 0);
+  EXPECT_TRUE(help.out.startsWith("usage: quarn-send"));
+  EXPECT_EQ(help.err, "");
+  const Outcome version = Send("--version");
+  EXPECT_EQ(version.exitCode, 0);
+  EXPECT_EQ(version.out, "Quarn 1.00\n");
+}
+
+}  // namespace
+}  // namespace quarn
