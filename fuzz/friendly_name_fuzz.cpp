@@ -1,0 +1,74 @@
+#include <QStringList>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+
+#include "serial/friendly_name.h"
+#include "serial/port_names.h"
+#include "serial/port_source.h"
+
+// Friendly names come from devices and drivers. The input is read as UTF-8 and, for units that UTF-8 cannot
+// say, as UTF-16.
+
+namespace {
+
+using quarn::PortNames;
+
+void Require(bool holds) {
+  if (!holds) {
+    std::abort();
+  }
+}
+
+void CheckShortName(const QString& friendlyName) {
+  const QString name = quarn::ShortPortName(friendlyName);
+  Require(name.isEmpty() ||
+          (name.startsWith(QLatin1String("COM")) && (name.size() == 4 || name.size() == 5)));
+  Require(name.isEmpty() || friendlyName.contains(QLatin1Char('(') + name + QLatin1Char(')')));
+  Require(quarn::DevicePathOf(friendlyName).has_value());
+}
+
+void CheckSorting(const QString& text) {
+  const QStringList lines = text.split(QLatin1Char('\n'));
+  PortNames names;
+  std::int32_t count = 0;
+  while (count < quarn::kPortCapacity && count < lines.size()) {
+    names[static_cast<std::size_t>(count)] = lines[count];
+    ++count;
+  }
+  const std::int32_t before = count;
+  quarn::SortPortNames(count, names);
+  Require(count >= 0 && count <= before);
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    Require(names[i].isEmpty() == (i >= static_cast<std::size_t>(count)));
+  }
+}
+
+void CheckComposing(const QString& text) {
+  const QStringList parts = text.split(QLatin1Char('\n'));
+  const QString portName = QStringLiteral("COM%1").arg(text.size() % 99 + 1);
+  const QString name = quarn::ComposeFriendlyName({parts.value(0), parts.value(1), parts.value(2), portName});
+  Require(quarn::ShortPortName(name) == portName);
+  Require(name.size() <= quarn::kFriendlyNameCapacity);
+  Require(name.isValidUtf16());
+}
+
+void Check(const QString& text) {
+  CheckShortName(text);
+  CheckSorting(text);
+  CheckComposing(text);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const QByteArray bytes(static_cast<const char*>(static_cast<const void*>(data)),
+                         static_cast<qsizetype>(size));
+  Check(QString::fromUtf8(bytes));
+  QString units;
+  for (qsizetype i = 0; i + 1 < bytes.size(); i += 2) {
+    units.append(QChar(static_cast<uchar>(bytes[i]), static_cast<uchar>(bytes[i + 1])));
+  }
+  Check(units);
+  return 0;
+}

@@ -1,0 +1,67 @@
+// A response on its way from the line to the log: cleaned, rendered, wrapped, stored, numbered, copied.
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+
+#include "terminal/framing.h"
+#include "terminal/log_text.h"
+#include "terminal/operation_log.h"
+
+using namespace quarn;
+
+namespace {
+
+void Require(bool condition) {
+  if (!condition) std::abort();
+}
+
+/// Lines of printable ASCII, none wider than the screen's.
+void CheckText(const QByteArray& text, int width) {
+  int column = 0;
+  for (const char each : text) {
+    if (each == '\r') {
+      column = 0;
+      continue;
+    }
+    Require(each >= ' ' && each <= '~');
+    // The overflow line is not wrapped.
+    Require(++column <= width || text.contains("Error: "));
+  }
+  Require(text.endsWith('\r'));
+}
+
+}  // namespace
+
+/// The first two bytes choose delimiter, width, result and line numbers; the rest is the response.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  if (size < 2) return 0;
+  static const char* const kDelimiters[] = {"CR", "LF", "CRLF", "STX_ETX", "other"};
+  static const char* const kWidths[] = {"N", "M", "W", ""};
+  static const TransactionResult kResults[] = {TransactionResult::Received, TransactionResult::Overflow,
+                                               TransactionResult::Timeout};
+  SettingsRecord settings;
+  settings.delimiter = QString::fromLatin1(kDelimiters[data[0] % 5]);
+  settings.inputMax = QString::fromLatin1(kWidths[data[0] / 5 % 4]);
+  settings.comBuf = QStringLiteral("1K");
+  const TransactionResult result = kResults[data[1] % 3];
+  const QString lineNum = data[1] % 2 == 0 ? QStringLiteral("ON") : QStringLiteral("OFF");
+
+  PortConnection connection;
+  connection.response = NormaliseResponse(
+      settings.delimiter,
+      QByteArray(reinterpret_cast<const char*>(data + 2), static_cast<qsizetype>(size - 2)));
+  connection.byteCount = static_cast<std::int32_t>(size);
+  const QByteArray text = LogTextOf(result, QStringLiteral("cmd"), connection, settings);
+  CheckText(text, settings.inputMax == u"W" ? 64 : settings.inputMax == u"M" ? 56 : 48);
+
+  OperationLog log;
+  for (int i = 0; i < 3; ++i) {
+    if (log.BeginTransaction()) log.AppendLogText(text);
+    Require(log.LineCount() <= LogLineCapacity && log.LineCount() == log.WritePos());
+    Require(log.TopLine() >= 0 && (log.LineCount() == 0 || log.TopLine() < log.LineCount()));
+    for (int row = 0; row < ScreenRowCount; ++row) Require(log.RowText(row, lineNum).size() <= 8192 + 7);
+  }
+  Require(log.CopyLogAll(QStringLiteral("OFF")).size() <= text.size() * 3);
+  return 0;
+}

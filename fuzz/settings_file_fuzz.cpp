@@ -1,0 +1,96 @@
+#include <QByteArrayView>
+#include <cstdint>
+#include <cstdlib>
+
+#include "settings/bounds.h"
+#include "settings/settings_table.h"
+#include "settings/settings_text.h"
+#include "settings/text_lines.h"
+
+// The input is the bytes of a settings file. No file may crash what reads it, and what comes out of a
+// change must hold it and nothing more. A fatal limit is a proper end, so here it only ends the one call.
+namespace quarn {
+namespace {
+
+struct BoundsError {};
+
+void Require(bool holds) {
+  if (!holds) std::abort();
+}
+
+/// Runs one operation, as far as it gets before it passes a fatal limit.
+template <typename Operation>
+void WithinBounds(Operation operation) {
+  try {
+    operation();
+  } catch (const BoundsError&) {
+  }
+}
+
+void CheckRoundTrip(const QString& text) { Require(DecodeSettingsText(EncodeSettingsText(text)) == text); }
+
+void CheckUpdate(const QString& text, SettingsKey key, QStringView value) {
+  const ValueUpdate update = UpdateText(text, key, value);
+  if (!update.newText) return;
+  Require(update.ok && update.newText->size() <= kMaxFileCharacters);
+  CheckRoundTrip(*update.newText);
+  if (*update.newText == text) return;
+  Require(FindValue(*update.newText, key) == value.toString());
+}
+
+void CheckNormalised(const QString& text, const QStringList& expected) {
+  const std::optional<QStringList> entries = EntriesOf(text);
+  // Entries that name the frame themselves, or texts too long to split, are not seen the same way again.
+  if (text.size() > kMaxSplitCharacters || !entries || expected.size() > kMaxLines) return;
+  for (const QString& entry : expected) {
+    if (entry.startsWith(QStringLiteral(".BEGIN")) || entry.startsWith(QStringLiteral(".END"))) return;
+  }
+  Require(*entries == expected);
+}
+
+void CheckAddAndRemove(const QString& text, const QString& line) {
+  if (const auto longer = TextWithKeyLine(text, line)) {
+    QStringList expected = *EntriesOf(text) + QStringList{line};
+    SortTextList(expected);
+    CheckRoundTrip(*longer);
+    CheckNormalised(*longer, expected);
+  }
+  const SettingsKey key{KeyPart(line)};
+  if (const auto shorter = TextWithoutKey(text, key)) {
+    QStringList expected = *EntriesOf(text);
+    expected.removeIf([&](const QString& entry) { return entry.startsWith(key.Text()); });
+    SortTextList(expected);
+    CheckRoundTrip(*shorter);
+    CheckNormalised(*shorter, expected);
+  }
+}
+
+void CheckFile(QByteArrayView bytes) {
+  // What a reader of a huge file gets: never more than the whole, never half a character.
+  (void)DecodeSettingsText(bytes, BytesAre::CutShort);
+  const std::optional<QString> text = DecodeSettingsText(bytes);
+  if (!text) return;
+  CheckRoundTrip(*text);
+  WithinBounds([&] { (void)SplitTextLines(*text, u'\r'); });
+  for (const Setting& setting : AllSettings()) {
+    WithinBounds([&] { (void)FindValue(*text, setting.key); });
+  }
+  WithinBounds([&] { CheckUpdate(*text, keys::kComPort, u"COM12"); });
+  WithinBounds([&] { CheckUpdate(*text, keys::kMem[3], u""); });
+  WithinBounds([&] { CheckUpdate(*text, SettingsKey(u".VER="), u"\u00E9\U0001F600"); });
+  WithinBounds([&] { CheckAddAndRemove(*text, QStringLiteral("MARK_COLOR=WHITE")); });
+  // A key out of the file itself.
+  WithinBounds([&] { CheckAddAndRemove(*text, text->section(u'\n', 2, 2) + u'+'); });
+}
+
+}  // namespace
+}  // namespace quarn
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  static const bool installed = [] {
+    quarn::SetBoundsErrorHandler([](const char*) { throw quarn::BoundsError{}; });
+    return true;
+  }();
+  if (installed) quarn::CheckFile(QByteArrayView(data, static_cast<qsizetype>(size)));
+  return 0;
+}

@@ -1,0 +1,110 @@
+# shellcheck shell=bash
+# What the scripts here share. It is sourced, and leaves the shell at the top of the source tree.
+#
+# Understood from outside:
+#   QUARN_INSTALL=no               install no packages; what is missing shows when it is used
+#   CMAKE_BUILD_PARALLEL_LEVEL=N   jobs at a time, for tests and lint too (default: one per processor)
+#   CMAKE_CXX_COMPILER_LAUNCHER=X  default: ccache where there is one, else none
+
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+# shellcheck disable=SC2034  # for the scripts that source this
+TOP=$PWD
+
+JOBS=${CMAKE_BUILD_PARALLEL_LEVEL:-$(nproc)}
+export CMAKE_BUILD_PARALLEL_LEVEL=$JOBS
+if command -v ccache >/dev/null; then
+  export CMAKE_CXX_COMPILER_LAUNCHER=${CMAKE_CXX_COMPILER_LAUNCHER-ccache}
+fi
+
+fail() {
+  printf '%s: %s\n' "$(basename "$0")" "$*" >&2
+  exit 1
+}
+
+headline() { printf '\n=== %s (after %d s) ===\n' "$*" "$SECONDS"; }
+
+# wait_until SECONDS WHAT COMMAND...: runs the command until it succeeds.
+wait_until() {
+  local deadline=$((SECONDS + $1)) what=$2
+  shift 2
+  until "$@"; do
+    ((SECONDS < deadline)) || fail "gave up waiting for $what"
+    sleep 0.05
+  done
+}
+
+is_installed() { [[ $(dpkg-query -W -f='${db:Status-Status}' "$1" 2>/dev/null) == installed ]]; }
+
+as_root() {
+  if ((EUID == 0)); then
+    "$@"
+  else
+    command -v sudo >/dev/null || fail "packages are missing and there is no sudo; as root: $*"
+    sudo "$@"
+  fi
+}
+
+apt() { as_root env DEBIAN_FRONTEND=noninteractive apt-get -qq -o DPkg::Lock::Timeout=600 -o Acquire::Retries=3 "$@"; }
+
+# Installs those of the packages that are missing.
+install_packages() {
+  [[ ${QUARN_INSTALL:-yes} != no ]] || return 0
+  local package missing=()
+  command -v apt-get >/dev/null ||
+    fail "packages are installed on Debian and its relatives only. With QUARN_INSTALL=no this script uses what is there; here it takes what these packages hold: $*"
+  for package in "$@"; do is_installed "$package" || missing+=("$package"); done
+  ((${#missing[@]} > 0)) || return 0
+  echo "installing ${missing[*]}"
+  apt update
+  apt install --yes --no-install-recommends "${missing[@]}" >/dev/null
+}
+
+# need GROUP...: sees to it that the packages of these groups are there.
+need() {
+  local group packages=()
+  for group in "$@"; do
+    case $group in
+      build) packages+=(g++ cmake ninja-build pkg-config qt6-base-dev libudev-dev) ;;
+      test) packages+=(libgtest-dev libumockdev-dev umockdev fonts-dejavu-core util-linux) ;;
+      window) packages+=(xvfb xauth openbox xdotool x11-utils xclip maim fonts-dejavu-core) ;;
+      bench) packages+=(libbenchmark-dev) ;;
+      lint) packages+=(clang-format clang-tidy) ;;
+      fuzz) packages+=(clang) ;;
+      *) packages+=("$group") ;;
+    esac
+  done
+  install_packages "${packages[@]}"
+  # The sanitizers' run-time library is packaged per version of the compiler.
+  if [[ " $* " == *" fuzz "* ]]; then install_packages "libclang-rt-$(clang++ -dumpversion | cut -d. -f1)-dev"; fi
+}
+
+# configure PRESET [OPTION...]: what CMake has to say is shown only when it fails.
+configure() {
+  local log=build/$1.configure.log
+  cmake --preset "$@" >"$log" 2>&1 || {
+    cat "$log"
+    fail "preset $1 cannot be configured"
+  }
+}
+
+# build PRESET [TARGET...]: configures and builds, all without targets.
+build() {
+  local preset=$1 targets=()
+  shift
+  if (($# > 0)); then targets=(--target "$@"); fi
+  configure "$preset"
+  cmake --build --preset "$preset" "${targets[@]}"
+}
+
+# Runs a command without address-space randomisation: with the many random bits of newer kernels the
+# sanitizers now and then find the room for their shadow memory taken.
+without_randomisation() {
+  if setarch -R true 2>/dev/null; then
+    setarch -R "$@"
+  else
+    "$@"
+  fi
+}
+
+mkdir -p build
