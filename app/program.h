@@ -27,6 +27,9 @@ struct Program {
 
   const QString dataFolder;  ///< ends with a separator
   const QString workingSettingsFile;
+  /// The user's configuration file in force; empty in the internal configuration state.
+  QString userFile;
+  bool fileLoaded = false;  ///< a user file has been loaded by Open or by a drop
 
   SettingsRecord settings;
   PortConnection connection;

@@ -35,6 +35,7 @@ class StandardErrorMessages final : public MessageOperations {
   bool AskConfirmation(const QString&, const QString&, const QString&, const QString&) override {
     return false;
   }
+  bool AskYesNo(const QString&, const QString&, const QString&, const QString&) override { return false; }
   void ShowTransientMessage(const QString& text, std::optional<QPoint>) override { Complain(text); }
   void ShowPlainMessage(const QString& text) override { Complain(text); }
 };

@@ -16,6 +16,8 @@ namespace quarn {
 namespace {
 
 constexpr int kOkId = 1;
+constexpr int kNoId = 2;
+constexpr int kYesId = 1066;
 constexpr int kPictureId = 1022;
 constexpr int kMarginUnits = 10;
 constexpr int kGapUnits = 6;
@@ -109,6 +111,11 @@ CConfirmYesCancel::CConfirmYesCancel(QWidget* owner, const QString& suffix, cons
                                      const QString& line1, const QString& line2)
     : MessageDialog(owner, MessageCaption(suffix), {{1081, line1}, {1079, line0}, {1080, line2}},
                     {{kOkId, QStringLiteral("OK"), 1}, {1314, QStringLiteral("CANCEL"), 0}}) {}
+
+CConfirmYesNo::CConfirmYesNo(QWidget* owner, const QString& suffix, const QString& line0,
+                             const QString& line1, const QString& line2)
+    : MessageDialog(owner, MessageCaption(suffix), {{1081, line1}, {1079, line0}, {1080, line2}},
+                    {{kYesId, QStringLiteral("YES"), 1}, {kNoId, QStringLiteral("NO"), 0}}) {}
 
 COneshotMsgPos::COneshotMsgPos(QWidget* owner, const QString& text, std::optional<QPoint> position,
                                int displayMs)

@@ -61,6 +61,13 @@ class CConfirmYesCancel final : public MessageDialog {
                     const QString& line2);
 };
 
+/// A question with YES and NO; Answer is 1 for YES.
+class CConfirmYesNo final : public MessageDialog {
+ public:
+  CConfirmYesNo(QWidget* owner, const QString& suffix, const QString& line0, const QString& line1,
+                const QString& line2);
+};
+
 /// One line that closes by itself.
 class COneshotMsgPos final : public MessageDialog {
  public:

@@ -20,14 +20,64 @@ struct WindowRequests {
 
   // Lowered by the main dialog.
   bool mainRefresh = false;
+
+  // Lowered by the port dialogs. A refresh tells that the ports present or the connection changed.
+  bool portNumberRefresh = false;
+  bool portNumberClose = false;
+  bool detailedListRefresh = false;
+  bool detailedListClose = false;
+  bool portSettingsRefresh = false;
+
+  // Lowered by the dialogs that edit settings. A refresh tells that the settings changed underneath.
+  bool commandFormatRefresh = false;
+  bool commandFormatClose = false;
+  bool screenOptionRefresh = false;
+  bool screenOptionClose = false;
+  bool mainOptionRefresh = false;
+  bool mainOptionClose = false;
+  bool functionTableReload = false;
+  bool functionTableClose = false;
 };
+
+/// After the connection or the ports present changed: every window that shows one of them.
+inline void RaiseConnectionRefreshes(WindowRequests& requests) {
+  requests.mainRefresh = true;
+  requests.terminalRefresh = true;
+  requests.portNumberRefresh = true;
+  requests.detailedListRefresh = true;
+  requests.portSettingsRefresh = true;
+}
+
+/// After all settings were replaced: every window that shows any of them.
+inline void RaiseSettingsRefreshes(WindowRequests& requests) {
+  RaiseConnectionRefreshes(requests);
+  requests.commandFormatRefresh = true;
+  requests.screenOptionRefresh = true;
+  requests.mainOptionRefresh = true;
+  requests.functionTableReload = true;
+}
+
+/// Asks every other window of the main dialog to close.
+inline void RaiseCloseRequests(WindowRequests& requests) {
+  requests.terminalClose = true;
+  requests.portNumberClose = true;
+  requests.detailedListClose = true;
+  requests.commandFormatClose = true;
+  requests.screenOptionClose = true;
+  requests.mainOptionClose = true;
+  requests.functionTableClose = true;
+}
 
 /// One flag per modeless dialog: set when it is created, cleared when it closes. While it is set no
 /// second one is created.
 struct OpenWindows {
   bool terminalScreen = false;
   bool functionKeyTable = false;
+  bool portNumber = false;
+  bool detailedPortList = false;
+  bool commandFormat = false;
   bool terminalScreenOption = false;
+  bool mainDialogOption = false;
 };
 
 /// The state that all windows share; one instance for the life of the process.

@@ -30,6 +30,13 @@ bool WindowMessages::AskConfirmation(const QString& captionSuffix, const QString
   return box.Answer() == 1;
 }
 
+bool WindowMessages::AskYesNo(const QString& captionSuffix, const QString& line0, const QString& line1,
+                              const QString& line2) {
+  CConfirmYesNo box(Owner(), captionSuffix, line0, line1, line2);
+  box.exec();
+  return box.Answer() == 1;
+}
+
 void WindowMessages::ShowTransientMessage(const QString& text, std::optional<QPoint> position) {
   COneshotMsgPos(Owner(), text, position).exec();
 }

@@ -13,6 +13,8 @@ class WindowMessages final : public MessageOperations {
                               const QString& line2) override;
   bool AskConfirmation(const QString& captionSuffix, const QString& line0, const QString& line1,
                        const QString& line2) override;
+  bool AskYesNo(const QString& captionSuffix, const QString& line0, const QString& line1,
+                const QString& line2) override;
   void ShowTransientMessage(const QString& text, std::optional<QPoint> position) override;
   void ShowPlainMessage(const QString& text) override;
 };

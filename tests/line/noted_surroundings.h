@@ -23,6 +23,10 @@ class NotedMessages final : public MessageOperations {
     m_journal.Note("question");
     return false;
   }
+  bool AskYesNo(const QString&, const QString&, const QString&, const QString&) override {
+    m_journal.Note("yes or no");
+    return false;
+  }
   void ShowTransientMessage(const QString&, std::optional<QPoint>) override { m_journal.Note("transient"); }
   void ShowPlainMessage(const QString& text) override { m_journal.Note("plain: " + text.toStdString()); }
 

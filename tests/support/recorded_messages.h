@@ -28,10 +28,12 @@ class RecordedMessages final : public MessageOperations {
   bool AskConfirmation(const QString& captionSuffix, const QString& line0, const QString& line1,
                        const QString& line2) override {
     Record(QStringLiteral("question"), {captionSuffix, line0, line1, line2});
-    if (answers.empty()) return false;
-    const bool answer = answers.front();
-    answers.pop_front();
-    return answer;
+    return NextAnswer();
+  }
+  bool AskYesNo(const QString& captionSuffix, const QString& line0, const QString& line1,
+                const QString& line2) override {
+    Record(QStringLiteral("yes or no"), {captionSuffix, line0, line1, line2});
+    return NextAnswer();
   }
   void ShowTransientMessage(const QString& text, std::optional<QPoint> /*position*/) override {
     Record(QStringLiteral("transient"), {text});
@@ -42,6 +44,12 @@ class RecordedMessages final : public MessageOperations {
   void Record(const QString& kind, const QStringList& texts) {
     shown.append(kind + QLatin1Char('/') + texts.join(QLatin1Char('/')));
     if (whileShown) whileShown();
+  }
+  bool NextAnswer() {
+    if (answers.empty()) return false;
+    const bool answer = answers.front();
+    answers.pop_front();
+    return answer;
   }
 };
 
