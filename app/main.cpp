@@ -1,15 +1,32 @@
 #include <QApplication>
+#include <cstdio>
 
+#include "app/command_line_file.h"
 #include "app/main_dialog.h"
 #include "app/program.h"
 #include "app/start_up.h"
+#include "app/window_stage.h"
 #include "serial/platform_serial.h"
 #include "settings/data_folder.h"
 #include "ui/wait_cursor.h"
 #include "ui/window_messages.h"
 
+namespace {
+
+QStringList ArgumentsOf(int argc, char* argv[]) {
+  QStringList arguments;
+  for (int i = 0; i < argc; ++i) arguments.append(QString::fromLocal8Bit(argv[i]));
+  return arguments;
+}
+
+}  // namespace
+
 int main(int argc, char* argv[]) {
-  QApplication application(argc, argv);
+  const QString answer = quarn::AnswerOnTerminal(ArgumentsOf(argc, argv));
+  if (!answer.isEmpty()) {
+    return std::fputs(answer.toLocal8Bit().constData(), stdout) < 0 ? EXIT_FAILURE : EXIT_SUCCESS;
+  }
+  const QApplication application(argc, argv);
   // Message boxes come and go before the main dialog is there, and their end is not the program's.
   QApplication::setQuitOnLastWindowClosed(false);
   const QString folder = quarn::DataFolder();
@@ -17,6 +34,9 @@ int main(int argc, char* argv[]) {
   quarn::Program program(folder, quarn::CreateLineOpener(ports), quarn::CreatePortSource(ports),
                          std::make_unique<quarn::WindowMessages>(), std::make_unique<quarn::WaitCursor>());
   quarn::CQuarnDlg dialog(program);
-  quarn::StartUp(program, dialog);
+  quarn::WindowStage stage(dialog, QApplication::arguments());
+  if (StartUp(program, dialog, stage, dialog.Monitor()) != quarn::StartUpResult::Running) {
+    return EXIT_FAILURE;
+  }
   return QApplication::exec();
 }

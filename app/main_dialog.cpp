@@ -3,16 +3,17 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QGridLayout>
-#include <QKeyEvent>
 #include <QLabel>
-#include <QMenuBar>
+#include <QMimeData>
 #include <QPushButton>
+#include <QWindow>
 #include <utility>
 
-#include "identity.h"
+#include "settings/path_display.h"
 #include "terminal/dialogs/terminal_screen.h"
 #include "terminal/terminal_title.h"
 #include "ui/control.h"
+#include "ui/pictures.h"
 #include "ui/placement.h"
 
 namespace quarn {
@@ -25,12 +26,17 @@ constexpr QRect kDialogUnits{7, 4, 205, 70};
 
 }  // namespace
 
-CQuarnDlg::CQuarnDlg(Program& program) : m_program(program) {
+CQuarnDlg::CQuarnDlg(Program& program)
+    : m_program(program), m_chooser(*this), m_files(program, *this, m_chooser), m_monitor(program, *this) {
   setObjectName(QStringLiteral("CQuarnDlg"));
+  setWindowIcon(ApplicationIcon());
   CreateControls();
   CreateMenus();
-  Refresh();
+  UpdateMenuState();
+  qApp->installEventFilter(this);
 }
+
+CQuarnDlg::~CQuarnDlg() = default;
 
 void CQuarnDlg::CreateControls() {
   const QRect size = MapDialogUnits(font(), kDialogUnits);
@@ -48,11 +54,15 @@ void CQuarnDlg::CreateControls() {
   QFont bold = font();
   bold.setBold(true);
   heading->setFont(bold);
+  heading->setObjectName(QStringLiteral("heading"));
   m_switch = WithControlId(new QPushButton(QStringLiteral("ON"), this), kSwitchId);
   m_switch->setObjectName(QStringLiteral("terminalSwitch"));
   m_switch->setAutoDefault(false);
-  connect(m_switch, &QPushButton::clicked, this, [this] { ToggleTerminalScreen(); });
-  m_status = WithControlId(new QLabel(QStringLiteral("[ Internal Configuration State ]"), this), kStatusId);
+  connect(m_switch, &QPushButton::clicked, this, [this] {
+    if (focusWidget() == m_switch) ToggleTerminalScreen();
+  });
+  m_status = WithControlId(new QLabel(QStringLiteral("Internal Configuration State"), this), kStatusId);
+  m_status->setObjectName(QStringLiteral("status"));
   m_status->setTextFormat(Qt::PlainText);
 
   grid->addWidget(heading, 0, 0, 1, 2);
@@ -61,22 +71,16 @@ void CQuarnDlg::CreateControls() {
   grid->addWidget(m_status, 2, 0, 1, 2);
 }
 
-void CQuarnDlg::CreateMenus() {
-  auto* bar = new QMenuBar(this);
-  QMenu* file = bar->addMenu(QStringLiteral("&File"));
-  file->addAction(QStringLiteral("E&xit"), this, [this] { close(); });
-  QMenu* tools = bar->addMenu(QStringLiteral("&Tools"));
-  m_terminalAction =
-      tools->addAction(QStringLiteral("&Terminal Screen"), this, [this] { OpenTerminalScreen(); });
-  layout()->setMenuBar(bar);
-}
-
 void CQuarnDlg::OpenTerminalScreen() {
   if (std::exchange(m_program.state.open.terminalScreen, true)) return;
-  auto* screen = new CTerminalScreen(
+  // One that was told to close may not have looked yet.
+  if (m_terminalScreen) m_terminalScreen->close();
+  m_program.state.open.terminalScreen = true;
+  m_terminalScreen = new CTerminalScreen(
       this, {m_program.settings, m_program.connection, m_program.state, m_program.engine, m_program.log,
              m_program.commandLine, *m_program.messages, m_program.savedTerminalRect});
-  screen->show();
+  m_terminalScreen->show();
+  m_switch->setText(QStringLiteral("OFF"));
   m_program.state.requests.mainRefresh = true;
 }
 
@@ -85,36 +89,101 @@ void CQuarnDlg::ToggleTerminalScreen() {
     OpenTerminalScreen();
     return;
   }
+  m_program.state.open.terminalScreen = false;
   m_program.state.requests.terminalClose = true;
-}
-
-void CQuarnDlg::StartPolling() {
-  Refresh();
-  StartTicks();
+  m_switch->setText(QStringLiteral("ON"));
+  m_program.state.requests.mainRefresh = true;
 }
 
 void CQuarnDlg::OnTick() {
   if (std::exchange(m_program.state.requests.mainRefresh, false)) Refresh();
+  PlaceAgainWithFrame();
+  m_monitor.Tick();
 }
 
 void CQuarnDlg::Refresh() {
-  const bool open = m_program.state.open.terminalScreen;
-  m_switch->setText(open ? QStringLiteral("OFF") : QStringLiteral("ON"));
-  m_terminalAction->setEnabled(!open);
-  setWindowTitle(QStringLiteral("Quarn   (%1)")
-                     .arg(PortTitlePart(m_program.state.currentPortName, m_program.connection.connected)));
+  m_switch->setText(m_program.state.open.terminalScreen ? QStringLiteral("OFF") : QStringLiteral("ON"));
+  SetTitle(QString());
+  UpdateMenuState();
+  ShowUserFile();
 }
 
-void CQuarnDlg::keyPressEvent(QKeyEvent* event) {
+void CQuarnDlg::SetTitle(const QString& suffix) {
+  const QString port = PortTitlePart(m_program.state.currentPortName, m_program.connection.connected);
+  setWindowTitle(QStringLiteral("Quarn   (") + port + QLatin1Char(')') + suffix);
+}
+
+void CQuarnDlg::ShowUserFile() {
+  if (m_program.userFile.isEmpty()) {
+    m_status->setText(QStringLiteral("[ Internal Configuration State ]"));
+    return;
+  }
+  const auto status = [](const QString& path) { return QStringLiteral("( ") + path + QStringLiteral(" )"); };
+  const QRect units = MapDialogUnits(font(), kDialogUnits);
+  const auto fits = [&](const QString& path) {
+    return m_status->fontMetrics().horizontalAdvance(status(path)) <= units.width() - 2 * units.x();
+  };
+  m_status->setText(status(ShortenPath(m_program.userFile, fits)));
+  m_status->setToolTip(m_program.userFile);
+}
+
+void CQuarnDlg::PlaceByPercent(int xPercent, int yPercent) {
+  layout()->activate();
+  PlaceOnScreenByPercent(*this, xPercent, yPercent);
+  m_placeInPercent = {xPercent, yPercent};
+  m_placed = pos();
+}
+
+void CQuarnDlg::PlaceAgainWithFrame() {
+  if (m_placeInPercent.x() < 0 || windowHandle() == nullptr || windowHandle()->frameMargins().isNull())
+    return;
+  if (pos() == m_placed) PlaceOnScreenByPercent(*this, m_placeInPercent.x(), m_placeInPercent.y());
+  m_placeInPercent = {-1, -1};
+}
+
+bool CQuarnDlg::IsForThisWindow(const QObject* receiver) const {
+  if (receiver == windowHandle()) return true;
+  return receiver->isWidgetType() && static_cast<const QWidget*>(receiver)->window() == this;
+}
+
+bool CQuarnDlg::eventFilter(QObject* receiver, QEvent* event) {
+  const auto type = event->type();
+  const bool isKey = type == QEvent::KeyPress || type == QEvent::ShortcutOverride;
+  if (!isKey || QApplication::activePopupWidget() != nullptr || !IsForThisWindow(receiver)) return false;
+  const int key = static_cast<QKeyEvent*>(event)->key();
   // Neither Enter nor Escape ends the program.
-  const int key = event->key();
-  if (key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Escape) return;
-  PolledDialog::keyPressEvent(event);
+  bool swallow = key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Escape;
+  if (m_program.state.open.terminalScreen) {
+    m_program.state.requests.focus = true;
+    swallow = true;
+  }
+  if (swallow) event->accept();
+  return swallow;
 }
 
 void CQuarnDlg::closeEvent(QCloseEvent* event) {
+  if (!m_files.MayExit()) {
+    event->ignore();
+    return;
+  }
   PolledDialog::closeEvent(event);
   if (event->isAccepted()) QApplication::quit();
+}
+
+void CQuarnDlg::dragEnterEvent(QDragEnterEvent* event) {
+  if (event->mimeData()->hasUrls()) event->acceptProposedAction();
+}
+
+void CQuarnDlg::dropEvent(QDropEvent* event) {
+  QStringList files;
+  for (const QUrl& url : event->mimeData()->urls()) {
+    if (url.isLocalFile()) files.append(url.toLocalFile());
+  }
+  if (files.isEmpty()) return;
+  event->acceptProposedAction();
+  // The other program waits for the drop's end: the messages come after it.
+  QMetaObject::invokeMethod(
+      this, [this, files] { m_files.DropFiles(files); }, Qt::QueuedConnection);
 }
 
 }  // namespace quarn

@@ -1,39 +1,75 @@
 #pragma once
 
+#include <QPointer>
+#include <vector>
+
+#include "app/file_chooser_dialog.h"
+#include "app/file_commands.h"
+#include "app/main_window.h"
+#include "app/port_monitor.h"
 #include "app/program.h"
+#include "ui/held_pause.h"
 #include "ui/polled_dialog.h"
 
+class QAction;
 class QLabel;
-class QMenu;
+class QMenuBar;
 class QPushButton;
 
 namespace quarn {
 
+class CTerminalScreen;
+
 /// The control window: Terminal Screen switch, status line and menus.
-class CQuarnDlg final : public PolledDialog {
+class CQuarnDlg final : public PolledDialog, public MainWindow {
  public:
   explicit CQuarnDlg(Program& program);
+  ~CQuarnDlg() override;
 
-  /// Shows the Terminal Screen unless it is open.
-  void OpenTerminalScreen();
-  /// Brings title and controls up to date and starts the 100 ms tick.
-  void StartPolling();
+  [[nodiscard]] PortMonitor& Monitor() { return m_monitor; }
+  /// Whether File and Help do not stand on one line of the menu bar.
+  [[nodiscard]] bool MenuBarWraps();
+  /// Moves the window to this share of the screen's free space, and once more when its frame is known.
+  void PlaceByPercent(int xPercent, int yPercent);
+
+  void SetTitle(const QString& suffix) override;
+  void UpdateMenuState() override;
+  void ShowUserFile() override;
+  void OpenTerminalScreen() override;
+  void StartTimer() override { StartTicks(); }
+  void StopTimer() override { StopTicks(); }
 
  protected:
   void OnTick() override;
-  void keyPressEvent(QKeyEvent* event) override;
+  bool eventFilter(QObject* receiver, QEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
 
  private:
+  struct MenuItem;
+  static const std::vector<MenuItem>& MenuItems();
+
   void CreateMenus();
   void CreateControls();
   void Refresh();
   void ToggleTerminalScreen();
+  void ShowAbout();
+  void PlaceAgainWithFrame();
+  [[nodiscard]] bool IsForThisWindow(const QObject* receiver) const;
 
   Program& m_program;
+  FileChooserDialog m_chooser;
+  FileCommands m_files;
+  PortMonitor m_monitor;
+  HeldPause m_pause;
+  QPointer<CTerminalScreen> m_terminalScreen;
+  QMenuBar* m_menuBar = nullptr;
+  std::vector<QAction*> m_actions;  ///< as in MenuItems
   QPushButton* m_switch = nullptr;
   QLabel* m_status = nullptr;
-  QAction* m_terminalAction = nullptr;
+  QPoint m_placeInPercent{-1, -1};  ///< negative when there is no place to be kept
+  QPoint m_placed;
 };
 
 }  // namespace quarn

@@ -17,6 +17,9 @@ class MainWindow {
   virtual void ShowUserFile() = 0;
   /// Opens the Terminal Screen unless it is open.
   virtual void OpenTerminalScreen() = 0;
+  /// The 100 ms tick. It rests while the port monitor has a question or an error on the screen.
+  virtual void StartTimer() = 0;
+  virtual void StopTimer() = 0;
 };
 
 }  // namespace quarn

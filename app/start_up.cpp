@@ -1,54 +1,106 @@
 #include "app/start_up.h"
 
 #include "app/connection_commands.h"
-#include "app/main_dialog.h"
-#include "serial/port_list.h"
+#include "app/display.h"
+#include "app/file_commands.h"
+#include "app/qrn_file.h"
 #include "settings/life_cycle.h"
-#include "ui/placement.h"
 
 namespace quarn {
 namespace {
 
-constexpr int kMostListedPorts = 30;
 constexpr int kRightPercent = 98;
 constexpr int kEdgePercent = 3;
 
-void ListPorts(Program& program) {
-  RefreshPortList(*program.portSource, program.connection);
-  program.state.tooManyPorts = program.connection.portCount > kMostListedPorts;
+bool IsAlone(Program& program, StartUpStage& stage) {
+  switch (stage.TakeLock()) {
+    case InstanceLock::Taken:
+      return true;
+    case InstanceLock::TakenByAnother:
+      program.messages->ShowPlainMessage(QStringLiteral("\"Quarn\" is already open !"));
+      return false;
+    case InstanceLock::Failed:
+      break;
+  }
+  program.messages->ShowPlainMessage(QStringLiteral("\"Quarn\" found opening error"));
+  return false;
 }
 
-void LoadWorkingSettings(Program& program) {
-  PrepareWorkingFile(program.dataFolder);
-  LoadInitialSettings(program.workingSettingsFile, program.settings, *program.messages);
+bool DisplayFits(Program& program, StartUpStage& stage) {
+  const QString caption = QStringLiteral(": Error");
+  const int scaling = ScalingPercent(stage.Dpi());
+  if (!IsSupportedScaling(scaling)) {
+    program.messages->ShowErrorMessage(caption, QString(), QStringLiteral("Windows display scaling Settings"),
+                                       QStringLiteral("Scaling must be 100, 125, 150 or 175(%)."));
+    return false;
+  }
+  program.state.displayScalePercent = scaling;
+  if (stage.MenuBarWraps()) {
+    program.messages->ShowErrorMessage(
+        caption, QString(), QStringLiteral("Windows Text Font size Settings"),
+        QStringLiteral("Text font size (%1 ) is too large").arg(stage.MessageFontHeight()));
+    return false;
+  }
+  return true;
 }
 
-void PlaceMainDialog(const Program& program, CQuarnDlg& dialog) {
-  const int x = program.settings.mainPos == u"TR" ? kRightPercent : kEdgePercent;
-  PlaceOnScreenByPercent(dialog, x, kEdgePercent);
+void TellInternalConfiguration(Program& program) {
+  program.messages->ShowTransientMessage(QStringLiteral("Starting in internal configuration mode."), {});
+}
+
+/// The file named on the command line, when there is one and it looks like one of ours.
+QString FileToLoad(Program& program, StartUpStage& stage) {
+  const QString named = stage.CommandLineFile();
+  if (named.isEmpty()) return {};
+  program.messages->ShowTransientMessage(QStringLiteral("Loading user difinition file."), {});
+  const QString file = LoadQrnFile(named, *program.messages);
+  if (file.isEmpty()) TellInternalConfiguration(program);
+  return file;
+}
+
+void LoadConfiguration(Program& program, const QString& file) {
+  if (file.isEmpty()) {
+    PrepareWorkingFile(program.dataFolder);
+    LoadInitialSettings(program.workingSettingsFile, program.settings, *program.messages);
+    return;
+  }
+  program.userFile = LoadUserFile(program, file);
+  if (program.userFile.isEmpty()) {
+    LoadInitialSettings(program.workingSettingsFile, program.settings, *program.messages);
+    TellInternalConfiguration(program);
+  }
+  program.settings.loadedMarker = QStringLiteral("TRUE");
 }
 
 void ConnectAtStart(Program& program) {
   program.state.currentPortName = program.settings.comPort;
-  if (program.state.currentPortName != u"NONE") {
-    ConnectWithMessages(program);
+  if (program.state.currentPortName == u"NONE") {
+    TellPortUndefined(*program.messages);
+    program.connection.connected = false;
     return;
   }
-  program.messages->ShowInformationMessage(QStringLiteral(": Information"), QString(),
-                                           QStringLiteral("COM port is undefined."),
-                                           QStringLiteral("Sellect a COM port to connect."));
+  ConnectWithMessages(program);
 }
 
 }  // namespace
 
-void StartUp(Program& program, CQuarnDlg& dialog) {
-  ListPorts(program);
-  LoadWorkingSettings(program);
-  ConnectAtStart(program);
-  dialog.show();
-  PlaceMainDialog(program, dialog);
-  if (program.settings.startDisp == u"ON") dialog.OpenTerminalScreen();
-  dialog.StartPolling();
+StartUpResult StartUp(Program& program, MainWindow& window, StartUpStage& stage, PortMonitor& monitor) {
+  if (!IsAlone(program, stage)) return StartUpResult::NotAlone;
+  stage.ShowSplash();
+  if (!DisplayFits(program, stage)) return StartUpResult::DisplayRefused;
+  stage.AcceptDrops();
+  const QString file = FileToLoad(program, stage);
+  monitor.ListPorts();
+  LoadConfiguration(program, file);
+  stage.PlaceMainDialog(program.settings.mainPos == u"TR" ? kRightPercent : kEdgePercent, kEdgePercent);
+  if (program.userFile.isEmpty()) ConnectAtStart(program);
+  stage.ShowMainDialog();
+  if (program.settings.startDisp == u"ON") window.OpenTerminalScreen();
+  window.SetTitle(QString());
+  window.ShowUserFile();
+  window.UpdateMenuState();
+  window.StartTimer();
+  return StartUpResult::Running;
 }
 
 }  // namespace quarn

@@ -5,6 +5,7 @@
 
 #include "terminal/render.h"
 #include "terminal/screen_options.h"
+#include "terminal/wait_plan.h"
 
 namespace quarn {
 namespace {
@@ -28,17 +29,8 @@ QByteArray ErrorTextOf(TransactionResult result) {
   return found == kErrorTexts.end() ? QByteArray() : QByteArray(found->text);
 }
 
-struct LimitText {
-  const char16_t* comBuf;
-  const char* text;
-};
-constexpr std::array<LimitText, 3> kLimitTexts = {
-    {{u"1K", " (MAX. 1024)"}, {u"2K", " (MAX. 2048)"}, {u"6K", " (MAX. 6144)"}}};
-
 QByteArray LimitTextOf(const QString& comBuf) {
-  const auto* const found = std::ranges::find_if(
-      kLimitTexts, [&](const LimitText& each) { return comBuf == QStringView(each.comBuf); });
-  return found == kLimitTexts.end() ? kLimitTexts.front().text : found->text;
+  return " (MAX. " + QByteArray::number(ResponseLimit(comBuf)) + ")";
 }
 
 /// The response as lines, the last of them ended by exactly one CR.

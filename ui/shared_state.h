@@ -39,13 +39,17 @@ struct WindowRequests {
   bool functionTableClose = false;
 };
 
+inline void RaisePortDialogRefreshes(WindowRequests& requests) {
+  requests.portNumberRefresh = true;
+  requests.detailedListRefresh = true;
+  requests.portSettingsRefresh = true;
+}
+
 /// After the connection or the ports present changed: every window that shows one of them.
 inline void RaiseConnectionRefreshes(WindowRequests& requests) {
   requests.mainRefresh = true;
   requests.terminalRefresh = true;
-  requests.portNumberRefresh = true;
-  requests.detailedListRefresh = true;
-  requests.portSettingsRefresh = true;
+  RaisePortDialogRefreshes(requests);
 }
 
 /// After all settings were replaced: every window that shows any of them.

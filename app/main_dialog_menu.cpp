@@ -1,0 +1,102 @@
+#include <QAction>
+#include <QLayout>
+#include <QMenuBar>
+
+#include "app/about_box.h"
+#include "app/about_item.h"
+#include "app/connection_commands.h"
+#include "app/main_dialog.h"
+#include "app/menu_state.h"
+#include "ui/control.h"
+
+namespace quarn {
+
+struct CQuarnDlg::MenuItem {
+  enum Group { Same, Next };  // a line is drawn before the next group
+  int menu;
+  Group group;
+  int commandId;
+  const char* text;
+  const char* name;
+  void (*run)(CQuarnDlg&);  ///< null: its dialog does not exist yet, and the item stays disabled
+};
+
+const std::vector<CQuarnDlg::MenuItem>& CQuarnDlg::MenuItems() {
+  enum { File, Port, Tools, Option, Help };
+  using Dlg = CQuarnDlg;
+  using enum MenuItem::Group;
+  static const std::vector<MenuItem> items{
+      {File, Same, command::kOpen, "&Open", "open", [](Dlg& d) { d.m_files.Open(); }},
+      {File, Same, command::kSave, "&Save", "save", [](Dlg& d) { d.m_files.Save(); }},
+      {File, Same, command::kSaveAs, "Save &As", "saveAs", [](Dlg& d) { d.m_files.SaveAs(); }},
+      {File, Same, command::kCloseFile, "&Close File", "closeFile", [](Dlg& d) { d.m_files.CloseFile(); }},
+      {File, Next, command::kRestoreDefaults, "&Restore Defaults", "restoreDefaults",
+       [](Dlg& d) { d.m_files.RestoreDefaults(); }},
+      {File, Next, command::kExit, "E&xit", "exit", [](Dlg& d) { d.close(); }},
+      {Port, Same, command::kPortNumber, "COM Port &Number", "portNumber", nullptr},
+      {Port, Same, command::kDetailedPortList, "Detailed COM Port &List", "detailedPortList", nullptr},
+      {Port, Next, command::kConnect, "&Connect COM Port", "connectPort",
+       [](Dlg& d) { Connect(d.m_program); }},
+      {Port, Same, command::kDisconnect, "&Disconnect COM Port", "disconnectPort",
+       [](Dlg& d) { Disconnect(d.m_program); }},
+      {Port, Next, command::kPortSettings, "COM Port &Settings", "portSettings", nullptr},
+      {Port, Same, command::kReset, "&Reset Current COM Port", "resetPort",
+       [](Dlg& d) { Reset(d.m_program, d, d.m_pause); }},
+      {Tools, Same, command::kTerminalScreen, "&Terminal Screen", "terminalScreen",
+       [](Dlg& d) { d.OpenTerminalScreen(); }},
+      {Tools, Same, command::kFunctionKeyTable, "&Function Key Table", "functionKeyTable", nullptr},
+      {Option, Same, command::kCommandFormat, "&Command Format", "commandFormat", nullptr},
+      {Option, Same, command::kScreenOption, "&Terminal Screen Option", "screenOption", nullptr},
+      {Option, Same, command::kMainOption, "&Main Dialog Option", "mainOption", nullptr},
+      {Help, Same, command::kAbout, "&About", "about", [](Dlg& d) { d.ShowAbout(); }},
+  };
+  return items;
+}
+
+void CQuarnDlg::CreateMenus() {
+  m_menuBar = new QMenuBar(this);
+  // In the window, also where the desktop would show it elsewhere: its width is part of the start's checks.
+  m_menuBar->setNativeMenuBar(false);
+  std::vector<QMenu*> menus;
+  for (const char* title : {"&File", "&Port", "&Tools", "&Option", "&Help"}) {
+    menus.push_back(m_menuBar->addMenu(QString::fromLatin1(title)));
+  }
+  for (const MenuItem& item : MenuItems()) {
+    QMenu* menu = menus.at(static_cast<std::size_t>(item.menu));
+    if (item.group == MenuItem::Next) menu->addSeparator();
+    QAction* action =
+        menu->addAction(QString::fromLatin1(item.text), this, [this, &item] { item.run(*this); });
+    action->setObjectName(QString::fromLatin1(item.name));
+    m_actions.push_back(WithControlId(action, item.commandId));
+  }
+  layout()->setMenuBar(m_menuBar);
+  AddWindowMenuItem(*this, QStringLiteral("Quarnについて(&A)..."), [this] { ShowAbout(); });
+}
+
+void CQuarnDlg::UpdateMenuState() {
+  const MenuFacts facts{
+      .userFileInForce = !m_program.userFile.isEmpty(),
+      .connected = m_program.connection.connected,
+      .portConfigured = m_program.state.currentPortName != u"NONE",
+      .terminalScreenOpen = m_program.state.open.terminalScreen,
+      .functionKeyTableOpen = m_program.state.open.functionKeyTable,
+  };
+  for (std::size_t i = 0; i < m_actions.size(); ++i) {
+    const MenuItem& item = MenuItems()[i];
+    m_actions[i]->setEnabled(item.run != nullptr && IsCommandEnabled(item.commandId, facts));
+  }
+}
+
+bool CQuarnDlg::MenuBarWraps() {
+  layout()->activate();
+  const QList<QAction*> titles = m_menuBar->actions();
+  const QRect first = m_menuBar->actionGeometry(titles.first());
+  const QRect last = m_menuBar->actionGeometry(titles.last());
+  // What does not fit on the line is not shown on it.
+  const bool cutOff = !m_menuBar->rect().contains(last.center()) || last.isNull();
+  return cutOff || first.top() != last.top();
+}
+
+void CQuarnDlg::ShowAbout() { CAboutBox(this, m_program).exec(); }
+
+}  // namespace quarn

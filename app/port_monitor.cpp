@@ -1,0 +1,142 @@
+#include "app/port_monitor.h"
+
+#include <algorithm>
+
+#include "app/connection_commands.h"
+#include "serial/port_list.h"
+#include "settings/key_store.h"
+#include "settings/settings_table.h"
+
+namespace quarn {
+namespace {
+
+bool IsListed(const PortList& list, const QString& port) {
+  const auto end = list.names.begin() + std::clamp(list.count, 0, kPortCapacity);
+  return std::find(list.names.begin(), end, port) != end;
+}
+
+/// The tick rests while this is there.
+class RestingTimer {
+ public:
+  explicit RestingTimer(MainWindow& window) : m_window(window) { m_window.StopTimer(); }
+  ~RestingTimer() { m_window.StartTimer(); }
+  RestingTimer(const RestingTimer&) = delete;
+  RestingTimer& operator=(const RestingTimer&) = delete;
+
+ private:
+  MainWindow& m_window;
+};
+
+}  // namespace
+
+PortEvent DecideOnPorts(const PortList& before, const PortList& now, bool connected,
+                        const QString& currentPortName) {
+  if (before.count > now.count && connected) {
+    return IsListed(now, currentPortName) ? PortEvent::None : PortEvent::Vanished;
+  }
+  if (before.count < now.count && !connected) {
+    const auto [added, old] = std::mismatch(now.names.begin(), now.names.end(), before.names.begin());
+    if (added != now.names.end() && *added == currentPortName) return PortEvent::Returned;
+  }
+  return PortEvent::None;
+}
+
+void PortMonitor::ListPorts() {
+  RefreshPortList(*m_program.portSource, m_program.connection);
+  m_program.state.tooManyPorts = m_program.connection.portCount >= kTooManyPorts;
+  m_before = m_program.connection.portNames;
+}
+
+void PortMonitor::Tick() {
+  // A message of the last change may still be up: what changed since is seen when it is gone.
+  if (m_updating) return;
+  if (m_startDelay > 0) {
+    --m_startDelay;
+    return;
+  }
+  ++m_ticks;
+  FriendlyNameTable scratch;
+  std::int32_t count = 0;
+  if (!EnumeratePorts(*m_program.portSource, scratch, count) || count == m_program.connection.portCount) {
+    return;
+  }
+  m_updating = true;
+  Update();
+  m_updating = false;
+}
+
+void PortMonitor::Update() {
+  PortConnection& connection = m_program.connection;
+  m_before = connection.portNames;
+  const PortList before{connection.portCount, m_before};
+  m_program.waitIndicator->Show();
+  const bool listed = RefreshPortList(*m_program.portSource, connection);
+  m_program.waitIndicator->Restore();
+  if (!listed) return;
+  // What is decided on is what was listed, whatever happens to the ports while a message is up.
+  const PortList now{connection.portCount, connection.portNames};
+  m_program.state.tooManyPorts = now.count >= kTooManyPorts;
+  if (m_program.state.tooManyPorts) {
+    TellTooMany();
+  } else {
+    m_program.messages->ShowTransientMessage(QStringLiteral("COM port list has been updated."), {});
+    const QString port = m_program.state.currentPortName;
+    switch (DecideOnPorts(before, now, connection.connected, port)) {
+      case PortEvent::Vanished:
+        TellVanished(port);
+        break;
+      case PortEvent::Returned:
+        OfferToConnect(port);
+        break;
+      case PortEvent::None:
+        break;
+    }
+  }
+  RaiseConnectionRefreshes(m_program.state.requests);
+}
+
+void PortMonitor::TellTooMany() {
+  if (!m_program.state.open.detailedPortList) return;
+  m_program.messages->ShowInformationMessage(
+      QStringLiteral(": Information"), QString(),
+      QStringLiteral("Too many COM ports to display in the detailed list."),
+      QStringLiteral("The \"Detailed COM Port List\" will be closed."));
+  m_program.state.requests.detailedListClose = true;
+}
+
+void PortMonitor::TellVanished(const QString& port) {
+  const RestingTimer rest(m_window);
+  TellPortNotAvailable(*m_program.messages, port);
+  m_program.connection.connected = false;
+  m_program.state.requests.mainRefresh = true;
+}
+
+void PortMonitor::OfferToConnect(const QString& port) {
+  const RestingTimer rest(m_window);
+  PortConnection& connection = m_program.connection;
+  QString& current = m_program.state.currentPortName;
+  if (!m_program.messages->AskYesNo(QStringLiteral(": Confirmation"), QString(),
+                                    QStringLiteral("Do you want to connect to \"%1\" ?").arg(port),
+                                    QString())) {
+    connection.connected = false;
+    current = QStringLiteral("NONE");
+    return;
+  }
+  RaisePortDialogRefreshes(m_program.state.requests);
+  ClosePort(connection);
+  SettingsRecord settings = m_program.settings;
+  settings.comPort = port;
+  connection.connected = ConnectPort(settings, connection, m_program.Environment());
+  if (!connection.connected) {
+    TellPortNotAvailable(*m_program.messages, port);
+    current = QStringLiteral("NONE");
+    return;
+  }
+  m_program.messages->ShowInformationMessage(QStringLiteral(": Information"), QString(),
+                                             QStringLiteral("Successfully connected to  \"%1\"").arg(port),
+                                             QString());
+  UpdateValue(m_program.workingSettingsFile, keys::kComPort, port);
+  current = port;
+}
+
+}  // namespace quarn

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <QString>
+#include <cstdint>
+
+#include "app/main_window.h"
+#include "app/program.h"
+
+namespace quarn {
+
+/// From this many ports on the detailed list cannot show them all.
+inline constexpr int kTooManyPorts = 31;
+
+/// The ports present at one moment: the first `count` names count.
+struct PortList {
+  std::int32_t count = 0;
+  PortNames names;
+};
+
+enum class PortEvent {
+  None,
+  Vanished,  ///< the connected port is no longer there
+  Returned,  ///< the configured port is there again, and not connected
+};
+
+/// What a change of the ports present means. A port that was added is looked for at the first position at
+/// which the two lists differ, and nowhere else.
+PortEvent DecideOnPorts(const PortList& before, const PortList& now, bool connected,
+                        const QString& currentPortName);
+
+/// Watches the ports present, and acts when the connected one disappears or the configured one comes back.
+/// Only their count is compared: a port exchanged for another goes unnoticed. User-interface thread only.
+class PortMonitor {
+ public:
+  PortMonitor(Program& program, MainWindow& window) : m_program(program), m_window(window) {}
+
+  /// Lists the ports present and remembers them as what the next change is compared with.
+  void ListPorts();
+  /// One tick of 100 ms. The first ten are let pass.
+  void Tick();
+  [[nodiscard]] std::uint32_t TickCount() const { return m_ticks; }
+
+ private:
+  void Update();
+  void TellTooMany();
+  void TellVanished(const QString& port);
+  void OfferToConnect(const QString& port);
+
+  Program& m_program;
+  MainWindow& m_window;
+  PortNames m_before;
+  std::uint32_t m_startDelay = 10;
+  std::uint32_t m_ticks = 0;
+  bool m_updating = false;
+};
+
+}  // namespace quarn

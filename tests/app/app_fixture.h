@@ -1,0 +1,113 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QStringList>
+#include <QTemporaryDir>
+#include <memory>
+#include <utility>
+
+#include "app/main_window.h"
+#include "app/program.h"
+#include "serial/platform_serial.h"
+#include "serial/serial_fixtures.h"
+#include "settings/data_folder.h"
+#include "settings/key_store.h"
+#include "settings/settings_load_save.h"
+#include "support/recorded_messages.h"
+
+namespace quarn::test {
+
+/// The ports that a test says are there.
+class ListedPorts final : public PortSource {
+ public:
+  QStringList names;
+  bool works = true;
+
+  bool FriendlyNames(QStringList& result) override {
+    if (!works) return false;
+    result.clear();
+    for (const QString& name : names) result.append(QStringLiteral("Adapter (%1)").arg(name));
+    return true;
+  }
+};
+
+class NoWaitIndicator final : public WaitIndicator {
+ public:
+  int depth = 0;
+  void Show() override { ++depth; }
+  void Restore() override { --depth; }
+};
+
+/// Writes down what is asked of the main dialog.
+class RecordedWindow final : public MainWindow {
+ public:
+  explicit RecordedWindow(QStringList& journal) : m_journal(journal) {}
+  void SetTitle(const QString& suffix) override { m_journal.append(QStringLiteral("title") + suffix); }
+  void UpdateMenuState() override { m_journal.append(QStringLiteral("menu state")); }
+  void ShowUserFile() override { m_journal.append(QStringLiteral("user file")); }
+  void OpenTerminalScreen() override { m_journal.append(QStringLiteral("terminal")); }
+  void StartTimer() override { m_journal.append(QStringLiteral("start timer")); }
+  void StopTimer() override { m_journal.append(QStringLiteral("stop timer")); }
+
+ private:
+  QStringList& m_journal;
+};
+
+/// The program's objects over a folder of its own, with real lines behind links in its ports folder, and
+/// messages, window and port list that a test reads and writes. What happens is one journal, in order.
+class AppTest : public ::testing::Test {
+ protected:
+  AppTest()
+      : m_folder(m_scratch.filePath(QStringLiteral("config/"))),
+        program(m_folder, CreateLineOpener(PortsFolder(m_folder)), std::make_unique<ListedPorts>(),
+                std::make_unique<RecordedMessages>(), std::make_unique<NoWaitIndicator>()),
+        ports(static_cast<ListedPorts&>(*program.portSource)),
+        messages(static_cast<RecordedMessages&>(*program.messages)),
+        indicator(static_cast<NoWaitIndicator&>(*program.waitIndicator)) {
+    messages.whileShown = [this] {
+      journal.append(messages.shown.last());
+      if (whileShown) whileShown();
+    };
+  }
+
+  /// Makes the data folder with the ports folder in it.
+  void MakeFolders() { ASSERT_TRUE(QDir().mkpath(PortsFolder(m_folder))); }
+  /// Writes the working settings file: the defaults with these values.
+  void WriteSettings(const QString& path, const QList<std::pair<QString, QString>>& values) {
+    ASSERT_TRUE(WriteDefaultFile(path));
+    for (const auto& [key, value] : values) {
+      const QString text = key + QLatin1Char('=');
+      ASSERT_TRUE(UpdateValue(path, SettingsKey(text), value));
+    }
+  }
+  /// Makes the pseudo-terminal reachable as this port, and lists it.
+  void PlugIn(const QString& port, const PseudoTerminal& terminal) {
+    ASSERT_TRUE(QFile::link(QString::fromStdString(terminal.Node()),
+                            PortsFolder(m_folder) + QLatin1Char('/') + port));
+    ports.names.append(port);
+  }
+  void Configure(const QString& port) {
+    program.settings.comPort = port;
+    program.state.currentPortName = port;
+  }
+  /// The journal so far, which starts anew.
+  QStringList Happened() { return std::exchange(journal, {}); }
+
+ private:
+  QTemporaryDir m_scratch;
+
+ protected:
+  const QString m_folder;
+  QStringList journal;
+  Program program;
+  ListedPorts& ports;
+  RecordedMessages& messages;
+  NoWaitIndicator& indicator;
+  RecordedWindow window{journal};
+  std::function<void()> whileShown;
+};
+
+}  // namespace quarn::test

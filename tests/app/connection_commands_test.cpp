@@ -1,0 +1,121 @@
+#include "app/connection_commands.h"
+
+#include "app/app_fixture.h"
+
+namespace quarn::test {
+namespace {
+
+class NotedPause final : public Pause {
+ public:
+  explicit NotedPause(QStringList& journal) : m_journal(journal) {}
+  void For(int ms) override { m_journal.append(QStringLiteral("pause %1").arg(ms)); }
+
+ private:
+  QStringList& m_journal;
+};
+
+class ConnectionCommands : public AppTest {
+ protected:
+  void SetUp() override {
+    MakeFolders();
+    PlugIn(QStringLiteral("COM3"), terminal);
+    RefreshPorts();
+    Configure(QStringLiteral("COM3"));
+  }
+  void RefreshPorts() {
+    program.connection.portCount = static_cast<std::int32_t>(ports.names.size());
+    program.connection.portNames.fill(QString());
+    for (qsizetype i = 0; i < ports.names.size(); ++i) {
+      program.connection.portNames[static_cast<std::size_t>(i)] = ports.names[i];
+    }
+  }
+  void Unplug() {
+    ports.names.clear();
+    RefreshPorts();
+  }
+  void ConnectSilently() {
+    Connect(program);
+    ASSERT_TRUE(program.connection.connected);
+    journal.clear();
+    program.state.requests = {};
+  }
+
+  PseudoTerminal terminal;
+  NotedPause pause{journal};
+};
+
+TEST_F(ConnectionCommands, ConnectTells) {
+  Connect(program);
+  EXPECT_EQ(Happened(), QStringList{"transient/Successfully Connected to \"COM3\"."});
+  EXPECT_TRUE(program.connection.connected);
+  EXPECT_TRUE(program.state.requests.mainRefresh);
+  EXPECT_TRUE(program.state.requests.terminalRefresh);
+  EXPECT_TRUE(program.state.requests.portNumberRefresh);
+  EXPECT_TRUE(program.state.requests.detailedListRefresh);
+  EXPECT_TRUE(program.state.requests.portSettingsRefresh);
+}
+
+TEST_F(ConnectionCommands, ConnectToAMissingPortTells) {
+  Unplug();
+  program.connection.connected = true;
+  Connect(program);
+  EXPECT_EQ(Happened(),
+            QStringList{"error/: Error//  \"COM3\" is not available./Check \"Detailed COM Port List\"."});
+  EXPECT_FALSE(program.connection.connected);
+  EXPECT_EQ(program.state.currentPortName, QStringLiteral("COM3"));
+}
+
+TEST_F(ConnectionCommands, DisconnectAsksAndKeepsThePort) {
+  ConnectSilently();
+  messages.answers = {true};
+  Disconnect(program);
+  EXPECT_EQ(Happened(),
+            (QStringList{"yes or no/: Confirmation//Are you sure you want to disconnect the COM port?/",
+                         "transient/\"COM3\" was disconnected."}));
+  EXPECT_FALSE(program.connection.connected);
+  EXPECT_TRUE(program.connection.handle.IsNull());
+  EXPECT_EQ(program.state.currentPortName, QStringLiteral("COM3"));
+  EXPECT_TRUE(program.state.requests.mainRefresh);
+  EXPECT_TRUE(program.state.requests.terminalRefresh);
+  Connect(program);
+  EXPECT_TRUE(program.connection.connected);
+}
+
+TEST_F(ConnectionCommands, DisconnectAnsweredNoChangesNothing) {
+  ConnectSilently();
+  const auto line = program.connection.handle.Line();
+  messages.answers = {false};
+  Disconnect(program);
+  EXPECT_TRUE(program.connection.connected);
+  EXPECT_EQ(program.connection.handle.Line(), line);
+  EXPECT_FALSE(program.state.requests.mainRefresh);
+  EXPECT_EQ(Happened().size(), 1);
+}
+
+TEST_F(ConnectionCommands, DisconnectWithoutAConnectionDoesNothing) {
+  Disconnect(program);
+  EXPECT_EQ(Happened(), QStringList());
+}
+
+TEST_F(ConnectionCommands, ResetShowsItselfInTheTitle) {
+  ConnectSilently();
+  const auto line = program.connection.handle.Line();
+  Reset(program, window, pause);
+  EXPECT_EQ(Happened(),
+            (QStringList{"title- Resetting Port ...", "pause 500", "title",
+                         "information/: Information//\"COM3\" :  Reset completed successfully./"}));
+  EXPECT_TRUE(program.connection.connected);
+  EXPECT_NE(program.connection.handle.Line(), line);
+}
+
+TEST_F(ConnectionCommands, AFailedResetIsToldWithoutQuotesAndLeavesNoConnection) {
+  ConnectSilently();
+  Unplug();
+  Reset(program, window, pause);
+  EXPECT_EQ(Happened(), (QStringList{"title- Resetting Port ...", "pause 500", "title",
+                                     "information/: Error//COM3:  Reset Failed./"}));
+  EXPECT_FALSE(program.connection.connected);
+}
+
+}  // namespace
+}  // namespace quarn::test

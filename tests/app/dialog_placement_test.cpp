@@ -1,0 +1,31 @@
+#include "app/dialog_placement.h"
+
+#include <gtest/gtest.h>
+
+namespace quarn {
+namespace {
+
+constexpr QSize kScreen{1000, 800};
+
+TEST(DialogPlacement, BelowWhereThereIsRoom) {
+  EXPECT_EQ(PlaceBelow({30, 20, 400, 150}, {300, 100}, kScreen), QPoint(30, 180));
+  // Exactly down to the screen's edge still fits.
+  EXPECT_EQ(PlaceBelow({30, 540, 400, 150}, {300, 100}, kScreen), QPoint(30, 700));
+}
+
+TEST(DialogPlacement, AboveWhereThereIsNoRoomBelow) {
+  // 541 - 80 + (800 - 691 - 100)
+  EXPECT_EQ(PlaceBelow({30, 541, 400, 150}, {300, 100}, kScreen), QPoint(30, 470));
+}
+
+TEST(DialogPlacement, BesideWhereThereIsRoom) {
+  EXPECT_EQ(PlaceBeside({30, 20, 400, 150}, {300, 100}, kScreen), QPoint(440, 20));
+  EXPECT_EQ(PlaceBeside({290, 20, 400, 150}, {300, 100}, kScreen), QPoint(700, 20));
+}
+
+TEST(DialogPlacement, ToTheLeftWhereThereIsNoRoomBeside) {
+  EXPECT_EQ(PlaceBeside({291, 20, 400, 150}, {300, 100}, kScreen), QPoint(270, 20));
+}
+
+}  // namespace
+}  // namespace quarn

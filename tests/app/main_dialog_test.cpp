@@ -1,0 +1,286 @@
+#include "app/main_dialog.h"
+
+#include <QApplication>
+#include <QLabel>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QScreen>
+#include <QSignalSpy>
+#include <QTest>
+#include <QTimer>
+
+#include "app/app_fixture.h"
+#include "ui/control.h"
+#include "ui/placement.h"
+
+namespace quarn::test {
+namespace {
+
+class MainDialog : public AppTest {
+ protected:
+  void SetUp() override {
+    MakeFolders();
+    WriteSettings(program.workingSettingsFile, {});
+    dialog.SetTitle(QString());
+    dialog.UpdateMenuState();
+    dialog.ShowUserFile();
+    dialog.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&dialog));
+  }
+  QAction* Action(int id) {
+    for (QAction* action : dialog.findChildren<QAction*>()) {
+      if (action->property(kControlIdProperty) == id) return action;
+    }
+    return nullptr;
+  }
+  template <typename Widget>
+  Widget* Control(int id) {
+    for (Widget* each : dialog.findChildren<Widget*>()) {
+      if (each->property(kControlIdProperty) == id) return each;
+    }
+    return nullptr;
+  }
+  QPushButton& Switch() { return *Control<QPushButton>(1001); }
+  QWidget* TerminalScreen() {
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+      if (widget != &dialog && widget->isVisible() && widget->windowTitle().startsWith("Quarn - Terminal")) {
+        return widget;
+      }
+    }
+    return nullptr;
+  }
+
+  CQuarnDlg dialog{program};
+};
+
+TEST_F(MainDialog, HasTheMenusInTheirOrder) {
+  const auto* bar = dialog.findChild<QMenuBar*>();
+  QStringList shown;
+  for (const QAction* title : bar->actions()) {
+    QStringList items;
+    for (const QAction* item : title->menu()->actions()) {
+      items.append(item->isSeparator() ? QStringLiteral("-")
+                                       : item->property(kControlIdProperty).toString() + QLatin1Char(' ') +
+                                             item->text().remove(QLatin1Char('&')));
+    }
+    shown.append(title->text().remove(QLatin1Char('&')) + QStringLiteral(": ") +
+                 items.join(QStringLiteral(", ")));
+  }
+  EXPECT_EQ(
+      shown,
+      (QStringList{
+          "File: 32793 Open, 57603 Save, 32795 Save As, 32807 Close File, -, 32799 Restore Defaults, -, "
+          "32771 Exit",
+          "Port: 32791 COM Port Number, 32792 Detailed COM Port List, -, 32805 Connect COM Port, 32801 "
+          "Disconnect COM Port, -, 32783 COM Port Settings, 32789 Reset Current COM Port",
+          "Tools: 32772 Terminal Screen, 32777 Function Key Table",
+          "Option: 32775 Command Format, 32779 Terminal Screen Option, 32790 Main Dialog Option",
+          "Help: 57667 About",
+      }));
+}
+
+TEST_F(MainDialog, MnemonicsAreUniqueWithinAMenu) {
+  const auto* bar = dialog.findChild<QMenuBar*>();
+  QList<QList<QAction*>> groups{bar->actions()};
+  for (const QAction* title : bar->actions()) groups.append(title->menu()->actions());
+  for (const QList<QAction*>& group : groups) {
+    QSet<QChar> used;
+    for (const QAction* action : group) {
+      if (action->isSeparator()) continue;
+      const qsizetype mark = action->text().indexOf(QLatin1Char('&'));
+      ASSERT_GE(mark, 0) << action->text().toStdString();
+      const QChar letter = action->text().at(mark + 1).toLower();
+      EXPECT_FALSE(used.contains(letter)) << action->text().toStdString();
+      used.insert(letter);
+    }
+  }
+}
+
+TEST_F(MainDialog, EnablesWhatCanBeUsed) {
+  const std::map<int, QString> when{{57603, "user file"}, {32807, "user file"}, {32789, "connected"},
+                                    {32801, "connected"}, {32805, "port"},      {32772, "closed"}};
+  const auto check = [&](const QStringList& facts) {
+    dialog.UpdateMenuState();
+    for (const auto& [id, fact] : when) EXPECT_EQ(Action(id)->isEnabled(), facts.contains(fact)) << id;
+  };
+  check({"closed"});
+  program.userFile = QStringLiteral("a.qrn");
+  program.state.currentPortName = QStringLiteral("COM3");
+  check({"closed", "user file", "port"});
+  program.connection.connected = true;
+  program.state.open.terminalScreen = true;
+  check({"user file", "connected"});
+}
+
+TEST_F(MainDialog, TitleNamesPortAndState) {
+  EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Quarn   (NONE)"));
+  program.state.currentPortName = QStringLiteral("COM3");
+  dialog.SetTitle(QString());
+  EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Quarn   (COM3-NC)"));
+  program.connection.connected = true;
+  dialog.SetTitle(QString());
+  EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Quarn   (COM3)"));
+  dialog.SetTitle(QStringLiteral("- Resetting Port ..."));
+  EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Quarn   (COM3)- Resetting Port ..."));
+}
+
+TEST_F(MainDialog, StatusLineNamesTheUserFile) {
+  auto* status = Control<QLabel>(1075);
+  EXPECT_EQ(status->text(), QStringLiteral("[ Internal Configuration State ]"));
+  program.userFile = QStringLiteral("/lab/a.qrn");
+  dialog.ShowUserFile();
+  EXPECT_EQ(status->text(), QStringLiteral("( /lab/a.qrn )"));
+  const QSize before = dialog.size();
+  program.userFile = QStringLiteral("/lab/") + QString(200, u'x') + QStringLiteral("/deeper/b.qrn");
+  dialog.ShowUserFile();
+  QApplication::processEvents();
+  EXPECT_TRUE(status->text().startsWith("( ") && status->text().endsWith("b.qrn )"))
+      << status->text().toStdString();
+  EXPECT_LE(status->fontMetrics().horizontalAdvance(status->text()), status->width());
+  EXPECT_EQ(dialog.size(), before);
+  program.userFile = QStringLiteral("/lab/<b>&amp;.qrn");
+  dialog.ShowUserFile();
+  EXPECT_EQ(status->text(), QStringLiteral("( /lab/<b>&amp;.qrn )"));
+}
+
+TEST_F(MainDialog, HeadingIsBold) {
+  auto* heading = Control<QLabel>(1076);
+  EXPECT_EQ(heading->text(), QStringLiteral("Quarn  :  Serial Port Terminal"));
+  EXPECT_EQ(heading->font().weight(), QFont::Bold);
+  EXPECT_NE(dialog.font().weight(), QFont::Bold);
+}
+
+TEST_F(MainDialog, SwitchOpensAndClosesTheTerminalScreen) {
+  EXPECT_EQ(Switch().text(), QStringLiteral("ON"));
+  QTest::mouseClick(&Switch(), Qt::LeftButton);
+  EXPECT_TRUE(program.state.open.terminalScreen);
+  ASSERT_NE(TerminalScreen(), nullptr);
+  EXPECT_EQ(Switch().text(), QStringLiteral("OFF"));
+  EXPECT_TRUE(program.state.requests.mainRefresh);
+  QTest::mouseClick(&Switch(), Qt::LeftButton);
+  EXPECT_FALSE(program.state.open.terminalScreen);
+  EXPECT_EQ(Switch().text(), QStringLiteral("ON"));
+  EXPECT_TRUE(QTest::qWaitFor([&] { return TerminalScreen() == nullptr; }));
+}
+
+TEST_F(MainDialog, TwoQuickClicksLeaveOneTerminalScreen) {
+  for (int i = 0; i < 3; ++i) QTest::mouseClick(&Switch(), Qt::LeftButton);  // open, close, open
+  EXPECT_TRUE(program.state.open.terminalScreen);
+  EXPECT_TRUE(QTest::qWaitFor([&] {
+    int visible = 0;
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+      if (widget->isVisible() && widget->windowTitle().startsWith("Quarn - Terminal")) ++visible;
+    }
+    return visible == 1;
+  }));
+  QTest::qWait(3 * PolledDialog::kTickMs);  // nothing that was asked of the first one hits the second
+  EXPECT_NE(TerminalScreen(), nullptr);
+  EXPECT_TRUE(program.state.open.terminalScreen);
+}
+
+TEST_F(MainDialog, SwitchActsOnlyWithTheFocus) {
+  Switch().clearFocus();
+  Switch().click();
+  EXPECT_FALSE(program.state.open.terminalScreen);
+}
+
+TEST_F(MainDialog, EnterAndEscapeDoNothing) {
+  for (const auto key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Escape}) {
+    QTest::keyClick(dialog.windowHandle(), key);
+    Switch().setFocus();
+    QTest::keyClick(&Switch(), key);
+    EXPECT_TRUE(dialog.isVisible());
+    EXPECT_FALSE(program.state.open.terminalScreen);
+  }
+}
+
+TEST_F(MainDialog, SpaceOnTheSwitchOpensTheTerminalScreen) {
+  Switch().setFocus();
+  QTest::keyClick(dialog.windowHandle(), Qt::Key_Space);
+  EXPECT_TRUE(program.state.open.terminalScreen);
+}
+
+TEST_F(MainDialog, KeysGoToTheTerminalScreenWhileItIsOpen) {
+  program.state.open.terminalScreen = true;
+  Switch().setFocus();
+  for (const auto key : {Qt::Key_Space, Qt::Key_A, Qt::Key_Return, Qt::Key_F1}) {
+    program.state.requests.focus = false;
+    QTest::keyClick(dialog.windowHandle(), key);
+    EXPECT_TRUE(program.state.requests.focus) << key;
+    EXPECT_TRUE(program.state.open.terminalScreen) << "the switch saw key " << key;
+  }
+  program.state.requests.focus = false;
+  QTest::keyClick(dialog.windowHandle(), Qt::Key_F, Qt::AltModifier);
+  EXPECT_TRUE(program.state.requests.focus);
+  EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
+}
+
+TEST_F(MainDialog, MnemonicsOpenTheMenusWhileItIsClosed) {
+  QTest::keyClick(dialog.windowHandle(), Qt::Key_F, Qt::AltModifier);
+  QWidget* menu = QApplication::activePopupWidget();
+  ASSERT_NE(menu, nullptr);
+  // Enter and Escape belong to the menu then.
+  QTest::keyClick(menu, Qt::Key_Escape);
+  EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
+}
+
+TEST_F(MainDialog, RefreshRequestIsHandledAtTheNextTick) {
+  dialog.StartTimer();
+  program.state.currentPortName = QStringLiteral("COM7");
+  program.userFile = QStringLiteral("/x.qrn");
+  program.state.requests.mainRefresh = true;
+  EXPECT_TRUE(QTest::qWaitFor([&] { return !program.state.requests.mainRefresh; }));
+  EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Quarn   (COM7-NC)"));
+  EXPECT_TRUE(Action(32805)->isEnabled());
+  EXPECT_EQ(Control<QLabel>(1075)->text(), QStringLiteral("( /x.qrn )"));
+}
+
+TEST_F(MainDialog, ClosingAsksWhenTheSettingsDifferFromTheUserFile) {
+  program.userFile = m_folder + QStringLiteral("mine.qrn");
+  WriteSettings(program.userFile, {{"BK_COLOR", "NAVY"}});
+  messages.answers = {false, true};
+  const QString question =
+      QStringLiteral("yes or no/: Confirmation//Settings have been changed./Exit program without saving?");
+  dialog.close();
+  EXPECT_EQ(Happened(), QStringList{question});
+  EXPECT_TRUE(dialog.isVisible());
+  dialog.close();
+  EXPECT_EQ(Happened(), QStringList{question});
+  EXPECT_FALSE(dialog.isVisible());
+}
+
+TEST_F(MainDialog, ClosingInTheInternalConfigurationStateDoesNotAsk) {
+  Action(32771)->trigger();
+  EXPECT_EQ(Happened(), QStringList());
+  EXPECT_FALSE(dialog.isVisible());
+}
+
+TEST_F(MainDialog, StandsAtItsShareOfTheScreen) {
+  dialog.PlaceByPercent(98, 3);
+  const QSize screen = QGuiApplication::primaryScreen()->size();
+  const QPoint wanted = PercentPosition(screen, OuterSize(dialog), 98, 3);
+  EXPECT_EQ(dialog.pos(), wanted);
+}
+
+TEST_F(MainDialog, MenuBarThatFitsDoesNotWrap) {
+  EXPECT_FALSE(dialog.MenuBarWraps());
+  auto* bar = dialog.findChild<QMenuBar*>();
+  bar->setStyleSheet(QStringLiteral("QMenuBar { font-size: 48px }"));
+  QApplication::processEvents();
+  EXPECT_TRUE(dialog.MenuBarWraps());
+}
+
+TEST(MainDialogBeforeItsFirstShow, KnowsWhetherItsMenuBarWraps) {
+  struct Unshown : AppTest {
+    void TestBody() override {
+      CQuarnDlg dialog(program);
+      EXPECT_FALSE(dialog.MenuBarWraps());
+      dialog.findChild<QMenuBar*>()->setStyleSheet(QStringLiteral("QMenuBar { font-size: 48px }"));
+      EXPECT_TRUE(dialog.MenuBarWraps());
+    }
+  };
+  Unshown().TestBody();
+}
+
+}  // namespace
+}  // namespace quarn::test

@@ -1,0 +1,276 @@
+#include "app/port_monitor.h"
+
+#include "app/app_fixture.h"
+
+namespace quarn::test {
+namespace {
+
+PortList List(const QStringList& names) {
+  PortList list;
+  list.count = static_cast<std::int32_t>(names.size());
+  for (qsizetype i = 0; i < names.size(); ++i) list.names[static_cast<std::size_t>(i)] = names[i];
+  return list;
+}
+
+QStringList Ports(int count) {
+  QStringList names;
+  for (int i = 1; i <= count; ++i) names.append(QStringLiteral("COM%1").arg(i));
+  return names;
+}
+
+struct Change {
+  QStringList before, now;
+  bool connected;
+  QString current;
+  PortEvent event;
+};
+
+TEST(DecideOnPorts, LooksAtTheConnectedPortWhenOneWent) {
+  const std::vector<Change> changes{
+      {{"COM1", "COM3"}, {"COM1"}, true, "COM3", PortEvent::Vanished},
+      {{"COM1", "COM3"}, {"COM3"}, true, "COM3", PortEvent::None},
+      {{"COM3"}, {}, true, "COM3", PortEvent::Vanished},
+      {{"COM3"}, {}, false, "COM3", PortEvent::None},
+      {{"COM1", "COM3", "COM4"}, {"COM4"}, true, "COM3", PortEvent::Vanished},
+  };
+  for (const Change& each : changes) {
+    EXPECT_EQ(DecideOnPorts(List(each.before), List(each.now), each.connected, each.current), each.event)
+        << each.before.join(u' ').toStdString() << " to " << each.now.join(u' ').toStdString();
+  }
+}
+
+TEST(DecideOnPorts, OnlyCountsNamesOfPortsThatAreThere) {
+  PortList now = List({"COM1"});
+  now.names[1] = QStringLiteral("COM3");  // a name behind the count
+  EXPECT_EQ(DecideOnPorts(List({"COM1", "COM3"}), now, true, QStringLiteral("COM3")), PortEvent::Vanished);
+}
+
+TEST(DecideOnPorts, LooksForTheConfiguredPortAtTheFirstDifference) {
+  const std::vector<Change> changes{
+      {{}, {"COM3"}, false, "COM3", PortEvent::Returned},
+      {{"COM1"}, {"COM1", "COM3"}, false, "COM3", PortEvent::Returned},
+      {{"COM4"}, {"COM3", "COM4"}, false, "COM3", PortEvent::Returned},
+      {{"COM1"}, {"COM1", "COM2"}, false, "COM3", PortEvent::None},
+      // Two at once: only the first position that differs counts.
+      {{"COM1"}, {"COM1", "COM2", "COM3"}, false, "COM3", PortEvent::None},
+      {{"COM1"}, {"COM1", "COM3"}, true, "COM3", PortEvent::None},
+      {{"COM1"}, {"COM1", "COM3"}, false, "NONE", PortEvent::None},
+  };
+  for (const Change& each : changes) {
+    EXPECT_EQ(DecideOnPorts(List(each.before), List(each.now), each.connected, each.current), each.event)
+        << each.before.join(u' ').toStdString() << " to " << each.now.join(u' ').toStdString();
+  }
+}
+
+class PortMonitorTest : public AppTest {
+ protected:
+  void SetUp() override { MakeFolders(); }
+  /// Lists the ports and lets the first second pass.
+  void StartMonitor() {
+    monitor.ListPorts();
+    for (int i = 0; i < 10; ++i) monitor.Tick();
+    ASSERT_EQ(monitor.TickCount(), 0U);
+  }
+  bool ConnectionRefreshesRaised() {
+    const WindowRequests& asked = program.state.requests;
+    return asked.mainRefresh && asked.terminalRefresh && asked.portNumberRefresh &&
+           asked.detailedListRefresh && asked.portSettingsRefresh;
+  }
+
+  PortMonitor monitor{program, window};
+};
+
+const QString kUpdated = QStringLiteral("transient/COM port list has been updated.");
+const QString kGone =
+    QStringLiteral("error/: Error//  \"COM3\" is not available./Check \"Detailed COM Port List\".");
+const QString kOffer = QStringLiteral("yes or no/: Confirmation//Do you want to connect to \"COM3\" ?/");
+
+TEST_F(PortMonitorTest, LetsTheFirstTenTicksPass) {
+  monitor.ListPorts();
+  ports.names = Ports(1);
+  for (int i = 0; i < 10; ++i) monitor.Tick();
+  EXPECT_EQ(Happened(), QStringList());
+  monitor.Tick();
+  EXPECT_EQ(Happened(), QStringList{kUpdated});
+  EXPECT_EQ(monitor.TickCount(), 1U);
+}
+
+TEST_F(PortMonitorTest, ComparesTheCountAlone) {
+  ports.names = {"COM1", "COM3"};
+  StartMonitor();
+  ports.names = {"COM1", "COM4"};
+  monitor.Tick();
+  EXPECT_EQ(Happened(), QStringList());
+  EXPECT_EQ(program.connection.portNames[1], QStringLiteral("COM3"));
+  EXPECT_FALSE(program.state.requests.mainRefresh);
+}
+
+TEST_F(PortMonitorTest, KeepsTheListWhenItCannotBeHad) {
+  ports.names = Ports(2);
+  StartMonitor();
+  ports.works = false;
+  monitor.Tick();
+  EXPECT_EQ(program.connection.portCount, 2);
+  EXPECT_EQ(Happened(), QStringList());
+}
+
+TEST_F(PortMonitorTest, TellsOfTheConnectedPortsDisappearanceOnce) {
+  ports.names = {"COM1", "COM3"};
+  Configure(QStringLiteral("COM3"));
+  program.connection.connected = true;
+  StartMonitor();
+  ports.names = {"COM1"};
+  monitor.Tick();
+  EXPECT_EQ(Happened(), (QStringList{kUpdated, "stop timer", kGone, "start timer"}));
+  EXPECT_FALSE(program.connection.connected);
+  EXPECT_EQ(program.state.currentPortName, QStringLiteral("COM3"));
+  EXPECT_TRUE(ConnectionRefreshesRaised());
+  EXPECT_EQ(indicator.depth, 0);
+  for (int i = 0; i < 5; ++i) monitor.Tick();
+  EXPECT_EQ(Happened(), QStringList());
+}
+
+TEST_F(PortMonitorTest, LeavesTheHandleOfAVanishedPort) {
+  const PseudoTerminal terminal;
+  PlugIn(QStringLiteral("COM3"), terminal);
+  Configure(QStringLiteral("COM3"));
+  StartMonitor();
+  program.connection.connected = ConnectPort(program.settings, program.connection, program.Environment());
+  ASSERT_TRUE(program.connection.connected);
+  ports.names.clear();
+  monitor.Tick();
+  EXPECT_FALSE(program.connection.connected);
+  EXPECT_TRUE(program.connection.handle.IsOpen());
+}
+
+TEST_F(PortMonitorTest, OnlyListsOtherChanges) {
+  ports.names = {"COM1", "COM3"};
+  Configure(QStringLiteral("COM3"));
+  StartMonitor();
+  ports.names = {"COM1"};  // away while not connected
+  monitor.Tick();
+  EXPECT_EQ(Happened(), QStringList{kUpdated});
+  EXPECT_EQ(program.connection.portCount, 1);
+  program.connection.connected = true;
+  ports.names = {"COM1", "COM2"};  // added while connected
+  monitor.Tick();
+  EXPECT_EQ(Happened(), QStringList{kUpdated});
+  EXPECT_EQ(program.connection.portNames[1], QStringLiteral("COM2"));
+  EXPECT_TRUE(ConnectionRefreshesRaised());
+}
+
+TEST_F(PortMonitorTest, AnsweredNoForgetsThePort) {
+  Configure(QStringLiteral("COM3"));
+  StartMonitor();
+  ports.names = {"COM3"};
+  messages.answers = {false};
+  monitor.Tick();
+  EXPECT_EQ(Happened(), (QStringList{kUpdated, "stop timer", kOffer, "start timer"}));
+  EXPECT_FALSE(program.connection.connected);
+  EXPECT_EQ(program.state.currentPortName, QStringLiteral("NONE"));
+}
+
+TEST_F(PortMonitorTest, AnsweredYesConnects) {
+  const PseudoTerminal terminal;
+  WriteSettings(program.workingSettingsFile, {});
+  Configure(QStringLiteral("COM3"));
+  StartMonitor();
+  PlugIn(QStringLiteral("COM3"), terminal);
+  messages.answers = {true};
+  monitor.Tick();
+  EXPECT_EQ(Happened(),
+            (QStringList{kUpdated, "stop timer", kOffer,
+                         "information/: Information//Successfully connected to  \"COM3\"/", "start timer"}));
+  EXPECT_TRUE(program.connection.connected);
+  EXPECT_TRUE(program.connection.handle.IsOpen());
+  EXPECT_EQ(program.state.currentPortName, QStringLiteral("COM3"));
+  EXPECT_EQ(ReadValue(program.workingSettingsFile, SettingsKey(u"COM_PORT=")), QStringLiteral("COM3"));
+  EXPECT_TRUE(ConnectionRefreshesRaised());
+}
+
+TEST_F(PortMonitorTest, ConnectsAnewWhatItLeftOpen) {
+  const PseudoTerminal first;
+  const PseudoTerminal second;
+  PlugIn(QStringLiteral("COM3"), first);
+  Configure(QStringLiteral("COM3"));
+  StartMonitor();
+  program.connection.connected = ConnectPort(program.settings, program.connection, program.Environment());
+  const auto before = program.connection.handle.Line();
+  ports.names.clear();
+  monitor.Tick();
+  ASSERT_TRUE(QFile::remove(PortsFolder(m_folder) + QStringLiteral("/COM3")));
+  PlugIn(QStringLiteral("COM3"), second);
+  messages.answers = {true};
+  monitor.Tick();
+  EXPECT_TRUE(program.connection.connected);
+  EXPECT_NE(program.connection.handle.Line(), before);
+}
+
+TEST_F(PortMonitorTest, TellsWhenThePortThatCameBackCannotBeOpened) {
+  Configure(QStringLiteral("COM3"));
+  StartMonitor();
+  ports.names = {"COM3"};  // listed, but there is no device behind it
+  messages.answers = {true};
+  monitor.Tick();
+  EXPECT_EQ(Happened(), (QStringList{kUpdated, "stop timer", kOffer, kGone, "start timer"}));
+  EXPECT_FALSE(program.connection.connected);
+  EXPECT_EQ(program.state.currentPortName, QStringLiteral("NONE"));
+}
+
+TEST_F(PortMonitorTest, ThirtyOnePortsCloseTheDetailedList) {
+  ports.names = Ports(30);
+  StartMonitor();
+  EXPECT_FALSE(program.state.tooManyPorts);
+  program.state.open.detailedPortList = true;
+  ports.names = Ports(31);
+  monitor.Tick();
+  EXPECT_EQ(Happened(),
+            QStringList{"information/: Information//Too many COM ports to display in the detailed "
+                        "list./The \"Detailed COM Port List\" will be closed."});
+  EXPECT_TRUE(program.state.tooManyPorts);
+  EXPECT_TRUE(program.state.requests.detailedListClose);
+  EXPECT_EQ(program.connection.portCount, 31);
+  EXPECT_TRUE(ConnectionRefreshesRaised());
+  EXPECT_EQ(indicator.depth, 0);
+  ports.names = Ports(30);
+  monitor.Tick();
+  EXPECT_FALSE(program.state.tooManyPorts);
+  EXPECT_EQ(Happened(), QStringList{kUpdated});
+}
+
+TEST_F(PortMonitorTest, ThirtyOnePortsAreListedSilentlyWithoutTheDetailedList) {
+  ports.names = Ports(30);
+  StartMonitor();
+  ports.names = Ports(31);
+  monitor.Tick();
+  EXPECT_EQ(Happened(), QStringList());
+  EXPECT_TRUE(program.state.tooManyPorts);
+  EXPECT_FALSE(program.state.requests.detailedListClose);
+}
+
+TEST_F(PortMonitorTest, ListsTooManyAtTheStart) {
+  ports.names = Ports(31);
+  monitor.ListPorts();
+  EXPECT_TRUE(program.state.tooManyPorts);
+  EXPECT_EQ(program.connection.portNames[30], QStringLiteral("COM31"));
+}
+
+TEST_F(PortMonitorTest, AChangeDuringAMessageWaitsForItsEnd) {
+  ports.names = {"COM1", "COM3"};
+  Configure(QStringLiteral("COM3"));
+  program.connection.connected = true;
+  StartMonitor();
+  ports.names = {"COM1"};
+  messages.answers = {false};
+  whileShown = [this] {
+    ports.names = {"COM1", "COM3"};  // back at once
+    monitor.Tick();
+  };
+  monitor.Tick();
+  EXPECT_EQ(Happened(), (QStringList{kUpdated, "stop timer", kGone, "start timer"}));
+  monitor.Tick();
+  EXPECT_EQ(Happened(), (QStringList{kUpdated, "stop timer", kOffer, "start timer"}));
+}
+
+}  // namespace
+}  // namespace quarn::test

@@ -1,0 +1,226 @@
+#include "app/start_up.h"
+
+#include "app/app_fixture.h"
+
+namespace quarn::test {
+namespace {
+
+class RecordedStage final : public StartUpStage {
+ public:
+  explicit RecordedStage(QStringList& journal) : m_journal(journal) {}
+  InstanceLock lock = InstanceLock::Taken;
+  int dpi = 96;
+  bool wraps = false;
+  int fontHeight = 12;
+  QString file;
+
+  InstanceLock TakeLock() override { return Note("lock", lock); }
+  void ShowSplash() override { m_journal.append(QStringLiteral("splash")); }
+  int Dpi() override { return Note("dpi", dpi); }
+  bool MenuBarWraps() override { return Note("menu bar", wraps); }
+  int MessageFontHeight() override { return fontHeight; }
+  void AcceptDrops() override { m_journal.append(QStringLiteral("drops")); }
+  QString CommandLineFile() override { return Note("command line", file); }
+  void PlaceMainDialog(int x, int y) override {
+    m_journal.append(QStringLiteral("place %1 %2").arg(x).arg(y));
+  }
+  void ShowMainDialog() override { m_journal.append(QStringLiteral("show")); }
+
+ private:
+  template <typename Value>
+  Value Note(const char* what, Value value) {
+    m_journal.append(QString::fromLatin1(what));
+    return value;
+  }
+  QStringList& m_journal;
+};
+
+const QString kUndefined =
+    QStringLiteral("information/: Information//COM port is undefined./Sellect a COM port to connect.");
+const QString kNotFoundWarning =
+    QStringLiteral("information/: Warning//Initial settings file not found./Starting with default settings.");
+const QString kInternal = QStringLiteral("transient/Starting in internal configuration mode.");
+const QString kLoading = QStringLiteral("transient/Loading user difinition file.");
+const QStringList kUntilCommandLine{"lock", "splash", "dpi", "menu bar", "drops", "command line"};
+const QStringList kEnd{"title", "user file", "menu state", "start timer"};
+
+class StartUpTest : public AppTest {
+ protected:
+  StartUpResult Start() { return StartUp(program, window, stage, monitor); }
+  QString UserFile() const { return m_folder + QStringLiteral("../mine.qrn"); }
+  /// A user file with these values; the data folder is there.
+  void MakeUserFile(const QList<std::pair<QString, QString>>& values) {
+    MakeFolders();
+    WriteSettings(UserFile(), values);
+    stage.file = UserFile();
+  }
+
+  RecordedStage stage{journal};
+  PortMonitor monitor{program, window};
+};
+
+TEST_F(StartUpTest, OnAnEmptyAccount) {
+  EXPECT_EQ(Start(), StartUpResult::Running);
+  EXPECT_EQ(
+      Happened(),
+      kUntilCommandLine + QStringList{kNotFoundWarning, "place 3 3", kUndefined, "show", "terminal"} + kEnd);
+  EXPECT_FALSE(program.connection.connected);
+  EXPECT_EQ(program.state.currentPortName, QStringLiteral("NONE"));
+  EXPECT_EQ(program.settings.loadedMarker, QStringLiteral("TRUE"));
+  EXPECT_TRUE(QFile::exists(program.workingSettingsFile));
+  EXPECT_EQ(program.userFile, QString());
+}
+
+TEST_F(StartUpTest, ASecondInstanceTouchesNothing) {
+  MakeFolders();
+  stage.lock = InstanceLock::TakenByAnother;
+  EXPECT_EQ(Start(), StartUpResult::NotAlone);
+  EXPECT_EQ(Happened(), (QStringList{"lock", "plain/\"Quarn\" is already open !"}));
+  EXPECT_FALSE(QFile::exists(program.workingSettingsFile));
+}
+
+TEST_F(StartUpTest, WithoutALockItDoesNotRun) {
+  stage.lock = InstanceLock::Failed;
+  EXPECT_EQ(Start(), StartUpResult::NotAlone);
+  EXPECT_EQ(Happened(), (QStringList{"lock", "plain/\"Quarn\" found opening error"}));
+}
+
+TEST_F(StartUpTest, ARefusedScalingIsToldAfterTheSplash) {
+  for (const int dpi : {0, 119, 192}) {
+    stage.dpi = dpi;
+    EXPECT_EQ(Start(), StartUpResult::DisplayRefused);
+    EXPECT_EQ(Happened(),
+              (QStringList{"lock", "splash", "dpi",
+                           "error/: Error//Windows display scaling Settings/Scaling must be 100, 125, "
+                           "150 or 175(%)."}))
+        << dpi;
+  }
+  EXPECT_FALSE(QFile::exists(program.workingSettingsFile));
+}
+
+TEST_F(StartUpTest, KeepsTheScaling) {
+  stage.dpi = 144;
+  EXPECT_EQ(Start(), StartUpResult::Running);
+  EXPECT_EQ(program.state.displayScalePercent, 150);
+}
+
+TEST_F(StartUpTest, AWrappedMenuBarIsRefused) {
+  stage.wraps = true;
+  stage.fontHeight = 31;
+  EXPECT_EQ(Start(), StartUpResult::DisplayRefused);
+  EXPECT_EQ(Happened(),
+            (QStringList{"lock", "splash", "dpi", "menu bar",
+                         "error/: Error//Windows Text Font size Settings/Text font size (31 ) is too "
+                         "large"}));
+}
+
+TEST_F(StartUpTest, ALargeFontPassesWhenTheMenuBarDoesNotWrap) {
+  stage.fontHeight = 200;
+  EXPECT_EQ(Start(), StartUpResult::Running);
+}
+
+TEST_F(StartUpTest, ConnectsToTheConfiguredPort) {
+  const PseudoTerminal terminal;
+  MakeFolders();
+  PlugIn(QStringLiteral("COM3"), terminal);
+  WriteSettings(program.workingSettingsFile,
+                {{"COM_PORT", "COM3"}, {"START_DISP", "OFF"}, {"MAIN_POS", "TR"}});
+  EXPECT_EQ(Start(), StartUpResult::Running);
+  EXPECT_EQ(Happened(),
+            kUntilCommandLine +
+                QStringList{"place 98 3", "transient/Successfully Connected to \"COM3\".", "show"} + kEnd);
+  EXPECT_TRUE(program.connection.connected);
+  EXPECT_EQ(program.state.currentPortName, QStringLiteral("COM3"));
+}
+
+TEST_F(StartUpTest, KeepsTheNameOfAPortThatCannotBeOpened) {
+  MakeFolders();
+  WriteSettings(program.workingSettingsFile, {{"COM_PORT", "COM3"}, {"MAIN_POS", "??"}});
+  EXPECT_EQ(Start(), StartUpResult::Running);
+  EXPECT_EQ(Happened(),
+            kUntilCommandLine +
+                QStringList{"place 3 3",
+                            "error/: Error//  \"COM3\" is not available./Check \"Detailed COM Port "
+                            "List\".",
+                            "show", "terminal"} +
+                kEnd);
+  EXPECT_FALSE(program.connection.connected);
+  EXPECT_EQ(program.state.currentPortName, QStringLiteral("COM3"));
+}
+
+TEST_F(StartUpTest, LoadsTheFileOnTheCommandLineWhichConnectsByItself) {
+  MakeUserFile({{"COM_PORT", "COM3"}});
+  const PseudoTerminal terminal;
+  PlugIn(QStringLiteral("COM3"), terminal);
+  EXPECT_EQ(Start(), StartUpResult::Running);
+  EXPECT_EQ(Happened(), kUntilCommandLine +
+                            QStringList{kLoading, "transient/QRN file was opened successfully.",
+                                        "transient/Successfully Connected to \"COM3\".", "place 3 3", "show",
+                                        "terminal"} +
+                            kEnd);
+  EXPECT_EQ(program.userFile, UserFile());
+  EXPECT_TRUE(program.connection.connected);
+  EXPECT_EQ(program.settings.loadedMarker, QStringLiteral("TRUE"));
+}
+
+TEST_F(StartUpTest, AMissingFileOnTheCommandLineIsToldAndPassedOver) {
+  MakeFolders();
+  WriteSettings(program.workingSettingsFile, {{"COM_PORT", "NONE"}});
+  stage.file = QStringLiteral("/nowhere/at/all.qrn");
+  EXPECT_EQ(Start(), StartUpResult::Running);
+  EXPECT_EQ(Happened(),
+            kUntilCommandLine +
+                QStringList{kLoading,
+                            "error/: Error//QRN file was not found./Failed to load settings from QRN file.",
+                            kInternal, "place 3 3", kUndefined, "show", "terminal"} +
+                kEnd);
+  EXPECT_EQ(program.userFile, QString());
+}
+
+TEST_F(StartUpTest, AFileThatCannotBeLoadedLeadsToTheWorkingSettings) {
+  MakeUserFile({{"COM_PORT", "COM100"}});
+  WriteSettings(program.workingSettingsFile, {{"BK_COLOR", "NAVY"}});
+  EXPECT_EQ(Start(), StartUpResult::Running);
+  EXPECT_EQ(Happened(),
+            kUntilCommandLine +
+                QStringList{kLoading, "error/: Error//Invalid file format./Could not load file contents.",
+                            kInternal, "place 3 3", kUndefined, "show", "terminal"} +
+                kEnd);
+  EXPECT_EQ(program.userFile, QString());
+  EXPECT_EQ(program.settings.bkColor, QStringLiteral("NAVY"));
+  EXPECT_EQ(program.settings.loadedMarker, QStringLiteral("TRUE"));
+}
+
+TEST_F(StartUpTest, DiscardsAWorkingFileThatIsTooLarge) {
+  MakeFolders();
+  for (const bool tooLarge : {false, true}) {
+    ASSERT_TRUE(WriteDefaultFile(program.workingSettingsFile));
+    QFile file(program.workingSettingsFile);
+    ASSERT_TRUE(file.open(QIODevice::Append));
+    constexpr qint64 kLargest = 16384;
+    file.write(QByteArray(static_cast<qsizetype>(kLargest - file.size()), ' '));
+    if (tooLarge) file.write(" ");
+    file.close();
+    ASSERT_EQ(file.size(), kLargest + (tooLarge ? 1 : 0));
+    EXPECT_EQ(Start(), StartUpResult::Running);
+    EXPECT_EQ(Happened().contains(kNotFoundWarning), tooLarge);
+  }
+}
+
+TEST_F(StartUpTest, DiscardsAWorkingFileThatWasNeverFilled) {
+  MakeFolders();
+  ASSERT_TRUE(WriteWholeText(program.workingSettingsFile, QStringLiteral("STARTUP_STATE and more")));
+  EXPECT_EQ(Start(), StartUpResult::Running);
+  EXPECT_TRUE(Happened().contains(kNotFoundWarning));
+  EXPECT_EQ(ReadValue(program.workingSettingsFile, SettingsKey(u"COM_PORT=")), QStringLiteral("NONE"));
+}
+
+TEST_F(StartUpTest, ListsThePorts) {
+  for (int i = 1; i <= 31; ++i) ports.names.append(QStringLiteral("COM%1").arg(i));
+  EXPECT_EQ(Start(), StartUpResult::Running);
+  EXPECT_EQ(program.connection.portCount, 31);
+  EXPECT_TRUE(program.state.tooManyPorts);
+}
+
+}  // namespace
+}  // namespace quarn::test
