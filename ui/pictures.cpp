@@ -44,9 +44,7 @@ QPixmap Fitted(const char* name, std::span<const int> widths, QSize shape, QSize
 
 }  // namespace
 
-void LoadResources() {
-  [[maybe_unused]] static const bool loaded = (InitPictures(), true);
-}
+void LoadResources() { [[maybe_unused]] static const bool loaded = (InitPictures(), true); }
 
 QPixmap Logo(QSize room, double devicePixelRatio) {
   return Fitted("logo", kLogoWidths, kLogoShape, room, devicePixelRatio);
