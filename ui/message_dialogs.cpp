@@ -1,45 +1,78 @@
 #include "ui/message_dialogs.h"
 
-#include <QApplication>
+#include <QGuiApplication>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
-#include <QStyle>
+#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QTimerEvent>
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include "identity.h"
 #include "ui/control.h"
+#include "ui/message_text.h"
+#include "ui/pictures.h"
 #include "ui/placement.h"
 
 namespace quarn {
 namespace {
 
 constexpr int kOkId = 1;
+constexpr int kCancelId = 2;
 constexpr int kNoId = 2;
+constexpr int kConfirmCancelId = 1314;
 constexpr int kYesId = 1066;
 constexpr int kPictureId = 1022;
+constexpr int kQuestionId = 1064;
+constexpr int kTransientId = 1067;
+
 constexpr int kMarginUnits = 10;
-constexpr int kGapUnits = 6;
+constexpr int kGapUnits = 4;
 constexpr int kButtonWidthUnits = 50;
 constexpr int kLeastTextWidthUnits = 120;
+constexpr QRect kPictureUnits{0, 0, 23, 20};
+/// A box takes no more of the screen than this, whatever it has to say.
+constexpr int kMostPercentOfScreen = 90;
+constexpr int kWholePercent = 100;
 
-std::vector<MessageButton> OkButton() { return {{kOkId, QStringLiteral("OK"), 1}}; }
-
-QLabel* AddLine(QVBoxLayout& column, const MessageLine& line, QWidget& parent) {
-  auto* label = WithControlId(new QLabel(line.text, &parent), line.controlId);
-  // Names of files and devices are shown as they are, whatever they look like.
-  label->setTextFormat(Qt::PlainText);
-  label->setVisible(!line.text.isEmpty());
-  column.addWidget(label);
-  return label;
+QSize MostRoom() {
+  const QScreen* screen = QGuiApplication::primaryScreen();
+  const QSize size = screen != nullptr ? screen->availableGeometry().size() : QSize(640, 480);
+  return size * kMostPercentOfScreen / kWholePercent;
 }
 
-QLabel* WarningPicture(QWidget& parent) {
+std::vector<MessageLine> ErrorLines(const QString& line0, const QString& line1, const QString& line2) {
+  return {{1051, "line1", line1}, {1053, "line0", line0}, {1052, "line2", line2}};
+}
+
+std::vector<MessageLine> QuestionLines(const QString& line0, const QString& line1, const QString& line2) {
+  return {{1081, "line1", line1}, {1079, "line0", line0}, {1080, "line2", line2}};
+}
+
+MessageButton Ok() { return {kOkId, "okButton", QStringLiteral("OK"), 1}; }
+MessageButton Cancel(int id) { return {id, "cancelButton", QStringLiteral("CANCEL"), 0}; }
+MessageButton Yes() { return {kYesId, "yesButton", QStringLiteral("YES"), 1}; }
+MessageButton No() { return {kNoId, "noButton", QStringLiteral("NO"), 0}; }
+
+QLabel* PictureLabel(QWidget& parent) {
   auto* picture = WithControlId(new QLabel(&parent), kPictureId);
-  const int side = parent.style()->pixelMetric(QStyle::PM_MessageBoxIconSize);
-  picture->setPixmap(parent.style()->standardIcon(QStyle::SP_MessageBoxWarning).pixmap(side));
+  picture->setObjectName(QStringLiteral("picture"));
+  picture->setAccessibleName(QStringLiteral("Warning"));
+  const QSize room = MapDialogUnits(parent.font(), kPictureUnits).size();
+  picture->setPixmap(WarningPicture(room, parent.devicePixelRatioF()));
   return picture;
+}
+
+QString Spoken(const std::vector<MessageLine>& lines) {
+  QStringList texts;
+  for (const MessageLine& line : lines) {
+    if (!line.text.isEmpty()) texts.append(line.text);
+  }
+  return texts.join(QLatin1Char('\n'));
 }
 
 }  // namespace
@@ -48,46 +81,91 @@ QString MessageCaption(const QString& suffix) {
   return QString::fromLatin1(identity::kName) + QLatin1Char(' ') + suffix;
 }
 
-MessageDialog::MessageDialog(QWidget* owner, const QString& caption, const std::vector<MessageLine>& lines,
-                             const std::vector<MessageButton>& buttons, bool warningPicture)
+MessageDialog::MessageDialog(QWidget* owner, const QString& name, const QString& caption,
+                             const std::vector<MessageLine>& lines, const std::vector<MessageButton>& buttons,
+                             bool warningPicture)
     : QDialog(owner, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint) {
+  setObjectName(name);
   setWindowTitle(caption);
+  setAccessibleDescription(Spoken(lines));
   setModal(true);
-  const QRect units = MapDialogUnits(font(), {kMarginUnits, kGapUnits, kButtonWidthUnits, 0});
+  const QRect units = MapDialogUnits(font(), {kMarginUnits, kGapUnits, 0, 0});
   auto* whole = new QVBoxLayout(this);
   whole->setSizeConstraint(QLayout::SetFixedSize);
   whole->setContentsMargins(units.x(), units.x(), units.x(), units.x());
-  whole->setSpacing(units.y() * 2);
+  whole->setSpacing(units.x());
   auto* upper = new QHBoxLayout;
   upper->setSpacing(units.x());
-  if (warningPicture) upper->addWidget(WarningPicture(*this), 0, Qt::AlignTop);
-  auto* column = new QVBoxLayout;
-  column->setSpacing(units.y());
-  column->addStrut(MapDialogUnits(font(), {0, 0, kLeastTextWidthUnits, 0}).width());
-  for (const MessageLine& line : lines) AddLine(*column, line, *this);
-  upper->addLayout(column, 1);
   whole->addLayout(upper);
-  if (buttons.empty()) return;
+  QSize room = MostRoom().shrunkBy(FrameOf(*this)).shrunkBy(whole->contentsMargins());
+  if (!buttons.empty()) {
+    QHBoxLayout* row = AddButtons(buttons);
+    whole->addLayout(row);
+    room.rheight() -= row->sizeHint().height() + whole->spacing();
+  }
+  if (warningPicture) {
+    QLabel* picture = PictureLabel(*this);
+    upper->addWidget(picture, 0, Qt::AlignTop);
+    room.rwidth() -= picture->sizeHint().width() + upper->spacing();
+  }
+  upper->addWidget(CreateText(lines, room), 1, Qt::AlignVCenter);
+}
+
+QWidget* MessageDialog::CreateText(const std::vector<MessageLine>& lines, QSize room) {
+  auto* text = new QWidget(this);
+  auto* column = new QVBoxLayout(text);
+  const QRect units = MapDialogUnits(font(), {0, kGapUnits, kLeastTextWidthUnits, 0});
+  column->setContentsMargins(0, 0, 0, 0);
+  column->setSpacing(units.y());
+  column->addStrut(std::min(units.width(), room.width()));
+  std::vector<MessageText*> labels;
+  for (const MessageLine& line : lines) {
+    auto* label = WithControlId(new MessageText(line.text, text), line.controlId);
+    label->setObjectName(QLatin1String(line.name));
+    label->WrapAt(room.width());
+    label->setVisible(!line.text.isEmpty());
+    column->addWidget(label, 0, Qt::AlignLeft);
+    labels.push_back(label);
+  }
+  if (column->sizeHint().height() <= room.height()) return text;
+
+  auto* scroll = new QScrollArea(this);
+  scroll->setObjectName(QStringLiteral("scrolledText"));
+  scroll->setFrameShape(QFrame::NoFrame);
+  scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  scroll->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+  const int bar = scroll->verticalScrollBar()->sizeHint().width() + units.y();
+  for (MessageText* label : labels) label->WrapAt(room.width() - bar);
+  scroll->setWidget(text);
+  scroll->setFixedSize(std::min(column->sizeHint().width() + bar, room.width()), room.height());
+  return scroll;
+}
+
+QHBoxLayout* MessageDialog::AddButtons(const std::vector<MessageButton>& buttons) {
+  const QRect units = MapDialogUnits(font(), {0, 0, kButtonWidthUnits, 0});
   auto* row = new QHBoxLayout;
-  row->setSpacing(units.x());
+  row->setSpacing(MapDialogUnits(font(), {kGapUnits, 0, 0, 0}).x() * 2);
   row->addStretch();
   for (const MessageButton& each : buttons) {
     auto* button = WithControlId(new QPushButton(each.text, this), each.controlId);
+    button->setObjectName(QLatin1String(each.name));
     button->setMinimumWidth(units.width());
-    button->setDefault(row->count() == 1);
     connect(button, &QPushButton::clicked, this, [this, result = each.result] {
       m_answer = result;
       done(result != 0 ? Accepted : Rejected);
     });
     row->addWidget(button);
+    if (m_defaultButton == nullptr) m_defaultButton = button;
   }
   row->addStretch();
-  whole->addLayout(row);
+  m_defaultButton->setDefault(true);
+  return row;
 }
 
 void MessageDialog::showEvent(QShowEvent* event) {
   QDialog::showEvent(event);
   layout()->activate();
+  if (m_defaultButton != nullptr) m_defaultButton->setFocus();
   if (m_position) {
     move(*m_position);
   } else {
@@ -99,35 +177,61 @@ void MessageDialog::showEvent(QShowEvent* event) {
 
 CConfirmErr::CConfirmErr(QWidget* owner, const QString& suffix, const QString& line0, const QString& line1,
                          const QString& line2)
-    : MessageDialog(owner, MessageCaption(suffix), {{1051, line1}, {1053, line0}, {1052, line2}}, OkButton(),
-                    true) {}
+    : MessageDialog(owner, QStringLiteral("CConfirmErr"), MessageCaption(suffix),
+                    ErrorLines(line0, line1, line2), {Ok()}, true) {}
 
 CConfirmOK::CConfirmOK(QWidget* owner, const QString& suffix, const QString& line0, const QString& line1,
                        const QString& line2)
-    : MessageDialog(owner, MessageCaption(suffix), {{1051, line1}, {1053, line0}, {1052, line2}},
-                    OkButton()) {}
+    : MessageDialog(owner, QStringLiteral("CConfirmOK"), MessageCaption(suffix),
+                    ErrorLines(line0, line1, line2), {Ok()}) {}
 
 CConfirmYesCancel::CConfirmYesCancel(QWidget* owner, const QString& suffix, const QString& line0,
                                      const QString& line1, const QString& line2)
-    : MessageDialog(owner, MessageCaption(suffix), {{1081, line1}, {1079, line0}, {1080, line2}},
-                    {{kOkId, QStringLiteral("OK"), 1}, {1314, QStringLiteral("CANCEL"), 0}}) {}
+    : MessageDialog(owner, QStringLiteral("CConfirmYesCancel"), MessageCaption(suffix),
+                    QuestionLines(line0, line1, line2), {Ok(), Cancel(kConfirmCancelId)}) {}
+
+CConfirmSimple::CConfirmSimple(QWidget* owner, const QString& text)
+    : MessageDialog(owner, QStringLiteral("CConfirmSimple"), QStringLiteral("Quarn - Confirmation"),
+                    {{kQuestionId, "message", text}}, {Ok(), Cancel(kCancelId)}) {}
+
+CYesNo::CYesNo(QWidget* owner, const QString& text)
+    : MessageDialog(owner, QStringLiteral("CYesNo"), QStringLiteral("Quarn -  Confirmation"),
+                    {{kQuestionId, "message", text}}, {Yes(), No()}) {}
 
 CConfirmYesNo::CConfirmYesNo(QWidget* owner, const QString& suffix, const QString& line0,
                              const QString& line1, const QString& line2)
-    : MessageDialog(owner, MessageCaption(suffix), {{1081, line1}, {1079, line0}, {1080, line2}},
-                    {{kYesId, QStringLiteral("YES"), 1}, {kNoId, QStringLiteral("NO"), 0}}) {}
+    : MessageDialog(owner, QStringLiteral("CConfirmYesNo"), MessageCaption(suffix),
+                    QuestionLines(line0, line1, line2), {Yes(), No()}) {}
 
 COneshotMsgPos::COneshotMsgPos(QWidget* owner, const QString& text, std::optional<QPoint> position,
                                int displayMs)
-    : MessageDialog(owner, MessageCaption(QStringLiteral(": Infomation")), {{1067, text}}, {}),
-      m_timer(startTimer(displayMs, Qt::PreciseTimer)) {
+    : MessageDialog(owner, QStringLiteral("COneshotMsgPos"), MessageCaption(QStringLiteral(": Infomation")),
+                    {{kTransientId, "message", text}}, {}),
+      m_displayMs(displayMs) {
   m_position = position;
 }
 
+void COneshotMsgPos::showEvent(QShowEvent* event) {
+  MessageDialog::showEvent(event);
+  if (!m_timer.isActive()) m_timer.start(m_displayMs, Qt::PreciseTimer, this);
+}
+
 void COneshotMsgPos::timerEvent(QTimerEvent* event) {
-  if (event->timerId() != m_timer) return;
-  killTimer(m_timer);
+  if (event->timerId() != m_timer.timerId()) {
+    MessageDialog::timerEvent(event);
+    return;
+  }
+  m_timer.stop();
   accept();
+}
+
+void COneshotMsgPos::keyPressEvent(QKeyEvent* event) {
+  // There is no button that Enter could press; it sends the box away as Escape does.
+  if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+    accept();
+    return;
+  }
+  MessageDialog::keyPressEvent(event);
 }
 
 }  // namespace quarn

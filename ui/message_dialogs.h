@@ -1,10 +1,15 @@
 #pragma once
 
+#include <QBasicTimer>
 #include <QDialog>
 #include <QPoint>
+#include <QSize>
 #include <QString>
 #include <optional>
 #include <vector>
+
+class QHBoxLayout;
+class QPushButton;
 
 namespace quarn {
 
@@ -13,30 +18,39 @@ QString MessageCaption(const QString& suffix);
 
 struct MessageLine {
   int controlId;
+  const char* name;  ///< the control's object name
   QString text;
 };
 
 struct MessageButton {
   int controlId;
+  const char* name;  ///< the control's object name
   QString text;
   int result;  ///< what Answer gives after this button
 };
 
 /// A small modal box: lines from top to bottom (empty ones take no room), buttons from left to right, the
-/// first of them the default. It grows with its text, which is never clipped, and centres itself.
+/// first of them the default and the one with the focus. It grows with its text up to nine tenths of the
+/// screen; longer lines wrap, and what is still too tall scrolls. Nothing is clipped.
 class MessageDialog : public QDialog {
  public:
   /// 0 until a button says otherwise; also after the close box or Escape.
   [[nodiscard]] int Answer() const { return m_answer; }
 
  protected:
-  MessageDialog(QWidget* owner, const QString& caption, const std::vector<MessageLine>& lines,
-                const std::vector<MessageButton>& buttons, bool warningPicture = false);
+  MessageDialog(QWidget* owner, const QString& name, const QString& caption,
+                const std::vector<MessageLine>& lines, const std::vector<MessageButton>& buttons,
+                bool warningPicture = false);
   void showEvent(QShowEvent* event) override;
 
   std::optional<QPoint> m_position;
 
  private:
+  /// The lines one below the other, in no more than `room`.
+  QWidget* CreateText(const std::vector<MessageLine>& lines, QSize room);
+  QHBoxLayout* AddButtons(const std::vector<MessageButton>& buttons);
+
+  QPushButton* m_defaultButton = nullptr;
   int m_answer = 0;
 };
 
@@ -61,6 +75,21 @@ class CConfirmYesCancel final : public MessageDialog {
                     const QString& line2);
 };
 
+/// What the two simple questions ask when their caller has no text of its own.
+inline constexpr char16_t kDefaultQuestion[] = u"OK to execute ?";
+
+/// One line with OK and CANCEL; Answer is 1 for OK.
+class CConfirmSimple final : public MessageDialog {
+ public:
+  explicit CConfirmSimple(QWidget* owner, const QString& text = QString::fromUtf16(kDefaultQuestion));
+};
+
+/// One line with YES and NO; Answer is 1 for YES.
+class CYesNo final : public MessageDialog {
+ public:
+  explicit CYesNo(QWidget* owner, const QString& text = QString::fromUtf16(kDefaultQuestion));
+};
+
 /// A question with YES and NO; Answer is 1 for YES.
 class CConfirmYesNo final : public MessageDialog {
  public:
@@ -68,7 +97,7 @@ class CConfirmYesNo final : public MessageDialog {
                 const QString& line2);
 };
 
-/// One line that closes by itself.
+/// One line that closes by itself; Escape, Enter and the close box send it away earlier.
 class COneshotMsgPos final : public MessageDialog {
  public:
   static constexpr int kDisplayMs = 2000;
@@ -76,10 +105,13 @@ class COneshotMsgPos final : public MessageDialog {
                  int displayMs = kDisplayMs);
 
  protected:
+  void showEvent(QShowEvent* event) override;
   void timerEvent(QTimerEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
 
  private:
-  int m_timer;
+  int m_displayMs;
+  QBasicTimer m_timer;
 };
 
 }  // namespace quarn

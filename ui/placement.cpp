@@ -48,6 +48,7 @@ void PlaceOnScreenByPercent(QWidget& window, int xPercent, int yPercent) {
 }
 
 QMargins FrameOf(const QWidget& window) {
+  if (window.windowFlags().testFlag(Qt::FramelessWindowHint)) return {};
   const QWindow* handle = window.windowHandle();
   const QMargins reported = handle != nullptr ? handle->frameMargins() : QMargins();
   return reported.isNull() ? kUnreportedFrame : reported;

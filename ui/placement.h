@@ -22,7 +22,8 @@ void CenterOnScreen(QWidget& window);
 void PlaceOnScreenByPercent(QWidget& window, int xPercent, int yPercent);
 
 /// What the window manager puts around the window's client area. Where it reports nothing: 8 left and
-/// right, 31 above, 8 below, the frame for which the fixed window sizes were chosen.
+/// right, 31 above, 8 below, the frame for which the fixed window sizes were chosen. Nothing around a window
+/// that asks for no frame.
 QMargins FrameOf(const QWidget& window);
 /// The window's outer size.
 QSize OuterSize(const QWidget& window);

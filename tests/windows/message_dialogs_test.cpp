@@ -2,131 +2,177 @@
 
 #include <gtest/gtest.h>
 
-#include <QApplication>
-#include <QLabel>
+#include <QAccessible>
 #include <QPushButton>
 #include <QScreen>
-#include <QTest>
 
-#include "ui/control.h"
+#include "support/dialog_controls.h"
 #include "ui/placement.h"
 
 namespace quarn::test {
 namespace {
-
-template <typename Widget>
-Widget* Control(const QWidget& dialog, int controlId) {
-  for (Widget* each : dialog.findChildren<Widget*>()) {
-    if (each->property(kControlIdProperty) == controlId) return each;
-  }
-  ADD_FAILURE() << "no control " << controlId;
-  return nullptr;
-}
 
 const QString kError = QStringLiteral(": Error");
 const QString kA = QStringLiteral("line zero");
 const QString kB = QStringLiteral("line one");
 const QString kC = QStringLiteral("line two");
 
-void Show(QDialog& dialog) {
-  dialog.show();
-  dialog.activateWindow();
-  ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
+int Top(const QWidget& dialog, int controlId) {
+  return Control<QLabel>(dialog, controlId)->mapTo(&dialog, QPoint(0, 0)).y();
 }
+
+QString Text(const QWidget& dialog, int controlId) { return Control<QLabel>(dialog, controlId)->text(); }
 
 TEST(MessageDialogs, TheCaptionIsTheNameABlankAndTheSuffix) {
+  EXPECT_EQ(CConfirmErr(nullptr, kError, kA, kB, kC).windowTitle(), QStringLiteral("Quarn : Error"));
+  EXPECT_EQ(CConfirmOK(nullptr, QStringLiteral(": Information"), kA, kB, kC).windowTitle(),
+            QStringLiteral("Quarn : Information"));
+  EXPECT_EQ(CConfirmOK(nullptr, QStringLiteral(": Warning"), kA, kB, kC).windowTitle(),
+            QStringLiteral("Quarn : Warning"));
+  EXPECT_EQ(CConfirmYesCancel(nullptr, QStringLiteral(": Confirmation"), kA, kB, kC).windowTitle(),
+            QStringLiteral("Quarn : Confirmation"));
+  EXPECT_EQ(CConfirmYesNo(nullptr, QStringLiteral(": Confirmation"), kA, kB, kC).windowTitle(),
+            QStringLiteral("Quarn : Confirmation"));
+}
+
+TEST(MessageDialogs, TheFixedCaptions) {
+  EXPECT_EQ(CConfirmSimple(nullptr).windowTitle(), QStringLiteral("Quarn - Confirmation"));
+  EXPECT_EQ(CYesNo(nullptr).windowTitle(), QStringLiteral("Quarn -  Confirmation"));
+  EXPECT_EQ(COneshotMsgPos(nullptr, kA, std::nullopt).windowTitle(), QStringLiteral("Quarn : Infomation"));
+}
+
+TEST(MessageDialogs, AnErrorHasItsLinesInTheOrderOneZeroTwoAndAPicture) {
   CConfirmErr box(nullptr, kError, kA, kB, kC);
-  EXPECT_EQ(box.windowTitle(), QStringLiteral("Quarn : Error"));
-  EXPECT_EQ(MessageCaption(QStringLiteral(": Confirmation")), QStringLiteral("Quarn : Confirmation"));
+  ShowActive(box);
+  EXPECT_EQ(Text(box, 1051), kB);
+  EXPECT_EQ(Text(box, 1053), kA);
+  EXPECT_EQ(Text(box, 1052), kC);
+  EXPECT_LT(Top(box, 1051), Top(box, 1053));
+  EXPECT_LT(Top(box, 1053), Top(box, 1052));
+  EXPECT_EQ(Control<QPushButton>(box, 1)->text(), QStringLiteral("OK"));
+  const auto* picture = Control<QLabel>(box, 1022);
+  EXPECT_LE(picture->geometry().right(), Control<QLabel>(box, 1051)->mapTo(&box, QPoint(0, 0)).x());
 }
 
-TEST(MessageDialogs, LinesStandInTheOrderOneZeroTwo) {
-  CConfirmErr box(nullptr, kError, kA, kB, kC);
-  Show(box);
-  EXPECT_EQ(Control<QLabel>(box, 1051)->text(), kB);
-  EXPECT_EQ(Control<QLabel>(box, 1053)->text(), kA);
-  EXPECT_EQ(Control<QLabel>(box, 1052)->text(), kC);
-  EXPECT_LT(Control<QLabel>(box, 1051)->y(), Control<QLabel>(box, 1053)->y());
-  EXPECT_LT(Control<QLabel>(box, 1053)->y(), Control<QLabel>(box, 1052)->y());
-  EXPECT_FALSE(Control<QLabel>(box, 1022)->pixmap(Qt::ReturnByValue).isNull());
-}
-
-TEST(MessageDialogs, AnEmptyLineTakesNoRoom) {
-  CConfirmOK two(nullptr, kError, QString(), kB, kC);
-  CConfirmOK three(nullptr, kError, kA, kB, kC);
-  Show(two);
-  Show(three);
-  EXPECT_LT(two.height(), three.height());
-  EXPECT_FALSE(Control<QLabel>(two, 1053)->isVisible());
-}
-
-TEST(MessageDialogs, LongTextAndMarkupAreShownWhole) {
-  const QString text = QStringLiteral("<b>") + QString(150, u'W') + QStringLiteral("</b>");
-  CConfirmErr box(nullptr, kError, text, kB, kC);
-  Show(box);
-  const auto* label = Control<QLabel>(box, 1053);
-  EXPECT_GE(label->width(), label->fontMetrics().horizontalAdvance(text));
-  EXPECT_TRUE(box.rect().contains(label->geometry()));
-}
-
-TEST(MessageDialogs, ReturnAndEscapeCloseAnErrorBox) {
-  for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Escape}) {
+TEST(MessageDialogs, TheErrorsPictureHasItsSizeInDialogUnits) {
+  for (const int percent : {100, 150}) {
+    const FontScale scale(percent);
     CConfirmErr box(nullptr, kError, kA, kB, kC);
-    Show(box);
-    QTest::keyClick(QApplication::focusWidget(), key);
-    EXPECT_FALSE(box.isVisible());
+    const QSize room = MapDialogUnits(box.font(), {0, 0, 23, 20}).size();
+    const QSizeF size = Control<QLabel>(box, 1022)->pixmap(Qt::ReturnByValue).deviceIndependentSize();
+    EXPECT_TRUE(qFuzzyCompare(size.width(), room.width()) || qFuzzyCompare(size.height(), room.height()));
+    EXPECT_LE(size.width(), room.width());
+    EXPECT_LE(size.height(), room.height());
   }
 }
 
-TEST(MessageDialogs, AConfirmationAnswersOneForOkOnly) {
-  const auto answer = [](auto action) {
-    CConfirmYesCancel box(nullptr, QStringLiteral(": Confirmation"), kA, QString(), QString());
-    Show(box);
-    action(box);
-    EXPECT_FALSE(box.isVisible());
-    return box.Answer();
-  };
-  EXPECT_EQ(answer([](auto& box) { QTest::mouseClick(Control<QPushButton>(box, 1), Qt::LeftButton); }), 1);
-  EXPECT_EQ(answer([](auto& box) { QTest::mouseClick(Control<QPushButton>(box, 1314), Qt::LeftButton); }), 0);
-  EXPECT_EQ(answer([](auto& box) { box.close(); }), 0);
-  EXPECT_EQ(answer([](auto&) { QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return); }), 1);
-  EXPECT_EQ(answer([](auto&) { QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape); }), 0);
+TEST(MessageDialogs, InformationHasItsLinesInTheOrderOneZeroTwoAndNoPicture) {
+  CConfirmOK box(nullptr, QStringLiteral(": Information"), kA, kB, kC);
+  ShowActive(box);
+  EXPECT_EQ(Text(box, 1051), kB);
+  EXPECT_EQ(Text(box, 1053), kA);
+  EXPECT_EQ(Text(box, 1052), kC);
+  EXPECT_LT(Top(box, 1051), Top(box, 1053));
+  EXPECT_LT(Top(box, 1053), Top(box, 1052));
+  EXPECT_EQ(box.findChild<QLabel*>(QStringLiteral("picture")), nullptr);
+  EXPECT_EQ(box.findChildren<QPushButton*>().size(), 1);
 }
 
-TEST(MessageDialogs, TheConfirmationsControls) {
+TEST(MessageDialogs, AQuestionHasItsLinesInTheOrderOneZeroTwo) {
   CConfirmYesCancel box(nullptr, QStringLiteral(": Confirmation"), kA, kB, kC);
-  EXPECT_EQ(Control<QLabel>(box, 1081)->text(), kB);
-  EXPECT_EQ(Control<QLabel>(box, 1079)->text(), kA);
-  EXPECT_EQ(Control<QLabel>(box, 1080)->text(), kC);
+  ShowActive(box);
+  EXPECT_EQ(Text(box, 1081), kB);
+  EXPECT_EQ(Text(box, 1079), kA);
+  EXPECT_EQ(Text(box, 1080), kC);
+  EXPECT_LT(Top(box, 1081), Top(box, 1079));
+  EXPECT_LT(Top(box, 1079), Top(box, 1080));
   EXPECT_EQ(Control<QPushButton>(box, 1)->text(), QStringLiteral("OK"));
   EXPECT_EQ(Control<QPushButton>(box, 1314)->text(), QStringLiteral("CANCEL"));
-  EXPECT_TRUE(Control<QPushButton>(box, 1)->isDefault());
 }
 
-TEST(MessageDialogs, ATransientMessageGoesByItself) {
-  COneshotMsgPos box(nullptr, kA, std::nullopt, 50);
-  EXPECT_EQ(box.windowTitle(), QStringLiteral("Quarn : Infomation"));
-  EXPECT_EQ(Control<QLabel>(box, 1067)->text(), kA);
-  Show(box);
-  EXPECT_TRUE(QTest::qWaitFor([&] { return !box.isVisible(); }));
+TEST(MessageDialogs, TheSimpleQuestionsAskTheirOwnOrTheirCallersQuestion) {
+  const CConfirmSimple simple(nullptr);
+  EXPECT_EQ(Text(simple, 1064), QStringLiteral("OK to execute ?"));
+  EXPECT_EQ(Control<QPushButton>(simple, 1)->text(), QStringLiteral("OK"));
+  EXPECT_EQ(Control<QPushButton>(simple, 2)->text(), QStringLiteral("CANCEL"));
+  const CYesNo yesNo(nullptr);
+  EXPECT_EQ(Text(yesNo, 1064), QStringLiteral("OK to execute ?"));
+  EXPECT_EQ(Control<QPushButton>(yesNo, 1066)->text(), QStringLiteral("YES"));
+  EXPECT_EQ(Control<QPushButton>(yesNo, 2)->text(), QStringLiteral("NO"));
+  EXPECT_EQ(Text(CConfirmSimple(nullptr, kA), 1064), kA);
+  EXPECT_EQ(Text(CYesNo(nullptr, kA), 1064), kA);
 }
 
-TEST(MessageDialogs, ATransientMessageStaysTwoSeconds) {
-  COneshotMsgPos box(nullptr, kA, std::nullopt);
-  QElapsedTimer clock;
-  clock.start();
-  box.exec();
-  EXPECT_GE(clock.elapsed(), 1950);
+TEST(MessageDialogs, AnEmptyLineTakesNoRoom) {
+  CConfirmOK three(nullptr, kError, kA, kB, kC);
+  CConfirmOK withoutZero(nullptr, kError, QString(), kB, kC);
+  CConfirmOK withoutTwo(nullptr, kError, kA, kB, QString());
+  CConfirmOK one(nullptr, kError, QString(), kB, QString());
+  for (QDialog* each : {&three, &withoutZero, &withoutTwo, &one}) ShowActive(*each);
+  EXPECT_FALSE(Control<QLabel>(withoutZero, 1053)->isVisible());
+  EXPECT_FALSE(Control<QLabel>(withoutTwo, 1052)->isVisible());
+  EXPECT_LT(withoutZero.height(), three.height());
+  EXPECT_EQ(withoutZero.height(), withoutTwo.height());
+  EXPECT_LT(one.height(), withoutZero.height());
+  EXPECT_EQ(Top(withoutZero, 1052), Top(three, 1053));
 }
 
-TEST(MessageDialogs, StandsCentredOrWhereItWasPut) {
+TEST(MessageDialogs, HaveACloseBoxAndNothingElse) {
+  const CConfirmErr error(nullptr, kError, kA, kB, kC);
+  const CConfirmOK information(nullptr, kError, kA, kB, kC);
+  const CConfirmYesCancel confirmation(nullptr, kError, kA, kB, kC);
+  const CConfirmYesNo question(nullptr, kError, kA, kB, kC);
+  const CConfirmSimple simple(nullptr);
+  const CYesNo yesNo(nullptr);
+  const COneshotMsgPos transient(nullptr, kA, std::nullopt);
+  for (const MessageDialog* box : std::initializer_list<const MessageDialog*>{
+           &error, &information, &confirmation, &question, &simple, &yesNo, &transient}) {
+    const Qt::WindowFlags flags = box->windowFlags();
+    EXPECT_TRUE(flags.testFlag(Qt::WindowCloseButtonHint)) << box->objectName().toStdString();
+    EXPECT_FALSE(flags & (Qt::WindowMinMaxButtonsHint | Qt::WindowContextHelpButtonHint));
+    EXPECT_TRUE(box->isModal());
+  }
+}
+
+TEST(MessageDialogs, EveryPartCanBeReadAloud) {
+  CConfirmErr box(nullptr, kError, kA, kB, QString());
+  ShowActive(box);
+  const auto name = [](QWidget* widget) {
+    return QAccessible::queryAccessibleInterface(widget)->text(QAccessible::Name);
+  };
+  EXPECT_EQ(name(&box), QStringLiteral("Quarn : Error"));
+  EXPECT_EQ(box.accessibleDescription(), kB + QLatin1Char('\n') + kA);
+  EXPECT_EQ(name(Control<QLabel>(box, 1051)), kB);
+  EXPECT_EQ(name(Control<QLabel>(box, 1053)), kA);
+  EXPECT_EQ(name(Control<QLabel>(box, 1022)), QStringLiteral("Warning"));
+  EXPECT_EQ(name(Control<QPushButton>(box, 1)), QStringLiteral("OK"));
+}
+
+TEST(MessageDialogs, PartsHaveNamesThatSpeak) {
+  const CConfirmErr error(nullptr, kError, kA, kB, kC);
+  EXPECT_EQ(error.objectName(), QStringLiteral("CConfirmErr"));
+  EXPECT_EQ(Control<QLabel>(error, 1053)->objectName(), QStringLiteral("line0"));
+  EXPECT_EQ(Control<QLabel>(error, 1051)->objectName(), QStringLiteral("line1"));
+  EXPECT_EQ(Control<QLabel>(error, 1052)->objectName(), QStringLiteral("line2"));
+  EXPECT_EQ(Control<QPushButton>(error, 1)->objectName(), QStringLiteral("okButton"));
+  const CYesNo question(nullptr);
+  EXPECT_EQ(question.objectName(), QStringLiteral("CYesNo"));
+  EXPECT_EQ(Control<QLabel>(question, 1064)->objectName(), QStringLiteral("message"));
+  EXPECT_EQ(Control<QPushButton>(question, 1066)->objectName(), QStringLiteral("yesButton"));
+  EXPECT_EQ(Control<QPushButton>(question, 2)->objectName(), QStringLiteral("noButton"));
+}
+
+TEST(MessageDialogs, StandCentredOrWhereTheyWerePut) {
   CConfirmOK centred(nullptr, kError, kA, kB, kC);
-  Show(centred);
+  ShowActive(centred);
   const QSize screen = QGuiApplication::primaryScreen()->geometry().size();
   EXPECT_EQ(centred.pos(), CentredPosition(screen, OuterSize(centred)));
   COneshotMsgPos placed(nullptr, kA, QPoint(33, 44));
-  Show(placed);
+  ShowActive(placed);
   EXPECT_EQ(placed.pos(), QPoint(33, 44));
+  COneshotMsgPos unplaced(nullptr, kA, std::nullopt);
+  ShowActive(unplaced);
+  EXPECT_EQ(unplaced.pos(), CentredPosition(screen, OuterSize(unplaced)));
 }
 
 }  // namespace

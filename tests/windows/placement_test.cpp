@@ -44,6 +44,11 @@ TEST(Placement, AFrameThatNobodyReportsHasTheUsualSize) {
   EXPECT_EQ(frame.top() + frame.bottom(), 39);
 }
 
+TEST(Placement, AWindowThatAsksForNoFrameHasNone) {
+  const QWidget bare(nullptr, Qt::Dialog | Qt::FramelessWindowHint);
+  EXPECT_EQ(FrameOf(bare), QMargins());
+}
+
 TEST(Placement, DialogUnitsGrowWithTheFont) {
   QFont font = QApplication::font();
   const QRect normal = MapDialogUnits(font, {4, 8, 40, 80});

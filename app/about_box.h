@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QDialog>
+
+class QPushButton;
+class QVBoxLayout;
+
+namespace quarn {
+
+class LinkOpener;
+class MessageOperations;
+
+/// Says what the program is, who made it and where more is to be read. Modal; OK, Enter, Escape and the
+/// close box end it. The address shown and the page opened differ on purpose.
+class CAboutBox final : public QDialog {
+ public:
+  static constexpr int kLinkId = 1170;
+
+  CAboutBox(QWidget* owner, LinkOpener& opener, MessageOperations& messages);
+
+  /// Whether the page has been opened from this box.
+  [[nodiscard]] bool LinkVisited() const { return m_linkVisited; }
+
+ protected:
+  void showEvent(QShowEvent* event) override;
+
+ private:
+  QVBoxLayout* CreateLabels();
+  QPushButton* CreateOkButton();
+  void OpenPage();
+
+  LinkOpener& m_opener;
+  MessageOperations& m_messages;
+  bool m_linkVisited = false;
+};
+
+}  // namespace quarn

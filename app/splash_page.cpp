@@ -1,0 +1,73 @@
+#include "app/splash_page.h"
+
+#include <QCloseEvent>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPainter>
+#include <QTimerEvent>
+#include <QVBoxLayout>
+
+#include "app/identity_labels.h"
+#include "identity.h"
+#include "ui/placement.h"
+
+namespace quarn {
+namespace {
+
+constexpr QRect kUnits{0, 0, 220, 82};
+constexpr int kMarginUnits = 14;
+constexpr int kGapUnits = 4;
+constexpr int kLogoUnits = 50;
+
+}  // namespace
+
+CSplashPage::CSplashPage(QWidget* owner, int displayMs)
+    : QDialog(owner, Qt::Dialog | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint),
+      m_displayMs(displayMs) {
+  setObjectName(QStringLiteral("CSplashPage"));
+  setAccessibleName(QString::fromLatin1(identity::kName));
+  setModal(true);
+  const QRect units = MapDialogUnits(font(), {kMarginUnits, kGapUnits, 0, 0});
+  auto* row = new QHBoxLayout(this);
+  row->setContentsMargins(units.x(), 0, units.x(), 0);
+  row->setSpacing(units.x());
+  row->addWidget(CreateLogoLabel(*this, kLogoUnits), 0, Qt::AlignVCenter);
+  auto* column = new QVBoxLayout;
+  column->setSpacing(units.y());
+  column->addStretch();
+  column->addWidget(CreateNameLabel(*this));
+  column->addWidget(CreateDescriptionLabel(*this));
+  column->addWidget(CreateBuildLabel(*this));
+  column->addWidget(CreateMakerLabel(*this));
+  column->addStretch();
+  row->addLayout(column, 1);
+  // Never smaller than its texts, should a font be out of proportion to its dialog units.
+  setFixedSize(MapDialogUnits(font(), kUnits).size().expandedTo(row->sizeHint()));
+}
+
+void CSplashPage::showEvent(QShowEvent* event) {
+  QDialog::showEvent(event);
+  CenterOnScreen(*this);
+  if (!m_timer.isActive()) m_timer.start(m_displayMs, Qt::PreciseTimer, this);
+}
+
+void CSplashPage::timerEvent(QTimerEvent* event) {
+  QDialog::timerEvent(event);
+  if (event->timerId() != m_timer.timerId()) return;
+  m_timer.stop();
+  hide();
+  done(kResult);
+}
+
+void CSplashPage::closeEvent(QCloseEvent* event) { event->ignore(); }
+
+void CSplashPage::keyPressEvent(QKeyEvent* /*event*/) {}
+
+void CSplashPage::paintEvent(QPaintEvent* /*event*/) {
+  // Without a frame of its own its edge would be lost on a bright desktop.
+  QPainter painter(this);
+  painter.setPen(palette().color(QPalette::Mid));
+  painter.drawRect(rect().adjusted(0, 0, -1, -1));
+}
+
+}  // namespace quarn

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QDialog>
+#include <QFont>
+#include <QLabel>
+#include <QTest>
+
+#include "ui/control.h"
+
+namespace quarn::test {
+
+/// The child of this kind with this control number.
+template <typename Widget>
+Widget* Control(const QWidget& dialog, int controlId) {
+  for (Widget* each : dialog.findChildren<Widget*>()) {
+    if (each->property(kControlIdProperty) == controlId) return each;
+  }
+  ADD_FAILURE() << "no control " << controlId;
+  return nullptr;
+}
+
+inline void ShowActive(QWidget& dialog) {
+  dialog.show();
+  dialog.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
+}
+
+/// A key for the control that has the focus.
+inline void Press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+  ASSERT_NE(QApplication::focusWidget(), nullptr);
+  QTest::keyClick(QApplication::focusWidget(), key, modifiers);
+}
+
+/// Every visible label has the room that it asks for, inside the window.
+inline void ExpectNothingClipped(const QWidget& dialog) {
+  for (const QLabel* label : dialog.findChildren<QLabel*>()) {
+    if (!label->isVisible()) continue;
+    const std::string text = label->text().left(40).toStdString();
+    EXPECT_GE(label->width(), label->sizeHint().width()) << text;
+    EXPECT_GE(label->height(), label->sizeHint().height()) << text;
+    const QRect place(label->mapTo(&dialog, QPoint(0, 0)), label->size());
+    EXPECT_TRUE(dialog.rect().contains(place)) << text;
+  }
+}
+
+/// Enlarges the program's font for as long as it lives.
+class FontScale {
+ public:
+  explicit FontScale(int percent) : m_before(QApplication::font()) {
+    QFont larger = m_before;
+    larger.setPointSizeF(m_before.pointSizeF() * percent / 100.0);
+    QApplication::setFont(larger);
+  }
+  ~FontScale() { QApplication::setFont(m_before); }
+  FontScale(const FontScale&) = delete;
+  FontScale& operator=(const FontScale&) = delete;
+
+ private:
+  QFont m_before;
+};
+
+}  // namespace quarn::test

@@ -1,0 +1,150 @@
+#include <gtest/gtest.h>
+
+#include <QElapsedTimer>
+#include <QPushButton>
+#include <memory>
+
+#include "support/dialog_controls.h"
+#include "ui/message_dialogs.h"
+
+namespace quarn::test {
+namespace {
+
+using Action = std::function<void(MessageDialog&)>;
+using Maker = std::function<std::unique_ptr<MessageDialog>()>;
+
+const QString kSuffix = QStringLiteral(": Confirmation");
+const QString kText = QStringLiteral("Exit program without saving?");
+
+struct Outcome {
+  int answer;
+  int result;
+  bool operator==(const Outcome&) const = default;
+};
+
+constexpr Outcome kAgreed{1, QDialog::Accepted};
+constexpr Outcome kRefused{0, QDialog::Rejected};
+
+Outcome After(const Maker& make, const Action& action) {
+  const std::unique_ptr<MessageDialog> box = make();
+  ShowActive(*box);
+  action(*box);
+  EXPECT_FALSE(box->isVisible());
+  return {box->Answer(), box->result()};
+}
+
+Action Click(int controlId) {
+  return [controlId](MessageDialog& box) {
+    QTest::mouseClick(Control<QPushButton>(box, controlId), Qt::LeftButton);
+  };
+}
+
+Action Keys(std::initializer_list<Qt::Key> keys) {
+  return [list = std::vector<Qt::Key>(keys)](MessageDialog&) {
+    for (const Qt::Key key : list) Press(key);
+  };
+}
+
+const Action kClose = [](MessageDialog& box) { box.close(); };
+
+struct Question {
+  const char* name;
+  Maker make;
+  int agree;
+  int refuse;
+};
+
+class Questions : public testing::TestWithParam<Question> {};
+
+TEST_P(Questions, AnswerOneOnlyForTheFirstButton) {
+  const Question& question = GetParam();
+  EXPECT_EQ(question.make()->Answer(), 0) << "nobody has answered yet";
+  EXPECT_EQ(After(question.make, Click(question.agree)), kAgreed);
+  EXPECT_EQ(After(question.make, Click(question.refuse)), kRefused);
+  EXPECT_EQ(After(question.make, kClose), kRefused);
+}
+
+TEST_P(Questions, CanBeAnsweredWithKeysAlone) {
+  const Question& question = GetParam();
+  EXPECT_EQ(After(question.make, Keys({Qt::Key_Return})), kAgreed);
+  EXPECT_EQ(After(question.make, Keys({Qt::Key_Enter})), kAgreed);
+  EXPECT_EQ(After(question.make, Keys({Qt::Key_Space})), kAgreed);
+  EXPECT_EQ(After(question.make, Keys({Qt::Key_Escape})), kRefused);
+  EXPECT_EQ(After(question.make, Keys({Qt::Key_Right, Qt::Key_Return})), kRefused);
+  EXPECT_EQ(After(question.make, Keys({Qt::Key_Tab, Qt::Key_Return})), kRefused);
+  EXPECT_EQ(After(question.make, Keys({Qt::Key_Right, Qt::Key_Space})), kRefused);
+  EXPECT_EQ(After(question.make, Keys({Qt::Key_Right, Qt::Key_Left, Qt::Key_Return})), kAgreed);
+  EXPECT_EQ(After(question.make, Keys({Qt::Key_Tab, Qt::Key_Backtab, Qt::Key_Return})), kAgreed);
+}
+
+TEST_P(Questions, BeginOnTheFirstButton) {
+  const Question& question = GetParam();
+  const std::unique_ptr<MessageDialog> box = question.make();
+  ShowActive(*box);
+  const auto* first = Control<QPushButton>(*box, question.agree);
+  EXPECT_TRUE(first->isDefault());
+  EXPECT_TRUE(first->hasFocus());
+  EXPECT_LT(first->x(), Control<QPushButton>(*box, question.refuse)->x());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    MessageAnswers, Questions,
+    testing::Values(
+        Question{
+            "ConfirmYesCancel",
+            [] { return std::make_unique<CConfirmYesCancel>(nullptr, kSuffix, QString(), kText, QString()); },
+            1, 1314},
+        Question{
+            "ConfirmYesNo",
+            [] { return std::make_unique<CConfirmYesNo>(nullptr, kSuffix, QString(), kText, QString()); },
+            1066, 2},
+        Question{"ConfirmSimple", [] { return std::make_unique<CConfirmSimple>(nullptr, kText); }, 1, 2},
+        Question{"YesNo", [] { return std::make_unique<CYesNo>(nullptr, kText); }, 1066, 2}),
+    [](const auto& instance) { return instance.param.name; });
+
+TEST(MessageAnswers, AnErrorOrAnInformationIsOverWithAnyKeyForClosing) {
+  const Maker error = [] {
+    return std::make_unique<CConfirmErr>(nullptr, QStringLiteral(": Error"), QString(), kText, QString());
+  };
+  const Maker information = [] {
+    return std::make_unique<CConfirmOK>(nullptr, QStringLiteral(": Information"), QString(), kText,
+                                        QString());
+  };
+  for (const Maker& make : {error, information}) {
+    After(make, Click(1));
+    After(make, kClose);
+    After(make, Keys({Qt::Key_Return}));
+    After(make, Keys({Qt::Key_Space}));
+    After(make, Keys({Qt::Key_Escape}));
+  }
+}
+
+TEST(MessageAnswers, ATransientMessageGoesByItself) {
+  COneshotMsgPos box(nullptr, kText, std::nullopt, 50);
+  ShowActive(box);
+  EXPECT_EQ(Control<QLabel>(box, 1067)->text(), kText);
+  EXPECT_TRUE(QTest::qWaitFor([&] { return !box.isVisible(); }));
+}
+
+TEST(MessageAnswers, ATransientMessageStaysTwoSecondsFromWhenItIsShown) {
+  COneshotMsgPos box(nullptr, kText, std::nullopt);
+  QElapsedTimer clock;
+  clock.start();
+  box.exec();
+  EXPECT_GE(clock.elapsed(), 1950);
+  EXPECT_LT(clock.elapsed(), 4000);
+}
+
+TEST(MessageAnswers, ATransientMessageCanBeSentAway) {
+  for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Escape}) {
+    COneshotMsgPos box(nullptr, kText, std::nullopt);
+    ShowActive(box);
+    QTest::keyClick(&box, Qt::Key_A);
+    EXPECT_TRUE(box.isVisible()) << "what is typed ahead is not meant for it";
+    QTest::keyClick(&box, key);
+    EXPECT_FALSE(box.isVisible());
+  }
+}
+
+}  // namespace
+}  // namespace quarn::test
