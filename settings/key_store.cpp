@@ -47,6 +47,14 @@ bool MayBecomeFile(const QString& path) {
   return type == std::filesystem::file_type::regular || type == std::filesystem::file_type::not_found;
 }
 
+/// A file that this user may not write, or that nobody may: taking the write permission from everybody is
+/// how a person protects a file, and a replacement, or an administrator, would get past it.
+bool IsReadOnly(const QString& path) {
+  const QFileInfo info(path);
+  constexpr QFile::Permissions anybody = QFile::WriteOwner | QFile::WriteGroup | QFile::WriteOther;
+  return info.exists() && (!info.isWritable() || !(info.permissions() & anybody));
+}
+
 }  // namespace
 
 PathKind ClassifyPath(const QString& path) {
@@ -64,9 +72,21 @@ std::optional<QString> ReadWholeText(const QString& path) {
   return text;
 }
 
-bool WriteWholeText(const QString& path, const QString& text) {
-  if (!MayBecomeFile(path)) {
-    qCDebug(lcSettings) << "cannot write" << path << "something that is no file stands there";
+std::optional<QByteArray> ReadWholeBytes(const QString& path) {
+  QFile file(path);
+  if (ClassifyPath(path) != PathKind::File || !file.open(QIODevice::ReadOnly)) {
+    qCDebug(lcSettings, "No file found !!");
+    return std::nullopt;
+  }
+  const QByteArray bytes = file.readAll();
+  if (file.error() == QFileDevice::NoError) return bytes;
+  qCDebug(lcSettings) << "cannot read" << path << file.errorString();
+  return std::nullopt;
+}
+
+bool WriteWholeBytes(const QString& path, const QByteArray& bytes) {
+  if (!MayBecomeFile(path) || IsReadOnly(path)) {
+    qCDebug(lcSettings) << "cannot write" << path << "it is read-only, or no file";
     return false;
   }
   QSaveFile file(path);
@@ -74,12 +94,16 @@ bool WriteWholeText(const QString& path, const QString& text) {
   // crash would leave half of them.
   file.setDirectWriteFallback(false);
   // A buffered write would fail no sooner than inside commit(), which then renames half a file all the same.
-  if (file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
-    const QByteArray bytes = EncodeSettingsText(text);
-    if (file.write(bytes) == bytes.size() && file.commit()) return true;
+  if (file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) && file.write(bytes) == bytes.size() &&
+      file.commit()) {
+    return true;
   }
   qCDebug(lcSettings) << "cannot write" << path << file.errorString();
   return false;
+}
+
+bool WriteWholeText(const QString& path, const QString& text) {
+  return WriteWholeBytes(path, EncodeSettingsText(text));
 }
 
 std::optional<QString> ReadValue(const QString& path, SettingsKey key) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 #include <QStringList>
 #include <optional>
@@ -23,8 +24,15 @@ enum class PathKind { Nothing = 0, File = 1, Folder = 2 };
 /// Nothing when it cannot be opened or is not UTF-8.
 [[nodiscard]] std::optional<QString> ReadWholeText(const QString& path);
 
-/// Writes the text as the file's whole content, of any length. True when it has been written; a folder is
-/// never replaced.
+/// The file's bytes as they stand. Nothing when it is no file or cannot be read.
+[[nodiscard]] std::optional<QByteArray> ReadWholeBytes(const QString& path);
+
+/// Writes the bytes as the file's whole content. True when they have been written. Refused, and nothing
+/// touched: a folder or whatever else is no file, and a file that this user, or everybody, lacks the write
+/// permission for. A symbolic link stays and the file that it leads to is replaced.
+bool WriteWholeBytes(const QString& path, const QByteArray& bytes);
+
+/// The same with a text of any length, in the encoding of a settings file.
 bool WriteWholeText(const QString& path, const QString& text);
 
 /// The value of the first line that begins with the key, as it stands. Nothing when there is none before

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QString>
+
+#include "settings/settings_record.h"
+#include "ui/message_operations.h"
+
+namespace quarn {
+
+/// Loads a user's configuration file: copies it over the working file and fills the record from there. A
+/// file of another version is first brought up to date in place, when its user agrees. Reports every
+/// failure itself; the record, the working file and, save for an agreed update, the user file then are
+/// what they were. Returns the user file's path, or nothing when it was not loaded.
+QString OpenUserFile(const QString& userFile, const QString& workingFile, SettingsRecord& record,
+                     MessageOperations& messages);
+
+/// Whether both files hold the same text: decoded, without regard to a byte-order mark or to carriage
+/// returns at line ends. Of a longer file the first 16383 characters count; one that cannot be read counts
+/// as empty.
+[[nodiscard]] bool HoldSameSettings(const QString& userFile, const QString& workingFile);
+
+/// Copies a file byte for byte over another or to a new place, as WriteWholeBytes writes. A file is never
+/// copied onto itself, by whatever name. True when it was copied.
+bool CopySettingsFile(const QString& from, const QString& to);
+
+}  // namespace quarn
