@@ -22,7 +22,8 @@ namespace {
 constexpr int kSwitchId = 1001;
 constexpr int kStatusId = 1075;
 constexpr int kHeadingId = 1076;
-constexpr QRect kDialogUnits{7, 4, 205, 70};
+constexpr QRect kDialogUnits{7, 4, 205, 70};  // margins and size
+constexpr int kLogoUnits = 36;
 
 }  // namespace
 
@@ -43,11 +44,12 @@ void CQuarnDlg::CreateControls() {
   auto* grid = new QGridLayout(this);
   grid->setSizeConstraint(QLayout::SetFixedSize);
   grid->setContentsMargins(size.x(), size.y(), size.x(), size.y());
-  grid->setRowMinimumHeight(0, size.height() / 3);
-  grid->setRowMinimumHeight(1, size.height() / 3);
-  grid->setRowMinimumHeight(2, size.height() / 3);
-  grid->setColumnMinimumWidth(0, size.width() / 2 - size.x());
-  grid->setColumnMinimumWidth(1, size.width() / 2 - size.x());
+  const int logoSide = MapDialogUnits(font(), {0, 0, 0, kLogoUnits}).height();
+  grid->setHorizontalSpacing(size.x());
+  grid->setVerticalSpacing(0);
+  grid->setColumnMinimumWidth(3, logoSide);
+  grid->setColumnStretch(2, 1);
+  for (const int row : {0, 1, 2}) grid->setRowMinimumHeight(row, (size.height() - 2 * size.y()) / 3);
 
   auto* heading =
       WithControlId(new QLabel(QStringLiteral("Quarn  :  Serial Port Terminal"), this), kHeadingId);
@@ -64,11 +66,17 @@ void CQuarnDlg::CreateControls() {
   m_status = WithControlId(new QLabel(QStringLiteral("Internal Configuration State"), this), kStatusId);
   m_status->setObjectName(QStringLiteral("status"));
   m_status->setTextFormat(Qt::PlainText);
+  auto* logo = new QLabel(this);
+  logo->setObjectName(QStringLiteral("logo"));
+  logo->setPixmap(Logo({logoSide, logoSide}, devicePixelRatioF()));
 
-  grid->addWidget(heading, 0, 0, 1, 2);
+  grid->addWidget(heading, 0, 0, 1, 3);
   grid->addWidget(new QLabel(QStringLiteral("Terminal Screen  ---"), this), 1, 0);
   grid->addWidget(m_switch, 1, 1, Qt::AlignLeft);
-  grid->addWidget(m_status, 2, 0, 1, 2);
+  grid->addWidget(logo, 0, 3, 2, 1, Qt::AlignRight | Qt::AlignVCenter);
+  grid->addWidget(m_status, 2, 0, 1, 4);
+  // The width is the dialog's, whatever the status line says.
+  m_status->setFixedWidth(size.width() - 2 * size.x());
 }
 
 void CQuarnDlg::OpenTerminalScreen() {
@@ -116,12 +124,12 @@ void CQuarnDlg::SetTitle(const QString& suffix) {
 void CQuarnDlg::ShowUserFile() {
   if (m_program.userFile.isEmpty()) {
     m_status->setText(QStringLiteral("[ Internal Configuration State ]"));
+    m_status->setToolTip(QString());
     return;
   }
   const auto status = [](const QString& path) { return QStringLiteral("( ") + path + QStringLiteral(" )"); };
-  const QRect units = MapDialogUnits(font(), kDialogUnits);
   const auto fits = [&](const QString& path) {
-    return m_status->fontMetrics().horizontalAdvance(status(path)) <= units.width() - 2 * units.x();
+    return m_status->fontMetrics().horizontalAdvance(status(path)) <= m_status->width();
   };
   m_status->setText(status(ShortenPath(m_program.userFile, fits)));
   m_status->setToolTip(m_program.userFile);

@@ -5,6 +5,7 @@
 #include "app/about_box.h"
 #include "app/about_item.h"
 #include "app/connection_commands.h"
+#include "app/desktop_link_opener.h"
 #include "app/main_dialog.h"
 #include "app/menu_state.h"
 #include "ui/control.h"
@@ -97,6 +98,9 @@ bool CQuarnDlg::MenuBarWraps() {
   return cutOff || first.top() != last.top();
 }
 
-void CQuarnDlg::ShowAbout() { CAboutBox(this, m_program).exec(); }
+void CQuarnDlg::ShowAbout() {
+  DesktopLinkOpener opener;
+  CAboutBox(this, opener, *m_program.messages).exec();
+}
 
 }  // namespace quarn
