@@ -5,9 +5,7 @@
 #include <QMenuBar>
 #include <QPushButton>
 #include <QScreen>
-#include <QSignalSpy>
 #include <QTest>
-#include <QTimer>
 
 #include "app/app_fixture.h"
 #include "ui/control.h"

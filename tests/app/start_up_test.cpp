@@ -127,8 +127,8 @@ TEST_F(StartUpTest, ConnectsToTheConfiguredPort) {
                 {{"COM_PORT", "COM3"}, {"START_DISP", "OFF"}, {"MAIN_POS", "TR"}});
   EXPECT_EQ(Start(), StartUpResult::Running);
   EXPECT_EQ(Happened(),
-            kUntilCommandLine +
-                QStringList{"place 98 3", "transient/Successfully Connected to \"COM3\".", "show"} + kEnd);
+            (kUntilCommandLine +
+             QStringList{"place 98 3", "transient/Successfully Connected to \"COM3\".", "show"} + kEnd));
   EXPECT_TRUE(program.connection.connected);
   EXPECT_EQ(program.state.currentPortName, QStringLiteral("COM3"));
 }
@@ -137,13 +137,12 @@ TEST_F(StartUpTest, KeepsTheNameOfAPortThatCannotBeOpened) {
   MakeFolders();
   WriteSettings(program.workingSettingsFile, {{"COM_PORT", "COM3"}, {"MAIN_POS", "??"}});
   EXPECT_EQ(Start(), StartUpResult::Running);
-  EXPECT_EQ(Happened(),
-            kUntilCommandLine +
-                QStringList{"place 3 3",
-                            "error/: Error//  \"COM3\" is not available./Check \"Detailed COM Port "
-                            "List\".",
-                            "show", "terminal"} +
-                kEnd);
+  EXPECT_EQ(Happened(), (kUntilCommandLine +
+                         QStringList{"place 3 3",
+                                     "error/: Error//  \"COM3\" is not available./Check \"Detailed COM Port "
+                                     "List\".",
+                                     "show", "terminal"} +
+                         kEnd));
   EXPECT_FALSE(program.connection.connected);
   EXPECT_EQ(program.state.currentPortName, QStringLiteral("COM3"));
 }
@@ -153,11 +152,11 @@ TEST_F(StartUpTest, LoadsTheFileOnTheCommandLineWhichConnectsByItself) {
   const PseudoTerminal terminal;
   PlugIn(QStringLiteral("COM3"), terminal);
   EXPECT_EQ(Start(), StartUpResult::Running);
-  EXPECT_EQ(Happened(), kUntilCommandLine +
-                            QStringList{kLoading, "transient/QRN file was opened successfully.",
-                                        "transient/Successfully Connected to \"COM3\".", "place 3 3", "show",
-                                        "terminal"} +
-                            kEnd);
+  EXPECT_EQ(Happened(),
+            (kUntilCommandLine +
+             QStringList{kLoading, "transient/QRN file was opened successfully.",
+                         "transient/Successfully Connected to \"COM3\".", "place 3 3", "show", "terminal"} +
+             kEnd));
   EXPECT_EQ(program.userFile, UserFile());
   EXPECT_TRUE(program.connection.connected);
   EXPECT_EQ(program.settings.loadedMarker, QStringLiteral("TRUE"));
@@ -168,12 +167,12 @@ TEST_F(StartUpTest, AMissingFileOnTheCommandLineIsToldAndPassedOver) {
   WriteSettings(program.workingSettingsFile, {{"COM_PORT", "NONE"}});
   stage.file = QStringLiteral("/nowhere/at/all.qrn");
   EXPECT_EQ(Start(), StartUpResult::Running);
-  EXPECT_EQ(Happened(),
-            kUntilCommandLine +
-                QStringList{kLoading,
-                            "error/: Error//QRN file was not found./Failed to load settings from QRN file.",
-                            kInternal, "place 3 3", kUndefined, "show", "terminal"} +
-                kEnd);
+  EXPECT_EQ(
+      Happened(),
+      (kUntilCommandLine +
+       QStringList{kLoading, "error/: Error//QRN file was not found./Failed to load settings from QRN file.",
+                   kInternal, "place 3 3", kUndefined, "show", "terminal"} +
+       kEnd));
   EXPECT_EQ(program.userFile, QString());
 }
 
@@ -182,10 +181,10 @@ TEST_F(StartUpTest, AFileThatCannotBeLoadedLeadsToTheWorkingSettings) {
   WriteSettings(program.workingSettingsFile, {{"BK_COLOR", "NAVY"}});
   EXPECT_EQ(Start(), StartUpResult::Running);
   EXPECT_EQ(Happened(),
-            kUntilCommandLine +
-                QStringList{kLoading, "error/: Error//Invalid file format./Could not load file contents.",
-                            kInternal, "place 3 3", kUndefined, "show", "terminal"} +
-                kEnd);
+            (kUntilCommandLine +
+             QStringList{kLoading, "error/: Error//Invalid file format./Could not load file contents.",
+                         kInternal, "place 3 3", kUndefined, "show", "terminal"} +
+             kEnd));
   EXPECT_EQ(program.userFile, QString());
   EXPECT_EQ(program.settings.bkColor, QStringLiteral("NAVY"));
   EXPECT_EQ(program.settings.loadedMarker, QStringLiteral("TRUE"));
