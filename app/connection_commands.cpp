@@ -16,4 +16,10 @@ bool ConnectWithMessages(Program& program) {
   return connected;
 }
 
+void TellPortUndefined(MessageOperations& messages) {
+  messages.ShowInformationMessage(QStringLiteral(": Information"), QString(),
+                                  QStringLiteral("COM port is undefined."),
+                                  QStringLiteral("Sellect a COM port to connect."));
+}
+
 }  // namespace quarn
