@@ -1,0 +1,177 @@
+#include "app/file_commands.h"
+
+#include <QScopedValueRollback>
+#include <QThread>
+#include <utility>
+
+#include "app/connection_commands.h"
+#include "serial/open_port.h"
+#include "settings/key_store.h"
+#include "settings/settings_table.h"
+#include "settings/user_file.h"
+
+namespace quarn {
+namespace {
+
+const QString kConfirmation = QStringLiteral(": Confirmation");
+const QString kSuffix = QStringLiteral("qrn");
+const QString kQrnFiles = QStringLiteral("QRN Files (*.qrn) (*.qrn)");
+
+void CloseConnection(Program& program) {
+  ClosePort(program.connection);
+  program.connection.connected = false;
+}
+
+}  // namespace
+
+QString LoadUserFile(Program& program, const QString& path) {
+  const QString loaded = OpenUserFile(path, program.workingSettingsFile, program.settings, *program.messages);
+  if (loaded.isEmpty()) return {};
+  CloseConnection(program);
+  program.state.currentPortName = program.settings.comPort;
+  RaiseSettingsRefreshes(program.state.requests);
+  if (program.state.currentPortName == u"NONE") {
+    TellPortUndefined(*program.messages);
+  } else {
+    ConnectWithMessages(program);
+  }
+  // Windows may have looked while a message was up, before the connection was decided.
+  RaiseSettingsRefreshes(program.state.requests);
+  return loaded;
+}
+
+void FileCommands::Open() {
+  Run([this] {
+    if (!MayLoseChanges()) return;
+    const QString path = m_chooser.AskOpenFile({QStringLiteral("Open Quarn Configuration File"),
+                                                {kQrnFiles, QStringLiteral("All Files (*.*) (*)")},
+                                                kSuffix,
+                                                QString()});
+    if (path.isEmpty()) return;
+    if (!LoadUserFile(m_program, path).isEmpty()) m_program.fileLoaded = true;
+    // Also the file that could not be loaded: saving is how its owner mends it.
+    SetUserFile(path);
+    m_window.UpdateMenuState();
+    QThread::yieldCurrentThread();
+  });
+}
+
+void FileCommands::Save() {
+  Run([this] {
+    if (!m_program.userFile.isEmpty()) CopyTo(m_program.userFile);
+  });
+}
+
+void FileCommands::SaveAs() {
+  Run([this] {
+    const QString& inForce = m_program.userFile;
+    const QString path =
+        m_chooser.AskSaveFile({QStringLiteral("Save As Quarn Configuration File"),
+                               {kQrnFiles, QStringLiteral("All files (*.*) (*)")},
+                               kSuffix,
+                               inForce.isEmpty() ? QStringLiteral("Untitled.qrn") : inForce});
+    if (!path.isEmpty() && CopyTo(path)) SetUserFile(path);
+  });
+}
+
+void FileCommands::CloseFile() {
+  Run([this] {
+    if (m_program.userFile.isEmpty() || !MayLoseChanges()) return;
+    m_program.userFile.clear();
+    m_window.UpdateMenuState();
+    m_window.ShowUserFile();
+  });
+}
+
+void FileCommands::RestoreDefaults() {
+  Run([this] {
+    if (!m_program.messages->AskYesNo(
+            kConfirmation, QString(),
+            QStringLiteral("Are you sure you want to restore the default settings?"), QString())) {
+      return;
+    }
+    if (!MayLoseChanges()) return;
+    CloseConnection(m_program);
+    RaiseCloseRequests(m_program.state.requests);
+    RaiseSettingsRefreshes(m_program.state.requests);
+    PutDefaultsInForce();
+    m_program.userFile.clear();
+    m_program.messages->ShowTransientMessage(QStringLiteral("Loaded the initial default settings."));
+    SetUserFile(QString());
+    TellPortUndefined(*m_program.messages);
+    ShowOrHideTerminalScreen();
+  });
+}
+
+void FileCommands::DropFiles(const QStringList& paths) {
+  Run([this, &paths] {
+    if (paths.isEmpty() || !MayLoseChanges()) return;
+    const QString loaded = LoadUserFile(m_program, paths.first());
+    if (!loaded.isEmpty()) m_program.fileLoaded = true;
+    SetUserFile(loaded);
+  });
+}
+
+bool FileCommands::MayExit() {
+  bool may = false;
+  Run([this, &may] {
+    may = !HaveSettingsChanged() || AskAboutChanges(QStringLiteral("Exit program without saving?"));
+  });
+  return may;
+}
+
+void FileCommands::Run(const std::function<void()>& command) {
+  if (m_running) return;
+  const QScopedValueRollback<bool> running(m_running, true);
+  command();
+}
+
+bool FileCommands::HaveSettingsChanged() const {
+  const QString& file = m_program.userFile;
+  return !file.isEmpty() && !HoldSameSettings(file, m_program.workingSettingsFile);
+}
+
+bool FileCommands::AskAboutChanges(const QString& question) {
+  return m_program.messages->AskYesNo(kConfirmation, QString(), QStringLiteral("Settings have been changed."),
+                                      question);
+}
+
+bool FileCommands::MayLoseChanges() {
+  return !HaveSettingsChanged() || AskAboutChanges(QStringLiteral("Proceed without saving?"));
+}
+
+void FileCommands::SetUserFile(const QString& path) {
+  m_program.userFile = path;
+  m_window.ShowUserFile();
+  // The menu follows the user file; the main dialog brings it up to date.
+  m_program.state.requests.mainRefresh = true;
+}
+
+bool FileCommands::CopyTo(const QString& path) {
+  if (CopySettingsFile(m_program.workingSettingsFile, path)) return true;
+  m_program.messages->ShowErrorMessage(QStringLiteral(": Error"), QString(),
+                                       QStringLiteral("Could not save to the QRN file!"),
+                                       QStringLiteral("Destination folder error."));
+  return false;
+}
+
+void FileCommands::PutDefaultsInForce() {
+  WriteDefaultFile(m_program.workingSettingsFile);
+  // The program's own, not the file's: where nothing can be written the old ones still stand there.
+  SettingsRecord defaults = DefaultSettings();
+  defaults.loadedMarker = m_program.settings.loadedMarker;
+  m_program.settings = std::move(defaults);
+  m_program.state.currentPortName = m_program.settings.comPort;
+}
+
+void FileCommands::ShowOrHideTerminalScreen() {
+  WindowRequests& requests = m_program.state.requests;
+  const bool shown = m_program.settings.startDisp == u"ON";
+  // A screen that has not yet seen the request to close stays as it is.
+  requests.terminalClose = !shown;
+  if (!shown) return;
+  m_window.OpenTerminalScreen();
+  requests.focus = true;
+}
+
+}  // namespace quarn
