@@ -22,11 +22,14 @@ constexpr int kMarginUnits = 11;
 constexpr int kGapUnits = 4;
 constexpr int kButtonWidthUnits = 50;
 constexpr int kLogoUnits = 44;
+/// Wide enough for the long caption beside the buttons that window managers put there.
+constexpr int kLeastWidthUnits = 200;
 
 }  // namespace
 
 CAboutBox::CAboutBox(QWidget* owner, LinkOpener& opener, MessageOperations& messages)
-    : QDialog(owner, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint),
+    : PlacedDialog(owner,
+                   Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint),
       m_opener(opener),
       m_messages(messages) {
   setObjectName(QStringLiteral("CAboutBox"));
@@ -43,6 +46,7 @@ CAboutBox::CAboutBox(QWidget* owner, LinkOpener& opener, MessageOperations& mess
   upper->addWidget(CreateLogoLabel(*this, kLogoUnits), 0, Qt::AlignTop);
   upper->addLayout(CreateLabels(), 1);
   whole->addLayout(upper);
+  whole->addStrut(MapDialogUnits(font(), {0, 0, kLeastWidthUnits - 2 * kMarginUnits, 0}).width());
   QPushButton* ok = CreateOkButton();
   whole->addWidget(ok, 0, Qt::AlignRight);
   ok->setFocus();
@@ -86,12 +90,6 @@ void CAboutBox::OpenPage() {
   }
   m_messages.ShowErrorMessage(QStringLiteral(": Error"), QString(),
                               QStringLiteral("The web browser could not be opened."), page);
-}
-
-void CAboutBox::showEvent(QShowEvent* event) {
-  QDialog::showEvent(event);
-  layout()->activate();
-  CenterOnScreen(*this);
 }
 
 }  // namespace quarn

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QDialog>
+#include "ui/placed_dialog.h"
 
 class QPushButton;
 class QVBoxLayout;
@@ -12,7 +12,7 @@ class MessageOperations;
 
 /// Says what the program is, who made it and where more is to be read. Modal; OK, Enter, Escape and the
 /// close box end it. The address shown and the page opened differ on purpose.
-class CAboutBox final : public QDialog {
+class CAboutBox final : public PlacedDialog {
  public:
   static constexpr int kLinkId = 1170;
 
@@ -20,9 +20,6 @@ class CAboutBox final : public QDialog {
 
   /// Whether the page has been opened from this box.
   [[nodiscard]] bool LinkVisited() const { return m_linkVisited; }
-
- protected:
-  void showEvent(QShowEvent* event) override;
 
  private:
   QVBoxLayout* CreateLabels();

@@ -17,12 +17,12 @@ namespace {
 constexpr QRect kUnits{0, 0, 220, 82};
 constexpr int kMarginUnits = 14;
 constexpr int kGapUnits = 4;
-constexpr int kLogoUnits = 50;
+constexpr int kLogoUnits = 52;
 
 }  // namespace
 
 CSplashPage::CSplashPage(QWidget* owner, int displayMs)
-    : QDialog(owner, Qt::Dialog | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint),
+    : PlacedDialog(owner, Qt::Dialog | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint),
       m_displayMs(displayMs) {
   setObjectName(QStringLiteral("CSplashPage"));
   setAccessibleName(QString::fromLatin1(identity::kName));
@@ -31,6 +31,7 @@ CSplashPage::CSplashPage(QWidget* owner, int displayMs)
   auto* row = new QHBoxLayout(this);
   row->setContentsMargins(units.x(), 0, units.x(), 0);
   row->setSpacing(units.x());
+  row->addStretch();
   row->addWidget(CreateLogoLabel(*this, kLogoUnits), 0, Qt::AlignVCenter);
   auto* column = new QVBoxLayout;
   column->setSpacing(units.y());
@@ -40,19 +41,19 @@ CSplashPage::CSplashPage(QWidget* owner, int displayMs)
   column->addWidget(CreateBuildLabel(*this));
   column->addWidget(CreateMakerLabel(*this));
   column->addStretch();
-  row->addLayout(column, 1);
+  row->addLayout(column);
+  row->addStretch();
   // Never smaller than its texts, should a font be out of proportion to its dialog units.
   setFixedSize(MapDialogUnits(font(), kUnits).size().expandedTo(row->sizeHint()));
 }
 
 void CSplashPage::showEvent(QShowEvent* event) {
-  QDialog::showEvent(event);
-  CenterOnScreen(*this);
+  PlacedDialog::showEvent(event);
   if (!m_timer.isActive()) m_timer.start(m_displayMs, Qt::PreciseTimer, this);
 }
 
 void CSplashPage::timerEvent(QTimerEvent* event) {
-  QDialog::timerEvent(event);
+  PlacedDialog::timerEvent(event);
   if (event->timerId() != m_timer.timerId()) return;
   m_timer.stop();
   hide();

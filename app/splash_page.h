@@ -1,13 +1,14 @@
 #pragma once
 
 #include <QBasicTimer>
-#include <QDialog>
+
+#include "ui/placed_dialog.h"
 
 namespace quarn {
 
 /// What is starting, for two seconds; then it goes by itself, with result 1. Modal and on top; neither keys
 /// nor clicks nor a close request end it earlier.
-class CSplashPage final : public QDialog {
+class CSplashPage final : public PlacedDialog {
  public:
   static constexpr int kDisplayMs = 2000;
   static constexpr int kResult = 1;

@@ -84,7 +84,8 @@ QString MessageCaption(const QString& suffix) {
 MessageDialog::MessageDialog(QWidget* owner, const QString& name, const QString& caption,
                              const std::vector<MessageLine>& lines, const std::vector<MessageButton>& buttons,
                              bool warningPicture)
-    : QDialog(owner, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint) {
+    : PlacedDialog(owner,
+                   Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint) {
   setObjectName(name);
   setWindowTitle(caption);
   setAccessibleDescription(Spoken(lines));
@@ -163,13 +164,15 @@ QHBoxLayout* MessageDialog::AddButtons(const std::vector<MessageButton>& buttons
 }
 
 void MessageDialog::showEvent(QShowEvent* event) {
-  QDialog::showEvent(event);
-  layout()->activate();
+  PlacedDialog::showEvent(event);
   if (m_defaultButton != nullptr) m_defaultButton->setFocus();
+}
+
+void MessageDialog::Place() {
   if (m_position) {
     move(*m_position);
   } else {
-    CenterOnScreen(*this);
+    PlacedDialog::Place();
   }
 }
 

@@ -1,12 +1,13 @@
 #pragma once
 
 #include <QBasicTimer>
-#include <QDialog>
 #include <QPoint>
 #include <QSize>
 #include <QString>
 #include <optional>
 #include <vector>
+
+#include "ui/placed_dialog.h"
 
 class QHBoxLayout;
 class QPushButton;
@@ -32,7 +33,7 @@ struct MessageButton {
 /// A small modal box: lines from top to bottom (empty ones take no room), buttons from left to right, the
 /// first of them the default and the one with the focus. It grows with its text up to nine tenths of the
 /// screen; longer lines wrap, and what is still too tall scrolls. Nothing is clipped.
-class MessageDialog : public QDialog {
+class MessageDialog : public PlacedDialog {
  public:
   /// 0 until a button says otherwise; also after the close box or Escape.
   [[nodiscard]] int Answer() const { return m_answer; }
@@ -42,6 +43,7 @@ class MessageDialog : public QDialog {
                 const std::vector<MessageLine>& lines, const std::vector<MessageButton>& buttons,
                 bool warningPicture = false);
   void showEvent(QShowEvent* event) override;
+  void Place() override;
 
   std::optional<QPoint> m_position;
 

@@ -3,6 +3,7 @@
 #include <QPaintEvent>
 #include <QPainter>
 #include <QTextOption>
+#include <algorithm>
 #include <cmath>
 
 namespace quarn {
@@ -21,6 +22,8 @@ QString WithLayoutBreaks(QString text) {
 }  // namespace
 
 MessageText::MessageText(const QString& text, QWidget* parent) : QLabel(text, parent) {
+  // Some desktops give labels a font of their own; it has to be known before anything is measured.
+  ensurePolished();
   // Names of files and devices are shown as they are, whatever they look like.
   setTextFormat(Qt::PlainText);
   setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);

@@ -4,7 +4,10 @@
 
 #include <QApplication>
 #include <QScreen>
+#include <QTest>
 #include <QWidget>
+
+#include "ui/placed_dialog.h"
 
 namespace quarn {
 namespace {
@@ -47,6 +50,22 @@ TEST(Placement, AFrameThatNobodyReportsHasTheUsualSize) {
 TEST(Placement, AWindowThatAsksForNoFrameHasNone) {
   const QWidget bare(nullptr, Qt::Dialog | Qt::FramelessWindowHint);
   EXPECT_EQ(FrameOf(bare), QMargins());
+}
+
+TEST(Placement, ADialogIsPlacedEachTimeItAppears) {
+  class Dialog : public PlacedDialog {};
+  Dialog dialog;
+  dialog.resize(200, 100);
+  const QSize screen = QGuiApplication::primaryScreen()->geometry().size();
+  for (int times = 0; times < 2; ++times) {
+    dialog.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&dialog));
+    EXPECT_EQ(dialog.pos(), CentredPosition(screen, OuterSize(dialog)));
+    dialog.move(5, 6);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(dialog.pos(), QPoint(5, 6)) << "it may be moved away";
+    dialog.hide();
+  }
 }
 
 TEST(Placement, DialogUnitsGrowWithTheFont) {

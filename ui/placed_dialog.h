@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QDialog>
+
+namespace quarn {
+
+/// A dialog that is where it belongs each time it appears: centred on the screen, unless a kind of dialog
+/// knows better.
+class PlacedDialog : public QDialog {
+ public:
+  void setVisible(bool visible) override;
+
+ protected:
+  using QDialog::QDialog;
+  virtual void Place();
+  bool eventFilter(QObject* watched, QEvent* event) override;
+};
+
+}  // namespace quarn
