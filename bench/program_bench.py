@@ -33,11 +33,16 @@ class Display:
         handler = ctypes.CFUNCTYPE(ctypes.c_int, ctypes.c_void_p, ctypes.c_void_p)
         self.ignore = handler(lambda display, error: 0)  # a window may be gone while we look
         self.lib.XSetErrorHandler(self.ignore)
-        self.display = ctypes.c_void_p(self.lib.XOpenDisplay(self.name.encode()))
+        self.display = ctypes.c_void_p()
+        self.wait(self.connect, "the display")
         self.root = self.lib.XDefaultRootWindow(self.display)
         self.manager = subprocess.Popen(["openbox"], env={**os.environ, "DISPLAY": self.name},
                                         stderr=subprocess.DEVNULL)
         self.wait(lambda: self.property(self.root, "_NET_SUPPORTING_WM_CHECK"), "the window manager")
+
+    def connect(self):
+        self.display.value = self.lib.XOpenDisplay(self.name.encode())
+        return self.display.value
 
     def end(self):
         for process in (self.manager, self.server):

@@ -235,7 +235,7 @@ TEST_F(MainDialog, RefreshRequestIsHandledAtTheNextTick) {
 
 TEST_F(MainDialog, ClosingAsksWhenTheSettingsDifferFromTheUserFile) {
   program.userFile = m_folder + QStringLiteral("mine.qrn");
-  WriteSettings(program.userFile, {{"BK_COLOR", "NAVY"}});
+  WriteSettings(program.userFile, {{"MEM0", "other"}});
   messages.answers = {false, true};
   const QString question =
       QStringLiteral("yes or no/: Confirmation//Settings have been changed./Exit program without saving?");

@@ -61,9 +61,8 @@ class StartUpTest : public AppTest {
 
 TEST_F(StartUpTest, OnAnEmptyAccount) {
   EXPECT_EQ(Start(), StartUpResult::Running);
-  EXPECT_EQ(
-      Happened(),
-      kUntilCommandLine + QStringList{kNotFoundWarning, "place 3 3", kUndefined, "show", "terminal"} + kEnd);
+  EXPECT_EQ(Happened(), (kUntilCommandLine +
+                         QStringList{kNotFoundWarning, "place 3 3", kUndefined, "show", "terminal"} + kEnd));
   EXPECT_FALSE(program.connection.connected);
   EXPECT_EQ(program.state.currentPortName, QStringLiteral("NONE"));
   EXPECT_EQ(program.settings.loadedMarker, QStringLiteral("TRUE"));
