@@ -8,8 +8,6 @@
 #include <utility>
 #include <vector>
 
-#include "e2e/processes.h"
-
 namespace quarn::test {
 namespace {
 

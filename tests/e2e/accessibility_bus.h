@@ -2,11 +2,12 @@
 
 #include <QDBusConnection>
 #include <QList>
-#include <QProcess>
 #include <QRect>
 #include <QString>
 #include <QThread>
 #include <memory>
+
+#include "e2e/processes.h"
 
 namespace quarn::test {
 
@@ -55,7 +56,7 @@ class AccessibilityBus {
   [[nodiscard]] QList<Control> Children(const QList<Control>& parents) const;
   [[nodiscard]] QStringList Programs() const;
 
-  QProcess m_daemon;
+  ChildProcess m_daemon;
   QString m_address;
   QDBusConnection m_connection;
   std::unique_ptr<AccessibilityService> m_service;

@@ -51,7 +51,7 @@ QProcessEnvironment Desktop::Environment() const {
 }
 
 QByteArray Desktop::Run(const QString& tool, const QStringList& arguments) const {
-  QProcess process;
+  ChildProcess process;
   process.setProcessEnvironment(Environment());
   process.setStandardErrorFile(QProcess::nullDevice());
   process.start(tool, arguments);
@@ -182,7 +182,7 @@ QByteArray EndToEnd::ClipboardText() {
 }
 
 void EndToEnd::SetClipboard(const QByteArray& text) {
-  QProcess xclip;
+  ChildProcess xclip;
   xclip.setProcessEnvironment(desktop.Environment());
   xclip.setStandardOutputFile(QProcess::nullDevice());
   xclip.start(QStringLiteral("xclip"), {QStringLiteral("-selection"), QStringLiteral("clipboard")});

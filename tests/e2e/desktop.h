@@ -33,8 +33,8 @@ class Desktop {
   [[nodiscard]] QProcessEnvironment Environment() const;
 
  private:
-  QProcess m_server;
-  QProcess m_manager;
+  ChildProcess m_server;
+  ChildProcess m_manager;
   QString m_display;
 };
 
@@ -90,7 +90,7 @@ class EndToEnd : public ::testing::Test {
   QTemporaryDir runtime;
   PortLinks portLinks;
   std::unique_ptr<ServedInstrument> instrument;
-  QProcess program;
+  ChildProcess program;
   QString terminal;
 };
 

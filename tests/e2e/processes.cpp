@@ -1,5 +1,8 @@
 #include "e2e/processes.h"
 
+#include <signal.h>
+#include <sys/prctl.h>
+
 #include <QDeadlineTimer>
 #include <QThread>
 
@@ -18,6 +21,10 @@ bool Eventually(const std::function<bool()>& condition, int limitMs) {
     QThread::msleep(kPollMs);
   }
   return true;
+}
+
+ChildProcess::ChildProcess() {
+  setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGTERM); });
 }
 
 void End(QProcess& process) {

@@ -12,6 +12,12 @@ namespace quarn::test {
 /// Waits until `condition` holds; false when it does not within `limitMs`.
 bool Eventually(const std::function<bool()>& condition, int limitMs = 20000);
 
+/// A process that does not outlive this one, however this one ends.
+class ChildProcess : public QProcess {
+ public:
+  ChildProcess();
+};
+
 /// Ends a process, by force when it does not go.
 void End(QProcess& process);
 
@@ -35,7 +41,7 @@ class ProgramRun {
   std::optional<ProgramEnd> WaitForEnd(int limitMs = 20000);
 
  private:
-  QProcess m_process;
+  ChildProcess m_process;
 };
 
 }  // namespace quarn::test
