@@ -67,7 +67,7 @@ need() {
     case $group in
       build) packages+=(g++ cmake ninja-build pkg-config qt6-base-dev libudev-dev) ;;
       test) packages+=(libgtest-dev libumockdev-dev umockdev fonts-dejavu-core util-linux) ;;
-      window) packages+=(xvfb xauth openbox xdotool x11-utils xclip maim fonts-dejavu-core) ;;
+      window) packages+=(xvfb xauth openbox xdotool x11-utils xclip maim dbus-daemon fonts-dejavu-core) ;;
       bench) packages+=(libbenchmark-dev) ;;
       lint) packages+=(clang-format clang-tidy) ;;
       fuzz) packages+=(clang) ;;

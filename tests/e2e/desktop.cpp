@@ -1,11 +1,6 @@
 #include "e2e/desktop.h"
 
-#include <QDeadlineTimer>
-#include <QDir>
-#include <QFile>
-
 #include <QRegularExpression>
-#include <QThread>
 
 #include "settings/key_store.h"
 
@@ -14,27 +9,8 @@ namespace {
 
 constexpr int kToolMs = 20000;
 constexpr int kDesktopMs = 60000;
-constexpr int kEndMs = 5000;
-constexpr int kPollMs = 20;
-
-void End(QProcess& process) {
-  if (process.state() == QProcess::NotRunning) return;
-  process.terminate();
-  if (process.waitForFinished(kEndMs)) return;
-  process.kill();
-  process.waitForFinished(kEndMs);
-}
 
 }  // namespace
-
-bool Eventually(const std::function<bool()>& condition, int limitMs) {
-  const QDeadlineTimer deadline(limitMs);
-  while (!condition()) {
-    if (deadline.hasExpired()) return false;
-    QThread::msleep(kPollMs);
-  }
-  return true;
-}
 
 Desktop::Desktop() {
   // The server chooses a free display and writes its number, so that tests can run side by side.
@@ -75,7 +51,7 @@ QProcessEnvironment Desktop::Environment() const {
 }
 
 QByteArray Desktop::Run(const QString& tool, const QStringList& arguments) const {
-  QProcess process;
+  ChildProcess process;
   process.setProcessEnvironment(Environment());
   process.setStandardErrorFile(QProcess::nullDevice());
   process.start(tool, arguments);
@@ -93,10 +69,15 @@ QStringList Desktop::Windows(const QString& titlePattern) const {
   return QString::fromLatin1(found).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
 }
 
-EndToEnd::EndToEnd() {
-  QDir().mkpath(config.filePath(QStringLiteral("Halvo/Quarn/ports")));
+EndToEnd::EndToEnd() : portLinks(config.filePath(QStringLiteral("Halvo/Quarn/ports"))) {
   QProcessEnvironment environment = desktop.Environment();
+  environment.insert(QStringLiteral("HOME"), home.path());
   environment.insert(QStringLiteral("XDG_CONFIG_HOME"), config.path());
+  environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), runtime.path());
+  // The session of whoever runs the tests is none of the program's business, and none is started for it.
+  environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"),
+                     QStringLiteral("unix:path=") + runtime.filePath(QStringLiteral("no-session")));
+  environment.remove(QStringLiteral("AT_SPI_BUS_ADDRESS"));
   program.setProcessEnvironment(environment);
   program.setProcessChannelMode(QProcess::ForwardedErrorChannel);
 }
@@ -115,19 +96,25 @@ void EndToEnd::WriteSettings(const QList<QPair<QString, QString>>& values) {
 
 void EndToEnd::PlugIn(std::string_view rules) {
   instrument = std::make_unique<ServedInstrument>(rules);
-  const QString link = config.filePath(QStringLiteral("Halvo/Quarn/ports/COM3"));
-  QFile::remove(link);
-  ASSERT_TRUE(QFile::link(instrument->NodePath(), link));
+  ASSERT_TRUE(portLinks.Add(kPort, instrument->NodePath()));
 }
 
-void EndToEnd::StartProgram() {
-  program.start(QStringLiteral(QUARN_PROGRAM), {});
+void EndToEnd::UnplugPort() {
+  ASSERT_TRUE(portLinks.Remove(kPort));
+  instrument.reset();
+}
+
+void EndToEnd::StartProgram(const QStringList& arguments) {
+  program.start(QStringLiteral(QUARN_PROGRAM), arguments);
   ASSERT_TRUE(program.waitForStarted());
 }
 
+std::unique_ptr<ProgramRun> EndToEnd::StartAnother(const QStringList& arguments) const {
+  return std::make_unique<ProgramRun>(QStringLiteral(QUARN_PROGRAM), arguments, program.processEnvironment());
+}
+
 void EndToEnd::StartConnected(std::string_view rules, const QList<QPair<QString, QString>>& values) {
-  WriteSettings(QList<QPair<QString, QString>>{{QStringLiteral("COM_PORT"), QStringLiteral("COM3")}} +
-                values);
+  WriteSettings(QList<QPair<QString, QString>>{{QStringLiteral("COM_PORT"), kPort}} + values);
   PlugIn(rules);
   StartProgram();
   terminal = WaitForWindow(kTerminal);
@@ -136,11 +123,15 @@ void EndToEnd::StartConnected(std::string_view rules, const QList<QPair<QString,
 }
 
 void EndToEnd::Focus(const QString& window) {
-  desktop.Run(QStringLiteral("xdotool"),
-              {QStringLiteral("windowactivate"), QStringLiteral("--sync"), window});
-  EXPECT_TRUE(Eventually([&] {
+  const auto isActive = [&] {
     return desktop.Run(QStringLiteral("xdotool"), {QStringLiteral("getactivewindow")}).trimmed() ==
            window.toLatin1();
+  };
+  // A window that is just being mapped may miss the first request.
+  constexpr int kPatienceMs = 1000;
+  EXPECT_TRUE(Eventually([&] {
+    desktop.Run(QStringLiteral("xdotool"), {QStringLiteral("windowactivate"), window});
+    return Eventually(isActive, kPatienceMs);
   }));
 }
 
@@ -191,7 +182,7 @@ QByteArray EndToEnd::ClipboardText() {
 }
 
 void EndToEnd::SetClipboard(const QByteArray& text) {
-  QProcess xclip;
+  ChildProcess xclip;
   xclip.setProcessEnvironment(desktop.Environment());
   xclip.setStandardOutputFile(QProcess::nullDevice());
   xclip.start(QStringLiteral("xclip"), {QStringLiteral("-selection"), QStringLiteral("clipboard")});
@@ -233,6 +224,12 @@ void EndToEnd::ClickAt(const QString& window, QPoint place, int button) {
                        QString::number(place.x()), QString::number(place.y())};
   if (button > 0) steps += {QStringLiteral("click"), QString::number(button)};
   desktop.Run(QStringLiteral("xdotool"), steps);
+}
+
+void EndToEnd::ClickOnScreen(QPoint place, int button) {
+  desktop.Run(QStringLiteral("xdotool"),
+              {QStringLiteral("mousemove"), QString::number(place.x()), QString::number(place.y()),
+               QStringLiteral("click"), QString::number(button)});
 }
 
 QRect EndToEnd::Geometry(const QString& window) {

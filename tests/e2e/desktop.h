@@ -9,15 +9,13 @@
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
-#include <functional>
 #include <memory>
 
+#include "e2e/port_links.h"
+#include "e2e/processes.h"
 #include "support/served_instrument.h"
 
 namespace quarn::test {
-
-/// Waits until `condition` holds; false when it does not within `limitMs`.
-bool Eventually(const std::function<bool()>& condition, int limitMs = 20000);
 
 /// A virtual X display with a window manager, both gone with the object.
 class Desktop {
@@ -35,12 +33,13 @@ class Desktop {
   [[nodiscard]] QProcessEnvironment Environment() const;
 
  private:
-  QProcess m_server;
-  QProcess m_manager;
+  ChildProcess m_server;
+  ChildProcess m_manager;
   QString m_display;
 };
 
-/// A desktop, a settings folder of its own, an instrument as COM3, and the program.
+/// A desktop, an account of its own (home, settings and runtime folders), an instrument as COM3, and the
+/// program.
 class EndToEnd : public ::testing::Test {
  protected:
   EndToEnd();
@@ -51,7 +50,12 @@ class EndToEnd : public ::testing::Test {
   [[nodiscard]] QString SettingsFile() const;
   /// Makes an instrument with these rules reachable as COM3.
   void PlugIn(std::string_view rules);
-  void StartProgram();
+  /// Takes the instrument and its port away, whatever the program is doing with it; `PlugIn` brings them
+  /// back. The link goes first: the system may give the number of a device that has gone to another one.
+  void UnplugPort();
+  void StartProgram(const QStringList& arguments = {});
+  /// Runs the program once more, in the same account and on the same desktop.
+  [[nodiscard]] std::unique_ptr<ProgramRun> StartAnother(const QStringList& arguments = {}) const;
   /// Starts with COM3 and waits for the Terminal Screen to have the keyboard.
   void StartConnected(std::string_view rules, const QList<QPair<QString, QString>>& values = {});
 
@@ -72,16 +76,21 @@ class EndToEnd : public ::testing::Test {
   void SetClipboard(const QByteArray& text);
   /// Moves the pointer there and presses the button; 0 only moves.
   void ClickAt(const QString& window, QPoint place, int button = 1);
+  void ClickOnScreen(QPoint place, int button = 1);
   QRect Geometry(const QString& window);
   void Focus(const QString& window);
 
   const QString kTerminal = QStringLiteral("^Quarn - Terminal Screeen");
   const QString kMain = QStringLiteral("^Quarn   \\(");
+  const QString kPort = QStringLiteral("COM3");
 
   Desktop desktop;
+  QTemporaryDir home;
   QTemporaryDir config;
+  QTemporaryDir runtime;
+  PortLinks portLinks;
   std::unique_ptr<ServedInstrument> instrument;
-  QProcess program;
+  ChildProcess program;
   QString terminal;
 };
 

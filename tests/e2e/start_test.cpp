@@ -1,27 +1,33 @@
 #include <QDir>
 #include <QFile>
 
-#include "e2e/desktop.h"
+#include "e2e/accessible_windows.h"
 #include "settings/key_store.h"
 
 namespace quarn::test {
 namespace {
 
-class Start : public EndToEnd {
+class Start : public AccessibleWindows {
  protected:
-  void Acknowledge(const QString& titlePattern) {
-    const QString box = WaitForWindow(titlePattern);
-    ASSERT_FALSE(box.isEmpty());
-    Focus(box);
-    Press({QStringLiteral("Return")});
-    ASSERT_TRUE(Eventually([&] { return !desktop.Windows(titlePattern).contains(box); }));
+  void Acknowledge(const QString& titlePattern, const QStringList& texts) {
+    EXPECT_TRUE(BoxSays(titlePattern, texts));
+    EXPECT_EQ(Buttons(titlePattern), QStringList{QStringLiteral("OK")});
+    AnswerBox(titlePattern, QStringLiteral("Return"));
+  }
+  void AcknowledgeDefaults(const char* why) {
+    Acknowledge(QStringLiteral("^Quarn : Warning$"),
+                {QLatin1String(why), QStringLiteral("Starting with default settings.")});
+    AcknowledgeNoPort();
+  }
+  void AcknowledgeNoPort() {
+    Acknowledge(QStringLiteral("^Quarn : Information$"),
+                {QStringLiteral("COM port is undefined."), QStringLiteral("Sellect a COM port to connect.")});
   }
 };
 
 TEST_F(Start, OnAnEmptyAccount) {
   StartProgram();
-  Acknowledge(QStringLiteral("^Quarn : Warning$"));
-  Acknowledge(QStringLiteral("^Quarn : Information$"));
+  AcknowledgeDefaults("Initial settings file not found.");
   terminal = WaitForWindow(kTerminal);
   EXPECT_TRUE(TerminalTitleBecomes(QStringLiteral("Quarn - Terminal Screeen (NONE)  N- INS")));
   EXPECT_EQ(Title(WaitForWindow(kMain)), QStringLiteral("Quarn   (NONE)"));
@@ -31,13 +37,14 @@ TEST_F(Start, OnAnEmptyAccount) {
 TEST_F(Start, WithAPortThatIsNotThere) {
   WriteSettings({{QStringLiteral("COM_PORT"), QStringLiteral("COM9")}});
   StartProgram();
-  Acknowledge(QStringLiteral("^Quarn : Error$"));
+  Acknowledge(QStringLiteral("^Quarn : Error$"), {QStringLiteral("  \"COM9\" is not available."),
+                                                  QStringLiteral("Check \"Detailed COM Port List\".")});
   terminal = WaitForWindow(kTerminal);
   EXPECT_TRUE(TerminalTitleBecomes(QStringLiteral("Quarn - Terminal Screeen (COM9-NC)  N- INS")));
   Focus(terminal);
   Type(QStringLiteral("id"));
   Press({QStringLiteral("Return")});
-  Acknowledge(QStringLiteral("^Quarn : Error$"));
+  AnswerBox(QStringLiteral("^Quarn : Error$"), QStringLiteral("OK"));
 }
 
 TEST_F(Start, WithADamagedFile) {
@@ -46,8 +53,7 @@ TEST_F(Start, WithADamagedFile) {
   file.write("\x00\xff no settings at all", 21);
   file.close();
   StartProgram();
-  Acknowledge(QStringLiteral("^Quarn : Warning$"));
-  Acknowledge(QStringLiteral("^Quarn : Information$"));
+  AcknowledgeDefaults("Initial file is invalid.");
   EXPECT_FALSE(WaitForWindow(kTerminal).isEmpty());
 }
 

@@ -61,7 +61,7 @@ TEST_F(Window, ClosedAndOpenedAgainItStandsWhereItStoodWithTheSameLog) {
   QRect before;
   ASSERT_TRUE(Eventually([&] {
     before = Geometry(terminal);
-    return before.x() > 600;
+    return before.x() > 600 && before.size().grownBy(Frame(terminal)) == QSize(460, 740);
   }));
   Focus(terminal);
   Press({QStringLiteral("alt+F4")});
@@ -77,7 +77,8 @@ TEST_F(Window, ClosedAndOpenedAgainItStandsWhereItStoodWithTheSameLog) {
   terminal = WaitForWindow(kTerminal);
   EXPECT_TRUE(Eventually([&] { return Geometry(terminal) == before; }))
       << Geometry(terminal).x() << ',' << Geometry(terminal).y() << " instead of " << before.x() << ','
-      << before.y();
+      << before.y() << ", size " << Geometry(terminal).width() << 'x' << Geometry(terminal).height()
+      << " instead of " << before.width() << 'x' << before.height();
   EXPECT_TRUE(TerminalTitleBecomes(QStringLiteral("Quarn - Terminal Screeen (COM3)  N- INS  [ 1-2  ]")));
   Focus(terminal);
   Press({QStringLiteral("Return")});
