@@ -8,6 +8,7 @@
 #include "app/window_stage.h"
 #include "serial/platform_serial.h"
 #include "settings/data_folder.h"
+#include "ui/pictures.h"
 #include "ui/wait_cursor.h"
 #include "ui/window_messages.h"
 
@@ -27,6 +28,7 @@ int main(int argc, char* argv[]) {
     return std::fputs(answer.toLocal8Bit().constData(), stdout) < 0 ? EXIT_FAILURE : EXIT_SUCCESS;
   }
   const QApplication application(argc, argv);
+  QApplication::setWindowIcon(quarn::ApplicationIcon());
   // Message boxes come and go before the main dialog is there, and their end is not the program's.
   QApplication::setQuitOnLastWindowClosed(false);
   const QString folder = quarn::DataFolder();

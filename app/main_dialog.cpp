@@ -30,7 +30,6 @@ constexpr int kLogoUnits = 36;
 CQuarnDlg::CQuarnDlg(Program& program)
     : m_program(program), m_chooser(this), m_files(program, *this, m_chooser), m_monitor(program, *this) {
   setObjectName(QStringLiteral("CQuarnDlg"));
-  setWindowIcon(ApplicationIcon());
   CreateControls();
   CreateMenus();
   UpdateMenuState();
