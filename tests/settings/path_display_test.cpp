@@ -45,7 +45,7 @@ TEST(PathDisplay, KeepsAsMuchAsFits) {
       {kSlash, u"\U0001F600\U0001F600\U0001F600\U0001F600", 7, u"\U0001F600...\U0001F600"},
       {kSlash, u"\U0001F600\U0001F600\U0001F600\U0001F600", 6, u"\U0001F600..."},
       // A backslash is a letter like any other, or parts the path.
-      {kSlash, u"/home/someone/a\\b.qrn", 16, u"/home/.../a\\b.qrn"},
+      {kSlash, u"/home/someone/a\\b.qrn", 17, u"/home/.../a\\b.qrn"},
       {kBoth, u"C:\\Users\\me\\lab\\a.qrn", 21, u"C:\\Users\\me\\lab\\a.qrn"},
       {kBoth, u"C:\\Users\\me\\lab\\a.qrn", 20, u"C:\\...\\me\\lab\\a.qrn"},
       {kBoth, u"C:\\Users\\me\\lab\\a.qrn", 16, u"C:\\...\\lab\\a.qrn"},
