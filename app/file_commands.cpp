@@ -25,7 +25,7 @@ void CloseConnection(Program& program) {
 }  // namespace
 
 QString LoadUserFile(Program& program, const QString& path) {
-  const QString loaded = OpenUserFile(path, program.workingSettingsFile, program.settings, *program.messages);
+  QString loaded = OpenUserFile(path, program.workingSettingsFile, program.settings, *program.messages);
   if (loaded.isEmpty()) return {};
   CloseConnection(program);
   program.state.currentPortName = program.settings.comPort;

@@ -42,7 +42,7 @@ class FileChooserDialogs : public ::testing::Test {
   }
   /// What the person does with the file dialog that is up.
   void Then(std::function<void(QFileDialog&)> step) {
-    m_steps.push_back([step = std::move(step)](QWidget& widget) {
+    m_steps.emplace_back([step = std::move(step)](QWidget& widget) {
       auto* dialog = qobject_cast<QFileDialog*>(&widget);
       ASSERT_NE(dialog, nullptr);
       step(*dialog);
@@ -50,7 +50,7 @@ class FileChooserDialogs : public ::testing::Test {
   }
   /// What the person answers to the question that is up.
   void ThenAnswer(QMessageBox::StandardButton button) {
-    m_steps.push_back([this, button](QWidget& widget) {
+    m_steps.emplace_back([this, button](QWidget& widget) {
       auto* box = qobject_cast<QMessageBox*>(&widget);
       ASSERT_NE(box, nullptr);
       questions.append(box->text());
@@ -113,7 +113,7 @@ TEST_F(FileChooserDialogs, TheFiltersReadAsWrittenAndTheLastOneShowsEveryFile) {
   Put(QStringLiteral("a.qrn"));
   Put(QStringLiteral("b.txt"));
   Put(QStringLiteral("bare"));
-  Then([this](QFileDialog& dialog) {
+  Then([](QFileDialog& dialog) {
     EXPECT_EQ(dialog.windowTitle(), QStringLiteral("The title"));
     auto* filters = dialog.findChild<QComboBox*>(QStringLiteral("fileTypeCombo"));
     ASSERT_NE(filters, nullptr);
