@@ -2,7 +2,6 @@
 
 #include "app/file_chooser.h"
 
-class QFileDialog;
 class QWidget;
 
 namespace quarn {

@@ -25,17 +25,16 @@ void CloseConnection(Program& program) {
 }  // namespace
 
 QString LoadUserFile(Program& program, const QString& path) {
-  const QString loaded = OpenUserFile(path, program.workingSettingsFile, program.settings, *program.messages);
+  QString loaded = OpenUserFile(path, program.workingSettingsFile, program.settings, *program.messages);
   if (loaded.isEmpty()) return {};
   CloseConnection(program);
   program.state.currentPortName = program.settings.comPort;
-  RaiseSettingsRefreshes(program.state.requests);
   if (program.state.currentPortName == u"NONE") {
     TellPortUndefined(*program.messages);
   } else {
     ConnectWithMessages(program);
   }
-  // Windows may have looked while a message was up, before the connection was decided.
+  // Last, for windows may have looked while a message was up, before the connection was decided.
   RaiseSettingsRefreshes(program.state.requests);
   return loaded;
 }

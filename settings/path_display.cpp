@@ -35,7 +35,7 @@ QString WithoutMiddle(const QString& name, qsizetype dropped) {
 QString ShortenName(const QString& name, const std::function<bool(const QString&)>& fits) {
   if (fits(name)) return name;
   for (qsizetype dropped = 1; dropped < name.size(); ++dropped) {
-    const QString shorter = WithoutMiddle(name, dropped);
+    QString shorter = WithoutMiddle(name, dropped);
     if (fits(shorter)) return shorter;
   }
   return kGap;
@@ -47,11 +47,11 @@ QString ShortenPath(const QString& path, const std::function<bool(const QString&
   if (fits(path)) return path;
   const QList<qsizetype> ends = PartEnds(path, style);
   for (qsizetype i = 1; i < ends.size(); ++i) {
-    const QString shorter = path.left(ends.first() + 1) + kGap + path.mid(ends[i]);
+    QString shorter = path.left(ends.first() + 1) + kGap + path.mid(ends[i]);
     if (fits(shorter)) return shorter;
   }
   if (!ends.isEmpty()) {
-    const QString nameAlone = kGap + path.mid(ends.last());
+    QString nameAlone = kGap + path.mid(ends.last());
     if (fits(nameAlone)) return nameAlone;
   }
   qsizetype nameStart = path.size();

@@ -1,0 +1,212 @@
+#include "app/file_chooser_dialog.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QComboBox>
+#include <QDir>
+#include <QFile>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QListView>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+#include <deque>
+#include <functional>
+
+namespace quarn::test {
+namespace {
+
+/// Answers the dialogs that the chooser shows, one step each: a step runs when a dialog that was not there
+/// before waits for the person.
+class FileChooserDialogs : public ::testing::Test {
+ protected:
+  FileChooserDialogs() {
+    m_timer.setInterval(20);
+    QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { Answer(); });
+    m_timer.start();
+  }
+  void Put(const QString& name, const QByteArray& bytes = "x") const {
+    QFile file(folder.filePath(name));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    ASSERT_EQ(file.write(bytes), bytes.size());
+  }
+  FileQuestion Question(const QString& initialName = QString()) const {
+    return {QStringLiteral("The title"),
+            {QStringLiteral("QRN Files (*.qrn) (*.qrn)"), QStringLiteral("All Files (*.*) (*)")},
+            QStringLiteral("qrn"),
+            initialName};
+  }
+  /// What the person does with the file dialog that is up.
+  void Then(std::function<void(QFileDialog&)> step) {
+    m_steps.emplace_back([step = std::move(step)](QWidget& widget) {
+      auto* dialog = qobject_cast<QFileDialog*>(&widget);
+      ASSERT_NE(dialog, nullptr);
+      step(*dialog);
+    });
+  }
+  /// What the person answers to the question that is up.
+  void ThenAnswer(QMessageBox::StandardButton button) {
+    m_steps.emplace_back([this, button](QWidget& widget) {
+      auto* box = qobject_cast<QMessageBox*>(&widget);
+      ASSERT_NE(box, nullptr);
+      questions.append(box->text());
+      QTest::mouseClick(box->button(button), Qt::LeftButton);
+    });
+  }
+  static void Type(QFileDialog& dialog, const QString& name) {
+    auto* edit = dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+    ASSERT_NE(edit, nullptr);
+    edit->setFocus();
+    QTest::keyClick(edit, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClicks(edit, name);
+    // A list of completions would take the key.
+    if (QWidget* completions = QApplication::activePopupWidget()) completions->hide();
+    QTest::keyClick(edit, Qt::Key_Return);
+  }
+  /// The files that the dialog lists, once it lists this one.
+  static QStringList Listed(const QFileDialog& dialog, const QString& awaited) {
+    auto* view = dialog.findChild<QListView*>(QStringLiteral("listView"));
+    QStringList names;
+    const auto list = [&] {
+      names.clear();
+      for (int row = 0; row < view->model()->rowCount(view->rootIndex()); ++row) {
+        names.append(view->model()->index(row, 0, view->rootIndex()).data().toString());
+      }
+      names.sort();
+      return names.contains(awaited);
+    };
+    EXPECT_TRUE(QTest::qWaitFor(list, 10000)) << awaited.toStdString();
+    return names;
+  }
+
+  QTemporaryDir folder;
+  FileChooserDialog chooser{nullptr};
+  QStringList questions;
+
+ private:
+  void Answer() {
+    QWidget* waiting = QApplication::activeModalWidget();
+    if (waiting == nullptr || !waiting->isVisible() || waiting->property("answered").toBool()) return;
+    if (m_steps.empty()) {
+      ADD_FAILURE() << "nobody answers " << waiting->windowTitle().toStdString();
+      waiting->close();
+      return;
+    }
+    waiting->setProperty("answered", true);
+    const auto step = m_steps.front();
+    m_steps.pop_front();
+    // Not from here: within its own call the timer would not see the next dialog.
+    QTimer::singleShot(0, waiting, [step, waiting] { step(*waiting); });
+  }
+
+  std::deque<std::function<void(QWidget&)>> m_steps;
+  QTimer m_timer;
+};
+
+void Cancel(QFileDialog& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); }
+
+TEST_F(FileChooserDialogs, TheFiltersReadAsWrittenAndTheLastOneShowsEveryFile) {
+  Put(QStringLiteral("a.qrn"));
+  Put(QStringLiteral("b.txt"));
+  Put(QStringLiteral("bare"));
+  Then([](QFileDialog& dialog) {
+    EXPECT_EQ(dialog.windowTitle(), QStringLiteral("The title"));
+    auto* filters = dialog.findChild<QComboBox*>(QStringLiteral("fileTypeCombo"));
+    ASSERT_NE(filters, nullptr);
+    ASSERT_EQ(filters->count(), 2);
+    EXPECT_EQ(filters->itemText(0), QStringLiteral("QRN Files (*.qrn)"));
+    EXPECT_EQ(filters->itemText(1), QStringLiteral("All Files (*.*)"));
+    EXPECT_EQ(filters->currentIndex(), 0);
+    EXPECT_EQ(Listed(dialog, QStringLiteral("a.qrn")), QStringList{QStringLiteral("a.qrn")});
+    filters->setFocus();
+    QTest::keyClick(filters, Qt::Key_Down);
+    Q_EMIT filters->textActivated(filters->currentText());
+    EXPECT_EQ(Listed(dialog, QStringLiteral("bare")),
+              (QStringList{QStringLiteral("a.qrn"), QStringLiteral("b.txt"), QStringLiteral("bare")}));
+    Cancel(dialog);
+  });
+  EXPECT_EQ(chooser.AskOpenFile(Question(folder.filePath(QStringLiteral("a.qrn")))), QString());
+}
+
+TEST_F(FileChooserDialogs, OpenGivesANameWithoutSuffixItsOwn) {
+  Put(QStringLiteral("bench.qrn"));
+  Then([this](QFileDialog& dialog) { Type(dialog, folder.filePath(QStringLiteral("bench"))); });
+  EXPECT_EQ(chooser.AskOpenFile(Question()), folder.filePath(QStringLiteral("bench.qrn")));
+}
+
+TEST_F(FileChooserDialogs, OpenTakesAFileWithoutSuffixThatIsPicked) {
+  Put(QStringLiteral("bare"));
+  Then([](QFileDialog& dialog) {
+    dialog.selectNameFilter(QStringLiteral("All Files (*.*) (*)"));
+    Listed(dialog, QStringLiteral("bare"));
+    auto* view = dialog.findChild<QListView*>(QStringLiteral("listView"));
+    const QModelIndex file = view->model()->index(0, 0, view->rootIndex());
+    QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->visualRect(file).center());
+    QTest::keyClick(view, Qt::Key_Return);
+  });
+  EXPECT_EQ(chooser.AskOpenFile(Question(folder.filePath(QStringLiteral("x.qrn")))),
+            folder.filePath(QStringLiteral("bare")));
+}
+
+TEST_F(FileChooserDialogs, OpenLetsNoMissingFileThrough) {
+  Then([this](QFileDialog& dialog) {
+    ThenAnswer(QMessageBox::Ok);
+    Type(dialog, folder.filePath(QStringLiteral("missing")));
+    Cancel(dialog);
+  });
+  EXPECT_EQ(chooser.AskOpenFile(Question()), QString());
+  ASSERT_EQ(questions.size(), 1);
+  EXPECT_TRUE(questions[0].contains(QStringLiteral("File not found"))) << questions[0].toStdString();
+}
+
+TEST_F(FileChooserDialogs, SaveProposesTheInitialNameAndEnterTakesIt) {
+  Then([](QFileDialog& dialog) {
+    auto* edit = dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+    EXPECT_EQ(edit->text(), QStringLiteral("Untitled.qrn"));
+    QTest::keyClick(edit, Qt::Key_Return);
+  });
+  const QString before = QDir::currentPath();
+  ASSERT_TRUE(QDir::setCurrent(folder.path()));
+  const QString chosen = chooser.AskSaveFile(Question(QStringLiteral("Untitled.qrn")));
+  QDir::setCurrent(before);
+  EXPECT_EQ(QFileInfo(chosen).fileName(), QStringLiteral("Untitled.qrn"));
+}
+
+TEST_F(FileChooserDialogs, SaveProposesTheFileInForceInItsFolder) {
+  Put(QStringLiteral("mine.qrn"));
+  Then([this](QFileDialog& dialog) {
+    EXPECT_EQ(dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->text(),
+              QStringLiteral("mine.qrn"));
+    EXPECT_EQ(dialog.directory().canonicalPath(), QDir(folder.path()).canonicalPath());
+    Cancel(dialog);
+  });
+  EXPECT_EQ(chooser.AskSaveFile(Question(folder.filePath(QStringLiteral("mine.qrn")))), QString());
+}
+
+TEST_F(FileChooserDialogs, SaveGivesANameWithoutSuffixItsOwn) {
+  Then([this](QFileDialog& dialog) { Type(dialog, folder.filePath(QStringLiteral("new"))); });
+  EXPECT_EQ(chooser.AskSaveFile(Question()), folder.filePath(QStringLiteral("new.qrn")));
+  Then([this](QFileDialog& dialog) { Type(dialog, folder.filePath(QStringLiteral("new.txt"))); });
+  EXPECT_EQ(chooser.AskSaveFile(Question()), folder.filePath(QStringLiteral("new.txt")));
+}
+
+TEST_F(FileChooserDialogs, SaveAsksBeforeItLetsAFileBeOverwritten) {
+  Put(QStringLiteral("old.qrn"));
+  Then([this](QFileDialog& dialog) {
+    ThenAnswer(QMessageBox::No);
+    Type(dialog, folder.filePath(QStringLiteral("old")));
+    EXPECT_TRUE(dialog.isVisible());
+    ThenAnswer(QMessageBox::Yes);
+    Type(dialog, folder.filePath(QStringLiteral("old")));
+  });
+  EXPECT_EQ(chooser.AskSaveFile(Question()), folder.filePath(QStringLiteral("old.qrn")));
+  ASSERT_EQ(questions.size(), 2);
+  EXPECT_TRUE(questions[0].contains(QStringLiteral("already exists"))) << questions[0].toStdString();
+}
+
+}  // namespace
+}  // namespace quarn::test

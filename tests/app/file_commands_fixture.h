@@ -1,0 +1,155 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <memory>
+
+#include "app/file_commands.h"
+#include "serial/port_list.h"
+#include "settings/key_store.h"
+#include "settings/settings_load_save.h"
+#include "settings/settings_table.h"
+#include "tests/line/scripted_line.h"
+#include "tests/settings/settings_test_support.h"
+#include "tests/support/recorded_messages.h"
+
+namespace quarn::test {
+
+inline const QString kProceed =
+    QStringLiteral("yes or no/: Confirmation//Settings have been changed./Proceed without saving?");
+inline const QString kExit =
+    QStringLiteral("yes or no/: Confirmation//Settings have been changed./Exit program without saving?");
+inline const QString kRestore =
+    QStringLiteral("yes or no/: Confirmation//Are you sure you want to restore the default settings?/");
+inline const QString kRestored = QStringLiteral("transient/Loaded the initial default settings.");
+inline const QString kUndefined =
+    QStringLiteral("information/: Information//COM port is undefined./Sellect a COM port to connect.");
+inline const QString kNotSaved =
+    QStringLiteral("error/: Error//Could not save to the QRN file!/Destination folder error.");
+inline const QString kOpened = QStringLiteral("transient/QRN file was opened successfully.");
+inline const QString kNotLoaded =
+    QStringLiteral("error/: Error//Invalid file format./Could not load file contents.");
+inline const QString kFileNotFound =
+    QStringLiteral("error/: Error//Config file not found./Click \"OK\" to quit loading.");
+
+inline QString Connected(const char* port) {
+  return QStringLiteral("transient/Successfully Connected to \"%1\".").arg(QLatin1String(port));
+}
+inline QString NotAvailable(const char* port) {
+  return QStringLiteral("error/: Error//  \"%1\" is not available./Check \"Detailed COM Port List\".")
+      .arg(QLatin1String(port));
+}
+
+/// Ports that open, each to a line that notes in the journal what becomes of it.
+class ScriptedOpener final : public SerialLineOpener {
+ public:
+  explicit ScriptedOpener(Journal& journal) : m_journal(journal) {}
+  OpenResult Open(const QString& devicePath) override {
+    m_journal.Note("open " + devicePath.toStdString());
+    return {std::make_shared<ScriptedLine>(m_journal), {}};
+  }
+
+ private:
+  Journal& m_journal;
+};
+
+class TwoPorts final : public PortSource {
+ public:
+  bool FriendlyNames(QStringList& names) override {
+    names = {QStringLiteral("Adapter (COM3)"), QStringLiteral("Adapter (COM7)")};
+    return true;
+  }
+};
+
+class NoIndicator final : public WaitIndicator {
+ public:
+  void Show() override {}
+  void Restore() override {}
+};
+
+/// A main dialog that writes down what it is told, with the user file and menu that it would show.
+class NotedWindow final : public MainWindow {
+ public:
+  explicit NotedWindow(const Program& program) : m_program(program) {}
+  QStringList calls;
+
+  void SetTitle(const QString& suffix) override { calls.append(QStringLiteral("title ") + suffix); }
+  void UpdateMenuState() override { calls.append(QStringLiteral("menu ") + m_program.userFile); }
+  void ShowUserFile() override { calls.append(QStringLiteral("status ") + m_program.userFile); }
+  void OpenTerminalScreen() override { calls.append(QStringLiteral("terminal screen")); }
+
+ private:
+  const Program& m_program;
+};
+
+class ScriptedChooser final : public FileChooser {
+ public:
+  QString answer;
+  QList<FileQuestion> opened;
+  QList<FileQuestion> saved;
+  std::function<void()> whileShown;
+
+  QString AskOpenFile(const FileQuestion& question) override { return Ask(opened, question); }
+  QString AskSaveFile(const FileQuestion& question) override { return Ask(saved, question); }
+
+ private:
+  QString Ask(QList<FileQuestion>& asked, const FileQuestion& question) {
+    asked.append(question);
+    if (whileShown) whileShown();
+    return answer;
+  }
+};
+
+/// A program that is connected to COM7 in the internal configuration state.
+class FileCommandsTest : public SettingsFileTest {
+ protected:
+  FileCommandsTest() {
+    auto recorded = std::make_unique<RecordedMessages>();
+    messages = recorded.get();
+    program = std::make_unique<Program>(
+        Path(QString()) + QLatin1Char('/'), std::make_unique<ScriptedOpener>(journal),
+        std::make_unique<TwoPorts>(), std::move(recorded), std::make_unique<NoIndicator>());
+    window = std::make_unique<NotedWindow>(*program);
+    commands = std::make_unique<FileCommands>(*program, *window, chooser);
+  }
+  void SetUp() override {
+    WithPort("COM7", QStringLiteral("Quarn.ini"));
+    ASSERT_EQ(LoadSettings(program->workingSettingsFile, program->settings), LoadResult::Loaded);
+    ASSERT_TRUE(RefreshPortList(*program->portSource, program->connection));
+    program->state.currentPortName = QStringLiteral("COM7");
+    ASSERT_TRUE(OpenPort(program->settings, program->connection, program->Environment()));
+    program->connection.connected = true;
+  }
+
+  /// A default file that names this port.
+  QString WithPort(const char* port, const QString& name = QStringLiteral("user.qrn")) const {
+    return WithBytes(
+        NormalisedBytes(SortedDefaults()).replace("COM_PORT=NONE", QByteArray("COM_PORT=") + port), name);
+  }
+  /// Puts a user file in force, with a change or two that are not saved to it.
+  QString InForceAndChanged() const {
+    program->userFile = WithPort("COM3", QStringLiteral("in-force.qrn"));
+    return program->userFile;
+  }
+  QString InForce() const {
+    program->userFile = WithPort("COM7", QStringLiteral("in-force.qrn"));
+    return program->userFile;
+  }
+  [[nodiscard]] QByteArray WorkingBytes() const { return BytesOf(program->workingSettingsFile); }
+  [[nodiscard]] bool WasClosed() const {
+    const auto entries = journal.Entries();
+    return std::find(entries.begin(), entries.end(), "close") != entries.end();
+  }
+  [[nodiscard]] WindowRequests& Requests() const { return program->state.requests; }
+
+  Journal journal;
+  RecordedMessages* messages = nullptr;
+  std::unique_ptr<Program> program;
+  std::unique_ptr<NotedWindow> window;
+  ScriptedChooser chooser;
+  std::unique_ptr<FileCommands> commands;
+};
+
+}  // namespace quarn::test

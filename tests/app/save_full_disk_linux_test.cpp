@@ -1,0 +1,31 @@
+#include "tests/app/file_commands_fixture.h"
+#include "tests/support/small_disk_linux.h"
+
+namespace quarn::test {
+namespace {
+
+class SaveOnFullDisk : public FileCommandsTest {
+ protected:
+  SmallDisk disk;
+};
+
+TEST_F(SaveOnFullDisk, TheOldFileStaysWholeAndInForce) {
+  const QString user = disk.Path(QStringLiteral("user.qrn"));
+  ASSERT_TRUE(QFile::copy(WithPort("COM3"), user));
+  const QByteArray bytes = BytesOf(user);
+  const QByteArray working = WorkingBytes();
+  program->userFile = user;
+  disk.Fill();
+  commands->Save();
+  chooser.answer = disk.Path(QStringLiteral("other.qrn"));
+  commands->SaveAs();
+  EXPECT_EQ(messages->shown, (QStringList{kNotSaved, kNotSaved}));
+  EXPECT_EQ(BytesOf(user), bytes);
+  EXPECT_EQ(WorkingBytes(), working);
+  EXPECT_EQ(program->userFile, user);
+  EXPECT_EQ(disk.Files(), (QStringList{QStringLiteral("filler"), QStringLiteral("user.qrn")}));
+  EXPECT_FALSE(commands->MayExit());  // what is not saved is still asked about
+}
+
+}  // namespace
+}  // namespace quarn::test
