@@ -79,6 +79,8 @@ class NotedWindow final : public MainWindow {
   void UpdateMenuState() override { calls.append(QStringLiteral("menu ") + m_program.userFile); }
   void ShowUserFile() override { calls.append(QStringLiteral("status ") + m_program.userFile); }
   void OpenTerminalScreen() override { calls.append(QStringLiteral("terminal screen")); }
+  void StartTimer() override { calls.append(QStringLiteral("start timer")); }
+  void StopTimer() override { calls.append(QStringLiteral("stop timer")); }
 
  private:
   const Program& m_program;
