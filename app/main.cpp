@@ -36,7 +36,7 @@ int main(int argc, char* argv[]) {
   quarn::Program program(folder, quarn::CreateLineOpener(ports), quarn::CreatePortSource(ports),
                          std::make_unique<quarn::WindowMessages>(), std::make_unique<quarn::WaitCursor>());
   quarn::CQuarnDlg dialog(program);
-  quarn::WindowStage stage(dialog, QApplication::arguments());
+  quarn::WindowStage stage(dialog, *program.portSource, QApplication::arguments());
   if (StartUp(program, dialog, stage, dialog.Monitor()) != quarn::StartUpResult::Running) {
     return EXIT_FAILURE;
   }

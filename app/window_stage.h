@@ -8,7 +8,7 @@ namespace quarn {
 /// Start-up on the real screen.
 class WindowStage final : public StartUpStage {
  public:
-  WindowStage(CQuarnDlg& dialog, QStringList arguments);
+  WindowStage(CQuarnDlg& dialog, PortSource& portSource, QStringList arguments);
 
   InstanceLock TakeLock() override;
   void ShowSplash() override;
@@ -22,6 +22,7 @@ class WindowStage final : public StartUpStage {
 
  private:
   CQuarnDlg& m_dialog;
+  PortSource& m_portSource;
   const QStringList m_arguments;
 };
 

@@ -25,8 +25,8 @@ class Display:
             ["Xvfb", "-displayfd", str(write), "-screen", "0", "1920x1080x24", "-nolisten", "tcp"],
             pass_fds=[write], stderr=subprocess.DEVNULL)
         os.close(write)
-        self.name = ":" + os.read(read, 16).decode().strip()
-        os.close(read)
+        with os.fdopen(read) as announcement:
+            self.name = ":" + announcement.readline().strip()
         self.lib = ctypes.CDLL("libX11.so.6")
         self.lib.XOpenDisplay.restype = ctypes.c_void_p
         self.lib.XDefaultRootWindow.restype = self.lib.XInternAtom.restype = ctypes.c_ulong

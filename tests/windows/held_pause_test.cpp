@@ -1,0 +1,67 @@
+#include "ui/held_pause.h"
+
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QKeyEvent>
+#include <QTest>
+#include <QTimer>
+#include <QWidget>
+
+namespace quarn::test {
+namespace {
+
+class Listener final : public QWidget {
+ public:
+  Listener() {
+    resize(100, 100);
+    show();
+    EXPECT_TRUE(QTest::qWaitForWindowExposed(this));
+  }
+  QString typed;
+  int timers = 0;
+  int paints = 0;
+
+ protected:
+  void keyPressEvent(QKeyEvent* event) override { typed += event->text(); }
+  void timerEvent(QTimerEvent* /*event*/) override { ++timers; }
+  void paintEvent(QPaintEvent* /*event*/) override { ++paints; }
+};
+
+TEST(HeldPause, LastsAsLongAsItIsTold) {
+  HeldPause pause;
+  QElapsedTimer time;
+  time.start();
+  pause.For(50);
+  EXPECT_GE(time.elapsed(), 50);
+}
+
+TEST(HeldPause, WindowsPaintAndNothingElse) {
+  Listener window;
+  HeldPause pause;
+  window.startTimer(1);
+  window.paints = 0;
+  window.update();
+  for (const QChar key : QStringLiteral("ab")) {
+    QCoreApplication::postEvent(&window, new QKeyEvent(QEvent::KeyPress, 0, Qt::NoModifier, key));
+  }
+  pause.For(50);
+  EXPECT_GE(window.paints, 1);
+  EXPECT_EQ(window.timers, 0);
+  EXPECT_EQ(window.typed, QString());
+  EXPECT_TRUE(QTest::qWaitFor([&] { return window.typed == QStringLiteral("ab") && window.timers > 0; }));
+}
+
+TEST(HeldPause, CanBeUsedAgain) {
+  Listener window;
+  HeldPause pause;
+  for (const QChar key : QStringLiteral("abc")) {
+    QCoreApplication::postEvent(&window, new QKeyEvent(QEvent::KeyPress, 0, Qt::NoModifier, key));
+    pause.For(1);
+  }
+  EXPECT_TRUE(QTest::qWaitFor([&] { return window.typed == QStringLiteral("abc"); }));
+}
+
+}  // namespace
+}  // namespace quarn::test
