@@ -8,6 +8,7 @@
 #include <QTest>
 #include <QTimer>
 #include <QWidget>
+#include <QWindow>
 
 namespace quarn::test {
 namespace {
@@ -44,7 +45,8 @@ TEST(HeldPause, WindowsPaintAndNothingElse) {
   window.paints = 0;
   window.update();
   for (const QChar key : QStringLiteral("ab")) {
-    QCoreApplication::postEvent(&window, new QKeyEvent(QEvent::KeyPress, 0, Qt::NoModifier, key));
+    QCoreApplication::postEvent(window.windowHandle(),
+                                new QKeyEvent(QEvent::KeyPress, 0, Qt::NoModifier, key));
   }
   pause.For(50);
   EXPECT_GE(window.paints, 1);
@@ -57,7 +59,8 @@ TEST(HeldPause, CanBeUsedAgain) {
   Listener window;
   HeldPause pause;
   for (const QChar key : QStringLiteral("abc")) {
-    QCoreApplication::postEvent(&window, new QKeyEvent(QEvent::KeyPress, 0, Qt::NoModifier, key));
+    QCoreApplication::postEvent(window.windowHandle(),
+                                new QKeyEvent(QEvent::KeyPress, 0, Qt::NoModifier, key));
     pause.For(1);
   }
   EXPECT_TRUE(QTest::qWaitFor([&] { return window.typed == QStringLiteral("abc"); }));
