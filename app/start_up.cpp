@@ -53,7 +53,7 @@ QString FileToLoad(Program& program, StartUpStage& stage) {
   const QString named = stage.CommandLineFile();
   if (named.isEmpty()) return {};
   program.messages->ShowTransientMessage(QStringLiteral("Loading user difinition file."), {});
-  const QString file = LoadQrnFile(named, *program.messages);
+  QString file = LoadQrnFile(named, *program.messages);
   if (file.isEmpty()) TellInternalConfiguration(program);
   return file;
 }

@@ -67,10 +67,10 @@ TEST_F(MainDialog, HasTheMenusInTheirOrder) {
   EXPECT_EQ(
       shown,
       (QStringList{
-          "File: 32793 Open, 57603 Save, 32795 Save As, 32807 Close File, -, 32799 Restore Defaults, -, "
-          "32771 Exit",
-          "Port: 32791 COM Port Number, 32792 Detailed COM Port List, -, 32805 Connect COM Port, 32801 "
-          "Disconnect COM Port, -, 32783 COM Port Settings, 32789 Reset Current COM Port",
+          ("File: 32793 Open, 57603 Save, 32795 Save As, 32807 Close File, -, 32799 Restore Defaults, -, "
+           "32771 Exit"),
+          ("Port: 32791 COM Port Number, 32792 Detailed COM Port List, -, 32805 Connect COM Port, 32801 "
+           "Disconnect COM Port, -, 32783 COM Port Settings, 32789 Reset Current COM Port"),
           "Tools: 32772 Terminal Screen, 32777 Function Key Table",
           "Option: 32775 Command Format, 32779 Terminal Screen Option, 32790 Main Dialog Option",
           "Help: 57667 About",

@@ -109,8 +109,8 @@ TEST_F(StartUpTest, AWrappedMenuBarIsRefused) {
   EXPECT_EQ(Start(), StartUpResult::DisplayRefused);
   EXPECT_EQ(Happened(),
             (QStringList{"lock", "splash", "dpi", "menu bar",
-                         "error/: Error//Windows Text Font size Settings/Text font size (31 ) is too "
-                         "large"}));
+                         ("error/: Error//Windows Text Font size Settings/Text font size (31 ) is too "
+                          "large")}));
 }
 
 TEST_F(StartUpTest, ALargeFontPassesWhenTheMenuBarDoesNotWrap) {
