@@ -16,6 +16,7 @@
 #include "settings/data_folder.h"
 #include "settings/key_store.h"
 #include "settings/settings_load_save.h"
+#include "support/message_texts.h"
 #include "support/recorded_messages.h"
 
 namespace quarn::test {

@@ -46,7 +46,7 @@ class ConnectionCommands : public AppTest {
 
 TEST_F(ConnectionCommands, ConnectTells) {
   Connect(program);
-  EXPECT_EQ(Happened(), QStringList{"transient/Successfully Connected to \"COM3\"."});
+  EXPECT_EQ(Happened(), QStringList{Connected("COM3")});
   EXPECT_TRUE(program.connection.connected);
   EXPECT_TRUE(program.state.requests.mainRefresh);
   EXPECT_TRUE(program.state.requests.terminalRefresh);
@@ -59,8 +59,7 @@ TEST_F(ConnectionCommands, ConnectToAMissingPortTells) {
   Unplug();
   program.connection.connected = true;
   Connect(program);
-  EXPECT_EQ(Happened(),
-            QStringList{"error/: Error//  \"COM3\" is not available./Check \"Detailed COM Port List\"."});
+  EXPECT_EQ(Happened(), QStringList{NotAvailable("COM3")});
   EXPECT_FALSE(program.connection.connected);
   EXPECT_EQ(program.state.currentPortName, QStringLiteral("COM3"));
 }

@@ -13,6 +13,7 @@
 #include "settings/settings_table.h"
 #include "tests/line/scripted_line.h"
 #include "tests/settings/settings_test_support.h"
+#include "tests/support/message_texts.h"
 #include "tests/support/recorded_messages.h"
 
 namespace quarn::test {
@@ -24,23 +25,8 @@ inline const QString kExit =
 inline const QString kRestore =
     QStringLiteral("yes or no/: Confirmation//Are you sure you want to restore the default settings?/");
 inline const QString kRestored = QStringLiteral("transient/Loaded the initial default settings.");
-inline const QString kUndefined =
-    QStringLiteral("information/: Information//COM port is undefined./Sellect a COM port to connect.");
 inline const QString kNotSaved =
     QStringLiteral("error/: Error//Could not save to the QRN file!/Destination folder error.");
-inline const QString kOpened = QStringLiteral("transient/QRN file was opened successfully.");
-inline const QString kNotLoaded =
-    QStringLiteral("error/: Error//Invalid file format./Could not load file contents.");
-inline const QString kFileNotFound =
-    QStringLiteral("error/: Error//Config file not found./Click \"OK\" to quit loading.");
-
-inline QString Connected(const char* port) {
-  return QStringLiteral("transient/Successfully Connected to \"%1\".").arg(QLatin1String(port));
-}
-inline QString NotAvailable(const char* port) {
-  return QStringLiteral("error/: Error//  \"%1\" is not available./Check \"Detailed COM Port List\".")
-      .arg(QLatin1String(port));
-}
 
 /// Ports that open, each to a line that notes in the journal what becomes of it.
 class ScriptedOpener final : public SerialLineOpener {

@@ -80,9 +80,8 @@ class PortMonitorTest : public AppTest {
   PortMonitor monitor{program, window};
 };
 
+const QString kGone = NotAvailable("COM3");
 const QString kUpdated = QStringLiteral("transient/COM port list has been updated.");
-const QString kGone =
-    QStringLiteral("error/: Error//  \"COM3\" is not available./Check \"Detailed COM Port List\".");
 const QString kOffer = QStringLiteral("yes or no/: Confirmation//Do you want to connect to \"COM3\" ?/");
 
 TEST_F(PortMonitorTest, LetsTheFirstTenTicksPass) {

@@ -35,8 +35,6 @@ class RecordedStage final : public StartUpStage {
   QStringList& m_journal;
 };
 
-const QString kUndefined =
-    QStringLiteral("information/: Information//COM port is undefined./Sellect a COM port to connect.");
 const QString kNotFoundWarning =
     QStringLiteral("information/: Warning//Initial settings file not found./Starting with default settings.");
 const QString kInternal = QStringLiteral("transient/Starting in internal configuration mode.");
@@ -125,9 +123,7 @@ TEST_F(StartUpTest, ConnectsToTheConfiguredPort) {
   WriteSettings(program.workingSettingsFile,
                 {{"COM_PORT", "COM3"}, {"START_DISP", "OFF"}, {"MAIN_POS", "TR"}});
   EXPECT_EQ(Start(), StartUpResult::Running);
-  EXPECT_EQ(Happened(),
-            (kUntilCommandLine +
-             QStringList{"place 98 3", "transient/Successfully Connected to \"COM3\".", "show"} + kEnd));
+  EXPECT_EQ(Happened(), (kUntilCommandLine + QStringList{"place 98 3", Connected("COM3"), "show"} + kEnd));
   EXPECT_TRUE(program.connection.connected);
   EXPECT_EQ(program.state.currentPortName, QStringLiteral("COM3"));
 }
@@ -136,12 +132,8 @@ TEST_F(StartUpTest, KeepsTheNameOfAPortThatCannotBeOpened) {
   MakeFolders();
   WriteSettings(program.workingSettingsFile, {{"COM_PORT", "COM3"}, {"MAIN_POS", "??"}});
   EXPECT_EQ(Start(), StartUpResult::Running);
-  EXPECT_EQ(Happened(), (kUntilCommandLine +
-                         QStringList{"place 3 3",
-                                     "error/: Error//  \"COM3\" is not available./Check \"Detailed COM Port "
-                                     "List\".",
-                                     "show", "terminal"} +
-                         kEnd));
+  EXPECT_EQ(Happened(),
+            (kUntilCommandLine + QStringList{"place 3 3", NotAvailable("COM3"), "show", "terminal"} + kEnd));
   EXPECT_FALSE(program.connection.connected);
   EXPECT_EQ(program.state.currentPortName, QStringLiteral("COM3"));
 }
@@ -153,9 +145,7 @@ TEST_F(StartUpTest, LoadsTheFileOnTheCommandLineWhichConnectsByItself) {
   EXPECT_EQ(Start(), StartUpResult::Running);
   EXPECT_EQ(Happened(),
             (kUntilCommandLine +
-             QStringList{kLoading, "transient/QRN file was opened successfully.",
-                         "transient/Successfully Connected to \"COM3\".", "place 3 3", "show", "terminal"} +
-             kEnd));
+             QStringList{kLoading, kOpened, Connected("COM3"), "place 3 3", "show", "terminal"} + kEnd));
   EXPECT_EQ(program.userFile, UserFile());
   EXPECT_TRUE(program.connection.connected);
   EXPECT_EQ(program.settings.loadedMarker, QStringLiteral("TRUE"));
@@ -179,11 +169,10 @@ TEST_F(StartUpTest, AFileThatCannotBeLoadedLeadsToTheWorkingSettings) {
   MakeUserFile({{"COM_PORT", "COM100"}});
   WriteSettings(program.workingSettingsFile, {{"BK_COLOR", "NAVY"}});
   EXPECT_EQ(Start(), StartUpResult::Running);
-  EXPECT_EQ(Happened(),
-            (kUntilCommandLine +
-             QStringList{kLoading, "error/: Error//Invalid file format./Could not load file contents.",
-                         kInternal, "place 3 3", kUndefined, "show", "terminal"} +
-             kEnd));
+  EXPECT_EQ(
+      Happened(),
+      (kUntilCommandLine +
+       QStringList{kLoading, kNotLoaded, kInternal, "place 3 3", kUndefined, "show", "terminal"} + kEnd));
   EXPECT_EQ(program.userFile, QString());
   EXPECT_EQ(program.settings.bkColor, QStringLiteral("NAVY"));
   EXPECT_EQ(program.settings.loadedMarker, QStringLiteral("TRUE"));

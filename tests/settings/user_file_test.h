@@ -5,12 +5,11 @@
 #include "settings/settings_table.h"
 #include "settings/user_file.h"
 #include "tests/settings/settings_test_support.h"
+#include "tests/support/message_texts.h"
 #include "tests/support/recorded_messages.h"
 
 namespace quarn::test {
 
-inline const QString kFileNotFound =
-    QStringLiteral("error/: Error//Config file not found./Click \"OK\" to quit loading.");
 inline const QString kFileInvalid =
     QStringLiteral("error/: Error//Config file is invalid./Click \"OK\" to quit loading.");
 inline const QString kMayUpdate =
@@ -18,9 +17,6 @@ inline const QString kMayUpdate =
 inline const QString kUpdated = QStringLiteral("information/: Information//Configuration file is updated./");
 inline const QString kNotOpened =
     QStringLiteral("error/: Error//Destination folder error!/Could not open the QRN file.");
-inline const QString kNotLoaded =
-    QStringLiteral("error/: Error//Invalid file format./Could not load file contents.");
-inline const QString kOpened = QStringLiteral("transient/QRN file was opened successfully.");
 
 /// A working file in force and a record that mirrors it.
 class UserFile : public SettingsFileTest {
