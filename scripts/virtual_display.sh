@@ -94,7 +94,7 @@ window_is_gone() { ! xdotool search --onlyvisible --name "$1" >/dev/null 2>&1; }
 
 window_is_active() { [[ $(xdotool getactivewindow 2>/dev/null) == "$1" ]]; }
 
-visible_windows() { xdotool search --onlyvisible --class quarn 2>/dev/null | sort; }
+visible_windows() { { xdotool search --onlyvisible --class quarn 2>/dev/null || true; } | sort; }
 
 # A window without a title, a menu for instance, is known by not having been there before.
 remember_windows() { windows_before=$(visible_windows); }
