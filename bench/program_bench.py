@@ -121,6 +121,8 @@ class Run:
 def measure(program, display, settings, idle_s):
     run = Run(program, display)
     run.write_settings(settings)
+    # The window manager may not yet have noticed that the last run's windows are gone.
+    display.wait(lambda: not display.shows(b"Quarn"), "the last run's windows to go", 0.01)
     run.start()
     try:
         display.wait(lambda: display.shows(b"Quarn   (COM3)") or run.process.poll() is not None, "the main dialog", 0.001)

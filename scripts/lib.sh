@@ -68,7 +68,8 @@ need() {
       build) packages+=(g++ cmake ninja-build pkg-config qt6-base-dev libudev-dev) ;;
       test) packages+=(libgtest-dev libumockdev-dev umockdev fonts-dejavu-core util-linux) ;;
       window) packages+=(xvfb xauth openbox xdotool x11-utils xclip maim dbus-daemon fonts-dejavu-core) ;;
-      bench) packages+=(libbenchmark-dev) ;;
+      pictures) packages+=(pngquant imagemagick x11-xserver-utils) ;;
+      bench) packages+=(libbenchmark-dev python3) ;;
       lint) packages+=(clang-format clang-tidy) ;;
       fuzz) packages+=(clang) ;;
       *) packages+=("$group") ;;

@@ -7,6 +7,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileDialog>
+#include <QHeaderView>
 #include <QLineEdit>
 #include <QListView>
 #include <QMessageBox>
@@ -14,6 +15,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
+#include <QTreeView>
 #include <deque>
 #include <functional>
 
@@ -127,6 +129,23 @@ TEST_F(FileChooserDialogs, TheFiltersReadAsWrittenAndTheLastOneShowsEveryFile) {
     Q_EMIT filters->textActivated(filters->currentText());
     EXPECT_EQ(Listed(dialog, QStringLiteral("bare")),
               (QStringList{QStringLiteral("a.qrn"), QStringLiteral("b.txt"), QStringLiteral("bare")}));
+    Cancel(dialog);
+  });
+  EXPECT_EQ(chooser.AskOpenFile(Question(folder.filePath(QStringLiteral("a.qrn")))), QString());
+}
+
+TEST_F(FileChooserDialogs, SizesTypesAndDatesAreNotCutShort) {
+  Put(QStringLiteral("a.qrn"), QByteArray(1000, 'x'));
+  Then([](QFileDialog& dialog) {
+    dialog.setViewMode(QFileDialog::Detail);
+    Listed(dialog, QStringLiteral("a.qrn"));
+    auto* view = dialog.findChild<QTreeView*>(QStringLiteral("treeView"));
+    ASSERT_NE(view, nullptr);
+    const QAbstractItemView& items = *view;
+    for (int column = 1; column < view->header()->count(); ++column) {
+      EXPECT_GE(view->columnWidth(column), items.sizeHintForColumn(column)) << column;
+    }
+    EXPECT_LE(view->header()->length(), view->viewport()->width());
     Cancel(dialog);
   });
   EXPECT_EQ(chooser.AskOpenFile(Question(folder.filePath(QStringLiteral("a.qrn")))), QString());
