@@ -1,5 +1,5 @@
 #include <QDir>
-#include <QFileInfo>
+#include <QFile>
 #include <ostream>
 
 #include "e2e/starts.h"
@@ -129,12 +129,18 @@ void CutOffTheEnd(const QString& path) {
   ASSERT_TRUE(file.resize(bytes.indexOf(".END")));
 }
 
-void MakeTooLarge(const QString& path) {
-  constexpr int kLargest = 102400;
+constexpr int kLargest = 102400;
+
+void FillUpTo(const QString& path, qint64 size) {
   QFile file(path);
   ASSERT_TRUE(file.open(QIODevice::Append));
-  file.write(QByteArray(kLargest + 1 - file.size(), '\n'));
+  file.write(QByteArray(size - file.size(), '\n'));
 }
+
+void MakeTooLarge(const QString& path) { FillUpTo(path, kLargest + 1); }
+
+/// It can be read, but the working settings file may not become so large.
+void MakeLarge(const QString& path) { FillUpTo(path, kLargest); }
 
 void NameAWrongPort(const QString& path) {
   ASSERT_TRUE(UpdateValue(path, SettingsKey(u"COM_PORT="), QStringLiteral("COM100")));
@@ -153,6 +159,8 @@ constexpr char kNotLoaded[] = "Could not load file contents.";
 INSTANTIATE_TEST_SUITE_P(, StartWithBadFile,
                          ::testing::Values(BadFile{"NoEnd", &CutOffTheEnd, kInvalid, kNotLoaded},
                                            BadFile{"TooLarge", &MakeTooLarge, kInvalid, kNotLoaded},
+                                           BadFile{"Large", &MakeLarge, "Config file is invalid.",
+                                                   "Click \"OK\" to quit loading."},
                                            BadFile{"WrongPort", &NameAWrongPort, kInvalid, kNotLoaded},
                                            BadFile{"Missing", &Remove, "QRN file was not found.",
                                                    "Failed to load settings from QRN file."},

@@ -137,12 +137,16 @@ QRect Starts::Outer(const QString& window) {
   return inner.marginsAdded(Frame(window));
 }
 
-void Starts::ClickCloseBox(const QString& window) {
+void Starts::ClickCloseBox(const QString& window, const std::function<bool()>& until) {
+  constexpr int kPatienceMs = 1500;
   const QRect outer = Outer(window);
   const QMargins frame = Frame(window);
   // The last one in the title bar, about as wide as that is high.
   const int half = frame.top() / 2;
-  ClickOnScreen({outer.right() - frame.right() - half, outer.top() + half});
+  EXPECT_TRUE(Eventually([&] {
+    ClickOnScreen({outer.right() - frame.right() - half, outer.top() + half});
+    return Eventually(until, kPatienceMs);
+  })) << "the close box has no effect";
 }
 
 }  // namespace quarn::test

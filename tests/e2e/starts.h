@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QMargins>
+#include <functional>
 
 #include "e2e/accessible_windows.h"
 
@@ -43,8 +44,8 @@ class Starts : public AccessibleWindows {
   QMargins Frame(const QString& window);
   /// On the screen, with the frame.
   QRect Outer(const QString& window);
-  /// Clicks on the close box in the window's title bar.
-  void ClickCloseBox(const QString& window);
+  /// Clicks on the close box in the window's title bar, again as long as `until` does not hold.
+  void ClickCloseBox(const QString& window, const std::function<bool()>& until);
 
   const QString kWarning = QStringLiteral("^Quarn : Warning$");
   const QString kInformation = QStringLiteral("^Quarn : Information$");
