@@ -30,11 +30,26 @@ TEST_F(Reading, TheMainWindowsTextsFromTopToBottom) {
 TEST_F(Reading, TheMenusWithoutOpeningThem) {
   StartConnected("* -> line \"OK\"");
   ASSERT_TRUE(Eventually([this] { return SwitchSays("OFF"); }));
-  EXPECT_EQ(Menus(), (QStringList{QStringLiteral("File"), kTools}));
-  EXPECT_EQ(MenuItems(QStringLiteral("File")), QStringList{QStringLiteral("Exit")});
-  EXPECT_EQ(MenuItems(kTools), QStringList{kTerminalItem});
+  EXPECT_EQ(Menus(), (QStringList{QStringLiteral("File"), QStringLiteral("Port"), kTools,
+                                  QStringLiteral("Option"), QStringLiteral("Help")}));
+  EXPECT_EQ(MenuItems(QStringLiteral("File")),
+            (QStringList{QStringLiteral("Open"), QStringLiteral("Save"), QStringLiteral("Save As"),
+                         QStringLiteral("Close File"), QStringLiteral("Restore Defaults"),
+                         QStringLiteral("Exit")}));
+  EXPECT_EQ(MenuItems(QStringLiteral("Port")),
+            (QStringList{QStringLiteral("COM Port Number"), QStringLiteral("Detailed COM Port List"),
+                         QStringLiteral("Connect COM Port"), QStringLiteral("Disconnect COM Port"),
+                         QStringLiteral("COM Port Settings"), QStringLiteral("Reset Current COM Port")}));
+  EXPECT_EQ(MenuItems(kTools), (QStringList{kTerminalItem, QStringLiteral("Function Key Table")}));
+  EXPECT_EQ(MenuItems(QStringLiteral("Option")),
+            (QStringList{QStringLiteral("Command Format"), QStringLiteral("Terminal Screen Option"),
+                         QStringLiteral("Main Dialog Option")}));
+  EXPECT_EQ(MenuItems(QStringLiteral("Help")), QStringList{QStringLiteral("About")});
   EXPECT_TRUE(MenuItemEnabled(QStringLiteral("File"), QStringLiteral("Exit")));
   EXPECT_FALSE(MenuItemChecked(QStringLiteral("File"), QStringLiteral("Exit")));
+  EXPECT_FALSE(MenuItemEnabled(QStringLiteral("File"), QStringLiteral("Save")));
+  EXPECT_FALSE(MenuItemEnabled(QStringLiteral("Port"), QStringLiteral("Connect COM Port")));
+  EXPECT_TRUE(MenuItemEnabled(QStringLiteral("Port"), QStringLiteral("Disconnect COM Port")));
   EXPECT_FALSE(MenuItemEnabled(kTools, kTerminalItem));
 }
 

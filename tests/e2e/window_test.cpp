@@ -103,14 +103,5 @@ TEST_F(Window, ClearingTheLogAsksAndClears) {
   EXPECT_TRUE(TerminalTitleBecomes(QStringLiteral("Quarn - Terminal Screeen (COM3)  N- INS")));
 }
 
-TEST_F(Window, ClosingTheMainWindowEndsTheProgram) {
-  StartConnected("* -> line \"OK\"");
-  Focus(WaitForWindow(kMain));
-  Press({QStringLiteral("Return"), QStringLiteral("Escape"), QStringLiteral("alt+F4")});
-  ASSERT_TRUE(program.waitForFinished(20000));
-  EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);
-  EXPECT_EQ(program.exitCode(), 0);
-}
-
 }  // namespace
 }  // namespace quarn::test
