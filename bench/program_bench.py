@@ -22,7 +22,7 @@ class Display:
     def __init__(self):
         read, write = os.pipe()
         self.server = subprocess.Popen(
-            ["Xvfb", "-displayfd", str(write), "-screen", "0", "1920x1080x24", "-nolisten", "tcp"],
+            ["Xvfb", f":{100 + os.getpid() % 50000}", "-displayfd", str(write), "-screen", "0", "1920x1080x24", "-nolisten", "tcp"],
             pass_fds=[write], stderr=subprocess.DEVNULL)
         os.close(write)
         with os.fdopen(read) as announcement:

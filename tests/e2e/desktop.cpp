@@ -1,5 +1,6 @@
 #include "e2e/desktop.h"
 
+#include <QCoreApplication>
 #include <QRegularExpression>
 
 #include "settings/key_store.h"
@@ -13,16 +14,7 @@ constexpr int kDesktopMs = 60000;
 }  // namespace
 
 Desktop::Desktop() {
-  // The server chooses a free display and writes its number, so that tests can run side by side.
-  m_server.start(
-      QStringLiteral("Xvfb"),
-      {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"), QStringLiteral("0"),
-       QStringLiteral("1280x1024x24"), QStringLiteral("-nolisten"), QStringLiteral("tcp")});
-  QByteArray number;
-  while (!number.endsWith('\n') && m_server.waitForReadyRead(kToolMs))
-    number += m_server.readAllStandardOutput();
-  if (!number.endsWith('\n')) qFatal("no virtual display: %s", m_server.readAllStandardError().constData());
-  m_display = QLatin1Char(':') + QString::fromLatin1(number.trimmed());
+  if (!StartServer()) qFatal("no virtual display: %s", m_server.readAllStandardError().constData());
   m_manager.setProcessEnvironment(Environment());
   m_manager.setProcessChannelMode(QProcess::MergedChannels);
   const auto isThere = [this] {
@@ -35,6 +27,28 @@ Desktop::Desktop() {
         .contains("window id");
   };
   if (!Eventually(isThere, kDesktopMs)) qFatal("no window manager: %s", m_manager.readAll().constData());
+}
+
+bool Desktop::StartServer() {
+  // Servers that choose their displays themselves now and then choose the same one when they start at the
+  // same time. Tests that run side by side start from their process's number instead.
+  constexpr qint64 kFirst = 100;
+  constexpr qint64 kSpan = 50000;
+  for (int attempt = 0; attempt < 10; ++attempt) {
+    const qint64 number = kFirst + (QCoreApplication::applicationPid() + attempt * 997) % kSpan;
+    m_display = QLatin1Char(':') + QString::number(number);
+    m_server.start(QStringLiteral("Xvfb"),
+                   {m_display, QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"),
+                    QStringLiteral("0"), QStringLiteral("1280x1024x24"), QStringLiteral("-nolisten"),
+                    QStringLiteral("tcp")});
+    // It says its number when it is ready, and ends at once when the display is taken.
+    QByteArray said;
+    while (!said.endsWith('\n') && m_server.waitForReadyRead(kToolMs))
+      said += m_server.readAllStandardOutput();
+    if (said.endsWith('\n')) return true;
+    End(m_server);
+  }
+  return false;
 }
 
 Desktop::~Desktop() {

@@ -33,6 +33,8 @@ class Desktop {
   [[nodiscard]] QProcessEnvironment Environment() const;
 
  private:
+  bool StartServer();
+
   ChildProcess m_server;
   ChildProcess m_manager;
   QString m_display;
