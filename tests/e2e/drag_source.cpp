@@ -35,7 +35,7 @@ class Source : public QLabel {
     connect(drag, &QDrag::actionChanged, this,
             [](Qt::DropAction action) { Tell(action == Qt::IgnoreAction ? "refused" : "welcome"); });
     Tell("dragging");
-    Tell(drag->exec(Qt::CopyAction) == Qt::CopyAction ? "taken" : "not taken");
+    Tell(drag->exec(Qt::CopyAction) == Qt::CopyAction ? "taken" : "left");
   }
 };
 
