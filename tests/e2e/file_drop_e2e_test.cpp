@@ -59,10 +59,11 @@ TEST_F(Drop, OnlyTheFirstOfThreeFilesIsLoaded) {
   const QString second = UserFile(QStringLiteral("second.qrn"), port);
   const QString third = UserFile(QStringLiteral("third.qrn"), port);
   const QByteArray bytes = BytesOf(first);
-  StartWithoutTerminal("* -> line \"OK\"");
-  ASSERT_TRUE(StatusBecomes(kInternal));
+  PlugIn("* -> line \"OK\"");
+  StartProgram({third});
+  ASSERT_TRUE(FileInForceBecomes(third));
   ASSERT_TRUE(MainTitleBecomes(QStringLiteral("Quarn   (COM3)")));
-  DropOnMain({first});
+  DropOnMain({first, second, third});
   EXPECT_TRUE(Passes(QStringLiteral("QRN file was opened successfully.")));
   EXPECT_TRUE(Passes(kConnected));
   EXPECT_TRUE(FileInForceBecomes(first));
