@@ -1,0 +1,50 @@
+#include <QApplication>
+#include <QDrag>
+#include <QLabel>
+#include <QMimeData>
+#include <QMouseEvent>
+#include <QUrl>
+#include <cstdio>
+
+namespace {
+
+void Tell(const char* what) {
+  std::puts(what);
+  std::fflush(stdout);
+}
+
+/// A window of another program: pressed and moved, it drags the files named on the command line, and tells
+/// what becomes of them.
+class Source : public QLabel {
+ public:
+  Source() : QLabel(QStringLiteral("Drag me")) {
+    setWindowTitle(QStringLiteral("Drag Source"));
+    setFixedSize(160, 80);
+  }
+
+ protected:
+  void mousePressEvent(QMouseEvent* event) override { event->accept(); }
+  void mouseMoveEvent(QMouseEvent* event) override {
+    if (event->buttons() != Qt::LeftButton) return;
+    QList<QUrl> urls;
+    for (const QString& path : QApplication::arguments().mid(1)) urls.append(QUrl::fromLocalFile(path));
+    auto* files = new QMimeData;
+    files->setUrls(urls);
+    auto* drag = new QDrag(this);  // gone by itself after the drop
+    drag->setMimeData(files);
+    connect(drag, &QDrag::actionChanged, this,
+            [](Qt::DropAction action) { Tell(action == Qt::IgnoreAction ? "refused" : "welcome"); });
+    Tell("dragging");
+    Tell(drag->exec(Qt::CopyAction) == Qt::CopyAction ? "taken" : "left");
+  }
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  QApplication application(argc, argv);
+  Source source;
+  source.move(20, 850);
+  source.show();
+  return QApplication::exec();
+}
