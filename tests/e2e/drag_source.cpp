@@ -34,6 +34,8 @@ class Source : public QLabel {
     drag->setMimeData(files);
     connect(drag, &QDrag::actionChanged, this,
             [](Qt::DropAction action) { Tell(action == Qt::IgnoreAction ? "refused" : "welcome"); });
+    // After the drop the other program still fetches what was dropped; the drag is gone when it is done.
+    connect(drag, &QObject::destroyed, this, [] { Tell("over"); });
     Tell("dragging");
     Tell(drag->exec(Qt::CopyAction) == Qt::CopyAction ? "taken" : "left");
   }

@@ -39,8 +39,8 @@ class Drop : public Commands {
       return tells("welcome");
     })) << told.toStdString();
     desktop.Run(QStringLiteral("xdotool"), {QStringLiteral("mouseup"), QStringLiteral("1")});
-    EXPECT_TRUE(Eventually([&] { return tells("taken") || tells("left"); }));
-    EXPECT_TRUE(told.endsWith("taken\n")) << told.toStdString();
+    EXPECT_TRUE(Eventually([&] { return tells("over"); }));
+    EXPECT_TRUE(told.endsWith("taken\nover\n")) << told.toStdString();
     End(source);
   }
 
