@@ -40,8 +40,11 @@ class Files : public Commands {
     Replace();
   }
   bool ItemsForAFileInForce() {
-    const bool save = MenuItemEnabled(kFile, QStringLiteral("Save"));
-    EXPECT_TRUE(Eventually([&] { return MenuItemEnabled(kFile, QStringLiteral("Close File")) == save; }));
+    bool save = false;
+    EXPECT_TRUE(Eventually([&] {
+      save = MenuItemEnabled(kFile, QStringLiteral("Save"));
+      return MenuItemEnabled(kFile, QStringLiteral("Close File")) == save;
+    }));
     return save;
   }
   ::testing::AssertionResult HoldsTheSettingsInForce(const QString& path) {
