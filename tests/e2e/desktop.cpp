@@ -34,7 +34,7 @@ bool Desktop::StartServer() {
   // same time. Tests that run side by side start from their process's number instead.
   constexpr qint64 kFirst = 100;
   constexpr qint64 kSpan = 50000;
-  for (int attempt = 0; attempt < 10; ++attempt) {
+  for (qint64 attempt = 0; attempt < 10; ++attempt) {
     const qint64 number = kFirst + (QCoreApplication::applicationPid() + attempt * 997) % kSpan;
     m_display = QLatin1Char(':') + QString::number(number);
     m_server.start(QStringLiteral("Xvfb"),
