@@ -46,9 +46,9 @@ const std::vector<CQuarnDlg::MenuItem>& CQuarnDlg::MenuItems() {
       {Tools, Same, command::kTerminalScreen, "&Terminal Screen", "terminalScreen",
        [](Dlg& d) { d.OpenTerminalScreen(); }},
       {Tools, Same, command::kFunctionKeyTable, "&Function Key Table", "functionKeyTable", nullptr},
-      {Option, Same, command::kCommandFormat, "&Command Format", "commandFormat", nullptr},
-      {Option, Same, command::kScreenOption, "&Terminal Screen Option", "screenOption", nullptr},
-      {Option, Same, command::kMainOption, "&Main Dialog Option", "mainOption", nullptr},
+      {Option, Same, command::kCommandFormat, "Command Format  (&F)", "commandFormat", nullptr},
+      {Option, Same, command::kScreenOption, "Terminal Screen Option  (&T)", "screenOption", nullptr},
+      {Option, Same, command::kMainOption, "Main Dialog Option (&M)", "mainOption", nullptr},
       {Help, Same, command::kAbout, "&About", "about", [](Dlg& d) { d.ShowAbout(); }},
   };
   return items;
