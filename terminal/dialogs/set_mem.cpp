@@ -150,8 +150,9 @@ void CSetMem::KeepKeysInTheDialog() {
 void CSetMem::ShowTexts() {
   for (std::size_t i = 0; i < m_fields.size(); ++i) {
     const QString& text = m_table.EditText().at(i);
-    m_fields[i]->setMaxLength(m_table.Limit(static_cast<int>(i)));
-    // A field that shows its text already keeps its cursor.
+    const int limit = m_table.Limit(static_cast<int>(i));
+    // A field with nothing new keeps its cursor, which both calls would move.
+    if (m_fields[i]->maxLength() != limit) m_fields[i]->setMaxLength(limit);
     if (m_fields[i]->text() == AsStoredCommand(text)) continue;
     m_fields[i]->setText(text);
     m_fields[i]->setCursorPosition(0);

@@ -48,6 +48,11 @@ class MainDialog : public AppTest {
     return nullptr;
   }
 
+  QWidget* FunctionKeyTable() {
+    auto* table = dialog.findChild<QDialog*>(QStringLiteral("CSetMem"));
+    return table != nullptr && table->isVisible() ? table : nullptr;
+  }
+
   CQuarnDlg dialog{program};
 };
 
@@ -175,6 +180,51 @@ TEST_F(MainDialog, TwoQuickClicksLeaveOneTerminalScreen) {
   QTest::qWait(3 * PolledDialog::kTickMs);  // nothing that was asked of the first one hits the second
   EXPECT_NE(TerminalScreen(), nullptr);
   EXPECT_TRUE(program.state.open.terminalScreen);
+}
+
+TEST_F(MainDialog, OpensTheFunctionKeyTableOnce) {
+  dialog.StartTimer();
+  QAction* item = Action(32777);
+  EXPECT_TRUE(item->isEnabled());
+  item->trigger();
+  EXPECT_TRUE(program.state.open.functionKeyTable);
+  EXPECT_TRUE(program.state.requests.mainRefresh);
+  QWidget* table = FunctionKeyTable();
+  ASSERT_NE(table, nullptr);
+  EXPECT_TRUE(QTest::qWaitFor([&] { return !item->isEnabled(); }));
+  table->move(150, 90);
+  const QPoint place = table->pos();
+  table->close();
+  EXPECT_TRUE(QTest::qWaitFor([&] { return item->isEnabled() && FunctionKeyTable() == nullptr; }));
+  item->trigger();
+  ASSERT_NE(FunctionKeyTable(), nullptr);
+  EXPECT_EQ(FunctionKeyTable()->pos(), place);
+}
+
+TEST_F(MainDialog, TerminalScreenOpensTheFunctionKeyTable) {
+  QTest::mouseClick(&Switch(), Qt::LeftButton);
+  ASSERT_NE(TerminalScreen(), nullptr);
+  QAction* item = nullptr;
+  for (QAction* each : TerminalScreen()->findChildren<QAction*>()) {
+    if (each->text() == QStringLiteral("Function Key Table")) item = each;
+  }
+  ASSERT_NE(item, nullptr);
+  EXPECT_TRUE(item->isEnabled());
+  item->trigger();
+  item->trigger();
+  EXPECT_NE(FunctionKeyTable(), nullptr);
+  EXPECT_EQ(dialog.findChildren<QDialog*>(QStringLiteral("CSetMem")).size(), 1);
+}
+
+TEST_F(MainDialog, EndsWithoutAWordFromAFunctionKeyTableInEditMode) {
+  Action(32777)->trigger();
+  auto* edit = FunctionKeyTable()->findChild<QPushButton*>(QStringLiteral("EDIT"));
+  QTest::mouseClick(edit, Qt::LeftButton);
+  EXPECT_EQ(edit->text(), QStringLiteral("ENTER"));
+  dialog.close();
+  QApplication::closeAllWindows();
+  EXPECT_EQ(Happened(), QStringList());
+  EXPECT_EQ(FunctionKeyTable(), nullptr);
 }
 
 TEST_F(MainDialog, SwitchActsOnlyWithTheFocus) {
