@@ -53,6 +53,17 @@ class StoredCommandValidator final : public QValidator {
   }
 };
 
+QLineEdit* CreateField(QWidget* parent, int index, int controlId) {
+  auto* field = WithControlId(new QLineEdit(parent), controlId);
+  field->setObjectName(QStringLiteral("MEM%1").arg(index));
+  field->setAccessibleName(field->objectName());
+  // The commands are there to be read, also while they cannot be edited.
+  QPalette colours = field->palette();
+  colours.setColor(QPalette::Disabled, QPalette::Text, colours.color(QPalette::Active, QPalette::WindowText));
+  field->setPalette(colours);
+  return field;
+}
+
 QPushButton* CreateButton(QWidget* parent, const QString& text, int controlId, QSize size) {
   auto* button = WithControlId(new QPushButton(text, parent), controlId);
   button->setObjectName(text);
@@ -103,9 +114,7 @@ void CSetMem::CreateRows(QBoxLayout& column) {
     const auto i = static_cast<std::size_t>(index);
     auto* key = CreateButton(this, QStringLiteral("F%1").arg(index + 1), kRows[i].buttonId, keySize);
     connect(key, &QPushButton::clicked, this, [this, index] { PressFunctionButton(index); });
-    auto* field = WithControlId(new QLineEdit(this), kRows[i].fieldId);
-    field->setObjectName(QStringLiteral("MEM%1").arg(index));
-    field->setAccessibleName(field->objectName());
+    QLineEdit* field = CreateField(this, index, kRows[i].fieldId);
     field->setValidator(validator);
     field->setFixedWidth(grid.Width(kFieldWidth));
     field->setMinimumHeight(keySize.height());

@@ -19,6 +19,9 @@ TEST_F(SetMem, OpensWithTheStoredCommands) {
   EXPECT_EQ(ShownTexts(), Listed(settings.mem));
   EXPECT_EQ(EnabledControls(), "keys OK SEND ");
   EXPECT_EQ(QApplication::focusWidget(), &Command(kOk));
+  EXPECT_EQ(Field(0).palette().color(QPalette::Disabled, QPalette::Text),
+            dialog->palette().color(QPalette::Active, QPalette::WindowText))
+      << "the commands can be read";
 }
 
 TEST_F(SetMem, NamesItsControls) {
