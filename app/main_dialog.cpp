@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "settings/path_display.h"
+#include "terminal/dialogs/set_mem.h"
 #include "terminal/dialogs/terminal_screen.h"
 #include "terminal/terminal_title.h"
 #include "ui/control.h"
@@ -83,9 +84,10 @@ void CQuarnDlg::OpenTerminalScreen() {
   // One that was told to close may not have looked yet.
   if (m_terminalScreen) m_terminalScreen->close();
   m_program.state.open.terminalScreen = true;
-  m_terminalScreen = new CTerminalScreen(
-      this, {m_program.settings, m_program.connection, m_program.state, m_program.engine, m_program.log,
-             m_program.commandLine, *m_program.messages, m_program.savedTerminalRect});
+  m_terminalScreen =
+      new CTerminalScreen(this, {m_program.settings, m_program.connection, m_program.state, m_program.engine,
+                                 m_program.log, m_program.commandLine, *m_program.messages,
+                                 m_program.savedTerminalRect, [this] { OpenFunctionKeyTable(); }});
   m_terminalScreen->show();
   m_switch->setText(QStringLiteral("OFF"));
   m_program.state.requests.mainRefresh = true;
@@ -99,6 +101,14 @@ void CQuarnDlg::ToggleTerminalScreen() {
   m_program.state.open.terminalScreen = false;
   m_program.state.requests.terminalClose = true;
   m_switch->setText(QStringLiteral("ON"));
+  m_program.state.requests.mainRefresh = true;
+}
+
+void CQuarnDlg::OpenFunctionKeyTable() {
+  if (m_program.state.open.functionKeyTable) return;
+  m_functionKeyTable = new CSetMem(this, {m_program.settings, m_program.workingSettingsFile, m_program.state,
+                                          *m_program.messages, m_program.savedFunctionTableRect});
+  m_functionKeyTable->show();
   m_program.state.requests.mainRefresh = true;
 }
 
@@ -174,7 +184,10 @@ void CQuarnDlg::closeEvent(QCloseEvent* event) {
     return;
   }
   PolledDialog::closeEvent(event);
-  if (event->isAccepted()) QApplication::quit();
+  if (!event->isAccepted()) return;
+  // The end asks every window that is shown to close; one in edit mode would only say no.
+  if (m_functionKeyTable) m_functionKeyTable->hide();
+  QApplication::quit();
 }
 
 void CQuarnDlg::dragEnterEvent(QDragEnterEvent* event) {

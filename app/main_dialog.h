@@ -18,6 +18,7 @@ class QPushButton;
 
 namespace quarn {
 
+class CSetMem;
 class CTerminalScreen;
 
 /// The control window: Terminal Screen switch, status line and menus.
@@ -54,6 +55,7 @@ class CQuarnDlg final : public PolledDialog, public MainWindow {
   void CreateControls();
   void Refresh();
   void ToggleTerminalScreen();
+  void OpenFunctionKeyTable();
   void ShowAbout();
   void PlaceAgainWithFrame();
   [[nodiscard]] bool IsForThisWindow(const QObject* receiver) const;
@@ -64,6 +66,7 @@ class CQuarnDlg final : public PolledDialog, public MainWindow {
   PortMonitor m_monitor;
   HeldPause m_pause;
   QPointer<CTerminalScreen> m_terminalScreen;
+  QPointer<CSetMem> m_functionKeyTable;
   QMenuBar* m_menuBar = nullptr;
   std::vector<QAction*> m_actions;  ///< as in MenuItems
   QPushButton* m_switch = nullptr;

@@ -45,10 +45,11 @@ const std::vector<CQuarnDlg::MenuItem>& CQuarnDlg::MenuItems() {
        [](Dlg& d) { Reset(d.m_program, d, d.m_pause); }},
       {Tools, Same, command::kTerminalScreen, "&Terminal Screen", "terminalScreen",
        [](Dlg& d) { d.OpenTerminalScreen(); }},
-      {Tools, Same, command::kFunctionKeyTable, "&Function Key Table", "functionKeyTable", nullptr},
-      {Option, Same, command::kCommandFormat, "&Command Format", "commandFormat", nullptr},
-      {Option, Same, command::kScreenOption, "&Terminal Screen Option", "screenOption", nullptr},
-      {Option, Same, command::kMainOption, "&Main Dialog Option", "mainOption", nullptr},
+      {Tools, Same, command::kFunctionKeyTable, "&Function Key Table", "functionKeyTable",
+       [](Dlg& d) { d.OpenFunctionKeyTable(); }},
+      {Option, Same, command::kCommandFormat, "Command Format  (&F)", "commandFormat", nullptr},
+      {Option, Same, command::kScreenOption, "Terminal Screen Option  (&T)", "screenOption", nullptr},
+      {Option, Same, command::kMainOption, "Main Dialog Option (&M)", "mainOption", nullptr},
       {Help, Same, command::kAbout, "&About", "about", [](Dlg& d) { d.ShowAbout(); }},
   };
   return items;

@@ -37,6 +37,7 @@ struct Program {
   OperationLog log;
   CommandLine commandLine;
   QRect savedTerminalRect;
+  QRect savedFunctionTableRect;
 
   const std::unique_ptr<SerialLineOpener> opener;
   const std::unique_ptr<PortSource> portSource;

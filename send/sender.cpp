@@ -36,6 +36,8 @@ class StandardErrorMessages final : public MessageOperations {
     return false;
   }
   bool AskYesNo(const QString&, const QString&, const QString&, const QString&) override { return false; }
+  bool AskSimple(const QString&) override { return false; }
+  bool AskSimpleYesNo(const QString&) override { return false; }
   void ShowTransientMessage(const QString& text, std::optional<QPoint>) override { Complain(text); }
   void ShowPlainMessage(const QString& text) override { Complain(text); }
 };

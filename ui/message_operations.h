@@ -26,6 +26,10 @@ class MessageOperations {
   /// YES and NO. True only when YES was pressed.
   virtual bool AskYesNo(const QString& captionSuffix, const QString& line0, const QString& line1,
                         const QString& line2) = 0;
+  /// One line with OK and CANCEL, under a caption of its own. True only when OK was pressed.
+  virtual bool AskSimple(const QString& text) = 0;
+  /// One line with YES and NO, under a caption of its own. True only when YES was pressed.
+  virtual bool AskSimpleYesNo(const QString& text) = 0;
   /// One line that goes away by itself after 2000 ms; centred, or at `position` (screen coordinates).
   virtual void ShowTransientMessage(const QString& text, std::optional<QPoint> position = {}) = 0;
   /// A plain box with the program's name as caption and one OK button.

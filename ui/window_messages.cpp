@@ -37,6 +37,18 @@ bool WindowMessages::AskYesNo(const QString& captionSuffix, const QString& line0
   return box.Answer() == 1;
 }
 
+bool WindowMessages::AskSimple(const QString& text) {
+  CConfirmSimple box(Owner(), text);
+  box.exec();
+  return box.Answer() == 1;
+}
+
+bool WindowMessages::AskSimpleYesNo(const QString& text) {
+  CYesNo box(Owner(), text);
+  box.exec();
+  return box.Answer() == 1;
+}
+
 void WindowMessages::ShowTransientMessage(const QString& text, std::optional<QPoint> position) {
   COneshotMsgPos(Owner(), text, position).exec();
 }

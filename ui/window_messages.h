@@ -15,6 +15,8 @@ class WindowMessages final : public MessageOperations {
                        const QString& line2) override;
   bool AskYesNo(const QString& captionSuffix, const QString& line0, const QString& line1,
                 const QString& line2) override;
+  bool AskSimple(const QString& text) override;
+  bool AskSimpleYesNo(const QString& text) override;
   void ShowTransientMessage(const QString& text, std::optional<QPoint> position) override;
   void ShowPlainMessage(const QString& text) override;
 };

@@ -123,9 +123,12 @@ void CTerminalScreen::CreateMenu() {
   m_menu->addAction(QStringLiteral("Copy Log - All "), this, [copy] { copy(&OperationLog::CopyLogAll); });
   m_menu->addAction(QStringLiteral("Clear All Log Entries "), this, [this] { ClearAllLogEntries(); });
   m_menu->addSeparator();
-  m_menu->addAction(QStringLiteral("Function Key Table"))->setEnabled(false);
+  const auto open = [this](const QString& text, const std::function<void()>& dialog) {
+    m_menu->addAction(text, this, [&dialog] { dialog(); })->setEnabled(dialog != nullptr);
+  };
+  open(QStringLiteral("Function Key Table"), m_context.openFunctionKeyTable);
   m_menu->addSeparator();
-  m_menu->addAction(QStringLiteral("Option"))->setEnabled(false);
+  open(QStringLiteral("Option"), m_context.openScreenOption);
 }
 
 void CTerminalScreen::ApplyLayout() {

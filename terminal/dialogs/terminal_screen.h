@@ -4,6 +4,7 @@
 #include <QPushButton>
 #include <QRect>
 #include <array>
+#include <functional>
 #include <vector>
 
 #include "settings/settings_record.h"
@@ -32,6 +33,9 @@ struct TerminalScreenContext {
   CommandLine& commandLine;
   MessageOperations& messages;
   QRect& savedWindowRect;
+  /// Open the dialogs of its menu unless they are open; empty: the item is disabled.
+  std::function<void()> openFunctionKeyTable = {};
+  std::function<void()> openScreenOption = {};
 };
 
 /// The window in which commands are typed and the log is read. Modeless; deletes itself when closed.

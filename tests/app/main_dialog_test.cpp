@@ -48,6 +48,11 @@ class MainDialog : public AppTest {
     return nullptr;
   }
 
+  QWidget* FunctionKeyTable() {
+    auto* table = dialog.findChild<QDialog*>(QStringLiteral("CSetMem"));
+    return table != nullptr && table->isVisible() ? table : nullptr;
+  }
+
   CQuarnDlg dialog{program};
 };
 
@@ -72,7 +77,8 @@ TEST_F(MainDialog, HasTheMenusInTheirOrder) {
           ("Port: 32791 COM Port Number, 32792 Detailed COM Port List, -, 32805 Connect COM Port, 32801 "
            "Disconnect COM Port, -, 32783 COM Port Settings, 32789 Reset Current COM Port"),
           "Tools: 32772 Terminal Screen, 32777 Function Key Table",
-          "Option: 32775 Command Format, 32779 Terminal Screen Option, 32790 Main Dialog Option",
+          "Option: 32775 Command Format  (F), 32779 Terminal Screen Option  (T), 32790 Main Dialog Option "
+          "(M)",
           "Help: 57667 About",
       }));
 }
@@ -174,6 +180,59 @@ TEST_F(MainDialog, TwoQuickClicksLeaveOneTerminalScreen) {
   QTest::qWait(3 * PolledDialog::kTickMs);  // nothing that was asked of the first one hits the second
   EXPECT_NE(TerminalScreen(), nullptr);
   EXPECT_TRUE(program.state.open.terminalScreen);
+}
+
+TEST_F(MainDialog, OpensTheFunctionKeyTableOnce) {
+  dialog.StartTimer();
+  QAction* item = Action(32777);
+  EXPECT_TRUE(item->isEnabled());
+  item->trigger();
+  EXPECT_TRUE(program.state.open.functionKeyTable);
+  EXPECT_TRUE(program.state.requests.mainRefresh);
+  QWidget* table = FunctionKeyTable();
+  ASSERT_NE(table, nullptr);
+  EXPECT_TRUE(QTest::qWaitFor([&] { return !item->isEnabled(); }));
+  table->move(150, 90);
+  const QPoint place = table->pos();
+  table->close();
+  EXPECT_TRUE(QTest::qWaitFor([&] { return item->isEnabled() && FunctionKeyTable() == nullptr; }));
+  item->trigger();
+  ASSERT_NE(FunctionKeyTable(), nullptr);
+  EXPECT_EQ(FunctionKeyTable()->pos(), place);
+}
+
+TEST_F(MainDialog, TerminalScreenOpensTheFunctionKeyTable) {
+  QTest::mouseClick(&Switch(), Qt::LeftButton);
+  ASSERT_NE(TerminalScreen(), nullptr);
+  QAction* item = nullptr;
+  for (QAction* each : TerminalScreen()->findChildren<QAction*>()) {
+    if (each->text() == QStringLiteral("Function Key Table")) item = each;
+  }
+  ASSERT_NE(item, nullptr);
+  EXPECT_TRUE(item->isEnabled());
+  item->trigger();
+  item->trigger();
+  EXPECT_NE(FunctionKeyTable(), nullptr);
+  EXPECT_EQ(dialog.findChildren<QDialog*>(QStringLiteral("CSetMem")).size(), 1);
+}
+
+TEST_F(MainDialog, EndsWithoutAWordFromAFunctionKeyTableInEditMode) {
+  Action(32777)->trigger();
+  auto* edit = FunctionKeyTable()->findChild<QPushButton*>(QStringLiteral("EDIT"));
+  QTest::mouseClick(edit, Qt::LeftButton);
+  EXPECT_EQ(edit->text(), QStringLiteral("ENTER"));
+  dialog.close();
+  QApplication::closeAllWindows();
+  EXPECT_EQ(Happened(), QStringList());
+  EXPECT_EQ(FunctionKeyTable(), nullptr);
+}
+
+TEST_F(MainDialog, ANewTerminalScreenSendsNothingThatWasAskedBefore) {
+  program.state.requests.send = true;
+  program.state.requests.sendAction = true;
+  dialog.OpenTerminalScreen();
+  EXPECT_FALSE(program.state.requests.send);
+  EXPECT_FALSE(program.state.requests.sendAction);
 }
 
 TEST_F(MainDialog, SwitchActsOnlyWithTheFocus) {

@@ -27,6 +27,14 @@ class NotedMessages final : public MessageOperations {
     m_journal.Note("yes or no");
     return false;
   }
+  bool AskSimple(const QString&) override {
+    m_journal.Note("simple question");
+    return false;
+  }
+  bool AskSimpleYesNo(const QString&) override {
+    m_journal.Note("simple yes or no");
+    return false;
+  }
   void ShowTransientMessage(const QString&, std::optional<QPoint>) override { m_journal.Note("transient"); }
   void ShowPlainMessage(const QString& text) override { m_journal.Note("plain: " + text.toStdString()); }
 

@@ -35,6 +35,14 @@ class RecordedMessages final : public MessageOperations {
     Record(QStringLiteral("yes or no"), {captionSuffix, line0, line1, line2});
     return NextAnswer();
   }
+  bool AskSimple(const QString& text) override {
+    Record(QStringLiteral("simple question"), {text});
+    return NextAnswer();
+  }
+  bool AskSimpleYesNo(const QString& text) override {
+    Record(QStringLiteral("simple yes or no"), {text});
+    return NextAnswer();
+  }
   void ShowTransientMessage(const QString& text, std::optional<QPoint> /*position*/) override {
     Record(QStringLiteral("transient"), {text});
   }

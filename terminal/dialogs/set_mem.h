@@ -1,0 +1,68 @@
+#pragma once
+
+#include <QRect>
+#include <QString>
+#include <array>
+
+#include "settings/settings_record.h"
+#include "terminal/function_key_table.h"
+#include "ui/message_operations.h"
+#include "ui/polled_dialog.h"
+#include "ui/shared_state.h"
+
+class QBoxLayout;
+class QKeyEvent;
+class QLineEdit;
+class QPushButton;
+
+namespace quarn {
+
+/// What the Function Key Table works on. All of it outlives the window.
+struct FunctionKeyTableContext {
+  SettingsRecord& settings;
+  const QString& workingSettingsFile;
+  SharedState& state;
+  MessageOperations& messages;
+  QRect& savedWindowRect;
+};
+
+/// The ten stored commands: shown, edited, saved, and handed to the Terminal Screen through its requests.
+/// Modeless; deletes itself when closed. It sets and clears its open flag.
+class CSetMem final : public PolledDialog {
+ public:
+  CSetMem(QWidget* owner, const FunctionKeyTableContext& context);
+
+ protected:
+  void OnTick() override;
+  bool eventFilter(QObject* receiver, QEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void closeEvent(QCloseEvent* event) override;
+
+ private:
+  void CreateRows(QBoxLayout& column);
+  void CreateButtons(QBoxLayout& column);
+  void KeepKeysInTheDialog();
+  void ShowTexts();
+  void ShowState();
+
+  bool HandleKey(const QKeyEvent& event);
+  void PressFunctionButton(int index);
+  void RequestStoredCommand(int index);
+  void Send();
+  void ToggleEditing();
+  void Undo();
+  void Save();
+
+  FunctionKeyTableContext m_context;
+  FunctionKeyTable m_table;
+  std::array<QPushButton*, kStoredCommandCount> m_keys{};
+  std::array<QLineEdit*, kStoredCommandCount> m_fields{};
+  QPushButton* m_undo = nullptr;
+  QPushButton* m_save = nullptr;
+  QPushButton* m_edit = nullptr;
+  QPushButton* m_ok = nullptr;
+  QPushButton* m_send = nullptr;
+  int m_calls = 0;  ///< own operations under way that run an event loop: the window must outlive them
+};
+
+}  // namespace quarn

@@ -1,0 +1,276 @@
+#include "windows/set_mem_fixture.h"
+
+namespace quarn::test {
+namespace {
+
+const QString kUndoQuestion = QStringLiteral("simple question/OK to discard the updated data ?");
+const QString kSaveQuestion = QStringLiteral("simple yes or no/Is it OK to save the updated data ?");
+const QString kWarning = QStringLiteral("information/: Warning/Quit \"EDIT\" mode to close this dialog.//");
+
+class SetMem : public SetMemFixture {};
+
+TEST_F(SetMem, OpensWithTheStoredCommands) {
+  settings.mem[4] = QString();
+  OpenTable();
+  EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Quarn - Function Key Table"));
+  EXPECT_TRUE(state.open.functionKeyTable);
+  EXPECT_FALSE(dialog->isModal());
+  EXPECT_TRUE(dialog->testAttribute(Qt::WA_DeleteOnClose));
+  EXPECT_EQ(ShownTexts(), Listed(settings.mem));
+  EXPECT_EQ(EnabledControls(), "keys OK SEND ");
+  EXPECT_EQ(QApplication::focusWidget(), &Command(kOk));
+  EXPECT_EQ(Field(0).palette().color(QPalette::Disabled, QPalette::Text),
+            dialog->palette().color(QPalette::Active, QPalette::WindowText))
+      << "the commands can be read";
+}
+
+TEST_F(SetMem, NamesItsControls) {
+  OpenTable();
+  for (int i = 0; i < 10; ++i) {
+    EXPECT_EQ(Field(i).accessibleName(), QStringLiteral("MEM%1").arg(i));
+    EXPECT_EQ(Field(i).objectName(), QStringLiteral("MEM%1").arg(i));
+    EXPECT_EQ(Key(i + 1).text(), QStringLiteral("F%1").arg(i + 1));
+  }
+  const std::array<std::pair<int, const char*>, 5> commands{
+      {{kUndo, "UNDO"}, {kSave, "SAVE"}, {kEdit, "EDIT"}, {kOk, "OK"}, {kSend, "SEND"}}};
+  for (const auto& [id, text] : commands) {
+    EXPECT_EQ(Command(id).text(), QLatin1String(text));
+    EXPECT_EQ(Command(id).objectName(), QLatin1String(text));
+    EXPECT_TRUE(Command(id).isVisible());
+  }
+}
+
+TEST_F(SetMem, EditSwitchesTheMode) {
+  OpenTable();
+  ClickCommand(kEdit);
+  EXPECT_EQ(Command(kEdit).text(), QStringLiteral("ENTER"));
+  EXPECT_EQ(EnabledControls(), "fields UNDO ");
+  EXPECT_FALSE(state.requests.terminalRefresh);
+  ClickCommand(kEdit);
+  EXPECT_EQ(Command(kEdit).text(), QStringLiteral("EDIT"));
+  EXPECT_EQ(EnabledControls(), "keys OK SEND ");
+  EXPECT_TRUE(state.requests.terminalRefresh);
+}
+
+TEST_F(SetMem, EditsAreInForceAtOnceAndUndoTakesThemBack) {
+  OpenTable();
+  const QByteArray before = FileBytes();
+  Edit(3, "new text");
+  EXPECT_EQ(settings.mem[3], QStringLiteral("new text"));
+  EXPECT_EQ(FileBytes(), before);
+  EXPECT_EQ(EnabledControls(), "keys UNDO SAVE OK SEND ");
+  messages.answers = {false, true};
+  state.requests.terminalRefresh = false;
+  ClickCommand(kUndo);
+  EXPECT_EQ(Shown(), QStringList{kUndoQuestion});
+  EXPECT_EQ(settings.mem[3], QStringLiteral("new text"));
+  EXPECT_FALSE(state.requests.terminalRefresh);
+  ClickCommand(kUndo);
+  EXPECT_EQ(Shown(), QStringList{kUndoQuestion});
+  EXPECT_EQ(settings.mem[3], QStringLiteral("function-4"));
+  EXPECT_EQ(Field(3).text(), QStringLiteral("function-4"));
+  EXPECT_TRUE(state.requests.terminalRefresh);
+  EXPECT_EQ(EnabledControls(), "keys SAVE OK SEND ");
+  EXPECT_EQ(FileBytes(), before);
+}
+
+TEST_F(SetMem, UndoInEditModeCountsTheFields) {
+  OpenTable();
+  ClickCommand(kEdit);
+  ClickCommand(kUndo);
+  EXPECT_EQ(Shown(), QStringList()) << "nothing differs yet";
+  Retype(0, "x");
+  messages.answers = {true};
+  ClickCommand(kUndo);
+  EXPECT_EQ(Shown(), QStringList{kUndoQuestion});
+  EXPECT_EQ(Field(0).text(), QStringLiteral("function-1"));
+  EXPECT_EQ(EnabledControls(), "fields ");
+}
+
+TEST_F(SetMem, SaveWritesOnlyTheStoredCommands) {
+  OpenTable();
+  Edit(3, "*RST;A=B");
+  const QByteArray before = FileBytes();
+  messages.answers = {false, true};
+  ClickCommand(kSave);
+  EXPECT_EQ(FileBytes(), before);
+  ClickCommand(kSave);
+  EXPECT_EQ(Shown(), (QStringList{kSaveQuestion, kSaveQuestion}));
+  EXPECT_EQ(FileBytes(), QByteArray(before).replace("MEM3=function-4\r\n", "MEM3=*RST;A=B\r\n"));
+  ClickCommand(kSave);
+  ClickCommand(kUndo);
+  EXPECT_EQ(Shown(), QStringList()) << "nothing changed since";
+}
+
+TEST_F(SetMem, SaveAfterUndoAsksNothing) {
+  OpenTable();
+  const QByteArray before = FileBytes();
+  Edit(3, "x");
+  messages.answers = {true};
+  ClickCommand(kUndo);
+  ClickCommand(kSave);
+  EXPECT_EQ(Shown(), QStringList{kUndoQuestion});
+  EXPECT_EQ(FileBytes(), before);
+}
+
+TEST_F(SetMem, OkClosesAndTheNextOneStandsInItsPlace) {
+  OpenTable();
+  dialog->move(120, 80);
+  const QRect place = dialog->frameGeometry();
+  ClickCommand(kOk);
+  EXPECT_FALSE(state.open.functionKeyTable);
+  EXPECT_TRUE(state.requests.mainRefresh);
+  EXPECT_EQ(tableRect, place);
+  EXPECT_TRUE(Until([this] { return dialog.isNull(); }));
+  OpenTable();
+  EXPECT_EQ(dialog->frameGeometry(), place);
+}
+
+TEST_F(SetMem, RefusesToCloseInEditMode) {
+  OpenTable();
+  ClickCommand(kEdit);
+  dialog->close();
+  EXPECT_EQ(Shown(), QStringList{kWarning});
+  EXPECT_TRUE(dialog->isVisible());
+  EXPECT_TRUE(state.open.functionKeyTable);
+  EXPECT_TRUE(tableRect.isNull());
+  ClickCommand(kEdit);
+  dialog->close();
+  EXPECT_EQ(Shown(), QStringList());
+  EXPECT_FALSE(state.open.functionKeyTable);
+}
+
+TEST_F(SetMem, ClosesOnRequestButNotInEditMode) {
+  OpenTable();
+  ClickCommand(kEdit);
+  state.requests.functionTableClose = true;
+  ASSERT_TRUE(Until([this] { return !messages.shown.isEmpty(); }));
+  EXPECT_EQ(Shown(), QStringList{kWarning});
+  Tick();
+  EXPECT_EQ(Shown(), QStringList()) << "it warns once for each request";
+  EXPECT_TRUE(dialog->isVisible());
+  ClickCommand(kEdit);
+  state.requests.functionTableClose = true;
+  ASSERT_TRUE(Until([this] { return dialog.isNull(); }));
+  EXPECT_FALSE(state.requests.functionTableClose);
+  EXPECT_FALSE(state.open.functionKeyTable);
+}
+
+TEST_F(SetMem, ReloadsOnRequest) {
+  OpenTable();
+  Edit(1, "mine");
+  settings.mem.fill(QStringLiteral("new"));
+  state.requests.functionTableReload = true;
+  ASSERT_TRUE(Until([this] { return !state.requests.functionTableReload; }));
+  EXPECT_EQ(ShownTexts(), Listed(settings.mem));
+  EXPECT_EQ(EnabledControls(), "keys OK SEND ");
+}
+
+TEST_F(SetMem, ReloadLeavesWhatIsBeingTyped) {
+  OpenTable();
+  ClickCommand(kEdit);
+  Retype(1, "mine");
+  Field(1).setCursorPosition(2);
+  settings.mem.fill(QStringLiteral("new"));
+  state.requests.functionTableReload = true;
+  ASSERT_TRUE(Until([this] { return !state.requests.functionTableReload; }));
+  EXPECT_EQ(Field(0).text(), QStringLiteral("new"));
+  EXPECT_EQ(Field(1).text(), QStringLiteral("mine"));
+  EXPECT_EQ(Field(1).cursorPosition(), 2);
+  EXPECT_EQ(EnabledControls(), "fields UNDO ");
+}
+
+TEST_F(SetMem, RequestsFromBeforeItWasOpenedDoNotConcernIt) {
+  state.requests.functionTableClose = true;
+  state.requests.functionTableReload = true;
+  OpenTable();
+  Tick();
+  EXPECT_TRUE(dialog && dialog->isVisible());
+}
+
+TEST_F(SetMem, RequestsWaitUntilItsMessageIsGone) {
+  OpenTable();
+  Edit(0, "mine");
+  messages.answers = {true};
+  messages.whileShown = [this] {
+    state.requests.functionTableClose = true;
+    Tick();
+    EXPECT_TRUE(dialog && dialog->isVisible());
+    dialog->close();
+    EXPECT_TRUE(dialog->isVisible());
+  };
+  ClickCommand(kSave);
+  EXPECT_EQ(Shown(), QStringList{kSaveQuestion});
+  EXPECT_EQ(ReadValue(m_file, keys::kMem[0]), QStringLiteral("mine"));
+  messages.whileShown = nullptr;
+  EXPECT_TRUE(Until([this] { return dialog.isNull(); }));
+}
+
+TEST_F(SetMem, TheWarningIsShownOnce) {
+  OpenTable();
+  ClickCommand(kEdit);
+  messages.whileShown = [this] {
+    messages.whileShown = nullptr;
+    state.requests.functionTableClose = true;
+    dialog->close();
+    Tick();
+    EXPECT_EQ(messages.shown.size(), 1);
+  };
+  dialog->close();
+  EXPECT_TRUE(dialog->isVisible());
+}
+
+TEST_F(SetMem, FieldsHoldTheLongestCommandAndNoLineBreak) {
+  OpenTable();
+  ClickCommand(kEdit);
+  Retype(0, std::string(70, 'x').c_str());
+  EXPECT_EQ(Field(0).text(), QString(64, u'x'));
+  QApplication::clipboard()->setText(QStringLiteral("one\r\ntwo\nthree"));
+  ClickOn(Field(1));
+  Field(1).selectAll();
+  QTest::keyClick(&Field(1), Qt::Key_V, Qt::ControlModifier);
+  EXPECT_EQ(Field(1).text(), QStringLiteral("onetwothree"));
+  ClickCommand(kEdit);
+  EXPECT_EQ(settings.mem[1], QStringLiteral("onetwothree"));
+  messages.answers = {true};
+  const QByteArray before = FileBytes();
+  ClickCommand(kSave);
+  EXPECT_EQ(FileBytes(), QByteArray(before)
+                             .replace("MEM0=function-1\r\n", "MEM0=" + QByteArray(64, 'x') + "\r\n")
+                             .replace("MEM1=function-2\r\n", "MEM1=onetwothree\r\n"));
+}
+
+TEST_F(SetMem, LongTextsFromAFileAreNotCut) {
+  settings.mem[8] = QString(100, u'y');
+  OpenTable();
+  EXPECT_EQ(Field(8).text().size(), 100);
+  EXPECT_EQ(Field(8).cursorPosition(), 0);
+  ClickCommand(kEdit);
+  ClickCommand(kEdit);
+  EXPECT_EQ(settings.mem[8].size(), 100);
+}
+
+TEST_F(SetMem, ClipsNothingInAnyMode) {
+  for (const int percent : {100, 150}) {
+    const FontScale scale(percent);
+    OpenTable();
+    for (int mode = 0; mode < 2; ++mode, ClickCommand(kEdit)) {
+      for (const QPushButton* button : dialog->findChildren<QPushButton*>()) {
+        const QString text = button->text();
+        EXPECT_GE(button->height(), button->sizeHint().height()) << text.toStdString();
+        EXPECT_GT(button->width(), button->fontMetrics().horizontalAdvance(text) + 8) << text.toStdString();
+        EXPECT_TRUE(dialog->rect().contains(button->geometry())) << text.toStdString();
+      }
+      for (int i = 0; i < 10; ++i) {
+        EXPECT_GE(Field(i).height(), Field(i).sizeHint().height());
+        EXPECT_GE(Field(i).width(), 50 * Field(i).fontMetrics().averageCharWidth());
+        EXPECT_TRUE(dialog->rect().contains(Field(i).geometry()));
+        EXPECT_EQ(Field(i).geometry().center().y(), Key(i + 1).geometry().center().y());
+      }
+    }
+    delete dialog.data();
+  }
+}
+
+}  // namespace
+}  // namespace quarn::test
