@@ -84,6 +84,9 @@ void CQuarnDlg::OpenTerminalScreen() {
   // One that was told to close may not have looked yet.
   if (m_terminalScreen) m_terminalScreen->close();
   m_program.state.open.terminalScreen = true;
+  // What was to be sent while there was no command line to be seen is not sent now.
+  m_program.state.requests.send = false;
+  m_program.state.requests.sendAction = false;
   m_terminalScreen =
       new CTerminalScreen(this, {m_program.settings, m_program.connection, m_program.state, m_program.engine,
                                  m_program.log, m_program.commandLine, *m_program.messages,
