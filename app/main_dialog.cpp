@@ -83,9 +83,11 @@ void CQuarnDlg::OpenTerminalScreen() {
   // One that was told to close may not have looked yet.
   if (m_terminalScreen) m_terminalScreen->close();
   m_program.state.open.terminalScreen = true;
-  m_terminalScreen = new CTerminalScreen(
-      this, {m_program.settings, m_program.connection, m_program.state, m_program.engine, m_program.log,
-             m_program.commandLine, *m_program.messages, m_program.savedTerminalRect});
+  TerminalScreenContext context{
+      m_program.settings, m_program.connection,  m_program.state,     m_program.engine,
+      m_program.log,      m_program.commandLine, *m_program.messages, m_program.savedTerminalRect};
+  context.openScreenOption = [this] { OpenScreenOption(); };
+  m_terminalScreen = new CTerminalScreen(this, context);
   m_terminalScreen->show();
   m_switch->setText(QStringLiteral("OFF"));
   m_program.state.requests.mainRefresh = true;
@@ -105,6 +107,7 @@ void CQuarnDlg::ToggleTerminalScreen() {
 void CQuarnDlg::OnTick() {
   if (std::exchange(m_program.state.requests.mainRefresh, false)) Refresh();
   PlaceAgainWithFrame();
+  PlaceCommandFormatWithFrame();
   m_monitor.Tick();
 }
 
