@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <QDateTime>
+#include <QFile>
 #include <QPointer>
 #include <QTemporaryDir>
 #include <QTest>
@@ -27,6 +29,7 @@ class DialogFixture : public ::testing::Test {
     EXPECT_TRUE(WriteDefaultFile(m_file));
     settings = DefaultSettings();
     before = File();
+    Written();
   }
 
   [[nodiscard]] DialogContext Context() {
@@ -42,14 +45,18 @@ class DialogFixture : public ::testing::Test {
   [[nodiscard]] QByteArray File() const { return ReadWholeBytes(m_file).value_or("no file"); }
   /// The file as it was at the start with this line for that one.
   [[nodiscard]] QByteArray FileWith(const QByteArray& line, const QByteArray& changed) const {
-    EXPECT_EQ(before.count('\n' + line), 1) << line.constData();
-    return QByteArray(before).replace('\n' + line, '\n' + changed);
+    const auto whole = [](const QByteArray& text) { return "\r\n" + text + "\r\n"; };
+    EXPECT_EQ(before.count(whole(line)), 1) << line.constData();
+    return QByteArray(before).replace(whole(line), whole(changed));
   }
-  /// Takes the file away, so that whatever would write it leaves a trace.
-  void Spoil() {
+  /// Whether the file has been written since this was last asked; a rewrite of the same bytes counts.
+  bool Written() {
+    const QDateTime longAgo(QDate(2001, 1, 1), QTime(12, 0));
     QFile file(m_file);
-    ASSERT_TRUE(file.open(QIODevice::Append));
-    file.write("trailing bytes that a rewrite drops");
+    EXPECT_TRUE(file.open(QIODevice::ReadWrite));
+    const bool written = file.fileTime(QFileDevice::FileModificationTime) != longAgo;
+    EXPECT_TRUE(file.setFileTime(longAgo, QFileDevice::FileModificationTime));
+    return written;
   }
   /// A port is open on this line.
   std::shared_ptr<ScriptedLine> Connect() {
