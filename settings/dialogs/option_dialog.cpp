@@ -74,7 +74,8 @@ void OptionDialog::AddRows(QGridLayout& grid) {
     QAbstractButton& button = m_buttons.Button(i);
     const bool kindChanges = i > 0 && table[i - 1].kind != option.kind;
     if (kindChanges) {
-      grid.setRowMinimumHeight(++row, DialogGrid(*this).Height(DialogGrid::kGroupGap - 2 * DialogGrid::kGap));
+      // The grid puts a gap on one side of an empty row only.
+      grid.setRowMinimumHeight(++row, DialogGrid(*this).Height(DialogGrid::kGroupGap - DialogGrid::kGap));
     }
     if (option.kind == OptionButton::Check) {
       grid.addWidget(&button, ++row, 0, 1, kColumns, Qt::AlignLeft);
