@@ -87,10 +87,12 @@ void CQuarnDlg::OpenTerminalScreen() {
   // What was to be sent while there was no command line to be seen is not sent now.
   m_program.state.requests.send = false;
   m_program.state.requests.sendAction = false;
-  m_terminalScreen =
-      new CTerminalScreen(this, {m_program.settings, m_program.connection, m_program.state, m_program.engine,
-                                 m_program.log, m_program.commandLine, *m_program.messages,
-                                 m_program.savedTerminalRect, [this] { OpenFunctionKeyTable(); }});
+  TerminalScreenContext context{
+      m_program.settings, m_program.connection,  m_program.state,     m_program.engine,
+      m_program.log,      m_program.commandLine, *m_program.messages, m_program.savedTerminalRect};
+  context.openFunctionKeyTable = [this] { OpenFunctionKeyTable(); };
+  context.openScreenOption = [this] { OpenScreenOption(); };
+  m_terminalScreen = new CTerminalScreen(this, context);
   m_terminalScreen->show();
   m_switch->setText(QStringLiteral("OFF"));
   m_program.state.requests.mainRefresh = true;
@@ -118,6 +120,7 @@ void CQuarnDlg::OpenFunctionKeyTable() {
 void CQuarnDlg::OnTick() {
   if (std::exchange(m_program.state.requests.mainRefresh, false)) Refresh();
   PlaceAgainWithFrame();
+  PlaceCommandFormatWithFrame();
   m_monitor.Tick();
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QPointer>
+#include <optional>
 #include <vector>
 
 #include "app/file_chooser_dialog.h"
@@ -8,6 +9,7 @@
 #include "app/main_window.h"
 #include "app/port_monitor.h"
 #include "app/program.h"
+#include "serial/dialogs/dialog_context.h"
 #include "ui/held_pause.h"
 #include "ui/polled_dialog.h"
 
@@ -18,6 +20,9 @@ class QPushButton;
 
 namespace quarn {
 
+class CCommandFormat;
+class CMainOption;
+class CScreenOption;
 class CSetMem;
 class CTerminalScreen;
 
@@ -57,6 +62,12 @@ class CQuarnDlg final : public PolledDialog, public MainWindow {
   void ToggleTerminalScreen();
   void OpenFunctionKeyTable();
   void ShowAbout();
+  void OpenCommandFormat();
+  void OpenScreenOption();
+  void OpenMainOption();
+  void PlaceCommandFormat();
+  void PlaceCommandFormatWithFrame();
+  [[nodiscard]] DialogContext Context();
   void PlaceAgainWithFrame();
   [[nodiscard]] bool IsForThisWindow(const QObject* receiver) const;
 
@@ -67,12 +78,16 @@ class CQuarnDlg final : public PolledDialog, public MainWindow {
   HeldPause m_pause;
   QPointer<CTerminalScreen> m_terminalScreen;
   QPointer<CSetMem> m_functionKeyTable;
+  QPointer<CCommandFormat> m_commandFormat;
+  QPointer<CScreenOption> m_screenOption;
+  QPointer<CMainOption> m_mainOption;
   QMenuBar* m_menuBar = nullptr;
   std::vector<QAction*> m_actions;  ///< as in MenuItems
   QPushButton* m_switch = nullptr;
   QLabel* m_status = nullptr;
   QPoint m_placeInPercent{-1, -1};  ///< negative when there is no place to be kept
   QPoint m_placed;
+  std::optional<QPoint> m_commandFormatPlaced;  ///< until its frame is known
 };
 
 }  // namespace quarn

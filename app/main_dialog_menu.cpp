@@ -47,9 +47,12 @@ const std::vector<CQuarnDlg::MenuItem>& CQuarnDlg::MenuItems() {
        [](Dlg& d) { d.OpenTerminalScreen(); }},
       {Tools, Same, command::kFunctionKeyTable, "&Function Key Table", "functionKeyTable",
        [](Dlg& d) { d.OpenFunctionKeyTable(); }},
-      {Option, Same, command::kCommandFormat, "Command Format  (&F)", "commandFormat", nullptr},
-      {Option, Same, command::kScreenOption, "Terminal Screen Option  (&T)", "screenOption", nullptr},
-      {Option, Same, command::kMainOption, "Main Dialog Option (&M)", "mainOption", nullptr},
+      {Option, Same, command::kCommandFormat, "Command Format  (&F)", "commandFormat",
+       [](Dlg& d) { d.OpenCommandFormat(); }},
+      {Option, Same, command::kScreenOption, "Terminal Screen Option  (&T)", "screenOption",
+       [](Dlg& d) { d.OpenScreenOption(); }},
+      {Option, Same, command::kMainOption, "Main Dialog Option (&M)", "mainOption",
+       [](Dlg& d) { d.OpenMainOption(); }},
       {Help, Same, command::kAbout, "&About", "about", [](Dlg& d) { d.ShowAbout(); }},
   };
   return items;

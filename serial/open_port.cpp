@@ -41,8 +41,16 @@ bool OpenPort(const SettingsRecord& settings, PortConnection& connection,
     return false;
   }
   connection.handle = PortHandle(opened.line);
-  if (Configure(*opened.line, settings, environment.messages)) return true;
-  connection.lastFailure = opened.line->LastFailure();
+  return ReconfigurePort(settings, connection, environment);
+}
+
+bool ReconfigurePort(const SettingsRecord& settings, PortConnection& connection,
+                     const PortEnvironment& environment) {
+  if (!connection.handle.IsOpen()) return false;
+  // Held on to: a message that is shown meanwhile leaves time for the line to be closed.
+  const std::shared_ptr<SerialLine> line = connection.handle.Line();
+  if (Configure(*line, settings, environment.messages)) return true;
+  connection.lastFailure = line->LastFailure();
   return false;
 }
 

@@ -27,6 +27,11 @@ bool OpenPort(const SettingsRecord& settings, PortConnection& connection, const 
 bool ConnectPort(const SettingsRecord& settings, PortConnection& connection,
                  const PortEnvironment& environment);
 
+/// Gives the line that is open the parameters and time-outs that an open would give it now. False when
+/// there is none, or when a step fails, with the same messages; the line stays open and stored.
+bool ReconfigurePort(const SettingsRecord& settings, PortConnection& connection,
+                     const PortEnvironment& environment);
+
 /// Purges, closes and connects again, with the wait indicator shown throughout. False when there was no
 /// port to close or when the system reports a failed close.
 bool ResetPort(const SettingsRecord& settings, PortConnection& connection,

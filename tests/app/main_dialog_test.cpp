@@ -2,12 +2,15 @@
 
 #include <QApplication>
 #include <QLabel>
+#include <QMenu>
 #include <QMenuBar>
 #include <QPushButton>
 #include <QScreen>
 #include <QTest>
 
 #include "app/app_fixture.h"
+#include "app/dialog_placement.h"
+#include "terminal/dialogs/terminal_screen.h"
 #include "ui/control.h"
 #include "ui/placement.h"
 
@@ -41,7 +44,8 @@ class MainDialog : public AppTest {
   QPushButton& Switch() { return *Control<QPushButton>(1001); }
   QWidget* TerminalScreen() {
     for (QWidget* widget : QApplication::topLevelWidgets()) {
-      if (widget != &dialog && widget->isVisible() && widget->windowTitle().startsWith("Quarn - Terminal")) {
+      if (widget != &dialog && widget->isVisible() &&
+          widget->objectName() == QStringLiteral("CTerminalScreen")) {
         return widget;
       }
     }
@@ -51,6 +55,13 @@ class MainDialog : public AppTest {
   QWidget* FunctionKeyTable() {
     auto* table = dialog.findChild<QDialog*>(QStringLiteral("CSetMem"));
     return table != nullptr && table->isVisible() ? table : nullptr;
+  }
+  static QList<QWidget*> Windows(const QString& title) {
+    QList<QWidget*> windows;
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+      if (widget->isVisible() && widget->windowTitle() == title) windows.append(widget);
+    }
+    return windows;
   }
 
   CQuarnDlg dialog{program};
@@ -233,6 +244,55 @@ TEST_F(MainDialog, ANewTerminalScreenSendsNothingThatWasAskedBefore) {
   dialog.OpenTerminalScreen();
   EXPECT_FALSE(program.state.requests.send);
   EXPECT_FALSE(program.state.requests.sendAction);
+}
+
+TEST_F(MainDialog, TheOptionMenuOpensEachDialogOnce) {
+  const std::map<int, QString> titles{{32775, "Quarn - Command Format"},
+                                      {32779, "Quarn - Terminal Screen Option"},
+                                      {32790, "Quarn - Main Dialog Optiom"}};
+  for (const auto& [id, title] : titles) {
+    ASSERT_TRUE(Action(id)->isEnabled()) << id;
+    Action(id)->trigger();
+    const QList<QWidget*> first = Windows(title);
+    ASSERT_EQ(first.size(), 1);
+    dialog.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
+    Action(id)->trigger();
+    EXPECT_EQ(Windows(title), first);
+    EXPECT_TRUE(QTest::qWaitForWindowActive(first.front()));
+    first.front()->close();
+    EXPECT_TRUE(Windows(title).isEmpty());
+    Action(id)->trigger();
+    EXPECT_EQ(Windows(title).size(), 1) << "closed, it opens anew";
+    Windows(title).front()->close();
+  }
+}
+
+TEST_F(MainDialog, CommandFormatStandsBesideIt) {
+  dialog.move(30, 40);
+  Action(32775)->trigger();
+  const QWidget* format = Windows(QStringLiteral("Quarn - Command Format")).value(0);
+  ASSERT_NE(format, nullptr);
+  // Once more when the frame around it is known.
+  dialog.StartTimer();
+  const QSize screen = QGuiApplication::primaryScreen()->size();
+  EXPECT_TRUE(QTest::qWaitFor([&] {
+    return format->pos() == PlaceBeside({dialog.pos(), OuterSize(dialog)}, OuterSize(*format), screen);
+  }));
+  program.state.requests.commandFormatClose = true;
+  EXPECT_TRUE(QTest::qWaitFor([&] { return !program.state.open.commandFormat; }));
+}
+
+TEST_F(MainDialog, TheTerminalScreensMenuOpensItsOptions) {
+  dialog.OpenTerminalScreen();
+  auto* screen = dynamic_cast<CTerminalScreen*>(TerminalScreen());
+  ASSERT_NE(screen, nullptr);
+  QAction* option = screen->ContextMenu().actions().last();
+  EXPECT_EQ(option->text(), QStringLiteral("Option"));
+  ASSERT_TRUE(option->isEnabled());
+  option->trigger();
+  option->trigger();
+  EXPECT_EQ(Windows(QStringLiteral("Quarn - Terminal Screen Option")).size(), 1);
 }
 
 TEST_F(MainDialog, SwitchActsOnlyWithTheFocus) {

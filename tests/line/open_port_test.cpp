@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <memory>
 
+#include "serial/line_parameters.h"
 #include "tests/line/line_test_support.h"
 #include "tests/line/noted_surroundings.h"
 #include "tests/line/scripted_line.h"
@@ -272,6 +273,33 @@ TEST_F(OpenPortTest, NoneOfThemTouchesTheConnectedMark) {
   EXPECT_TRUE(ClosePort(m_connection));
   EXPECT_FALSE(Reset());
   EXPECT_TRUE(m_connection.connected);
+}
+
+TEST_F(OpenPortTest, ReconfigureGivesTheOpenLineItsParameters) {
+  const auto held = HoldLine();
+  m_settings.portSpeed = QStringLiteral("LOW");
+  EXPECT_TRUE(ReconfigurePort(m_settings, m_connection, m_environment));
+  EXPECT_EQ(m_journal.Entries(), (Steps{"get state", "set state", "set time-outs"}));
+  EXPECT_EQ(held->state.baudRate, 19200U);
+  EXPECT_EQ(held->timeouts, TimeoutsOf(m_settings.comBps, m_settings.portSpeed));
+}
+
+TEST_F(OpenPortTest, ReconfigureThatFailsLeavesTheLineOpen) {
+  const auto held = HoldLine();
+  held->setTimeoutsWorks = false;
+  held->failure = {LineError::Refused, QStringLiteral("refused")};
+  EXPECT_FALSE(ReconfigurePort(m_settings, m_connection, m_environment));
+  EXPECT_EQ(m_journal.Entries(),
+            (Steps{"get state", "set state", "set time-outs", "plain: Failed to set serial port timeouts"}));
+  EXPECT_EQ(m_connection.lastFailure.kind, LineError::Refused);
+  EXPECT_TRUE(m_connection.handle.IsOpen());
+}
+
+TEST_F(OpenPortTest, ReconfigureNeedsAnOpenLine) {
+  EXPECT_FALSE(ReconfigurePort(m_settings, m_connection, m_environment));
+  m_connection.handle = PortHandle::Invalid();
+  EXPECT_FALSE(ReconfigurePort(m_settings, m_connection, m_environment));
+  EXPECT_EQ(m_journal.Entries(), Steps());
 }
 
 }  // namespace

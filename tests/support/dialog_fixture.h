@@ -1,0 +1,111 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QDateTime>
+#include <QFile>
+#include <QPointer>
+#include <QTemporaryDir>
+#include <QTest>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "serial/dialogs/dialog_context.h"
+#include "settings/key_store.h"
+#include "settings/settings_table.h"
+#include "support/dialog_controls.h"
+#include "support/recorded_messages.h"
+#include "tests/line/scripted_line.h"
+#include "ui/polled_dialog.h"
+
+namespace quarn::test {
+
+/// What dialogs of settings and ports work on, without a program around it: the default settings, a working
+/// settings file of its own that says the same, and lines, messages and waits that are only noted.
+class DialogFixture : public ::testing::Test {
+ protected:
+  DialogFixture() {
+    EXPECT_TRUE(WriteDefaultFile(m_file));
+    settings = DefaultSettings();
+    before = File();
+    Written();
+  }
+
+  [[nodiscard]] DialogContext Context() {
+    return {.settings = settings,
+            .workingSettingsFile = m_file,
+            .connection = connection,
+            .state = state,
+            .portSource = m_source,
+            .environment = {m_opener, messages, m_indicator},
+            .pause = m_pause};
+  }
+  /// The working settings file, byte for byte.
+  [[nodiscard]] QByteArray File() const { return ReadWholeBytes(m_file).value_or("no file"); }
+  /// The file as it was at the start with this line for that one.
+  [[nodiscard]] QByteArray FileWith(const QByteArray& line, const QByteArray& changed) const {
+    const auto whole = [](const QByteArray& text) { return "\r\n" + text + "\r\n"; };
+    EXPECT_EQ(before.count(whole(line)), 1) << line.constData();
+    return QByteArray(before).replace(whole(line), whole(changed));
+  }
+  /// Whether the file has been written since this was last asked; a rewrite of the same bytes counts.
+  bool Written() {
+    const QDateTime longAgo(QDate(2001, 1, 1), QTime(12, 0));
+    QFile file(m_file);
+    EXPECT_TRUE(file.open(QIODevice::ReadWrite));
+    const bool written = file.fileTime(QFileDevice::FileModificationTime) != longAgo;
+    EXPECT_TRUE(file.setFileTime(longAgo, QFileDevice::FileModificationTime));
+    return written;
+  }
+  /// A port is open on this line.
+  std::shared_ptr<ScriptedLine> Connect() {
+    auto line = std::make_shared<ScriptedLine>(journal);
+    connection.handle = PortHandle(line);
+    connection.connected = true;
+    settings.comPort = QStringLiteral("COM3");
+    state.currentPortName = settings.comPort;
+    return line;
+  }
+  template <typename Condition>
+  static bool Until(Condition condition) {
+    return QTest::qWaitFor(condition, 10000);
+  }
+
+  SettingsRecord settings;
+  PortConnection connection;
+  SharedState state;
+  RecordedMessages messages;
+  Journal journal;
+  std::vector<int> pauses;  ///< in milliseconds
+  QByteArray before;        ///< the file at the start
+
+ private:
+  struct NoPorts final : PortSource {
+    bool FriendlyNames(QStringList& result) override {
+      result.clear();
+      return true;
+    }
+  };
+  struct NoLines final : SerialLineOpener {
+    OpenResult Open(const QString& /*devicePath*/) override { return {}; }
+  };
+  struct NoIndicator final : WaitIndicator {
+    void Show() override {}
+    void Restore() override {}
+  };
+  struct NotedPause final : Pause {
+    explicit NotedPause(std::vector<int>& noted) : m_noted(noted) {}
+    void For(int ms) override { m_noted.push_back(ms); }
+    std::vector<int>& m_noted;
+  };
+
+  QTemporaryDir m_folder;
+  const QString m_file = m_folder.filePath(QStringLiteral("Quarn.ini"));
+  NoPorts m_source;
+  NoLines m_opener;
+  NoIndicator m_indicator;
+  NotedPause m_pause{pauses};
+};
+
+}  // namespace quarn::test
