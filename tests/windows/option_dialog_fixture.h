@@ -3,6 +3,9 @@
 #include <QAbstractButton>
 #include <QLabel>
 #include <QPushButton>
+#include <algorithm>
+#include <functional>
+#include <vector>
 
 #include "support/dialog_fixture.h"
 

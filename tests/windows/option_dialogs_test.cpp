@@ -1,3 +1,5 @@
+#include <array>
+
 #include "settings/dialogs/main_option.h"
 #include "settings/dialogs/screen_option.h"
 #include "windows/option_dialog_fixture.h"
@@ -67,7 +69,7 @@ TEST_F(ScreenOption, AColourRepaintsTheTerminalScreen) {
     ExpectChoice(choice);
     EXPECT_TRUE(state.requests.terminalRefresh);
     EXPECT_EQ("BK_COLOR=" + settings.bkColor.toLatin1(), choice.chosen);
-    for (const int id : {1067 + 1, 1069, 1073}) EXPECT_EQ(Button(id).isChecked(), id == choice.id) << id;
+    for (const int id : {1068, 1069, 1073}) EXPECT_EQ(Button(id).isChecked(), id == choice.id) << id;
   }
   EXPECT_FALSE(state.requests.clearLog);
 }
