@@ -42,8 +42,8 @@ TEST_F(Reading, TheMenusWithoutOpeningThem) {
                          QStringLiteral("COM Port Settings"), QStringLiteral("Reset Current COM Port")}));
   EXPECT_EQ(MenuItems(kTools), (QStringList{kTerminalItem, QStringLiteral("Function Key Table")}));
   EXPECT_EQ(MenuItems(QStringLiteral("Option")),
-            (QStringList{QStringLiteral("Command Format"), QStringLiteral("Terminal Screen Option"),
-                         QStringLiteral("Main Dialog Option")}));
+            (QStringList{QStringLiteral("Command Format  (F)"), QStringLiteral("Terminal Screen Option  (T)"),
+                         QStringLiteral("Main Dialog Option (M)")}));
   EXPECT_EQ(MenuItems(QStringLiteral("Help")), QStringList{QStringLiteral("About")});
   EXPECT_TRUE(MenuItemEnabled(QStringLiteral("File"), QStringLiteral("Exit")));
   EXPECT_FALSE(MenuItemChecked(QStringLiteral("File"), QStringLiteral("Exit")));
