@@ -18,7 +18,11 @@ class QPushButton;
 
 namespace quarn {
 
+class CPortDetails;
+class CPortNum;
+class CPortSettings;
 class CTerminalScreen;
+struct DialogContext;
 
 /// The control window: Terminal Screen switch, status line and menus.
 class CQuarnDlg final : public PolledDialog, public MainWindow {
@@ -54,6 +58,10 @@ class CQuarnDlg final : public PolledDialog, public MainWindow {
   void CreateControls();
   void Refresh();
   void ToggleTerminalScreen();
+  void OpenPortNumber();
+  void OpenDetailedPortList();
+  void OpenPortSettings();
+  [[nodiscard]] DialogContext PortDialogContext();
   void ShowAbout();
   void PlaceAgainWithFrame();
   [[nodiscard]] bool IsForThisWindow(const QObject* receiver) const;
@@ -64,6 +72,9 @@ class CQuarnDlg final : public PolledDialog, public MainWindow {
   PortMonitor m_monitor;
   HeldPause m_pause;
   QPointer<CTerminalScreen> m_terminalScreen;
+  QPointer<CPortNum> m_portNumber;
+  QPointer<CPortDetails> m_portDetails;
+  QPointer<CPortSettings> m_portSettings;
   QMenuBar* m_menuBar = nullptr;
   std::vector<QAction*> m_actions;  ///< as in MenuItems
   QPushButton* m_switch = nullptr;
