@@ -119,8 +119,18 @@ void CPortDetails::Mark(const QString& port) {
   m_radios->setExclusive(true);
   if (const std::optional<int> row = RowOf(m_shown, port)) {
     m_rows[static_cast<std::size_t>(*row)].radio->setChecked(true);
-    m_scroll->ensureWidgetVisible(m_rows[static_cast<std::size_t>(*row)].radio);
   }
+  ShowMarkedRow();
+}
+
+void CPortDetails::ShowMarkedRow() {
+  // Before the window is shown there is nothing to scroll yet.
+  if (m_radios->checkedButton() != nullptr) m_scroll->ensureWidgetVisible(m_radios->checkedButton(), 0, 0);
+}
+
+void CPortDetails::showEvent(QShowEvent* event) {
+  PortDialog::showEvent(event);
+  ShowMarkedRow();
 }
 
 void CPortDetails::ApplySetRule(const QString& port) {
@@ -149,7 +159,10 @@ bool CPortDetails::eventFilter(QObject* receiver, QEvent* event) {
 }
 
 void CPortDetails::Look() {
-  if (FrameOf(*this) != m_frame) LayOut();
+  if (FrameOf(*this) != m_frame) {
+    LayOut();
+    ShowMarkedRow();
+  }
   WindowRequests& requests = Requests();
   if (!requests.detailedListClose && std::exchange(requests.detailedListRefresh, false)) ShowList();
   if (std::exchange(m_rowClicked, false) && !requests.detailedListClose) {

@@ -22,6 +22,7 @@ class CPortDetails final : public PortDialog {
   void Look() override;
   void OnClose() override;
   bool eventFilter(QObject* receiver, QEvent* event) override;
+  void showEvent(QShowEvent* event) override;
 
  private:
   struct Row {
@@ -40,6 +41,7 @@ class CPortDetails final : public PortDialog {
   void KeepOnScreen();
   /// Checks the row of this port, and no other.
   void Mark(const QString& port);
+  void ShowMarkedRow();
   void ApplySetRule(const QString& port);
   void ClickRow(int index);
   void Connect();

@@ -65,7 +65,7 @@ TEST_F(PortChoiceTest, PortThatHasVanishedFailsAndTheFormerOneIsOpenAgain) {
   Plug("COM3");
   Plug("COM4");
   ConnectTo("COM3");
-  const QByteArray before = WorkingFile();
+  const std::string before = WorkingFile();
   Unplug("COM4");
   EXPECT_FALSE(Choose("COM4"));
   EXPECT_EQ(Happened(),
@@ -81,8 +81,9 @@ TEST_F(PortChoiceTest, PortThatHasVanishedFailsAndTheFormerOneIsOpenAgain) {
 TEST_F(PortChoiceTest, PortHeldByAnotherProcessFails) {
   Plug("COM3");
   Plug("COM4");
-  ConnectTo("COM3");
+  // First, or the other process has a copy of the line that is open here.
   const auto holder = HeldByAnother(1);
+  ConnectTo("COM3");
   EXPECT_FALSE(Choose("COM4", FailureSentence::WithoutFullStop));
   EXPECT_EQ(Happened(),
             (QStringList{kConnecting, "pause 500", "title ", ChoiceFailed("COM4", ""), "title "}));
@@ -100,7 +101,7 @@ TEST_F(PortChoiceTest, CountsAsConnectedEvenWhenTheFormerPortIsGoneToo) {
 }
 
 TEST_F(PortChoiceTest, FailureFromNoPortLeavesNone) {
-  const QByteArray before = WorkingFile();
+  const std::string before = WorkingFile();
   EXPECT_FALSE(Choose("COM4"));
   EXPECT_EQ(program.state.currentPortName, "NONE");
   EXPECT_TRUE(program.connection.connected);

@@ -83,12 +83,12 @@ class PortDialogTest : public AppTest {
       return device >= 0 && ::flock(device, LOCK_EX | LOCK_NB) == 0;
     });
   }
-  QByteArray WorkingFile() { return ReadWholeBytes(program.workingSettingsFile).value_or(QByteArray()); }
+  std::string WorkingFile() { return Bytes(program.workingSettingsFile); }
   /// The file of the defaults with these values.
-  QByteArray FileWith(const QList<std::pair<QString, QString>>& values) {
+  std::string FileWith(const QList<std::pair<QString, QString>>& values) {
     const QString path = m_folder + QStringLiteral("expected.ini");
     WriteSettings(path, values);
-    return ReadWholeBytes(path).value_or(QByteArray());
+    return Bytes(path);
   }
 
   template <typename Dialog>
@@ -112,6 +112,10 @@ class PortDialogTest : public AppTest {
   QPointer<QDialog> window;
 
  private:
+  static std::string Bytes(const QString& path) {
+    return ReadWholeBytes(path).value_or(QByteArray()).toStdString();
+  }
+
   std::vector<std::unique_ptr<PseudoTerminal>> m_terminals;
 };
 

@@ -65,7 +65,7 @@ TEST_F(PortNumberDialog, OpensWithNoneWhileNotConnected) {
 }
 
 TEST_F(PortNumberDialog, WithoutPortsSetTellsSoAndNothingElseChanges) {
-  const QByteArray before = WorkingFile();
+  const std::string before = WorkingFile();
   Open();
   EXPECT_FALSE(Ports().isEnabled());
   ASSERT_TRUE(QTest::qWaitFor([&] { return Button(kSet).isEnabled(); }));
@@ -177,7 +177,7 @@ TEST_F(PortNumberDialog, OkAppliesAChangeThatIsConfirmed) {
 
 TEST_F(PortNumberDialog, OkLeavesAChangeThatIsNotConfirmed) {
   Plug("COM3");
-  const QByteArray before = WorkingFile();
+  const std::string before = WorkingFile();
   messages.answers = {false};
   Open();
   Pick("COM3");

@@ -37,6 +37,11 @@ class PortSettingsDialog : public PortDialogTest {
     for (int i = 0; i < Box(id).count(); ++i) choices.append(Box(id).itemText(i));
     return choices;
   }
+  /// The file of the defaults with these values, after all settings were saved into it.
+  std::string SavedFile(QList<std::pair<QString, QString>> values) {
+    values.append({"FUNC_KEY", program.settings.enblNull});
+    return FileWith(values);
+  }
   /// Picks a choice with the keyboard.
   void Pick(int id, const QString& choice) {
     Box(id).setFocus();
@@ -90,7 +95,7 @@ TEST_F(PortSettingsDialog, SetStoresAndReopensTheConnectedPort) {
   EXPECT_EQ(program.settings.comBps, "9600");
   Click(kSet);
   EXPECT_EQ(Happened(), QStringList());
-  EXPECT_EQ(WorkingFile(), FileWith({{"COM_PORT", "COM3"}, {"COM_BPS", "19200"}, {"COM_STOP", "2"}}));
+  EXPECT_EQ(WorkingFile(), SavedFile({{"COM_PORT", "COM3"}, {"COM_BPS", "19200"}, {"COM_STOP", "2"}}));
   EXPECT_TRUE(program.connection.connected);
   ASSERT_TRUE(program.connection.handle.IsOpen());
   EXPECT_NE(program.connection.handle.Line(), former);
@@ -111,7 +116,7 @@ TEST_F(PortSettingsDialog, SetWithoutAConnectionOnlyStores) {
   EXPECT_EQ(Happened(), QStringList());
   EXPECT_FALSE(program.connection.connected);
   EXPECT_FALSE(program.connection.handle.IsOpen());
-  EXPECT_EQ(WorkingFile(), FileWith({{"COM_PORT", "COM3"}, {"COM_BITS", "7"}}));
+  EXPECT_EQ(WorkingFile(), SavedFile({{"COM_PORT", "COM3"}, {"COM_BITS", "7"}}));
 }
 
 TEST_F(PortSettingsDialog, FailedReopenAfterSetIsReportedAndTheSettingsAreStored) {
@@ -124,13 +129,13 @@ TEST_F(PortSettingsDialog, FailedReopenAfterSetIsReportedAndTheSettingsAreStored
   EXPECT_EQ(Happened(), QStringList{NotAvailable("COM3")});
   EXPECT_FALSE(program.connection.connected);
   EXPECT_FALSE(program.connection.handle.IsOpen());
-  EXPECT_EQ(WorkingFile(), FileWith({{"COM_PORT", "COM3"}, {"COM_BPS", "19200"}}));
+  EXPECT_EQ(WorkingFile(), SavedFile({{"COM_PORT", "COM3"}, {"COM_BPS", "19200"}}));
   EXPECT_TRUE(program.state.requests.mainRefresh);
 }
 
 TEST_F(PortSettingsDialog, DefaultAnsweredWithNoChangesNothing) {
   program.settings.comBps = QStringLiteral("1200");
-  const QByteArray before = WorkingFile();
+  const std::string before = WorkingFile();
   messages.answers = {false};
   Open();
   Pick(kParity, "Odd");
@@ -151,7 +156,7 @@ TEST_F(PortSettingsDialog, DefaultRestoresStoresAndReconnects) {
   Click(kDefault);
   EXPECT_EQ(Happened(), (QStringList{kDefaultQuestion, kReset}));
   EXPECT_EQ(Shown(), (QStringList{"9600", "8", "None", "1"}));
-  EXPECT_EQ(WorkingFile(), FileWith({{"COM_PORT", "COM3"}}));
+  EXPECT_EQ(WorkingFile(), SavedFile({{"COM_PORT", "COM3"}}));
   LineState state;
   ASSERT_TRUE(program.connection.handle.Line()->GetState(state));
   EXPECT_EQ(state.baudRate, 9600U);
@@ -170,7 +175,7 @@ TEST_F(PortSettingsDialog, FailedReopenAfterDefaultIsNotReported) {
 }
 
 TEST_F(PortSettingsDialog, OkWithoutAChangeClosesWithoutAQuestion) {
-  const QByteArray before = WorkingFile();
+  const std::string before = WorkingFile();
   Open();
   Box(kParity).setFocus();
   Press(Qt::Key_Return);
@@ -190,7 +195,8 @@ TEST_F(PortSettingsDialog, OkAsksBeforeItSaves) {
     EXPECT_TRUE(IsGone());
     EXPECT_EQ(Happened(), QStringList{kSaveQuestion});
     EXPECT_EQ(program.settings.comBps, yes ? "57600" : "9600");
-    EXPECT_EQ(WorkingFile(), FileWith({{"COM_PORT", "COM3"}, {"COM_BPS", yes ? "57600" : "9600"}}));
+    EXPECT_EQ(WorkingFile(), yes ? SavedFile({{"COM_PORT", "COM3"}, {"COM_BPS", "57600"}})
+                                 : FileWith({{"COM_PORT", "COM3"}}));
     EXPECT_TRUE(program.connection.handle.IsOpen());
   }
 }
@@ -205,7 +211,7 @@ TEST_F(PortSettingsDialog, OkAfterSetHasNothingToAsk) {
 }
 
 TEST_F(PortSettingsDialog, EscapeLeavesEverythingAsItWas) {
-  const QByteArray before = WorkingFile();
+  const std::string before = WorkingFile();
   Open();
   Pick(kBps, "57600");
   Press(Qt::Key_Escape);
@@ -224,7 +230,7 @@ TEST_F(PortSettingsDialog, WhatOtherDialogsSetMeanwhileStays) {
   Click(kOk);
   EXPECT_TRUE(IsGone());
   EXPECT_EQ(program.settings.delimiter, "LF");
-  EXPECT_EQ(WorkingFile(), FileWith({{"COM_BPS", "57600"}, {"DELIMITER", "LF"}, {"MEM3", "*IDN?"}}));
+  EXPECT_EQ(WorkingFile(), SavedFile({{"COM_BPS", "57600"}, {"DELIMITER", "LF"}, {"MEM3", "*IDN?"}}));
 }
 
 TEST_F(PortSettingsDialog, RefreshKeepsWhatIsBeingEdited) {
