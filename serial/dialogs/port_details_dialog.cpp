@@ -6,10 +6,12 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QScrollArea>
+#include <algorithm>
 #include <utility>
 
 #include "serial/dialogs/port_choice.h"
 #include "ui/control.h"
+#include "ui/dialog_grid.h"
 #include "ui/placement.h"
 
 namespace quarn {
@@ -31,6 +33,18 @@ constexpr std::array<RowIds, kPortRowCount> kRowIds{{
     {1059, 1049}, {1060, 1050}, {1061, 1068}, {1063, 1069}, {1065, 1070}, {1066, 1071},
     {1067, 1072}, {1073, 1078}, {1074, 1079}, {1075, 1080}, {1076, 1081}, {1077, 1082},
 }};
+
+/// The description in this width. Where it is too long the product gives way: the path, what stops the port
+/// from opening and the port's name stay.
+QString FittingDescription(const QString& description, const QFontMetrics& metrics, int width) {
+  if (metrics.horizontalAdvance(description) <= width) return description;
+  const QString rest = description.mid(std::max<qsizetype>(description.lastIndexOf(QLatin1String(" - ")), 0));
+  const QString product = description.chopped(rest.size());
+  const QString cut =
+      metrics.elidedText(product, Qt::ElideRight, width - metrics.horizontalAdvance(rest)) + rest;
+  if (!product.isEmpty() && metrics.horizontalAdvance(cut) <= width) return cut;
+  return metrics.elidedText(description, Qt::ElideMiddle, width);
+}
 
 }  // namespace
 
@@ -102,9 +116,9 @@ void CPortDetails::FillRows() {
     row.description->setVisible(shown);
     if (!shown) continue;
     const PortRow& port = m_shown[i];
-    // What tells devices apart stands at both ends: the product, and what it hangs on.
-    const QString fitting = row.description->fontMetrics().elidedText(port.description, Qt::ElideMiddle,
-                                                                      row.description->width());
+    const QString fitting =
+        FittingDescription(port.description, row.description->fontMetrics(),
+                           row.description->width() - DialogGrid(*this).Width(DialogGrid::kGap));
     row.description->setText(fitting);
     row.description->setToolTip(fitting == port.description ? QString() : port.description.toHtmlEscaped());
     row.description->setAccessibleName(port.description);

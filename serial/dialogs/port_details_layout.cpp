@@ -17,7 +17,7 @@ namespace {
 
 constexpr int kRowPitch = 16;    // dialog units from row to row
 constexpr int kRadioWidth = 40;  // room for the longest port name
-constexpr int kDescriptionWidth = 250;
+constexpr int kDescriptionWidth = 280;
 
 // Heights of the whole window, its frame included, in pixels.
 constexpr int kBelowRows = 53;  // under the row that would come next; the buttons stand in its place
@@ -66,14 +66,16 @@ void CPortDetails::LayOut() {
   }
   const bool any = !m_shown.isEmpty();
   const int below = std::max(kBelowRows - m_frame.top() - m_frame.bottom(), measure.Height(DialogGrid::kGap));
-  const int buttonsTop = height - below - rowHeight;
-  m_scroll->widget()->resize(listWidth, static_cast<int>(m_shown.size()) * pitch);
-  m_scroll->setGeometry(margin.width(), rowsTop, listWidth + bar,
-                        std::min(static_cast<int>(m_shown.size()) * pitch, buttonsTop - rowsTop));
+  // A little nearer to the rows than to the edge.
+  const int buttonsTop = height - below * 2 / 3 - rowHeight;
+  const int rows = static_cast<int>(m_shown.size());
+  const int rowsSeen = std::min(rows, (height - below - rowHeight - rowsTop) / pitch);
+  m_scroll->widget()->resize(listWidth, rows * pitch);
+  m_scroll->setGeometry(margin.width(), rowsTop, listWidth + bar, rowsSeen * pitch);
   m_scroll->verticalScrollBar()->setSingleStep(pitch);
   m_scroll->setVisible(any);
   const QSize button(m_ok->minimumWidth(), rowHeight);
-  const int right = margin.width() + listWidth;
+  const int right = width - margin.width();
   m_ok->setGeometry(QRect({right - button.width(), buttonsTop}, button));
   m_set->setGeometry(
       QRect({right - 2 * button.width() - measure.Width(DialogGrid::kGap), buttonsTop}, button));

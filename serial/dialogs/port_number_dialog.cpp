@@ -17,7 +17,7 @@ constexpr int kLabelId = -1;
 constexpr int kPortsId = 1005;
 constexpr int kSetId = 1006;
 constexpr int kOkId = 1001;
-constexpr int kWidthUnits = 150;  // the title is seen whole
+constexpr int kWidthUnits = 190;  // the title is seen whole
 
 QString NoPort() { return QString::fromUtf16(kNoPort); }
 

@@ -20,7 +20,7 @@ constexpr int kSetId = 1084;
 constexpr int kOkId = 1002;
 constexpr int kXPercent = 50;
 constexpr int kYPercent = 20;
-constexpr int kFieldWidth = 70;  // dialog units
+constexpr int kFieldWidth = 95;  // dialog units; the title is seen whole
 
 struct Field {
   int controlId;

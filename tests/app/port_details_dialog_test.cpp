@@ -1,108 +1,12 @@
 #include "serial/dialogs/port_details_dialog.h"
 
-#include <QRadioButton>
-#include <QScreen>
-#include <QScrollArea>
-#include <QScrollBar>
-
-#include "app/port_dialog_fixture.h"
-#include "ui/placement.h"
+#include "app/port_details_fixture.h"
 
 namespace quarn::test {
 namespace {
 
-constexpr int kSet = 1062;
-constexpr int kOk = 1013;
-constexpr int kStatus = 1064;
-
 const QString kApplyQuestion =
     QStringLiteral("question/: Confirmation//Do you want to apply this configuration?/");
-
-QList<int> Range(int first, int last) {
-  QList<int> ids;
-  for (int id = first; id <= last; ++id) ids.append(id);
-  return ids;
-}
-
-const QList<int> kRadios =
-    Range(1031, 1040) + Range(1051, 1061) + QList<int>{1063} + Range(1065, 1067) + Range(1073, 1077);
-const QList<int> kDescriptions =
-    Range(1021, 1030) + Range(1041, 1050) + Range(1068, 1072) + Range(1078, 1082);
-
-class PortDetailsDialog : public PortDialogTest {
- protected:
-  CPortDetails& Open() { return Show<CPortDetails>(); }
-  QRadioButton& Radio(int row) { return *Control<QRadioButton>(*window, kRadios[row]); }
-  QLabel& Description(int row) { return *Control<QLabel>(*window, kDescriptions[row]); }
-  QString Status() { return Control<QLabel>(*window, kStatus)->text(); }
-  /// The window manager tells the frame after a while only.
-  bool BecomesHigh(int height) {
-    return QTest::qWaitFor([&] { return OuterSize(*window).height() == height; });
-  }
-  int RowsShown() {
-    int shown = 0;
-    for (int i = 0; i < kPortRowCount; ++i) shown += Radio(i).isVisible() ? 1 : 0;
-    return shown;
-  }
-  QList<int> Checked() {
-    QList<int> rows;
-    for (int i = 0; i < kPortRowCount; ++i) {
-      if (Radio(i).isChecked()) rows.append(i);
-    }
-    return rows;
-  }
-  void ClickRadio(int row) {
-    QTest::mouseClick(&Radio(row), Qt::LeftButton, {}, QPoint(8, Radio(row).height() / 2));
-  }
-};
-
-TEST_F(PortDetailsDialog, HasThirtyRowsSixteenUnitsApart) {
-  ListOnly(30);
-  Open();
-  EXPECT_EQ(kRadios.size(), 30);
-  EXPECT_EQ(kDescriptions.size(), 30);
-  const int pitch = MapDialogUnits(window->font(), {0, 0, 0, 16}).height();
-  for (int i = 0; i < 30; ++i) {
-    EXPECT_EQ(Radio(i).y(), i * pitch);
-    EXPECT_EQ(Description(i).y(), i * pitch);
-    EXPECT_GT(Description(i).x(), Radio(i).x());
-    EXPECT_EQ(Radio(i).accessibleName(), QStringLiteral("Adapter (COM%1)").arg(i + 1));
-    EXPECT_EQ(Description(i).text(), QStringLiteral("Adapter (COM%1)").arg(i + 1));
-  }
-  EXPECT_EQ(RowsShown(), 30);
-}
-
-TEST_F(PortDetailsDialog, WithoutPortsThereIsOnlyTheStatusLine) {
-  Open();
-  EXPECT_EQ(Status(), "No available COM ports detected.");
-  EXPECT_EQ(RowsShown(), 0);
-  EXPECT_TRUE(BecomesHigh(90)) << OuterSize(*window).height();
-  EXPECT_FALSE(Button(kSet).isEnabled());
-  EXPECT_FALSE(Button(kSet).isVisible());
-  EXPECT_FALSE(Button(kOk).isVisible());
-  EXPECT_EQ(window->windowTitle(), "Quarn - Detailed COM Port List  (NONE)  ");
-  QTest::keyClick(window, Qt::Key_Escape);
-  EXPECT_TRUE(IsGone());
-}
-
-TEST_F(PortDetailsDialog, HeightFollowsTheRows) {
-  ListOnly(3);
-  Open();
-  EXPECT_EQ(Status(), "Select a port from the list below.");
-  const auto rowsTop = [this] {
-    return Control<QLabel>(*window, kStatus)->geometry().bottom() + 1 +
-           MapDialogUnits(window->font(), {0, 0, 0, 4}).height();
-  };
-  const int pitch = MapDialogUnits(window->font(), {0, 0, 0, 16}).height();
-  const int row = MapDialogUnits(window->font(), {0, 0, 0, 14}).height();
-  EXPECT_TRUE(BecomesHigh(rowsTop() + 3 * pitch + row + 53)) << OuterSize(*window).height();
-  const int width = window->width();
-  ListOnly(5);
-  program.state.requests.detailedListRefresh = true;
-  EXPECT_TRUE(QTest::qWaitFor([&] { return RowsShown() == 5; }));
-  EXPECT_TRUE(BecomesHigh(rowsTop() + 5 * pitch + row + 53)) << OuterSize(*window).height();
-  EXPECT_EQ(window->width(), width);
-}
 
 TEST_F(PortDetailsDialog, MarksTheCurrentPort) {
   Plug("COM3");
@@ -113,7 +17,7 @@ TEST_F(PortDetailsDialog, MarksTheCurrentPort) {
   EXPECT_TRUE(program.state.open.detailedPortList);
   EXPECT_FALSE(program.state.requests.detailedListClose);
   EXPECT_EQ(Checked(), QList<int>{1});
-  EXPECT_FALSE(Button(kSet).isEnabled());
+  EXPECT_FALSE(Button(kSetId).isEnabled());
   EXPECT_EQ(window->windowTitle(), "Quarn - Detailed COM Port List  (COM12)  ");
 }
 
@@ -121,7 +25,7 @@ TEST_F(PortDetailsDialog, MarksNothingWithoutACurrentPort) {
   Plug("COM3");
   Open();
   EXPECT_EQ(Checked(), QList<int>());
-  EXPECT_FALSE(Button(kSet).isEnabled());
+  EXPECT_FALSE(Button(kSetId).isEnabled());
 }
 
 TEST_F(PortDetailsDialog, SetIsForTheConfiguredPortWhileItIsNotConnected) {
@@ -129,10 +33,10 @@ TEST_F(PortDetailsDialog, SetIsForTheConfiguredPortWhileItIsNotConnected) {
   Configure("COM3");
   Open();
   EXPECT_EQ(window->windowTitle(), "Quarn - Detailed COM Port List  (COM3-NC)  ");
-  EXPECT_TRUE(Button(kSet).isEnabled());
-  Click(kSet);
+  EXPECT_TRUE(Button(kSetId).isEnabled());
+  Click(kSetId);
   EXPECT_EQ(Happened(), (QStringList{"pause 500", ChoiceConnected("COM3")}));
-  EXPECT_FALSE(Button(kSet).isEnabled());
+  EXPECT_FALSE(Button(kSetId).isEnabled());
 }
 
 TEST_F(PortDetailsDialog, ClickedRowIsConnectedBySet) {
@@ -142,19 +46,19 @@ TEST_F(PortDetailsDialog, ClickedRowIsConnectedBySet) {
   Open();
   ClickRadio(1);
   EXPECT_EQ(Checked(), QList<int>{1});
-  EXPECT_TRUE(Button(kSet).isEnabled());
+  EXPECT_TRUE(Button(kSetId).isEnabled());
   WaitForATick();
   EXPECT_EQ(Checked(), QList<int>{1});
-  EXPECT_TRUE(Button(kSet).isEnabled());
+  EXPECT_TRUE(Button(kSetId).isEnabled());
   QString title;
   pause.during = [&] { title = window->windowTitle(); };
-  Click(kSet);
+  Click(kSetId);
   EXPECT_EQ(title, "Quarn - Detailed COM Port List  (COM3)   Connecting Port ... ");
   EXPECT_EQ(Happened(), (QStringList{"pause 500", ChoiceConnected("COM4")}));
   EXPECT_EQ(WorkingFile(), FileWith({{"COM_PORT", "COM4"}}));
   EXPECT_EQ(Checked(), QList<int>{1});
   EXPECT_EQ(window->windowTitle(), "Quarn - Detailed COM Port List  (COM4)  ");
-  EXPECT_FALSE(Button(kSet).isEnabled());
+  EXPECT_FALSE(Button(kSetId).isEnabled());
 }
 
 TEST_F(PortDetailsDialog, ClickOnADescriptionIsAClickOnItsRow) {
@@ -162,7 +66,7 @@ TEST_F(PortDetailsDialog, ClickOnADescriptionIsAClickOnItsRow) {
   Open();
   QTest::mouseClick(&Description(2), Qt::LeftButton);
   EXPECT_EQ(Checked(), QList<int>{2});
-  EXPECT_TRUE(Button(kSet).isEnabled());
+  EXPECT_TRUE(Button(kSetId).isEnabled());
 }
 
 TEST_F(PortDetailsDialog, ArrowKeysGoFromRowToRow) {
@@ -173,9 +77,9 @@ TEST_F(PortDetailsDialog, ArrowKeysGoFromRowToRow) {
   Press(Qt::Key_Down);
   EXPECT_EQ(Checked(), QList<int>{1});
   Press(Qt::Key_Tab);
-  EXPECT_EQ(QApplication::focusWidget(), &Button(kSet));
+  EXPECT_EQ(QApplication::focusWidget(), &Button(kSetId));
   Press(Qt::Key_Tab);
-  EXPECT_EQ(QApplication::focusWidget(), &Button(kOk));
+  EXPECT_EQ(QApplication::focusWidget(), &Button(kOkId));
 }
 
 TEST_F(PortDetailsDialog, ConnectedPortCannotBeSetAgain) {
@@ -183,9 +87,9 @@ TEST_F(PortDetailsDialog, ConnectedPortCannotBeSetAgain) {
   ConnectTo("COM3");
   Open();
   ClickRadio(0);
-  EXPECT_FALSE(Button(kSet).isEnabled());
+  EXPECT_FALSE(Button(kSetId).isEnabled());
   WaitForATick();
-  Click(kSet);
+  Click(kSetId);
   EXPECT_EQ(Happened(), QStringList());
 }
 
@@ -198,7 +102,7 @@ TEST_F(PortDetailsDialog, PortHeldByAnotherProcessIsReportedAndTheFormerIsOpenAg
   const std::string before = WorkingFile();
   Open();
   ClickRadio(1);
-  Click(kSet);
+  Click(kSetId);
   EXPECT_EQ(Happened(), (QStringList{"pause 500", ChoiceFailed("COM4", "")}));
   EXPECT_TRUE(program.connection.connected);
   EXPECT_TRUE(program.connection.handle.IsOpen());
@@ -214,7 +118,7 @@ TEST_F(PortDetailsDialog, PortThatVanishesBetweenClickAndSetIsRefused) {
   Open();
   ClickRadio(1);
   Unplug("COM4");
-  Click(kSet);
+  Click(kSetId);
   EXPECT_EQ(Happened(), (QStringList{"pause 500", ChoiceFailed("COM4", "")}));
   EXPECT_EQ(RowsShown(), 1);
   EXPECT_TRUE(program.connection.handle.IsOpen());
@@ -230,7 +134,7 @@ TEST_F(PortDetailsDialog, ListChangeShowsTheCurrentPortAgain) {
   program.state.requests.detailedListRefresh = true;
   EXPECT_TRUE(QTest::qWaitFor([&] { return RowsShown() == 1; }));
   EXPECT_EQ(Checked(), QList<int>{0});
-  EXPECT_FALSE(Button(kSet).isEnabled());
+  EXPECT_FALSE(Button(kSetId).isEnabled());
   Unplug("COM3");
   program.state.requests.detailedListRefresh = true;
   EXPECT_TRUE(QTest::qWaitFor([&] { return Status() == "No available COM ports detected."; }));
@@ -255,7 +159,7 @@ TEST_F(PortDetailsDialog, OkAsksBeforeItConnects) {
     messages.answers = {yes};
     Open();
     ClickRadio(0);
-    Click(kOk);
+    Click(kOkId);
     EXPECT_TRUE(IsGone());
     EXPECT_EQ(Happened(), yes ? (QStringList{kApplyQuestion, "pause 500", ChoiceConnected("COM3")})
                               : QStringList{kApplyQuestion});
@@ -287,67 +191,16 @@ TEST_F(PortDetailsDialog, NothingSlipsIntoAConnectThatIsUnderWay) {
   whileShown = [this] {
     ASSERT_TRUE(window);
     program.state.requests.detailedListClose = true;
-    Button(kSet).click();
-    Button(kOk).click();
+    Button(kSetId).click();
+    Button(kOkId).click();
     QTest::keyClick(window, Qt::Key_Escape);
     WaitForATick();
     ASSERT_TRUE(window) << "destroyed under its own message";
     EXPECT_TRUE(window->isVisible());
   };
-  Click(kSet);
+  Click(kSetId);
   EXPECT_TRUE(IsGone()) << "the close was put off, not forgotten";
   EXPECT_EQ(Happened(), (QStringList{"pause 500", ChoiceConnected("COM3")}));
-}
-
-TEST_F(PortDetailsDialog, LongDescriptionsAreWholeInTheToolTip) {
-  ports.names = {QStringLiteral("COM1")};
-  List();
-  ports.names = {QString(60, u'W') + QStringLiteral("<b>) - /dev/ttyUSB0 (COM1")};
-  Open();
-  const QString whole = QStringLiteral("Adapter (%1)").arg(ports.names.first());
-  EXPECT_LE(Description(0).sizeHint().width(), Description(0).width());
-  EXPECT_TRUE(Description(0).text().endsWith("(COM1)"));
-  EXPECT_TRUE(Description(0).text().contains(QChar(0x2026)));
-  EXPECT_EQ(Description(0).toolTip(), whole.toHtmlEscaped());
-  EXPECT_EQ(Description(0).accessibleName(), whole);
-}
-
-TEST_F(PortDetailsDialog, RowsScrollWhereTheScreenIsTooLow) {
-  ListOnly(30);
-  Configure("COM30");
-  for (const int percent : {100, 150}) {
-    const FontScale scale(percent);
-    Open();
-    EXPECT_EQ(RowsShown(), 30);
-    const QRect available = window->screen()->availableGeometry();
-    EXPECT_LE(OuterSize(*window).height(), available.height());
-    EXPECT_TRUE(window->rect().contains(Button(kOk).geometry()));
-    auto* scroll = window->findChild<QScrollArea*>();
-    EXPECT_GT(scroll->verticalScrollBar()->maximum(), 0);
-    // The current port is in sight.
-    const QRect row(Radio(29).mapTo(scroll->viewport(), QPoint(0, 0)), Radio(29).size());
-    EXPECT_TRUE(scroll->viewport()->rect().intersects(row));
-    EXPECT_EQ(Button(kOk).geometry().intersects(scroll->geometry()), false);
-    delete window;
-  }
-}
-
-TEST_F(PortDetailsDialog, NothingIsClippedWithLargerFonts) {
-  for (const int percent : {100, 150}) {
-    const FontScale scale(percent);
-    for (const int count : {0, 1, 5}) {
-      ListOnly(count);
-      Open();
-      ExpectNothingClipped(*window);
-      for (int i = 0; i < count; ++i) EXPECT_GE(Radio(i).width(), Radio(i).sizeHint().width());
-      if (count > 0) {
-        EXPECT_GE(Button(kSet).width(), Button(kSet).minimumSizeHint().width());
-        EXPECT_GE(Button(kSet).height(), Button(kSet).fontMetrics().height());
-      }
-      EXPECT_EQ(window->minimumSize(), window->maximumSize());
-      delete window;
-    }
-  }
 }
 
 }  // namespace
