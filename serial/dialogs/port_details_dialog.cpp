@@ -40,8 +40,7 @@ QString FittingDescription(const QString& description, const QFontMetrics& metri
   if (metrics.horizontalAdvance(description) <= width) return description;
   const QString rest = description.mid(std::max<qsizetype>(description.lastIndexOf(QLatin1String(" - ")), 0));
   const QString product = description.chopped(rest.size());
-  const QString cut =
-      metrics.elidedText(product, Qt::ElideRight, width - metrics.horizontalAdvance(rest)) + rest;
+  QString cut = metrics.elidedText(product, Qt::ElideRight, width - metrics.horizontalAdvance(rest)) + rest;
   if (!product.isEmpty() && metrics.horizontalAdvance(cut) <= width) return cut;
   return metrics.elidedText(description, Qt::ElideMiddle, width);
 }

@@ -2,9 +2,11 @@
 
 #include <QAbstractItemView>
 #include <QComboBox>
+#include <QTimer>
 
 #include "app/port_dialog_fixture.h"
 #include "ui/held_pause.h"
+#include "ui/window_messages.h"
 
 namespace quarn::test {
 namespace {
@@ -264,6 +266,36 @@ TEST_F(PortNumberDialog, ASecondClickDuringTheWaitDoesNothing) {
   Click(kSet);
   QTest::qWait(300);
   EXPECT_EQ(Happened(), QStringList{ChoiceConnected("COM3")});
+}
+
+TEST_F(PortNumberDialog, ItsMessageIsInFrontOfItAndOutlivedByIt) {
+  Plug("COM3");
+  WindowMessages boxes;
+  const DialogContext context{program.settings,
+                              program.workingSettingsFile,
+                              program.connection,
+                              program.state,
+                              *program.portSource,
+                              {*program.opener, boxes, indicator},
+                              pause};
+  window = new CPortNum(nullptr, context);
+  ShowActive(*window);
+  Pick("COM3");
+  bool seen = false;
+  QTimer::singleShot(0, qApp, [&] {
+    QWidget* box = QApplication::activeModalWidget();
+    ASSERT_NE(box, nullptr);
+    seen = box->parentWidget() == window;
+    program.state.requests.portNumberClose = true;
+    QTest::mouseClick(window->windowHandle(), Qt::LeftButton, {}, Button(kSet).geometry().center());
+    QTest::qWait(2 * PolledDialog::kTickMs);
+    ASSERT_TRUE(window);
+    QTest::keyClick(box, Qt::Key_Return);
+  });
+  Click(kSet);
+  EXPECT_TRUE(seen);
+  EXPECT_EQ(Happened(), QStringList{"pause 500"});
+  EXPECT_TRUE(IsGone()) << "the request was put off, not forgotten";
 }
 
 TEST_F(PortNumberDialog, TabFollowsTheReadingOrder) {
