@@ -79,25 +79,6 @@ void CQuarnDlg::CreateControls() {
   m_status->setFixedWidth(size.width() - 2 * size.x());
 }
 
-void CQuarnDlg::OpenTerminalScreen() {
-  if (std::exchange(m_program.state.open.terminalScreen, true)) return;
-  // One that was told to close may not have looked yet.
-  if (m_terminalScreen) m_terminalScreen->close();
-  m_program.state.open.terminalScreen = true;
-  // What was to be sent while there was no command line to be seen is not sent now.
-  m_program.state.requests.send = false;
-  m_program.state.requests.sendAction = false;
-  TerminalScreenContext context{
-      m_program.settings, m_program.connection,  m_program.state,     m_program.engine,
-      m_program.log,      m_program.commandLine, *m_program.messages, m_program.savedTerminalRect};
-  context.openFunctionKeyTable = [this] { OpenFunctionKeyTable(); };
-  context.openScreenOption = [this] { OpenScreenOption(); };
-  m_terminalScreen = new CTerminalScreen(this, context);
-  m_terminalScreen->show();
-  m_switch->setText(QStringLiteral("OFF"));
-  m_program.state.requests.mainRefresh = true;
-}
-
 void CQuarnDlg::ToggleTerminalScreen() {
   if (!m_program.state.open.terminalScreen) {
     OpenTerminalScreen();
@@ -105,27 +86,23 @@ void CQuarnDlg::ToggleTerminalScreen() {
   }
   m_program.state.open.terminalScreen = false;
   m_program.state.requests.terminalClose = true;
-  m_switch->setText(QStringLiteral("ON"));
+  ShowSwitch();
   m_program.state.requests.mainRefresh = true;
 }
 
-void CQuarnDlg::OpenFunctionKeyTable() {
-  if (m_program.state.open.functionKeyTable) return;
-  m_functionKeyTable = new CSetMem(this, {m_program.settings, m_program.workingSettingsFile, m_program.state,
-                                          *m_program.messages, m_program.savedFunctionTableRect});
-  m_functionKeyTable->show();
-  m_program.state.requests.mainRefresh = true;
+void CQuarnDlg::ShowSwitch() {
+  m_switch->setText(m_program.state.open.terminalScreen ? QStringLiteral("OFF") : QStringLiteral("ON"));
 }
 
 void CQuarnDlg::OnTick() {
   if (std::exchange(m_program.state.requests.mainRefresh, false)) Refresh();
   PlaceAgainWithFrame();
-  PlaceCommandFormatWithFrame();
+  PlaceDialogsWithFrame();
   m_monitor.Tick();
 }
 
 void CQuarnDlg::Refresh() {
-  m_switch->setText(m_program.state.open.terminalScreen ? QStringLiteral("OFF") : QStringLiteral("ON"));
+  ShowSwitch();
   SetTitle(QString());
   UpdateMenuState();
   ShowUserFile();

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QPointer>
-#include <optional>
 #include <vector>
 
 #include "app/file_chooser_dialog.h"
@@ -22,6 +21,9 @@ namespace quarn {
 
 class CCommandFormat;
 class CMainOption;
+class CPortDetails;
+class CPortNum;
+class CPortSettings;
 class CScreenOption;
 class CSetMem;
 class CTerminalScreen;
@@ -61,14 +63,28 @@ class CQuarnDlg final : public PolledDialog, public MainWindow {
   void Refresh();
   void ToggleTerminalScreen();
   void OpenFunctionKeyTable();
+  void OpenPortNumber();
+  void OpenDetailedPortList();
+  void OpenPortSettings();
   void ShowAbout();
   void OpenCommandFormat();
   void OpenScreenOption();
   void OpenMainOption();
-  void PlaceCommandFormat();
-  void PlaceCommandFormatWithFrame();
   [[nodiscard]] DialogContext Context();
   void PlaceAgainWithFrame();
+  void ShowSwitch();
+
+  using PlaceRule = QPoint (*)(const QRect& mainDialog, QSize dialog, QSize screen);
+  /// A dialog that has been placed before its frame was known.
+  struct PlacedOnce {
+    QPointer<QWidget> dialog;
+    QPoint place;
+    PlaceRule rule;
+  };
+  void ShowPlaced(QWidget& dialog, PlaceRule rule);
+  [[nodiscard]] QPoint PlaceOf(const QWidget& dialog, PlaceRule rule) const;
+  /// Once more for each dialog whose frame is known now.
+  void PlaceDialogsWithFrame();
   [[nodiscard]] bool IsForThisWindow(const QObject* receiver) const;
 
   Program& m_program;
@@ -81,13 +97,16 @@ class CQuarnDlg final : public PolledDialog, public MainWindow {
   QPointer<CCommandFormat> m_commandFormat;
   QPointer<CScreenOption> m_screenOption;
   QPointer<CMainOption> m_mainOption;
+  QPointer<CPortNum> m_portNumber;
+  QPointer<CPortDetails> m_portDetails;
+  QPointer<CPortSettings> m_portSettings;
   QMenuBar* m_menuBar = nullptr;
   std::vector<QAction*> m_actions;  ///< as in MenuItems
   QPushButton* m_switch = nullptr;
   QLabel* m_status = nullptr;
+  std::vector<PlacedOnce> m_placedDialogs;
   QPoint m_placeInPercent{-1, -1};  ///< negative when there is no place to be kept
   QPoint m_placed;
-  std::optional<QPoint> m_commandFormatPlaced;  ///< until its frame is known
 };
 
 }  // namespace quarn

@@ -63,6 +63,14 @@ class MainDialog : public AppTest {
     }
     return windows;
   }
+  /// The windows of this kind that are there to be seen.
+  QList<QWidget*> Shown(const char* name) {
+    QList<QWidget*> shown;
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+      if (widget->isVisible() && widget->objectName() == QLatin1String(name)) shown.append(widget);
+    }
+    return shown;
+  }
 
   CQuarnDlg dialog{program};
 };
@@ -163,6 +171,57 @@ TEST_F(MainDialog, HeadingIsBold) {
   EXPECT_EQ(heading->text(), QStringLiteral("Quarn  :  Serial Port Terminal"));
   EXPECT_EQ(heading->font().weight(), QFont::Bold);
   EXPECT_NE(dialog.font().weight(), QFont::Bold);
+}
+
+TEST_F(MainDialog, OpensEachDialogOfThePortMenuOnce) {
+  const std::map<int, const char*> dialogs{
+      {32791, "CPortNum"}, {32792, "CPortDetails"}, {32783, "CPortSettings"}};
+  for (const auto& [id, name] : dialogs) {
+    EXPECT_TRUE(Action(id)->isEnabled()) << name;
+    Action(id)->trigger();
+    ASSERT_EQ(Shown(name).size(), 1) << name;
+    QWidget* first = Shown(name).first();
+    dialog.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
+    Action(id)->trigger();
+    EXPECT_EQ(Shown(name), QList<QWidget*>{first}) << name;
+    EXPECT_TRUE(QTest::qWaitForWindowActive(first)) << name;
+    first->close();
+    ASSERT_TRUE(QTest::qWaitFor([&, name = name] { return Shown(name).isEmpty(); })) << name;
+    Action(id)->trigger();
+    EXPECT_EQ(Shown(name).size(), 1) << name;
+  }
+  EXPECT_TRUE(program.state.open.portNumber);
+  EXPECT_TRUE(program.state.open.detailedPortList);
+}
+
+TEST_F(MainDialog, PortNumberDialogComesUpBelow) {
+  Action(32791)->trigger();
+  ASSERT_EQ(Shown("CPortNum").size(), 1);
+  const QWidget& opened = *Shown("CPortNum").first();
+  EXPECT_EQ(opened.x(), dialog.x());
+  EXPECT_GE(opened.y(), dialog.y() + dialog.height());
+}
+
+TEST_F(MainDialog, PortDialogThatWasToldToCloseStaysWhenItIsWantedAgain) {
+  for (const auto& [id, name] : {std::pair{32791, "CPortNum"}, {32792, "CPortDetails"}}) {
+    Action(id)->trigger();
+    program.state.requests.portNumberClose = true;
+    program.state.requests.detailedListClose = true;
+    Action(id)->trigger();
+    QTest::qWait(2 * PolledDialog::kTickMs);
+    EXPECT_EQ(Shown(name).size(), 1) << name;
+  }
+}
+
+TEST_F(MainDialog, DetailedListDoesNotOpenForTooManyPorts) {
+  program.state.tooManyPorts = true;
+  Action(32792)->trigger();
+  EXPECT_EQ(Happened(),
+            QStringList{"information/: Information//Too many COM ports to display in the detailed list. "
+                        "/Select a COM port from the \"COM Port Number\" dialog."});
+  EXPECT_TRUE(Shown("CPortDetails").isEmpty());
+  EXPECT_FALSE(program.state.open.detailedPortList);
 }
 
 TEST_F(MainDialog, SwitchOpensAndClosesTheTerminalScreen) {

@@ -1,0 +1,139 @@
+// The windows that the menu opens, each there once.
+
+#include <QLayout>
+#include <QScreen>
+#include <QWindow>
+
+#include "app/dialog_placement.h"
+#include "app/main_dialog.h"
+#include "serial/dialogs/dialog_context.h"
+#include "serial/dialogs/port_details_dialog.h"
+#include "serial/dialogs/port_number_dialog.h"
+#include "serial/dialogs/port_settings_dialog.h"
+#include "settings/dialogs/command_format.h"
+#include "settings/dialogs/main_option.h"
+#include "settings/dialogs/screen_option.h"
+#include "terminal/dialogs/set_mem.h"
+#include "terminal/dialogs/terminal_screen.h"
+#include "ui/placement.h"
+
+namespace quarn {
+namespace {
+
+/// A window that is open comes to the front. False when there is none.
+bool BringToFront(QWidget* window, bool open) {
+  if (window == nullptr || !open) return false;
+  window->raise();
+  window->activateWindow();
+  return true;
+}
+
+}  // namespace
+
+DialogContext CQuarnDlg::Context() {
+  return {.settings = m_program.settings,
+          .workingSettingsFile = m_program.workingSettingsFile,
+          .connection = m_program.connection,
+          .state = m_program.state,
+          .portSource = *m_program.portSource,
+          .environment = m_program.Environment(),
+          .pause = m_pause};
+}
+
+void CQuarnDlg::OpenTerminalScreen() {
+  if (m_program.state.open.terminalScreen) return;
+  // One that was told to close may not have looked yet.
+  if (m_terminalScreen) m_terminalScreen->close();
+  m_program.state.open.terminalScreen = true;
+  // What was to be sent while there was no command line to be seen is not sent now.
+  m_program.state.requests.send = false;
+  m_program.state.requests.sendAction = false;
+  TerminalScreenContext context{
+      m_program.settings, m_program.connection,  m_program.state,     m_program.engine,
+      m_program.log,      m_program.commandLine, *m_program.messages, m_program.savedTerminalRect};
+  context.openFunctionKeyTable = [this] { OpenFunctionKeyTable(); };
+  context.openScreenOption = [this] { OpenScreenOption(); };
+  m_terminalScreen = new CTerminalScreen(this, context);
+  m_terminalScreen->show();
+  ShowSwitch();
+  m_program.state.requests.mainRefresh = true;
+}
+
+void CQuarnDlg::OpenFunctionKeyTable() {
+  if (BringToFront(m_functionKeyTable, m_program.state.open.functionKeyTable)) return;
+  m_functionKeyTable = new CSetMem(this, {m_program.settings, m_program.workingSettingsFile, m_program.state,
+                                          *m_program.messages, m_program.savedFunctionTableRect});
+  m_functionKeyTable->show();
+  m_program.state.requests.mainRefresh = true;
+}
+
+void CQuarnDlg::OpenPortNumber() {
+  // One that was told to close, and has not looked yet, is wanted again.
+  m_program.state.requests.portNumberClose = false;
+  if (BringToFront(m_portNumber, m_program.state.open.portNumber)) return;
+  m_portNumber = new CPortNum(this, Context());
+  ShowPlaced(*m_portNumber, PlaceBelow);
+}
+
+void CQuarnDlg::OpenDetailedPortList() {
+  if (m_program.state.tooManyPorts) {
+    m_program.messages->ShowInformationMessage(
+        QStringLiteral(": Information"), QString(),
+        QStringLiteral("Too many COM ports to display in the detailed list. "),
+        QStringLiteral("Select a COM port from the \"COM Port Number\" dialog."));
+    return;
+  }
+  m_program.state.requests.detailedListClose = false;
+  if (BringToFront(m_portDetails, m_program.state.open.detailedPortList)) return;
+  m_portDetails = new CPortDetails(this, Context());
+  m_portDetails->show();
+}
+
+void CQuarnDlg::OpenPortSettings() {
+  if (BringToFront(m_portSettings, m_portSettings && m_portSettings->isVisible())) return;
+  m_portSettings = new CPortSettings(this, Context());
+  m_portSettings->show();
+}
+
+void CQuarnDlg::OpenCommandFormat() {
+  if (BringToFront(m_commandFormat, m_program.state.open.commandFormat)) return;
+  m_commandFormat = new CCommandFormat(this, Context());
+  ShowPlaced(*m_commandFormat, PlaceBeside);
+}
+
+void CQuarnDlg::OpenScreenOption() {
+  if (BringToFront(m_screenOption, m_program.state.open.terminalScreenOption)) return;
+  m_screenOption = new CScreenOption(this, Context());
+  m_screenOption->show();
+}
+
+void CQuarnDlg::OpenMainOption() {
+  if (BringToFront(m_mainOption, m_program.state.open.mainDialogOption)) return;
+  m_mainOption = new CMainOption(this, Context());
+  m_mainOption->show();
+}
+
+void CQuarnDlg::ShowPlaced(QWidget& dialog, PlaceRule rule) {
+  dialog.ensurePolished();
+  dialog.adjustSize();
+  dialog.move(PlaceOf(dialog, rule));
+  m_placedDialogs.push_back({&dialog, dialog.pos(), rule});
+  dialog.show();
+}
+
+QPoint CQuarnDlg::PlaceOf(const QWidget& dialog, PlaceRule rule) const {
+  return rule({pos(), OuterSize(*this)}, OuterSize(dialog), screen()->geometry().size());
+}
+
+void CQuarnDlg::PlaceDialogsWithFrame() {
+  std::erase_if(m_placedDialogs, [this](const PlacedOnce& each) {
+    if (!each.dialog) return true;
+    const QWindow* window = each.dialog->windowHandle();
+    if (window == nullptr || window->frameMargins().isNull()) return false;
+    // Unless somebody has moved it meanwhile.
+    if (each.dialog->pos() == each.place) each.dialog->move(PlaceOf(*each.dialog, each.rule));
+    return true;
+  });
+}
+
+}  // namespace quarn

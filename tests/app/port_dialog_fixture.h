@@ -1,0 +1,132 @@
+#pragma once
+
+#include <sys/file.h>
+
+#include <QApplication>
+#include <QPointer>
+#include <QPushButton>
+#include <QTest>
+#include <memory>
+
+#include "app/app_fixture.h"
+#include "serial/dialogs/dialog_context.h"
+#include "serial/port_list.h"
+#include "settings/settings_table.h"
+#include "support/dialog_controls.h"
+#include "ui/polled_dialog.h"
+
+namespace quarn::test {
+
+/// A wait that takes no time and is written down.
+class NotedPause final : public Pause {
+ public:
+  explicit NotedPause(QStringList& journal) : m_journal(journal) {}
+  std::function<void()> during;
+  void For(int ms) override {
+    m_journal.append(QStringLiteral("pause %1").arg(ms));
+    if (during) during();
+  }
+
+ private:
+  QStringList& m_journal;
+};
+
+/// What the port dialogs work on: real lines behind the ports, and a working settings file.
+class PortDialogTest : public AppTest {
+ protected:
+  void SetUp() override {
+    MakeFolders();
+    WriteSettings(program.workingSettingsFile, {});
+    program.settings = DefaultSettings();
+  }
+  ~PortDialogTest() override { delete window.data(); }
+
+  DialogContext Context() {
+    return {program.settings,
+            program.workingSettingsFile,
+            program.connection,
+            program.state,
+            *program.portSource,
+            program.Environment(),
+            pause};
+  }
+  /// A port with a real line behind it; the list is read anew.
+  void Plug(const QString& port) {
+    m_terminals.push_back(std::make_unique<PseudoTerminal>());
+    PlugIn(port, *m_terminals.back());
+    List();
+  }
+  void Unplug(const QString& port) {
+    ports.names.removeAll(port);
+    QFile::remove(PortsFolder(m_folder) + QLatin1Char('/') + port);
+    List();
+  }
+  /// The ports are there by name only.
+  void ListOnly(int count) {
+    ports.names.clear();
+    for (int i = 1; i <= count; ++i) ports.names.append(QStringLiteral("COM%1").arg(i));
+    List();
+  }
+  void List() { ASSERT_TRUE(RefreshPortList(ports, program.connection)); }
+  /// The port is the configured one, in the file too, and open.
+  void ConnectTo(const QString& port) {
+    Configure(port);
+    ASSERT_TRUE(UpdateValue(program.workingSettingsFile, keys::kComPort, port));
+    ASSERT_TRUE(ConnectPort(program.settings, program.connection, program.Environment()));
+    program.connection.connected = true;
+  }
+  /// Another process has the port for itself.
+  std::unique_ptr<OtherProcess> HeldByAnother(std::size_t terminal) {
+    const std::string node = m_terminals.at(terminal)->Node();
+    return std::make_unique<OtherProcess>([node] {
+      const int device = ::open(node.c_str(), O_RDWR | O_NOCTTY);
+      return device >= 0 && ::flock(device, LOCK_EX | LOCK_NB) == 0;
+    });
+  }
+  std::string WorkingFile() { return Bytes(program.workingSettingsFile); }
+  /// The file of the defaults with these values.
+  std::string FileWith(const QList<std::pair<QString, QString>>& values) {
+    const QString path = m_folder + QStringLiteral("expected.ini");
+    WriteSettings(path, values);
+    return Bytes(path);
+  }
+
+  template <typename Dialog>
+  Dialog& Show() {
+    auto* dialog = new Dialog(nullptr, Context());
+    window = dialog;
+    ShowActive(*dialog);
+    return *dialog;
+  }
+  QPushButton& Button(int id) { return *Control<QPushButton>(*window, id); }
+  void Click(int id) {
+    if (window) QTest::mouseClick(&Button(id), Qt::LeftButton);
+  }
+  bool IsGone() {
+    return QTest::qWaitFor([this] { return window.isNull(); });
+  }
+  /// At least one look of the dialog's at its surroundings.
+  void WaitForATick() { QTest::qWait(PolledDialog::kTickMs * 3 / 2); }
+
+  NotedPause pause{journal};
+  QPointer<QDialog> window;
+
+ private:
+  static std::string Bytes(const QString& path) {
+    return ReadWholeBytes(path).value_or(QByteArray()).toStdString();
+  }
+
+  std::vector<std::unique_ptr<PseudoTerminal>> m_terminals;
+};
+
+inline QString ChoiceConnected(const char* port) {
+  return QStringLiteral("information/: Information//Successfully connected to  \"%1\"/")
+      .arg(QLatin1String(port));
+}
+/// `end`: the full stop, where there is one.
+inline QString ChoiceFailed(const char* port, const char* end) {
+  return QStringLiteral("error/: Error//Failed to connect to \"%1\"%2/Check \"Detailed COM Port List\".")
+      .arg(QLatin1String(port), QLatin1String(end));
+}
+
+}  // namespace quarn::test
