@@ -90,7 +90,8 @@ void CQuarnDlg::OpenDetailedPortList() {
 }
 
 void CQuarnDlg::OpenPortSettings() {
-  if (BringToFront(m_portSettings, m_portSettings && m_portSettings->isVisible())) return;
+  // It has no open flag: it is there as long as it lives.
+  if (BringToFront(m_portSettings, !m_portSettings.isNull())) return;
   m_portSettings = new CPortSettings(this, Context());
   m_portSettings->show();
 }
