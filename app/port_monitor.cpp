@@ -55,11 +55,8 @@ void PortMonitor::Tick() {
     return;
   }
   ++m_ticks;
-  FriendlyNameTable scratch;
   std::int32_t count = 0;
-  if (!EnumeratePorts(*m_program.portSource, scratch, count) || count == m_program.connection.portCount) {
-    return;
-  }
+  if (!CountPorts(*m_program.portSource, count) || count == m_program.connection.portCount) return;
   m_updating = true;
   Update();
   m_updating = false;

@@ -1,10 +1,27 @@
 #include "serial/port_list.h"
 
 #include <QStringList>
+#include <algorithm>
 
 #include "serial/port_names.h"
 
 namespace quarn {
+
+namespace {
+
+bool IsListed(const QString& name) {
+  return name.size() <= kFriendlyNameCapacity && name.contains(QLatin1String("COM"));
+}
+
+}  // namespace
+
+bool CountPorts(PortSource& source, std::int32_t& count) {
+  QStringList names;
+  if (!source.FriendlyNames(names)) return false;
+  const auto listed = std::count_if(names.cbegin(), names.cend(), IsListed);
+  count = static_cast<std::int32_t>(std::min<qsizetype>(listed, kPortCapacity));
+  return true;
+}
 
 bool EnumeratePorts(PortSource& source, FriendlyNameTable& friendlyNames, std::int32_t& count) {
   QStringList names;
@@ -17,7 +34,7 @@ bool EnumeratePorts(PortSource& source, FriendlyNameTable& friendlyNames, std::i
     if (kept == friendlyNames.size()) {
       break;
     }
-    if (name.size() <= kFriendlyNameCapacity && name.contains(QLatin1String("COM"))) {
+    if (IsListed(name)) {
       friendlyNames[kept++] = name;
     }
   }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QColor>
 #include <QString>
 #include <QWidget>
 
@@ -13,12 +14,15 @@ class StaticText : public QWidget {
   explicit StaticText(QWidget* parent);
   [[nodiscard]] const QString& Text() const { return m_text; }
   void SetText(const QString& text);
+  /// Fills its rectangle itself, so that a change of the text need not repaint what lies behind.
+  void SetBackground(const QColor& colour);
 
  protected:
   void paintEvent(QPaintEvent* event) override;
 
  private:
   QString m_text;
+  QColor m_background;  ///< invalid: what lies behind shows through
 };
 
 }  // namespace quarn

@@ -159,6 +159,8 @@ void CTerminalScreen::ApplyColours() {
   if (IsDark(m_scheme)) colours.setColor(QPalette::WindowText, kWhite);
   m_prompt->setPalette(colours);
   m_commandDisplay->setPalette(colours);
+  // It changes with every blink of the cursor.
+  m_commandDisplay->SetBackground(BackgroundOf(m_scheme));
   for (StaticText* row : m_rows) row->setPalette(colours);
   update();
 }

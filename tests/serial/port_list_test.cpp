@@ -68,6 +68,29 @@ TEST(EnumeratePorts, EndsAtAHundred) {
   EXPECT_EQ(table[99], "Port 99 (COM1)");
 }
 
+TEST(CountPorts, CountsWhatEnumeratePortsKeeps) {
+  QStringList many("no port at all");
+  for (int i = 0; i < 120; ++i) many.append(QString("Port (COM%1)").arg(i));
+  const QStringList mixed{"Printer (LPT1)", "TELECOM box", "Port (COM4)", QString(300, 'x') + "COM"};
+  for (const QStringList& list : {QStringList(), mixed, many}) {
+    ScriptedSource source(list);
+    FriendlyNameTable table;
+    std::int32_t kept = -1;
+    std::int32_t counted = -2;
+    ASSERT_TRUE(EnumeratePorts(source, table, kept));
+    ASSERT_TRUE(CountPorts(source, counted));
+    EXPECT_EQ(counted, kept);
+  }
+}
+
+TEST(CountPorts, TouchesNothingWhenThereIsNoList) {
+  ScriptedSource source({"Port (COM4)"});
+  source.Break();
+  std::int32_t count = 7;
+  EXPECT_FALSE(CountPorts(source, count));
+  EXPECT_EQ(count, 7);
+}
+
 TEST(EnumeratePorts, TouchesNothingWhenThereIsNoList) {
   ScriptedSource source({"Port (COM1)"});
   source.Break();
