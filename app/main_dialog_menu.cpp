@@ -19,7 +19,7 @@ struct CQuarnDlg::MenuItem {
   int commandId;
   const char* text;
   const char* name;
-  void (*run)(CQuarnDlg&);  ///< null: its dialog does not exist yet, and the item stays disabled
+  void (*run)(CQuarnDlg&);
 };
 
 const std::vector<CQuarnDlg::MenuItem>& CQuarnDlg::MenuItems() {
@@ -90,8 +90,7 @@ void CQuarnDlg::UpdateMenuState() {
       .functionKeyTableOpen = m_program.state.open.functionKeyTable,
   };
   for (std::size_t i = 0; i < m_actions.size(); ++i) {
-    const MenuItem& item = MenuItems()[i];
-    m_actions[i]->setEnabled(item.run != nullptr && IsCommandEnabled(item.commandId, facts));
+    m_actions[i]->setEnabled(IsCommandEnabled(MenuItems()[i].commandId, facts));
   }
 }
 

@@ -228,6 +228,8 @@ void CSetMem::Send() {
 void CSetMem::ToggleEditing() {
   if (m_table.IsEditing()) {
     m_table.FinishEditing();
+    // A long command is read from its start.
+    for (QLineEdit* field : m_fields) field->setCursorPosition(0);
     m_context.state.requests.terminalRefresh = true;
   } else {
     m_table.StartEditing();

@@ -250,6 +250,15 @@ TEST_F(SetMem, LongTextsFromAFileAreNotCut) {
   EXPECT_EQ(settings.mem[8].size(), 100);
 }
 
+TEST_F(SetMem, LongTextsAreSeenFromTheirStartAfterEditing) {
+  OpenTable();
+  ClickCommand(kEdit);
+  Retype(0, QByteArray(64, 'W').constData());
+  EXPECT_EQ(Field(0).cursorPosition(), 64);
+  ClickCommand(kEdit);
+  EXPECT_EQ(Field(0).cursorPosition(), 0);
+}
+
 TEST_F(SetMem, ClipsNothingInAnyMode) {
   for (const int percent : {100, 150}) {
     const FontScale scale(percent);
