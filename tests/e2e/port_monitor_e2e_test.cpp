@@ -20,6 +20,46 @@ class PortWatch : public Commands {
     EXPECT_TRUE(desktop.Windows(kError).isEmpty()) << "told more than once";
     Answer(kQuestion, answer);
   }
+  /// Adds ports until there are thirty, with the detailed list open and showing all of them.
+  void ShowThirty() {
+    constexpr int kMost = 30;
+    const int present = static_cast<int>(portLinks.Names().size());
+    ASSERT_LT(present, kMost);
+    ASSERT_TRUE(portLinks.AddSilent(kMost - present, 50));
+    Choose(kPortMenu, kListItem);
+    // The links are made one by one, and each number of them may be announced.
+    ASSERT_TRUE(Eventually([this] { return RowsOfList() == kMost; })) << RowsOfList();
+    ASSERT_TRUE(WaitForNoWindow(kPassing));
+  }
+  int RowsOfList() {
+    int rows = 0;
+    for (const Control& each : Controls(kList)) rows += each.role == QLatin1String("radio button") ? 1 : 0;
+    return rows;
+  }
+  /// Chooses the detailed list: whether the box that refuses it comes. What comes instead is closed.
+  bool ListIsRefused() {
+    Choose(kPortMenu, kListItem);
+    EXPECT_TRUE(
+        Eventually([this] { return !desktop.Windows(kList).isEmpty() || !Texts(kInformation).isEmpty(); }));
+    if (Texts(kInformation) == kListRefused) return true;
+    // The port may be noticed while the list is open, which then closes with a box of its own.
+    EXPECT_TRUE(Eventually([this] {
+      if (!Texts(kInformation).isEmpty()) {
+        Acknowledge(kInformation, kListCloses);
+      } else if (const std::optional<Control> ok = FindControl(kList, QStringLiteral("OK"))) {
+        ClickOnScreen(ok->place.center());
+      }
+      return desktop.Windows(kList).isEmpty() && desktop.Windows(kInformation).isEmpty();
+    }));
+    return false;
+  }
+
+  const QString kListItem = QStringLiteral("Detailed COM Port List");
+  const QString kList = QStringLiteral("^Quarn - Detailed COM Port List");
+  const QStringList kListRefused{QStringLiteral("Too many COM ports to display in the detailed list. "),
+                                 QStringLiteral("Select a COM port from the \"COM Port Number\" dialog.")};
+  const QStringList kListCloses{QStringLiteral("Too many COM ports to display in the detailed list."),
+                                QStringLiteral("The \"Detailed COM Port List\" will be closed.")};
   const QString kUpdated = QStringLiteral("COM port list has been updated.");
   const QStringList kQuestion{QStringLiteral("Do you want to connect to \"COM3\" ?")};
 };
@@ -62,30 +102,32 @@ TEST_F(PortWatch, AnotherPortIsOnlyAnnounced) {
 }
 
 TEST_F(PortWatch, MoreThanThirtyPortsAreNotAnnounced) {
-  constexpr int kMost = 30;
   StartConnected("* -> line \"OK\"");
   ASSERT_TRUE(MainTitleBecomes(QStringLiteral("Quarn   (COM3)")));
-  const int present = static_cast<int>(portLinks.Names().size());
-  ASSERT_LT(present, kMost);
-  ASSERT_TRUE(portLinks.AddSilent(kMost - present, 50));
-  // Links are made one by one: there may be a message for the first of them, and another for the rest.
-  EXPECT_TRUE(Passes(kUpdated));
-  EnterCommand(QStringLiteral("thirty"));
-  ASSERT_TRUE(WireBecomes("thirty\r"));
-  ASSERT_TRUE(WaitForNoWindow(kPassing));
-  PropertyWatch windows(desktop, {QStringLiteral("-root")}, QStringLiteral("_NET_CLIENT_LIST"));
+  ShowThirty();
+  ClickButton(kList, QStringLiteral("OK"), [this] { return desktop.Windows(kList).isEmpty(); });
   ASSERT_TRUE(portLinks.AddSilent(1, 99));
-  std::string wire = "thirty\r";
-  // Nothing shows that the port has been noticed: do so much that it has been.
-  for (int i = 0; i < 12; ++i) {
-    EnterCommand();
-    wire += "thirty\r";
-    ASSERT_TRUE(WireBecomes(wire));
-  }
-  EXPECT_EQ(windows.Lines().count('\n'), 1) << "a box has come: " << windows.Lines().toStdString();
+  // Nothing but the refusal shows that the port has been noticed.
+  EXPECT_TRUE(Eventually([this] { return ListIsRefused(); }));
+  EXPECT_TRUE(desktop.Windows(kPassing).isEmpty()) << "the port has been announced";
+  AnswerBox(kInformation, QStringLiteral("OK"));
+  EXPECT_TRUE(desktop.Windows(kPassing).isEmpty()) << "the port has been announced";
   ASSERT_TRUE(portLinks.Remove(QStringLiteral("COM99")));
   EXPECT_TRUE(Passes(kUpdated));
   EXPECT_TRUE(MainTitleBecomes(QStringLiteral("Quarn   (COM3)")));
+}
+
+TEST_F(PortWatch, MoreThanThirtyPortsCloseTheList) {
+  StartConnected("* -> line \"OK\"");
+  ASSERT_TRUE(MainTitleBecomes(QStringLiteral("Quarn   (COM3)")));
+  ShowThirty();
+  ASSERT_TRUE(portLinks.AddSilent(1, 99));
+  Acknowledge(kInformation, kListCloses);
+  EXPECT_TRUE(WaitForNoWindow(kList));
+  EXPECT_TRUE(ListIsRefused());
+  AnswerBox(kInformation, QStringLiteral("OK"));
+  EnterCommand(QStringLiteral("id"));
+  EXPECT_TRUE(WireBecomes("id\r"));
 }
 
 }  // namespace
