@@ -90,8 +90,8 @@ void CQuarnDlg::OpenDetailedPortList() {
 }
 
 void CQuarnDlg::OpenPortSettings() {
-  // It has no open flag: it is there as long as it lives.
-  if (BringToFront(m_portSettings, !m_portSettings.isNull())) return;
+  // It has no open flag. A closed one may still be there for a moment.
+  if (QWidget* last = m_portSettings; last != nullptr && BringToFront(last, last->isVisible())) return;
   m_portSettings = new CPortSettings(this, Context());
   m_portSettings->show();
 }
