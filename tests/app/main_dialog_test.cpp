@@ -96,8 +96,8 @@ TEST_F(MainDialog, HasTheMenusInTheirOrder) {
           ("Port: 32791 COM Port Number, 32792 Detailed COM Port List, -, 32805 Connect COM Port, 32801 "
            "Disconnect COM Port, -, 32783 COM Port Settings, 32789 Reset Current COM Port"),
           "Tools: 32772 Terminal Screen, 32777 Function Key Table",
-          "Option: 32775 Command Format  (F), 32779 Terminal Screen Option  (T), 32790 Main Dialog Option "
-          "(M)",
+          ("Option: 32775 Command Format  (F), 32779 Terminal Screen Option  (T), 32790 Main Dialog Option "
+           "(M)"),
           "Help: 57667 About",
       }));
 }
