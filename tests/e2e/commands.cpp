@@ -66,7 +66,7 @@ void Commands::StartWithoutTerminal(std::string_view rules) {
 }
 
 QString Commands::UserFile(const QString& name, const QList<QPair<QString, QString>>& values) {
-  const QString path = PathOf(name);
+  QString path = PathOf(name);
   EXPECT_TRUE(WriteDefaultFile(path));
   for (const auto& [key, value] : values) {
     const QString whole = key + QLatin1Char('=');
