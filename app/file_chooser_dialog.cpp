@@ -15,7 +15,7 @@ namespace quarn {
 namespace {
 
 /// Room for every column of Qt's own dialog.
-constexpr QRect kDialogUnits{0, 0, 440, 240};
+constexpr QRect kChooserUnits{0, 0, 440, 240};
 
 /// Gives the columns of Qt's own dialog, behind the names, the width that their texts need.
 void FitColumns(QFileDialog& dialog) {
@@ -30,7 +30,7 @@ void FitColumns(QFileDialog& dialog) {
     const int needed = files->fontMetrics().horizontalAdvance(text + margin);
     files->header()->resizeSection(column, std::max(needed, files->header()->sectionSize(column)));
   }
-  dialog.resize(MapDialogUnits(dialog.font(), kDialogUnits).size());
+  dialog.resize(MapDialogUnits(dialog.font(), kChooserUnits).size());
 }
 
 void PutQuestion(QFileDialog& dialog, const FileQuestion& question) {

@@ -1,6 +1,5 @@
 #include "serial/port_folder_linux.h"
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -12,14 +11,11 @@
 #include <memory>
 #include <utility>
 
+#include "serial/folder_reader_linux.h"
+
 namespace quarn {
 
 namespace {
-
-struct CloseFolder {
-  void operator()(DIR* folder) const { ::closedir(folder); }
-};
-using OpenFolder = std::unique_ptr<DIR, CloseFolder>;
 
 std::error_code SystemError(int error) { return {error, std::generic_category()}; }
 

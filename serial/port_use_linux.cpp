@@ -1,6 +1,5 @@
 #include "serial/port_use_linux.h"
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <grp.h>
 #include <limits.h>
@@ -18,16 +17,13 @@
 #include <sstream>
 #include <string_view>
 
+#include "serial/folder_reader_linux.h"
+
 namespace quarn {
 
 namespace {
 
 using Pids = std::vector<pid_t>;
-
-struct CloseFolder {
-  void operator()(DIR* folder) const { ::closedir(folder); }
-};
-using OpenFolder = std::unique_ptr<DIR, CloseFolder>;
 
 void Note(pid_t& user, pid_t pid) {
   if (user == 0 && pid > 0 && pid != ::getpid()) {

@@ -3,13 +3,10 @@
 #include <algorithm>
 #include <array>
 
+#include "terminal/control_bytes.h"
+
 namespace quarn {
 namespace {
-
-constexpr char kStx = 0x02;
-constexpr char kEtx = 0x03;
-constexpr char kLf = 0x0A;
-constexpr char kCr = 0x0D;
 
 /// The transmit buffer takes 1024 bytes, the last of them a NUL.
 constexpr qsizetype kLongestTransmission = 1023;

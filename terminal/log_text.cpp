@@ -3,14 +3,13 @@
 #include <algorithm>
 #include <array>
 
+#include "terminal/control_bytes.h"
 #include "terminal/render.h"
 #include "terminal/screen_options.h"
 #include "terminal/wait_plan.h"
 
 namespace quarn {
 namespace {
-
-constexpr char kCr = '\r';
 
 struct ErrorText {
   TransactionResult result;

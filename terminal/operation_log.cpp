@@ -2,10 +2,11 @@
 
 #include <algorithm>
 
+#include "terminal/control_bytes.h"
+
 namespace quarn {
 namespace {
 
-constexpr char kCr = '\r';
 constexpr qsizetype kLongestText = 8192;
 constexpr qsizetype kNumberWidth = 4;
 

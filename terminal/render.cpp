@@ -2,10 +2,11 @@
 
 #include <cstdint>
 
+#include "terminal/control_bytes.h"
+
 namespace quarn {
 namespace {
 
-constexpr char kCr = '\r';
 constexpr unsigned char kFirstPrintable = 0x20;
 constexpr unsigned char kDelete = 0x7F;
 

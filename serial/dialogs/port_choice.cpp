@@ -83,7 +83,7 @@ void ChooseNoPort(const DialogContext& context) {
                                               QString());
   }
   connection.connected = false;
-  TakeAsCurrent(context, QString::fromUtf16(kNoPort));
+  TakeAsCurrent(context, NoPort());
   RaiseConnectionRefreshes(context.state.requests);
 }
 

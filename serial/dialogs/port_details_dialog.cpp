@@ -18,8 +18,6 @@ namespace quarn {
 namespace {
 
 constexpr int kStatusId = 1064;
-constexpr int kSetId = 1062;
-constexpr int kOkId = 1013;
 
 struct RowIds {
   int radio;
@@ -71,8 +69,8 @@ void CPortDetails::CreateControls() {
   m_radios = new QButtonGroup(this);
   for (int i = 0; i < kPortRowCount; ++i) CreateRow(i);
   connect(m_radios, &QButtonGroup::idClicked, this, [this](int index) { ClickRow(index); });
-  m_set = AddButton("setButton", QStringLiteral("SET"), kSetId, [this] { Set(); });
-  m_ok = AddButton("okButton", QStringLiteral("OK"), kOkId, [this] { PressOk(); });
+  m_set = AddButton("setButton", QStringLiteral("SET"), 1062, [this] { Set(); });
+  m_ok = AddButton("okButton", QStringLiteral("OK"), 1013, [this] { PressOk(); });
   m_ok->setDefault(true);
 }
 

@@ -15,11 +15,7 @@ namespace {
 
 constexpr int kLabelId = -1;
 constexpr int kPortsId = 1005;
-constexpr int kSetId = 1006;
-constexpr int kOkId = 1001;
 constexpr int kWidthUnits = 190;  // the title is seen whole
-
-QString NoPort() { return QString::fromUtf16(kNoPort); }
 
 }  // namespace
 
@@ -45,8 +41,8 @@ void CPortNum::CreateControls() {
   m_ports->setMaxVisibleItems(kPortRowCount);
   label->setBuddy(m_ports);
   connect(m_ports, &QComboBox::activated, this, [this] { PickItem(); });
-  m_set = AddButton("setButton", QStringLiteral("SET"), kSetId, [this] { Set(); });
-  m_ok = AddButton("okButton", QStringLiteral("OK"), kOkId, [this] { PressOk(); });
+  m_set = AddButton("setButton", QStringLiteral("SET"), 1006, [this] { Set(); });
+  m_ok = AddButton("okButton", QStringLiteral("OK"), 1001, [this] { PressOk(); });
   m_ok->setDefault(true);
 
   const DialogGrid measure(*this);

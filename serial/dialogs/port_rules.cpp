@@ -6,11 +6,8 @@
 #include "terminal/terminal_title.h"
 
 namespace quarn {
-namespace {
 
 QString NoPort() { return QString::fromUtf16(kNoPort); }
-
-}  // namespace
 
 PortSituation SituationOf(const SharedState& state, const PortConnection& connection) {
   PortSituation situation{state.currentPortName, connection.connected, {}};

@@ -15,10 +15,11 @@ namespace quarn {
 
 /// The current port's name, and the Port Number's first choice, when there is no port.
 inline constexpr char16_t kNoPort[] = u"NONE";
+QString NoPort();
 
 /// What the decisions depend on.
 struct PortSituation {
-  QString current = QString::fromUtf16(kNoPort);  ///< the current port name
+  QString current = NoPort();  ///< the current port name
   bool connected = false;
   QStringList ports;  ///< the ports present, in their order
 };

@@ -16,8 +16,6 @@ namespace quarn {
 namespace {
 
 constexpr int kDefaultId = 1001;
-constexpr int kSetId = 1084;
-constexpr int kOkId = 1002;
 constexpr int kXPercent = 50;
 constexpr int kYPercent = 20;
 constexpr int kFieldWidth = 95;  // dialog units; the title is seen whole
@@ -91,8 +89,8 @@ void CPortSettings::CreateButtons() {
   auto* grid = static_cast<QGridLayout*>(layout());
   grid->addWidget(
       AddButton("defaultButton", QStringLiteral("DEFAULT"), kDefaultId, [this] { RestoreDefaults(); }), 0, 3);
-  grid->addWidget(AddButton("setButton", QStringLiteral("SET"), kSetId, [this] { Set(); }), 2, 3);
-  QPushButton* ok = AddButton("okButton", QStringLiteral("OK"), kOkId, [this] { PressOk(); });
+  grid->addWidget(AddButton("setButton", QStringLiteral("SET"), 1084, [this] { Set(); }), 2, 3);
+  QPushButton* ok = AddButton("okButton", QStringLiteral("OK"), 1002, [this] { PressOk(); });
   ok->setDefault(true);
   grid->addWidget(ok, 3, 3);
 }

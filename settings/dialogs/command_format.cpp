@@ -12,7 +12,7 @@ constexpr OptionBinding kTimeout{&SettingsRecord::rTimeout, keys::kRTimeout};
 
 using enum OptionButton::Kind;
 
-constexpr std::array kButtons{
+constexpr std::array kFormatButtons{
     OptionButton{1015, Radio, "CR", "delimiterCr", kDelimiter, u"CR", StoreOption},
     OptionButton{1021, Radio, "LF", "delimiterLf", kDelimiter, u"LF", StoreOption},
     OptionButton{1022, Radio, "CRLF", "delimiterCrLf", kDelimiter, u"CRLF", StoreOption},
@@ -25,18 +25,18 @@ constexpr std::array kButtons{
     OptionButton{1088, Check, " Apply Response Timeout", "responseTimeout", kTimeout, nullptr, StoreOption},
 };
 
-constexpr std::array kLabels{
+constexpr std::array kFormatLabels{
     OptionLabel{keys::kDelimiter, "Delimiter   -----"},
     OptionLabel{keys::kComBuf, "Max Receive Buffer Size ----"},
     OptionLabel{keys::kPortSpeed, "Port Speed ----"},
 };
 
-const OptionDialogPlan kPlan{
+const OptionDialogPlan kFormatPlan{
     .className = "CCommandFormat",
     .title = "Quarn - Command Format",
     .leastUnits = {239, 90},
-    .buttons = kButtons,
-    .labels = kLabels,
+    .buttons = kFormatButtons,
+    .labels = kFormatLabels,
     .okId = 1013,
     .open = &OpenWindows::commandFormat,
     .refresh = &WindowRequests::commandFormatRefresh,
@@ -46,6 +46,6 @@ const OptionDialogPlan kPlan{
 }  // namespace
 
 CCommandFormat::CCommandFormat(QWidget* owner, const DialogContext& context)
-    : OptionDialog(owner, context, kPlan) {}
+    : OptionDialog(owner, context, kFormatPlan) {}
 
 }  // namespace quarn

@@ -7,19 +7,19 @@ namespace {
 
 constexpr OptionBinding kPosition{&SettingsRecord::mainPos, keys::kMainPos};
 
-constexpr std::array kButtons{
+constexpr std::array kMainButtons{
     OptionButton{1073, OptionButton::Radio, "TOP - LEFT", "topLeft", kPosition, u"TL", StoreOption},
     OptionButton{1074, OptionButton::Radio, "TOP - RIGHT", "topRight", kPosition, u"TR", StoreOption},
 };
 
-constexpr std::array kLabels{OptionLabel{keys::kMainPos, "Startup Display Position  ---"}};
+constexpr std::array kMainLabels{OptionLabel{keys::kMainPos, "Startup Display Position  ---"}};
 
-const OptionDialogPlan kPlan{
+const OptionDialogPlan kMainPlan{
     .className = "CMainOption",
     .title = "Quarn - Main Dialog Optiom",
     .leastUnits = {0, 0},
-    .buttons = kButtons,
-    .labels = kLabels,
+    .buttons = kMainButtons,
+    .labels = kMainLabels,
     .okId = 1,
     .open = &OpenWindows::mainDialogOption,
     .refresh = &WindowRequests::mainOptionRefresh,
@@ -29,6 +29,6 @@ const OptionDialogPlan kPlan{
 }  // namespace
 
 CMainOption::CMainOption(QWidget* owner, const DialogContext& context)
-    : OptionDialog(owner, context, kPlan) {}
+    : OptionDialog(owner, context, kMainPlan) {}
 
 }  // namespace quarn

@@ -15,7 +15,7 @@ constexpr OptionBinding kColour{&SettingsRecord::bkColor, keys::kBkColor};
 
 using enum OptionButton::Kind;
 
-constexpr std::array kButtons{
+constexpr std::array kScreenButtons{
     OptionButton{1070, Check, "Display Terminal Screen at Startup", "displayAtStartup", kStart, nullptr,
                  StoreOption},
     OptionButton{1071, Check, "Clear Command Line After Sending", "clearAfterSending", kClear, nullptr,
@@ -33,17 +33,17 @@ constexpr std::array kButtons{
     OptionButton{1068, Radio, "System", "colourSystem", kColour, u"SYSTEM", StoreShownOption},
 };
 
-constexpr std::array kLabels{
+constexpr std::array kScreenLabels{
     OptionLabel{keys::kInputMax, "Max Command Length  -----"},
     OptionLabel{keys::kBkColor, "Background Color  -----------"},
 };
 
-const OptionDialogPlan kPlan{
+const OptionDialogPlan kScreenPlan{
     .className = "CScreenOption",
     .title = "Quarn - Terminal Screen Option",
     .leastUnits = {0, 0},
-    .buttons = kButtons,
-    .labels = kLabels,
+    .buttons = kScreenButtons,
+    .labels = kScreenLabels,
     .okId = 1,
     .open = &OpenWindows::terminalScreenOption,
     .refresh = &WindowRequests::screenOptionRefresh,
@@ -53,6 +53,6 @@ const OptionDialogPlan kPlan{
 }  // namespace
 
 CScreenOption::CScreenOption(QWidget* owner, const DialogContext& context)
-    : OptionDialog(owner, context, kPlan) {}
+    : OptionDialog(owner, context, kScreenPlan) {}
 
 }  // namespace quarn

@@ -15,7 +15,7 @@ constexpr int kPorts = 1005;
 constexpr int kSet = 1006;
 constexpr int kOk = 1001;
 
-const QString kApplyQuestion = QStringLiteral(
+const QString kApplyChoice = QStringLiteral(
     "yes or no/: Confirmation//Setting has been changed./Is it OK to apply this configuration?");
 
 class PortNumberDialog : public PortDialogTest {
@@ -172,7 +172,7 @@ TEST_F(PortNumberDialog, OkAppliesAChangeThatIsConfirmed) {
   Pick("COM3");
   Click(kOk);
   EXPECT_TRUE(IsGone());
-  EXPECT_EQ(Happened(), (QStringList{kApplyQuestion, "pause 500", ChoiceConnected("COM3")}));
+  EXPECT_EQ(Happened(), (QStringList{kApplyChoice, "pause 500", ChoiceConnected("COM3")}));
   EXPECT_EQ(WorkingFile(), FileWith({{"COM_PORT", "COM3"}}));
   EXPECT_FALSE(program.state.open.portNumber);
 }
@@ -185,7 +185,7 @@ TEST_F(PortNumberDialog, OkLeavesAChangeThatIsNotConfirmed) {
   Pick("COM3");
   Click(kOk);
   EXPECT_TRUE(IsGone());
-  EXPECT_EQ(Happened(), QStringList{kApplyQuestion});
+  EXPECT_EQ(Happened(), QStringList{kApplyChoice});
   EXPECT_EQ(WorkingFile(), before);
   EXPECT_FALSE(program.connection.connected);
 }

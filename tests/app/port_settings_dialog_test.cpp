@@ -14,8 +14,8 @@ constexpr int kBits = 1006;
 constexpr int kParity = 1007;
 constexpr int kStop = 1008;
 constexpr int kDefault = 1001;
-constexpr int kSet = 1084;
-constexpr int kOk = 1002;
+constexpr int kSetLine = 1084;
+constexpr int kOkLine = 1002;
 
 const QString kDefaultQuestion =
     QStringLiteral("question/: Confirmation//Are you sure you want to restore the default settings? /");
@@ -80,7 +80,7 @@ TEST_F(PortSettingsDialog, RateThatIsNotOfferedIsNotSelectedAndStays) {
   EXPECT_EQ(window->windowTitle(), "Quarn - COM Port Settings  (110, 8, None, 1)");
   Pick(kParity, "Even");
   EXPECT_EQ(window->windowTitle(), "Quarn - COM Port Settings  (110, 8, Even, 1)");
-  Click(kSet);
+  Click(kSetLine);
   EXPECT_EQ(program.settings.comBps, "110");
   EXPECT_EQ(program.settings.comParity, "Even");
 }
@@ -93,7 +93,7 @@ TEST_F(PortSettingsDialog, SetStoresAndReopensTheConnectedPort) {
   Pick(kBps, "19200");
   Pick(kStop, "2");
   EXPECT_EQ(program.settings.comBps, "9600");
-  Click(kSet);
+  Click(kSetLine);
   EXPECT_EQ(Happened(), QStringList());
   EXPECT_EQ(WorkingFile(), SavedFile({{"COM_PORT", "COM3"}, {"COM_BPS", "19200"}, {"COM_STOP", "2"}}));
   EXPECT_TRUE(program.connection.connected);
@@ -112,7 +112,7 @@ TEST_F(PortSettingsDialog, SetWithoutAConnectionOnlyStores) {
   Configure("COM3");
   Open();
   Pick(kBits, "7");
-  Click(kSet);
+  Click(kSetLine);
   EXPECT_EQ(Happened(), QStringList());
   EXPECT_FALSE(program.connection.connected);
   EXPECT_FALSE(program.connection.handle.IsOpen());
@@ -125,7 +125,7 @@ TEST_F(PortSettingsDialog, FailedReopenAfterSetIsReportedAndTheSettingsAreStored
   Open();
   Pick(kBps, "19200");
   Unplug("COM3");
-  Click(kSet);
+  Click(kSetLine);
   EXPECT_EQ(Happened(), QStringList{NotAvailable("COM3")});
   EXPECT_FALSE(program.connection.connected);
   EXPECT_FALSE(program.connection.handle.IsOpen());
@@ -191,7 +191,7 @@ TEST_F(PortSettingsDialog, OkAsksBeforeItSaves) {
     messages.answers = {yes};
     Open();
     Pick(kBps, "57600");
-    Click(kOk);
+    Click(kOkLine);
     EXPECT_TRUE(IsGone());
     EXPECT_EQ(Happened(), QStringList{kSaveQuestion});
     EXPECT_EQ(program.settings.comBps, yes ? "57600" : "9600");
@@ -204,8 +204,8 @@ TEST_F(PortSettingsDialog, OkAsksBeforeItSaves) {
 TEST_F(PortSettingsDialog, OkAfterSetHasNothingToAsk) {
   Open();
   Pick(kBps, "57600");
-  Click(kSet);
-  Click(kOk);
+  Click(kSetLine);
+  Click(kOkLine);
   EXPECT_TRUE(IsGone());
   EXPECT_EQ(Happened(), QStringList());
 }
@@ -227,7 +227,7 @@ TEST_F(PortSettingsDialog, WhatOtherDialogsSetMeanwhileStays) {
   Pick(kBps, "57600");
   program.settings.delimiter = QStringLiteral("LF");
   program.settings.mem[3] = QStringLiteral("*IDN?");
-  Click(kOk);
+  Click(kOkLine);
   EXPECT_TRUE(IsGone());
   EXPECT_EQ(program.settings.delimiter, "LF");
   EXPECT_EQ(WorkingFile(), SavedFile({{"COM_BPS", "57600"}, {"DELIMITER", "LF"}, {"MEM3", "*IDN?"}}));
@@ -249,7 +249,7 @@ TEST_F(PortSettingsDialog, RefreshTakesTheValuesOfAnotherFile) {
   program.state.requests.portSettingsRefresh = true;
   ASSERT_TRUE(QTest::qWaitFor([&] { return Box(kBps).currentText() == "2400"; }));
   EXPECT_EQ(window->windowTitle(), "Quarn - COM Port Settings  (2400, 8, Even, 1)");
-  Click(kOk);
+  Click(kOkLine);
   EXPECT_EQ(Happened(), QStringList());
 }
 
@@ -259,7 +259,7 @@ TEST_F(PortSettingsDialog, NothingSlipsIntoAnOperationThatIsUnderWay) {
   Pick(kBps, "57600");
   whileShown = [this] {
     ASSERT_TRUE(window);
-    for (const int id : {kDefault, kSet, kOk}) Button(id).click();
+    for (const int id : {kDefault, kSetLine, kOkLine}) Button(id).click();
     window->close();
     WaitForATick();
     ASSERT_TRUE(window) << "destroyed under its own message";
@@ -272,7 +272,7 @@ TEST_F(PortSettingsDialog, NothingSlipsIntoAnOperationThatIsUnderWay) {
 TEST_F(PortSettingsDialog, TabFollowsTheReadingOrder) {
   Open();
   Box(kBps).setFocus();
-  for (const int id : {kBits, kParity, kStop, kDefault, kSet, kOk}) {
+  for (const int id : {kBits, kParity, kStop, kDefault, kSetLine, kOkLine}) {
     Press(Qt::Key_Tab);
     EXPECT_EQ(QApplication::focusWidget()->property(kControlIdProperty), id);
   }
@@ -283,7 +283,7 @@ TEST_F(PortSettingsDialog, NothingIsClippedWithLargerFonts) {
     const FontScale scale(percent);
     Open();
     ExpectNothingClipped(*window);
-    for (const int id : {kDefault, kSet, kOk}) {
+    for (const int id : {kDefault, kSetLine, kOkLine}) {
       EXPECT_GE(Button(id).width(), Button(id).minimumSizeHint().width());
       EXPECT_GE(Button(id).height(), Button(id).minimumSizeHint().height());
     }

@@ -8,8 +8,6 @@ namespace quarn::test {
 namespace {
 
 /// After this long without an effect, a key or click is taken for lost.
-constexpr int kPatienceMs = 1500;
-
 bool IsLabel(const Control& control) {
   return control.role == QLatin1String("label") || control.role == QLatin1String("filler");
 }
@@ -149,7 +147,7 @@ void AccessibleWindows::ChooseFromMenu(const QString& menu, const QString& item)
   };
   ASSERT_TRUE(Eventually([&] {
     if (const std::optional<Menu> found = FindMenu(menu)) ClickOnScreen(found->title.place.center());
-    return Eventually(isOpen, kPatienceMs);
+    return Eventually(isOpen, kOneTryMs);
   })) << "the menu "
       << menu.toStdString() << " does not open";
   const std::optional<Control> target = FindItem(menu, item);
@@ -177,7 +175,7 @@ void AccessibleWindows::ClickButton(const QString& titlePattern, const QString& 
   }
   EXPECT_TRUE(Eventually([&] {
     click();
-    return Eventually(until, kPatienceMs);
+    return Eventually(until, kOneTryMs);
   })) << "the button "
       << text.toStdString() << " has no effect";
 }
@@ -205,7 +203,7 @@ void AccessibleWindows::AnswerBox(const QString& titlePattern, const QString& bu
   Focus(box);
   EXPECT_TRUE(Eventually([&] {
     Press({buttonOrKey});
-    return Eventually(isGone, kPatienceMs);
+    return Eventually(isGone, kOneTryMs);
   })) << "the box does not go";
 }
 

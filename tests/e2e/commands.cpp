@@ -15,8 +15,6 @@ namespace quarn::test {
 namespace {
 
 /// After this long a key is taken for swallowed, as Enter is by the list of names that match.
-constexpr int kPatienceMs = 3000;
-
 ::testing::AssertionResult Becomes(const QString& expected, const std::function<QString()>& read) {
   QString found;
   if (Eventually([&] {
@@ -121,7 +119,7 @@ void Commands::TypePath(const QString& titlePattern, const QString& path, std::f
       << NameInFileDialog(titlePattern).toStdString();
   EXPECT_TRUE(Eventually([&] {
     Press({QStringLiteral("Return")});
-    return Eventually(until, kPatienceMs);
+    return Eventually(until, kOneTryMs);
   })) << "Enter has no effect";
 }
 

@@ -142,10 +142,9 @@ void EndToEnd::Focus(const QString& window) {
            window.toLatin1();
   };
   // A window that is just being mapped may miss the first request.
-  constexpr int kPatienceMs = 1000;
   EXPECT_TRUE(Eventually([&] {
     desktop.Run(QStringLiteral("xdotool"), {QStringLiteral("windowactivate"), window});
-    return Eventually(isActive, kPatienceMs);
+    return Eventually(isActive, kOneTryMs);
   }));
 }
 
@@ -217,10 +216,9 @@ void EndToEnd::ChooseFromContextMenu(int item) {
   const qsizetype before = windows();
   // The menu is a window without a title. A click that comes right after a box has closed may be dropped, as
   // it is when a person clicks too early: click again.
-  constexpr int kPatienceMs = 1500;
   EXPECT_TRUE(Eventually([&] {
     ClickAt(terminal, QPoint(200, 300), 3);
-    return Eventually([&] { return windows() > before; }, kPatienceMs);
+    return Eventually([&] { return windows() > before; }, kOneTryMs);
   }));
   Press(QStringList(item, QStringLiteral("Down")) + QStringList{QStringLiteral("Return")});
 }

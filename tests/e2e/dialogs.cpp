@@ -6,7 +6,6 @@ namespace quarn::test {
 namespace {
 
 /// After this long without an effect, a key or click is taken for lost.
-constexpr int kPatienceMs = 2500;
 /// No frame of the window manager's is as wide and high as this.
 constexpr int kFrame = 60;
 
@@ -28,7 +27,7 @@ void Dialogs::MoveAside(const QString& titlePattern, QPoint place) {
           const std::optional<Control> window = FindWindow(titlePattern);
           return window && (window->place.topLeft() - place).manhattanLength() < kFrame;
         },
-        kPatienceMs);
+        kOneTryMs);
   }));
 }
 
@@ -40,7 +39,7 @@ void Dialogs::ClickUntil(const QString& titlePattern, const QString& name,
   EXPECT_TRUE(Eventually([&] {
     if (const std::optional<Control> control = FindControl(titlePattern, name))
       ClickOnScreen(control->place.center());
-    return Eventually(effect, kPatienceMs);
+    return Eventually(effect, kOneTryMs);
   })) << name.toStdString()
       << " has no effect";
 }
@@ -70,7 +69,7 @@ void Dialogs::Pick(const QString& titlePattern, qsizetype list, const QString& i
   const qsizetype before = windows();
   EXPECT_TRUE(Eventually([&] {
     if (found) ClickOnScreen(found->place.center());
-    if (!Eventually([&] { return windows() > before; }, kPatienceMs)) return false;
+    if (!Eventually([&] { return windows() > before; }, kOneTryMs)) return false;
     Type(item);
     Press({QStringLiteral("Return")});
     return Eventually(
@@ -78,7 +77,7 @@ void Dialogs::Pick(const QString& titlePattern, qsizetype list, const QString& i
           found = FindList(titlePattern, list);
           return windows() == before && found && found->name == item;
         },
-        kPatienceMs);
+        kOneTryMs);
   })) << item.toStdString()
       << " cannot be picked";
 }
@@ -96,7 +95,7 @@ void Dialogs::ClickCloseBox(const QString& titlePattern) {
   constexpr QPoint kCloseBox(-10, -10);  // the manager's, from the contents' corner
   EXPECT_TRUE(Eventually([&] {
     ClickOnScreen(window->place.topRight() + kCloseBox);
-    return Eventually([&] { return !desktop.Windows(titlePattern).contains(dialog); }, kPatienceMs);
+    return Eventually([&] { return !desktop.Windows(titlePattern).contains(dialog); }, kOneTryMs);
   })) << "the close box does not close";
 }
 

@@ -28,10 +28,9 @@ class Files : public Commands {
       const QString said = Texts(kSaveAsTitle).join(QLatin1Char(' '));
       return said.contains(QStringLiteral("already exists")) && said.contains(QStringLiteral("replace"));
     })) << Texts(kSaveAsTitle).join(QLatin1Char('|')).toStdString();
-    constexpr int kPatienceMs = 3000;
     EXPECT_TRUE(Eventually([this] {
       Press({QStringLiteral("alt+y")});
-      return Eventually([this] { return desktop.Windows(kSaveAsTitle).isEmpty(); }, kPatienceMs);
+      return Eventually([this] { return desktop.Windows(kSaveAsTitle).isEmpty(); }, kOneTryMs);
     }));
   }
   void SaveAsOver(const QString& path) {

@@ -33,7 +33,7 @@ class FunctionKeys : public Dialogs {
     Focus(WaitForWindow(kTable));
     EXPECT_TRUE(Eventually([&] {
       Press({QStringLiteral("F4")});
-      return Eventually([&] { return CommandLineHolds(command); }, kPatienceMs);
+      return Eventually([&] { return CommandLineHolds(command); }, kOneTryMs);
     })) << command.toStdString();
   }
   /// With the cursor behind it, or while that is not to be seen.
@@ -49,7 +49,6 @@ class FunctionKeys : public Dialogs {
     AnswerBox(box, answer);
   }
 
-  static constexpr int kPatienceMs = 2000;
   const QString kTable = QStringLiteral("^Quarn - Function Key Table$");
   const QString kField = QStringLiteral("MEM3");
   const QString kUndo = QStringLiteral("^Quarn - Confirmation$");

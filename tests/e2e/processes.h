@@ -9,6 +9,9 @@
 
 namespace quarn::test {
 
+/// How long an input may take to show an effect before it is given again: a loaded machine loses some.
+inline constexpr int kOneTryMs = 2500;
+
 /// Waits until `condition` holds; false when it does not within `limitMs`.
 bool Eventually(const std::function<bool()>& condition, int limitMs = 20000);
 

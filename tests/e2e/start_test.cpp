@@ -82,10 +82,10 @@ TEST_F(Start, WithAnOutdatedFile) {
 }
 
 TEST_F(Start, WithAFileThatIsTooLarge) {
-  constexpr int kLargest = 16384;
+  constexpr int kLargestWorkingFile = 16384;
   WriteSettings({{QStringLiteral("COM_PORT"), kPort}});
   const QByteArray good = Bytes(SettingsFile());
-  WriteBytes(SettingsFile(), good + QByteArray(kLargest + 1 - good.size(), '\n'));
+  WriteBytes(SettingsFile(), good + QByteArray(kLargestWorkingFile + 1 - good.size(), '\n'));
   StartProgram();
   AcknowledgeDefaults("Initial settings file not found.");
   EXPECT_TRUE(MainTitleBecomes(QStringLiteral("Quarn   (NONE)")));

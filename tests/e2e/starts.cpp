@@ -10,7 +10,7 @@
 namespace quarn::test {
 namespace {
 
-constexpr int kEndMs = 20000;
+constexpr int kLastEndMs = 20000;
 
 /// Waits for what `read` gives to be `wanted`, and says what it is instead.
 ::testing::AssertionResult Becomes(const QString& wanted, const std::function<QString()>& read) {
@@ -106,7 +106,7 @@ void Starts::AcknowledgeNoPort() {
 }
 
 ::testing::AssertionResult Starts::EndsWith(int exitCode) {
-  if (program.state() != QProcess::NotRunning && !program.waitForFinished(kEndMs))
+  if (program.state() != QProcess::NotRunning && !program.waitForFinished(kLastEndMs))
     return ::testing::AssertionFailure() << "still running";
   if (program.exitStatus() != QProcess::NormalExit) return ::testing::AssertionFailure() << "crashed";
   if (program.exitCode() == exitCode) return ::testing::AssertionSuccess();
@@ -138,14 +138,13 @@ QRect Starts::Outer(const QString& window) {
 }
 
 void Starts::ClickCloseBox(const QString& window, const std::function<bool()>& until) {
-  constexpr int kPatienceMs = 1500;
   const QRect outer = Outer(window);
   const QMargins frame = Frame(window);
   // The last one in the title bar, about as wide as that is high.
   const int half = frame.top() / 2;
   EXPECT_TRUE(Eventually([&] {
     ClickOnScreen({outer.right() - frame.right() - half, outer.top() + half});
-    return Eventually(until, kPatienceMs);
+    return Eventually(until, kOneTryMs);
   })) << "the close box has no effect";
 }
 

@@ -70,10 +70,9 @@ TEST_F(Window, ClosedAndOpenedAgainItStandsWhereItStoodWithTheSameLog) {
   Focus(main);
   // The menu's item comes to life with the main window's next tick; press again if that was too early. Its
   // letter chooses no other item, as Enter would.
-  constexpr int kPatienceMs = 2000;
   EXPECT_TRUE(Eventually([&] {
     Press({QStringLiteral("Escape"), QStringLiteral("alt+t"), QStringLiteral("t")});
-    return Eventually([&] { return !desktop.Windows(kTerminal).isEmpty(); }, kPatienceMs);
+    return Eventually([&] { return !desktop.Windows(kTerminal).isEmpty(); }, kOneTryMs);
   }));
   terminal = WaitForWindow(kTerminal);
   EXPECT_TRUE(Eventually([&] { return Geometry(terminal) == before; }))

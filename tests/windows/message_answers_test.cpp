@@ -13,7 +13,7 @@ namespace {
 using Action = std::function<void(MessageDialog&)>;
 using Maker = std::function<std::unique_ptr<MessageDialog>()>;
 
-const QString kSuffix = QStringLiteral(": Confirmation");
+const QString kConfirmationSuffix = QStringLiteral(": Confirmation");
 const QString kText = QStringLiteral("Exit program without saving?");
 
 struct Outcome {
@@ -89,17 +89,21 @@ TEST_P(Questions, BeginOnTheFirstButton) {
 
 INSTANTIATE_TEST_SUITE_P(
     MessageAnswers, Questions,
-    testing::Values(
-        Question{
-            "ConfirmYesCancel",
-            [] { return std::make_unique<CConfirmYesCancel>(nullptr, kSuffix, QString(), kText, QString()); },
-            1, 1314},
-        Question{
-            "ConfirmYesNo",
-            [] { return std::make_unique<CConfirmYesNo>(nullptr, kSuffix, QString(), kText, QString()); },
-            1066, 2},
-        Question{"ConfirmSimple", [] { return std::make_unique<CConfirmSimple>(nullptr, kText); }, 1, 2},
-        Question{"YesNo", [] { return std::make_unique<CYesNo>(nullptr, kText); }, 1066, 2}),
+    testing::Values(Question{"ConfirmYesCancel",
+                             [] {
+                               return std::make_unique<CConfirmYesCancel>(nullptr, kConfirmationSuffix,
+                                                                          QString(), kText, QString());
+                             },
+                             1, 1314},
+                    Question{"ConfirmYesNo",
+                             [] {
+                               return std::make_unique<CConfirmYesNo>(nullptr, kConfirmationSuffix, QString(),
+                                                                      kText, QString());
+                             },
+                             1066, 2},
+                    Question{"ConfirmSimple", [] { return std::make_unique<CConfirmSimple>(nullptr, kText); },
+                             1, 2},
+                    Question{"YesNo", [] { return std::make_unique<CYesNo>(nullptr, kText); }, 1066, 2}),
     [](const auto& instance) { return instance.param.name; });
 
 TEST(MessageAnswers, AnErrorOrAnInformationIsOverWithAnyKeyForClosing) {

@@ -14,7 +14,7 @@
 namespace quarn::test {
 namespace {
 
-const QString kSuffix = QStringLiteral(": Error");
+const QString kErrorSuffix = QStringLiteral(": Error");
 const QString kLongPath = QStringLiteral("/a") + QString(4000, u'W') + QStringLiteral("/end.qrn");
 
 void ExpectOnScreen(const QWidget& box) {
@@ -78,7 +78,7 @@ TEST(MessageText, IsDrawnToItsEnd) {
 
 TEST(LongMessages, MarkupIsShownAsItIsWritten) {
   const QString text = QStringLiteral("<b>COM1</b> &amp; more");
-  CConfirmErr box(nullptr, kSuffix, text, QString(), QString());
+  CConfirmErr box(nullptr, kErrorSuffix, text, QString(), QString());
   ShowActive(box);
   const auto* label = Control<QLabel>(box, 1053);
   EXPECT_EQ(label->textFormat(), Qt::PlainText);
@@ -88,7 +88,7 @@ TEST(LongMessages, MarkupIsShownAsItIsWritten) {
 TEST(LongMessages, APathWithoutBlanksWrapsAndTheBoxStaysOnTheScreen) {
   for (const int percent : {100, 150}) {
     const FontScale scale(percent);
-    CConfirmErr box(nullptr, kSuffix, kLongPath.left(600), QStringLiteral("Invalid file !!"), QString());
+    CConfirmErr box(nullptr, kErrorSuffix, kLongPath.left(600), QStringLiteral("Invalid file !!"), QString());
     ShowActive(box);
     ExpectOnScreen(box);
     ExpectNothingClipped(box);
@@ -99,7 +99,7 @@ TEST(LongMessages, APathWithoutBlanksWrapsAndTheBoxStaysOnTheScreen) {
 }
 
 TEST(LongMessages, WhatIsTooTallScrollsWithTheButtonsInSight) {
-  CConfirmYesCancel box(nullptr, kSuffix, kLongPath + kLongPath, QString(), QStringLiteral("last line"));
+  CConfirmYesCancel box(nullptr, kErrorSuffix, kLongPath + kLongPath, QString(), QStringLiteral("last line"));
   ShowActive(box);
   ExpectOnScreen(box);
   auto* scroll = box.findChild<QScrollArea*>();
@@ -122,7 +122,7 @@ TEST(LongMessages, WhatIsTooTallScrollsWithTheButtonsInSight) {
 }
 
 TEST(LongMessages, TheScrolledTextCanBeReachedWithKeysAlone) {
-  CConfirmErr box(nullptr, kSuffix, kLongPath + kLongPath, QString(), QString());
+  CConfirmErr box(nullptr, kErrorSuffix, kLongPath + kLongPath, QString(), QString());
   ShowActive(box);
   auto* scroll = box.findChild<QScrollArea*>();
   ASSERT_NE(scroll, nullptr);
@@ -135,7 +135,7 @@ TEST(LongMessages, TheScrolledTextCanBeReachedWithKeysAlone) {
 }
 
 TEST(LongMessages, ManyLineBreaksScrollToo) {
-  CConfirmOK box(nullptr, kSuffix, QStringLiteral("line\t\n").repeated(500), QString(), QString());
+  CConfirmOK box(nullptr, kErrorSuffix, QStringLiteral("line\t\n").repeated(500), QString(), QString());
   ShowActive(box);
   ExpectOnScreen(box);
   EXPECT_NE(box.findChild<QScrollArea*>(), nullptr);
@@ -145,7 +145,7 @@ TEST(LongMessages, EveryBoxKeepsWithinTheScreen) {
   CConfirmSimple simple(nullptr, kLongPath);
   CYesNo yesNo(nullptr, kLongPath);
   COneshotMsgPos transient(nullptr, kLongPath, std::nullopt);
-  CConfirmYesNo question(nullptr, kSuffix, kLongPath, kLongPath, kLongPath);
+  CConfirmYesNo question(nullptr, kErrorSuffix, kLongPath, kLongPath, kLongPath);
   for (QDialog* box : std::initializer_list<QDialog*>{&simple, &yesNo, &transient, &question}) {
     ShowActive(*box);
     ExpectOnScreen(*box);
@@ -155,7 +155,8 @@ TEST(LongMessages, EveryBoxKeepsWithinTheScreen) {
 TEST(LongMessages, OrdinaryTextsAreNeverClipped) {
   for (const int percent : {100, 125, 150, 175}) {
     const FontScale scale(percent);
-    CConfirmErr error(nullptr, kSuffix, QStringLiteral("gjpqy ÄÖÜ"), QStringLiteral("File can not be read."),
+    CConfirmErr error(nullptr, kErrorSuffix, QStringLiteral("gjpqy ÄÖÜ"),
+                      QStringLiteral("File can not be read."),
                       QStringLiteral("Sellect a COM port to connect."));
     CYesNo question(nullptr);
     COneshotMsgPos transient(nullptr, QStringLiteral("Log texts have been copied."), std::nullopt);
