@@ -78,20 +78,6 @@ TEST_F(PortChoiceTest, PortThatHasVanishedFailsAndTheFormerOneIsOpenAgain) {
   EXPECT_TRUE(AllRefreshesAreRaised());
 }
 
-TEST_F(PortChoiceTest, PortHeldByAnotherProcessFails) {
-  Plug("COM3");
-  Plug("COM4");
-  // First, or the other process has a copy of the line that is open here.
-  const auto holder = HeldByAnother(1);
-  ConnectTo("COM3");
-  EXPECT_FALSE(Choose("COM4", FailureSentence::WithoutFullStop));
-  EXPECT_EQ(Happened(),
-            (QStringList{kConnecting, "pause 500", "title ", ChoiceFailed("COM4", ""), "title "}));
-  EXPECT_TRUE(program.connection.connected);
-  EXPECT_TRUE(program.connection.handle.IsOpen());
-  EXPECT_EQ(program.state.currentPortName, "COM3");
-}
-
 TEST_F(PortChoiceTest, CountsAsConnectedEvenWhenTheFormerPortIsGoneToo) {
   Configure("COM3");
   EXPECT_FALSE(Choose("COM4"));
