@@ -24,11 +24,11 @@ TEST_F(PortHeldByAnother, IsNotConnected) {
   // First, or the other process has a copy of the line that is open here.
   const OtherProcess holder = HolderOf(*terminals.at(1));
   ConnectTo("COM3");
-  EXPECT_FALSE(ConnectToChosenPort(Context(), "COM4", FailureSentence::WithoutFullStop, [this](const QString& status) {
-    journal.append(QStringLiteral("title ") + status);
-  }));
-  EXPECT_EQ(Happened(), (QStringList{"title  Connecting Port ... ", "pause 500", "title ", ChoiceFailed("COM4", ""),
-                                     "title "}));
+  EXPECT_FALSE(ConnectToChosenPort(
+      Context(), "COM4", FailureSentence::WithoutFullStop,
+      [this](const QString& status) { journal.append(QStringLiteral("title ") + status); }));
+  EXPECT_EQ(Happened(), (QStringList{"title  Connecting Port ... ", "pause 500", "title ",
+                                     ChoiceFailed("COM4", ""), "title "}));
   EXPECT_TRUE(program.connection.connected);
   EXPECT_TRUE(program.connection.handle.IsOpen());
   EXPECT_EQ(program.state.currentPortName, "COM3");

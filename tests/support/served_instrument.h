@@ -64,6 +64,8 @@ inline OpenResult OpenServedLine(const ServedInstrument& instrument) {
 }
 
 /// The time-outs for a line that a test reads from.
-inline bool SetServedTimeouts(SerialLine& line, const LineTimeouts& timeouts) { return line.SetTimeouts(timeouts); }
+inline bool SetServedTimeouts(SerialLine& line, const LineTimeouts& timeouts) {
+  return line.SetTimeouts(timeouts);
+}
 
 }  // namespace quarn::test

@@ -54,7 +54,9 @@ quarn::device::Rules RulesOf(const std::string& text) {
 class Port {
  public:
   Port(const fs::path& base, const fs::path& link)
-      : m_base(base), m_instrument(RulesOf(Contents(File("rules")))), m_link(link.string(), m_instrument.NodePath()) {
+      : m_base(base),
+        m_instrument(RulesOf(Contents(File("rules")))),
+        m_link(link.string(), m_instrument.NodePath()) {
     m_instrument.OnAnswered([this] { ++m_answers; });
     m_thread = std::thread([this] { m_instrument.Run(); });
     Report();

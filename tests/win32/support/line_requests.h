@@ -41,8 +41,8 @@ class LineRequest {
 
  private:
   [[nodiscard]] QString Path(const char* kind) const {
-    return QDir::fromNativeSeparators(qEnvironmentVariable("QUARN_LINES")) + QLatin1Char('/') + m_port.toLower() +
-           QLatin1Char('.') + QLatin1String(kind);
+    return QDir::fromNativeSeparators(qEnvironmentVariable("QUARN_LINES")) + QLatin1Char('/') +
+           m_port.toLower() + QLatin1Char('.') + QLatin1String(kind);
   }
   template <typename Condition>
   static bool Becomes(const Condition& condition) {
