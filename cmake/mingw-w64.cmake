@@ -21,9 +21,3 @@ if(_host_info)
   get_filename_component(_host_cmake ${_host_info} DIRECTORY)
   set(QT_HOST_PATH_CMAKE_DIR ${_host_cmake} CACHE PATH "Where this system's Qt describes its tools")
 endif()
-
-# What was built is started by Wine; in which prefix is for the environment to say.
-find_program(_wine NAMES wine64 PATHS /usr/lib/wine)
-if(_wine)
-  set(CMAKE_CROSSCOMPILING_EMULATOR ${_wine})
-endif()

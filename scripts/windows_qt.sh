@@ -14,7 +14,7 @@ QT_WITHOUT=(
   sql network dbus xml printsupport opengl vulkan concurrent icu zstd jpeg gif
   tabletevent direct2d directwrite3
   graphicsview mdiarea dockwidget wizard calendarwidget fontcombobox syntaxhighlighter pdf movie fontdialog
-  columnview undoview splashscreen systemtrayicon dial lcdnumber keysequenceedit inputdialog errormessage
+  columnview undoview splashscreen systemtrayicon dial lcdnumber keysequenceedit errormessage
   progressdialog datawidgetmapper datetimeedit gestures
   textmarkdownreader textmarkdownwriter textodfwriter
   testlib_selfcover)

@@ -13,6 +13,7 @@
 namespace quarn {
 
 using test::ServedInstrument;
+using test::SetServedTimeouts;
 
 /// Settings under which a response ends after 180 ms of silence, and only a silent line or ESC ends the
 /// wait for one: no test depends on how fast the machine is.
