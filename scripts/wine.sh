@@ -11,8 +11,8 @@ wine() { "$WINE" "$@"; }
 # A prefix made anew, with its server kept alive between programs: starting one takes longer than many a test.
 make_prefix() {
   export WINEPREFIX=$PLACE/prefix WINEARCH=win64 WINEDEBUG=-all
-  # Neither associations on this desktop nor offers to install what is not needed.
-  export WINEDLLOVERRIDES='winemenubuilder.exe=d;mscoree=d;mshtml=d'
+  # No associations on this desktop, no offers to install what is not needed, no debugger that waits for a person.
+  export WINEDLLOVERRIDES='winemenubuilder.exe=d;mscoree=d;mshtml=d;winedbg.exe=d'
   [[ -x $WINE && -x $WINESERVER ]] || fail "Wine's 64-bit loader and server are not in /usr/lib/wine"
   rm -rf "$WINEPREFIX"
   wine wineboot --init >"$PLACE/wineboot.log" 2>&1 || fail "Wine makes no prefix: $(<"$PLACE/wineboot.log")"
