@@ -33,7 +33,7 @@ plug_port() {
   mv "$LINES/port-$port.new" "$LINES/port-$port.rules"
   wait_until 20 "the instrument at $port" port_is_ready "$port"
   [[ ! -s $LINES/port-$port.ready ]] || fail "no instrument at $port: $(<"$LINES/port-$port.ready")"
-  cat >"$PLACE/$port.reg" <<END
+  cat >"$PLACE/device-$port.reg" <<END
 Windows Registry Editor Version 5.00
 
 [HKEY_LOCAL_MACHINE\\System\\CurrentControlSet\\Enum\\${device//\\\\/\\}]
@@ -50,7 +50,7 @@ Windows Registry Editor Version 5.00
 [$class\\#\\Control]
 "Linked"=dword:00000001
 END
-  wine reg import "Z:$PLACE/$port.reg" >"$PLACE/reg.log" 2>&1 || fail "no device for $port: $(<"$PLACE/reg.log")"
+  wine reg import "Z:$PLACE/device-$port.reg" >"$PLACE/reg.log" 2>&1 || fail "no device for $port: $(<"$PLACE/reg.log")"
 }
 
 # unplug_port com3: first the device, then what was behind it.
