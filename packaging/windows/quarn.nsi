@@ -75,6 +75,8 @@ Section "Install"
   SetOutPath "$INSTDIR"
   File /r "${FILES}/*"
   WriteUninstaller "$INSTDIR\uninstall.exe"
+  ; Where the settings will be. A first start by a double click on a file finds the place to copy it to.
+  CreateDirectory "$APPDATA\${MAKER}\${NAME}"
   CreateShortcut "$SMPROGRAMS\${NAME}.lnk" "$INSTDIR\quarn.exe" "" "$INSTDIR\quarn.exe" 0 SW_SHOWNORMAL "" "${DESCRIPTION}"
 
   WriteRegStr HKCU "${CLASSES}\${DOCUMENT}" "" "${NAME} configuration"
@@ -104,6 +106,9 @@ Section "Uninstall"
   SetOutPath "$TEMP"
   RMDir "$INSTDIR"
   Delete "$SMPROGRAMS\${NAME}.lnk"
+  ; Goes only if no settings are in it.
+  RMDir "$APPDATA\${MAKER}\${NAME}"
+  RMDir "$APPDATA\${MAKER}"
 
   DeleteRegKey HKCU "${CLASSES}\${DOCUMENT}"
   DeleteRegValue HKCU "${CLASSES}\.qrn\OpenWithProgids" "${DOCUMENT}"

@@ -12,7 +12,9 @@ start_menu_entry_is_there() { compgen -G "$WINEPREFIX/drive_c/users/*/AppData/Ro
 # registry_says KEY WORD: the default value of the key.
 registry_says() { wine reg query "$1" /ve 2>/dev/null | tr -d '\r' | grep -qF "$2"; }
 
-registry_lacks() { ! wine reg query "$1" >/dev/null 2>&1; }
+registry_has() { wine reg query "$1" >/dev/null 2>&1; }
+
+registry_lacks() { ! registry_has "$1"; }
 
 same_files() { diff -r -x uninstall.exe "$1" "$2"; }
 
@@ -26,13 +28,27 @@ install_silently() {
   expect "files of the kind .qrn are Quarn's" registry_says 'HKCU\Software\Classes\.qrn' Quarn.Configuration
   expect "they are described" registry_says 'HKCU\Software\Classes\Quarn.Configuration' 'Quarn configuration'
   expect "they have an icon" registry_says 'HKCU\Software\Classes\Quarn.Configuration\DefaultIcon' 'quarn.exe,0'
-  expect "the list of programs has it" wine reg query "$UNINSTALL_KEY" /v DisplayName >"$PLACE/registry.log"
+  expect "the list of programs has it" registry_has "$UNINSTALL_KEY"
 }
+
+# To Windows what a user's classes say counts for all of them; Wine has to be told.
+for_each_class() {
+  local class
+  for class in .qrn Quarn.Configuration; do "$1" "$class"; done
+}
+
+publish_class() {
+  wine reg copy "HKCU\\Software\\Classes\\$1" "HKLM\\Software\\Classes\\$1" /s /f >"$PLACE/registry.log" 2>&1 ||
+    fail "the registry does not copy the class $1"
+}
+
+withdraw_class() { drop_registry "HKLM\\Software\\Classes\\$1"; }
 
 # What a double click on a file does.
 open_by_association() {
   local status=0 file="$WINEPREFIX/drive_c/my bench.qrn"
   headline "Opening a file"
+  for_each_class publish_class
   sed $'s/^COM_PORT=.*/COM_PORT=COM3\r/; s/^START_DISP=.*/START_DISP=OFF\r/' packaging/demo/demo.qrn >"$file"
   start opened wine start /wait 'C:\my bench.qrn'
   wait_until 60 "the main dialog" main_title_is COM3
@@ -43,6 +59,7 @@ open_by_association() {
   press_keys alt+F4
   wait_until 30 "the main dialog to go" window_is_gone '^Quarn   \('
   wait "$last" || true
+  for_each_class withdraw_class
   expect "the file is in force" cmp -s "$file" "$(settings_folder)/Quarn.ini"
 }
 

@@ -105,7 +105,7 @@ first_command() {
   open_terminal_menu
   # The second entry: "Copy Log - All".
   press_keys Down Down Return
-  wait_until 10 "the log on the clipboard" clipboard_is '[id]|SIM-1 bench instrument|'
+  wait_until 10 "the log on the clipboard" clipboard_is '[id]|SIM-1 bench instrument, firmware 1.00|'
   echo "  the log was copied"
 }
 
@@ -157,7 +157,7 @@ answers() {
   answer=$(wine "$1" --help | tr -d '\r')
   expect "the usage is told" test "${answer#*usage: quarn}" != "$answer"
   answer=$(wine "${1%quarn.exe}quarn-send.exe" --port COM3 id | tr -d '\r')
-  expect "quarn-send prints the response" test "$answer" == $'[id]\nSIM-1 bench instrument'
+  expect "quarn-send prints the response" test "$answer" == $'[id]\nSIM-1 bench instrument, firmware 1.00'
 }
 
 # play_story PROGRAM: with the settings of a person who has never seen it.
