@@ -109,6 +109,21 @@ first_command() {
   echo "  the log was copied"
 }
 
+# What was sent stays on the command line.
+rub=(BackSpace BackSpace BackSpace BackSpace BackSpace)
+
+# What the instrument has to say, on the screen and as a picture.
+more_commands() {
+  headline "More commands"
+  send "${rub[@]}" l i s t
+  send "${rub[@]}" b y t e s
+  send "${rub[@]}" t e m p question
+  send "${rub[@]}" asterisk I D N question
+  expect "the wire had them all" wire_has com3 'id<list<bytes<temp?<*IDN?<'
+  rest_pointer
+  picture build/windows/screenshot.png "$terminal"
+}
+
 second_instance() {
   local status=0
   headline "A second start"
@@ -134,8 +149,8 @@ unplug_and_plug() {
   wait_until 20 "the title to name COM3 again" main_title_is COM3
   wait_until 10 "the Terminal Screen" find_terminal COM3
   activate "$terminal"
-  send i d
-  expect "the log goes on" log_has_lines 4
+  send "${rub[@]}" i d
+  expect "the instrument answers" wire_has com3 'id<'
 }
 
 end_program() {
@@ -166,6 +181,7 @@ play_story() {
   first_start "$1"
   choose_port
   first_command
+  more_commands
   second_instance "$1"
   unplug_and_plug
   end_program
