@@ -50,5 +50,6 @@ function(quarn_windows_runtime)
     COMMAND ${CMAKE_COMMAND} -E copy_if_different ${_files} ${_tests_too} ${_bin}
     COMMAND ${CMAKE_COMMAND} -E copy_if_different ${_platforms} ${_bin}/platforms
     COMMAND ${CMAKE_COMMAND} -E copy_if_different ${_styles} ${_bin}/styles
+    COMMENT "Putting the libraries beside the programs"
     VERBATIM)
 endfunction()
