@@ -21,10 +21,10 @@ make_prefix() {
   "$WINESERVER" --persistent >"$PLACE/wineserver.log" 2>&1
   wine wineboot --init >"$PLACE/wineboot.log" 2>&1 || fail "Wine makes no prefix: $(<"$PLACE/wineboot.log")"
   set_registry 'HKCU\Software\Wine' Version REG_SZ win10
-  # Windows' own fonts are not there; without this some font or other stands in.
+  # What Windows writes its dialogs with is not there; this is what it wrote them with before.
   local font
-  for font in 'Segoe UI' Tahoma 'MS Shell Dlg' 'MS Shell Dlg 2' 'MS Sans Serif'; do
-    set_registry 'HKCU\Software\Wine\Fonts\Replacements' "$font" REG_SZ 'DejaVu Sans'
+  for font in 'Segoe UI' 'MS Shell Dlg' 'MS Shell Dlg 2'; do
+    set_registry 'HKCU\Software\Wine\Fonts\Replacements' "$font" REG_SZ Tahoma
   done
 }
 
