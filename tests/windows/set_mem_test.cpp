@@ -166,18 +166,17 @@ TEST_F(SetMem, ReloadsOnRequest) {
   EXPECT_EQ(EnabledControls(), "keys OK SEND ");
 }
 
-TEST_F(SetMem, ReloadLeavesWhatIsBeingTyped) {
+TEST_F(SetMem, ReloadReplacesWhatIsBeingTyped) {
   OpenTable();
   ClickCommand(kEdit);
   Retype(1, "mine");
-  Field(1).setCursorPosition(2);
   settings.mem.fill(QStringLiteral("new"));
   state.requests.functionTableReload = true;
   ASSERT_TRUE(Until([this] { return !state.requests.functionTableReload; }));
-  EXPECT_EQ(Field(0).text(), QStringLiteral("new"));
-  EXPECT_EQ(Field(1).text(), QStringLiteral("mine"));
-  EXPECT_EQ(Field(1).cursorPosition(), 2);
+  EXPECT_EQ(ShownTexts(), Listed(settings.mem));
   EXPECT_EQ(EnabledControls(), "fields UNDO ");
+  ClickCommand(kEdit);
+  EXPECT_EQ(settings.mem[1], QStringLiteral("new"));
 }
 
 TEST_F(SetMem, RequestsFromBeforeItWasOpenedDoNotConcernIt) {
@@ -223,8 +222,12 @@ TEST_F(SetMem, TheWarningIsShownOnce) {
 TEST_F(SetMem, FieldsHoldTheLongestCommandAndNoLineBreak) {
   OpenTable();
   ClickCommand(kEdit);
-  Retype(0, std::string(70, 'x').c_str());
-  EXPECT_EQ(Field(0).text(), QString(64, u'x'));
+  EXPECT_EQ(Field(0).maxLength(), kMaxStoredCommand);
+  QApplication::clipboard()->setText(QString(kMaxStoredCommand + 1, u'x'));
+  ClickOn(Field(0));
+  Field(0).selectAll();
+  QTest::keyClick(&Field(0), Qt::Key_V, Qt::ControlModifier);
+  EXPECT_EQ(Field(0).text(), QString(kMaxStoredCommand, u'x'));
   QApplication::clipboard()->setText(QStringLiteral("one\r\ntwo\nthree"));
   ClickOn(Field(1));
   Field(1).selectAll();
@@ -236,18 +239,19 @@ TEST_F(SetMem, FieldsHoldTheLongestCommandAndNoLineBreak) {
   const QByteArray before = FileBytes();
   ClickCommand(kSave);
   EXPECT_EQ(FileBytes(), QByteArray(before)
-                             .replace("MEM0=function-1\r\n", "MEM0=" + QByteArray(64, 'x') + "\r\n")
+                             .replace("MEM0=function-1\r\n", "MEM0=" + QByteArray(1018, 'x') + "\r\n")
                              .replace("MEM1=function-2\r\n", "MEM1=onetwothree\r\n"));
 }
 
 TEST_F(SetMem, LongTextsFromAFileAreNotCut) {
-  settings.mem[8] = QString(100, u'y');
+  constexpr int kLong = kMaxStoredCommand + 2;
+  settings.mem[8] = QString(kLong, u'y');
   OpenTable();
-  EXPECT_EQ(Field(8).text().size(), 100);
+  EXPECT_EQ(Field(8).text().size(), kLong);
   EXPECT_EQ(Field(8).cursorPosition(), 0);
   ClickCommand(kEdit);
   ClickCommand(kEdit);
-  EXPECT_EQ(settings.mem[8].size(), 100);
+  EXPECT_EQ(settings.mem[8].size(), kLong);
 }
 
 TEST_F(SetMem, LongTextsAreSeenFromTheirStartAfterEditing) {
