@@ -290,6 +290,9 @@ TEST_F(PortNumberDialog, NothingIsClippedWithLargerFonts) {
       EXPECT_GE(Button(id).height(), Button(id).minimumSizeHint().height());
     }
     EXPECT_GE(Ports().width(), Ports().sizeHint().width());
+    EXPECT_TRUE(TitleFits(*window, PortNumberTitle({QStringLiteral("COM12"), false, {}}, QString())));
+    EXPECT_TRUE(TitleFits(*window, PortNumberTitle({QStringLiteral("COM12"), false, {}},
+                                                   QStringLiteral(" Connecting Port ... "))));
     EXPECT_EQ(window->minimumSize(), window->maximumSize());
     delete window;
   }

@@ -164,6 +164,7 @@ TEST_F(PortSettingsDialog, NothingIsClippedWithLargerFonts) {
       EXPECT_GE(Button(id).height(), Button(id).minimumSizeHint().height());
     }
     for (const int id : {kBps, kBits, kParity, kStop}) EXPECT_GE(Box(id).width(), Box(id).sizeHint().width());
+    EXPECT_TRUE(TitleFits(*window, PortSettingsTitle({"256000", "8", "None", "1.5"})));
     EXPECT_EQ(window->minimumSize(), window->maximumSize());
     delete window;
   }
