@@ -17,7 +17,8 @@ make_prefix() {
   rm -rf "$WINEPREFIX"
   wine wineboot --init >"$PLACE/wineboot.log" 2>&1 || fail "Wine makes no prefix: $(<"$PLACE/wineboot.log")"
   trap 'end_prefix; stop_all' EXIT
-  "$WINESERVER" --persistent
+  "$WINESERVER" --wait  # for the one that made it, which ends by itself
+  "$WINESERVER" --persistent >"$PLACE/wineserver.log" 2>&1
   set_registry 'HKCU\Software\Wine' Version REG_SZ win10
 }
 
