@@ -20,12 +20,14 @@ class SystemMenuItem final : public QObject, public QAbstractNativeEventFilter {
   }
   ~SystemMenuItem() override { QCoreApplication::instance()->removeNativeEventFilter(this); }
 
-  bool nativeEventFilter(const QByteArray& /*eventType*/, void* message, qintptr* /*result*/) override {
+  bool nativeEventFilter(const QByteArray& /*eventType*/, void* message, qintptr* result) override {
     const MSG& event = *static_cast<const MSG*>(message);
     if (event.hwnd != m_window || event.message != WM_SYSCOMMAND || (event.wParam & 0xFFF0) != kItemId) {
       return false;
     }
-    m_chosen();
+    // Once the system is done with its menu.
+    QMetaObject::invokeMethod(this, m_chosen, Qt::QueuedConnection);
+    if (result != nullptr) *result = 0;
     return true;
   }
 

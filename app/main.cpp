@@ -1,10 +1,11 @@
 #include <QApplication>
-#include <cstdio>
+#include <cstdlib>
 
 #include "app/command_line_file.h"
 #include "app/main_dialog.h"
 #include "app/program.h"
 #include "app/start_up.h"
+#include "app/terminal_output.h"
 #include "app/window_stage.h"
 #include "serial/platform_serial.h"
 #include "settings/data_folder.h"
@@ -24,9 +25,7 @@ QStringList ArgumentsOf(int argc, char* argv[]) {
 
 int main(int argc, char* argv[]) {
   const QString answer = quarn::AnswerOnTerminal(ArgumentsOf(argc, argv));
-  if (!answer.isEmpty()) {
-    return std::fputs(answer.toLocal8Bit().constData(), stdout) < 0 ? EXIT_FAILURE : EXIT_SUCCESS;
-  }
+  if (!answer.isEmpty()) return quarn::WriteOnTerminal(answer) ? EXIT_SUCCESS : EXIT_FAILURE;
   const QApplication application(argc, argv);
   QApplication::setWindowIcon(quarn::ApplicationIcon());
   // Message boxes come and go before the main dialog is there, and their end is not the program's.

@@ -70,6 +70,11 @@ need() {
       window) packages+=(xvfb xauth openbox xdotool x11-utils xclip maim dbus-daemon fonts-dejavu-core) ;;
       pictures) packages+=(pngquant imagemagick x11-xserver-utils) ;;
       bench) packages+=(libbenchmark-dev python3) ;;
+      windows)
+        # The source package of Qt is that of the host tools in qt6-base-dev-tools.
+        packages+=(g++-mingw-w64-x86-64-posix qt6-base-dev-tools dpkg-dev xz-utils googletest
+          wine64 fonts-wine nsis zip)
+        ;;
       lint) packages+=(clang-format clang-tidy) ;;
       fuzz) packages+=(clang) ;;
       *) packages+=("$group") ;;

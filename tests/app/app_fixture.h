@@ -12,11 +12,11 @@
 #include "app/main_window.h"
 #include "app/program.h"
 #include "serial/platform_serial.h"
-#include "serial/serial_fixtures.h"
 #include "settings/data_folder.h"
 #include "settings/key_store.h"
 #include "settings/settings_load_save.h"
 #include "support/message_texts.h"
+#include "support/plugged_port.h"
 #include "support/recorded_messages.h"
 
 namespace quarn::test {
@@ -86,8 +86,7 @@ class AppTest : public ::testing::Test {
   }
   /// Makes the pseudo-terminal reachable as this port, and lists it.
   void PlugIn(const QString& port, const PseudoTerminal& terminal) {
-    ASSERT_TRUE(QFile::link(QString::fromStdString(terminal.Node()),
-                            PortsFolder(m_folder) + QLatin1Char('/') + port));
+    PlugPort(PortsFolder(m_folder), port, terminal);
     ports.names.append(port);
   }
   void Configure(const QString& port) {

@@ -92,6 +92,7 @@ class NotedOpener final : public SerialLineOpener {
 
   OpenResult Open(const QString& devicePath) override {
     opened.append(QStringLiteral("%1 at %2").arg(devicePath).arg(m_wait.depth));
+    if (devicePath == u"COM4") return {nullptr, {LineError::InUse, {}}};
     return m_lines.Open(devicePath);
   }
 
@@ -103,7 +104,6 @@ class NotedOpener final : public SerialLineOpener {
 TEST_F(PortChoiceTest, TheWaitIsShownAtBothOpenings) {
   Plug("COM3");
   Plug("COM4");
-  const auto holder = HeldByAnother(1);
   ConnectTo("COM3");
   NotedOpener noted(*program.opener, indicator);
   const DialogContext context{program.settings,
@@ -133,19 +133,6 @@ TEST_F(PortChoiceTest, PortThatHasVanishedFailsAndTheFormerOneIsOpenAgain) {
   EXPECT_EQ(program.settings.comPort, "COM3");
   EXPECT_EQ(WorkingFile(), before);
   EXPECT_TRUE(AllRefreshesAreRaised());
-}
-
-TEST_F(PortChoiceTest, PortHeldByAnotherProcessFails) {
-  Plug("COM3");
-  Plug("COM4");
-  // First, or the other process has a copy of the line that is open here.
-  const auto holder = HeldByAnother(1);
-  ConnectTo("COM3");
-  EXPECT_FALSE(Choose("COM4", FailureSentence::WithoutFullStop));
-  EXPECT_EQ(Happened(), (QStringList{kConnecting, "pause 500", ChoiceFailed("COM4", ""), "title "}));
-  EXPECT_TRUE(program.connection.connected);
-  EXPECT_TRUE(program.connection.handle.IsOpen());
-  EXPECT_EQ(program.state.currentPortName, "COM3");
 }
 
 TEST_F(PortChoiceTest, CountsAsConnectedEvenWhenTheFormerPortIsGoneToo) {

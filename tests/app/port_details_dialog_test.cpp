@@ -107,24 +107,6 @@ TEST_F(PortDetailsDialog, SetDoesNothingForAPortThatHasBeenConnectedMeanwhile) {
   EXPECT_EQ(program.connection.handle.Line(), line);
 }
 
-TEST_F(PortDetailsDialog, PortHeldByAnotherProcessIsReportedAndTheFormerIsOpenAgain) {
-  Plug("COM3");
-  Plug("COM4");
-  // First, or the other process has a copy of the line that is open here.
-  const auto holder = HeldByAnother(1);
-  ConnectTo("COM3");
-  const std::string before = WorkingFile();
-  Open();
-  ClickRadio(1);
-  Click(kSetId);
-  EXPECT_EQ(Happened(), (QStringList{"pause 500", ChoiceFailed("COM4", "")}));
-  EXPECT_TRUE(program.connection.connected);
-  EXPECT_TRUE(program.connection.handle.IsOpen());
-  EXPECT_EQ(program.state.currentPortName, "COM3");
-  EXPECT_EQ(Checked(), QList<int>{0});
-  EXPECT_EQ(WorkingFile(), before);
-}
-
 TEST_F(PortDetailsDialog, PortThatVanishesBetweenClickAndSetIsRefused) {
   Plug("COM3");
   Plug("COM4");

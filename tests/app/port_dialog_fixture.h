@@ -1,7 +1,5 @@
 #pragma once
 
-#include <sys/file.h>
-
 #include <QApplication>
 #include <QPointer>
 #include <QPushButton>
@@ -52,13 +50,13 @@ class PortDialogTest : public AppTest {
   }
   /// A port with a real line behind it; the list is read anew.
   void Plug(const QString& port) {
-    m_terminals.push_back(std::make_unique<PseudoTerminal>());
-    PlugIn(port, *m_terminals.back());
+    terminals.push_back(std::make_unique<PseudoTerminal>());
+    PlugIn(port, *terminals.back());
     List();
   }
   void Unplug(const QString& port) {
     ports.names.removeAll(port);
-    QFile::remove(PortsFolder(m_folder) + QLatin1Char('/') + port);
+    UnplugPort(PortsFolder(m_folder), port);
     List();
   }
   /// The ports are there by name only.
@@ -74,14 +72,6 @@ class PortDialogTest : public AppTest {
     ASSERT_TRUE(UpdateValue(program.workingSettingsFile, keys::kComPort, port));
     ASSERT_TRUE(ConnectPort(program.settings, program.connection, program.Environment()));
     program.connection.connected = true;
-  }
-  /// Another process has the port for itself.
-  std::unique_ptr<OtherProcess> HeldByAnother(std::size_t terminal) {
-    const std::string node = m_terminals.at(terminal)->Node();
-    return std::make_unique<OtherProcess>([node] {
-      const int device = ::open(node.c_str(), O_RDWR | O_NOCTTY);
-      return device >= 0 && ::flock(device, LOCK_EX | LOCK_NB) == 0;
-    });
   }
   std::string WorkingFile() { return Bytes(program.workingSettingsFile); }
   /// The file of the defaults with these values.
@@ -110,13 +100,12 @@ class PortDialogTest : public AppTest {
 
   NotedPause pause{journal};
   QPointer<QDialog> window;
+  std::vector<std::unique_ptr<PseudoTerminal>> terminals;  ///< in the order of plugging in
 
  private:
   static std::string Bytes(const QString& path) {
     return ReadWholeBytes(path).value_or(QByteArray()).toStdString();
   }
-
-  std::vector<std::unique_ptr<PseudoTerminal>> m_terminals;
 };
 
 inline QString ChoiceConnected(const char* port) {

@@ -197,7 +197,7 @@ TEST_F(PortMonitorTest, ConnectsAnewWhatItLeftOpen) {
   const auto before = program.connection.handle.Line();
   ports.names.clear();
   monitor.Tick();
-  ASSERT_TRUE(QFile::remove(PortsFolder(m_folder) + QStringLiteral("/COM3")));
+  ASSERT_TRUE(UnplugPort(PortsFolder(m_folder), QStringLiteral("COM3")));
   PlugIn(QStringLiteral("COM3"), second);
   messages.answers = {true};
   monitor.Tick();

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "device/instrument.h"
+#include "serial/serial_line_posix.h"
 
 namespace quarn::test {
 
@@ -56,5 +57,15 @@ class ServedInstrument {
   std::function<void()> m_callback;
   std::thread m_thread;
 };
+
+/// Opens the near end of its line.
+inline OpenResult OpenServedLine(const ServedInstrument& instrument) {
+  return OpenTerminalDevice(instrument.NodePath());
+}
+
+/// The time-outs for a line that a test reads from.
+inline bool SetServedTimeouts(SerialLine& line, const LineTimeouts& timeouts) {
+  return line.SetTimeouts(timeouts);
+}
 
 }  // namespace quarn::test

@@ -6,7 +6,6 @@
 
 #include "serial/line_parameters.h"
 #include "serial/open_port.h"
-#include "serial/serial_line_posix.h"
 #include "support/served_instrument.h"
 #include "tests/line/line_test_support.h"
 #include "tests/transaction/scripted_host.h"
@@ -14,6 +13,7 @@
 namespace quarn {
 
 using test::ServedInstrument;
+using test::SetServedTimeouts;
 
 /// Settings under which a response ends after 180 ms of silence, and only a silent line or ESC ends the
 /// wait for one: no test depends on how fast the machine is.
@@ -35,14 +35,13 @@ class TransactionTest : public testing::Test {
   void TearDown() override { m_engine.reset(); }
 
   /// The line gets the time-outs of the settings, which have to be made before.
-  void Serve(device::Rules rules) {
-    m_instrument.emplace(std::move(rules));
-    const OpenResult opened = OpenTerminalDevice(m_instrument->NodePath());
+  void Serve(const std::string& rules) {
+    m_instrument.emplace(rules);
+    const OpenResult opened = OpenServedLine(*m_instrument);
     ASSERT_TRUE(opened.line) << opened.failure.reason.toStdString();
-    ASSERT_TRUE(opened.line->SetTimeouts(TimeoutsOf(m_settings.comBps, m_settings.portSpeed)));
+    ASSERT_TRUE(SetServedTimeouts(*opened.line, TimeoutsOf(m_settings.comBps, m_settings.portSpeed)));
     m_connection.handle = PortHandle(opened.line);
   }
-  void Serve(const std::string& rules) { Serve(device::ParseRules(rules)); }
 
   /// The shortest response time-out there is: 50 polls.
   void SetShortestTimeout() {

@@ -111,14 +111,11 @@ TEST_F(TransactionTest, ABareLineEndIsAResponse) {
 }
 
 TEST_F(TransactionTest, EveryByteButNulComesThrough) {
-  device::Rule rule;
-  rule.command = "id";
-  std::string bytes;
+  QByteArray bytes;
   for (int byte = 1; byte < 256; ++byte) bytes += static_cast<char>(byte);
-  rule.steps.emplace_back(device::Bytes{bytes});
-  Serve(device::Rules{rule});
+  Serve("\"id\" -> \"\\x" + bytes.toHex('/').replace('/', "\\x").toStdString() + '"');
   EXPECT_EQ(Run("id"), TransactionResult::Received);
-  EXPECT_EQ(Response().toStdString(), bytes);
+  EXPECT_EQ(Response(), bytes);
 }
 
 struct LimitRow {

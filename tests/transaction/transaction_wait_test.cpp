@@ -165,7 +165,7 @@ TEST_F(TransactionWait, ThePortCanBeClosedUnderAReadLeftBehind) {
   auto closing = InThread([this] { return ClosePort(m_connection); });
   ASSERT_TRUE(Ends(closing));
   EXPECT_TRUE(closing.get());
-  EXPECT_TRUE(OpenTerminalDevice(m_instrument->NodePath()).line) << "the line is free for others";
+  EXPECT_TRUE(OpenServedLine(*m_instrument).line) << "the line is free for others";
 }
 
 TEST_F(TransactionWait, AfterClosingAndOpeningAgainCommandsWork) {
@@ -174,9 +174,9 @@ TEST_F(TransactionWait, AfterClosingAndOpeningAgainCommandsWork) {
   ASSERT_EQ(Run("mute"), TransactionResult::Timeout);
   ASSERT_TRUE(ClosePort(m_connection));
   m_settings.rTimeout = QStringLiteral("OFF");
-  const OpenResult again = OpenTerminalDevice(m_instrument->NodePath());
+  const OpenResult again = OpenServedLine(*m_instrument);
   ASSERT_TRUE(again.line);
-  ASSERT_TRUE(again.line->SetTimeouts({.readInterval = 100}));
+  ASSERT_TRUE(SetServedTimeouts(*again.line, {.readInterval = 100}));
   m_connection.handle = PortHandle(again.line);
   EXPECT_EQ(Run("id"), TransactionResult::Received);
   EXPECT_EQ(Response(), "SIM\r");

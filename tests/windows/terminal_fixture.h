@@ -10,7 +10,6 @@
 #include <QTest>
 #include <memory>
 
-#include "serial/serial_line_posix.h"
 #include "settings/settings_table.h"
 #include "support/recorded_messages.h"
 #include "support/served_instrument.h"
@@ -37,13 +36,13 @@ class TerminalFixture : public ::testing::Test {
 
   void Connect(std::string_view rules) {
     instrument = std::make_unique<ServedInstrument>(rules);
-    OpenResult opened = OpenTerminalDevice(instrument->NodePath());
+    OpenResult opened = OpenServedLine(*instrument);
     ASSERT_TRUE(opened.line) << opened.failure.reason.toStdString();
-    opened.line->SetTimeouts({.readInterval = 12,
-                              .readTotalMultiplier = 10,
-                              .readTotalConstant = 50,
-                              .writeTotalMultiplier = 10,
-                              .writeTotalConstant = 50});
+    SetServedTimeouts(*opened.line, {.readInterval = 12,
+                                     .readTotalMultiplier = 10,
+                                     .readTotalConstant = 50,
+                                     .writeTotalMultiplier = 10,
+                                     .writeTotalConstant = 50});
     connection.handle = PortHandle(opened.line);
     connection.connected = true;
   }

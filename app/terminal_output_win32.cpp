@@ -1,0 +1,40 @@
+#include <windows.h>
+
+#include "app/terminal_output.h"
+
+namespace quarn {
+namespace {
+
+/// A program with windows has standard output only where somebody has redirected it.
+bool WriteRedirected(const QByteArray& bytes) {
+  const HANDLE output = GetStdHandle(STD_OUTPUT_HANDLE);
+  DWORD written = 0;
+  return output != nullptr && output != INVALID_HANDLE_VALUE &&
+         WriteFile(output, bytes.constData(), static_cast<DWORD>(bytes.size()), &written, nullptr) != FALSE;
+}
+
+bool WriteOnConsole(const QString& text) {
+  const HANDLE console = CreateFileW(L"CONOUT$", GENERIC_READ | GENERIC_WRITE,
+                                     FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr);
+  if (console == INVALID_HANDLE_VALUE) return false;
+  DWORD written = 0;
+  const bool done =
+      WriteConsoleW(console, text.utf16(), static_cast<DWORD>(text.size()), &written, nullptr) != FALSE;
+  CloseHandle(console);
+  return done;
+}
+
+}  // namespace
+
+bool WriteOnTerminal(const QString& text) {
+  if (WriteRedirected(text.toLocal8Bit())) return true;
+  // The console belongs to whoever started the program; it is left again at once, so that neither Ctrl+C nor
+  // the closing of that window ends this process.
+  if (AttachConsole(ATTACH_PARENT_PROCESS) == FALSE) return false;
+  // The shell has written its next prompt already: it does not wait for a program with windows.
+  const bool done = WriteOnConsole(QLatin1Char('\n') + text);
+  FreeConsole();
+  return done;
+}
+
+}  // namespace quarn

@@ -1,0 +1,50 @@
+# shellcheck shell=bash
+# The installer and the portable zip. Sourced after lib.sh, windows_qt.sh and wine.sh.
+
+PACKAGE=$TOP/build/windows/package
+
+# identity NAME: one of the values that CMakeLists.txt has for everybody.
+identity() { sed -n "s/^!define $1 \"\(.*\)\"/\1/p" build/windows/generated/identity.nsh; }
+
+with_windows_line_ends() { sed 's/\r*$/\r/' "$1" >"$2"; }
+
+add_licences() {
+  local place=$1/licences documents=/usr/share/doc texts=/usr/share/common-licenses
+  mkdir "$place"
+  with_windows_line_ends LICENSE "$place/Quarn.txt"
+  with_windows_line_ends <(sed "s/@QT_VERSION@/$(qt_version)/" packaging/windows/licences.txt) "$place/README.txt"
+  with_windows_line_ends "$documents/qt6-base-dev/copyright" "$place/Qt.txt"
+  with_windows_line_ends "$documents/g++-mingw-w64-x86-64-posix/copyright" "$place/GCC.txt"
+  with_windows_line_ends "$documents/mingw-w64-common/copyright" "$place/MinGW-w64.txt"
+  with_windows_line_ends "$texts/LGPL-3" "$place/LGPL-3.txt"
+  with_windows_line_ends "$texts/GPL-3" "$place/GPL-3.txt"
+}
+
+# What the uninstaller deletes: every file that was installed, then the folders, the inner ones first.
+list_for_uninstaller() {
+  (cd "$1" && find . -type f -printf 'Delete "$INSTDIR\\%P"\n' | tr / '\\' | sort)
+  (cd "$1" && find . -mindepth 1 -depth -type d -printf 'RMDir "$INSTDIR\\%P"\n' | tr / '\\')
+}
+
+# Sets $ZIP and $SETUP.
+pack_windows() {
+  local name version
+  headline "Packing"
+  name=$(identity NAME)
+  version=$(identity VERSION)
+  ZIP=$TOP/build/windows/quarn-$version-windows.zip
+  SETUP=$TOP/build/windows/quarn-$version-setup.exe
+  rm -rf "$PACKAGE" "$ZIP" "$SETUP"
+  cmake --install build/windows --prefix "$PACKAGE/$name" --strip >build/windows/install.log
+  add_licences "$PACKAGE/$name"
+  (cd "$PACKAGE" && zip -q -9 -X -r "$ZIP" "$name")
+  list_for_uninstaller "$PACKAGE/$name" >"$PACKAGE/uninstall.nsh"
+  makensis -V2 -WX "-DIDENTITY=$TOP/build/windows/generated/identity.nsh" "-DFILES=$PACKAGE/$name" \
+    "-DLIST=$PACKAGE/uninstall.nsh" "-DSIZE=$(du -sk "$PACKAGE/$name" | cut -f1)" "-DOUTPUT=$SETUP" \
+    packaging/windows/quarn.nsi >"$PACKAGE/makensis.log" || {
+    cat "$PACKAGE/makensis.log"
+    fail "the installer cannot be made"
+  }
+  du -k "$SETUP" "$ZIP"
+  (($(stat -c %s "$SETUP") <= 15 * 1024 * 1024)) || fail "the installer is larger than 15 MB"
+}

@@ -1,0 +1,96 @@
+# shellcheck shell=bash
+# Qt for Windows, built from Debian's own source package. Sourced after lib.sh.
+#
+# Understood from outside:
+#   QUARN_WINDOWS_QT=FOLDER   where it is kept (default: build/windows/qt)
+
+# Absolute, wherever the caller stands.
+QT=$(realpath -m "${QUARN_WINDOWS_QT:-build/windows/qt}")
+QT_TOOLCHAIN=$TOP/cmake/mingw-w64.cmake
+
+# What Quarn does not use stays out: it would be built, shipped and loaded for nothing. The source package
+# lacks a header for tablets, and what it calls directwrite3 does not link with this compiler.
+QT_WITHOUT=(
+  sql network dbus xml printsupport opengl vulkan concurrent icu zstd jpeg gif
+  tabletevent direct2d directwrite3
+  graphicsview mdiarea dockwidget wizard calendarwidget fontcombobox syntaxhighlighter pdf movie fontdialog
+  columnview undoview splashscreen systemtrayicon dial lcdnumber keysequenceedit errormessage
+  progressdialog datawidgetmapper datetimeedit gestures
+  textmarkdownreader textmarkdownwriter textodfwriter
+  testlib_selfcover)
+
+qt_options() {
+  local feature
+  printf '%s\n' -DCMAKE_BUILD_TYPE=Release -DBUILD_SHARED_LIBS=ON -DFEATURE_optimize_size=ON -DINPUT_opengl=no \
+    -DQT_BUILD_TESTS=OFF -DQT_BUILD_EXAMPLES=OFF
+  for feature in "${QT_WITHOUT[@]}"; do echo "-DFEATURE_$feature=OFF"; done
+}
+
+# The source has to be that of the tools of this system, which take part in the build.
+qt_version() { dpkg-query -W -f='${source:Version}' qt6-base-dev; }
+
+# What a finished build depends on.
+qt_key() {
+  printf 'qt6-base %s\ncompiler %s\n' "$(qt_version)" \
+    "$(dpkg-query -W -f='${Version}' g++-mingw-w64-x86-64-posix)"
+  grep -v '^#' "$QT_TOOLCHAIN"
+  qt_options
+}
+
+qt_is_there() { [[ -f $QT/quarn-key && $(<"$QT/quarn-key") == "$(qt_key)" ]]; }
+
+# Where this system gets Debian's packages from, as lines for their sources.
+source_lists() {
+  apt-get indextargets --format '$(IDENTIFIER)|$(ORIGIN)|$(COMPONENT)|$(REPO_URI)|$(RELEASE)' |
+    sed -n 's/^Packages|Debian|main|\(.*\)|\(.*\)$/deb-src \1 \2 main/p' | sort -u
+}
+
+# fetch_qt FOLDER: the unpacked source in FOLDER/source. The machine's own lists of packages stay as they are.
+fetch_qt() {
+  local place=$1 version options
+  version=$(qt_version)
+  mkdir -p "$place/lists/partial"
+  source_lists >"$place/sources.list"
+  if [[ ! -s $place/sources.list ]]; then
+    apt update
+    source_lists >"$place/sources.list"
+  fi
+  options=(-qq -o "Dir::Etc::SourceList=$place/sources.list" -o Dir::Etc::SourceParts=/dev/null
+    -o "Dir::State::Lists=$place/lists" -o APT::Get::List-Cleanup=0 -o APT::Sandbox::User= -o Acquire::Retries=3)
+  # Written into that folder alone, and so without any special right.
+  apt-get "${options[@]}" -o Dir::Cache::srcpkgcache= -o Dir::Cache::pkgcache= update
+  (cd "$place" && apt-get "${options[@]}" -o Dir::Cache::srcpkgcache= -o Dir::Cache::pkgcache= \
+    --download-only source "qt6-base=$version")
+  dpkg-source --no-check --extract "$place"/qt6-base_*.dsc "$place/source" >"$place/unpack.log" 2>&1 || {
+    cat "$place/unpack.log"
+    fail "the source of Qt does not unpack"
+  }
+}
+
+# Builds it unless it is there. The key is the last thing written, so that half a build is never taken for one.
+provide_qt() {
+  local place=$QT.making options
+  if qt_is_there; then
+    echo "Qt for Windows is in $QT"
+    return
+  fi
+  headline "Fetching the source of Qt $(qt_version)"
+  rm -rf "$QT" "$place"
+  mkdir -p "$place"
+  fetch_qt "$place"
+  headline "Building Qt for Windows, which takes a while and is done once"
+  mapfile -t options < <(qt_options)
+  cmake -S "$place/source" -B "$place/build" -G Ninja -DCMAKE_TOOLCHAIN_FILE="$QT_TOOLCHAIN" \
+    -DCMAKE_INSTALL_PREFIX="$QT" "${options[@]}" >"$place/configure.log" 2>&1 || {
+    cat "$place/configure.log"
+    fail "Qt cannot be configured"
+  }
+  cmake --build "$place/build" >"$place/build.log" || {
+    tail -n 100 "$place/build.log"
+    fail "Qt does not build"
+  }
+  cmake --install "$place/build" --strip >"$place/install.log"
+  qt_key >"$QT/quarn-key"
+  rm -rf "$place"
+  headline "Qt for Windows is built"
+}

@@ -1,0 +1,30 @@
+# shellcheck shell=bash
+# Wine in a prefix of its own, for as long as the script runs. Sourced after virtual_display.sh.
+
+# The 64-bit loader itself: the wrapper of that name wants a 32-bit part, which nothing here needs.
+WINE=/usr/lib/wine/wine64
+WINESERVER=/usr/lib/wine/wineserver64
+
+# wine PROGRAM [ARGUMENT...]
+wine() { "$WINE" "$@"; }
+
+# A prefix made anew, with its server kept alive between programs: starting one takes longer than many a test.
+make_prefix() {
+  export WINEPREFIX=$PLACE/prefix WINEARCH=win64 WINEDEBUG=-all
+  # Neither associations on this desktop nor offers to install what is not needed.
+  export WINEDLLOVERRIDES='winemenubuilder.exe=d;mscoree=d;mshtml=d'
+  [[ -x $WINE && -x $WINESERVER ]] || fail "Wine's 64-bit loader and server are not in /usr/lib/wine"
+  rm -rf "$WINEPREFIX"
+  wine wineboot --init >"$PLACE/wineboot.log" 2>&1 || fail "Wine makes no prefix: $(<"$PLACE/wineboot.log")"
+  trap 'end_prefix; stop_all' EXIT
+  "$WINESERVER" --wait  # for the one that made it, which ends by itself
+  "$WINESERVER" --persistent >"$PLACE/wineserver.log" 2>&1
+  set_registry 'HKCU\Software\Wine' Version REG_SZ win10
+}
+
+end_prefix() { "$WINESERVER" --kill 2>/dev/null || true; }
+
+# set_registry KEY NAME TYPE DATA
+set_registry() { wine reg add "$1" /v "$2" /t "$3" /d "$4" /f >/dev/null || fail "the registry does not take $1\\$2"; }
+
+drop_registry() { wine reg delete "$1" /f >/dev/null 2>&1 || true; }

@@ -1,0 +1,62 @@
+# shellcheck shell=bash
+# COM ports under Wine, with simulated instruments behind them. Sourced after wine.sh.
+
+# What tests/windows_lines/line_server.cpp says about it holds for this folder.
+LINES=$PLACE/lines
+
+start_line_server() {
+  cmake -S tests/windows_lines -B build/windows/lines -G Ninja -DCMAKE_BUILD_TYPE=Release >build/windows/lines.log
+  cmake --build build/windows/lines >>build/windows/lines.log || {
+    cat build/windows/lines.log
+    fail "quarn-line-server does not build"
+  }
+  rm -rf "$LINES"
+  mkdir -p "$LINES"
+  start lines build/windows/lines/quarn-line-server "$LINES" "$WINEPREFIX/dosdevices"
+  # As the Windows programs see it.
+  export QUARN_LINES=Z:$LINES
+}
+
+port_is_ready() { [[ -f $LINES/$1.ready ]]; }
+
+port_is_gone() { [[ ! -f $LINES/$1.ready ]]; }
+
+wire_has() { [[ -f $LINES/$1.received && $(tr '\r\n' '<>' <"$LINES/$1.received") == "$2" ]]; }
+
+COM_PORTS='{86e0d1e0-8089-11d0-9ce4-08003e301f73}'
+
+# plug_port com3 NAME: an instrument, and the device that the system lists for it.
+plug_port() {
+  local port=$1 device="ROOT\\\\QUARN${1^^}\\\\0000" path="ROOT#QUARN${1^^}#0000#$COM_PORTS"
+  local class="HKEY_LOCAL_MACHINE\\System\\CurrentControlSet\\Control\\DeviceClasses\\$COM_PORTS\\##?#$path"
+  printf 'built-in' >"$LINES/$port.new"
+  mv "$LINES/$port.new" "$LINES/$port.rules"
+  wait_until 20 "the instrument at $port" port_is_ready "$port"
+  [[ ! -s $LINES/$port.ready ]] || fail "no instrument at $port: $(<"$LINES/$port.ready")"
+  cat >"$PLACE/$port.reg" <<END
+Windows Registry Editor Version 5.00
+
+[HKEY_LOCAL_MACHINE\\System\\CurrentControlSet\\Enum\\${device//\\\\/\\}]
+"Class"="Ports"
+"ClassGUID"="{4d36e978-e325-11ce-bfc1-08002be10318}"
+"FriendlyName"="$2 (${port^^})"
+
+[$class]
+"DeviceInstance"="$device"
+
+[$class\\#]
+"SymbolicLink"="\\\\\\\\?\\\\$path"
+
+[$class\\#\\Control]
+"Linked"=dword:00000001
+END
+  wine reg import "Z:$PLACE/$port.reg" >"$PLACE/reg.log" 2>&1 || fail "no device for $port: $(<"$PLACE/reg.log")"
+}
+
+# unplug_port com3: first the device, then what was behind it.
+unplug_port() {
+  drop_registry "HKLM\\System\\CurrentControlSet\\Control\\DeviceClasses\\$COM_PORTS\\##?#ROOT#QUARN${1^^}#0000#$COM_PORTS"
+  drop_registry "HKLM\\System\\CurrentControlSet\\Enum\\ROOT\\QUARN${1^^}"
+  rm "$LINES/$1.rules"
+  wait_until 20 "the instrument at $1 to go" port_is_gone "$1"
+}

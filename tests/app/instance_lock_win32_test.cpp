@@ -1,0 +1,25 @@
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include "app/instance_lock.h"
+
+namespace quarn {
+namespace {
+
+// One test: what has been taken stays taken until this process ends.
+TEST(InstanceLockWin32, IsTheNameOfAMutex) {
+  const HANDLE other = CreateEventW(nullptr, FALSE, FALSE, L"Quarn.exe");
+  ASSERT_NE(other, nullptr);
+  EXPECT_EQ(TakeInstanceLock(), InstanceLock::Failed) << "something else has that name";
+  CloseHandle(other);
+  EXPECT_EQ(TakeInstanceLock(), InstanceLock::Taken);
+  EXPECT_EQ(TakeInstanceLock(), InstanceLock::TakenByAnother);
+  const HANDLE mutex = OpenMutexW(SYNCHRONIZE, FALSE, L"Quarn.exe");
+  EXPECT_NE(mutex, nullptr);
+  EXPECT_EQ(WaitForSingleObject(mutex, 0), WAIT_OBJECT_0) << "nobody owns it";
+  ReleaseMutex(mutex);
+  CloseHandle(mutex);
+}
+
+}  // namespace
+}  // namespace quarn

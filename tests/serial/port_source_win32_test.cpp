@@ -1,0 +1,132 @@
+#include "serial/port_source_win32.h"
+
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <QString>
+#include <memory>
+#include <vector>
+
+#include "serial/port_list.h"
+
+namespace quarn {
+namespace {
+
+void SetText(HKEY key, const wchar_t* name, const QString& text) {
+  EXPECT_EQ(RegSetValueExW(key, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(text.utf16()),
+                           static_cast<DWORD>((text.size() + 1) * 2)),
+            ERROR_SUCCESS);
+}
+
+/// A key of the system's registry, gone with the object.
+class Key {
+ public:
+  explicit Key(const QString& path) : m_path(path.toStdWString()) {
+    EXPECT_EQ(RegCreateKeyExW(HKEY_LOCAL_MACHINE, m_path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr,
+                              &m_key, nullptr),
+              ERROR_SUCCESS);
+  }
+  ~Key() {
+    RegCloseKey(m_key);
+    RegDeleteTreeW(HKEY_LOCAL_MACHINE, m_path.c_str());
+  }
+  Key(const Key&) = delete;
+  Key& operator=(const Key&) = delete;
+  [[nodiscard]] HKEY Get() const { return m_key; }
+
+ private:
+  std::wstring m_path;
+  HKEY m_key = nullptr;
+};
+
+/// A device that the system takes for a COM port that is present.
+class Device {
+ public:
+  explicit Device(const QString& name)
+      : m_device(QStringLiteral("System\\CurrentControlSet\\Enum\\ROOT\\%1\\0000").arg(name)),
+        m_interface(kClasses + kComPort + QStringLiteral("\\##?#ROOT#%1#0000#").arg(name) + kComPort),
+        m_link(kClasses + kComPort + QStringLiteral("\\##?#ROOT#%1#0000#").arg(name) + kComPort +
+               QStringLiteral("\\#")),
+        m_control(kClasses + kComPort + QStringLiteral("\\##?#ROOT#%1#0000#").arg(name) + kComPort +
+                  QStringLiteral("\\#\\Control")) {
+    SetText(m_device.Get(), L"Class", QStringLiteral("Ports"));
+    SetText(m_device.Get(), L"ClassGUID", QStringLiteral("{4d36e978-e325-11ce-bfc1-08002be10318}"));
+    SetText(m_interface.Get(), L"DeviceInstance", QStringLiteral("ROOT\\%1\\0000").arg(name));
+    SetText(m_link.Get(), L"SymbolicLink", QStringLiteral("\\\\?\\ROOT#%1#0000#").arg(name) + kComPort);
+    const DWORD linked = 1;
+    EXPECT_EQ(RegSetValueExW(m_control.Get(), L"Linked", 0, REG_DWORD, reinterpret_cast<const BYTE*>(&linked),
+                             sizeof linked),
+              ERROR_SUCCESS);
+  }
+  Device(const QString& name, const QString& friendlyName) : Device(name) {
+    SetText(m_device.Get(), L"FriendlyName", friendlyName);
+  }
+
+ private:
+  inline static const QString kClasses =
+      QStringLiteral("System\\CurrentControlSet\\Control\\DeviceClasses\\");
+  inline static const QString kComPort = QStringLiteral("{86e0d1e0-8089-11d0-9ce4-08003e301f73}");
+  Key m_device;
+  Key m_interface;
+  Key m_link;
+  Key m_control;
+};
+
+QStringList Listed() {
+  QStringList names{QStringLiteral("left over")};
+  EXPECT_TRUE(Win32PortSource().FriendlyNames(names));
+  names.sort();
+  return names;
+}
+
+TEST(PortSourceWin32, ListsThePortsThatArePresent) {
+  EXPECT_EQ(Listed(), QStringList());
+  {
+    const Device first(QStringLiteral("QUARN1"), QStringLiteral("Sim\u00fclator (COM3)"));
+    EXPECT_EQ(Listed(), QStringList{QStringLiteral("Sim\u00fclator (COM3)")});
+    const Device second(QStringLiteral("QUARN2"), QStringLiteral("USB Serial Port (COM12)"));
+    EXPECT_EQ(Listed(), (QStringList{QStringLiteral("Sim\u00fclator (COM3)"),
+                                     QStringLiteral("USB Serial Port (COM12)")}));
+  }
+  EXPECT_EQ(Listed(), QStringList());
+}
+
+TEST(PortSourceWin32, PassesOverWhatIsNoComPortOrHasNoName) {
+  const Device printer(QStringLiteral("QUARN1"), QStringLiteral("Printer Port (LPT1)"));
+  const Device nameless(QStringLiteral("QUARN2"));
+  const Device small(QStringLiteral("QUARN3"), QStringLiteral("Serial (com4)"));
+  const Device port(QStringLiteral("QUARN4"), QStringLiteral("Serial (COM5)"));
+  EXPECT_EQ(Listed(), QStringList{QStringLiteral("Serial (COM5)")});
+}
+
+TEST(PortSourceWin32, ANameThatDoesNotFitIsPassedOver) {
+  const QString tail = QStringLiteral(" (COM6)");
+  const Device fits(QStringLiteral("QUARN1"), QString(259 - tail.size(), u'x') + tail);
+  const Device tooLong(QStringLiteral("QUARN2"), QString(260 - tail.size(), u'y') + tail);
+  EXPECT_EQ(Listed(), QStringList{QString(259 - tail.size(), u'x') + tail});
+}
+
+TEST(PortSourceWin32, AHundredPortsAreEnough) {
+  std::vector<std::unique_ptr<Device>> devices;
+  for (int i = 0; i < 105; ++i) {
+    devices.push_back(std::make_unique<Device>(QStringLiteral("QUARN%1").arg(i),
+                                               QStringLiteral("Serial %1 (COM%2)").arg(i).arg(i % 99 + 1)));
+  }
+  EXPECT_EQ(Listed().size(), 100);
+}
+
+TEST(PortSourceWin32, TheListIsInTheOrderOfTheNumbers) {
+  const Device ten(QStringLiteral("QUARN1"), QStringLiteral("Serial (COM10)"));
+  const Device two(QStringLiteral("QUARN2"), QStringLiteral("Serial (COM2)"));
+  const Device nine(QStringLiteral("QUARN3"), QStringLiteral("Serial (COM9)"));
+  Win32PortSource source;
+  PortConnection connection;
+  ASSERT_TRUE(RefreshPortList(source, connection));
+  ASSERT_EQ(connection.portCount, 3);
+  EXPECT_EQ(connection.portNames[0], QStringLiteral("COM2"));
+  EXPECT_EQ(connection.portNames[1], QStringLiteral("COM9"));
+  EXPECT_EQ(connection.portNames[2], QStringLiteral("COM10"));
+}
+
+}  // namespace
+}  // namespace quarn

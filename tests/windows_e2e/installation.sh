@@ -1,0 +1,72 @@
+# shellcheck shell=bash
+# The installer and what it leaves, and what the uninstaller leaves. Sourced by scripts/windows after story.sh.
+
+# shellcheck disable=SC2154  # window and last are set by scripts/virtual_display.sh
+installed_folder() {
+  local folders=("$WINEPREFIX"/drive_c/users/*/AppData/Local/Programs/Quarn)
+  echo "${folders[0]}"
+}
+
+start_menu_entry_is_there() { compgen -G "$WINEPREFIX/drive_c/users/*/AppData/Roaming/Microsoft/Windows/Start Menu/Programs/Quarn.lnk" >/dev/null; }
+
+# registry_says KEY WORD: the default value of the key.
+registry_says() { wine reg query "$1" /ve 2>/dev/null | tr -d '\r' | grep -qF "$2"; }
+
+registry_lacks() { ! wine reg query "$1" >/dev/null 2>&1; }
+
+same_files() { diff -r -x uninstall.exe "$1" "$2"; }
+
+UNINSTALL_KEY='HKCU\Software\Microsoft\Windows\CurrentVersion\Uninstall\Quarn'
+
+install_silently() {
+  headline "Installing"
+  wine "$1" /S || fail "the installer failed"
+  expect "everything is there" same_files "$2" "$(installed_folder)"
+  expect "the start menu has an entry" start_menu_entry_is_there
+  expect "files of the kind .qrn are Quarn's" registry_says 'HKCU\Software\Classes\.qrn' Quarn.Configuration
+  expect "they are described" registry_says 'HKCU\Software\Classes\Quarn.Configuration' 'Quarn configuration'
+  expect "they have an icon" registry_says 'HKCU\Software\Classes\Quarn.Configuration\DefaultIcon' 'quarn.exe,0'
+  expect "the list of programs has it" wine reg query "$UNINSTALL_KEY" /v DisplayName >"$PLACE/registry.log"
+}
+
+# What a double click on a file does.
+open_by_association() {
+  local status=0 file="$WINEPREFIX/drive_c/my bench.qrn"
+  headline "Opening a file"
+  sed $'s/^COM_PORT=.*/COM_PORT=COM3\r/; s/^START_DISP=.*/START_DISP=OFF\r/' packaging/demo/demo.qrn >"$file"
+  start opened wine start /wait 'C:\my bench.qrn'
+  wait_until 60 "the main dialog" main_title_is COM3
+  main=$window
+  wine "$1" /S || status=$?
+  expect "the installer does not touch a program that runs" test "$status" -eq 3
+  activate "$main"
+  press_keys alt+F4
+  wait_until 30 "the main dialog to go" window_is_gone '^Quarn   \('
+  wait "$last" || true
+  expect "the file is in force" cmp -s "$file" "$(settings_folder)/Quarn.ini"
+}
+
+folder_is_gone() { [[ ! -e $1 ]]; }
+
+uninstall_silently() {
+  local folder
+  folder=$(installed_folder)
+  headline "Uninstalling"
+  wine "$folder/uninstall.exe" /S || fail "the uninstaller failed"
+  # A copy of it does the work, since it cannot delete itself.
+  wait_until 60 "the program's folder to go" folder_is_gone "$folder"
+  wait_until 10 "the list of programs to lack it" registry_lacks "$UNINSTALL_KEY"
+  expect "no file kind is left" registry_lacks 'HKCU\Software\Classes\Quarn.Configuration'
+  expect "nor the files' extension" registry_lacks 'HKCU\Software\Classes\.qrn'
+  if start_menu_entry_is_there; then fail "the start menu still has an entry"; fi
+  expect "the settings have stayed" settings_say COM_PORT=COM3
+}
+
+# play_installation SETUP PACKAGE
+play_installation() {
+  plug_port com3 "Bench adapter"
+  install_silently "$1" "$2"
+  open_by_association "$1"
+  uninstall_silently
+  unplug_port com3
+}

@@ -1,0 +1,160 @@
+# shellcheck shell=bash
+# The Windows program from its first start to its last, with real keys and clicks, on a display of its own.
+# Sourced by scripts/windows, whose functions and variables it uses. What is not as it should be ends the
+# script.
+
+# shellcheck disable=SC2154  # window, terminal and last are set by scripts/virtual_display.sh
+# As the program sees it, the folder of a person's settings.
+settings_folder() {
+  local folders=("$WINEPREFIX"/drive_c/users/*/AppData/Roaming)
+  echo "${folders[0]}/Halvo/Quarn"
+}
+
+expect() {
+  local what=$1
+  shift
+  "$@" || fail "$what"
+  echo "  $what"
+}
+
+# acknowledge TITLE: Enter on a box, which goes.
+acknowledge() {
+  wait_until 30 "the box \"$1\"" find_window "^$1\$"
+  activate "$window"
+  press_keys Return
+  wait_until 10 "the box \"$1\" to go" window_is_gone "^$1\$"
+  echo "  the box \"$1\" came"
+}
+
+main_title_is() { find_window "^Quarn   \\($1\\)\$"; }
+
+settings_say() { grep -q "^$1"$'\r\?$' "$(settings_folder)/Quarn.ini"; }
+
+# Byte-order mark, and a carriage return before every line feed.
+settings_are_in_windows_form() {
+  local file
+  file=$(settings_folder)/Quarn.ini
+  [[ $(head -c 3 "$file" | od -An -tx1) == ' ef bb bf' ]] &&
+    (($(grep -c $'\r$' "$file") == $(wc -l <"$file"))) && (($(wc -l <"$file") == 32))
+}
+
+program_has_ended() { ! kill -0 "$1" 2>/dev/null; }
+
+# menu X KEY: the menu whose title is there, and the item of that letter.
+menu() {
+  remember_windows
+  xdotool mousemove --window "$main" "$1" 10 click 1
+  wait_until 10 "a menu" new_window_is_there
+  press_keys "$2"
+}
+
+start_program() {
+  start quarn wine "$@"
+  program=$last
+}
+
+first_start() {
+  headline "The first start"
+  plug_port com3 "Bench adapter"
+  start_program "$1"
+  acknowledge 'Quarn : Warning'
+  expect "the settings are made" test -s "$(settings_folder)/Quarn.ini"
+  acknowledge 'Quarn : Information'
+  wait_until 30 "the main dialog" main_title_is NONE
+  main=$window
+  expect "the settings are UTF-8 with its mark, and their lines end as Windows' do" settings_are_in_windows_form
+}
+
+choose_port() {
+  headline "Choosing COM3"
+  menu 60 n
+  wait_until 10 "COM Port Number" find_window '^Quarn - COM Port Number'
+  activate "$window"
+  press_keys Down Tab space
+  acknowledge 'Quarn : Information'
+  wait_until 20 "the title to name COM3" main_title_is COM3
+  expect "the settings name COM3" settings_say COM_PORT=COM3
+  find_window '^Quarn - COM Port Number'
+  activate "$window"
+  press_keys Escape
+}
+
+clipboard_is() { [[ $(xclip -o -selection clipboard -t UTF8_STRING 2>/dev/null | tr -d '\n' | tr '\r' '|') == "$1" ]]; }
+
+first_command() {
+  headline "The first command"
+  wait_until 10 "the Terminal Screen" find_terminal COM3
+  activate "$terminal"
+  send i d
+  expect "the wire had id and CR" wire_has com3 'id<'
+  expect "the log has two lines" log_has_lines 2
+  open_terminal_menu
+  # The second entry: "Copy Log - All".
+  press_keys Down Down Return
+  wait_until 10 "the log on the clipboard" clipboard_is '[id]|SIM-1 bench instrument|'
+  echo "  the log was copied"
+}
+
+second_instance() {
+  local status=0
+  headline "A second start"
+  cp "$(settings_folder)/Quarn.ini" "$PLACE/before.ini"
+  start second wine "$1"
+  acknowledge Quarn
+  wait "$last" || status=$?
+  expect "the second program ended, and not well" test "$status" -ne 0
+  expect "it left the settings alone" cmp -s "$PLACE/before.ini" "$(settings_folder)/Quarn.ini"
+  expect "the first one is still there" main_title_is COM3
+}
+
+unplug_and_plug() {
+  headline "Unplugging and plugging in"
+  unplug_port com3
+  acknowledge 'Quarn : Error'
+  wait_until 20 "the title to say that COM3 is not connected" main_title_is COM3-NC
+  plug_port com3 "Bench adapter"
+  wait_until 30 "the question whether to connect" find_window '^Quarn : Confirmation$'
+  activate "$window"
+  press_keys Return
+  acknowledge 'Quarn : Information'
+  wait_until 20 "the title to name COM3 again" main_title_is COM3
+  wait_until 10 "the Terminal Screen" find_terminal COM3
+  activate "$terminal"
+  send i d
+  expect "the log goes on" log_has_lines 4
+}
+
+end_program() {
+  local status=0
+  headline "The end"
+  activate "$main"
+  press_keys alt+F4
+  wait_until 30 "the program to end" program_has_ended "$program"
+  wait "$program" || status=$?
+  expect "it ended well" test "$status" -eq 0
+}
+
+# In a console, or redirected, without a window.
+answers() {
+  headline "What it answers without a window"
+  local answer
+  answer=$(wine "$1" --version | tr -d '\r')
+  expect "the version is told" test "$answer" == "$(identity NAME)  (Ver. $(identity VERSION)), build 2026-01-15"
+  answer=$(wine "$1" --help | tr -d '\r')
+  expect "the usage is told" test "${answer#*usage: quarn}" != "$answer"
+  answer=$(wine "${1%quarn.exe}quarn-send.exe" --port COM3 id | tr -d '\r')
+  expect "quarn-send prints the response" test "$answer" == $'[id]\nSIM-1 bench instrument'
+}
+
+# play_story PROGRAM: with the settings of a person who has never seen it.
+play_story() {
+  rm -rf "$(settings_folder)"
+  first_start "$1"
+  choose_port
+  first_command
+  second_instance "$1"
+  unplug_and_plug
+  end_program
+  answers "$1"
+  unplug_port com3
+}
