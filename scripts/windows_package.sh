@@ -21,6 +21,7 @@ add_licences() {
 }
 
 # What the uninstaller deletes: every file that was installed, then the folders, the inner ones first.
+# shellcheck disable=SC2016,SC1003  # what is in quotes is for the installer's compiler
 list_for_uninstaller() {
   (cd "$1" && find . -type f -printf 'Delete "$INSTDIR\\%P"\n' | tr / '\\' | sort)
   (cd "$1" && find . -mindepth 1 -depth -type d -printf 'RMDir "$INSTDIR\\%P"\n' | tr / '\\')
@@ -36,6 +37,8 @@ pack_windows() {
   SETUP=$TOP/build/windows/quarn-$version-setup.exe
   rm -rf "$PACKAGE" "$ZIP" "$SETUP"
   cmake --install build/windows --prefix "$PACKAGE/$name" --strip >build/windows/install.log
+  # What came from the compiler has its debugging information still.
+  find "$PACKAGE/$name" -name '*.dll' -exec x86_64-w64-mingw32-strip --strip-unneeded {} +
   add_licences "$PACKAGE/$name"
   (cd "$PACKAGE" && zip -q -9 -X -r "$ZIP" "$name")
   list_for_uninstaller "$PACKAGE/$name" >"$PACKAGE/uninstall.nsh"

@@ -40,6 +40,7 @@ qt_key() {
 qt_is_there() { [[ -f $QT/quarn-key && $(<"$QT/quarn-key") == "$(qt_key)" ]]; }
 
 # Where this system gets Debian's packages from, as lines for their sources.
+# shellcheck disable=SC2016  # the names in brackets are apt's
 source_lists() {
   apt-get indextargets --format '$(IDENTIFIER)|$(ORIGIN)|$(COMPONENT)|$(REPO_URI)|$(RELEASE)' |
     sed -n 's/^Packages|Debian|main|\(.*\)|\(.*\)$/deb-src \1 \2 main/p' | sort -u

@@ -11,15 +11,21 @@ wine() { "$WINE" "$@"; }
 # A prefix made anew, with its server kept alive between programs: starting one takes longer than many a test.
 make_prefix() {
   export WINEPREFIX=$PLACE/prefix WINEARCH=win64 WINEDEBUG=-all
-  # Neither associations on this desktop nor offers to install what is not needed.
-  export WINEDLLOVERRIDES='winemenubuilder.exe=d;mscoree=d;mshtml=d'
+  # No associations on this desktop, no offers to install what is not needed, no debugger that waits for a person.
+  export WINEDLLOVERRIDES='winemenubuilder.exe=d;mscoree=d;mshtml=d;winedbg.exe=d'
   [[ -x $WINE && -x $WINESERVER ]] || fail "Wine's 64-bit loader and server are not in /usr/lib/wine"
   rm -rf "$WINEPREFIX"
-  wine wineboot --init >"$PLACE/wineboot.log" 2>&1 || fail "Wine makes no prefix: $(<"$PLACE/wineboot.log")"
+  mkdir -p "$WINEPREFIX"
   trap 'end_prefix; stop_all' EXIT
-  "$WINESERVER" --wait  # for the one that made it, which ends by itself
+  # At its end it tells of everything it still had.
   "$WINESERVER" --persistent >"$PLACE/wineserver.log" 2>&1
+  wine wineboot --init >"$PLACE/wineboot.log" 2>&1 || fail "Wine makes no prefix: $(<"$PLACE/wineboot.log")"
   set_registry 'HKCU\Software\Wine' Version REG_SZ win10
+  # Windows' own fonts are not there; without this some font or other stands in.
+  local font
+  for font in 'Segoe UI' Tahoma 'MS Shell Dlg' 'MS Shell Dlg 2' 'MS Sans Serif'; do
+    set_registry 'HKCU\Software\Wine\Fonts\Replacements' "$font" REG_SZ 'DejaVu Sans'
+  done
 }
 
 end_prefix() { "$WINESERVER" --kill 2>/dev/null || true; }

@@ -17,11 +17,11 @@ start_line_server() {
   export QUARN_LINES=Z:$LINES
 }
 
-port_is_ready() { [[ -f $LINES/$1.ready ]]; }
+port_is_ready() { [[ -f $LINES/port-$1.ready ]]; }
 
-port_is_gone() { [[ ! -f $LINES/$1.ready ]]; }
+port_is_gone() { [[ ! -f $LINES/port-$1.ready ]]; }
 
-wire_has() { [[ -f $LINES/$1.received && $(tr '\r\n' '<>' <"$LINES/$1.received") == "$2" ]]; }
+wire_has() { [[ -f $LINES/port-$1.received && $(tr '\r\n' '<>' <"$LINES/port-$1.received") == "$2" ]]; }
 
 COM_PORTS='{86e0d1e0-8089-11d0-9ce4-08003e301f73}'
 
@@ -29,11 +29,11 @@ COM_PORTS='{86e0d1e0-8089-11d0-9ce4-08003e301f73}'
 plug_port() {
   local port=$1 device="ROOT\\\\QUARN${1^^}\\\\0000" path="ROOT#QUARN${1^^}#0000#$COM_PORTS"
   local class="HKEY_LOCAL_MACHINE\\System\\CurrentControlSet\\Control\\DeviceClasses\\$COM_PORTS\\##?#$path"
-  printf 'built-in' >"$LINES/$port.new"
-  mv "$LINES/$port.new" "$LINES/$port.rules"
+  printf 'built-in' >"$LINES/port-$port.new"
+  mv "$LINES/port-$port.new" "$LINES/port-$port.rules"
   wait_until 20 "the instrument at $port" port_is_ready "$port"
-  [[ ! -s $LINES/$port.ready ]] || fail "no instrument at $port: $(<"$LINES/$port.ready")"
-  cat >"$PLACE/$port.reg" <<END
+  [[ ! -s $LINES/port-$port.ready ]] || fail "no instrument at $port: $(<"$LINES/port-$port.ready")"
+  cat >"$PLACE/device-$port.reg" <<END
 Windows Registry Editor Version 5.00
 
 [HKEY_LOCAL_MACHINE\\System\\CurrentControlSet\\Enum\\${device//\\\\/\\}]
@@ -50,13 +50,13 @@ Windows Registry Editor Version 5.00
 [$class\\#\\Control]
 "Linked"=dword:00000001
 END
-  wine reg import "Z:$PLACE/$port.reg" >"$PLACE/reg.log" 2>&1 || fail "no device for $port: $(<"$PLACE/reg.log")"
+  wine reg import "Z:$PLACE/device-$port.reg" >"$PLACE/reg.log" 2>&1 || fail "no device for $port: $(<"$PLACE/reg.log")"
 }
 
 # unplug_port com3: first the device, then what was behind it.
 unplug_port() {
   drop_registry "HKLM\\System\\CurrentControlSet\\Control\\DeviceClasses\\$COM_PORTS\\##?#ROOT#QUARN${1^^}#0000#$COM_PORTS"
   drop_registry "HKLM\\System\\CurrentControlSet\\Enum\\ROOT\\QUARN${1^^}"
-  rm "$LINES/$1.rules"
+  rm "$LINES/port-$1.rules"
   wait_until 20 "the instrument at $1 to go" port_is_gone "$1"
 }

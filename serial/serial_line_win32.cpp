@@ -206,6 +206,8 @@ bool Win32SerialLine::Close() {
     m_cancelled = before;
     handle = std::exchange(m_handle, INVALID_HANDLE_VALUE);
   }
+  // To the system that value is a handle too: this process.
+  if (handle == INVALID_HANDLE_VALUE) return FailWith(FailureOfSystemError(ERROR_INVALID_HANDLE, m_device));
   return Conclude(CloseHandle(handle) != FALSE);
 }
 

@@ -1,7 +1,9 @@
 #include "terminal/dialogs/terminal_font.h"
 
 #include <QFontDatabase>
+#include <QFontInfo>
 #include <QFontMetrics>
+#include <QStringList>
 
 #include "terminal/screen_layout.h"
 
@@ -14,12 +16,22 @@ bool Fits(const QFont& font) {
          metrics.horizontalAdvance(QString(kWidestRowCharacters, u'0')) <= kNarrowestRowWidth;
 }
 
+/// Consolas, or what the system takes for its monospace font, or the first font that is one.
+QFont MonospaceFont() {
+  const QString consolas = QStringLiteral("Consolas");
+  if (QFontDatabase::hasFamily(consolas)) return {consolas};
+  QFont usual = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+  if (QFontInfo(usual).fixedPitch()) return usual;
+  for (const QString& family : QFontDatabase::families(QFontDatabase::Latin)) {
+    if (QFontDatabase::isFixedPitch(family) && QFontDatabase::isSmoothlyScalable(family)) return {family};
+  }
+  return usual;
+}
+
 }  // namespace
 
 QFont TerminalFont() {
-  const QString consolas = QStringLiteral("Consolas");
-  QFont font = QFontDatabase::hasFamily(consolas) ? QFont(consolas)
-                                                  : QFontDatabase::systemFont(QFontDatabase::FixedFont);
+  QFont font = MonospaceFont();
   font.setStyleHint(QFont::Monospace);
   font.setWeight(QFont::Normal);
   int pixels = kTerminalLineHeight;

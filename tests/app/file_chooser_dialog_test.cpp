@@ -27,6 +27,8 @@ namespace {
 class FileChooserDialogs : public ::testing::Test {
  protected:
   FileChooserDialogs() {
+    // Keys and clicks of a test do not reach the system's own dialog.
+    QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
     m_timer.setInterval(20);
     QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { Answer(); });
     m_timer.start();

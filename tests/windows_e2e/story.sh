@@ -28,7 +28,7 @@ acknowledge() {
 
 main_title_is() { find_window "^Quarn   \\($1\\)\$"; }
 
-settings_say() { grep -q "^$1"$'\r\?$' "$(settings_folder)/Quarn.ini"; }
+settings_say() { tr -d '\r' <"$(settings_folder)/Quarn.ini" | grep -qx "$1"; }
 
 # Byte-order mark, and a carriage return before every line feed.
 settings_are_in_windows_form() {
@@ -46,6 +46,18 @@ menu() {
   xdotool mousemove --window "$main" "$1" 10 click 1
   wait_until 10 "a menu" new_window_is_there
   press_keys "$2"
+}
+
+# click_until_box X Y: clicks on the window, at so many hundredths of its size, unless a box is there.
+click_until_box() {
+  local facts dialog=$window
+  if find_window '^Quarn : Information$'; then return; fi
+  window=$dialog
+  facts=$(xwininfo -id "$dialog" -stats)
+  xdotool mousemove --window "$dialog" $(($(number_after Width "$facts") * $1 / 100)) \
+    $(($(number_after Height "$facts") * $2 / 100)) click 1
+  sleep 0.3
+  return 1
 }
 
 start_program() {
@@ -70,7 +82,9 @@ choose_port() {
   menu 60 n
   wait_until 10 "COM Port Number" find_window '^Quarn - COM Port Number'
   activate "$window"
-  press_keys Down Tab space
+  # From OK on to the list of ports. SET can be used when the dialog has noticed the choice.
+  press_keys Tab Down
+  wait_until 20 "the port to be set" click_until_box 85 28
   acknowledge 'Quarn : Information'
   wait_until 20 "the title to name COM3" main_title_is COM3
   expect "the settings name COM3" settings_say COM_PORT=COM3

@@ -1,13 +1,13 @@
 // Gives programs that run under Wine COM ports with simulated instruments behind them. A program under Wine
 // can neither make a pseudo-terminal nor talk to another system's process through a pipe; it can use files:
 //
-//   FOLDER/com3.rules     written by whoever wants an instrument as COM3; removed to have it unplugged
-//   FOLDER/com3.ready     written here once COM3 can be opened, or with a complaint in it
-//   FOLDER/com3.received  written here: every byte that has come over the wire
-//   FOLDER/com3.answers   written here: how many answers have been sent to their last byte
+//   FOLDER/port-com3.rules     written by whoever wants an instrument as COM3; removed to have it unplugged
+//   FOLDER/port-com3.ready     written here once COM3 can be opened, or with a complaint in it
+//   FOLDER/port-com3.received  written here: every byte that has come over the wire
+//   FOLDER/port-com3.answers   written here: how many answers have been sent to their last byte
 //
-// Each file appears whole, by a rename. Empty rules are an instrument that says nothing; the word "built-in"
-// stands for the instrument's own.
+// (To Windows, com3.rules would be the port and no file.) Each file appears whole, by a rename. Empty rules
+// are an instrument that says nothing; the word "built-in" stands for the instrument's own.
 
 #include <signal.h>
 
@@ -22,6 +22,7 @@
 #include <memory>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <thread>
 
 #include "device/instrument.h"
@@ -32,6 +33,7 @@ namespace fs = std::filesystem;
 using quarn::device::Instrument;
 
 constexpr auto kPoll = std::chrono::milliseconds(2);
+constexpr std::string_view kPrefix = "port-";
 
 std::string Contents(const fs::path& path) {
   std::ifstream file(path, std::ios::binary);
@@ -105,8 +107,10 @@ class Server {
       return !wanted;
     });
     for (const fs::directory_entry& entry : fs::directory_iterator(m_folder)) {
-      const std::string name = entry.path().stem().string();
-      if (entry.path().extension() == ".rules" && !m_ports.contains(name)) Open(name);
+      const std::string stem = entry.path().stem().string();
+      if (entry.path().extension() != ".rules" || !stem.starts_with(kPrefix)) continue;
+      const std::string name = stem.substr(kPrefix.size());
+      if (!m_ports.contains(name)) Open(name);
     }
     for (const auto& [name, port] : m_ports) {
       if (port) port->Report();
@@ -114,7 +118,9 @@ class Server {
   }
 
  private:
-  [[nodiscard]] fs::path Base(const std::string& name) const { return m_folder / name; }
+  [[nodiscard]] fs::path Base(const std::string& name) const {
+    return m_folder / (std::string(kPrefix) + name);
+  }
   void Open(const std::string& name) {
     try {
       fs::remove(m_links / name);

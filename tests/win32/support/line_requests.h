@@ -41,7 +41,7 @@ class LineRequest {
 
  private:
   [[nodiscard]] QString Path(const char* kind) const {
-    return QDir::fromNativeSeparators(qEnvironmentVariable("QUARN_LINES")) + QLatin1Char('/') +
+    return QDir::fromNativeSeparators(qEnvironmentVariable("QUARN_LINES")) + QLatin1String("/port-") +
            m_port.toLower() + QLatin1Char('.') + QLatin1String(kind);
   }
   template <typename Condition>
