@@ -48,8 +48,9 @@ void PortMonitor::ListPorts() {
 }
 
 void PortMonitor::Tick() {
-  // A message of the last change may still be up: what changed since is seen when it is gone.
-  if (m_updating) return;
+  // A message of the last change may still be up, or that of a port being chosen: what changed since is seen
+  // when it is gone.
+  if (m_updating || m_program.state.portBeingChosen) return;
   if (m_startDelay > 0) {
     --m_startDelay;
     return;

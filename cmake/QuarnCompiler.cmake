@@ -13,6 +13,16 @@ target_compile_definitions(quarn_compiler INTERFACE
 target_include_directories(quarn_compiler INTERFACE ${CMAKE_SOURCE_DIR} ${CMAKE_BINARY_DIR}/generated)
 configure_file(${CMAKE_SOURCE_DIR}/cmake/identity.h.in ${CMAKE_BINARY_DIR}/generated/identity.h @ONLY)
 
+# What turns a mistake into an end rather than a way in. The sanitizers and the fuzzer look at more, and at
+# their own places.
+if(NOT QUARN_SANITIZE AND NOT QUARN_FUZZ AND CMAKE_SYSTEM_NAME STREQUAL "Linux")
+  target_compile_definitions(quarn_compiler INTERFACE _GLIBCXX_ASSERTIONS)
+  target_compile_options(quarn_compiler INTERFACE -fstack-protector-strong -fstack-clash-protection
+    $<$<STREQUAL:${CMAKE_SYSTEM_PROCESSOR},x86_64>:-fcf-protection>
+    $<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE> $<$<NOT:$<CONFIG:Debug>>:-D_FORTIFY_SOURCE=2>)
+  target_link_options(quarn_compiler INTERFACE LINKER:-z,relro,-z,now,-z,noexecstack)
+endif()
+
 if(QUARN_SANITIZE)
   string(REPLACE "," ";" _sanitizers "${QUARN_SANITIZE}")
   foreach(_s IN LISTS _sanitizers)

@@ -6,7 +6,7 @@
 namespace quarn {
 namespace {
 
-bool Configure(SerialLine& line, const SettingsRecord& settings, MessageOperations& messages) {
+bool SetUp(SerialLine& line, const SettingsRecord& settings, MessageOperations& messages) {
   LineState state;
   if (!line.GetState(state)) return false;
   state.baudRate = BaudRateOf(settings.comBps);
@@ -22,6 +22,15 @@ bool Configure(SerialLine& line, const SettingsRecord& settings, MessageOperatio
     return false;
   }
   return true;
+}
+
+bool Configure(const SettingsRecord& settings, PortConnection& connection,
+               const PortEnvironment& environment) {
+  // Held on to: a message that is shown meanwhile leaves time for the line to be closed.
+  const std::shared_ptr<SerialLine> line = connection.handle.Line();
+  if (SetUp(*line, settings, environment.messages)) return true;
+  connection.lastFailure = line->LastFailure();
+  return false;
 }
 
 }  // namespace
@@ -41,17 +50,16 @@ bool OpenPort(const SettingsRecord& settings, PortConnection& connection,
     return false;
   }
   connection.handle = PortHandle(opened.line);
-  return ReconfigurePort(settings, connection, environment);
+  return Configure(settings, connection, environment);
 }
 
 bool ReconfigurePort(const SettingsRecord& settings, PortConnection& connection,
                      const PortEnvironment& environment) {
   if (!connection.handle.IsOpen()) return false;
-  // Held on to: a message that is shown meanwhile leaves time for the line to be closed.
-  const std::shared_ptr<SerialLine> line = connection.handle.Line();
-  if (Configure(*line, settings, environment.messages)) return true;
-  connection.lastFailure = line->LastFailure();
-  return false;
+  // A read left behind would hold it up where the system does one thing at a time on a line.
+  connection.handle.Line()->CancelIo();
+  connection.handle.Line()->AllowIo();
+  return Configure(settings, connection, environment);
 }
 
 bool ConnectPort(const SettingsRecord& settings, PortConnection& connection,

@@ -95,10 +95,7 @@ void FunctionKeyTable::Save(const QString& settingsFile) {
 }
 
 void FunctionKeyTable::Reload() {
-  for (std::size_t i = 0; i < m_editText.size(); ++i) {
-    const bool typed = m_editing && m_editText[i] != m_loadedText[i];
-    if (!typed) m_editText[i] = m_settings.mem[i];
-  }
+  m_editText = m_settings.mem;
   m_savedText = m_settings.mem;
   m_loadedText = m_settings.mem;
   m_undo = m_editing;

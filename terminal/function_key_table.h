@@ -4,11 +4,13 @@
 #include <array>
 
 #include "settings/settings_record.h"
+#include "settings/text_lines.h"
 
 namespace quarn {
 
-/// The longest command that the command line takes; what is typed into a stored command ends there.
-inline constexpr int kMaxStoredCommand = 64;
+/// With its key a stored command is one line of a settings file; what is typed into it ends there.
+inline constexpr int kMaxStoredCommand =
+    static_cast<int>(kMaxLineCharacters - qsizetype{sizeof("MEM0=") - 1});
 
 /// What of a text can stand in a stored command: a value is one line of a settings file. Line breaks, other
 /// control characters but the tab, and halves of characters are left out.
@@ -53,7 +55,7 @@ class FunctionKeyTable {
   [[nodiscard]] bool CanSave() const;
   /// Writes the ten fields into the working settings file.
   void Save(const QString& settingsFile);
-  /// The settings were replaced. In edit mode a field in which something was typed keeps it.
+  /// The settings were replaced: the fields show them, in edit mode too.
   void Reload();
 
  private:

@@ -88,6 +88,7 @@ struct OpenWindows {
 struct SharedState {
   QString currentPortName = QStringLiteral("NONE");  ///< "NONE" when no port is configured
   bool tooManyPorts = false;
+  bool portBeingChosen = false;   ///< from the choice in a port dialog until it is complete
   int displayScalePercent = 100;  ///< 100, 125, 150 or 175
   WindowRequests requests;
   OpenWindows open;

@@ -29,47 +29,60 @@ void TakeAsCurrent(const DialogContext& context, const QString& port) {
   context.state.currentPortName = port;
 }
 
-bool Open(const DialogContext& context, const SettingsRecord& settings) {
+/// The watch on the ports rests while this is there: until the choice is complete it would compare what
+/// has been opened with the name of the port before.
+class UnderWay {
+ public:
+  explicit UnderWay(SharedState& state) : m_state(state) { m_state.portBeingChosen = true; }
+  ~UnderWay() { m_state.portBeingChosen = false; }
+  UnderWay(const UnderWay&) = delete;
+  UnderWay& operator=(const UnderWay&) = delete;
+
+ private:
+  SharedState& m_state;
+};
+
+bool OpenChosen(const DialogContext& context, const QString& port) {
   const WaitShown wait(context.environment.waitIndicator);
-  return ConnectPort(settings, context.connection, context.environment);
+  context.pause.For(kBeforeConnectMs);
+  ClosePort(context.connection);
+  SettingsRecord chosen = context.settings;
+  chosen.comPort = port;
+  return ConnectPort(chosen, context.connection, context.environment);
+}
+
+void ReopenFormer(const DialogContext& context, const QString& former) {
+  const WaitShown wait(context.environment.waitIndicator);
+  context.connection.connected = false;
+  context.state.currentPortName = former;
+  ConnectPort(context.settings, context.connection, context.environment);
+  context.connection.connected = true;
 }
 
 }  // namespace
 
 bool ConnectToChosenPort(const DialogContext& context, const QString& port, FailureSentence sentence,
                          const TitleStatus& titleStatus) {
-  PortConnection& connection = context.connection;
+  const UnderWay underWay(context.state);
   const QString former = context.state.currentPortName;
   titleStatus(QStringLiteral(" Connecting Port ... "));
-  {
-    const WaitShown wait(context.environment.waitIndicator);
-    context.pause.For(kBeforeConnectMs);
-    ClosePort(connection);
-  }
-  SettingsRecord chosen = context.settings;
-  chosen.comPort = port;
-  const bool opened = Open(context, chosen);
+  const bool opened = OpenChosen(context, port);
   if (opened) {
-    // All of it before the message: the ports are watched while that is up, and what is watched for is the
-    // current port.
-    connection.connected = true;
-    TakeAsCurrent(context, port);
+    context.connection.connected = true;
     titleStatus(QString());
     TellConnected(context, port);
+    TakeAsCurrent(context, port);
   } else {
-    titleStatus(QString());
     TellFailed(context, port, sentence);
-    connection.connected = false;
-    context.state.currentPortName = former;
-    Open(context, context.settings);
-    connection.connected = true;
-    titleStatus(QString());
+    ReopenFormer(context, former);
   }
+  titleStatus(QString());
   RaiseConnectionRefreshes(context.state.requests);
   return opened;
 }
 
 void ChooseNoPort(const DialogContext& context) {
+  const UnderWay underWay(context.state);
   PortConnection& connection = context.connection;
   if (connection.connected) {
     ClosePort(connection);

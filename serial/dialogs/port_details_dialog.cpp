@@ -49,7 +49,6 @@ CPortDetails::CPortDetails(QWidget* owner, const DialogContext& context)
     : PortDialog(owner, context, QStringLiteral("CPortDetails")) {
   context.state.open.detailedPortList = true;
   Requests().detailedListClose = false;
-  Requests().detailedListRefresh = false;
   CreateControls();
   ShowList();
   StartTicks();
@@ -99,8 +98,8 @@ void CPortDetails::ShowList() {
   m_status->setText(PortListStatus(situation));
   LayOut();
   FillRows();
-  m_selected = situation.current;
-  m_rowClicked = false;
+  // What is marked is what is selected, but for a click that has not been looked at yet.
+  if (!m_rowClicked) m_selected = situation.current;
   Mark(situation.current);
   ApplySetRule(situation.current);
 }
@@ -195,6 +194,7 @@ void CPortDetails::Set() {
   const PortSituation situation = Situation();
   if (m_selected == situation.current && situation.connected) return;
   Connect();
+  m_rowClicked = false;
   ShowList();
 }
 

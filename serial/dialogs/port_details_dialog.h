@@ -37,7 +37,7 @@ class CPortDetails final : public PortDialog {
   void ShowTitle(const QString& status);
   void FillRows();
   void LayOut();
-  [[nodiscard]] int ClientHeight(int rowsTop, int rowHeight) const;
+  [[nodiscard]] int ClientHeight(int rowsTop) const;
   void KeepOnScreen();
   /// Checks the row of this port, and no other.
   void Mark(const QString& port);

@@ -30,13 +30,13 @@ QRect AvailableOf(const QWidget& window) {
 
 }  // namespace
 
-int CPortDetails::ClientHeight(int rowsTop, int rowHeight) const {
+int CPortDetails::ClientHeight(int rowsTop) const {
   const DialogGrid measure(*this);
   const int margin = measure.Height(DialogGrid::kMargin);
   const int frame = m_frame.top() + m_frame.bottom();
   if (m_shown.isEmpty()) return std::max(kEmptyHeight - frame, m_status->geometry().bottom() + 1 + margin);
   const int rows = static_cast<int>(m_shown.size());
-  const int nextRowBottom = rowsTop + rows * measure.Height(kRowPitch) + rowHeight;
+  const int nextRowBottom = rowsTop + (rows + 1) * measure.Height(kRowPitch);
   const int wanted = nextRowBottom + std::max(kBelowRows - frame, measure.Height(DialogGrid::kGap));
   return std::min(wanted, AvailableOf(*this).height() - frame);
 }
@@ -56,7 +56,7 @@ void CPortDetails::LayOut() {
       QRect({margin.width(), margin.height()}, QSize(listWidth, m_status->sizeHint().height())));
   const int rowsTop = m_status->geometry().bottom() + 1 + measure.Height(DialogGrid::kGap);
   const int width = listWidth + bar + 2 * margin.width();
-  const int height = ClientHeight(rowsTop, rowHeight);
+  const int height = ClientHeight(rowsTop);
   setFixedSize(width, height);
 
   for (int i = 0; i < kPortRowCount; ++i) {

@@ -23,7 +23,6 @@ CPortNum::CPortNum(QWidget* owner, const DialogContext& context)
     : PortDialog(owner, context, QStringLiteral("CPortNum")) {
   context.state.open.portNumber = true;
   Requests().portNumberClose = false;
-  Requests().portNumberRefresh = false;
   CreateControls();
   Fill();
   Show(ChoiceAtOpening(Situation()));

@@ -136,18 +136,18 @@ void CPortSettings::Store() {
   SaveAllSettings(Context().workingSettingsFile, Context().settings);
 }
 
-bool CPortSettings::Reconnect() {
+bool CPortSettings::Reconnect(const SettingsRecord& settings) {
   PortConnection& connection = Context().connection;
   const WaitShown wait(Context().environment.waitIndicator);
   ClosePort(connection);
-  connection.connected = ConnectPort(Context().settings, connection, Context().environment);
+  connection.connected = ConnectPort(settings, connection, Context().environment);
   RaiseConnectionRefreshes(Requests());
   return connection.connected;
 }
 
 void CPortSettings::Set() {
   PutLineValues(m_working, Context().settings);
-  if (Context().connection.connected && !Reconnect()) {
+  if (Context().connection.connected && !Reconnect(Context().settings)) {
     Context().Messages().ShowErrorMessage(
         QStringLiteral(": Error"), QString(),
         QStringLiteral("  \"%1\" is not available.").arg(Context().state.currentPortName),
@@ -165,7 +165,7 @@ void CPortSettings::RestoreDefaults() {
   m_working = DefaultLineValues();
   ShowValues();
   Store();
-  Reconnect();
+  Reconnect(Context().settings);
   Context().Messages().ShowTransientMessage(QStringLiteral("Settings have been reset to default values."));
 }
 
@@ -174,8 +174,10 @@ void CPortSettings::PressOk() {
       Context().Messages().AskConfirmation(Confirmation(), QString(),
                                            QStringLiteral("Settings have been changed."),
                                            QStringLiteral("Is it OK to save this configuration?"))) {
+    SettingsRecord chosen = Context().settings;
+    PutLineValues(m_working, chosen);
+    Reconnect(chosen);
     Store();
-    Reconnect();
   }
   CloseWhenDone();
 }

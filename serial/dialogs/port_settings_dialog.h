@@ -30,7 +30,7 @@ class CPortSettings final : public PortDialog {
   /// The working values become the settings in force, here and in the working settings file.
   void Store();
   /// Closes the line and opens it anew with the settings in force.
-  bool Reconnect();
+  bool Reconnect(const SettingsRecord& settings);
   void Set();
   void RestoreDefaults();
   void PressOk();

@@ -47,9 +47,11 @@ void ChangeInputMax(const DialogContext& context, const OptionBinding& option, c
                                      QString())) {
       return;
     }
-    context.state.requests.clearLog = true;
   }
-  StoreShownOption(context, option, value);
+  option.field.In(context.settings) = value;
+  context.state.requests.clearLog = context.state.open.terminalScreen;
+  context.state.requests.terminalRefresh = true;
+  WriteOption(context, option);
 }
 
 }  // namespace quarn

@@ -118,8 +118,6 @@ void CSetMem::CreateRows(QBoxLayout& column) {
     field->setValidator(validator);
     field->setFixedWidth(grid.Width(kFieldWidth));
     field->setMinimumHeight(keySize.height());
-    connect(field, &QLineEdit::textEdited, this,
-            [this, index](const QString& text) { m_table.SetEditText(index, text); });
     auto* row = new QHBoxLayout;
     row->setSpacing(grid.Width(DialogGrid::kGap));
     row->addWidget(key);
@@ -154,6 +152,14 @@ void CSetMem::CreateButtons(QBoxLayout& column) {
 
 void CSetMem::KeepKeysInTheDialog() {
   for (QWidget* child : findChildren<QWidget*>()) child->installEventFilter(this);
+}
+
+void CSetMem::ReadFields() {
+  for (std::size_t i = 0; i < m_fields.size(); ++i) {
+    const QString text = m_fields[i]->text();
+    // Untouched, the text stays as its file had it, with what the field could not show.
+    if (text != AsStoredCommand(m_table.EditText().at(i))) m_table.SetEditText(static_cast<int>(i), text);
+  }
 }
 
 void CSetMem::ShowTexts() {
@@ -227,6 +233,7 @@ void CSetMem::Send() {
 
 void CSetMem::ToggleEditing() {
   if (m_table.IsEditing()) {
+    ReadFields();
     m_table.FinishEditing();
     // A long command is read from its start.
     for (QLineEdit* field : m_fields) field->setCursorPosition(0);
@@ -240,6 +247,7 @@ void CSetMem::ToggleEditing() {
 
 void CSetMem::Undo() {
   const QScopedValueRollback<int> calls(m_calls, m_calls + 1);
+  ReadFields();
   if (!m_table.CanUndo()) return;
   if (!m_context.messages.AskSimple(QStringLiteral("OK to discard the updated data ?"))) return;
   m_table.Undo();

@@ -42,6 +42,7 @@ class CSetMem final : public PolledDialog {
   void CreateRows(QBoxLayout& column);
   void CreateButtons(QBoxLayout& column);
   void KeepKeysInTheDialog();
+  void ReadFields();
   void ShowTexts();
   void ShowState();
 

@@ -131,6 +131,12 @@ class FileCommandsTest : public SettingsFileTest {
     return std::find(entries.begin(), entries.end(), "close") != entries.end();
   }
   [[nodiscard]] WindowRequests& Requests() const { return program->state.requests; }
+  [[nodiscard]] bool AllWindowsAreToldOfTheSettings() const {
+    const WindowRequests& asked = Requests();
+    return asked.mainRefresh && asked.terminalRefresh && asked.portNumberRefresh &&
+           asked.detailedListRefresh && asked.portSettingsRefresh && asked.commandFormatRefresh &&
+           asked.screenOptionRefresh && asked.mainOptionRefresh && asked.functionTableReload;
+  }
 
   Journal journal;
   RecordedMessages* messages = nullptr;

@@ -21,7 +21,7 @@ TEST_F(FileCommandsTest, OpenAsksLoadsConnectsAndPutsTheFileInForce) {
   EXPECT_EQ(WorkingBytes(), BytesOf(chooser.answer));
   EXPECT_EQ(window->calls, (QStringList{QStringLiteral("status ") + chooser.answer,
                                         QStringLiteral("menu ") + chooser.answer}));
-  EXPECT_TRUE(Requests().mainRefresh && Requests().terminalRefresh && Requests().commandFormatRefresh);
+  EXPECT_TRUE(AllWindowsAreToldOfTheSettings());
 }
 
 TEST_F(FileCommandsTest, LoadingClosesTheOldPortBeforeTheNewOneIsOpened) {
@@ -253,9 +253,7 @@ TEST_F(FileCommandsTest, RestoreDefaultsAsksEveryOtherWindowToCloseButShowsTheTe
   const WindowRequests& requests = Requests();
   EXPECT_TRUE(requests.portNumberClose && requests.detailedListClose && requests.commandFormatClose &&
               requests.screenOptionClose && requests.mainOptionClose && requests.functionTableClose);
-  EXPECT_TRUE(requests.mainRefresh && requests.terminalRefresh && requests.portNumberRefresh &&
-              requests.detailedListRefresh && requests.portSettingsRefresh && requests.commandFormatRefresh &&
-              requests.screenOptionRefresh && requests.mainOptionRefresh && requests.functionTableReload);
+  EXPECT_TRUE(AllWindowsAreToldOfTheSettings());
   EXPECT_FALSE(requests.terminalClose);
   EXPECT_TRUE(requests.focus);
 }
@@ -287,6 +285,7 @@ TEST_F(FileCommandsTest, ADropLoadsOnlyTheFirstFile) {
   EXPECT_EQ(messages->shown, (QStringList{kOpened, Connected("COM3")}));
   EXPECT_EQ(program->userFile, first);
   EXPECT_TRUE(program->fileLoaded);
+  EXPECT_TRUE(AllWindowsAreToldOfTheSettings());
   EXPECT_EQ(window->calls, QStringList{QStringLiteral("status ") + first});
 }
 

@@ -29,7 +29,8 @@ TEST_F(PortChoiceTest, ConnectsTellsAndRemembers) {
   int depth = 0;
   pause.during = [&] { depth = indicator.depth; };
   EXPECT_TRUE(Choose("COM12"));
-  EXPECT_EQ(Happened(), (QStringList{kConnecting, "pause 500", "title ", ChoiceConnected("COM12")}));
+  EXPECT_EQ(Happened(),
+            (QStringList{kConnecting, "pause 500", "title ", ChoiceConnected("COM12"), "title "}));
   EXPECT_EQ(depth, 1);
   EXPECT_EQ(indicator.depth, 0);
   EXPECT_TRUE(program.connection.connected);
@@ -51,14 +52,71 @@ TEST_F(PortChoiceTest, LineIsStillTheFormerOneDuringThePause) {
   EXPECT_TRUE(open);
 }
 
-TEST_F(PortChoiceTest, EverythingIsSoWhenTheMessageSaysSo) {
+TEST_F(PortChoiceTest, ThePortIsTakenWhenItsMessageIsGone) {
   Plug("COM4");
-  whileShown = [this] {
+  const std::string before = WorkingFile();
+  whileShown = [&] {
     EXPECT_TRUE(program.connection.connected);
-    EXPECT_EQ(program.state.currentPortName, "COM4");
+    EXPECT_TRUE(program.connection.handle.IsOpen());
+    EXPECT_EQ(program.state.currentPortName, "NONE");
+    EXPECT_EQ(program.settings.comPort, "NONE");
+    EXPECT_EQ(WorkingFile(), before);
+    EXPECT_TRUE(program.state.portBeingChosen);
     EXPECT_EQ(indicator.depth, 0);
   };
   EXPECT_TRUE(Choose("COM4"));
+  EXPECT_EQ(program.state.currentPortName, "COM4");
+  EXPECT_EQ(WorkingFile(), FileWith({{"COM_PORT", "COM4"}}));
+  EXPECT_FALSE(program.state.portBeingChosen);
+}
+
+TEST_F(PortChoiceTest, TheFormerPortIsOpenedWhenTheMessageOfAFailureIsGone) {
+  Plug("COM3");
+  ConnectTo("COM3");
+  whileShown = [this] {
+    EXPECT_FALSE(program.connection.handle.IsOpen());
+    EXPECT_EQ(program.state.currentPortName, "COM3");
+    EXPECT_TRUE(program.state.portBeingChosen);
+    EXPECT_EQ(indicator.depth, 0);
+  };
+  EXPECT_FALSE(Choose("COM4"));
+  EXPECT_TRUE(program.connection.handle.IsOpen());
+  EXPECT_FALSE(program.state.portBeingChosen);
+}
+
+/// Opens as usual, and writes down which device is asked for while the wait is shown how often.
+class NotedOpener final : public SerialLineOpener {
+ public:
+  NotedOpener(SerialLineOpener& lines, const NoWaitIndicator& wait) : m_lines(lines), m_wait(wait) {}
+  QStringList opened;
+
+  OpenResult Open(const QString& devicePath) override {
+    opened.append(QStringLiteral("%1 at %2").arg(devicePath).arg(m_wait.depth));
+    if (devicePath == u"COM4") return {nullptr, {LineError::InUse, {}}};
+    return m_lines.Open(devicePath);
+  }
+
+ private:
+  SerialLineOpener& m_lines;
+  const NoWaitIndicator& m_wait;
+};
+
+TEST_F(PortChoiceTest, TheWaitIsShownAtBothOpenings) {
+  Plug("COM3");
+  Plug("COM4");
+  ConnectTo("COM3");
+  NotedOpener noted(*program.opener, indicator);
+  const DialogContext context{program.settings,
+                              program.workingSettingsFile,
+                              program.connection,
+                              program.state,
+                              *program.portSource,
+                              {noted, messages, indicator},
+                              pause};
+  EXPECT_FALSE(ConnectToChosenPort(context, QStringLiteral("COM4"), FailureSentence::WithFullStop,
+                                   [](const QString& /*status*/) {}));
+  EXPECT_EQ(noted.opened, (QStringList{"COM4 at 1", "COM3 at 1"}));
+  EXPECT_EQ(indicator.depth, 0);
 }
 
 TEST_F(PortChoiceTest, PortThatHasVanishedFailsAndTheFormerOneIsOpenAgain) {
@@ -68,8 +126,7 @@ TEST_F(PortChoiceTest, PortThatHasVanishedFailsAndTheFormerOneIsOpenAgain) {
   const std::string before = WorkingFile();
   Unplug("COM4");
   EXPECT_FALSE(Choose("COM4"));
-  EXPECT_EQ(Happened(),
-            (QStringList{kConnecting, "pause 500", "title ", ChoiceFailed("COM4", "."), "title "}));
+  EXPECT_EQ(Happened(), (QStringList{kConnecting, "pause 500", ChoiceFailed("COM4", "."), "title "}));
   EXPECT_TRUE(program.connection.connected);
   EXPECT_TRUE(program.connection.handle.IsOpen());
   EXPECT_EQ(program.state.currentPortName, "COM3");
@@ -107,6 +164,22 @@ TEST_F(PortChoiceTest, NoneWhileConnectedDisconnects) {
   EXPECT_EQ(program.settings.comPort, "NONE");
   EXPECT_EQ(WorkingFile(), FileWith({{"COM_PORT", "NONE"}}));
   EXPECT_TRUE(AllRefreshesAreRaised());
+}
+
+TEST_F(PortChoiceTest, NoneIsTakenWhenItsMessageIsGone) {
+  Plug("COM3");
+  ConnectTo("COM3");
+  const std::string before = WorkingFile();
+  whileShown = [&] {
+    EXPECT_TRUE(program.connection.handle.IsNull());
+    EXPECT_EQ(program.state.currentPortName, "COM3");
+    EXPECT_EQ(program.settings.comPort, "COM3");
+    EXPECT_EQ(WorkingFile(), before);
+    EXPECT_TRUE(program.state.portBeingChosen);
+  };
+  ChooseNoPort(Context());
+  EXPECT_EQ(Happened().size(), 1);
+  EXPECT_FALSE(program.state.portBeingChosen);
 }
 
 TEST_F(PortChoiceTest, NoneWhileNotConnectedForgetsThePort) {

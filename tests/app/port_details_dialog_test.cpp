@@ -93,6 +93,20 @@ TEST_F(PortDetailsDialog, ConnectedPortCannotBeSetAgain) {
   EXPECT_EQ(Happened(), QStringList());
 }
 
+TEST_F(PortDetailsDialog, SetDoesNothingForAPortThatHasBeenConnectedMeanwhile) {
+  Plug("COM3");
+  Configure("COM3");
+  Open();
+  ASSERT_TRUE(Button(kSetId).isEnabled());
+  ConnectTo("COM3");
+  const auto line = program.connection.handle.Line();
+  // Nobody has told it: the button is still there to be clicked on.
+  ASSERT_TRUE(Button(kSetId).isEnabled());
+  Click(kSetId);
+  EXPECT_EQ(Happened(), QStringList());
+  EXPECT_EQ(program.connection.handle.Line(), line);
+}
+
 TEST_F(PortDetailsDialog, PortThatVanishesBetweenClickAndSetIsRefused) {
   Plug("COM3");
   Plug("COM4");
@@ -112,15 +126,86 @@ TEST_F(PortDetailsDialog, ListChangeShowsTheCurrentPortAgain) {
   ConnectTo("COM3");
   Open();
   ClickRadio(1);
-  Unplug("COM4");
-  program.state.requests.detailedListRefresh = true;
-  EXPECT_TRUE(QTest::qWaitFor([&] { return RowsShown() == 1; }));
+  AskForTheList();  // the click has been looked at, too
+  EXPECT_EQ(Checked(), QList<int>{1});
+  AskForTheList();
   EXPECT_EQ(Checked(), QList<int>{0});
   EXPECT_FALSE(Button(kSetId).isEnabled());
+  Click(kOkId);
+  EXPECT_TRUE(IsGone());
+  EXPECT_EQ(Happened(), QStringList()) << "the current port is what is selected";
+}
+
+TEST_F(PortDetailsDialog, AClickThatWasNotLookedAtSurvivesAListChange) {
+  Plug("COM3");
+  Plug("COM4");
+  Plug("COM5");
+  ConnectTo("COM3");
+  Open();
+  ClickRadio(1);
+  Unplug("COM5");
+  AskForTheList();
+  EXPECT_EQ(RowsShown(), 2);
+  EXPECT_EQ(Checked(), QList<int>{1});
+  EXPECT_TRUE(Button(kSetId).isEnabled());
+  ClickRadio(1);
+  Unplug("COM4");
+  AskForTheList();
+  EXPECT_EQ(RowsShown(), 1);
+  EXPECT_EQ(Checked(), QList<int>()) << "its port is not there any more";
+  EXPECT_FALSE(Button(kSetId).isEnabled());
+}
+
+TEST_F(PortDetailsDialog, WithTheLastPortGoneOnlyTheStatusLineIsLeft) {
+  Plug("COM3");
+  ConnectTo("COM3");
+  Open();
   Unplug("COM3");
-  program.state.requests.detailedListRefresh = true;
-  EXPECT_TRUE(QTest::qWaitFor([&] { return Status() == "No available COM ports detected."; }));
+  AskForTheList();
+  EXPECT_EQ(Status(), "No available COM ports detected.");
+  EXPECT_EQ(RowsShown(), 0);
   EXPECT_TRUE(BecomesHigh(90)) << OuterSize(*window).height();
+}
+
+TEST_F(PortDetailsDialog, AListChangeIsLeftForTheNextOneWhenItCloses) {
+  ListOnly(2);
+  Open();
+  program.state.requests.detailedListRefresh = true;
+  program.state.requests.detailedListClose = true;
+  EXPECT_TRUE(IsGone());
+  EXPECT_TRUE(program.state.requests.detailedListRefresh);
+  ListOnly(3);
+  Open();
+  EXPECT_TRUE(program.state.requests.detailedListRefresh) << "its first look lowers it";
+  EXPECT_TRUE(QTest::qWaitFor([&] { return !program.state.requests.detailedListRefresh; }));
+  EXPECT_EQ(RowsShown(), 3);
+}
+
+TEST_F(PortDetailsDialog, EachOfThirtyRowsChoosesItsPort) {
+  ListOnly(30);
+  messages.answers = {true};
+  Open();
+  for (int i = 0; i < kPortRowCount; ++i) {
+    ClickRadio(i);
+    EXPECT_EQ(Checked(), QList<int>{i});
+    EXPECT_TRUE(Button(kSetId).isEnabled()) << i;
+  }
+  Click(kOkId);
+  EXPECT_TRUE(IsGone());
+  // There is no device behind the name.
+  EXPECT_EQ(Happened(), (QStringList{kApplyQuestion, "pause 500", ChoiceFailed("COM30", "")}));
+}
+
+TEST_F(PortDetailsDialog, OkWithTheConfiguredPortDoesNotConnectIt) {
+  Plug("COM3");
+  Configure("COM3");
+  Open();
+  EXPECT_EQ(Checked(), QList<int>{0});
+  Click(kOkId);
+  EXPECT_TRUE(IsGone());
+  EXPECT_EQ(Happened(), QStringList());
+  EXPECT_FALSE(program.connection.connected);
+  EXPECT_FALSE(program.connection.handle.IsOpen());
 }
 
 TEST_F(PortDetailsDialog, OkWithoutAChangeClosesWithoutAQuestion) {

@@ -45,6 +45,11 @@ class PortDetailsDialog : public PortDialogTest {
     }
     return rows;
   }
+  /// Tells it that the list has changed, and waits until it has looked.
+  void AskForTheList() {
+    program.state.requests.detailedListRefresh = true;
+    ASSERT_TRUE(QTest::qWaitFor([this] { return !program.state.requests.detailedListRefresh; }));
+  }
   void ClickRadio(int row) {
     QTest::mouseClick(&Radio(row), Qt::LeftButton, {}, QPoint(8, Radio(row).height() / 2));
   }

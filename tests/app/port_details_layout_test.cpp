@@ -5,6 +5,7 @@
 #include <QScrollBar>
 
 #include "app/port_details_fixture.h"
+#include "serial/dialogs/port_rules.h"
 #include "ui/placement.h"
 
 namespace quarn::test {
@@ -48,13 +49,13 @@ TEST_F(PortDetailsDialog, HeightFollowsTheRows) {
            MapDialogUnits(window->font(), {0, 0, 0, 4}).height();
   };
   const int pitch = MapDialogUnits(window->font(), {0, 0, 0, 16}).height();
-  const int row = MapDialogUnits(window->font(), {0, 0, 0, 14}).height();
-  EXPECT_TRUE(BecomesHigh(rowsTop() + 3 * pitch + row + 53)) << OuterSize(*window).height();
+  // The first row that is not shown counts.
+  EXPECT_TRUE(BecomesHigh(rowsTop() + 4 * pitch + 53)) << OuterSize(*window).height();
   const int width = window->width();
   ListOnly(5);
   program.state.requests.detailedListRefresh = true;
   EXPECT_TRUE(QTest::qWaitFor([&] { return RowsShown() == 5; }));
-  EXPECT_TRUE(BecomesHigh(rowsTop() + 5 * pitch + row + 53)) << OuterSize(*window).height();
+  EXPECT_TRUE(BecomesHigh(rowsTop() + 6 * pitch + 53)) << OuterSize(*window).height();
   EXPECT_EQ(window->width(), width);
 }
 
@@ -100,18 +101,38 @@ TEST_F(PortDetailsDialog, RowsScrollWhereTheScreenIsTooLow) {
 TEST_F(PortDetailsDialog, NothingIsClippedWithLargerFonts) {
   for (const int percent : {100, 150}) {
     const FontScale scale(percent);
-    for (const int count : {0, 1, 5}) {
-      ListOnly(count);
+    for (const QStringList& names : {QStringList(), QStringList{"COM88", "COM99"}}) {
+      ports.names = names;
+      List();
       Open();
       ExpectNothingClipped(*window);
-      for (int i = 0; i < count; ++i) EXPECT_GE(Radio(i).width(), Radio(i).sizeHint().width());
-      if (count > 0) {
-        EXPECT_GE(Button(kSetId).width(), Button(kSetId).minimumSizeHint().width());
-        EXPECT_GE(Button(kSetId).height(), Button(kSetId).fontMetrics().height());
+      for (int i = 0; i < names.size(); ++i) {
+        EXPECT_EQ(Radio(i).text(), names.at(i));
+        EXPECT_GE(Radio(i).width(), Radio(i).sizeHint().width());
+      }
+      for (const int id : {kSetId, kOkId}) {
+        if (names.isEmpty()) continue;
+        EXPECT_GE(Button(id).width(), Button(id).minimumSizeHint().width());
+        EXPECT_GE(Button(id).height(), Button(id).minimumSizeHint().height());
+        EXPECT_TRUE(window->rect().contains(Button(id).geometry()));
       }
       EXPECT_EQ(window->minimumSize(), window->maximumSize());
       delete window;
     }
+  }
+}
+
+TEST_F(PortDetailsDialog, TitleIsSeenWholeWithLargerFonts) {
+  ports.names = {QStringLiteral("COM99")};
+  List();
+  Configure("COM99");
+  for (const int percent : {100, 150}) {
+    const FontScale scale(percent);
+    Open();
+    EXPECT_TRUE(TitleFits(*window, window->windowTitle()));
+    EXPECT_TRUE(TitleFits(*window, PortDetailsTitle({QStringLiteral("COM99"), false, {}},
+                                                    QStringLiteral(" Connecting Port ... "))));
+    delete window;
   }
 }
 

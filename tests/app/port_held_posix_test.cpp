@@ -27,8 +27,8 @@ TEST_F(PortHeldByAnother, IsNotConnected) {
   EXPECT_FALSE(ConnectToChosenPort(
       Context(), "COM4", FailureSentence::WithoutFullStop,
       [this](const QString& status) { journal.append(QStringLiteral("title ") + status); }));
-  EXPECT_EQ(Happened(), (QStringList{"title  Connecting Port ... ", "pause 500", "title ",
-                                     ChoiceFailed("COM4", ""), "title "}));
+  EXPECT_EQ(Happened(),
+            (QStringList{"title  Connecting Port ... ", "pause 500", ChoiceFailed("COM4", ""), "title "}));
   EXPECT_TRUE(program.connection.connected);
   EXPECT_TRUE(program.connection.handle.IsOpen());
   EXPECT_EQ(program.state.currentPortName, "COM3");

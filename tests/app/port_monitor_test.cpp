@@ -271,5 +271,21 @@ TEST_F(PortMonitorTest, AChangeDuringAMessageWaitsForItsEnd) {
   EXPECT_EQ(Happened(), (QStringList{kUpdated, "stop timer", kOffer, "start timer"}));
 }
 
+TEST_F(PortMonitorTest, AChangeWhileAPortIsBeingChosenWaitsForTheChoice) {
+  ports.names = {"COM1", "COM3"};
+  Configure(QStringLiteral("COM3"));
+  program.connection.connected = true;
+  StartMonitor();
+  program.state.portBeingChosen = true;
+  ports.names = {"COM1"};
+  for (int i = 0; i < 3; ++i) monitor.Tick();
+  EXPECT_EQ(Happened(), QStringList());
+  EXPECT_EQ(program.connection.portCount, 2);
+  program.state.portBeingChosen = false;
+  monitor.Tick();
+  EXPECT_EQ(Happened(), (QStringList{kUpdated, "stop timer", kGone, "start timer"}));
+  EXPECT_EQ(program.connection.portCount, 1);
+}
+
 }  // namespace
 }  // namespace quarn::test

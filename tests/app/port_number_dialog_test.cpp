@@ -1,67 +1,40 @@
-#include "serial/dialogs/port_number_dialog.h"
+#include <QElapsedTimer>
 
-#include <QAbstractItemView>
-#include <QComboBox>
-#include <QTimer>
-
-#include "app/port_dialog_fixture.h"
-#include "ui/held_pause.h"
-#include "ui/window_messages.h"
+#include "app/port_number_fixture.h"
 
 namespace quarn::test {
 namespace {
-
-constexpr int kPorts = 1005;
-constexpr int kSet = 1006;
-constexpr int kOk = 1001;
-
-const QString kApplyChoice = QStringLiteral(
-    "yes or no/: Confirmation//Setting has been changed./Is it OK to apply this configuration?");
-
-class PortNumberDialog : public PortDialogTest {
- protected:
-  CPortNum& Open() { return Show<CPortNum>(); }
-  QComboBox& Ports() { return *Control<QComboBox>(*window, kPorts); }
-  QStringList Items() {
-    QStringList items;
-    for (int i = 0; i < Ports().count(); ++i) items.append(Ports().itemText(i));
-    return items;
-  }
-  /// Picks the item in the open list, as a person does with the mouse.
-  void Pick(const QString& item) {
-    QTest::mouseClick(&Ports(), Qt::LeftButton);
-    QAbstractItemView& view = *Ports().view();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(view.window()));
-    // The list takes the release of the very click that opened it for no choice.
-    QTest::qWait(QApplication::doubleClickInterval() + 50);
-    const QModelIndex index = view.model()->index(Ports().findText(item), 0);
-    QTest::mouseClick(view.viewport(), Qt::LeftButton, {}, view.visualRect(index).center());
-    ASSERT_EQ(Ports().currentText(), item);
-  }
-};
 
 TEST_F(PortNumberDialog, OpensWithTheConnectedPort) {
   Plug("COM3");
   Plug("COM12");
   ConnectTo("COM3");
   program.state.requests.portNumberClose = true;
-  program.state.requests.portNumberRefresh = true;
   Open();
   EXPECT_TRUE(program.state.open.portNumber);
   EXPECT_FALSE(program.state.requests.portNumberClose);
   EXPECT_EQ(Items(), (QStringList{"NONE", "COM3", "COM12"}));
   EXPECT_EQ(Ports().currentText(), "COM3");
   EXPECT_EQ(window->windowTitle(), "Quarn - COM Port Number (COM3)  ");
-  EXPECT_EQ(window->focusWidget(), &Button(kOk));
+  EXPECT_EQ(window->focusWidget(), &Button(kOkNumber));
   EXPECT_EQ(Control<QLabel>(*window, -1)->text(), "PORT =");
+}
+
+TEST_F(PortNumberDialog, SetIsEnabledAtFirstWithTheConnectedPort) {
+  Plug("COM3");
+  ConnectTo("COM3");
+  // Not shown: it has not looked at anything yet.
+  window = new CPortNum(nullptr, Context());
+  EXPECT_TRUE(Button(kSetNumber).isEnabled());
 }
 
 TEST_F(PortNumberDialog, OpensWithNoneWhileNotConnected) {
   Plug("COM3");
   Configure("COM3");
-  Open();
+  // Not shown: it has not looked at anything yet.
+  window = new CPortNum(nullptr, Context());
   EXPECT_EQ(Ports().currentText(), "NONE");
-  EXPECT_FALSE(Button(kSet).isEnabled());
+  EXPECT_FALSE(Button(kSetNumber).isEnabled());
   EXPECT_TRUE(Ports().isEnabled());
   EXPECT_EQ(window->windowTitle(), "Quarn - COM Port Number (COM3-NC)  ");
 }
@@ -70,8 +43,8 @@ TEST_F(PortNumberDialog, WithoutPortsSetTellsSoAndNothingElseChanges) {
   const std::string before = WorkingFile();
   Open();
   EXPECT_FALSE(Ports().isEnabled());
-  ASSERT_TRUE(QTest::qWaitFor([&] { return Button(kSet).isEnabled(); }));
-  Click(kSet);
+  ASSERT_TRUE(QTest::qWaitFor([&] { return Button(kSetNumber).isEnabled(); }));
+  Click(kSetNumber);
   EXPECT_EQ(Happened(), QStringList{"error/: Error//Port Sellection Error/No available COM ports detected."});
   EXPECT_EQ(WorkingFile(), before);
   EXPECT_FALSE(program.connection.connected);
@@ -84,9 +57,9 @@ TEST_F(PortNumberDialog, PickedPortIsConnectedBySet) {
   Plug("COM4");
   Open();
   Pick("COM4");
-  EXPECT_EQ(window->focusWidget(), &Button(kOk));
-  EXPECT_TRUE(Button(kSet).isEnabled());
-  Click(kSet);
+  EXPECT_EQ(window->focusWidget(), &Button(kOkNumber));
+  EXPECT_TRUE(Button(kSetNumber).isEnabled());
+  Click(kSetNumber);
   EXPECT_EQ(Happened(), (QStringList{"pause 500", ChoiceConnected("COM4")}));
   EXPECT_TRUE(program.connection.handle.IsOpen());
   EXPECT_EQ(WorkingFile(), FileWith({{"COM_PORT", "COM4"}}));
@@ -94,7 +67,7 @@ TEST_F(PortNumberDialog, PickedPortIsConnectedBySet) {
   ASSERT_TRUE(QTest::qWaitFor([&] { return !program.state.requests.portNumberRefresh; }));
   WaitForATick();
   EXPECT_EQ(Ports().currentText(), "COM4");
-  EXPECT_FALSE(Button(kSet).isEnabled());
+  EXPECT_FALSE(Button(kSetNumber).isEnabled());
 }
 
 TEST_F(PortNumberDialog, WhileConnectedTheNextLookEnablesSet) {
@@ -103,8 +76,8 @@ TEST_F(PortNumberDialog, WhileConnectedTheNextLookEnablesSet) {
   ConnectTo("COM3");
   Open();
   Pick("COM4");
-  EXPECT_FALSE(Button(kSet).isEnabled());
-  EXPECT_TRUE(QTest::qWaitFor([&] { return Button(kSet).isEnabled(); }));
+  EXPECT_FALSE(Button(kSetNumber).isEnabled());
+  EXPECT_TRUE(QTest::qWaitFor([&] { return Button(kSetNumber).isEnabled(); }));
 }
 
 TEST_F(PortNumberDialog, SetWithNoneDisconnects) {
@@ -112,8 +85,8 @@ TEST_F(PortNumberDialog, SetWithNoneDisconnects) {
   ConnectTo("COM3");
   Open();
   Pick("NONE");
-  ASSERT_TRUE(QTest::qWaitFor([&] { return Button(kSet).isEnabled(); }));
-  Click(kSet);
+  ASSERT_TRUE(QTest::qWaitFor([&] { return Button(kSetNumber).isEnabled(); }));
+  Click(kSetNumber);
   EXPECT_EQ(
       Happened(),
       (QStringList{"information/: Information//  \"COM3\" has been disconnected./ COM port is undefined."}));
@@ -127,9 +100,9 @@ TEST_F(PortNumberDialog, PortThatVanishesBetweenChoiceAndSetIsRefused) {
   ConnectTo("COM3");
   Open();
   Pick("COM4");
-  ASSERT_TRUE(QTest::qWaitFor([&] { return Button(kSet).isEnabled(); }));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return Button(kSetNumber).isEnabled(); }));
   Unplug("COM4");
-  Click(kSet);
+  Click(kSetNumber);
   EXPECT_EQ(Happened(), (QStringList{"pause 500", ChoiceFailed("COM4", ".")}));
   EXPECT_TRUE(program.connection.connected);
   EXPECT_TRUE(program.connection.handle.IsOpen());
@@ -153,6 +126,69 @@ TEST_F(PortNumberDialog, FollowsTheListWithinATick) {
   EXPECT_FALSE(Ports().isEnabled());
 }
 
+static_assert(PolledDialog::kTickMs == 100);
+
+TEST_F(PortNumberDialog, LooksTenTimesASecond) {
+  Open();
+  QElapsedTimer time;
+  time.start();
+  for (int i = 0; i < 10; ++i) {
+    program.state.requests.portNumberRefresh = true;
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !program.state.requests.portNumberRefresh; }));
+  }
+  // The first look may come at once, and a busy machine may keep it waiting.
+  EXPECT_GE(time.elapsed(), 700);
+  EXPECT_LE(time.elapsed(), 4000);
+}
+
+TEST_F(PortNumberDialog, AListChangeFromBeforeItWasOpenedIsSeen) {
+  Plug("COM3");
+  Configure("COM3");
+  program.state.requests.portNumberRefresh = true;
+  Open();
+  ASSERT_TRUE(QTest::qWaitFor([&] { return !program.state.requests.portNumberRefresh; }));
+  EXPECT_EQ(Ports().currentText(), "COM3");
+  EXPECT_TRUE(Button(kSetNumber).isEnabled());
+}
+
+TEST_F(PortNumberDialog, PortsThatComeAndGoEnableTheList) {
+  Open();
+  EXPECT_FALSE(Ports().isEnabled());
+  EXPECT_EQ(Items(), QStringList{"NONE"});
+  Plug("COM3");
+  Configure("COM3");
+  program.state.requests.portNumberRefresh = true;
+  ASSERT_TRUE(QTest::qWaitFor([&] { return !program.state.requests.portNumberRefresh; }));
+  EXPECT_TRUE(Ports().isEnabled());
+  EXPECT_EQ(Items(), (QStringList{"NONE", "COM3"}));
+  EXPECT_EQ(Ports().currentText(), "COM3");
+  EXPECT_TRUE(Button(kSetNumber).isEnabled());
+  EXPECT_EQ(window->windowTitle(), "Quarn - COM Port Number (COM3-NC)  ");
+  Unplug("COM3");
+  program.state.requests.portNumberRefresh = true;
+  ASSERT_TRUE(QTest::qWaitFor([&] { return !program.state.requests.portNumberRefresh; }));
+  EXPECT_FALSE(Ports().isEnabled());
+  EXPECT_EQ(Ports().currentText(), "NONE");
+}
+
+TEST_F(PortNumberDialog, KeysPickAPort) {
+  Plug("COM3");
+  Plug("COM4");
+  Open();
+  Ports().setFocus();
+  Press(Qt::Key_Down, Qt::AltModifier);
+  QAbstractItemView& list = *Ports().view();
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(list.window()));
+  QTest::keyClick(&list, Qt::Key_Down);
+  QTest::keyClick(&list, Qt::Key_Return);
+  EXPECT_EQ(Ports().currentText(), "COM3");
+  EXPECT_EQ(window->focusWidget(), &Button(kOkNumber));
+  EXPECT_TRUE(Button(kSetNumber).isEnabled());
+  Button(kSetNumber).setFocus();
+  Press(Qt::Key_Space);
+  EXPECT_EQ(Happened(), (QStringList{"pause 500", ChoiceConnected("COM3")}));
+}
+
 TEST_F(PortNumberDialog, OkWithoutAChangeClosesWithoutAQuestion) {
   Plug("COM3");
   Configure("COM3");
@@ -170,7 +206,7 @@ TEST_F(PortNumberDialog, OkAppliesAChangeThatIsConfirmed) {
   messages.answers = {true};
   Open();
   Pick("COM3");
-  Click(kOk);
+  Click(kOkNumber);
   EXPECT_TRUE(IsGone());
   EXPECT_EQ(Happened(), (QStringList{kApplyChoice, "pause 500", ChoiceConnected("COM3")}));
   EXPECT_EQ(WorkingFile(), FileWith({{"COM_PORT", "COM3"}}));
@@ -183,7 +219,7 @@ TEST_F(PortNumberDialog, OkLeavesAChangeThatIsNotConfirmed) {
   messages.answers = {false};
   Open();
   Pick("COM3");
-  Click(kOk);
+  Click(kOkNumber);
   EXPECT_TRUE(IsGone());
   EXPECT_EQ(Happened(), QStringList{kApplyChoice});
   EXPECT_EQ(WorkingFile(), before);
@@ -196,7 +232,7 @@ TEST_F(PortNumberDialog, OkWithNoneDisconnectsWhenConfirmed) {
   messages.answers = {true};
   Open();
   Pick("NONE");
-  Click(kOk);
+  Click(kOkNumber);
   EXPECT_TRUE(IsGone());
   EXPECT_EQ(Happened().size(), 2);
   EXPECT_EQ(program.state.currentPortName, "NONE");
@@ -205,6 +241,7 @@ TEST_F(PortNumberDialog, OkWithNoneDisconnectsWhenConfirmed) {
 
 TEST_F(PortNumberDialog, ClosesByEscapeByItsBoxAndByRequest) {
   for (const int way : {0, 1, 2}) {
+    program.state.requests.portNumberRefresh = false;
     Open();
     if (way == 0) Press(Qt::Key_Escape);
     if (way == 1) window->close();
@@ -212,103 +249,34 @@ TEST_F(PortNumberDialog, ClosesByEscapeByItsBoxAndByRequest) {
     EXPECT_TRUE(IsGone()) << way;
     EXPECT_FALSE(program.state.open.portNumber) << way;
     EXPECT_FALSE(program.state.requests.portNumberClose) << way;
+    EXPECT_EQ(program.state.requests.portNumberRefresh, way == 2) << way;
   }
   EXPECT_EQ(Happened(), QStringList());
 }
 
-TEST_F(PortNumberDialog, NothingSlipsIntoAConnectThatIsUnderWay) {
+TEST_F(PortNumberDialog, ClosedByRequestTheNextOneShowsTheCurrentPort) {
   Plug("COM3");
+  Configure("COM3");
   Open();
-  Pick("COM3");
-  whileShown = [this] {
-    ASSERT_TRUE(window);
-    program.state.requests.portNumberClose = true;
-    Button(kSet).click();
-    Button(kOk).click();
-    window->close();
-    WaitForATick();
-    ASSERT_TRUE(window) << "destroyed under its own message";
-    EXPECT_TRUE(window->isVisible());
-  };
-  Click(kSet);
-  EXPECT_TRUE(IsGone()) << "the close was put off, not forgotten";
-  EXPECT_EQ(Happened(), (QStringList{"pause 500", ChoiceConnected("COM3")}));
-  EXPECT_FALSE(program.state.open.portNumber);
-}
-
-TEST_F(PortNumberDialog, TitleTellsWhileItConnects) {
-  Plug("COM3");
+  EXPECT_EQ(Ports().currentText(), "NONE");
+  program.state.requests.portNumberClose = true;
+  EXPECT_TRUE(IsGone());
   Open();
-  Pick("COM3");
-  QString title;
-  pause.during = [&] { title = window->windowTitle(); };
-  Click(kSet);
-  EXPECT_EQ(title, "Quarn - (NONE)   Connecting Port ... ");
-}
-
-TEST_F(PortNumberDialog, ASecondClickDuringTheWaitDoesNothing) {
-  Plug("COM3");
-  HeldPause held;
-  DialogContext context{program.settings,
-                        program.workingSettingsFile,
-                        program.connection,
-                        program.state,
-                        *program.portSource,
-                        program.Environment(),
-                        held};
-  window = new CPortNum(nullptr, context);
-  ShowActive(*window);
-  Pick("COM3");
-  QWindow* handle = window->windowHandle();
-  const QPoint place = Button(kSet).geometry().center();
-  QMetaObject::invokeMethod(
-      window, [&] { QTest::mouseClick(handle, Qt::LeftButton, {}, place); }, Qt::QueuedConnection);
-  Click(kSet);
-  QTest::qWait(300);
-  EXPECT_EQ(Happened(), QStringList{ChoiceConnected("COM3")});
-}
-
-TEST_F(PortNumberDialog, ItsMessageIsInFrontOfItAndOutlivedByIt) {
-  Plug("COM3");
-  WindowMessages boxes;
-  const DialogContext context{program.settings,
-                              program.workingSettingsFile,
-                              program.connection,
-                              program.state,
-                              *program.portSource,
-                              {*program.opener, boxes, indicator},
-                              pause};
-  window = new CPortNum(nullptr, context);
-  ShowActive(*window);
-  Pick("COM3");
-  bool seen = false;
-  QTimer::singleShot(0, qApp, [&] {
-    QWidget* box = QApplication::activeModalWidget();
-    ASSERT_NE(box, nullptr);
-    seen = box->parentWidget() == window;
-    program.state.requests.portNumberClose = true;
-    QTest::mouseClick(window->windowHandle(), Qt::LeftButton, {}, Button(kSet).geometry().center());
-    QTest::qWait(2 * PolledDialog::kTickMs);
-    ASSERT_TRUE(window);
-    QTest::keyClick(box, Qt::Key_Return);
-  });
-  Click(kSet);
-  EXPECT_TRUE(seen);
-  EXPECT_EQ(Happened(), QStringList{"pause 500"});
-  EXPECT_TRUE(IsGone()) << "the request was put off, not forgotten";
+  EXPECT_TRUE(QTest::qWaitFor([&] { return Ports().currentText() == "COM3"; }));
+  EXPECT_FALSE(program.state.requests.portNumberRefresh);
 }
 
 TEST_F(PortNumberDialog, TabFollowsTheReadingOrder) {
   Plug("COM3");
   Configure("COM3");
   Open();
-  ASSERT_TRUE(QTest::qWaitFor([&] { return Button(kSet).isEnabled(); }));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return Button(kSetNumber).isEnabled(); }));
   Press(Qt::Key_Tab);
   EXPECT_EQ(QApplication::focusWidget(), &Ports());
   Press(Qt::Key_Tab);
-  EXPECT_EQ(QApplication::focusWidget(), &Button(kSet));
+  EXPECT_EQ(QApplication::focusWidget(), &Button(kSetNumber));
   Press(Qt::Key_Tab);
-  EXPECT_EQ(QApplication::focusWidget(), &Button(kOk));
+  EXPECT_EQ(QApplication::focusWidget(), &Button(kOkNumber));
 }
 
 TEST_F(PortNumberDialog, NothingIsClippedWithLargerFonts) {
@@ -317,11 +285,14 @@ TEST_F(PortNumberDialog, NothingIsClippedWithLargerFonts) {
     const FontScale scale(percent);
     Open();
     ExpectNothingClipped(*window);
-    for (const int id : {kSet, kOk}) {
+    for (const int id : {kSetNumber, kOkNumber}) {
       EXPECT_GE(Button(id).width(), Button(id).minimumSizeHint().width());
       EXPECT_GE(Button(id).height(), Button(id).minimumSizeHint().height());
     }
     EXPECT_GE(Ports().width(), Ports().sizeHint().width());
+    EXPECT_TRUE(TitleFits(*window, PortNumberTitle({QStringLiteral("COM12"), false, {}}, QString())));
+    EXPECT_TRUE(TitleFits(*window, PortNumberTitle({QStringLiteral("COM12"), false, {}},
+                                                   QStringLiteral(" Connecting Port ... "))));
     EXPECT_EQ(window->minimumSize(), window->maximumSize());
     delete window;
   }

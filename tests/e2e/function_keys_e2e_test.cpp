@@ -15,15 +15,16 @@ class FunctionKeys : public Dialogs {
     ClickButton(kTable, QStringLiteral("EDIT"), [this] { return IsEnabled(kTable, kField); });
   }
   /// Clicks into the field of F4 and puts another text there.
-  void EditTo(const QString& text) {
-    ClickUntil(kTable, kField, [this] {
-      const std::optional<Control> field = FindControl(kTable, kField);
+  void EditTo(const QString& text) { EditTo(kField, text); }
+  void EditTo(const QString& name, const QString& text) {
+    ClickUntil(kTable, name, [&] {
+      const std::optional<Control> field = FindControl(kTable, name);
       return field && field->focused;
     });
     Press({QStringLiteral("ctrl+a")});
     Type(text);
-    EXPECT_TRUE(Eventually([&] { return TextOfControl(kTable, kField) == text; }))
-        << TextOfControl(kTable, kField).toStdString();
+    EXPECT_TRUE(Eventually([&] { return TextOfControl(kTable, name) == text; }))
+        << TextOfControl(kTable, name).toStdString();
   }
   void FinishEditing() {
     ClickButton(kTable, QStringLiteral("ENTER"), [this] { return !IsEnabled(kTable, kField); });
@@ -41,6 +42,24 @@ class FunctionKeys : public Dialogs {
     for (const Control& each : Controls(kTerminal))
       if (each.name.startsWith(command) && each.name.size() <= command.size() + 1) return true;
     return false;
+  }
+  /// Does this in the table, once more where it was lost, until the command line holds the command.
+  void CommandLineBecomes(const QString& command, const std::function<void()>& act) {
+    const auto holds = [&] { return CommandLineHolds(command); };
+    EXPECT_TRUE(Eventually([&] {
+      Focus(WaitForWindow(kTable));
+      act();
+      return Eventually(holds, 2 * kOneTryMs);
+    })) << command.toStdString();
+  }
+  void ClickWithCtrl(const QString& button) {
+    const std::optional<Control> found = FindControl(kTable, button);
+    ASSERT_TRUE(found);
+    const QPoint place = found->place.center();
+    desktop.Run(QStringLiteral("xdotool"),
+                {QStringLiteral("mousemove"), QString::number(place.x()), QString::number(place.y()),
+                 QStringLiteral("keydown"), QStringLiteral("ctrl"), QStringLiteral("click"),
+                 QStringLiteral("1"), QStringLiteral("keyup"), QStringLiteral("ctrl")});
   }
   void AskUndo(const QString& answer) { Ask("UNDO", kUndo, kUndoQuestion, answer); }
   void Ask(const char* button, const QString& box, const QString& question, const QString& answer) {
@@ -98,6 +117,32 @@ TEST_F(FunctionKeys, SavedTextIsInTheFileAndSent) {
   ClickButton(kTable, QStringLiteral("SEND"));
   EXPECT_TRUE(WireBecomes("saved\r"));
   ClickCloseBox(kTable);
+  EXPECT_TRUE(FileIsUnchanged());
+}
+
+TEST_F(FunctionKeys, AllTenAreEditedSavedAndLoaded) {
+  StartWithTable();
+  const QStringList commands{"one", "two", "three", "four", "five", "six", "seven", "eight", "nine", "ten"};
+  StartEditing();
+  QList<QPair<QByteArray, QByteArray>> values;
+  for (int i = 0; i < commands.size(); ++i) {
+    const QString field = QStringLiteral("MEM%1").arg(i);
+    EditTo(field, commands[i]);
+    values.append({field.toLatin1(), commands[i].toLatin1()});
+  }
+  FinishEditing();
+  EXPECT_TRUE(FileIsUnchanged());
+  Ask("SAVE", kSave, kSaveQuestion, kYes);
+  EXPECT_TRUE(FileBecomes(values));
+  for (int i = 0; i < commands.size(); ++i) {
+    ClickUntil(kTable, QStringLiteral("F%1").arg(i + 1), [&] { return CommandLineHolds(commands[i]); });
+  }
+  CommandLineBecomes(QStringLiteral("tentwo"), [this] { ClickWithCtrl(QStringLiteral("F2")); });
+  // The keys go on as the last click did.
+  CommandLineBecomes(QStringLiteral("tentwofive"), [this] { Press({QStringLiteral("F5")}); });
+  Press({QStringLiteral("Return")});
+  EXPECT_TRUE(WireBecomes("tentwofive\r"));
+  PressOk(kTable);
   EXPECT_TRUE(FileIsUnchanged());
 }
 

@@ -1,38 +1,7 @@
-#include "e2e/dialogs.h"
+#include "e2e/option_dialogs.h"
 
 namespace quarn::test {
 namespace {
-
-class OptionDialogs : public Dialogs {
- protected:
-  void OpenFormat() { OpenDialog(kOption, QStringLiteral("Command Format  (&F)").remove(u'&'), kFormat); }
-  void OpenScreen() {
-    OpenDialog(kOption, QStringLiteral("Terminal Screen Option  (&T)").remove(u'&'), kScreen);
-  }
-  void OpenMain() {
-    OpenDialog(kOption, QStringLiteral("Main Dialog Option (&M)").remove(u'&'), kMainDialog);
-  }
-  /// Clicks on a radio button or check box: only this key changes, to this value.
-  void Change(const QString& dialog, const char* control, bool checked, const QByteArray& key,
-              const QByteArray& value) {
-    const QString name = QString::fromLatin1(control);
-    ASSERT_EQ(IsChecked(dialog, name), !checked) << control;
-    ClickUntil(dialog, name, [&] { return FileHas(key, value); });
-    EXPECT_TRUE(FileBecomes(key, value));
-    EXPECT_TRUE(Eventually([&] { return IsChecked(dialog, name) == checked; })) << control;
-  }
-  QStringList TerminalButtons() { return Buttons(kTerminal); }
-  void Length(const char* button) {
-    ClickUntil(kScreen, QStringLiteral("Max Command Length ") + QLatin1String(button),
-               [this] { return !desktop.Windows(kConfirmation).isEmpty(); });
-  }
-
-  const QString kOption = QStringLiteral("Option");
-  const QString kFormat = QStringLiteral("^Quarn - Command Format$");
-  const QString kScreen = QStringLiteral("^Quarn - Terminal Screen Option$");
-  const QString kMainDialog = QStringLiteral("^Quarn - Main Dialog Optiom$");
-  const QStringList kClearLog{QStringLiteral("Is it OK to clear the operation log ?")};
-};
 
 TEST_F(OptionDialogs, EveryCommandFormatIsWrittenAndUsed) {
   StartConnected("* -> line \"OK\"");
@@ -72,9 +41,13 @@ TEST_F(OptionDialogs, EveryScreenOptionIsWrittenAndSeen) {
   Change(kScreen, "Show Function Keys", true, "FUNC_KEY", "ON");
   EXPECT_TRUE(OuterSizeBecomes(terminal, {510, 740}));
   EXPECT_EQ(TerminalButtons(), buttons);
+  EXPECT_TRUE(BackgroundBecomes(kNavy));
   Change(kScreen, "Background Color Black", true, "BK_COLOR", "BLACK");
+  EXPECT_TRUE(BackgroundBecomes(kBlack));
   Change(kScreen, "Background Color System", true, "BK_COLOR", "SYSTEM");
+  EXPECT_TRUE(BackgroundBecomes(BackgroundOf(kScreen)));
   Change(kScreen, "Background Color Navy", true, "BK_COLOR", "NAVY");
+  EXPECT_TRUE(BackgroundBecomes(kNavy));
   ClickCloseBox(kScreen);
   EXPECT_TRUE(FileIsUnchanged());
   EnterCommand(QStringLiteral("id"));
@@ -104,6 +77,11 @@ TEST_F(OptionDialogs, AnotherCommandLengthClearsTheLogOnceAllowed) {
   EXPECT_TRUE(TerminalTitleBecomes(QStringLiteral("Quarn - Terminal Screeen (COM3)  W- INS")));
   EXPECT_TRUE(OuterSizeBecomes(terminal, {580, 740}));
   EXPECT_TRUE(IsChecked(kScreen, QStringLiteral("Max Command Length W (64)")));
+  Length("N (48)");
+  Answer(kClearLog, kYes);
+  EXPECT_TRUE(FileBecomes("INPUT_MAX", "N"));
+  EXPECT_TRUE(TerminalTitleBecomes(QStringLiteral("Quarn - Terminal Screeen (COM3)  N- INS")));
+  EXPECT_TRUE(OuterSizeBecomes(terminal, {460, 740}));
   Length("M (56)");
   Answer(kClearLog, kYes);
   EXPECT_TRUE(FileBecomes("INPUT_MAX", "M"));

@@ -46,6 +46,16 @@ inline void ExpectNothingClipped(const QWidget& dialog) {
   }
 }
 
+/// The title bar has room for this title between the window's icon and its close box, each about as wide
+/// as the font is high.
+inline ::testing::AssertionResult TitleFits(const QWidget& dialog, const QString& title) {
+  const QFontMetrics metrics = dialog.fontMetrics();
+  const int needed = metrics.horizontalAdvance(title.trimmed()) + 3 * metrics.height();
+  if (needed <= dialog.width()) return ::testing::AssertionSuccess();
+  return ::testing::AssertionFailure()
+         << title.toStdString() << " needs " << needed << " of " << dialog.width();
+}
+
 /// Enlarges the program's font for as long as it lives.
 class FontScale {
  public:

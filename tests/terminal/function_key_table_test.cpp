@@ -139,18 +139,14 @@ TEST_F(FunctionTable, ReloadTakesTheNewSettings) {
   EXPECT_FALSE(table.CanUndo());
 }
 
-TEST_F(FunctionTable, ReloadInEditModeKeepsWhatWasTyped) {
+TEST_F(FunctionTable, ReloadInEditModeTakesAllFields) {
   table.StartEditing();
   table.SetEditText(2, QStringLiteral("typed"));
   settings.mem.fill(QStringLiteral("new"));
   table.Reload();
   EXPECT_EQ(table.WhatIsEnabled(), kEditing);
-  for (int i = 0; i < kStoredCommandCount; ++i) {
-    EXPECT_EQ(table.EditText()[static_cast<std::size_t>(i)],
-              i == 2 ? QStringLiteral("typed") : QStringLiteral("new"));
-  }
-  table.Undo();
-  EXPECT_EQ(table.EditText()[2], QStringLiteral("new")) << "the new settings are what was loaded last";
+  EXPECT_EQ(table.EditText(), settings.mem);
+  EXPECT_FALSE(table.CanUndo()) << "the new settings are what was loaded last";
 }
 
 TEST_F(FunctionTable, ReloadInEditModeReplacesEarlierEdits) {
@@ -161,12 +157,20 @@ TEST_F(FunctionTable, ReloadInEditModeReplacesEarlierEdits) {
   EXPECT_EQ(table.EditText()[2], QStringLiteral("function-3"));
 }
 
-TEST_F(FunctionTable, FieldsTakeTheLongestCommand) {
-  EXPECT_EQ(table.Limit(0), 64);
-  settings.mem[1] = QString(100, u'x');
+TEST_F(FunctionTable, FieldsTakeWhatALineOfTheFileHolds) {
+  EXPECT_EQ(kMaxStoredCommand, 1018);
+  EXPECT_EQ(table.Limit(0), kMaxStoredCommand);
+  settings.mem[1] = QString(kMaxStoredCommand + 2, u'x');
   table.Reload();
-  EXPECT_EQ(table.Limit(1), 100) << "a longer one from a file is not cut";
-  EXPECT_EQ(table.Limit(2), 64);
+  EXPECT_EQ(table.Limit(1), kMaxStoredCommand + 2) << "what is there is not cut";
+  EXPECT_EQ(table.Limit(2), kMaxStoredCommand);
+}
+
+TEST_F(FunctionTable, TheLongestCommandIsSavedAndReadWhole) {
+  const QString longest(kMaxStoredCommand, u'x');
+  Edit(9, longest);
+  table.Save(m_file);
+  EXPECT_EQ(ReadValue(m_file, keys::kMem[9]), longest);
 }
 
 TEST_F(FunctionTable, UntouchedTextsStayAsTheFileHadThem) {

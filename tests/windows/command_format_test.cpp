@@ -1,5 +1,8 @@
 #include "settings/dialogs/command_format.h"
 
+#include <QCheckBox>
+#include <QRadioButton>
+
 #include "ui/dialog_grid.h"
 #include "windows/option_dialog_fixture.h"
 
@@ -18,6 +21,15 @@ TEST_F(CommandFormat, HasItsTitleLabelsAndSize) {
   EXPECT_FALSE(dialog->isModal());
 }
 
+TEST_F(CommandFormat, HasRadioButtonsAndOneCheckBox) {
+  Open();
+  for (const int id : {1015, 1021, 1022, 1018, 1085, 1087, 1086, 1017, 1020}) {
+    EXPECT_NE(qobject_cast<QRadioButton*>(&Button(id)), nullptr) << id;
+  }
+  EXPECT_NE(qobject_cast<QCheckBox*>(&Button(1088)), nullptr);
+  EXPECT_EQ(dialog->findChildren<QAbstractButton*>().size(), 11);
+}
+
 TEST_F(CommandFormat, EveryClickIsInTheFileAtOnce) {
   Open();
   for (const auto& choice : std::vector<Choice>{
@@ -28,6 +40,9 @@ TEST_F(CommandFormat, EveryClickIsInTheFileAtOnce) {
        }) {
     ExpectChoice(choice);
     EXPECT_EQ("DELIMITER=" + settings.delimiter.toLatin1(), choice.chosen);
+    QList<int> checked{choice.id, 1017, 1085, 1088};
+    std::sort(checked.begin(), checked.end());
+    EXPECT_EQ(Checked(), checked);
   }
 }
 
@@ -36,8 +51,11 @@ TEST_F(CommandFormat, BufferSizesAreWrittenInK) {
   const QByteArray line = "COM_BUF=" + settings.comBuf.toLatin1();
   ExpectChoice({1086, "6144", line, "COM_BUF=6K"});
   EXPECT_EQ(settings.comBuf, QStringLiteral("6K"));
+  EXPECT_EQ(Checked(), (QList<int>{1015, 1017, 1086, 1088}));
   ExpectChoice({1087, "2048", line, "COM_BUF=2K"});
+  EXPECT_EQ(Checked(), (QList<int>{1015, 1017, 1087, 1088}));
   ExpectChoice({1085, "1024", line, "COM_BUF=1K"});
+  EXPECT_EQ(Checked(), (QList<int>{1015, 1017, 1085, 1088}));
   EXPECT_EQ(settings.comBuf, QStringLiteral("1K"));
 }
 
@@ -58,6 +76,7 @@ TEST_F(CommandFormat, TheTimeoutIsOnOrOff) {
   EXPECT_TRUE(Button(1088).isChecked());
   Click(1088);
   EXPECT_EQ(settings.rTimeout, QStringLiteral("OFF"));
+  EXPECT_FALSE(Button(1088).isChecked());
   EXPECT_EQ(File(), before);
 }
 
@@ -65,6 +84,7 @@ TEST_F(CommandFormat, SpeedWithoutAPortIsSetAndWritten) {
   Open();
   ExpectChoice({1020, "LOW", "PORT_SPEED=HIGH", "PORT_SPEED=LOW"});
   EXPECT_EQ(settings.portSpeed, QStringLiteral("LOW"));
+  EXPECT_EQ(Checked(), (QList<int>{1015, 1020, 1085, 1088}));
   Written();
   Click(1020);
   EXPECT_FALSE(Written());
@@ -121,7 +141,8 @@ TEST_F(CommandFormat, AnUnknownValueChecksNothing) {
 TEST_F(CommandFormat, KeysChooseAsTheMouseDoes) {
   Open();
   EXPECT_TRUE(Button(1013).hasFocus());
-  EXPECT_EQ(TabOrder().size(), 5) << "each group once, the check box and OK";
+  // Each group once, by the button that is checked.
+  EXPECT_EQ(TabOrder(), (QList<int>{1015, 1085, 1017, 1088, 1013}));
   Button(1015).setFocus();
   Press(Qt::Key_Right);
   EXPECT_EQ(settings.delimiter, QStringLiteral("LF"));

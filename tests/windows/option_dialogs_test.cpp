@@ -51,6 +51,22 @@ TEST_F(ScreenOption, EveryBoxWritesItsKey) {
   EXPECT_TRUE(messages.shown.isEmpty());
 }
 
+TEST_F(ScreenOption, SpaceSwitchesEveryBox) {
+  Open();
+  for (const Box& box : kBoxes) {
+    const bool on = settings.*box.field == u"ON";
+    Button(box.id).setFocus();
+    Press(Qt::Key_Space);
+    EXPECT_EQ(settings.*box.field, on ? QStringLiteral("OFF") : QStringLiteral("ON")) << box.text;
+    EXPECT_EQ(Button(box.id).isChecked(), !on) << box.text;
+    EXPECT_EQ(File(),
+              FileWith(box.key + QByteArray(on ? "ON" : "OFF"), box.key + QByteArray(on ? "OFF" : "ON")))
+        << box.text;
+    Press(Qt::Key_Space);
+    EXPECT_EQ(File(), before) << box.text;
+  }
+}
+
 TEST_F(ScreenOption, HidingTheFunctionKeysWritesOff) {
   settings.funcKey = QStringLiteral("ON");
   Open();
@@ -107,6 +123,33 @@ TEST_F(ScreenOption, NoLeavesTheLengthAsItWas) {
   EXPECT_FALSE(state.requests.terminalRefresh);
 }
 
+TEST_F(ScreenOption, NoToAKeyLeavesTheLengthAsItWas) {
+  settings.inputMax = QStringLiteral("N");
+  state.open.terminalScreen = true;
+  Open();
+  const QList<int> checked = Checked();
+  Button(1065).setFocus();
+  Press(Qt::Key_Right);
+  EXPECT_EQ(messages.shown, QStringList{kQuestion});
+  EXPECT_EQ(Checked(), checked);
+  EXPECT_TRUE(Button(1065).isChecked());
+  EXPECT_EQ(settings.inputMax, QStringLiteral("N"));
+  EXPECT_FALSE(Written());
+}
+
+TEST_F(ScreenOption, NoLeavesALengthThatNoButtonStandsFor) {
+  settings.inputMax = QStringLiteral("?");
+  state.open.terminalScreen = true;
+  Open();
+  const QList<int> checked = Checked();
+  Click(1066);
+  EXPECT_EQ(messages.shown, QStringList{kQuestion});
+  EXPECT_EQ(Checked(), checked);
+  for (const int id : {1065, 1066, 1067}) EXPECT_FALSE(Button(id).isChecked()) << id;
+  EXPECT_EQ(settings.inputMax, QStringLiteral("?"));
+  EXPECT_FALSE(Written());
+}
+
 TEST_F(ScreenOption, ACloseRequestWaitsForTheAnswer) {
   settings.inputMax = QStringLiteral("N");
   state.open.terminalScreen = true;
@@ -151,11 +194,7 @@ TEST_F(ScreenOption, ClipsNothingWithAnyFont) {
   }
 }
 
-TEST_F(MainOption, WritesThePositionAndMovesNothing) {
-  QWidget mainWindow;
-  mainWindow.move(40, 50);
-  mainWindow.show();
-  const QPoint place = mainWindow.pos();
+TEST_F(MainOption, WritesThePosition) {
   settings.mainPos = QStringLiteral("TL");
   ASSERT_TRUE(UpdateValue(Context().workingSettingsFile, keys::kMainPos, settings.mainPos));
   before = File();
@@ -165,10 +204,20 @@ TEST_F(MainOption, WritesThePositionAndMovesNothing) {
   ExpectChoice({1074, "TOP - RIGHT", "MAIN_POS=TL", "MAIN_POS=TR"});
   EXPECT_EQ(settings.mainPos, QStringLiteral("TR"));
   EXPECT_EQ(Checked(), QList<int>{1074});
-  EXPECT_EQ(mainWindow.pos(), place);
   ExpectChoice({1073, "TOP - LEFT", "MAIN_POS=TL", "MAIN_POS=TL"});
   EXPECT_EQ(Checked(), QList<int>{1073});
   EXPECT_FALSE(state.requests.mainRefresh);
+}
+
+TEST_F(MainOption, KeysChooseAsTheMouseDoes) {
+  settings.mainPos = QStringLiteral("TL");
+  Open();
+  EXPECT_EQ(TabOrder(), (QList<int>{1073, 1}));
+  Button(1073).setFocus();
+  Press(Qt::Key_Right);
+  EXPECT_EQ(settings.mainPos, QStringLiteral("TR"));
+  EXPECT_EQ(ReadValue(Context().workingSettingsFile, keys::kMainPos), QStringLiteral("TR"));
+  EXPECT_EQ(Checked(), QList<int>{1074});
 }
 
 TEST_F(MainOption, ShowsTheSettingsAgainOnRequest) {

@@ -3,7 +3,19 @@
 namespace quarn::test {
 namespace {
 
-class SetMemKeys : public SetMemFixture {};
+class SetMemKeys : public SetMemFixture {
+ protected:
+  /// Where Tab leads from here, until it is here again.
+  static QList<int> TabsFrom(QWidget& first) {
+    first.setFocus();
+    QList<int> ids;
+    do {
+      ids.append(QApplication::focusWidget()->property(kControlIdProperty).toInt());
+      quarn::test::Press(Qt::Key_Tab);
+    } while (QApplication::focusWidget() != &first && ids.size() < 30);
+    return ids;
+  }
+};
 
 TEST_F(SetMemKeys, ButtonsRequestTheStoredCommand) {
   OpenTable();
@@ -119,22 +131,14 @@ TEST_F(SetMemKeys, SendNeedsAnOpenTerminalScreen) {
 
 TEST_F(SetMemKeys, TabGoesInReadingOrder) {
   OpenTable();
+  EXPECT_EQ(TabsFrom(Key(1)),
+            (QList<int>{1001, 1002, 1003, 1004, 1005, 1006, 1007, 1008, 1009, 1010, kEdit, kOk, kSend}));
   ClickCommand(kEdit);
-  Field(0).setFocus();
-  for (int i = 1; i < 10; ++i) {
-    quarn::test::Press(Qt::Key_Tab);
-    EXPECT_EQ(QApplication::focusWidget(), &Field(i)) << i;
-  }
+  EXPECT_EQ(TabsFrom(Field(0)), QList<int>(kFieldIds.begin(), kFieldIds.end()) + QList<int>({kUndo, kEdit}));
+  Retype(3, "another");
   ClickCommand(kEdit);
-  Key(1).setFocus();
-  for (int number = 2; number <= 10; ++number) {
-    quarn::test::Press(Qt::Key_Tab);
-    EXPECT_EQ(QApplication::focusWidget(), &Key(number)) << number;
-  }
-  for (const int id : {kEdit, kOk, kSend}) {
-    quarn::test::Press(Qt::Key_Tab);
-    EXPECT_EQ(QApplication::focusWidget(), &Command(id)) << id;
-  }
+  EXPECT_EQ(TabsFrom(Key(1)), (QList<int>{1001, 1002, 1003, 1004, 1005, 1006, 1007, 1008, 1009, 1010, kUndo,
+                                          kSave, kEdit, kOk, kSend}));
 }
 
 TEST_F(SetMemKeys, WorksWithTheTerminalScreen) {

@@ -1,0 +1,77 @@
+# shellcheck shell=bash
+# The line scripts of tests/line_scripts, played on this system's line and on the Windows one under Wine, and
+# compared. Sourced after wine_ports.sh.
+
+LINE_SCRIPTS=tests/line_scripts/line_scripts.rules
+# How far the two ends of a script may lie apart. Both systems wait in whole milliseconds and wake up a little
+# late; a pause that is taken for its neighbour is at least 40 ms off.
+LINE_TOLERANCE_MS=30
+
+# instrument_at FOLDER PORT: one that answers by the scripts, anew.
+instrument_at() {
+  rm -f "$1/port-$2.rules"
+  wait_until 20 "the instrument at $2 to go" eval '[[ ! -f '"'$1/port-$2.ready'"' ]]'
+  cp "$LINE_SCRIPTS" "$1/port-$2.new"
+  mv "$1/port-$2.new" "$1/port-$2.rules"
+  wait_until 20 "the instrument at $2" test -f "$1/port-$2.ready"
+  [[ ! -s $1/port-$2.ready ]] || fail "no instrument at $2: $(<"$1/port-$2.ready")"
+}
+
+# play_both [NAME...]: what the lines did, in here.txt and wine.txt. At the same time: mostly they wait.
+play_both() {
+  local here=$PLACE/native_lines
+  instrument_at "$here" COM8
+  instrument_at "$LINES" com8
+  build/release/bin/quarn-line-scripts "$LINE_SCRIPTS" COM8 "$here/ports" "$@" >"$PLACE/here.txt" &
+  local player=$!
+  wine build/windows/bin/quarn-line-scripts.exe "$LINE_SCRIPTS" COM8 unused "$@" | tr -d '\r' >"$PLACE/wine.txt"
+  wait "$player"
+}
+
+# What differs without a reason that the scripts give: a name to a line, with both outcomes.
+differing() { outcomes | grep -vF -f <(known_differences | sed 's/$/|/') | awk "${1:-$DIFFERS}" || true; }
+
+outcomes() { paste -d '|' "$PLACE/here.txt" "$PLACE/wine.txt"; }
+
+known_differences() { sed -n 's/^#~ \([^:]*\):.*/\1/p' "$LINE_SCRIPTS"; }
+
+# shellcheck disable=SC2016  # fields of awk, here and below
+DIFFERS='BEGIN { FS = "|" } { apart = $4 - $8; if (apart < 0) apart = -apart }
+  $1 != $5 || $2 != $6 || $3 != $7 || apart > '$LINE_TOLERANCE_MS' { print }'
+
+furthest_apart() {
+  # shellcheck disable=SC2016
+  differing 'BEGIN { FS = "|" } { apart = $4 - $8; if (apart < 0) apart = -apart; if (apart > most) most = apart }
+    END { print most + 0 }'
+}
+
+# A difference that is gone wants to be known, too.
+check_known_differences() {
+  local name
+  while read -r name; do
+    outcomes | grep "^$name|" | awk "$DIFFERS" | grep -q . || fail "$name no longer differs; its mark in $LINE_SCRIPTS can go"
+    grep "^#~ $name:" "$LINE_SCRIPTS"
+  done < <(known_differences)
+}
+
+compare_line_scripts() {
+  local count names
+  headline "The line scripts, here and under Wine"
+  build release quarn-line-scripts
+  mkdir -p "$PLACE/native_lines/ports"
+  start native_lines build/windows/lines/quarn-line-server "$PLACE/native_lines" "$PLACE/native_lines/ports"
+  play_both
+  count=$(grep -c '^#! ' "$LINE_SCRIPTS")
+  [[ $(wc -l <"$PLACE/here.txt") == "$count" && $(wc -l <"$PLACE/wine.txt") == "$count" ]] ||
+    fail "not all $count line scripts were played; see $PLACE/here.txt and $PLACE/wine.txt"
+  echo "$count line scripts, their ends at most $(furthest_apart) ms apart"
+  check_known_differences
+  # A busy computer makes a pause longer than it is. What is different for another reason stays different.
+  for _ in 1 2 3; do
+    mapfile -t names < <(differing | cut -d '|' -f 1)
+    ((${#names[@]} > 0)) || return 0
+    echo "played again: ${names[*]}"
+    play_both "${names[@]}"
+  done
+  [[ -z $(differing) ]] || fail "the lines differ (here, then Wine):"$'\n'"$(differing)"
+}
