@@ -77,6 +77,7 @@ need() {
         ;;
       lint) packages+=(clang-format clang-tidy) ;;
       fuzz) packages+=(clang) ;;
+      coverage) packages+=(gcovr) ;;
       *) packages+=("$group") ;;
     esac
   done
