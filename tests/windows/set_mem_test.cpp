@@ -106,6 +106,8 @@ TEST_F(SetMem, SaveIntoAFileThatCannotBeWrittenTellsNobody) {
     if (there) {
       ASSERT_TRUE(QFile::setPermissions(m_file, QFile::ReadOwner));
     } else {
+      // Not everywhere can a file be removed that cannot be written.
+      ASSERT_TRUE(QFile::setPermissions(m_file, QFile::ReadOwner | QFile::WriteOwner));
       ASSERT_TRUE(QFile::remove(m_file));
     }
     OpenTable();
