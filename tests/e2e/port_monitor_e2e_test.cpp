@@ -26,10 +26,17 @@ class PortWatch : public Commands {
     const int present = static_cast<int>(portLinks.Names().size());
     ASSERT_LT(present, kMost);
     ASSERT_TRUE(portLinks.AddSilent(kMost - present, 50));
-    Choose(kPortMenu, kListItem);
     // The links are made one by one, and each number of them may be announced.
+    ChooseList([this] { return !desktop.Windows(kList).isEmpty(); });
     ASSERT_TRUE(Eventually([this] { return RowsOfList() == kMost; })) << RowsOfList();
     ASSERT_TRUE(WaitForNoWindow(kPassing));
+  }
+  /// Chooses the detailed list until `effect` shows: a box that comes up meanwhile takes the choice away.
+  void ChooseList(const std::function<bool()>& effect) {
+    EXPECT_TRUE(Eventually([&] {
+      Choose(kPortMenu, kListItem);
+      return Eventually(effect, kOneTryMs);
+    }));
   }
   int RowsOfList() {
     int rows = 0;
@@ -38,9 +45,7 @@ class PortWatch : public Commands {
   }
   /// Chooses the detailed list: whether the box that refuses it comes. What comes instead is closed.
   bool ListIsRefused() {
-    Choose(kPortMenu, kListItem);
-    EXPECT_TRUE(
-        Eventually([this] { return !desktop.Windows(kList).isEmpty() || !Texts(kInformation).isEmpty(); }));
+    ChooseList([this] { return !desktop.Windows(kList).isEmpty() || !Texts(kInformation).isEmpty(); });
     if (Texts(kInformation) == kListRefused) return true;
     // The port may be noticed while the list is open, which then closes with a box of its own.
     EXPECT_TRUE(Eventually([this] {
