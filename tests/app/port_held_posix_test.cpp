@@ -9,7 +9,7 @@ namespace {
 
 /// Another process that has the line for itself.
 OtherProcess HolderOf(const PseudoTerminal& terminal) {
-  const std::string node = terminal.Node();
+  const std::string& node = terminal.Node();
   return OtherProcess([node] {
     const int device = ::open(node.c_str(), O_RDWR | O_NOCTTY);
     return device >= 0 && ::flock(device, LOCK_EX | LOCK_NB) == 0;
