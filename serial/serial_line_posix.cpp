@@ -240,6 +240,8 @@ class PosixSerialLine final : public SerialLine {
   bool Fail(int error) {
     const std::lock_guard guard(m_fieldMutex);
     m_failure = FailureOf(m_node, error);
+    // The device was there when it was opened: a driver whose adapter is gone says so, too.
+    if (m_failure.kind == LineError::NotFound) m_failure.kind = LineError::Disconnected;
     return false;
   }
 
