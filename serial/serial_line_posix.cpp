@@ -5,7 +5,6 @@
 #include <poll.h>
 #include <sys/eventfd.h>
 #include <sys/file.h>
-#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -28,6 +27,7 @@
 #include "serial/read_limits.h"
 #include "serial/termios_state_linux.h"
 #include "serial/uart_linux.h"
+#include "serial/uninterrupted_posix.h"
 
 namespace quarn {
 namespace {
@@ -78,7 +78,11 @@ class PosixSerialLine final : public SerialLine {
     }
     if (!Control(TCSETS2, &wanted)) return false;
     LineState reported;
-    if (!GetState(reported)) return false;
+    if (!GetState(reported)) {
+      // What cannot be looked at is not left in force.
+      ControlLine(m_hold.line.Get(), TCSETS2, &earlier);
+      return false;
+    }
     if (WasTaken(state, reported, m_hold.kind == TerminalKind::PseudoTerminal)) return true;
     Control(TCSETS2, &earlier);
     return Refuse(QStringLiteral("the driver does not take %1; it offers %2")
@@ -94,7 +98,7 @@ class PosixSerialLine final : public SerialLine {
 
   bool Purge() override {
     const std::lock_guard guard(m_lineMutex);
-    return ioctl(m_hold.line.Get(), TCFLSH, TCIOFLUSH) == 0 || Fail(errno);
+    return FlushLine(m_hold.line.Get(), TCIOFLUSH) == 0 || Fail(errno);
   }
 
   /// Linux holds no error that would block a line; a state that cannot be read is one that is gone.
@@ -155,7 +159,8 @@ class PosixSerialLine final : public SerialLine {
     // The wake-up that Close sends is for good.
     if (m_closing) return;
     std::uint64_t count = 0;
-    [[maybe_unused]] const ssize_t taken = ::read(m_hold.wake.Get(), &count, sizeof count);
+    [[maybe_unused]] const ssize_t taken =
+        Uninterrupted([&] { return ::read(m_hold.wake.Get(), &count, sizeof count); });
     m_cancelled = false;
   }
 
@@ -186,14 +191,15 @@ class PosixSerialLine final : public SerialLine {
   void Wake() {
     const std::uint64_t one = 1;
     // Can only fail when the counter is full, and then the reader is awake already.
-    [[maybe_unused]] const ssize_t written = ::write(m_hold.wake.Get(), &one, sizeof one);
+    [[maybe_unused]] const ssize_t written =
+        Uninterrupted([&] { return ::write(m_hold.wake.Get(), &one, sizeof one); });
   }
 
   /// A line whose device is gone takes none of these; there is nothing left to put back then.
   void GiveBack() {
     const int line = m_hold.line.Get();
     if (m_hold.kind == TerminalKind::PseudoTerminal) {
-      ioctl(line, TCSETS2, &m_hold.former);
+      ControlLine(line, TCSETS2, &m_hold.former);
       return;
     }
     const auto now = LineClock::now();
@@ -202,7 +208,7 @@ class PosixSerialLine final : public SerialLine {
     const bool drained = DrainOutput(line, std::min(deadline, longest));
     // The last bytes may still be in the UART's own buffer, and go out at the rate they were meant for. Not
     // so behind a flush: what holds the line up would hold this up, too.
-    ioctl(line, drained ? TCSETSW2 : TCSETS2, &m_hold.former);
+    ControlLine(line, drained ? TCSETSW2 : TCSETS2, &m_hold.former);
     m_hold.latency.PutBack(line);
     m_hold.mark.Clear();
   }
@@ -216,31 +222,26 @@ class PosixSerialLine final : public SerialLine {
     if (m_closing || m_cancelled) return Stopped();
     std::array<pollfd, 2> polled = {pollfd{m_hold.line.Get(), events, 0},
                                     pollfd{m_hold.wake.Get(), POLLIN, 0}};
-    timespec left{};
-    if (deadline) {
-      const auto wait = std::max(*deadline - LineClock::now(), LineClock::duration::zero());
-      const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(wait);
-      left.tv_sec = seconds.count();
-      left.tv_nsec = std::chrono::nanoseconds(wait - seconds).count();
-    }
-    const int count = ppoll(polled.data(), polled.size(), deadline ? &left : nullptr, nullptr);
+    const int count = PollLine(polled, deadline);
     if (count == 0) return Readiness::TimedOut;
-    if (count < 0 && errno != EINTR) {
+    if (count < 0) {
       Fail(errno);
       return Readiness::Failed;
     }
-    if (count > 0 && polled[1].revents != 0) return Stopped();
+    if (polled[1].revents != 0) return Stopped();
     return Readiness::Ready;  // hang-ups and errors included: the read or write reports them
   }
 
   bool Control(unsigned long request, void* argument) {
     const std::lock_guard guard(m_lineMutex);
-    return ioctl(m_hold.line.Get(), request, argument) == 0 || Fail(errno);
+    return ControlLine(m_hold.line.Get(), request, argument) == 0 || Fail(errno);
   }
 
   bool Fail(int error) {
     const std::lock_guard guard(m_fieldMutex);
     m_failure = FailureOf(m_node, error);
+    // The device was there when it was opened: a driver whose adapter is gone says so, too.
+    if (m_failure.kind == LineError::NotFound) m_failure.kind = LineError::Disconnected;
     return false;
   }
 
@@ -265,7 +266,9 @@ class PosixSerialLine final : public SerialLine {
 
 OpenResult Failed(LineFailure failure) { return {nullptr, std::move(failure)}; }
 
-OpenResult InUse(const QString& node) {
+/// Somebody else has the line, or the system could not say.
+OpenResult NotTaken(const QString& node, int error) {
+  if (KindOf(error) != LineError::InUse) return Failed(FailureOf(node, error));
   return Failed({LineError::InUse, QStringLiteral("%1: in use by another program").arg(node)});
 }
 
@@ -277,14 +280,17 @@ OpenResult TakeLine(const QString& node, FileDescriptor line, TerminalKind kind)
   hold.line = std::move(line);
   hold.kind = kind;
   const int descriptor = hold.line.Get();
-  if (ioctl(descriptor, TCGETS2, &hold.former) != 0) return Failed(FailureOf(node, errno));
-  if (flock(descriptor, LOCK_EX | LOCK_NB) != 0) return InUse(node);
-  if (kind == TerminalKind::Uart && !hold.mark.Set(descriptor)) return InUse(node);
+  if (ControlLine(descriptor, TCGETS2, &hold.former) != 0) return Failed(FailureOf(node, errno));
+  if (Uninterrupted([descriptor] { return flock(descriptor, LOCK_EX | LOCK_NB); }) != 0) {
+    return NotTaken(node, errno);
+  }
+  const int notMarked = kind == TerminalKind::Uart ? hold.mark.Set(descriptor) : 0;
+  if (notMarked != 0) return NotTaken(node, notMarked);
   hold.wake = FileDescriptor(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
   if (!hold.wake.IsValid()) return Failed(FailureOf(node, errno));
   termios2 raw = hold.former;
   MakeRaw(raw);
-  if (ioctl(descriptor, TCSETS2, &raw) != 0) return Failed(FailureOf(node, errno));
+  if (ControlLine(descriptor, TCSETS2, &raw) != 0) return Failed(FailureOf(node, errno));
   if (kind == TerminalKind::Uart) hold.latency.Set(descriptor);
   return {std::make_shared<PosixSerialLine>(node, std::move(hold)), {}};
 }
@@ -295,13 +301,14 @@ OpenResult OpenNode(const QString& node, std::optional<TerminalKind> knownKind) 
   if (::stat(path.constData(), &info) != 0) return Failed(FailureOf(node, errno));
   // Opening a pipe or a disk would do things that a terminal program has no business with.
   if (!S_ISCHR(info.st_mode)) return Failed(FailureOf(node, ENOTTY));
-  FileDescriptor line(::open(path.constData(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC));
+  constexpr int kFlags = O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC;
+  FileDescriptor line(Uninterrupted([&] { return ::open(path.constData(), kFlags); }));
   if (!line.IsValid()) {
     const int error = errno;
     if (KindOf(error) == LineError::NoPermission) {
       return Failed(NoPermissionFailure(node, {path.toStdString(), info}, error));
     }
-    return error == EBUSY ? InUse(node) : Failed(FailureOf(node, error));
+    return NotTaken(node, error);
   }
   const TerminalKind seen =
       IsPseudoTerminal(info.st_rdev) ? TerminalKind::PseudoTerminal : TerminalKind::Uart;

@@ -19,9 +19,9 @@ class ExclusiveMark {
   ExclusiveMark& operator=(const ExclusiveMark&) = delete;
   ~ExclusiveMark() { Clear(); }
 
-  /// False when somebody else has set it, or when the driver does not know it. `line` must stay open until
-  /// Clear. The mark does not stop a privileged user's open, so it is asked for first.
-  bool Set(int line);
+  /// 0, or the error: EBUSY when somebody else has set it, another when the driver does not take it. `line`
+  /// must stay open until Clear. The mark does not stop a privileged user's open, so it is asked for first.
+  int Set(int line);
   void Clear();
 
  private:

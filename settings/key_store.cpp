@@ -39,20 +39,54 @@ std::optional<QString> ReadText(const QString& path) {
   return text;
 }
 
-/// Whether a file stands at the path or may be made there. A replacement would put a file in the place of
-/// whatever is there: of a pipe, a device, a link that leads in a circle.
-bool MayBecomeFile(const QString& path) {
-  std::error_code error;
-  const auto type = std::filesystem::status(path.toStdU16String(), error).type();
-  return type == std::filesystem::file_type::regular || type == std::filesystem::file_type::not_found;
-}
-
 /// A file that this user may not write, or that nobody may: taking the write permission from everybody is
 /// how a person protects a file, and a replacement, or an administrator, would get past it.
-bool IsReadOnly(const QString& path) {
-  const QFileInfo info(path);
+bool IsReadOnly(const QFileInfo& info) {
   constexpr QFile::Permissions anybody = QFile::WriteOwner | QFile::WriteGroup | QFile::WriteOther;
-  return info.exists() && (!info.isWritable() || !(info.permissions() & anybody));
+  return !info.isWritable() || !(info.permissions() & anybody);
+}
+
+/// The path at the end of a chain of links; nothing where the system does not say. What is taken for no link
+/// by mistake would be replaced by a file.
+std::optional<QString> EndOfLinks(const QString& path) {
+  constexpr int kMostLinks = 40;
+  std::filesystem::path end(path.toStdU16String());
+  for (int links = 0; links < kMostLinks; ++links) {
+    std::error_code error;
+    const auto type = std::filesystem::symlink_status(end, error).type();
+    if (type == std::filesystem::file_type::none) return std::nullopt;
+    if (type != std::filesystem::file_type::symlink) {
+      return links == 0 ? path : QString::fromStdU16String(end.u16string());
+    }
+    const std::filesystem::path target = std::filesystem::read_symlink(end, error);
+    if (error) return std::nullopt;
+    end = end.parent_path() / target;
+  }
+  return std::nullopt;
+}
+
+/// Replaces what stands at the path, which is no link. Says why when it does not.
+bool ReplaceFile(const QString& path, const QByteArray& bytes, QString& reason) {
+  std::error_code error;
+  const auto type = std::filesystem::status(path.toStdU16String(), error).type();
+  const bool replaces = type == std::filesystem::file_type::regular;
+  // A replacement would put a file in the place of whatever is there: of a folder, a pipe, a device.
+  const QFileInfo info(path);
+  if ((!replaces && type != std::filesystem::file_type::not_found) || (replaces && IsReadOnly(info))) {
+    reason = QStringLiteral("it is read-only, or no file");
+    return false;
+  }
+  QSaveFile file(path);
+  // Without this the bytes would go into the target itself where its folder refuses a new file, and a
+  // crash would leave half of them.
+  file.setDirectWriteFallback(false);
+  // A buffered write would fail no sooner than inside commit(), which then renames half a file all the same.
+  const bool open = file.open(QIODevice::WriteOnly | QIODevice::Unbuffered);
+  // Opening does this too, but not where it fails to look at the old file: the new one would be nobody's.
+  const bool permitted = open && (!replaces || file.setPermissions(info.permissions()));
+  const bool written = permitted && file.write(bytes) == bytes.size() && file.commit();
+  if (!written) reason = file.errorString();
+  return written;
 }
 
 }  // namespace
@@ -85,20 +119,10 @@ std::optional<QByteArray> ReadWholeBytes(const QString& path) {
 }
 
 bool WriteWholeBytes(const QString& path, const QByteArray& bytes) {
-  if (!MayBecomeFile(path) || IsReadOnly(path)) {
-    qCDebug(lcSettings) << "cannot write" << path << "it is read-only, or no file";
-    return false;
-  }
-  QSaveFile file(path);
-  // Without this the bytes would go into the target itself where its folder refuses a new file, and a
-  // crash would leave half of them.
-  file.setDirectWriteFallback(false);
-  // A buffered write would fail no sooner than inside commit(), which then renames half a file all the same.
-  if (file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) && file.write(bytes) == bytes.size() &&
-      file.commit()) {
-    return true;
-  }
-  qCDebug(lcSettings) << "cannot write" << path << file.errorString();
+  const std::optional<QString> end = EndOfLinks(path);
+  QString reason = QStringLiteral("it leads nowhere");
+  if (end && ReplaceFile(*end, bytes, reason)) return true;
+  qCDebug(lcSettings) << "cannot write" << path << reason;
   return false;
 }
 

@@ -83,13 +83,14 @@ void PrepareWorkingFile(const QString& dataFolder) {
 
 void LoadInitialSettings(const QString& path, SettingsRecord& record, MessageOperations& messages) {
   Mend(path, messages);
-  LoadResult loaded = LoadSettings(path, record);
-  if (loaded != LoadResult::Loaded || !ValidatePortName(record.comPort)) {
+  const auto isLoaded = [&] {
+    return LoadSettings(path, record) == LoadResult::Loaded && ValidatePortName(record.comPort);
+  };
+  if (!isLoaded()) {
     StartOver(path, messages, QStringLiteral("Defined port name is invalid."));
-    loaded = LoadSettings(path, record);
+    // Where not even the defaults could be written, the program still runs with them.
+    if (!isLoaded()) record = DefaultSettings();
   }
-  // Where not even the defaults could be written, the program still runs with them.
-  if (loaded != LoadResult::Loaded) record = DefaultSettings();
   record.loadedMarker = QStringLiteral("TRUE");
 }
 

@@ -87,7 +87,8 @@ int FakeUart::Serial(unsigned long request, void* argument) {
   return 0;
 }
 
-int FakeUart::Control(unsigned long request, void* argument, bool& passOn) {
+int FakeUart::Control(int descriptor, unsigned long request, void* argument, bool& passOn) {
+  if (const int error = failing(descriptor)) return Failure(error);
   const std::lock_guard guard(m_mutex);
   switch (request) {
     case TCGETS2:
@@ -130,7 +131,7 @@ int __wrap_ioctl(int descriptor, unsigned long request, ...) {
   va_end(rest);
   quarn::FakeUart* uart = quarn::g_uart;
   bool passOn = uart == nullptr || descriptor < 0;
-  const int result = passOn ? 0 : uart->Control(request, argument, passOn);
+  const int result = passOn ? 0 : uart->Control(descriptor, request, argument, passOn);
   return passOn ? __real_ioctl(descriptor, request, argument) : result;
 }
 

@@ -25,6 +25,8 @@ class FakeUart {
   bool lowLatency = false;
   bool knowsLatency = true;
   bool takesLatency = true;
+  /// The error with which a call on this descriptor ends before the driver sees it; 0 for none.
+  std::function<int(int)> failing = [](int) { return 0; };
   int failingSetState = 0;  ///< the error of every setting of the state; 0 for none
   bool noEventDescriptors = false;
 
@@ -34,7 +36,7 @@ class FakeUart {
   [[nodiscard]] bool WasCalled(const std::string& call) const;
 
   /// Answers a control call; -1 with errno set for a failure, `passOn` for one that it has no part in.
-  int Control(unsigned long request, void* argument, bool& passOn);
+  int Control(int descriptor, unsigned long request, void* argument, bool& passOn);
 
  private:
   int Serial(unsigned long request, void* argument);

@@ -1,0 +1,36 @@
+#include "serial/uninterrupted_posix.h"
+
+#include <asm/ioctls.h>
+#include <sys/ioctl.h>
+
+#include <algorithm>
+#include <chrono>
+
+namespace quarn {
+
+int ControlLine(int line, unsigned long request, void* argument) {
+  return Uninterrupted([&] { return ioctl(line, request, argument); });
+}
+
+int FlushLine(int line, int queues) {
+  return Uninterrupted([&] { return ioctl(line, TCFLSH, queues); });
+}
+
+int PollLine(std::array<pollfd, 2>& polled, std::optional<LineClock::time_point> deadline) {
+  for (;;) {
+    const auto now = LineClock::now();
+    timespec left{};
+    if (deadline) {
+      const auto wait = std::max(*deadline - now, LineClock::duration::zero());
+      const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(wait);
+      left.tv_sec = seconds.count();
+      left.tv_nsec = std::chrono::nanoseconds(wait - seconds).count();
+    }
+    const int count = ppoll(polled.data(), polled.size(), deadline ? &left : nullptr, nullptr);
+    if (count >= 0 || errno != EINTR) return count;
+    // However often a signal comes: the time counts.
+    if (deadline && now >= *deadline) return 0;
+  }
+}
+
+}  // namespace quarn
