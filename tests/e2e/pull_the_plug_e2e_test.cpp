@@ -54,7 +54,17 @@ class PullThePlug : public PortDialogs {
     return given ? number : otherwise;
   }
 
+  /// The address sanitizer keeps what has been freed. So little that memory is full of it before it is first
+  /// measured.
+  void KeepLittleOfWhatIsFreed() {
+    QProcessEnvironment environment = program.processEnvironment();
+    const QString options = environment.value(QStringLiteral("ASAN_OPTIONS"));
+    environment.insert(QStringLiteral("ASAN_OPTIONS"), options + QStringLiteral(":quarantine_size_mb=16"));
+    program.setProcessEnvironment(environment);
+  }
+
   void StartWatched() {
+    KeepLittleOfWhatIsFreed();
     StartConnected(PlugRules(), {{QStringLiteral("AUTO_CLR"), QStringLiteral("ON")},
                                  {QStringLiteral("R_TIMEOUT"), QStringLiteral("OFF")},
                                  {QStringLiteral("MEM0"), QString(kLongCommand, QLatin1Char('w'))}});
