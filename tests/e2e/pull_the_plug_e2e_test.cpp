@@ -29,8 +29,6 @@ constexpr int kLatestMomentMs = 500;
 /// Everything has been used once.
 constexpr int kPlugWarmUp = static_cast<int>(kDoings.size());
 constexpr long kPlugGrowthAllowedKib = 6144;
-/// Two that pass, the loss, the question and the success.
-constexpr int kBoxesPerCycle = 5;
 /// At ten milliseconds a byte it may take ten seconds to be sent.
 constexpr int kLongCommand = 1000;
 
@@ -72,7 +70,7 @@ class PullThePlug : public PortDialogs {
     ASSERT_TRUE(WaitForNoWindow(QStringLiteral("^Quarn : ")));
     m_windows = std::make_unique<PropertyWatch>(desktop, QStringList{QStringLiteral("-root")},
                                                 QStringLiteral("_NET_CLIENT_LIST"));
-    m_windowsAtStart = WindowsSeen();
+    m_expectedWindows = WindowsSeen();
     m_threads = Count("task");
     const std::optional<Control> window = FindWindow(kMain);
     ASSERT_TRUE(window);
@@ -168,38 +166,47 @@ class PullThePlug : public PortDialogs {
     return doing == Doing::PortSettings ? kSettings : QString();
   }
 
+  void ExpectOneMoreWindow() {
+    ++m_expectedWindows;
+    EXPECT_TRUE(Eventually([this] { return WindowsSeen() >= m_expectedWindows; }));
+  }
+
+  void Sees(const QString& titlePattern, const QStringList& texts) {
+    EXPECT_TRUE(BoxSays(titlePattern, texts));
+    ExpectOneMoreWindow();
+  }
+
   void PullAndPlugIn(Doing doing, milliseconds moment) {
     const int answers = instrument->Answers();
     const std::string received = instrument->Received();
     Begin(doing);
+    if (!DialogOf(doing).isEmpty()) ExpectOneMoreWindow();
     // A moment at random is what this is about.
     std::this_thread::sleep_for(moment);
     ExpectStill(doing, received, answers);
     const auto pulled = AnswerProbe::Clock::now();
     UnplugPort();
-    EXPECT_TRUE(Passes(kUpdated));
+    Sees(kPassing, {kUpdated});
     m_firstWord = AnswerProbe::Clock::now() - pulled;
+    Sees(kError, kNotAvailable);
     Acknowledge(kError, kNotAvailable);
     EXPECT_TRUE(MainTitleBecomes(QStringLiteral("Quarn   (COM3-NC)")));
     ExpectDialogSays(doing, QStringLiteral("COM3-NC"));
     m_stopped.reset();
     PlugIn(PlugRules());
-    EXPECT_TRUE(Passes(kUpdated));
-    Answer({QStringLiteral("Do you want to connect to \"COM3\" ?")}, kYes);
-    Acknowledge(kInformation, {QStringLiteral("Successfully connected to  \"COM3\"")});
+    Sees(kPassing, {kUpdated});
+    Sees(kConfirmation, kQuestion);
+    Answer(kQuestion, kYes);
+    Sees(kInformation, kConnectedAgain);
+    Acknowledge(kInformation, kConnectedAgain);
     EXPECT_TRUE(MainTitleBecomes(kTitle));
     ExpectDialogSays(doing, kPort);
-    if (const QString dialog = DialogOf(doing); !dialog.isEmpty()) {
-      PressOk(dialog);
-      ++m_dialogs;
-    }
+    if (const QString dialog = DialogOf(doing); !dialog.isEmpty()) PressOk(dialog);
     EnterCommand(QStringLiteral("id"));
     EXPECT_TRUE(WireBecomes("id\r"));
     EXPECT_TRUE(Eventually([this] { return Count("task") == m_threads; })) << "a thread is left";
+    EXPECT_EQ(WindowsSeen(), m_expectedWindows) << "another box has come up";
     ++m_cycles;
-    const int expected = m_windowsAtStart + m_cycles * kBoxesPerCycle + m_dialogs;
-    EXPECT_TRUE(Eventually([&] { return WindowsSeen() >= expected; }));
-    EXPECT_EQ(WindowsSeen(), expected) << "another box has come up, or one has not";
   }
 
   void PullOften(int cycles) {
@@ -239,6 +246,8 @@ class PullThePlug : public PortDialogs {
   }
 
   const QString kUpdated = QStringLiteral("COM port list has been updated.");
+  const QStringList kQuestion{QStringLiteral("Do you want to connect to \"COM3\" ?")};
+  const QStringList kConnectedAgain{QStringLiteral("Successfully connected to  \"COM3\"")};
   std::unique_ptr<PropertyWatch> m_windows;
   std::unique_ptr<OpenedLine> m_stopped;
   std::unique_ptr<AnswerProbe> m_probe;
@@ -246,10 +255,9 @@ class PullThePlug : public PortDialogs {
   AnswerProbe::Clock::duration m_firstWord{};
   int m_descriptors = 0;
   long m_memory = 0;
-  int m_windowsAtStart = 0;
+  int m_expectedWindows = 0;
   int m_threads = 0;
   int m_cycles = 0;
-  int m_dialogs = 0;
 };
 
 TEST_F(PullThePlug, AtRandomMoments) {
