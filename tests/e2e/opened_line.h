@@ -22,6 +22,8 @@ class OpenedLine {
 
   [[nodiscard]] bool Lock() const { return flock(m_descriptor, LOCK_EX | LOCK_NB) == 0; }
   [[nodiscard]] bool Unlock() const { return flock(m_descriptor, LOCK_UN) == 0; }
+  /// Nothing is sent from here on, whoever writes.
+  [[nodiscard]] bool Stop() const { return ioctl(m_descriptor, TCXONC, TCOOFF) == 0; }
   [[nodiscard]] unsigned int Speed() const { return Settings().c_ospeed; }
   [[nodiscard]] bool HasTwoStopBits() const { return (Settings().c_cflag & CSTOPB) != 0; }
 
