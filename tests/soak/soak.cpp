@@ -76,7 +76,7 @@ std::string FirstBurst(const std::string& answer) { return answer.substr(0, answ
 /// The far end: serves one command after the other, and lays a new line after it has hung up.
 class SoakInstrument {
  public:
-  SoakInstrument(std::string folder, std::uint32_t seed) : m_link(folder + "/" + kPort), m_seed(seed) {
+  SoakInstrument(const std::string& folder, std::uint32_t seed) : m_link(folder + "/" + kPort), m_seed(seed) {
     Lay();
     m_thread = std::thread([this] { Run(); });
   }
