@@ -203,6 +203,12 @@ void CTerminalScreen::ShowCommandLine() {
 
 void CTerminalScreen::ShowWaitingText(const QString& text) { m_commandDisplay->SetText(text); }
 
+void CTerminalScreen::changeEvent(QEvent* event) {
+  PolledDialog::changeEvent(event);
+  // The desktop's colours have changed; some of them are in the palettes of the lines.
+  if (event->type() == QEvent::PaletteChange) ApplyColours();
+}
+
 void CTerminalScreen::paintEvent(QPaintEvent* event) {
   QPainter(this).fillRect(event->rect(), BackgroundOf(m_scheme));
 }
