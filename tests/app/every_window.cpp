@@ -19,6 +19,7 @@ namespace {
 using Look = WindowCase::Look;
 
 constexpr int kLongMs = 600000;
+const QString kPlain = QStringLiteral("\"Quarn\" is already open !");
 const QString kOneLine = QStringLiteral("Check \"Detailed COM Port List\".");
 
 void ShowMenu(EveryWindow& stage, int number, const Look& look) {
@@ -122,7 +123,7 @@ const std::vector<WindowCase>& WindowCases() {
       {"TextThatScrolls", [](E&, const L& look) { ShowBox<CConfirmOK>({}, QString(8000, u'w'), {}, look); }},
       {"Transient", [](E&, const L& look) { ShowTransient(look); }},
       {"PlainMessage",
-       [](E&, const L& look) { E::Modal([] { WindowMessages().ShowPlainMessage(kOneLine); }, look); }},
+       [](E&, const L& look) { E::Modal([] { WindowMessages().ShowPlainMessage(kPlain); }, look); }},
   };
   return cases;
 }
