@@ -1,6 +1,5 @@
 #include "settings/life_cycle.h"
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
@@ -73,7 +72,7 @@ void UpgradeFile(const QString& path, const KeySetComparison& comparison) {
 }
 
 void PrepareWorkingFile(const QString& dataFolder) {
-  QDir().mkdir(dataFolder);
+  MakeDataFolder(dataFolder);
   const QString path = WorkingSettingsFile(dataFolder);
   if (ClassifyPath(path) != PathKind::File) return;
   const bool abandoned = QFileInfo(path).size() > kLargestFile ||
