@@ -45,10 +45,11 @@ void Mend(const QString& path, MessageOperations& messages) {
 
 KeySetComparison CompareWithDefaults(const QString& path) {
   if (ClassifyPath(path) != PathKind::File) return {};
+  if (QFileInfo(path).size() > kLargestFile) return {KeySetResult::Invalid, {}, {}};
   QStringList entries;
-  if (QFileInfo(path).size() > kLargestFile || ListEntries(path, entries) == kListFormatError) {
-    return {KeySetResult::Invalid, {}, {}};
-  }
+  const int count = ListEntries(path, entries);
+  if (count == kListNoFile) return {};  // it has gone meanwhile
+  if (count == kListFormatError) return {KeySetResult::Invalid, {}, {}};
   KeySetComparison comparison{KeySetResult::Equal, {}, {}};
   QStringList fileKeys;
   for (const QString& entry : entries) {
