@@ -25,7 +25,7 @@ void CheckShortName(const QString& friendlyName) {
   Require(name.isEmpty() ||
           (name.startsWith(QLatin1String("COM")) && (name.size() == 4 || name.size() == 5)));
   Require(name.isEmpty() || friendlyName.contains(QLatin1Char('(') + name + QLatin1Char(')')));
-  Require(quarn::DevicePathOf(friendlyName).has_value());
+  Require(quarn::DevicePathOf(friendlyName).endsWith(friendlyName));
 }
 
 void CheckSorting(const QString& text) {

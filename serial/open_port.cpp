@@ -37,13 +37,8 @@ bool Configure(const SettingsRecord& settings, PortConnection& connection,
 
 bool OpenPort(const SettingsRecord& settings, PortConnection& connection,
               const PortEnvironment& environment) {
-  const auto path = DevicePathOf(settings.comPort);
-  if (!path) {
-    connection.lastFailure = {LineError::NotFound, QStringLiteral("%1 is above COM99").arg(settings.comPort)};
-    return false;
-  }
   ClosePort(connection);
-  OpenResult opened = environment.opener.Open(*path);
+  OpenResult opened = environment.opener.Open(DevicePathOf(settings.comPort));
   connection.lastFailure = opened.failure;
   if (!opened.line) {
     connection.handle = PortHandle::Invalid();

@@ -11,7 +11,6 @@ namespace quarn {
 namespace {
 
 constexpr int kScannedPositions = 250;
-constexpr int kHighestPortNumber = 99;
 /// "07-" in front of "COM7".
 constexpr int kSortKeyPrefix = 3;
 
@@ -72,11 +71,8 @@ bool IsPortAvailable(const QString& name, std::int32_t count, const PortNames& n
   return std::find(names.begin(), end, name) != end;
 }
 
-std::optional<QString> DevicePathOf(const QString& portName) {
+QString DevicePathOf(const QString& portName) {
   const int number = ToInteger(PortNumberOf(portName));
-  if (number > kHighestPortNumber) {
-    return std::nullopt;
-  }
   return number > 9 ? QStringLiteral("\\\\.\\") + portName : portName;
 }
 

@@ -2,7 +2,6 @@
 
 #include <QString>
 #include <cstdint>
-#include <optional>
 
 #include "serial/port_connection.h"
 
@@ -28,7 +27,7 @@ QString PortNumberOf(const QString& portName);
 bool IsPortAvailable(const QString& name, std::int32_t count, const PortNames& names);
 
 /// The path under which a port is opened: the name itself up to number 9 and for a name without a number,
-/// from number 10 on the name behind the prefix \\.\. Nothing for a number above 99.
-std::optional<QString> DevicePathOf(const QString& portName);
+/// from number 10 on the name behind the prefix \\.\. A number has two digits at most.
+QString DevicePathOf(const QString& portName);
 
 }  // namespace quarn

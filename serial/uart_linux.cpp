@@ -20,11 +20,6 @@ constexpr std::chrono::milliseconds kDrainPoll{2};
 
 ExclusiveMark::ExclusiveMark(ExclusiveMark&& other) noexcept : m_line(std::exchange(other.m_line, -1)) {}
 
-ExclusiveMark& ExclusiveMark::operator=(ExclusiveMark&& other) noexcept {
-  std::swap(m_line, other.m_line);
-  return *this;
-}
-
 int ExclusiveMark::Set(int line) {
   int marked = 0;
   if (ControlLine(line, TIOCGEXCL, &marked) == 0 && marked != 0) return EBUSY;

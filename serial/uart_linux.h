@@ -14,7 +14,6 @@ class ExclusiveMark {
  public:
   ExclusiveMark() = default;
   ExclusiveMark(ExclusiveMark&& other) noexcept;
-  ExclusiveMark& operator=(ExclusiveMark&& other) noexcept;
   ExclusiveMark(const ExclusiveMark&) = delete;
   ExclusiveMark& operator=(const ExclusiveMark&) = delete;
   ~ExclusiveMark() { Clear(); }

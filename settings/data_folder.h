@@ -9,6 +9,10 @@ namespace quarn {
 /// missing; the program's own is left to start-up.
 QString DataFolder();
 
+/// Makes the data folder, its last level alone and for this user alone. One that is there stays as it is; a
+/// failure shows when the first file is to be written there.
+void MakeDataFolder(const QString& dataFolder);
+
 /// The working settings file in a data folder.
 inline QString WorkingSettingsFile(const QString& dataFolder) {
   return dataFolder + QStringLiteral("Quarn.ini");

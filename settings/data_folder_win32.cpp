@@ -1,6 +1,7 @@
 #include <shlobj.h>
 #include <windows.h>
 
+#include <QDir>
 #include <array>
 
 #include "identity.h"
@@ -16,6 +17,10 @@ QString DataFolder() {
   // A failure shows when the first file is to be written there.
   CreateDirectoryW(reinterpret_cast<const wchar_t*>(makers.utf16()), nullptr);
   return makers + QLatin1Char('\\') + QString::fromLatin1(identity::kName) + QLatin1Char('\\');
+}
+
+void MakeDataFolder(const QString& dataFolder) {
+  CreateDirectoryW(reinterpret_cast<const wchar_t*>(QDir::toNativeSeparators(dataFolder).utf16()), nullptr);
 }
 
 }  // namespace quarn

@@ -1,6 +1,5 @@
 #include "settings/life_cycle.h"
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
@@ -46,10 +45,11 @@ void Mend(const QString& path, MessageOperations& messages) {
 
 KeySetComparison CompareWithDefaults(const QString& path) {
   if (ClassifyPath(path) != PathKind::File) return {};
+  if (QFileInfo(path).size() > kLargestFile) return {KeySetResult::Invalid, {}, {}};
   QStringList entries;
-  if (QFileInfo(path).size() > kLargestFile || ListEntries(path, entries) == kListFormatError) {
-    return {KeySetResult::Invalid, {}, {}};
-  }
+  const int count = ListEntries(path, entries);
+  if (count == kListNoFile) return {};  // it has gone meanwhile
+  if (count == kListFormatError) return {KeySetResult::Invalid, {}, {}};
   KeySetComparison comparison{KeySetResult::Equal, {}, {}};
   QStringList fileKeys;
   for (const QString& entry : entries) {
@@ -73,7 +73,7 @@ void UpgradeFile(const QString& path, const KeySetComparison& comparison) {
 }
 
 void PrepareWorkingFile(const QString& dataFolder) {
-  QDir().mkdir(dataFolder);
+  MakeDataFolder(dataFolder);
   const QString path = WorkingSettingsFile(dataFolder);
   if (ClassifyPath(path) != PathKind::File) return;
   const bool abandoned = QFileInfo(path).size() > kLargestFile ||

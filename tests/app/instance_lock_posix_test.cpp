@@ -1,10 +1,13 @@
 #include "app/instance_lock.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 #include <csignal>
 
@@ -74,6 +77,39 @@ TEST_F(InstanceLockTest, LiesInAFileOfTheUserAlone) {
   EXPECT_EQ(
       file.permissions() & (QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther),
       QFile::Permissions());
+}
+
+TEST_F(InstanceLockTest, MakesAMissingRuntimeFolderForTheUserAlone) {
+  const QString folder = m_folder.filePath(QStringLiteral("runtime"));
+  UseFolder(folder);
+  const mode_t before = ::umask(0);
+  EXPECT_EQ(TakeInstanceLock(), InstanceLock::Taken);
+  ::umask(before);
+  struct stat info {};
+  ASSERT_EQ(::stat(QFile::encodeName(folder).constData(), &info), 0);
+  EXPECT_EQ(info.st_mode & 07777U, 0700U);
+}
+
+TEST_F(InstanceLockTest, DoesNotUseTheRuntimeFolderOfAnotherUser) {
+  constexpr uid_t kNobody = 65534;
+  QString foreign = QStringLiteral("/");
+  if (::geteuid() == 0) {
+    foreign = m_folder.path();
+    ASSERT_EQ(::chown(QFile::encodeName(foreign).constData(), kNobody, kNobody), 0);
+  }
+  UseFolder(foreign);
+  const QTemporaryDir own;
+  const QByteArray before = qgetenv("TMPDIR");
+  qputenv("TMPDIR", QFile::encodeName(own.path()));
+  EXPECT_EQ(TakeInstanceLock(), InstanceLock::Taken);
+  before.isNull() ? qunsetenv("TMPDIR") : qputenv("TMPDIR", before);
+  EXPECT_FALSE(QFile::exists(foreign + QStringLiteral("/Quarn.exe.lock")));
+  const QFileInfoList made = QDir(own.path()).entryInfoList(QDir::AllEntries | QDir::NoDotAndDotDot);
+  ASSERT_EQ(made.size(), 1);
+  EXPECT_TRUE(QFile::exists(made.first().filePath() + QStringLiteral("/Quarn.exe.lock")));
+  struct stat info {};
+  ASSERT_EQ(::stat(QFile::encodeName(made.first().filePath()).constData(), &info), 0);
+  EXPECT_EQ(info.st_mode & 07777U, 0700U);
 }
 
 TEST_F(InstanceLockTest, FailsWhereNoFileCanBe) {

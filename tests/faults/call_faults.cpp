@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <filesystem>
 
 namespace quarn::test {
@@ -27,7 +28,8 @@ CallFaults::~CallFaults() { g_faults = nullptr; }
 
 CallFaults* CallFaults::Current() {
   CallFaults* faults = g_faults;
-  return faults != nullptr && faults->m_thread == std::this_thread::get_id() ? faults : nullptr;
+  const bool looks = faults != nullptr && faults->m_thread == std::this_thread::get_id();
+  return looks && !faults->m_eventUnderWay ? faults : nullptr;
 }
 
 bool CallFaults::Concerns(const char* path) const {
@@ -38,7 +40,23 @@ int CallFaults::Error(const char* name) {
   ++m_seen[name];
   if (++m_calls != m_plan.failing) return 0;
   m_failed = name;
-  return m_plan.error;
+  if (!m_plan.event) return m_plan.error;
+  m_eventUnderWay = true;
+  m_plan.event();
+  m_eventUnderWay = false;
+  return 0;
+}
+
+int CallFaults::Writes() const {
+  int count = 0;
+  for (const auto& [name, calls] : m_seen) {
+    if (name == "write" || name == "fsync" || name == "fdatasync") count += calls;
+  }
+  return count;
+}
+
+void CallFaults::TakeTime() const {
+  if (m_plan.pauseMs > 0) std::this_thread::sleep_for(std::chrono::milliseconds(m_plan.pauseMs));
 }
 
 int CallFaults::ErrorOrInterruption(const char* name) {

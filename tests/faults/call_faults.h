@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <map>
 #include <set>
 #include <string>
@@ -14,13 +15,15 @@ struct FaultPlan {
   int interruptions = 0;    ///< how often each call that can wait is interrupted before it does its work
   bool byteByByte = false;  ///< a read or write moves a single byte
   bool byHalves = false;    ///< a write moves half of what it is given
+  int pauseMs = 0;          ///< how long each write and each flush takes
+  /// What happens right before the call `failing`, which then is made as if nothing were the matter.
+  std::function<void()> event;
 };
 
 /// While one lives, system calls of the thread that made it fail as planned: those on paths that begin with
 /// `place` and on descriptors that were opened there, before or since, and those with an event
-/// descriptor. One at
-/// a time. Calls count in the program's own code and in the libraries that it uses. A flush is only
-/// counted: no test needs the disk to settle.
+/// descriptor. One at a time. Calls count in the program's own code and in the libraries that it uses. A
+/// flush is only counted: no test needs the disk to settle.
 class CallFaults {
  public:
   CallFaults(std::string place, FaultPlan plan);
@@ -30,6 +33,8 @@ class CallFaults {
 
   /// Whether the call that was to fail came.
   [[nodiscard]] bool Struck() const { return m_plan.failing > 0 && m_calls >= m_plan.failing; }
+  /// How many of the calls so far were writes and flushes.
+  [[nodiscard]] int Writes() const;
   /// Its name, as "write".
   [[nodiscard]] const std::string& Failed() const { return m_failed; }
   /// All calls so far: how many of each name.
@@ -47,6 +52,8 @@ class CallFaults {
   int ErrorOrInterruption(const char* name);
   void Opened(int descriptor) { m_descriptors.insert(descriptor); }
   void Closed(int descriptor) { m_descriptors.erase(descriptor); }
+  /// The time that a write or a flush takes.
+  void TakeTime() const;
   [[nodiscard]] std::size_t ReadSize(std::size_t size) const;
   [[nodiscard]] std::size_t WriteSize(std::size_t size) const;
 
@@ -58,6 +65,7 @@ class CallFaults {
   std::map<std::string, int> m_seen;
   std::string m_failed;
   int m_calls = 0;
+  bool m_eventUnderWay = false;                ///< whose calls are its own affair
   std::map<std::string, int> m_interruptions;  ///< of the call that is under way
 };
 

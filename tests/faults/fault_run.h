@@ -5,6 +5,7 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
+#include <functional>
 #include <iostream>
 #include <map>
 #include <string>
@@ -45,13 +46,30 @@ class FaultRun {
     std::cout << '\n';
   }
 
+  /// None of these is a fault: each call that can wait is interrupted, and a read or write moves one byte.
+  void PlayHeldUp() {
+    FaultPlan interrupted;
+    interrupted.interruptions = 3;
+    PlayThrough(interrupted);
+    FaultPlan byteByByte;
+    byteByByte.byteByByte = true;
+    PlayThrough(byteByByte);
+  }
+
+  /// Lets this happen before the first call, then before the second, until the operation runs through.
+  void PlayEvent(const std::function<void()>& event) {
+    FaultPlan plan;
+    plan.event = event;
+    Play(std::array{0}, plan);
+  }
+
+ private:
   /// Plays the operation once under a plan in which nothing fails for good.
-  void PlayThrough(FaultPlan plan) {
+  void PlayThrough(const FaultPlan& plan) {
     std::map<std::string, int> seen;
     EXPECT_FALSE(Strikes(plan, seen));
   }
 
- private:
   bool Strikes(const FaultPlan& plan, std::map<std::string, int>& seen) {
     m_arrange();
     Fault fault;
@@ -61,7 +79,9 @@ class FaultRun {
       fault = {faults.Struck(), faults.Failed(), plan.error};
       if (!fault.struck) seen = faults.Seen();
     }
-    const std::string what = fault.struck ? fault.call + " fails: " + std::strerror(plan.error) : "no fault";
+    const std::string how =
+        plan.event ? " comes afterwards" : std::string(" fails: ") + std::strerror(plan.error);
+    const std::string what = fault.struck ? fault.call + how : "no fault";
     SCOPED_TRACE(m_name + ", call " + std::to_string(plan.failing) + ", " + what);
     m_check(fault);
     return fault.struck;

@@ -50,6 +50,15 @@ bool IsFaulty(int descriptor) {
   return faults != nullptr && faults->Concerns(descriptor);
 }
 
+/// A flush is only counted, and takes its time.
+template <class Flush>
+int Flushed(int descriptor, const char* name, const Flush& flush) {
+  if (!IsFaulty(descriptor)) return flush(descriptor);
+  if (const int error = ErrorOn(descriptor, name, true)) return Failure(error);
+  CallFaults::Current()->TakeTime();
+  return 0;
+}
+
 template <class Open>
 int OpenedBy(const char* path, const Open& open) {
   CallFaults* faults = CallFaults::Current();
@@ -103,19 +112,19 @@ QUARN_SYSTEM_CALL(ssize_t, read, int descriptor, void* buffer, std::size_t size)
 QUARN_SYSTEM_CALL(ssize_t, write, int descriptor, const void* buffer, std::size_t size) {
   static auto* const next = Next<ssize_t(int, const void*, std::size_t)>("write");
   if (const int error = ErrorOn(descriptor, "write", true)) return Failure(error);
-  return next(descriptor, buffer, IsFaulty(descriptor) ? CallFaults::Current()->WriteSize(size) : size);
+  if (!IsFaulty(descriptor)) return next(descriptor, buffer, size);
+  CallFaults::Current()->TakeTime();
+  return next(descriptor, buffer, CallFaults::Current()->WriteSize(size));
 }
 
 QUARN_SYSTEM_CALL(int, fsync, int descriptor) {
   static auto* const next = Next<int(int)>("fsync");
-  if (const int error = ErrorOn(descriptor, "fsync", true)) return Failure(error);
-  return IsFaulty(descriptor) ? 0 : next(descriptor);
+  return Flushed(descriptor, "fsync", next);
 }
 
 QUARN_SYSTEM_CALL(int, fdatasync, int descriptor) {
   static auto* const next = Next<int(int)>("fdatasync");
-  if (const int error = ErrorOn(descriptor, "fdatasync", true)) return Failure(error);
-  return IsFaulty(descriptor) ? 0 : next(descriptor);
+  return Flushed(descriptor, "fdatasync", next);
 }
 
 QUARN_SYSTEM_CALL(int, fchmod, int descriptor, mode_t mode) {

@@ -23,13 +23,7 @@ class FaultyFiles : public SettingsFileTest {
     FaultPlan byHalves;
     byHalves.byHalves = true;
     run.Play(std::array{ENOSPC}, byHalves);
-    // None of these is a fault.
-    FaultPlan interrupted;
-    interrupted.interruptions = 3;
-    run.PlayThrough(interrupted);
-    FaultPlan slow;
-    slow.byteByByte = true;
-    run.PlayThrough(slow);
+    run.PlayHeldUp();
   }
 
   /// The bytes of a default file with one text replaced.

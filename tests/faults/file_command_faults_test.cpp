@@ -27,12 +27,7 @@ class FileCommandFaults : public FileCommandsTest {
     const std::string place = QFile::encodeName(Path(QString())).toStdString();
     FaultRun run(name, place, afresh, act, check);
     run.Play(kFileErrors);
-    FaultPlan interrupted;
-    interrupted.interruptions = 3;
-    run.PlayThrough(interrupted);
-    FaultPlan slow;
-    slow.byteByByte = true;
-    run.PlayThrough(slow);
+    run.PlayHeldUp();
   }
   /// A save did its work, or said that it did not and left the file as it was.
   void ExpectSaved(const Fault& fault, const QString& path, const QByteArray& before) const {

@@ -108,12 +108,7 @@ class LineFaults : public testing::TestWithParam<TerminalKind> {
     // The tests' folders and everything else is no concern of these faults.
     FaultRun run(name + what, m_far.NodePath(), arrange, act, checkAll);
     run.Play(kLineErrors);
-    FaultPlan plan;
-    plan.interruptions = 3;
-    run.PlayThrough(plan);
-    plan = {};
-    plan.byteByByte = true;
-    run.PlayThrough(plan);
+    run.PlayHeldUp();
   }
   /// Whether the call is one whose failure changes nothing: its work is an extra, or done by then.
   [[nodiscard]] bool GoesOn(const Fault& fault) const { return m_extras.contains(fault.call); }

@@ -1,15 +1,19 @@
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
+#include <cerrno>
 
 #include "device/pseudo_terminal.h"
 #include "serial/file_descriptor.h"
+#include "serial/open_terminal_linux.h"
 #include "serial/serial_line_posix.h"
 #include "tests/line/line_test_support.h"
 
@@ -59,6 +63,24 @@ class Holder {
  private:
   QProcess m_process;
 };
+
+QStringList AsOrdinaryUser() {
+  return ::geteuid() == 0 ? QStringList{QStringLiteral("--as-nobody")} : QStringList();
+}
+
+/// What an ordinary user's program that knows no lock is told when it opens the device; 0: it is open.
+int ErrorOfAPlainOpen(const std::string& node) {
+  constexpr uid_t kNobody = 65534;
+  constexpr int kNotOrdinary = 200;
+  const pid_t child = ::fork();
+  if (child == 0) {
+    if (::geteuid() == 0 && ::setuid(kNobody) != 0) ::_exit(kNotOrdinary);
+    ::_exit(::open(node.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC) < 0 ? errno : 0);
+  }
+  int status = -1;
+  EXPECT_EQ(::waitpid(child, &status, 0), child);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
 
 TEST_F(PosixLineOpen, ASecondOpenInTheSameProcessFindsTheLineInUse) {
   const OpenResult first = OpenTerminalDevice(Node());
@@ -112,6 +134,27 @@ TEST_F(PosixLineOpen, TheLockKeepsOthersOutWhileTheLineIsOpen) {
   const FileDescriptor other(::open(m_far.NodePath().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
   ASSERT_TRUE(other.IsValid());
   EXPECT_NE(::flock(other.Get(), LOCK_EX | LOCK_NB), 0);
+}
+
+// The mark does not bind an administrator: what the system refuses is tried as an ordinary user.
+
+TEST_F(PosixLineOpen, AProgramThatOnlyMarksTheDeviceIsRespected) {
+  const FileDescriptor other(::open(m_far.NodePath().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
+  ASSERT_EQ(::ioctl(other.Get(), TIOCEXCL), 0);
+  ASSERT_EQ(::chmod(m_far.NodePath().c_str(), 0666), 0);
+  const QString inUse = QStringLiteral("in-use %1: in use by another program").arg(Node());
+  EXPECT_EQ(Holder(Node(), AsOrdinaryUser()).Outcome(), inUse);
+  ASSERT_EQ(::ioctl(other.Get(), TIOCNXCL), 0);
+  EXPECT_EQ(Holder(Node(), AsOrdinaryUser()).Outcome(), QStringLiteral("open"));
+}
+
+TEST_F(PosixLineOpen, TheMarkKeepsOthersOutOfAUartWhileItIsOpen) {
+  ASSERT_EQ(::chmod(m_far.NodePath().c_str(), 0666), 0);
+  const OpenResult mine = OpenTerminalDeviceAs(Node(), TerminalKind::Uart);
+  ASSERT_TRUE(mine.line) << mine.failure.reason.toStdString();
+  EXPECT_EQ(ErrorOfAPlainOpen(m_far.NodePath()), EBUSY);
+  EXPECT_TRUE(mine.line->Close());
+  EXPECT_EQ(ErrorOfAPlainOpen(m_far.NodePath()), 0);
 }
 
 TEST_F(PosixLineOpen, WithoutPermissionTheReasonSaysSo) {

@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 
+#include <QDir>
 #include <algorithm>
 #include <list>
 
@@ -202,6 +203,21 @@ TEST(PortFolder, SaysWhenItCannotMakeALink) {
   EXPECT_EQ(PortFolder(scratch.At("none")).Replace(1, "/dev/x", problem), PortFolder::PinResult::Failed);
   EXPECT_EQ(problem, std::errc::no_such_file_or_directory);
   EXPECT_EQ(PortFolder("/proc/none/ports").Pin(1, "/dev/x", problem), PortFolder::PinResult::Failed);
+  // Below a link that leads nowhere no folder can be made.
+  scratch.Link("away", "nowhere");
+  EXPECT_EQ(PortFolder(scratch.At("away/ports")).Pin(1, "/dev/x", problem), PortFolder::PinResult::Failed);
+  EXPECT_EQ(problem, std::errc::no_such_file_or_directory);
+}
+
+TEST(PortFolder, ReplacesNoFolderAndLeavesNothingBeside) {
+  const ScratchFolder scratch;
+  scratch.Folder("COM5");
+  std::error_code problem;
+  EXPECT_EQ(PortFolder(scratch.Path()).Replace(5, "/dev/x", problem), PortFolder::PinResult::Failed);
+  EXPECT_EQ(problem, std::errc::is_a_directory);
+  EXPECT_EQ(QDir(QString::fromStdString(scratch.Path()))
+                .entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot),
+            QStringList{QStringLiteral("COM5")});
 }
 
 TEST(ChoosePin, TakesTheLowestFreeNumber) {

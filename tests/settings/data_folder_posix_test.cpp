@@ -63,5 +63,22 @@ TEST_F(DataFolderTest, MakesTheMakersFolderPrivateAndLeavesTheLastOne) {
   EXPECT_FALSE(QDir(folder).exists());
 }
 
+TEST_F(DataFolderTest, IsMadePrivateWhateverTheUserGrantsByDefault) {
+  qputenv("XDG_CONFIG_HOME", Home("settings").toLocal8Bit());
+  const mode_t before = ::umask(0);
+  MakeDataFolder(DataFolder());
+  ::umask(before);
+  EXPECT_EQ(ModeOf(Home("settings/Halvo")), 0700U);
+  EXPECT_EQ(ModeOf(Home("settings/Halvo/Quarn")), 0700U);
+}
+
+TEST_F(DataFolderTest, StaysAsItsUserHasSetIt) {
+  qputenv("XDG_CONFIG_HOME", Home("settings").toLocal8Bit());
+  MakeDataFolder(DataFolder());
+  ASSERT_EQ(::chmod(QFile::encodeName(Home("settings/Halvo/Quarn")).constData(), 0750), 0);
+  MakeDataFolder(DataFolder());
+  EXPECT_EQ(ModeOf(Home("settings/Halvo/Quarn")), 0750U);
+}
+
 }  // namespace
 }  // namespace quarn
