@@ -11,6 +11,7 @@
 #include <QRadioButton>
 #include <QStyleOptionButton>
 #include <QStyleOptionComboBox>
+#include <QTransform>
 #include <cmath>
 
 #include "app/display.h"
@@ -170,12 +171,14 @@ double ContrastIn(const QImage& picture, QRect part) {
 void ExpectReadable(QWidget& window, const char* desktop) {
   QApplication::processEvents();
   const QImage picture = window.grab().toImage();
+  const QTransform toPixels = QTransform::fromScale(picture.devicePixelRatio(), picture.devicePixelRatio());
   int read = 0;
   for (const ShownText& each : TextsIn(window)) {
     // What cannot be used may be faint, but for the stored commands: they are there to be read.
     if (!each.enabled && !each.control.starts_with("MEM")) continue;
     ++read;
-    EXPECT_GE(ContrastIn(picture, each.room), kReadable) << each.control << " on a " << desktop << " desktop";
+    EXPECT_GE(ContrastIn(picture, toPixels.mapRect(each.room)), kReadable)
+        << each.control << " on a " << desktop << " desktop";
   }
   EXPECT_GT(read, 0);
 }
