@@ -47,7 +47,10 @@ TEST(Identity, IsWhatTheProgramsSay) {
   EXPECT_EQ(OutputOfProgram("quarn-device", "--version"), kName + " device " + kVersion + "\n");
 }
 
-TEST(Identity, IsInTheDesktopEntry) { ExpectLines(FilledInFile("linux/quarn.desktop"), {"Name=" + kName}); }
+/// What starts the program gives it the file that was clicked on; some desktops do so without being told.
+TEST(Identity, IsInTheDesktopEntry) {
+  ExpectLines(FilledInFile("linux/quarn.desktop"), {"Name=" + kName, "Exec=quarn %f"});
+}
 
 TEST(Identity, IsInTheMetadata) {
   ExpectLines(FilledInFile("linux/example.halvo.quarn.metainfo.xml"),

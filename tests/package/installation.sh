@@ -33,10 +33,11 @@ wait_until() {
   done
 }
 
-install() {
-  apt-get -q install --yes --no-install-recommends "$@" >apt.log 2>&1 || {
+# What apt-get has to say is shown only when it fails; what it fetches, always.
+quietly() {
+  apt-get "$@" >apt.log 2>&1 || {
     cat apt.log
-    fail "cannot be installed: $*"
+    fail "apt-get $* has failed"
   }
   grep '^Need to get' apt.log || true
 }
@@ -49,7 +50,8 @@ snapshot() {
   find / -xdev \( -path /proc -o -path /dev -o -path /tmp -o -path /run -o -path /root -o -path /var/tmp \
     -o -path /var/log -o -path /var/cache -o -path /var/lib/apt -o -path /var/lib/dpkg \) -prune \
     -o -printf '%y %m %u %g %p\n' | sort
-  find /etc /usr/share/mime /usr/share/applications /usr/share/icons -type f -exec sha256sum {} + | sort -k 2
+  find /etc /usr/share -type f \( -path '/etc/*' -o -path '/usr/share/mime/*' -o -path '/usr/share/applications/*' \
+    -o -path '/usr/share/icons/*' \) -exec sha256sum {} + | sort -k 2
 }
 
 # Nothing of what the package brought is there, but for folders that others have too.
@@ -62,19 +64,23 @@ check_removed() {
       fail "$path is left behind"
     fi
   done <files.list
-  dpkg --search "${folders[@]}" 2>&1 >/dev/null | sed 's/^/left behind: /' >folders.log
-  [[ ! -s folders.log ]] || fail "$(<folders.log)"
+  dpkg --search "${folders[@]}" >/dev/null 2>folders.log || fail "left behind: $(<folders.log)"
 }
 
-# The settings are the user's own and stay; on the system itself nothing has the program's name any more.
+# Everything that it depends on is there.
+install_alone() {
+  quietly install --yes --no-install-recommends "$PACKAGE"
+  expect_in "what apt-get installed" " 1 newly installed, " "$(<apt.log)"
+}
+
+# What is left is in before.list; the settings are the user's own and stay.
 remove() {
-  local left
   dpkg --listfiles quarn | sed 's:^/\.$:/:' | grep -v '^/$' >files.list
-  apt-get -qq purge --yes quarn >apt.log 2>&1
+  quietly purge --yes quarn
   if dpkg --status quarn >/dev/null 2>&1; then fail "dpkg still knows the package"; fi
   check_removed
-  left=$(find / -xdev \( -path /proc -o -path /root -o -path /var/tmp \) -prune -o -iname '*quarn*' -print)
-  expect "what is left behind" "" "$left"
+  snapshot >after.list
+  diff before.list after.list || fail "the system is not what it was before"
 }
 
 #--- The programs ----------------------------------------------------------------------------------------
@@ -92,7 +98,8 @@ check_programs() {
 
 start_device() {
   mkdir -p "$SETTINGS/ports"
-  quarn-device --link "$SETTINGS/ports/COM7" >device.log &
+  : >device.log
+  quarn-device --link "$SETTINGS/ports/COM7" >>device.log &
   device=$!
   wait_until 10 "the simulated instrument" test -s device.log
 }
@@ -132,7 +139,7 @@ check_opening() {
   local opened
   start_device
   cp "$DEMO" bench.qrn
-  QT_QPA_PLATFORM=offscreen gio launch /usr/share/applications/quarn.desktop bench.qrn 2>opened.log
+  QT_QPA_PLATFORM=offscreen gio open bench.qrn 2>opened.log
   wait_until 30 "the file to be loaded" settings_are_loaded
   opened=$(pgrep --exact quarn) || fail "the program has ended: $(<opened.log)"
   kill "$opened" "$device"
@@ -166,18 +173,21 @@ check_completion() {
 
 #--- The story -------------------------------------------------------------------------------------------
 
-step "installing with what it depends on"
-install "$PACKAGE"
-step "the programs"
+step "what the package depends on, and nothing else"
+quietly satisfy --yes --no-install-recommends "$(dpkg-deb --field "$PACKAGE" Depends)"
+snapshot >before.list
+step "installing"
+install_alone
 check_programs
 check_command
 step "removing"
 remove
-step "installing what a desktop has"
-install desktop-file-utils hicolor-icon-theme libglib2.0-bin man-db procps
+
+step "what a desktop has"
+quietly install --yes --no-install-recommends desktop-file-utils hicolor-icon-theme libglib2.0-bin man-db procps
 snapshot >before.list
-step "installing once more"
-install "$PACKAGE"
+step "installing"
+install_alone
 check_mime_type
 desktop-file-validate /usr/share/applications/quarn.desktop
 check_manuals
@@ -186,6 +196,4 @@ step "opening a file"
 check_opening
 step "removing"
 remove
-snapshot >after.list
-diff before.list after.list || fail "the system is not what it was before"
 step "the system is what it was before"
