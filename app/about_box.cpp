@@ -2,7 +2,6 @@
 
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QPushButton>
 #include <QUrl>
 #include <QVBoxLayout>
 
@@ -11,6 +10,7 @@
 #include "app/link_opener.h"
 #include "identity.h"
 #include "ui/control.h"
+#include "ui/dialog_button.h"
 #include "ui/message_operations.h"
 #include "ui/placement.h"
 
@@ -74,7 +74,7 @@ QVBoxLayout* CAboutBox::CreateLabels() {
 }
 
 QPushButton* CAboutBox::CreateOkButton() {
-  auto* ok = WithControlId(new QPushButton(QStringLiteral("OK"), this), kOkId);
+  auto* ok = WithControlId(new DialogButton(QStringLiteral("OK"), this), kOkId);
   ok->setObjectName(QStringLiteral("okButton"));
   ok->setMinimumWidth(MapDialogUnits(font(), {0, 0, kButtonWidthUnits, 0}).width());
   ok->setDefault(true);

@@ -1,5 +1,6 @@
 #include "app/link_label.h"
 
+#include <QAccessibleWidget>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QStyle>
@@ -7,25 +8,65 @@
 #include <QStylePainter>
 #include <utility>
 
+#include "ui/accessible_kind.h"
+#include "ui/contrast.h"
+
 namespace quarn {
 namespace {
 
 constexpr QRgb kLinkColour = qRgb(0x00, 0x00, 0xFF);
 
+/// What assistive tools see of it: a link that can be pressed.
+class AccessibleLink final : public QAccessibleWidget {
+ public:
+  explicit AccessibleLink(LinkLabel* link) : QAccessibleWidget(link, QAccessible::Link) {}
+
+  [[nodiscard]] QString text(QAccessible::Text kind) const override {
+    const auto* link = dynamic_cast<const LinkLabel*>(object());
+    return kind == QAccessible::Name && link != nullptr ? link->text() : QAccessibleWidget::text(kind);
+  }
+  [[nodiscard]] QStringList actionNames() const override {
+    return QStringList{pressAction()} + QAccessibleWidget::actionNames();
+  }
+  void doAction(const QString& action) override {
+    auto* link = dynamic_cast<LinkLabel*>(object());
+    if (action == pressAction() && link != nullptr) {
+      link->Activate();
+    } else {
+      QAccessibleWidget::doAction(action);
+    }
+  }
+};
+
 }  // namespace
 
 LinkLabel::LinkLabel(const QString& text, std::function<void()> activate, QWidget* parent)
-    : QLabel(text, parent), m_activate(std::move(activate)) {
+    : QLabel(parent), m_activate(std::move(activate)) {
+  // First of all: whoever listens is told of the text, and asks at once what it stands in.
+  MakeAccessibleAs<LinkLabel, AccessibleLink>();
   setTextFormat(Qt::PlainText);
+  setText(text);
   QFont underlined = font();
   underlined.setUnderline(true);
   setFont(underlined);
-  QPalette colours = palette();
-  colours.setColor(QPalette::WindowText, QColor(kLinkColour));
-  setPalette(colours);
+  ApplyColour();
   setCursor(Qt::PointingHandCursor);
   setFocusPolicy(Qt::TabFocus);
   setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+}
+
+void LinkLabel::ApplyColour() {
+  QPalette colours = palette();
+  const QColor colour = ReadableOn(colours.color(backgroundRole()), kLinkColour);
+  // A change comes back as an event.
+  if (colours.color(QPalette::WindowText) == colour) return;
+  colours.setColor(QPalette::WindowText, colour);
+  setPalette(colours);
+}
+
+void LinkLabel::changeEvent(QEvent* event) {
+  QLabel::changeEvent(event);
+  if (event->type() == QEvent::PaletteChange) ApplyColour();
 }
 
 void LinkLabel::mousePressEvent(QMouseEvent* event) { m_pressed = event->button() == Qt::LeftButton; }

@@ -9,6 +9,7 @@
 #include <QWindow>
 #include <utility>
 
+#include "identity.h"
 #include "settings/path_display.h"
 #include "terminal/dialogs/set_mem.h"
 #include "terminal/dialogs/terminal_screen.h"
@@ -66,12 +67,17 @@ void CQuarnDlg::CreateControls() {
   m_status = WithControlId(new QLabel(QStringLiteral("Internal Configuration State"), this), kStatusId);
   m_status->setObjectName(QStringLiteral("status"));
   m_status->setTextFormat(Qt::PlainText);
+  // "ON" alone says little to those who hear it.
+  auto* switchLabel = new QLabel(QStringLiteral("Terminal Screen  ---"), this);
+  switchLabel->setBuddy(m_switch);
+  m_switch->setAccessibleDescription(QStringLiteral("Terminal Screen"));
   auto* logo = new QLabel(this);
   logo->setObjectName(QStringLiteral("logo"));
+  logo->setAccessibleName(QString::fromLatin1(identity::kName));
   logo->setPixmap(Logo({logoSide, logoSide}, devicePixelRatioF()));
 
   grid->addWidget(heading, 0, 0, 1, 3);
-  grid->addWidget(new QLabel(QStringLiteral("Terminal Screen  ---"), this), 1, 0);
+  grid->addWidget(switchLabel, 1, 0);
   grid->addWidget(m_switch, 1, 1, Qt::AlignLeft);
   grid->addWidget(logo, 0, 3, 2, 1, Qt::AlignRight | Qt::AlignVCenter);
   grid->addWidget(m_status, 2, 0, 1, 4);

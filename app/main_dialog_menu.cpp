@@ -68,6 +68,7 @@ void CQuarnDlg::CreateMenus() {
   std::vector<QMenu*> menus;
   for (const char* title : {"&File", "&Port", "&Tools", "&Option", "&Help"}) {
     menus.push_back(m_menuBar->addMenu(QString::fromLatin1(title)));
+    menus.back()->setAccessibleName(QString::fromLatin1(title + 1));
   }
   for (const MenuItem& item : MenuItems()) {
     QMenu* menu = menus.at(static_cast<std::size_t>(item.menu));

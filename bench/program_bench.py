@@ -8,12 +8,17 @@ With a connected port (a pseudo-terminal as COM3) and the Terminal Screen open:
           splash and the "Successfully Connected" message, 2000 ms each; looked at every millisecond
   idle    CPU milliseconds a second, all threads, all timers running, nothing sent
   memory  proportional set size (PSS) in MiB at the end of the idle time
+  answer  CPU milliseconds for a command of two characters that is typed, sent and answered with 64 bytes; what
+          the program takes in that time anyway is not counted
 One unmeasured run comes first, so that the files are warm.
 """
-import argparse, ctypes, os, pathlib, signal, statistics, subprocess, sys, tempfile, time
+import argparse, ctypes, os, pathlib, select, signal, statistics, subprocess, sys, tempfile, time, tty
 
 OWN_WAITS_MS = 4000
 LIMIT_S = 30
+COMMANDS = 40
+COMMAND_S = 0.3  # long enough for the silence that ends an answer
+ANSWER = bytes(range(0x21, 0x21 + 64)) + b"\r"
 
 
 class Display:
@@ -89,6 +94,7 @@ class Run:
         runtime = base / "run"
         runtime.mkdir(mode=0o700)
         self.far_end, near_end = os.openpty()
+        tty.setraw(near_end)
         (ports / "COM3").symlink_to(os.ttyname(near_end))
         os.close(near_end)
         self.settings = ports.parent / "Quarn.ini"
@@ -109,6 +115,18 @@ class Run:
     def pss_mib(self):
         text = pathlib.Path(f"/proc/{self.process.pid}/smaps_rollup").read_text()
         return next(int(line.split()[1]) for line in text.splitlines() if line.startswith("Pss:")) / 1024
+
+    def answer_one_command(self):
+        """Types a command and answers it when it is on the wire."""
+        due = time.perf_counter() + COMMAND_S
+        subprocess.run(["xdotool", "key", "--delay", "0", "i", "d", "Return"], env=self.environment, check=True)
+        asked = b""
+        while not asked.endswith(b"id\r"):
+            if not select.select([self.far_end], [], [], LIMIT_S)[0]:
+                sys.exit("the command did not reach the line")
+            asked += os.read(self.far_end, 256)
+        os.write(self.far_end, ANSWER)
+        time.sleep(max(0, due - time.perf_counter()))
 
     def end(self):
         if self.process.poll() is None:
@@ -134,7 +152,13 @@ def measure(program, display, settings, idle_s):
         before, begin = run.cpu_ms(), time.perf_counter()
         time.sleep(idle_s)
         idle = (run.cpu_ms() - before) / (time.perf_counter() - begin)
-        return start, idle, run.pss_mib()
+        memory = run.pss_mib()
+        run.answer_one_command()
+        before, begin = run.cpu_ms(), time.perf_counter()
+        for _ in range(COMMANDS):
+            run.answer_one_command()
+        answer = (run.cpu_ms() - before - idle * (time.perf_counter() - begin)) / COMMANDS
+        return start, idle, memory, answer
     finally:
         run.end()
 
@@ -153,7 +177,7 @@ def main():
         rows = [measure(given.program, display, settings, given.idle) for _ in range(given.runs)]
     finally:
         display.end()
-    for name, unit, values in zip(("start", "idle", "memory"), ("ms", "ms/s", "MiB"), zip(*rows)):
+    for name, unit, values in zip(("start", "idle", "memory", "answer"), ("ms", "ms/s", "MiB", "ms"), zip(*rows)):
         print(f"{name:8}{statistics.median(values):8.2f} {unit:5} (from {min(values):.2f} to {max(values):.2f}, "
               f"{len(values)} runs)")
 

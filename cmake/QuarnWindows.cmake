@@ -16,11 +16,12 @@ endfunction()
 
 # quarn_windows_runtime() puts what the programs load beside them, and says what a package holds.
 function(quarn_windows_runtime)
+  # Everywhere, so that it can be compared with the rest of the identity.
+  configure_file(${CMAKE_SOURCE_DIR}/packaging/windows/identity.nsh.in
+    ${CMAKE_BINARY_DIR}/generated/identity.nsh @ONLY)
   if(NOT WIN32)
     return()
   endif()
-  configure_file(${CMAKE_SOURCE_DIR}/packaging/windows/identity.nsh.in
-    ${CMAKE_BINARY_DIR}/generated/identity.nsh @ONLY)
   set(_beside)
   foreach(_library libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
     execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${_library}

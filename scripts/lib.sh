@@ -75,6 +75,9 @@ need() {
         packages+=(g++-mingw-w64-x86-64-posix qt6-base-dev-tools dpkg-dev xz-utils googletest
           wine64 fonts-wine nsis zip)
         ;;
+      # CPack asks file(1) which files are programs.
+      package) packages+=(dpkg-dev file lintian appstream desktop-file-utils) ;;
+      clean-root) packages+=(mmdebstrap) ;;
       lint) packages+=(clang-format clang-tidy) ;;
       fuzz) packages+=(clang) ;;
       coverage) packages+=(gcovr) ;;
@@ -84,6 +87,25 @@ need() {
   install_packages "${packages[@]}"
   # The sanitizers' run-time library is packaged per version of the compiler.
   if [[ " $* " == *" fuzz "* ]]; then install_packages "libclang-rt-$(clang++ -dumpversion | cut -d. -f1)-dev"; fi
+}
+
+# Where this system gets Debian's main packages from: the address and the release, one pair a line.
+# shellcheck disable=SC2016  # the names in brackets are apt's
+debian_mirrors() {
+  apt-get indextargets --format '$(IDENTIFIER)|$(ORIGIN)|$(COMPONENT)|$(REPO_URI) $(RELEASE)' |
+    sed -n 's/^Packages|Debian|main|//p' | sort -u
+}
+
+# debian_sources TYPE: the same as lines of that type (deb, deb-src) for a list of sources.
+debian_sources() {
+  local mirrors
+  mirrors=$(debian_mirrors)
+  if [[ -z $mirrors ]]; then
+    apt update
+    mirrors=$(debian_mirrors)
+  fi
+  [[ -n $mirrors ]] || fail "this system has no source of Debian's packages"
+  awk -v type="$1" '{ print type, $0, "main" }' <<<"$mirrors"
 }
 
 # configure PRESET [OPTION...]: what CMake has to say is shown only when it fails.
@@ -102,6 +124,16 @@ build() {
   if (($# > 0)); then targets=(--target "$@"); fi
   configure "$preset"
   cmake --build --preset "$preset" "${targets[@]}"
+}
+
+# The programs need none of the tests' packages.
+build_programs() {
+  headline "Building"
+  need build
+  if [[ ! -f build/release/build.ninja ]]; then
+    configure release -DQUARN_TESTS=OFF -DQUARN_BENCH=OFF
+  fi
+  cmake --build --preset release --target quarn quarn-send quarn-device
 }
 
 # Runs a command without address-space randomisation: with the many random bits of newer kernels the

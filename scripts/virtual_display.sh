@@ -35,16 +35,6 @@ stop() {
   started=("${started[@]}")
 }
 
-# The programs need none of the tests' packages.
-build_programs() {
-  headline "Building"
-  need build
-  if [[ ! -f build/release/build.ninja ]]; then
-    configure release -DQUARN_TESTS=OFF -DQUARN_BENCH=OFF
-  fi
-  cmake --build --preset release --target quarn quarn-send quarn-device
-}
-
 # Names of ports and files may be in any script.
 use_utf8() { [[ ${LC_ALL:-${LC_CTYPE:-${LANG:-}}} == *[Uu][Tt][Ff]* ]] || export LC_ALL=C.UTF-8; }
 

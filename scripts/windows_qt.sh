@@ -39,23 +39,12 @@ qt_key() {
 
 qt_is_there() { [[ -f $QT/quarn-key && $(<"$QT/quarn-key") == "$(qt_key)" ]]; }
 
-# Where this system gets Debian's packages from, as lines for their sources.
-# shellcheck disable=SC2016  # the names in brackets are apt's
-source_lists() {
-  apt-get indextargets --format '$(IDENTIFIER)|$(ORIGIN)|$(COMPONENT)|$(REPO_URI)|$(RELEASE)' |
-    sed -n 's/^Packages|Debian|main|\(.*\)|\(.*\)$/deb-src \1 \2 main/p' | sort -u
-}
-
 # fetch_qt FOLDER: the unpacked source in FOLDER/source. The machine's own lists of packages stay as they are.
 fetch_qt() {
   local place=$1 version options
   version=$(qt_version)
   mkdir -p "$place/lists/partial"
-  source_lists >"$place/sources.list"
-  if [[ ! -s $place/sources.list ]]; then
-    apt update
-    source_lists >"$place/sources.list"
-  fi
+  debian_sources deb-src >"$place/sources.list"
   options=(-qq -o "Dir::Etc::SourceList=$place/sources.list" -o Dir::Etc::SourceParts=/dev/null
     -o "Dir::State::Lists=$place/lists" -o APT::Get::List-Cleanup=0 -o APT::Sandbox::User= -o Acquire::Retries=3)
   # Written into that folder alone, and so without any special right.

@@ -4,16 +4,18 @@
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QPushButton>
 #include <QScreen>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QStyleOptionFocusRect>
+#include <QStylePainter>
 #include <QTimerEvent>
 #include <QVBoxLayout>
 #include <algorithm>
 
 #include "identity.h"
 #include "ui/control.h"
+#include "ui/dialog_button.h"
 #include "ui/message_text.h"
 #include "ui/pictures.h"
 #include "ui/placement.h"
@@ -66,6 +68,33 @@ QLabel* PictureLabel(QWidget& parent) {
   picture->setPixmap(WarningPicture(room, parent.devicePixelRatioF()));
   return picture;
 }
+
+/// A text that is too tall for the screen. The keys scroll it once it has the focus, which a line around it
+/// shows.
+class ScrolledText final : public QScrollArea {
+ public:
+  explicit ScrolledText(QWidget* parent) : QScrollArea(parent) {
+    setObjectName(QStringLiteral("scrolledText"));
+    setAccessibleName(QStringLiteral("Message"));
+    setFrameShape(QFrame::NoFrame);
+    setViewportMargins(kLine, kLine, kLine, kLine);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+  }
+  static constexpr int kLine = 2;  ///< room for it, in pixels
+
+ protected:
+  bool event(QEvent* event) override {
+    const bool done = QScrollArea::event(event);
+    if (event->type() == QEvent::Paint && hasFocus()) {
+      QStyleOptionFocusRect line;
+      line.initFrom(this);
+      line.backgroundColor = palette().color(backgroundRole());
+      QStylePainter(this).drawPrimitive(QStyle::PE_FrameFocusRect, line);
+    }
+    return done;
+  }
+};
 
 QString Spoken(const std::vector<MessageLine>& lines) {
   QStringList texts;
@@ -130,12 +159,8 @@ QWidget* MessageDialog::CreateText(const std::vector<MessageLine>& lines, QSize 
   }
   if (column->sizeHint().height() <= room.height()) return text;
 
-  auto* scroll = new QScrollArea(this);
-  scroll->setObjectName(QStringLiteral("scrolledText"));
-  scroll->setFrameShape(QFrame::NoFrame);
-  scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-  scroll->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
-  const int bar = scroll->verticalScrollBar()->sizeHint().width() + units.y();
+  auto* scroll = new ScrolledText(this);
+  const int bar = scroll->verticalScrollBar()->sizeHint().width() + units.y() + 2 * ScrolledText::kLine;
   for (MessageText* label : labels) label->WrapAt(room.width() - bar);
   scroll->setWidget(text);
   scroll->setFixedSize(std::min(column->sizeHint().width() + bar, room.width()), room.height());
@@ -148,7 +173,7 @@ QHBoxLayout* MessageDialog::AddButtons(const std::vector<MessageButton>& buttons
   row->setSpacing(MapDialogUnits(font(), {kGapUnits, 0, 0, 0}).x() * 2);
   row->addStretch();
   for (const MessageButton& each : buttons) {
-    auto* button = WithControlId(new QPushButton(each.text, this), each.controlId);
+    auto* button = WithControlId(new DialogButton(each.text, this), each.controlId);
     button->setObjectName(QLatin1String(each.name));
     button->setMinimumWidth(units.width());
     connect(button, &QPushButton::clicked, this, [this, result = each.result] {

@@ -17,11 +17,23 @@ class StaticText : public QWidget {
   /// Fills its rectangle itself, so that a change of the text need not repaint what lies behind.
   void SetBackground(const QColor& colour);
 
+  /// What a screen reader is told: an edit field of this name, in which what SetFieldText says stands.
+  /// Without it, a line of text; the text shown is its name.
+  void BecomeField(const QString& name);
+  /// Not the text shown, which blinks where the caret is.
+  void SetFieldText(const QString& text, int caret);
+  [[nodiscard]] bool IsField() const { return m_isField; }
+  [[nodiscard]] const QString& FieldText() const { return m_fieldText; }
+  [[nodiscard]] int Caret() const { return m_caret; }
+
  protected:
   void paintEvent(QPaintEvent* event) override;
 
  private:
   QString m_text;
+  QString m_fieldText;
+  int m_caret = 0;
+  bool m_isField = false;
   QColor m_background;  ///< invalid: what lies behind shows through
 };
 

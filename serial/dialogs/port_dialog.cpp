@@ -1,10 +1,10 @@
 #include "serial/dialogs/port_dialog.h"
 
 #include <QCloseEvent>
-#include <QPushButton>
 #include <utility>
 
 #include "ui/control.h"
+#include "ui/dialog_button.h"
 #include "ui/dialog_grid.h"
 
 namespace quarn {
@@ -35,7 +35,7 @@ void PortDialog::CloseWhenDone() {
 
 QPushButton* PortDialog::AddButton(const char* name, const QString& text, int controlId,
                                    const std::function<void()>& operation) {
-  auto* button = WithControlId(new QPushButton(text, this), controlId);
+  auto* button = WithControlId(new DialogButton(text, this), controlId);
   button->setObjectName(QLatin1String(name));
   button->setAccessibleName(text);
   button->setMinimumWidth(DialogGrid(*this).Width(DialogGrid::kButtonWidth));

@@ -3,10 +3,10 @@
 #include <QAbstractButton>
 #include <QGridLayout>
 #include <QLabel>
-#include <QPushButton>
 #include <utility>
 
 #include "ui/control.h"
+#include "ui/dialog_button.h"
 #include "ui/dialog_grid.h"
 
 namespace quarn {
@@ -107,7 +107,7 @@ void OptionDialog::AddLabel(QGridLayout& grid, int row, SettingsKey key) {
 }
 
 QPushButton* OptionDialog::CreateOkButton() {
-  auto* ok = WithControlId(new QPushButton(QStringLiteral("OK"), this), m_plan.okId);
+  auto* ok = WithControlId(new DialogButton(QStringLiteral("OK"), this), m_plan.okId);
   ok->setObjectName(QStringLiteral("okButton"));
   ok->setAccessibleName(ok->text());
   ok->setMinimumWidth(DialogGrid(*this).Width(DialogGrid::kButtonWidth));

@@ -57,11 +57,15 @@ QLineEdit* CreateField(QWidget* parent, int index, int controlId) {
   auto* field = WithControlId(new QLineEdit(parent), controlId);
   field->setObjectName(QStringLiteral("MEM%1").arg(index));
   field->setAccessibleName(field->objectName());
-  // The commands are there to be read, also while they cannot be edited.
-  QPalette colours = field->palette();
-  colours.setColor(QPalette::Disabled, QPalette::Text, colours.color(QPalette::Active, QPalette::WindowText));
-  field->setPalette(colours);
+  field->setAccessibleDescription(QStringLiteral("Stored command of F%1").arg(index + 1));
   return field;
+}
+
+/// The commands are there to be read, also while they cannot be edited.
+void KeepReadable(QLineEdit& field, const QPalette& desktop) {
+  QPalette colours = field.palette();
+  colours.setColor(QPalette::Disabled, QPalette::Text, desktop.color(QPalette::Active, QPalette::WindowText));
+  field.setPalette(colours);
 }
 
 QPushButton* CreateButton(QWidget* parent, const QString& text, int controlId, QSize size) {
@@ -115,6 +119,7 @@ void CSetMem::CreateRows(QBoxLayout& column) {
     auto* key = CreateButton(this, QStringLiteral("F%1").arg(index + 1), kRows[i].buttonId, keySize);
     connect(key, &QPushButton::clicked, this, [this, index] { PressFunctionButton(index); });
     QLineEdit* field = CreateField(this, index, kRows[i].fieldId);
+    KeepReadable(*field, palette());
     field->setValidator(validator);
     field->setFixedWidth(grid.Width(kFieldWidth));
     field->setMinimumHeight(keySize.height());
@@ -183,6 +188,12 @@ void CSetMem::ShowState() {
   m_save->setEnabled(enabled.save);
   m_ok->setEnabled(enabled.ok);
   m_send->setEnabled(enabled.send);
+}
+
+void CSetMem::changeEvent(QEvent* event) {
+  PolledDialog::changeEvent(event);
+  if (event->type() != QEvent::PaletteChange) return;
+  for (QLineEdit* field : m_fields) KeepReadable(*field, palette());
 }
 
 bool CSetMem::eventFilter(QObject* receiver, QEvent* event) {

@@ -36,6 +36,7 @@ class CSetMem final : public PolledDialog {
   void OnTick() override;
   bool eventFilter(QObject* receiver, QEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
+  void changeEvent(QEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
 
  private:

@@ -95,6 +95,7 @@ void CTerminalScreen::CreateControls() {
   };
   m_prompt = create("prompt", kPromptId);
   m_commandDisplay = create("commandLine", kCommandDisplayId);
+  m_commandDisplay->BecomeField(QStringLiteral("Command line"));
   for (int row = 0; row < ScreenRowCount; ++row) {
     auto* text = create("row", kFirstRowId + row);
     text->setGeometry(RowRect(row));
@@ -116,6 +117,7 @@ void CTerminalScreen::CreateControls() {
 
 void CTerminalScreen::CreateMenu() {
   m_menu = new QMenu(QStringLiteral("Menu "), this);
+  m_menu->setAccessibleName(QStringLiteral("Terminal Screen"));
   const auto copy = [this](QString (OperationLog::*text)(const QString&) const) {
     CopyToClipboard((m_context.log.*text)(m_context.settings.lineNum));
   };
@@ -193,9 +195,19 @@ void CTerminalScreen::RedrawLogRows() {
   RefreshTitle();
 }
 
-void CTerminalScreen::ShowCommandLine() { m_commandDisplay->SetText(m_context.commandLine.DisplayText()); }
+void CTerminalScreen::ShowCommandLine() {
+  const CommandLine& line = m_context.commandLine;
+  m_commandDisplay->SetText(line.DisplayText());
+  m_commandDisplay->SetFieldText(line.Text(), line.CursorPos());
+}
 
 void CTerminalScreen::ShowWaitingText(const QString& text) { m_commandDisplay->SetText(text); }
+
+void CTerminalScreen::changeEvent(QEvent* event) {
+  PolledDialog::changeEvent(event);
+  // The desktop's colours have changed; some of them are in the palettes of the lines.
+  if (event->type() == QEvent::PaletteChange) ApplyColours();
+}
 
 void CTerminalScreen::paintEvent(QPaintEvent* event) {
   QPainter(this).fillRect(event->rect(), BackgroundOf(m_scheme));

@@ -55,6 +55,7 @@ class CTerminalScreen final : public PolledDialog, private TransactionHost {
   void keyPressEvent(QKeyEvent* event) override;
   void inputMethodEvent(QInputMethodEvent* event) override;
   [[nodiscard]] QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
+  void changeEvent(QEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
   void wheelEvent(QWheelEvent* event) override;
   void contextMenuEvent(QContextMenuEvent* event) override;

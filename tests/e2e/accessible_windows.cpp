@@ -9,7 +9,8 @@ namespace {
 
 /// After this long without an effect, a key or click is taken for lost.
 bool IsLabel(const Control& control) {
-  return control.role == QLatin1String("label") || control.role == QLatin1String("filler");
+  return control.role == QLatin1String("label") || control.role == QLatin1String("link") ||
+         control.role == QLatin1String("filler");
 }
 
 bool IsButton(const Control& control) { return control.role == QLatin1String("push button"); }

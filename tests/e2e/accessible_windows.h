@@ -22,7 +22,7 @@ class AccessibleWindows : public EndToEnd {
   std::optional<Control> FindWindow(const QString& titlePattern);
   /// Everything visible in the window.
   QList<Control> Controls(const QString& titlePattern);
-  /// What the labels show, in reading order: from top to bottom, then from left to right.
+  /// What the labels and links show, in reading order: from top to bottom, then from left to right.
   QStringList Texts(const QString& titlePattern);
   /// What the buttons say, in reading order.
   QStringList Buttons(const QString& titlePattern);

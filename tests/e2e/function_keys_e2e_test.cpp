@@ -37,11 +37,8 @@ class FunctionKeys : public Dialogs {
       return Eventually([&] { return CommandLineHolds(command); }, kOneTryMs);
     })) << command.toStdString();
   }
-  /// With the cursor behind it, or while that is not to be seen.
   bool CommandLineHolds(const QString& command) {
-    for (const Control& each : Controls(kTerminal))
-      if (each.name.startsWith(command) && each.name.size() <= command.size() + 1) return true;
-    return false;
+    return TextOfControl(kTerminal, QStringLiteral("Command line")) == command;
   }
   /// Does this in the table, once more where it was lost, until the command line holds the command.
   void CommandLineBecomes(const QString& command, const std::function<void()>& act) {

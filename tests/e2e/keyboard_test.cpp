@@ -95,6 +95,17 @@ TEST_F(Keyboard, ThereIsNoTypingBeyondTheLimit) {
   EXPECT_TRUE(WireBecomes(full.toStdString() + '\r'));
 }
 
+TEST_F(Keyboard, TheMenuKeyOpensTheMenu) {
+  Start();
+  Type(QStringLiteral("id"));
+  Press(Keys("Return"));
+  ASSERT_TRUE(TerminalTitleBecomes(QStringLiteral("Quarn - Terminal Screeen (COM3)  N- INS  [ 1-2  ]")));
+  SetClipboard("before");
+  Press(Keys("Menu Down Down Return"));
+  EXPECT_TRUE(Eventually([this] { return ClipboardText() == "[id]\rOK\r"; }))
+      << ClipboardText().toStdString();
+}
+
 TEST_F(Keyboard, ArrowsScrollTheLog) {
   Start();
   Type(QStringLiteral("id"));

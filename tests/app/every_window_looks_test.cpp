@@ -1,0 +1,206 @@
+// Whether every window can be read: no text is cut off at any scaling, and each stands out from what is
+// behind it on a bright and on a dark desktop.
+
+#include <QAbstractButton>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QHash>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QRadioButton>
+#include <QStyleOptionButton>
+#include <QStyleOptionComboBox>
+#include <cmath>
+
+#include "app/display.h"
+#include "app/every_window.h"
+#include "support/dialog_controls.h"
+#include "ui/static_text.h"
+
+namespace quarn::test {
+namespace {
+
+/// The least contrast at which text counts as readable.
+constexpr double kReadable = 4.5;
+
+/// A text that a control shows, and the room that the control has for it, in the window's coordinates.
+struct ShownText {
+  std::string control;
+  QString text;
+  QFont font;
+  QRect room;
+  bool enabled;
+  bool wraps;
+};
+
+QRect ButtonRoom(const QAbstractButton& button) {
+  QStyleOptionButton option;
+  option.initFrom(&button);
+  auto part = QStyle::SE_PushButtonContents;
+  if (qobject_cast<const QRadioButton*>(&button) != nullptr) part = QStyle::SE_RadioButtonContents;
+  if (qobject_cast<const QCheckBox*>(&button) != nullptr) part = QStyle::SE_CheckBoxContents;
+  return button.style()->subElementRect(part, &option, &button);
+}
+
+QRect ComboRoom(const QComboBox& box) {
+  QStyleOptionComboBox option;
+  option.initFrom(&box);
+  return box.style()->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField, &box);
+}
+
+QString LineOf(QString text) {
+  if (text.endsWith(u'\r')) text.chop(1);
+  return text;
+}
+
+QList<std::pair<QString, QRect>> TextsOf(const QWidget& widget) {
+  if (const auto* label = qobject_cast<const QLabel*>(&widget))
+    return {{label->text(), label->contentsRect()}};
+  if (const auto* line = dynamic_cast<const StaticText*>(&widget))
+    return {{LineOf(line->Text()), line->rect()}};
+  if (const auto* button = qobject_cast<const QAbstractButton*>(&widget)) {
+    return {{button->text(), ButtonRoom(*button)}};
+  }
+  QList<std::pair<QString, QRect>> texts;
+  if (const auto* box = qobject_cast<const QComboBox*>(&widget)) {
+    texts.append({box->currentText(), ComboRoom(*box)});
+  } else if (const auto* field = qobject_cast<const QLineEdit*>(&widget)) {
+    texts.append({field->text().left(1), field->contentsRect()});
+  } else if (const auto* menu = qobject_cast<const QMenuBar*>(&widget)) {
+    for (QAction* each : menu->actions())
+      texts.append({each->text().remove(u'&'), menu->actionGeometry(each)});
+  } else if (const auto* popup = qobject_cast<const QMenu*>(&widget)) {
+    for (QAction* each : popup->actions()) {
+      if (each->isEnabled()) texts.append({each->text().remove(u'&'), popup->actionGeometry(each)});
+    }
+  }
+  return texts;
+}
+
+bool Wraps(const QWidget& widget) {
+  const auto* label = qobject_cast<const QLabel*>(&widget);
+  return label != nullptr && label->wordWrap();
+}
+
+/// All that can be read in the window.
+QList<ShownText> TextsIn(QWidget& window) {
+  QList<ShownText> shown;
+  QList<QWidget*> widgets = window.findChildren<QWidget*>();
+  widgets.prepend(&window);
+  for (const QWidget* each : widgets) {
+    if (!each->isVisible() || each->window() != &window || each->visibleRegion().isEmpty()) continue;
+    for (const auto& [text, room] : TextsOf(*each)) {
+      if (text.trimmed().isEmpty()) continue;
+      shown.append({each->objectName().toStdString() + " \"" + text.left(30).toStdString() + '"', text,
+                    each->font(), room.translated(each->mapTo(&window, QPoint(0, 0))), each->isEnabled(),
+                    Wraps(*each)});
+    }
+  }
+  return shown;
+}
+
+QSize SizeOf(const ShownText& shown) { return QFontMetrics(shown.font).size(Qt::TextExpandTabs, shown.text); }
+
+bool IsScrolled(const QWidget& window) {
+  return window.findChild<QWidget*>(QStringLiteral("scrolledText")) != nullptr;
+}
+
+class EveryWindowsLooks : public EveryWindow {};
+
+TEST_P(EveryWindowsLooks, CutNoTextOff) {
+  if (const int asked = qEnvironmentVariableIntValue("QT_FONT_DPI"); asked != 0) {
+    ASSERT_EQ(WindowDpi(dialog), asked) << "the scaling has not come through";
+  }
+  program.state.displayScalePercent = ScalingPercent(WindowDpi(dialog));
+  ASSERT_TRUE(IsSupportedScaling(program.state.displayScalePercent)) << WindowDpi(dialog);
+  Visit([&](QWidget& shown) {
+    if (IsScrolled(shown)) return;  // it wraps
+    for (const ShownText& each : TextsIn(shown)) {
+      const QSize needed = SizeOf(each);
+      EXPECT_LE(needed.width(), each.room.width()) << each.control;
+      EXPECT_LE(needed.height(), each.room.height()) << each.control;
+      EXPECT_GE(each.room.left(), 0) << each.control;
+      EXPECT_LE(each.room.left() + needed.width(), shown.width()) << each.control;
+      EXPECT_GE(each.room.top(), 0) << each.control;
+      EXPECT_LE(each.room.top() + needed.height(), shown.height()) << each.control;
+    }
+    EXPECT_FALSE(dialog.MenuBarWraps());
+    // The Terminal Screen has its width in pixels, however large the title's letters are.
+    const bool widthFollowsFont = shown.objectName() != QLatin1String("CTerminalScreen");
+    if (widthFollowsFont && qobject_cast<QDialog*>(&shown) != nullptr && !shown.windowTitle().isEmpty()) {
+      EXPECT_TRUE(TitleFits(shown, shown.windowTitle()));
+    }
+  });
+}
+
+/// Relative luminance of a colour of sRGB.
+double Brightness(QRgb colour) {
+  const auto light = [](int channel) {
+    const double part = channel / 255.0;
+    return part <= 0.03928 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+  };
+  return 0.2126 * light(qRed(colour)) + 0.7152 * light(qGreen(colour)) + 0.0722 * light(qBlue(colour));
+}
+
+double Contrast(QRgb one, QRgb other) {
+  const double a = Brightness(one) + 0.05;
+  const double b = Brightness(other) + 0.05;
+  return a > b ? a / b : b / a;
+}
+
+/// The most that anything in this part of the picture stands out from its commonest colour.
+double ContrastIn(const QImage& picture, QRect part) {
+  QHash<QRgb, int> counts;
+  part &= picture.rect();
+  for (int y = part.top(); y <= part.bottom(); ++y) {
+    for (int x = part.left(); x <= part.right(); ++x) ++counts[picture.pixel(x, y)];
+  }
+  QRgb background = 0;
+  for (auto each = counts.begin(); each != counts.end(); ++each) {
+    if (each.value() > counts.value(background)) background = each.key();
+  }
+  double most = 1;
+  for (auto each = counts.begin(); each != counts.end(); ++each) {
+    most = std::max(most, Contrast(background, each.key()));
+  }
+  return most;
+}
+
+void ExpectReadable(QWidget& window, const char* desktop) {
+  QApplication::processEvents();
+  const QImage picture = window.grab().toImage();
+  int read = 0;
+  for (const ShownText& each : TextsIn(window)) {
+    // What cannot be used may be faint, but for the stored commands: they are there to be read.
+    if (!each.enabled && !each.control.starts_with("MEM")) continue;
+    ++read;
+    EXPECT_GE(ContrastIn(picture, each.room), kReadable) << each.control << " on a " << desktop << " desktop";
+  }
+  EXPECT_GT(read, 0);
+}
+
+TEST_P(EveryWindowsLooks, ReadWellOnABrightDesktop) {
+  const Desktop desktop(Desktop::Bright);
+  Visit([](QWidget& shown) { ExpectReadable(shown, "bright"); });
+}
+
+TEST_P(EveryWindowsLooks, ReadWellOnADarkDesktop) {
+  const Desktop desktop(Desktop::Dark);
+  Visit([](QWidget& shown) { ExpectReadable(shown, "dark"); });
+}
+
+TEST_P(EveryWindowsLooks, FollowTheDesktopWhileOpen) {
+  const Desktop desktop(Desktop::Bright);
+  Visit([](QWidget& shown) {
+    Desktop::Be(Desktop::Dark);
+    ExpectReadable(shown, "darkened");
+    Desktop::Be(Desktop::Bright);
+    ExpectReadable(shown, "brightened");
+  });
+}
+
+INSTANTIATE_TEST_SUITE_P(All, EveryWindowsLooks, ::testing::ValuesIn(WindowCases()), NameOfCase);
+
+}  // namespace
+}  // namespace quarn::test

@@ -1,0 +1,191 @@
+#!/usr/bin/env bash
+# installation.sh VERSION: installs, uses and removes /var/tmp/quarn.deb. Runs as root on a system that is
+# thrown away afterwards.
+set -euo pipefail
+cd /var/tmp
+VERSION=$1
+PACKAGE=/var/tmp/quarn.deb
+MIME_TYPE=application/x-quarn-configuration
+SETTINGS=$HOME/.config/Halvo/Quarn
+export XDG_RUNTIME_DIR=/var/tmp/runtime
+mkdir -m 700 "$XDG_RUNTIME_DIR"
+DEMO=/usr/share/doc/quarn/examples/demo.qrn
+
+step() { printf '%4d s  %s\n' "$SECONDS" "$*"; }
+
+fail() {
+  printf 'installation.sh: %s\n' "$*" >&2
+  exit 1
+}
+
+# expect WHAT EXPECTED ACTUAL
+expect() { [[ $2 == "$3" ]] || fail "$1: expected \"$2\", found \"$3\""; }
+
+# expect_in WHAT EXPECTED TEXT
+expect_in() { [[ $3 == *"$2"* ]] || fail "$1: \"$2\" is not in:"$'\n'"$3"; }
+
+wait_until() {
+  local deadline=$((SECONDS + $1)) what=$2
+  shift 2
+  until "$@"; do
+    ((SECONDS < deadline)) || fail "gave up waiting for $what"
+    sleep 0.05
+  done
+}
+
+install() {
+  apt-get -q install --yes --no-install-recommends "$@" >apt.log 2>&1 || {
+    cat apt.log
+    fail "cannot be installed: $*"
+  }
+  grep '^Need to get' apt.log || true
+}
+
+#--- Installing and removing -----------------------------------------------------------------------------
+
+# Every file, folder and link, and what is in those that many packages write into; but not what apt and dpkg
+# keep for themselves.
+snapshot() {
+  find / -xdev \( -path /proc -o -path /dev -o -path /tmp -o -path /run -o -path /root -o -path /var/tmp \
+    -o -path /var/log -o -path /var/cache -o -path /var/lib/apt -o -path /var/lib/dpkg \) -prune \
+    -o -printf '%y %m %u %g %p\n' | sort
+  find /etc /usr/share/mime /usr/share/applications /usr/share/icons -type f -exec sha256sum {} + | sort -k 2
+}
+
+# Nothing of what the package brought is there, but for folders that others have too.
+check_removed() {
+  local path folders=()
+  while read -r path; do
+    if [[ -d $path && ! -L $path ]]; then
+      folders+=("$path")
+    elif [[ -e $path || -L $path ]]; then
+      fail "$path is left behind"
+    fi
+  done <files.list
+  dpkg --search "${folders[@]}" 2>&1 >/dev/null | sed 's/^/left behind: /' >folders.log
+  [[ ! -s folders.log ]] || fail "$(<folders.log)"
+}
+
+# The settings are the user's own and stay; on the system itself nothing has the program's name any more.
+remove() {
+  local left
+  dpkg --listfiles quarn | sed 's:^/\.$:/:' | grep -v '^/$' >files.list
+  apt-get -qq purge --yes quarn >apt.log 2>&1
+  if dpkg --status quarn >/dev/null 2>&1; then fail "dpkg still knows the package"; fi
+  check_removed
+  left=$(find / -xdev \( -path /proc -o -path /root -o -path /var/tmp \) -prune -o -iname '*quarn*' -print)
+  expect "what is left behind" "" "$left"
+}
+
+#--- The programs ----------------------------------------------------------------------------------------
+
+check_programs() {
+  local program
+  for program in quarn quarn-send quarn-device; do
+    if ldd "/usr/bin/$program" | grep 'not found'; then fail "$program lacks libraries"; fi
+    expect_in "$program --help" "usage: $program " "$($program --help)"
+  done
+  expect_in "quarn --version" "Quarn  (Ver. $VERSION)" "$(quarn --version)"
+  expect "quarn-send --version" "Quarn $VERSION" "$(quarn-send --version)"
+  expect "quarn-device --version" "Quarn device $VERSION" "$(quarn-device --version)"
+}
+
+start_device() {
+  mkdir -p "$SETTINGS/ports"
+  quarn-device --link "$SETTINGS/ports/COM7" >device.log &
+  device=$!
+  wait_until 10 "the simulated instrument" test -s device.log
+}
+
+check_command() {
+  local answer
+  start_device
+  answer=$(quarn-send --settings "$DEMO" --raw '*IDN?')
+  kill "$device"
+  wait "$device"
+  expect "the answer to a command" "HALVO,SIM-1,0001,1.00" "${answer%$'\r'}"
+  [[ ! -e $SETTINGS/ports/COM7 ]] || fail "the simulated instrument has left its link behind"
+}
+
+#--- The desktop -----------------------------------------------------------------------------------------
+
+type_of() { gio info --attributes=standard::content-type "$1" | sed -n 's/.*content-type: //p'; }
+
+check_mime_type() {
+  local icon
+  printf 'no such first line\n' >by-name.qrn
+  cp "$DEMO" by-first-line
+  printf 'neither\n' >neither
+  expect "the type of a .qrn file" "$MIME_TYPE" "$(type_of by-name.qrn)"
+  expect "the type of a file that begins like one" "$MIME_TYPE" "$(type_of by-first-line)"
+  expect "the type of another file" text/plain "$(type_of neither)"
+  icon=$(gio info --attributes=standard::icon by-name.qrn)
+  expect_in "the icon of a .qrn file" "${MIME_TYPE/\//-}" "$icon"
+  [[ -f /usr/share/icons/hicolor/48x48/mimetypes/${MIME_TYPE/\//-}.png ]] || fail "that icon is not there"
+  expect_in "the program for a .qrn file" "quarn.desktop" "$(gio mime "$MIME_TYPE" | head -n 1)"
+}
+
+settings_are_loaded() { grep -qs '^MEM9=\*IDN?' "$SETTINGS/Quarn.ini"; }
+
+# What a double click does, on a screen that nobody sees.
+check_opening() {
+  local opened
+  start_device
+  cp "$DEMO" bench.qrn
+  QT_QPA_PLATFORM=offscreen gio launch /usr/share/applications/quarn.desktop bench.qrn 2>opened.log
+  wait_until 30 "the file to be loaded" settings_are_loaded
+  opened=$(pgrep --exact quarn) || fail "the program has ended: $(<opened.log)"
+  kill "$opened" "$device"
+  wait "$device"
+  rm -r "$HOME/.config"
+}
+
+#--- The shell -------------------------------------------------------------------------------------------
+
+# At another width than the usual one man keeps no copy of what it shows.
+check_manuals() {
+  local program
+  for program in quarn quarn-send quarn-device; do
+    expect_in "the list of manuals" "$program (1)" "$(whatis "$program")"
+    expect_in "the manual of $program" "$($program --version | grep -o "[0-9.]*" | head -n 1)" "$(MANWIDTH=100 man "$program" 2>man.log)"
+    expect "what man has to say" "" "$(<man.log)"
+  done
+}
+
+# A shell completes what was typed; it asks the file that the package has put where it looks for one.
+check_completion() {
+  local completed
+  # shellcheck disable=SC2016  # for the inner shell
+  completed=$(bash -euc 'source /usr/share/bash-completion/completions/quarn-send
+    COMP_WORDS=(quarn-send --se)
+    COMP_CWORD=1
+    "$(complete -p quarn-send | sed "s/.*-F \([^ ]*\).*/\1/")"
+    echo "${COMPREPLY[*]}"')
+  expect "what --se is completed to" --settings "$completed"
+}
+
+#--- The story -------------------------------------------------------------------------------------------
+
+step "installing with what it depends on"
+install "$PACKAGE"
+step "the programs"
+check_programs
+check_command
+step "removing"
+remove
+step "installing what a desktop has"
+install desktop-file-utils hicolor-icon-theme libglib2.0-bin man-db procps
+snapshot >before.list
+step "installing once more"
+install "$PACKAGE"
+check_mime_type
+desktop-file-validate /usr/share/applications/quarn.desktop
+check_manuals
+check_completion
+step "opening a file"
+check_opening
+step "removing"
+remove
+snapshot >after.list
+diff before.list after.list || fail "the system is not what it was before"
+step "the system is what it was before"

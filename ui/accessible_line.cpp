@@ -1,0 +1,61 @@
+#include "ui/accessible_line.h"
+
+#include <QFontMetrics>
+#include <algorithm>
+
+#include "ui/static_text.h"
+
+namespace quarn {
+
+AccessibleLine::AccessibleLine(StaticText* line) : QAccessibleWidget(line) {}
+
+const StaticText* AccessibleLine::Line() const { return dynamic_cast<const StaticText*>(object()); }
+
+QString AccessibleLine::FieldText() const { return Line() != nullptr ? Line()->FieldText() : QString(); }
+
+QAccessible::Role AccessibleLine::role() const {
+  return Line() != nullptr && Line()->IsField() ? QAccessible::EditableText : QAccessible::StaticText;
+}
+
+QString AccessibleLine::text(QAccessible::Text kind) const {
+  return kind == QAccessible::Value && role() == QAccessible::EditableText ? FieldText()
+                                                                           : QAccessibleWidget::text(kind);
+}
+
+void* AccessibleLine::interface_cast(QAccessible::InterfaceType type) {
+  if (type == QAccessible::TextInterface && role() == QAccessible::EditableText) {
+    return static_cast<QAccessibleTextInterface*>(this);
+  }
+  return QAccessibleWidget::interface_cast(type);
+}
+
+void AccessibleLine::selection(int /*index*/, int* start, int* end) const { *start = *end = 0; }
+
+int AccessibleLine::cursorPosition() const { return Line() != nullptr ? Line()->Caret() : 0; }
+
+QString AccessibleLine::text(int start, int end) const { return FieldText().mid(start, end - start); }
+
+int AccessibleLine::characterCount() const { return static_cast<int>(FieldText().size()); }
+
+QRect AccessibleLine::characterRect(int offset) const {
+  if (Line() == nullptr) return {};
+  const QFontMetrics metrics = Line()->fontMetrics();
+  const int left = metrics.horizontalAdvance(FieldText(), offset);
+  const int right = metrics.horizontalAdvance(FieldText(), offset + 1);
+  return {Line()->mapToGlobal(QPoint(left, 0)), QSize(right - left, metrics.height())};
+}
+
+int AccessibleLine::offsetAtPoint(const QPoint& point) const {
+  for (int offset = 0; offset < characterCount(); ++offset) {
+    if (characterRect(offset).contains(point)) return offset;
+  }
+  return -1;
+}
+
+QString AccessibleLine::attributes(int /*offset*/, int* start, int* end) const {
+  *start = 0;
+  *end = characterCount();
+  return {};
+}
+
+}  // namespace quarn

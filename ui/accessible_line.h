@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QAccessibleWidget>
+
+namespace quarn {
+
+class StaticText;
+
+/// What assistive tools see of a StaticText: a line of text, or a field with a caret in its text. The text is
+/// changed by keys alone.
+class AccessibleLine final : public QAccessibleWidget, public QAccessibleTextInterface {
+ public:
+  explicit AccessibleLine(StaticText* line);
+
+  [[nodiscard]] QString text(QAccessible::Text kind) const override;
+  void* interface_cast(QAccessible::InterfaceType type) override;
+  [[nodiscard]] QAccessible::Role role() const override;
+
+  // QAccessibleTextInterface; offsets count characters from the start of the text.
+  void selection(int index, int* start, int* end) const override;
+  [[nodiscard]] int selectionCount() const override { return 0; }
+  void addSelection(int /*start*/, int /*end*/) override {}
+  void removeSelection(int /*index*/) override {}
+  void setSelection(int /*index*/, int /*start*/, int /*end*/) override {}
+  [[nodiscard]] int cursorPosition() const override;
+  void setCursorPosition(int /*position*/) override {}
+  [[nodiscard]] QString text(int start, int end) const override;
+  [[nodiscard]] int characterCount() const override;
+  [[nodiscard]] QRect characterRect(int offset) const override;
+  [[nodiscard]] int offsetAtPoint(const QPoint& point) const override;
+  void scrollToSubstring(int /*start*/, int /*end*/) override {}
+  QString attributes(int offset, int* start, int* end) const override;
+
+ private:
+  /// Null while the widget is being destroyed.
+  [[nodiscard]] const StaticText* Line() const;
+  [[nodiscard]] QString FieldText() const;
+};
+
+}  // namespace quarn
