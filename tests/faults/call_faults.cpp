@@ -1,10 +1,13 @@
 #include "tests/faults/call_faults.h"
 
+#include <fcntl.h>
+
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <filesystem>
+#include <utility>
 
 namespace quarn::test {
 namespace {
@@ -13,7 +16,8 @@ std::atomic<CallFaults*> g_faults = nullptr;
 
 }  // namespace
 
-CallFaults::CallFaults(std::string place, FaultPlan plan) : m_place(std::move(place)), m_plan(plan) {
+CallFaults::CallFaults(std::string place, FaultPlan plan)
+    : m_place(std::move(place)), m_plan(std::move(plan)) {
   for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
     std::error_code gone;  // the descriptor that this is read with
     const std::string target = std::filesystem::read_symlink(entry, gone).string();
@@ -45,6 +49,10 @@ int CallFaults::Error(const char* name) {
   m_plan.event();
   m_eventUnderWay = false;
   return 0;
+}
+
+void CallFaults::NoteFlags(int flags) {
+  if ((flags & (O_CREAT | O_EXCL)) == O_CREAT) ++m_madeOverAnything;
 }
 
 int CallFaults::Writes() const {

@@ -35,6 +35,8 @@ class CallFaults {
   [[nodiscard]] bool Struck() const { return m_plan.failing > 0 && m_calls >= m_plan.failing; }
   /// How many of the calls so far were writes and flushes.
   [[nodiscard]] int Writes() const;
+  /// How many files were made in a way that would have followed a link, or taken what stood there.
+  [[nodiscard]] int MadeOverAnything() const { return m_madeOverAnything; }
   /// Its name, as "write".
   [[nodiscard]] const std::string& Failed() const { return m_failed; }
   /// All calls so far: how many of each name.
@@ -51,6 +53,7 @@ class CallFaults {
   /// The same for a call that can wait, and may be interrupted.
   int ErrorOrInterruption(const char* name);
   void Opened(int descriptor) { m_descriptors.insert(descriptor); }
+  void NoteFlags(int flags);
   void Closed(int descriptor) { m_descriptors.erase(descriptor); }
   /// The time that a write or a flush takes.
   void TakeTime() const;
@@ -65,6 +68,7 @@ class CallFaults {
   std::map<std::string, int> m_seen;
   std::string m_failed;
   int m_calls = 0;
+  int m_madeOverAnything = 0;
   bool m_eventUnderWay = false;                ///< whose calls are its own affair
   std::map<std::string, int> m_interruptions;  ///< of the call that is under way
 };

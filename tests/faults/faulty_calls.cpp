@@ -60,9 +60,10 @@ int Flushed(int descriptor, const char* name, const Flush& flush) {
 }
 
 template <class Open>
-int OpenedBy(const char* path, const Open& open) {
+int OpenedBy(const char* path, int flags, const Open& open) {
   CallFaults* faults = CallFaults::Current();
   if (faults == nullptr || !faults->Concerns(path)) return open();
+  faults->NoteFlags(flags);
   if (const int error = faults->ErrorOrInterruption("open")) return Failure(error);
   const int descriptor = open();
   if (descriptor >= 0) faults->Opened(descriptor);
@@ -82,7 +83,7 @@ QUARN_SYSTEM_CALL(int, open, const char* path, int flags, ...) {
   const mode_t mode = ModeOf(flags, rest);
   va_end(rest);
   static auto* const next = Next<int(const char*, int, ...)>("open");
-  return OpenedBy(path, [&] { return next(path, flags, mode); });
+  return OpenedBy(path, flags, [&] { return next(path, flags, mode); });
 }
 
 QUARN_SYSTEM_CALL(int, open64, const char* path, int flags, ...) {
@@ -91,7 +92,7 @@ QUARN_SYSTEM_CALL(int, open64, const char* path, int flags, ...) {
   const mode_t mode = ModeOf(flags, rest);
   va_end(rest);
   static auto* const next = Next<int(const char*, int, ...)>("open64");
-  return OpenedBy(path, [&] { return next(path, flags, mode); });
+  return OpenedBy(path, flags, [&] { return next(path, flags, mode); });
 }
 
 QUARN_SYSTEM_CALL(int, close, int descriptor) {

@@ -33,6 +33,20 @@ TEST_F(KeyStoreFaults, TheLayerSeesWhatTheLibraryCalls) {
   }
 }
 
+TEST_F(KeyStoreFaults, NoNewFileIsMadeOverWhatStandsThere) {
+  PutWorking(old);
+  const QString copy = Path(QStringLiteral("copy.qrn"));
+  CallFaults faults(Place(), {});
+  UpdateValue(working, keys::kComPort, QStringLiteral("COM3"));
+  EXPECT_TRUE(CopySettingsFile(working, copy));
+  EXPECT_TRUE(WriteDefaultFile(working));
+  EXPECT_TRUE(WriteDefaultFile(Path(QStringLiteral("fresh.qrn"))));
+  EXPECT_EQ(faults.MadeOverAnything(), 0);
+  // That it would be seen.
+  WithBytes("x", QStringLiteral("beside"));
+  EXPECT_EQ(faults.MadeOverAnything(), 1);
+}
+
 TEST_F(KeyStoreFaults, UpdatingAValue) {
   bool said = false;
   PlayFaults(
