@@ -1,0 +1,100 @@
+#include <unistd.h>
+
+#include <QDir>
+#include <QFile>
+#include <QLoggingCategory>
+#include <QTemporaryDir>
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+
+#include "settings/bounds.h"
+#include "settings/key_store.h"
+#include "settings/life_cycle.h"
+#include "settings/settings_table.h"
+
+// The input is a settings file of any version, as a file: compared with the program's keys and brought up to
+// date. Afterwards it has no key that the program does not know, and has lost no entry that it does know.
+namespace quarn {
+namespace {
+
+struct BoundsError {};
+
+void Require(bool holds) {
+  if (!holds) std::abort();
+}
+
+/// One file of this process's own; in memory where there is such a place.
+class OneFile {
+ public:
+  OneFile() : m_folder(Place() + QStringLiteral("/quarn-fuzz-XXXXXX")) {}
+  [[nodiscard]] QString Path() const { return m_folder.filePath(QStringLiteral("user.qrn")); }
+  void Put(const char* bytes, qint64 size) const {
+    QFile file(Path());
+    Require(file.open(QIODevice::WriteOnly) && file.write(bytes, size) == size);
+  }
+  /// The file alone, and nothing beside it.
+  [[nodiscard]] qsizetype Count() const {
+    return QDir(m_folder.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot).size();
+  }
+
+ private:
+  static QString Place() {
+    return ::access("/dev/shm", W_OK) == 0 ? QStringLiteral("/dev/shm") : QDir::tempPath();
+  }
+  QTemporaryDir m_folder;
+};
+
+QStringList Entries(const QString& path) {
+  QStringList entries;
+  ListEntries(path, entries);
+  return entries;
+}
+
+/// What an update must leave: entries that are known, and that no unknown one takes along.
+QStringList KeptOf(const QStringList& entries, const KeySetComparison& comparison) {
+  QStringList kept;
+  for (const QString& entry : entries) {
+    const bool taken =
+        std::any_of(comparison.unknownKeys.begin(), comparison.unknownKeys.end(),
+                    [&](const QString& key) { return !key.isEmpty() && entry.startsWith(key); });
+    if (!taken && FindSetting(SettingsKey(KeyPart(entry).toString())) != nullptr) kept.append(entry);
+  }
+  return kept;
+}
+
+void CheckUpgrade(const QString& path) {
+  const KeySetComparison before = CompareWithDefaults(path);
+  Require(before.result != KeySetResult::NoFile);
+  if (before.result != KeySetResult::Different) return;
+  const QStringList kept = KeptOf(Entries(path), before);
+  UpgradeFile(path, before);
+  const KeySetComparison after = CompareWithDefaults(path);
+  // With what was added the file may have grown out of what can be listed.
+  if (after.result == KeySetResult::Invalid) return;
+  Require(after.unknownKeys.isEmpty());
+  const QStringList entries = Entries(path);
+  for (const QString& entry : kept) Require(entries.count(entry) >= kept.count(entry));
+}
+
+}  // namespace
+}  // namespace quarn
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  static const quarn::OneFile file;
+  static const bool prepared = [] {
+    // Every file that cannot be read would be noted.
+    QLoggingCategory::setFilterRules(QStringLiteral("quarn.settings.debug=false"));
+    quarn::SetBoundsErrorHandler([](const char*) { throw quarn::BoundsError{}; });
+    return true;
+  }();
+  if (!prepared) return 0;
+  file.Put(reinterpret_cast<const char*>(data), static_cast<qint64>(size));
+  try {
+    quarn::CheckUpgrade(file.Path());
+  } catch (const quarn::BoundsError&) {
+    // A fatal limit is a proper end.
+  }
+  quarn::Require(file.Count() == 1);
+  return 0;
+}
