@@ -113,6 +113,8 @@ void CTerminalScreen::CreateControls() {
     m_buttons[i] = button;
     if (description.controlId == kSendButtonId) m_sendButton = button;
   }
+  // It blinks: with nothing above it, no other control is looked at when it is painted.
+  m_commandDisplay->raise();
 }
 
 void CTerminalScreen::CreateMenu() {
