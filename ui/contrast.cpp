@@ -12,7 +12,8 @@ constexpr double kReadable = 4.5;
 constexpr double kDarkBelow = 0.179;
 
 /// A channel of sRGB, 0 to 1, as light.
-double LightOf(double channel) {
+double LightOf(float intensity) {
+  const auto channel = static_cast<double>(intensity);
   return channel <= 0.04045 ? channel / 12.92 : std::pow((channel + 0.055) / 1.055, 2.4);
 }
 
