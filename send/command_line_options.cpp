@@ -17,7 +17,8 @@ const char kUsage[] =
     "exit status: that of the last command\n"
     "  0 response received    1 response time-out    2 empty response\n"
     "  3 response truncated   4 aborted\n"
-    "  5 the port or the settings could not be opened    64 wrong usage\n";
+    "  5 the port or the settings could not be opened, or the line failed\n"
+    "  64 wrong usage\n";
 
 Options ParseArguments(const QStringList& arguments) {
   Options options;

@@ -15,7 +15,7 @@
 namespace quarn::send {
 namespace {
 
-constexpr int kNotOpened = 5;
+constexpr int kFailed = 5;
 
 void Complain(const QString& text) {
   std::fprintf(stderr, "quarn-send: %s\n", text.toLocal8Bit().constData());
@@ -80,11 +80,17 @@ bool Connect(const SettingsRecord& settings, const QString& portsFolder, PortCon
   return false;
 }
 
+/// The log has no line for a read that failed and shows what came before once more. Scripts are told.
+bool LineFailed(TransactionResult result, const PortConnection& connection) {
+  const bool ended = result != TransactionResult::Timeout && result != TransactionResult::Aborted;
+  return ended && connection.status < 0;
+}
+
 /// What came, byte for byte. The receive buffer still holds an earlier response where none did.
 QByteArray RawResponse(TransactionResult result, const PortConnection& connection,
                        const SettingsRecord& settings) {
-  const bool ended = result != TransactionResult::Timeout && result != TransactionResult::Aborted;
-  if (!ended || connection.status < 0) return {};
+  if (result == TransactionResult::Timeout || result == TransactionResult::Aborted) return {};
+  if (LineFailed(result, connection)) return {};
   constexpr std::int32_t kTruncated = 3;
   const std::int32_t kept =
       connection.status == kTruncated ? ResponseLimit(settings.comBuf) : connection.byteCount + 1;
@@ -110,18 +116,24 @@ int Send(const Options& options) {
   const QString dataFolder = DataFolder();
   SettingsRecord settings;
   PortConnection connection;
-  if (!LoadSettingsFile(options, dataFolder, settings)) return kNotOpened;
-  if (!Connect(settings, PortsFolder(dataFolder), connection)) return kNotOpened;
+  if (!LoadSettingsFile(options, dataFolder, settings)) return kFailed;
+  if (!Connect(settings, PortsFolder(dataFolder), connection)) return kFailed;
   TransactionEngine engine(connection);
   ShellHost host;
-  TransactionResult result = TransactionResult::Received;
+  int status = 0;
   for (const QString& command : options.commands) {
     connection.command = command;
-    result = engine.RunTransaction(settings, host);
+    const TransactionResult result = engine.RunTransaction(settings, host);
     Print(options, result, connection, settings);
+    status = static_cast<int>(result);
+    if (LineFailed(result, connection)) {
+      Complain(QStringLiteral("the line failed while \"%1\" waited for its response").arg(command));
+      status = kFailed;
+      break;
+    }
   }
   ClosePort(connection);
-  return static_cast<int>(result);
+  return status;
 }
 
 }  // namespace quarn::send

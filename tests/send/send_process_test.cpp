@@ -21,6 +21,7 @@ constexpr int kPatienceMs = 90'000;
 constexpr char kRules[] =
     "\"id\" -> line \"SIM-1\"\n"
     "\"mute\" -> silence\n"
+    "\"drop\" -> hangup\n"
     "\"empty\" -> \"\\n\"\n"
     "\"nul\" -> \"A\\x00B\\n\"\n"
     "\"big\" -> \"x\" * 1501\n"
@@ -140,6 +141,19 @@ TEST_F(SendProcess, RawOfNoResponseIsNothing) {
   const Outcome sent = Send("--raw id mute");
   EXPECT_EQ(sent.out, "SIM-1\r\n") << "the response before is not this command's";
   EXPECT_EQ(sent.exitCode, 1);
+}
+
+TEST_F(SendProcess, ALineThatFailsIsFiveWithTheCommandThatWaited) {
+  const Outcome sent = Send("id drop id");
+  EXPECT_EQ(sent.exitCode, 5);
+  EXPECT_EQ(sent.err, "quarn-send: the line failed while \"drop\" waited for its response\n");
+  EXPECT_EQ(m_instrument.Received(), "id\r\ndrop\r\n") << "nothing is sent on a line that has failed";
+}
+
+TEST_F(SendProcess, RawOfALineThatFailsIsWhatCameBefore) {
+  const Outcome sent = Send("--raw id drop");
+  EXPECT_EQ(sent.out, "SIM-1\r\n") << "the response before is not this command's";
+  EXPECT_EQ(sent.exitCode, 5);
 }
 
 TEST_F(SendProcess, ThePortCanBeNamed) {
