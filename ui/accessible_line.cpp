@@ -11,10 +11,14 @@ AccessibleLine::AccessibleLine(StaticText* line) : QAccessibleWidget(line) {}
 
 const StaticText* AccessibleLine::Line() const { return dynamic_cast<const StaticText*>(object()); }
 
-QString AccessibleLine::FieldText() const { return Line() != nullptr ? Line()->FieldText() : QString(); }
+QString AccessibleLine::FieldText() const {
+  const StaticText* line = Line();
+  return line != nullptr ? line->FieldText() : QString();
+}
 
 QAccessible::Role AccessibleLine::role() const {
-  return Line() != nullptr && Line()->IsField() ? QAccessible::EditableText : QAccessible::StaticText;
+  const StaticText* line = Line();
+  return line != nullptr && line->IsField() ? QAccessible::EditableText : QAccessible::StaticText;
 }
 
 QString AccessibleLine::text(QAccessible::Text kind) const {
@@ -31,18 +35,22 @@ void* AccessibleLine::interface_cast(QAccessible::InterfaceType type) {
 
 void AccessibleLine::selection(int /*index*/, int* start, int* end) const { *start = *end = 0; }
 
-int AccessibleLine::cursorPosition() const { return Line() != nullptr ? Line()->Caret() : 0; }
+int AccessibleLine::cursorPosition() const {
+  const StaticText* line = Line();
+  return line != nullptr ? line->Caret() : 0;
+}
 
 QString AccessibleLine::text(int start, int end) const { return FieldText().mid(start, end - start); }
 
 int AccessibleLine::characterCount() const { return static_cast<int>(FieldText().size()); }
 
 QRect AccessibleLine::characterRect(int offset) const {
-  if (Line() == nullptr) return {};
-  const QFontMetrics metrics = Line()->fontMetrics();
+  const StaticText* line = Line();
+  if (line == nullptr) return {};
+  const QFontMetrics metrics = line->fontMetrics();
   const int left = metrics.horizontalAdvance(FieldText(), offset);
   const int right = metrics.horizontalAdvance(FieldText(), offset + 1);
-  return {Line()->mapToGlobal(QPoint(left, 0)), QSize(right - left, metrics.height())};
+  return {line->mapToGlobal(QPoint(left, 0)), QSize(right - left, metrics.height())};
 }
 
 int AccessibleLine::offsetAtPoint(const QPoint& point) const {
