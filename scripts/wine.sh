@@ -11,6 +11,8 @@ wine() { "$WINE" "$@"; }
 # A prefix made anew, with its server kept alive between programs: starting one takes longer than many a test.
 make_prefix() {
   export WINEPREFIX=$PLACE/prefix WINEARCH=win64 WINEDEBUG=-all
+  # In another character set Wine cannot name every file.
+  use_utf8
   # No associations on this desktop, no offers to install what is not needed, no debugger that waits for a person.
   export WINEDLLOVERRIDES='winemenubuilder.exe=d;mscoree=d;mshtml=d;winedbg.exe=d'
   [[ -x $WINE && -x $WINESERVER ]] || fail "Wine's 64-bit loader and server are not in /usr/lib/wine"
