@@ -1,4 +1,5 @@
 #include <QStringList>
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -28,20 +29,28 @@ void CheckShortName(const QString& friendlyName) {
   Require(quarn::DevicePathOf(friendlyName).endsWith(friendlyName));
 }
 
+/// The number that a name is sorted by: COM7 stands where COM07 would.
+QString NumberOf(const QString& shortName) { return shortName.mid(3).rightJustified(2, QLatin1Char('0')); }
+
+/// Sorting keeps every name that has a port, once for each time it came, in the order of the numbers.
 void CheckSorting(const QString& text) {
-  const QStringList lines = text.split(QLatin1Char('\n'));
+  const QStringList lines = text.split(QLatin1Char('\n')).mid(0, quarn::kPortCapacity);
   PortNames names;
-  std::int32_t count = 0;
-  while (count < quarn::kPortCapacity && count < lines.size()) {
-    names[static_cast<std::size_t>(count)] = lines[count];
-    ++count;
+  std::ranges::copy(lines, names.begin());
+  QStringList expected;
+  for (const QString& line : lines) {
+    if (const QString name = quarn::ShortPortName(line); !name.isEmpty()) expected.append(name);
   }
-  const std::int32_t before = count;
+  auto count = static_cast<std::int32_t>(lines.size());
   quarn::SortPortNames(count, names);
-  Require(count >= 0 && count <= before);
-  for (std::size_t i = 0; i < names.size(); ++i) {
-    Require(names[i].isEmpty() == (i >= static_cast<std::size_t>(count)));
-  }
+  Require(count == expected.size());
+  QStringList sorted(names.begin(), names.begin() + count);
+  Require(std::ranges::is_sorted(sorted, {}, NumberOf));
+  Require(
+      std::all_of(names.begin() + count, names.end(), [](const QString& name) { return name.isEmpty(); }));
+  expected.sort();
+  sorted.sort();
+  Require(sorted == expected);
 }
 
 void CheckComposing(const QString& text) {

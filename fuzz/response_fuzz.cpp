@@ -31,6 +31,23 @@ void CheckText(const QByteArray& text, int width) {
   Require(text.endsWith('\r'));
 }
 
+/// The text three times in a log: every line whole and in order, the last in view.
+void CheckLog(const QByteArray& text, const QString& lineNum) {
+  // One log for all runs, as the program has one for all sessions.
+  static OperationLog log;
+  log.ResetLog();
+  for (int i = 0; i < 3; ++i) {
+    if (log.BeginTransaction()) log.AppendLogText(text);
+    Require(log.LineCount() <= LogLineCapacity && log.LineCount() == log.WritePos());
+    Require(log.TopLine() >= 0 && (log.LineCount() == 0 || log.TopLine() < log.LineCount()));
+    Require(log.LineCount() <= log.TopLine() + ScreenRowCount);
+  }
+  for (int row = 0; row < ScreenRowCount; ++row) Require(log.RowText(row, lineNum).size() <= 8192 + 7);
+  const QByteArray copied = log.CopyLogAll(QStringLiteral("OFF")).toLatin1();
+  Require((text + text + text).startsWith(copied) && copied.count('\r') == log.LineCount());
+  Require(copied.size() == 3 * text.size() || log.LineCount() == LogLineCapacity || text.size() > 8192);
+}
+
 }  // namespace
 
 /// The first two bytes choose delimiter, width, result and line numbers; the rest is the response.
@@ -55,13 +72,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const QByteArray text = LogTextOf(result, QStringLiteral("cmd"), connection, settings);
   CheckText(text, settings.inputMax == u"W" ? 64 : settings.inputMax == u"M" ? 56 : 48);
 
-  OperationLog log;
-  for (int i = 0; i < 3; ++i) {
-    if (log.BeginTransaction()) log.AppendLogText(text);
-    Require(log.LineCount() <= LogLineCapacity && log.LineCount() == log.WritePos());
-    Require(log.TopLine() >= 0 && (log.LineCount() == 0 || log.TopLine() < log.LineCount()));
-    for (int row = 0; row < ScreenRowCount; ++row) Require(log.RowText(row, lineNum).size() <= 8192 + 7);
-  }
-  Require(log.CopyLogAll(QStringLiteral("OFF")).size() <= text.size() * 3);
+  CheckLog(text, lineNum);
   return 0;
 }

@@ -57,7 +57,7 @@ void OperationLog::AppendLogText(const QByteArray& text) {
 }
 
 void OperationLog::ResetLog() {
-  std::ranges::fill(m_lines, QByteArray());
+  std::fill_n(m_lines.begin(), m_lineCount, QByteArray());
   m_lineCount = 0;
   m_writePos = 0;
   m_topLine = 0;
