@@ -11,7 +11,9 @@ static void InitPictures() { Q_INIT_RESOURCE(pictures); }
 namespace quarn {
 namespace {
 
-constexpr std::array kIconSides{16, 32, 48, 64, 128, 256};
+/// Each window hands all of them to the window manager, pixel by pixel: larger ones make every window appear
+/// later. Where larger ones are shown they are the package's and the Windows program's own.
+constexpr std::array kIconSides{16, 32, 48, 64};
 constexpr std::array kLogoWidths{64, 96, 128, 192};
 constexpr std::array kWarningWidths{36, 54, 72, 108};
 constexpr QSize kLogoShape{1, 1};

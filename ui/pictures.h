@@ -21,7 +21,7 @@ void LoadResources();
 QPixmap Logo(QSize room, double devicePixelRatio);
 /// The error box's picture (142), nine wide to eight high.
 QPixmap WarningPicture(QSize room, double devicePixelRatio);
-/// The program's icon (128), from 16 to 256 pixels.
+/// The windows' icon (128), from 16 to 64 pixels.
 QIcon ApplicationIcon();
 
 }  // namespace quarn
