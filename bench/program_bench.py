@@ -1,24 +1,72 @@
 #!/usr/bin/env python3
-"""What the program costs as a whole, measured from outside on a virtual display.
+"""What the program costs as a whole, measured from outside on a virtual display; alone, or in turn with others.
 
-    bench/program_bench.py PROGRAM [--runs N] [--idle SECONDS]
+    bench/program_bench.py PROGRAM --settings FILE [--runs N] [--idle SECONDS] [--beside LIBRARY]
 
-With a connected port (a pseudo-terminal as COM3) and the Terminal Screen open:
-  start   from the spawn to the main dialog on screen, less the two waits that are the program's own: the
-          splash and the "Successfully Connected" message, 2000 ms each; looked at every millisecond
-  idle    CPU milliseconds a second, all threads, all timers running, nothing sent
-  memory  proportional set size (PSS) in MiB at the end of the idle time
-  answer  CPU milliseconds for a command of two characters that is typed, sent and answered with 64 bytes; what
-          the program takes in that time anyway is not counted
-One unmeasured run comes first, so that the files are warm.
+With a connected port (a pseudo-terminal) and the window in which commands are typed open:
+  start     from the spawn to the main window on screen, less the waits that are the program's own: the splash
+            and the "Successfully Connected" message, 2000 ms each; looked at every millisecond
+  memory    proportional set size (PSS) in MiB at the end of the idle time
+  idle      CPU milliseconds a second, all threads, all timers running, nothing sent
+  switches  context switches a second in that time, all threads
+  answer    CPU milliseconds for a command of two characters that is typed, sent and answered with 64 bytes; what
+            the program takes in that time anyway is not counted
+Before each run there is an unmeasured one, so that the files are warm. The last line says what the rest of the
+computer did meanwhile.
 """
 import argparse, ctypes, os, pathlib, select, signal, statistics, subprocess, sys, tempfile, time, tty
+from dataclasses import dataclass, field
 
-OWN_WAITS_MS = 4000
 LIMIT_S = 30
 COMMANDS = 40
 COMMAND_S = 0.3  # long enough for the silence that ends an answer
-ANSWER = bytes(range(0x21, 0x21 + 64)) + b"\r"
+ANSWER = bytes(range(0x21, 0x21 + 64))
+FIGURES = (("start", "ms"), ("memory", "MiB"), ("idle", "ms/s"), ("switches", "1/s"), ("answer", "ms"))
+
+
+@dataclass
+class Program:
+    """How a program is started on a line. {port} stands for the line's path, {home} for the home folder."""
+    name: str
+    command: list
+    main: bytes                                      # in the main window's title
+    typed_in: bytes = b""                            # in the title of the window for commands, when it is another
+    own_waits_ms: int = 0
+    files: dict = field(default_factory=dict)        # path in the home folder: text
+    links: dict = field(default_factory=dict)        # path in the home folder: target
+    environment: dict = field(default_factory=dict)
+    opening_keys: str = ""                           # what opens the port, when the start does not
+    line_end: bytes = b"\r\n"                        # of the answers
+
+
+def quarn(program, settings):
+    return Program("quarn", [os.path.abspath(program)], b"Quarn   (COM3)", b"Quarn - Terminal", 4000,
+                   files={"config/Halvo/Quarn/Quarn.ini": settings},
+                   links={"config/Halvo/Quarn/ports/COM3": "{port}"}, line_end=b"\r",
+                   environment={"XDG_CONFIG_HOME": "{home}/config", "QT_QPA_PLATFORM": "xcb"})
+
+
+def others(modem_lines):
+    """The serial windows of Debian's packages of these names."""
+    cutecom = {"session": "bench", "Device": "{port}", "BaudRate": 115200, "DataBits": 8, "Parity": 0, "StopBits": 1,
+               # With hardware flow control it leaves the modem lines alone, which a pseudo-terminal has not.
+               "FlowControl": 1, "OpenMode": 3}
+    session = cutecom.pop("session")
+    return [
+        Program("cutecom", ["cutecom", "-s", session], b"CuteCom", opening_keys="alt+o", files={
+            ".config/CuteCom/CuteCom5.conf": f"[CuteCom]\nsession={session}\n\n[sessions]\nsize=1\n1\\name={session}\n"
+            + "".join(f"1\\{key}={value}\n" for key, value in cutecom.items())}),
+        # It closes a line that does not know the question for the modem lines.
+        Program("gtkterm", ["gtkterm", "-p", "{port}", "-s", "115200"], b"GTKTerm", opening_keys="F5",
+                environment={"LD_PRELOAD": modem_lines},
+                # Without a file it stops at a message.
+                files={".config/.gtktermrc": "[default]\nport = {port}\nspeed = 115200\nbits = 8\nstopbits = 1\n"
+                                             "parity = none\nflow = none\nfont = \"Monospace 12\"\n"
+                                             # and draws black on black
+                                             + "".join(f"term_foreground_{part} = 1.0\n"
+                                                       for part in ("red", "green", "blue", "alpha"))}),
+        Program("putty", ["putty", "-serial", "{port}", "-sercfg", "115200,8,n,1,N"], b"PuTTY"),
+    ]
 
 
 class Display:
@@ -77,40 +125,52 @@ class Display:
         self.lib.XFree(data)
         return value
 
-    def shows(self, beginning):
-        """Whether a managed window's title begins so. The manager lists a window when it maps it."""
+    def shows(self, part):
+        """Whether a managed window's title has this part. The manager lists a window when it maps it."""
         clients = memoryview(self.property(self.root, "_NET_CLIENT_LIST")).cast("L")
-        return any(self.property(each, "_NET_WM_NAME").startswith(beginning) for each in clients)
+        return any(part in self.property(each, "_NET_WM_NAME") for each in clients)
+
+    def keys(self, *keys):
+        subprocess.run(["xdotool", "key", "--delay", "0", *keys], env={**os.environ, "DISPLAY": self.name}, check=True)
 
 
 class Run:
-    """The program with a settings folder and a line of its own."""
+    """A program with a home folder and a line of its own."""
 
     def __init__(self, program, display):
+        self.program, self.display = program, display
         self.folder = tempfile.TemporaryDirectory()
-        base = pathlib.Path(self.folder.name)
-        ports = base / "config/Halvo/Quarn/ports"
-        ports.mkdir(parents=True)
-        runtime = base / "run"
-        runtime.mkdir(mode=0o700)
-        self.far_end, near_end = os.openpty()
-        tty.setraw(near_end)
-        (ports / "COM3").symlink_to(os.ttyname(near_end))
-        os.close(near_end)
-        self.settings = ports.parent / "Quarn.ini"
-        self.environment = {**os.environ, "DISPLAY": display.name, "HOME": str(base), "QT_QPA_PLATFORM": "xcb",
-                            "XDG_CONFIG_HOME": str(base / "config"), "XDG_RUNTIME_DIR": str(runtime)}
-        self.program = program
-
-    def write_settings(self, text):
-        self.settings.write_text(text)
-
-    def start(self):
+        home = pathlib.Path(self.folder.name)
+        (home / "run").mkdir(mode=0o700)
+        # The near end stays open: a program may close the line and open it anew.
+        self.far_end, self.near_end = os.openpty()
+        tty.setraw(self.near_end)
+        places = {"port": os.ttyname(self.near_end), "home": str(home)}
+        for name, text in program.files.items():
+            (home / name).parent.mkdir(parents=True, exist_ok=True)
+            (home / name).write_text(text.format(**places) if "{port}" in text else text)
+        for name, target in program.links.items():
+            (home / name).parent.mkdir(parents=True, exist_ok=True)
+            (home / name).symlink_to(target.format(**places))
+        environment = {**os.environ, "DISPLAY": display.name, "HOME": str(home), "XDG_RUNTIME_DIR": str(home / "run"),
+                       **{name: value.format(**places) for name, value in program.environment.items()}}
         self.began = time.perf_counter()
-        self.process = subprocess.Popen([self.program], env=self.environment, stdin=subprocess.DEVNULL)
+        self.process = subprocess.Popen([each.format(**places) for each in program.command], env=environment, cwd=home,
+                                        stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+
+    def wait_for(self, part):
+        self.display.wait(lambda: self.display.shows(part) or self.process.poll() is not None,
+                          f"the window of {self.program.name}", 0.001)
+        if self.process.poll() is not None:
+            sys.exit(f"{self.program.name} has ended")
 
     def cpu_ms(self):
         return time.clock_gettime((~self.process.pid << 3) | 2) * 1000  # the process's own CPU clock
+
+    def switches(self):
+        statuses = pathlib.Path(f"/proc/{self.process.pid}/task").glob("*/status")
+        return sum(int(line.split()[1]) for each in statuses for line in each.read_text().splitlines()
+                   if "ctxt_switches" in line)
 
     def pss_mib(self):
         text = pathlib.Path(f"/proc/{self.process.pid}/smaps_rollup").read_text()
@@ -119,46 +179,57 @@ class Run:
     def answer_one_command(self):
         """Types a command and answers it when it is on the wire."""
         due = time.perf_counter() + COMMAND_S
-        subprocess.run(["xdotool", "key", "--delay", "0", "i", "d", "Return"], env=self.environment, check=True)
+        self.display.keys("i", "d", "Return")
         asked = b""
-        while not asked.endswith(b"id\r"):
+        while not asked.endswith((b"id\r", b"id\n")):
             if not select.select([self.far_end], [], [], LIMIT_S)[0]:
-                sys.exit("the command did not reach the line")
+                sys.exit(f"the command of {self.program.name} did not reach the line")
             asked += os.read(self.far_end, 256)
-        os.write(self.far_end, ANSWER)
+        os.write(self.far_end, ANSWER + self.program.line_end)
         time.sleep(max(0, due - time.perf_counter()))
 
     def end(self):
         if self.process.poll() is None:
             self.process.send_signal(signal.SIGTERM)
         self.process.wait()
+        os.close(self.near_end)
         os.close(self.far_end)
         self.folder.cleanup()
 
 
-def measure(program, display, settings, idle_s):
-    run = Run(program, display)
-    run.write_settings(settings)
+def computer_ms():
+    """What all processors have done since the start of the system."""
+    words = pathlib.Path("/proc/stat").read_text().split("\n", 1)[0].split()
+    return (sum(map(int, words[1:4])) + sum(map(int, words[6:9]))) * 1000 / os.sysconf("SC_CLK_TCK")
+
+
+def measure(program, display, idle_s):
     # The window manager may not yet have noticed that the last run's windows are gone.
-    display.wait(lambda: not display.shows(b"Quarn"), "the last run's windows to go", 0.01)
-    run.start()
+    display.wait(lambda: not display.shows(program.main), "the last run's windows to go", 0.01)
+    run = Run(program, display)
     try:
-        display.wait(lambda: display.shows(b"Quarn   (COM3)") or run.process.poll() is not None, "the main dialog", 0.001)
-        start = (time.perf_counter() - run.began) * 1000 - OWN_WAITS_MS
-        if run.process.poll() is not None:
-            sys.exit("the program has ended")
-        display.wait(lambda: display.shows(b"Quarn - Terminal"), "the Terminal Screen")
+        run.wait_for(program.main)
+        start = (time.perf_counter() - run.began) * 1000 - program.own_waits_ms
+        run.wait_for(program.typed_in or program.main)
+        if not idle_s:
+            return None
+        if program.opening_keys:
+            time.sleep(1)
+            display.keys(program.opening_keys)
         time.sleep(3)
-        before, begin = run.cpu_ms(), time.perf_counter()
+        cpu, switches, computer, begin = run.cpu_ms(), run.switches(), computer_ms(), time.perf_counter()
         time.sleep(idle_s)
-        idle = (run.cpu_ms() - before) / (time.perf_counter() - begin)
+        seconds = time.perf_counter() - begin
+        idle = (run.cpu_ms() - cpu) / seconds
+        switches = (run.switches() - switches) / seconds
+        rest = (computer_ms() - computer) / seconds - idle
         memory = run.pss_mib()
         run.answer_one_command()
-        before, begin = run.cpu_ms(), time.perf_counter()
+        cpu, begin = run.cpu_ms(), time.perf_counter()
         for _ in range(COMMANDS):
             run.answer_one_command()
-        answer = (run.cpu_ms() - before - idle * (time.perf_counter() - begin)) / COMMANDS
-        return start, idle, memory, answer
+        answer = (run.cpu_ms() - cpu - idle * (time.perf_counter() - begin)) / COMMANDS
+        return (start, memory, idle, switches, answer), rest
     finally:
         run.end()
 
@@ -169,17 +240,28 @@ def main():
     options.add_argument("--settings", required=True, help="settings file with COM_PORT=COM3")
     options.add_argument("--runs", type=int, default=7)
     options.add_argument("--idle", type=float, default=10)
+    options.add_argument("--beside", metavar="LIBRARY",
+                         help="measure the other programs too; LIBRARY is what modem_lines.c is built into")
     given = options.parse_args()
-    settings = pathlib.Path(given.settings).read_text()
+    programs = [quarn(given.program, pathlib.Path(given.settings).read_text())]
+    if given.beside:
+        programs += others(given.beside)
+    rows, rests = {each.name: [] for each in programs}, []
     display = Display()
     try:
-        measure(given.program, display, settings, 0.1)
-        rows = [measure(given.program, display, settings, given.idle) for _ in range(given.runs)]
+        for _ in range(given.runs):
+            for each in programs:
+                measure(each, display, 0)
+                figures, rest = measure(each, display, given.idle)
+                rows[each.name].append(figures)
+                rests.append(rest)
     finally:
         display.end()
-    for name, unit, values in zip(("start", "idle", "memory", "answer"), ("ms", "ms/s", "MiB", "ms"), zip(*rows)):
-        print(f"{name:8}{statistics.median(values):8.2f} {unit:5} (from {min(values):.2f} to {max(values):.2f}, "
-              f"{len(values)} runs)")
+    for name, runs in rows.items():
+        for (figure, unit), values in zip(FIGURES, zip(*runs)):
+            print(f"{name:9}{figure:9}{statistics.median(values):8.2f} {unit:5}"
+                  f"(from {min(values):.2f} to {max(values):.2f}, {len(values)} runs)")
+    print(f"the rest of the computer: {statistics.median(rests):.0f} ms/s, at most {max(rests):.0f}")
 
 
 main()
