@@ -1,5 +1,7 @@
 #include "app/dialog_placement.h"
 
+#include <algorithm>
+
 namespace quarn {
 namespace {
 
@@ -24,6 +26,12 @@ QPoint PlaceBeside(const QRect& mainDialog, QSize dialog, QSize screen) {
     x = screen.width() - dialog.width() - mainDialog.width() - kGapToTheLeft;
   }
   return {x, mainDialog.y()};
+}
+
+QPoint PlaceUnder(const QRect& mainDialog, QSize dialog, QSize screen) {
+  const QPoint wanted{mainDialog.x(), mainDialog.y() + mainDialog.height() + kGap};
+  const QSize room = (screen - dialog).expandedTo({0, 0});
+  return {std::clamp(wanted.x(), 0, room.width()), std::clamp(wanted.y(), 0, room.height())};
 }
 
 }  // namespace quarn

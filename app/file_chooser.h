@@ -12,6 +12,7 @@ struct FileQuestion {
   QStringList filters;
   QString suffix;       ///< given to a typed name that has none
   QString initialName;  ///< a path or a bare name; may be empty
+  QString folder;       ///< where to begin; empty: where the last file was chosen
 };
 
 /// Asks the person for a file, on the user-interface thread. An empty text means that they cancelled.

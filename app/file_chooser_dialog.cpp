@@ -1,10 +1,13 @@
 #include "app/file_chooser_dialog.h"
 
+#include <QCoreApplication>
 #include <QDateTime>
+#include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QHeaderView>
 #include <QLocale>
+#include <QStandardPaths>
 #include <QTreeView>
 #include <algorithm>
 #include <utility>
@@ -33,41 +36,60 @@ void FitColumns(QFileDialog& dialog) {
   dialog.resize(MapDialogUnits(dialog.font(), kChooserUnits).size());
 }
 
-void PutQuestion(QFileDialog& dialog, const FileQuestion& question) {
+/// A program that its shortcut starts stands in its own folder, where nobody looks for files.
+QString FolderAtFirst() {
+  const QString working = QDir::currentPath();
+  if (QDir(working) != QDir(QCoreApplication::applicationDirPath())) return working;
+  const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+  return QFileInfo(documents).isDir() ? documents : QDir::homePath();
+}
+
+void PutQuestion(QFileDialog& dialog, const FileQuestion& question, const QString& folder) {
   dialog.setOption(QFileDialog::HideNameFilterDetails);
   dialog.setNameFilters(question.filters);
   dialog.setDefaultSuffix(question.suffix);
   FitColumns(dialog);
-  if (!question.initialName.isEmpty()) dialog.selectFile(question.initialName);
-}
-
-QString Answer(QFileDialog& dialog) {
-  if (dialog.exec() != QDialog::Accepted) return {};
-  return dialog.selectedFiles().value(0);
+  dialog.setDirectory(folder);
+  // With the folder told apart: some systems' own dialogs take only the name out of a selected path.
+  if (!question.initialName.isEmpty()) {
+    dialog.selectFile(QDir(folder).filePath(QFileInfo(question.initialName).fileName()));
+  }
 }
 
 }  // namespace
+
+QString FileChooserDialog::Ask(QFileDialog& dialog, const FileQuestion& question) {
+  QString folder = question.folder;
+  if (folder.isEmpty() && QFileInfo(question.initialName).isAbsolute()) {
+    folder = QFileInfo(question.initialName).absolutePath();
+  }
+  if (folder.isEmpty()) folder = m_lastFolder;
+  if (folder.isEmpty()) folder = FolderAtFirst();
+  PutQuestion(dialog, question, folder);
+  if (dialog.exec() != QDialog::Accepted) return {};
+  const QString path = dialog.selectedFiles().value(0);
+  m_lastFolder = QFileInfo(path).absolutePath();
+  return QDir::toNativeSeparators(path);
+}
 
 QString FileChooserDialog::AskOpenFile(const FileQuestion& question) {
   QFileDialog dialog(m_owner, question.title);
   dialog.setAcceptMode(QFileDialog::AcceptOpen);
   dialog.setFileMode(QFileDialog::ExistingFile);
-  PutQuestion(dialog, question);
   // A file without a suffix that was picked from the list is meant as it stands.
   QObject::connect(&dialog, &QFileDialog::currentChanged, &dialog, [&](const QString& path) {
     const QFileInfo info(path);
     const bool bare = info.isFile() && !info.fileName().contains(u'.');
     dialog.setDefaultSuffix(bare ? QString() : question.suffix);
   });
-  return Answer(dialog);
+  return Ask(dialog, question);
 }
 
 QString FileChooserDialog::AskSaveFile(const FileQuestion& question) {
   QFileDialog dialog(m_owner, question.title);
   dialog.setAcceptMode(QFileDialog::AcceptSave);
   dialog.setFileMode(QFileDialog::AnyFile);
-  PutQuestion(dialog, question);
-  return Answer(dialog);
+  return Ask(dialog, question);
 }
 
 }  // namespace quarn

@@ -1,5 +1,6 @@
 #include "app/file_commands.h"
 
+#include <QFileInfo>
 #include <QScopedValueRollback>
 #include <QThread>
 #include <utility>
@@ -45,7 +46,8 @@ void FileCommands::Open() {
     const QString path = m_chooser.AskOpenFile({QStringLiteral("Open Quarn Configuration File"),
                                                 {kQrnFiles, QStringLiteral("All Files (*.*) (*)")},
                                                 kSuffix,
-                                                QString()});
+                                                QString(),
+                                                FolderInForce()});
     if (path.isEmpty()) return;
     if (!LoadUserFile(m_program, path).isEmpty()) m_program.fileLoaded = true;
     // Also the file that could not be loaded: saving is how its owner mends it.
@@ -64,11 +66,11 @@ void FileCommands::Save() {
 void FileCommands::SaveAs() {
   Run([this] {
     const QString& inForce = m_program.userFile;
-    const QString path =
-        m_chooser.AskSaveFile({QStringLiteral("Save As Quarn Configuration File"),
-                               {kQrnFiles, QStringLiteral("All files (*.*) (*)")},
-                               kSuffix,
-                               inForce.isEmpty() ? QStringLiteral("Untitled.qrn") : inForce});
+    const QString path = m_chooser.AskSaveFile({QStringLiteral("Save As Quarn Configuration File"),
+                                                {kQrnFiles, QStringLiteral("All files (*.*) (*)")},
+                                                kSuffix,
+                                                inForce.isEmpty() ? QStringLiteral("Untitled.qrn") : inForce,
+                                                FolderInForce()});
     if (!path.isEmpty() && CopyTo(path)) SetUserFile(path);
   });
 }
@@ -144,6 +146,10 @@ void FileCommands::SetUserFile(const QString& path) {
   m_window.ShowUserFile();
   // The menu follows the user file; the main dialog brings it up to date.
   m_program.state.requests.mainRefresh = true;
+}
+
+QString FileCommands::FolderInForce() const {
+  return m_program.userFile.isEmpty() ? QString() : QFileInfo(m_program.userFile).absolutePath();
 }
 
 bool FileCommands::CopyTo(const QString& path) {

@@ -43,6 +43,8 @@ class FileCommands {
   /// True when nothing would be lost, or when the person agrees to it.
   bool MayLoseChanges();
   void SetUserFile(const QString& path);
+  /// The folder of the user file, or nothing without one.
+  [[nodiscard]] QString FolderInForce() const;
   bool CopyTo(const QString& path);
   void PutDefaultsInForce();
   void ShowOrHideTerminalScreen();

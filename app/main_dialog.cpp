@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDir>
 #include <QGridLayout>
 #include <QLabel>
 #include <QMimeData>
@@ -32,6 +33,8 @@ constexpr int kLogoUnits = 36;
 CQuarnDlg::CQuarnDlg(Program& program)
     : m_program(program), m_chooser(this), m_files(program, *this, m_chooser), m_monitor(program, *this) {
   setObjectName(QStringLiteral("CQuarnDlg"));
+  // A program that is open all day is put away between two measurements.
+  setWindowFlag(Qt::WindowMinimizeButtonHint);
   CreateControls();
   CreateMenus();
   UpdateMenuState();
@@ -186,7 +189,7 @@ void CQuarnDlg::dragEnterEvent(QDragEnterEvent* event) {
 void CQuarnDlg::dropEvent(QDropEvent* event) {
   QStringList files;
   for (const QUrl& url : event->mimeData()->urls()) {
-    if (url.isLocalFile()) files.append(url.toLocalFile());
+    if (url.isLocalFile()) files.append(QDir::toNativeSeparators(url.toLocalFile()));
   }
   if (files.isEmpty()) return;
   event->acceptProposedAction();

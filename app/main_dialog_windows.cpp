@@ -86,7 +86,7 @@ void CQuarnDlg::OpenDetailedPortList() {
   m_program.state.requests.detailedListClose = false;
   if (BringToFront(m_portDetails, m_program.state.open.detailedPortList)) return;
   m_portDetails = new CPortDetails(this, Context());
-  m_portDetails->show();
+  ShowPlaced(*m_portDetails, PlaceUnder);
 }
 
 void CQuarnDlg::OpenPortSettings() {
@@ -105,13 +105,13 @@ void CQuarnDlg::OpenCommandFormat() {
 void CQuarnDlg::OpenScreenOption() {
   if (BringToFront(m_screenOption, m_program.state.open.terminalScreenOption)) return;
   m_screenOption = new CScreenOption(this, Context());
-  m_screenOption->show();
+  ShowPlaced(*m_screenOption, PlaceUnder);
 }
 
 void CQuarnDlg::OpenMainOption() {
   if (BringToFront(m_mainOption, m_program.state.open.mainDialogOption)) return;
   m_mainOption = new CMainOption(this, Context());
-  m_mainOption->show();
+  ShowPlaced(*m_mainOption, PlaceUnder);
 }
 
 void CQuarnDlg::ShowPlaced(QWidget& dialog, PlaceRule rule) {

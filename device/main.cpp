@@ -100,7 +100,7 @@ int main(int argc, char** argv) {
     return EXIT_SUCCESS;
   }
   if (argc == 2 && std::string_view(argv[1]) == "--version") {
-    std::printf("%s device %s\n", quarn::identity::kName, quarn::identity::kShortVersion);
+    std::printf("quarn-device %s\n", quarn::identity::kShortVersion);
     return EXIT_SUCCESS;
   }
   try {

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <stdlib.h>
+#include <sys/stat.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -27,6 +28,14 @@ void MakeRaw(int fd) {
 
 void CloseQuietly(int& fd) {
   if (fd >= 0) ::close(std::exchange(fd, -1));
+}
+
+/// A person who has never started Quarn has no ports/ folder yet. What is made here is that person's alone.
+void MakeFolderAbove(const std::string& path) {
+  const mode_t before = ::umask(S_IRWXG | S_IRWXO);
+  std::error_code failed;  // what it leads to is told when the link is made
+  std::filesystem::create_directories(std::filesystem::path(path).parent_path(), failed);
+  ::umask(before);
 }
 
 }  // namespace
@@ -58,6 +67,7 @@ void PseudoTerminal::HangUp() {
 NodeLink::NodeLink(std::string linkPath, const std::string& target)
     : m_linkPath(std::move(linkPath)), m_target(target) {
   namespace fs = std::filesystem;
+  MakeFolderAbove(m_linkPath);
   if (fs::is_symlink(m_linkPath)) fs::remove(m_linkPath);
   if (::symlink(m_target.c_str(), m_linkPath.c_str()) != 0) Throw(m_linkPath);
 }

@@ -23,7 +23,7 @@ int main(int argc, char* argv[]) {
     return 0;
   }
   if (options.version) {
-    std::printf("%s %s\n", quarn::identity::kName, quarn::identity::kShortVersion);
+    std::printf("quarn-send %s\n", quarn::identity::kShortVersion);
     return 0;
   }
   return quarn::send::Send(options);

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <optional>
 
+#include "send/standard_output.h"
 #include "serial/open_port.h"
 #include "serial/platform_serial.h"
 #include "serial/port_list.h"
@@ -121,6 +122,7 @@ int Send(const Options& options) {
   TransactionEngine engine(connection);
   ShellHost host;
   int status = 0;
+  if (options.raw) PassBytesAsTheyAre();
   for (const QString& command : options.commands) {
     connection.command = command;
     const TransactionResult result = engine.RunTransaction(settings, host);

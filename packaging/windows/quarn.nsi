@@ -38,6 +38,7 @@ VIAddVersionKey "LegalCopyright" "MIT License, (c) 2026 ${MAKER}"
 
 !define MUI_ICON "..\..\res\windows\quarn.ico"
 !define MUI_UNICON "..\..\res\windows\quarn.ico"
+!define MUI_WELCOMEFINISHPAGE_BITMAP "..\..\res\windows\installer.bmp"
 !define MUI_FINISHPAGE_RUN "$INSTDIR\quarn.exe"
 !insertmacro MUI_PAGE_LICENSE "${FILES}\licences\Quarn.txt"
 !insertmacro MUI_PAGE_DIRECTORY

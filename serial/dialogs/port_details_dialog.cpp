@@ -1,6 +1,5 @@
 #include "serial/dialogs/port_details_dialog.h"
 
-#include <QButtonGroup>
 #include <QLabel>
 #include <QMouseEvent>
 #include <QPushButton>
@@ -13,6 +12,7 @@
 #include "ui/control.h"
 #include "ui/dialog_grid.h"
 #include "ui/placement.h"
+#include "ui/radio_group.h"
 
 namespace quarn {
 namespace {
@@ -130,6 +130,7 @@ void CPortDetails::Mark(const QString& port) {
   if (const std::optional<int> row = RowOf(m_shown, port)) {
     m_rows[static_cast<std::size_t>(*row)].radio->setChecked(true);
   }
+  LeadTabToTheChosen(*m_radios);
   ShowMarkedRow();
 }
 

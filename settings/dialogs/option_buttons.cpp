@@ -1,11 +1,11 @@
 #include "settings/dialogs/option_buttons.h"
 
-#include <QButtonGroup>
 #include <QCheckBox>
 #include <QRadioButton>
 #include <utility>
 
 #include "ui/control.h"
+#include "ui/radio_group.h"
 
 namespace quarn {
 namespace {
@@ -59,7 +59,10 @@ void OptionButtons::Refresh(const SettingsRecord& settings) {
     const QStringView chosen = option.kind == OptionButton::Radio ? QStringView(option.value) : u"ON";
     m_buttons[i]->setChecked(option.binding.field.In(settings) == chosen);
   }
-  for (QButtonGroup* group : m_groups) group->setExclusive(true);
+  for (QButtonGroup* group : m_groups) {
+    group->setExclusive(true);
+    LeadTabToTheChosen(*group);
+  }
 }
 
 }  // namespace quarn

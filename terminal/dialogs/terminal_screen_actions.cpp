@@ -12,6 +12,7 @@
 #include "terminal/dialogs/terminal_screen.h"
 #include "terminal/screen_options.h"
 #include "ui/placement.h"
+#include "ui/static_text.h"
 
 namespace quarn {
 namespace {
@@ -275,6 +276,10 @@ void CTerminalScreen::wheelEvent(QWheelEvent* event) {
   PolledDialog::wheelEvent(event);
 }
 
-void CTerminalScreen::contextMenuEvent(QContextMenuEvent* event) { m_menu->popup(event->globalPos()); }
+void CTerminalScreen::contextMenuEvent(QContextMenuEvent* event) {
+  // With the key there is no pointer to go by: the menu comes up at the log.
+  const bool byKey = event->reason() == QContextMenuEvent::Keyboard;
+  m_menu->popup(byKey ? m_rows.front()->mapToGlobal(QPoint()) : event->globalPos());
+}
 
 }  // namespace quarn

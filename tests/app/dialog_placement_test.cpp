@@ -27,5 +27,13 @@ TEST(DialogPlacement, ToTheLeftWhereThereIsNoRoomBeside) {
   EXPECT_EQ(PlaceBeside({291, 20, 400, 150}, {300, 100}, kScreen), QPoint(270, 20));
 }
 
+TEST(DialogPlacement, UnderTheMainDialogAndOnTheScreen) {
+  EXPECT_EQ(PlaceUnder({30, 20, 400, 150}, {300, 100}, kScreen), QPoint(30, 180));
+  const QPoint farthest = QPoint(kScreen.width() - 300, kScreen.height() - 100);
+  EXPECT_EQ(PlaceUnder(QRect(farthest, QSize(400, 150)), {300, 100}, kScreen), farthest);
+  EXPECT_EQ(PlaceUnder({-50, 20, 400, 150}, {300, 100}, kScreen), QPoint(0, 180));
+  EXPECT_EQ(PlaceUnder({30, 20, 400, 150}, kScreen + QSize(1, 1), kScreen), QPoint(0, 0));
+}
+
 }  // namespace
 }  // namespace quarn

@@ -12,6 +12,7 @@
 #include <QListView>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
@@ -42,7 +43,8 @@ class FileChooserDialogs : public ::testing::Test {
     return {QStringLiteral("The title"),
             {QStringLiteral("QRN Files (*.qrn) (*.qrn)"), QStringLiteral("All Files (*.*) (*)")},
             QStringLiteral("qrn"),
-            initialName};
+            initialName,
+            QString()};
   }
   /// What the person does with the file dialog that is up.
   void Then(std::function<void(QFileDialog&)> step) {
@@ -206,6 +208,60 @@ TEST_F(FileChooserDialogs, SaveProposesTheFileInForceInItsFolder) {
     Cancel(dialog);
   });
   EXPECT_EQ(chooser.AskSaveFile(Question(folder.filePath(QStringLiteral("mine.qrn")))), QString());
+}
+
+TEST_F(FileChooserDialogs, SaveReplacesAFileThatWasNamedFromTheWorkingFolder) {
+  Put(QStringLiteral("mine.qrn"));
+  QDir(folder.path()).mkdir(QStringLiteral("below"));
+  const QString before = QDir::currentPath();
+  ASSERT_TRUE(QDir::setCurrent(folder.filePath(QStringLiteral("below"))));
+  FileQuestion question = Question(QStringLiteral("../mine.qrn"));
+  question.folder = folder.path();
+  Then([this](QFileDialog& dialog) {
+    EXPECT_EQ(dialog.directory().canonicalPath(), QDir(folder.path()).canonicalPath());
+    ThenAnswer(QMessageBox::Yes);
+    QTest::keyClick(dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit")), Qt::Key_Return);
+  });
+  EXPECT_EQ(chooser.AskSaveFile(question), folder.filePath(QStringLiteral("mine.qrn")));
+  QDir::setCurrent(before);
+  EXPECT_EQ(questions.size(), 1);
+}
+
+TEST_F(FileChooserDialogs, OpenBeginsInTheQuestionsFolderElseWhereTheLastFileWasChosen) {
+  Put(QStringLiteral("a.qrn"));
+  const QTemporaryDir other;
+  const auto expectFolder = [&](const QString& expected) {
+    Then([expected](QFileDialog& dialog) {
+      EXPECT_EQ(dialog.directory().canonicalPath(), QDir(expected).canonicalPath());
+      Cancel(dialog);
+    });
+  };
+  FileQuestion inOther = Question();
+  inOther.folder = other.path();
+  expectFolder(QDir::currentPath());
+  EXPECT_EQ(chooser.AskOpenFile(Question()), QString());
+  expectFolder(other.path());
+  EXPECT_EQ(chooser.AskOpenFile(inOther), QString());
+  Then([this](QFileDialog& dialog) { Type(dialog, folder.filePath(QStringLiteral("a.qrn"))); });
+  EXPECT_EQ(chooser.AskOpenFile(Question()), folder.filePath(QStringLiteral("a.qrn")));
+  expectFolder(folder.path());
+  EXPECT_EQ(chooser.AskSaveFile(Question()), QString());
+  expectFolder(other.path());
+  EXPECT_EQ(chooser.AskSaveFile(inOther), QString());
+}
+
+TEST_F(FileChooserDialogs, AProgramThatStandsInItsOwnFolderBeginsInTheDocuments) {
+  const QString before = QDir::currentPath();
+  ASSERT_TRUE(QDir::setCurrent(QCoreApplication::applicationDirPath()));
+  Then([](QFileDialog& dialog) {
+    const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+    const QDir expected(QFileInfo(documents).isDir() ? documents : QDir::homePath());
+    EXPECT_EQ(dialog.directory().canonicalPath(), expected.canonicalPath());
+    EXPECT_NE(dialog.directory(), QDir::current());
+    Cancel(dialog);
+  });
+  EXPECT_EQ(chooser.AskOpenFile(Question()), QString());
+  QDir::setCurrent(before);
 }
 
 TEST_F(FileChooserDialogs, SaveGivesANameWithoutSuffixItsOwn) {

@@ -12,6 +12,7 @@ TEST_F(FileCommandsTest, OpenAsksLoadsConnectsAndPutsTheFileInForce) {
                                                     QStringLiteral("All Files (*.*) (*)")}));
   EXPECT_EQ(chooser.opened[0].suffix, QStringLiteral("qrn"));
   EXPECT_EQ(chooser.opened[0].initialName, QString());
+  EXPECT_EQ(chooser.opened[0].folder, QString());
   EXPECT_EQ(messages->shown, (QStringList{kOpened, Connected("COM3")}));
   EXPECT_EQ(program->userFile, chooser.answer);
   EXPECT_TRUE(program->fileLoaded);
@@ -159,6 +160,7 @@ TEST_F(FileCommandsTest, SaveAsCopiesWithoutAFurtherQuestionAndPutsTheFileInForc
                                                    QStringLiteral("All files (*.*) (*)")}));
   EXPECT_EQ(chooser.saved[0].suffix, QStringLiteral("qrn"));
   EXPECT_EQ(chooser.saved[0].initialName, QStringLiteral("Untitled.qrn"));
+  EXPECT_EQ(chooser.saved[0].folder, QString());
   EXPECT_EQ(messages->shown, QStringList());
   EXPECT_EQ(BytesOf(chooser.answer), WorkingBytes());
   EXPECT_EQ(program->userFile, chooser.answer);
@@ -170,6 +172,7 @@ TEST_F(FileCommandsTest, SaveAsProposesTheFileInForceAndAsksNothingAboutChanges)
   const QString inForce = InForceAndChanged();
   commands->SaveAs();
   EXPECT_EQ(chooser.saved.value(0).initialName, inForce);
+  EXPECT_EQ(chooser.saved.value(0).folder, QFileInfo(inForce).absolutePath());
   EXPECT_EQ(messages->shown, QStringList());
   EXPECT_EQ(program->userFile, inForce);
 }

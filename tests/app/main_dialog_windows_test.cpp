@@ -181,6 +181,29 @@ TEST_F(MainDialog, CommandFormatStandsBesideIt) {
   EXPECT_TRUE(QTest::qWaitFor([&] { return !program.state.open.commandFormat; }));
 }
 
+TEST_F(MainDialog, ListAndOptionsLeaveItsMenusInReach) {
+  dialog.move(30, 40);
+  dialog.StartTimer();
+  const QSize screen = QGuiApplication::primaryScreen()->size();
+  for (const auto& [id, title] : std::map<int, QString>{{32792, "Quarn - Detailed COM Port List  (NONE)"},
+                                                        {32779, "Quarn - Terminal Screen Option"},
+                                                        {32790, "Quarn - Main Dialog Optiom"}}) {
+    Action(id)->trigger();
+    QWidget* each = Windows(title).value(0);
+    ASSERT_NE(each, nullptr) << title.toStdString();
+    EXPECT_TRUE(QTest::qWaitFor([&, window = each] {
+      return window->pos() == PlaceUnder({dialog.pos(), OuterSize(dialog)}, OuterSize(*window), screen);
+    })) << title.toStdString();
+    each->close();
+  }
+}
+
+TEST_F(MainDialog, CanBePutAway) {
+  EXPECT_TRUE(dialog.windowFlags().testFlag(Qt::WindowMinimizeButtonHint));
+  EXPECT_TRUE(dialog.windowFlags().testFlag(Qt::WindowCloseButtonHint));
+  EXPECT_FALSE(dialog.windowFlags().testFlag(Qt::WindowMaximizeButtonHint));
+}
+
 TEST_F(MainDialog, TheTerminalScreensMenuOpensItsOptions) {
   dialog.OpenTerminalScreen();
   auto* screen = dynamic_cast<CTerminalScreen*>(TerminalScreen());

@@ -82,6 +82,15 @@ TEST_F(PortDetailsDialog, ArrowKeysGoFromRowToRow) {
   EXPECT_EQ(QApplication::focusWidget(), &Button(kOkId));
 }
 
+TEST_F(PortDetailsDialog, TabReachesTheMarkedRow) {
+  ListOnly(3);
+  Configure("COM2");
+  Open();
+  Button(kOkId).setFocus();
+  Press(Qt::Key_Tab);
+  EXPECT_EQ(QApplication::focusWidget(), &Radio(1));
+}
+
 TEST_F(PortDetailsDialog, ConnectedPortCannotBeSetAgain) {
   Plug("COM3");
   ConnectTo("COM3");

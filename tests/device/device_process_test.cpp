@@ -42,6 +42,18 @@ TEST_F(DeviceProcess, LinksItsNodeAndTakesTheLinkAwayAtTheEnd) {
   EXPECT_FALSE(QFileInfo(link).isSymLink());
 }
 
+TEST_F(DeviceProcess, MakesTheFolderOfItsLinkForNobodyElse) {
+  link = folder.filePath(QStringLiteral("Halvo/Quarn/ports/COM7"));
+  Start({QStringLiteral("--link"), link});
+  EXPECT_EQ(QFile::symLinkTarget(link), Node());
+  const QFile::Permissions own = QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner | QFile::ReadUser |
+                                 QFile::WriteUser | QFile::ExeUser;
+  EXPECT_EQ(QFile::permissions(QFileInfo(link).path()), own);
+  EXPECT_EQ(QFile::permissions(folder.filePath(QStringLiteral("Halvo"))), own);
+  device.terminate();
+  EXPECT_EQ(ExitCode(), 0);
+}
+
 TEST_F(DeviceProcess, ReplacesAnOldLinkButNothingElse) {
   ASSERT_TRUE(QFile::link(QStringLiteral("/nowhere"), link));
   Start({QStringLiteral("--link"), link});

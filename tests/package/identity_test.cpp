@@ -43,8 +43,8 @@ TEST(Identity, ShortVersionHasTwoDigitsAfterThePoint) {
 TEST(Identity, IsWhatTheProgramsSay) {
   EXPECT_EQ(OutputOfProgram("quarn", "--version"),
             kName + "  (Ver. " + kVersion + "), build " + kDate + "\n");
-  EXPECT_EQ(OutputOfProgram("quarn-send", "--version"), kName + " " + kVersion + "\n");
-  EXPECT_EQ(OutputOfProgram("quarn-device", "--version"), kName + " device " + kVersion + "\n");
+  EXPECT_EQ(OutputOfProgram("quarn-send", "--version"), "quarn-send " + kVersion + "\n");
+  EXPECT_EQ(OutputOfProgram("quarn-device", "--version"), "quarn-device " + kVersion + "\n");
 }
 
 /// What starts the program gives it the file that was clicked on; some desktops do so without being told.

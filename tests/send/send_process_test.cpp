@@ -236,7 +236,7 @@ TEST_F(SendProcess, HelpAndVersionGoToStandardOutput) {
   EXPECT_EQ(help.err, "");
   const Outcome version = Send("--version");
   EXPECT_EQ(version.exitCode, 0);
-  EXPECT_EQ(version.out, "Quarn 1.00\n");
+  EXPECT_EQ(version.out, "quarn-send 1.00\n");
 }
 
 }  // namespace

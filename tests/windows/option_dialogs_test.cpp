@@ -209,6 +209,17 @@ TEST_F(MainOption, WritesThePosition) {
   EXPECT_FALSE(state.requests.mainRefresh);
 }
 
+TEST_F(MainOption, TabReachesTheChosenButton) {
+  settings.mainPos = QStringLiteral("TR");
+  Open();
+  EXPECT_EQ(TabOrder(), (QList<int>{1074, 1}));
+  settings.mainPos = QStringLiteral("TL");
+  state.requests.mainOptionRefresh = true;
+  EXPECT_TRUE(Until([&] { return !state.requests.mainOptionRefresh; }));
+  Button(1).setFocus();
+  EXPECT_EQ(TabOrder(), (QList<int>{1073, 1}));
+}
+
 TEST_F(MainOption, KeysChooseAsTheMouseDoes) {
   settings.mainPos = QStringLiteral("TL");
   Open();

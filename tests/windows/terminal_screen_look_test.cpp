@@ -170,6 +170,14 @@ TEST_F(TerminalLook, TheContextMenu) {
   EXPECT_TRUE(window->ContextMenu().isVisible());
   EXPECT_EQ(window->ContextMenu().pos(), window->mapToGlobal(QPoint(100, 100)));
   window->ContextMenu().close();
+  // The menu key knows no place: the menu covers neither the command line nor the buttons.
+  QContextMenuEvent byKey(QContextMenuEvent::Keyboard, QPoint(300, 600),
+                          window->mapToGlobal(QPoint(300, 600)));
+  QApplication::sendEvent(window, &byKey);
+  EXPECT_TRUE(window->ContextMenu().isVisible());
+  EXPECT_EQ(window->ContextMenu().pos(),
+            window->findChild<QWidget*>(QStringLiteral("row"))->mapToGlobal(QPoint()));
+  window->ContextMenu().close();
 }
 
 TEST_F(TerminalLook, CopyingTheLog) {

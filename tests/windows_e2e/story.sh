@@ -173,6 +173,10 @@ answers() {
   expect "the usage is told" test "${answer#*usage: quarn}" != "$answer"
   answer=$(wine "${1%quarn.exe}quarn-send.exe" --port COM3 id | tr -d '\r')
   expect "quarn-send prints the response" test "$answer" == $'[id]\nSIM-1 bench instrument, firmware 1.00'
+  sed 's/^DELIMITER=[^\r]*/DELIMITER=LF/' "$(settings_folder)/Quarn.ini" >"$PLACE/lf.qrn"
+  wine "${1%quarn.exe}quarn-send.exe" --port COM3 --settings "Z:$PLACE/lf.qrn" --raw id >"$PLACE/raw"
+  printf 'SIM-1 bench instrument, firmware 1.00\n' >"$PLACE/expected"
+  expect "quarn-send --raw leaves line feeds alone" cmp "$PLACE/raw" "$PLACE/expected"
 }
 
 # play_story PROGRAM: with the settings of a person who has never seen it.
