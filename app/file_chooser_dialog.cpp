@@ -69,7 +69,7 @@ QString FileChooserDialog::Ask(QFileDialog& dialog, const FileQuestion& question
   if (dialog.exec() != QDialog::Accepted) return {};
   const QString path = dialog.selectedFiles().value(0);
   m_lastFolder = QFileInfo(path).absolutePath();
-  return QDir::toNativeSeparators(path);
+  return path;
 }
 
 QString FileChooserDialog::AskOpenFile(const FileQuestion& question) {
