@@ -132,8 +132,10 @@ void CQuarnDlg::ShowUserFile() {
   const auto fits = [&](const QString& path) {
     return m_status->fontMetrics().horizontalAdvance(status(path)) <= m_status->width();
   };
-  m_status->setText(status(ShortenPath(m_program.userFile, fits)));
-  m_status->setToolTip(m_program.userFile);
+  // As the system writes it; the file dialogs write other separators.
+  const QString path = QDir::toNativeSeparators(m_program.userFile);
+  m_status->setText(status(ShortenPath(path, fits)));
+  m_status->setToolTip(path);
 }
 
 void CQuarnDlg::PlaceByPercent(int xPercent, int yPercent) {
@@ -189,7 +191,7 @@ void CQuarnDlg::dragEnterEvent(QDragEnterEvent* event) {
 void CQuarnDlg::dropEvent(QDropEvent* event) {
   QStringList files;
   for (const QUrl& url : event->mimeData()->urls()) {
-    if (url.isLocalFile()) files.append(QDir::toNativeSeparators(url.toLocalFile()));
+    if (url.isLocalFile()) files.append(url.toLocalFile());
   }
   if (files.isEmpty()) return;
   event->acceptProposedAction();
