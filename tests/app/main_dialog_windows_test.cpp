@@ -185,7 +185,7 @@ TEST_F(MainDialog, ListAndOptionsLeaveItsMenusInReach) {
   dialog.move(30, 40);
   dialog.StartTimer();
   const QSize screen = QGuiApplication::primaryScreen()->size();
-  for (const auto& [id, title] : std::map<int, QString>{{32792, "Quarn - Detailed COM Port List  (NONE)"},
+  for (const auto& [id, title] : std::map<int, QString>{{32792, "Quarn - Detailed COM Port List  (NONE)  "},
                                                         {32779, "Quarn - Terminal Screen Option"},
                                                         {32790, "Quarn - Main Dialog Optiom"}}) {
     Action(id)->trigger();
