@@ -38,7 +38,7 @@ void FitColumns(QFileDialog& dialog) {
 
 /// A program that its shortcut starts stands in its own folder, where nobody looks for files.
 QString FolderAtFirst() {
-  const QString working = QDir::currentPath();
+  QString working = QDir::currentPath();
   if (QDir(working) != QDir(QCoreApplication::applicationDirPath())) return working;
   const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
   return QFileInfo(documents).isDir() ? documents : QDir::homePath();
@@ -67,7 +67,7 @@ QString FileChooserDialog::Ask(QFileDialog& dialog, const FileQuestion& question
   if (folder.isEmpty()) folder = FolderAtFirst();
   PutQuestion(dialog, question, folder);
   if (dialog.exec() != QDialog::Accepted) return {};
-  const QString path = dialog.selectedFiles().value(0);
+  QString path = dialog.selectedFiles().value(0);
   m_lastFolder = QFileInfo(path).absolutePath();
   return path;
 }
