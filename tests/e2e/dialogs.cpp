@@ -66,8 +66,9 @@ void Dialogs::Pick(const QString& titlePattern, qsizetype list, const QString& i
     return found && found->enabled;
   }));
   Focus(WaitForWindow(titlePattern));
-  const qsizetype before = windows();
   EXPECT_TRUE(Eventually([&] {
+    // Counted anew for each try: a note that goes by itself may have been among them.
+    const qsizetype before = windows();
     if (found) ClickOnScreen(found->place.center());
     if (!Eventually([&] { return windows() > before; }, kOneTryMs)) return false;
     Type(item);
