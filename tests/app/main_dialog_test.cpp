@@ -1,3 +1,4 @@
+#include <QDir>
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
@@ -92,7 +93,7 @@ TEST_F(MainDialog, StatusLineNamesTheUserFile) {
   EXPECT_EQ(status->text(), QStringLiteral("[ Internal Configuration State ]"));
   program.userFile = QStringLiteral("/lab/a.qrn");
   dialog.ShowUserFile();
-  EXPECT_EQ(status->text(), QStringLiteral("( /lab/a.qrn )"));
+  EXPECT_EQ(status->text(), QDir::toNativeSeparators(QStringLiteral("( /lab/a.qrn )")));
   const QSize before = dialog.size();
   program.userFile = QStringLiteral("/lab/") + QString(200, u'x') + QStringLiteral("/deeper/b.qrn");
   dialog.ShowUserFile();
@@ -103,7 +104,7 @@ TEST_F(MainDialog, StatusLineNamesTheUserFile) {
   EXPECT_EQ(dialog.size(), before);
   program.userFile = QStringLiteral("/lab/<b>&amp;.qrn");
   dialog.ShowUserFile();
-  EXPECT_EQ(status->text(), QStringLiteral("( /lab/<b>&amp;.qrn )"));
+  EXPECT_EQ(status->text(), QDir::toNativeSeparators(QStringLiteral("( /lab/<b>&amp;.qrn )")));
 }
 
 TEST_F(MainDialog, HeadingIsBold) {
@@ -167,7 +168,7 @@ TEST_F(MainDialog, RefreshRequestIsHandledAtTheNextTick) {
   EXPECT_TRUE(QTest::qWaitFor([&] { return !program.state.requests.mainRefresh; }));
   EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Quarn   (COM7-NC)"));
   EXPECT_TRUE(Action(32805)->isEnabled());
-  EXPECT_EQ(Control<QLabel>(1075)->text(), QStringLiteral("( /x.qrn )"));
+  EXPECT_EQ(Control<QLabel>(1075)->text(), QDir::toNativeSeparators(QStringLiteral("( /x.qrn )")));
 }
 
 TEST_F(MainDialog, ClosingAsksWhenTheSettingsDifferFromTheUserFile) {
