@@ -2,7 +2,6 @@
 #include <cstdlib>
 
 #include "app/command_line_file.h"
-#include "app/main_dialog.h"
 #include "app/program.h"
 #include "app/start_up.h"
 #include "app/terminal_output.h"
@@ -34,10 +33,7 @@ int main(int argc, char* argv[]) {
   const QString ports = quarn::PortsFolder(folder);
   quarn::Program program(folder, quarn::CreateLineOpener(ports), quarn::CreatePortSource(ports),
                          std::make_unique<quarn::WindowMessages>(), std::make_unique<quarn::WaitCursor>());
-  quarn::CQuarnDlg dialog(program);
-  quarn::WindowStage stage(dialog, *program.portSource, QApplication::arguments());
-  if (StartUp(program, dialog, stage, dialog.Monitor()) != quarn::StartUpResult::Running) {
-    return EXIT_FAILURE;
-  }
+  quarn::WindowStage stage(program, QApplication::arguments());
+  if (StartUp(program, stage) != quarn::StartUpResult::Running) return EXIT_FAILURE;
   return QApplication::exec();
 }

@@ -84,17 +84,18 @@ void ConnectAtStart(Program& program) {
 
 }  // namespace
 
-StartUpResult StartUp(Program& program, MainWindow& window, StartUpStage& stage, PortMonitor& monitor) {
+StartUpResult StartUp(Program& program, StartUpStage& stage) {
   if (!IsAlone(program, stage)) return StartUpResult::NotAlone;
   stage.ShowSplash();
   if (!DisplayFits(program, stage)) return StartUpResult::DisplayRefused;
   stage.AcceptDrops();
   const QString file = FileToLoad(program, stage);
-  monitor.ListPorts();
+  stage.Monitor().ListPorts();
   LoadConfiguration(program, file);
   stage.PlaceMainDialog(program.settings.mainPos == u"TR" ? kRightPercent : kEdgePercent, kEdgePercent);
   if (program.userFile.isEmpty()) ConnectAtStart(program);
   stage.ShowMainDialog();
+  MainWindow& window = stage.Window();
   if (program.settings.startDisp == u"ON") window.OpenTerminalScreen();
   window.SetTitle(QString());
   window.ShowUserFile();

@@ -15,8 +15,10 @@ class StartUpStage {
   virtual ~StartUpStage() = default;
 
   virtual InstanceLock TakeLock() = 0;
-  /// Returns when the splash is gone.
+  /// Returns when the splash is gone. From then on there is a main dialog, not yet on the screen.
   virtual void ShowSplash() = 0;
+  virtual MainWindow& Window() = 0;
+  virtual PortMonitor& Monitor() = 0;
   /// Of the main dialog's screen; 0 when there is none.
   virtual int Dpi() = 0;
   /// Whether the menu bar's items do not fit on one line.
@@ -38,6 +40,6 @@ enum class StartUpResult {
 
 /// From the program's objects to a polling main dialog: lock, splash, display, settings, ports, connection,
 /// windows. Messages appear on the way and each is over before the next step.
-StartUpResult StartUp(Program& program, MainWindow& window, StartUpStage& stage, PortMonitor& monitor);
+StartUpResult StartUp(Program& program, StartUpStage& stage);
 
 }  // namespace quarn

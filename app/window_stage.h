@@ -1,5 +1,7 @@
 #pragma once
 
+#include <memory>
+
 #include "app/main_dialog.h"
 #include "app/start_up.h"
 
@@ -8,10 +10,12 @@ namespace quarn {
 /// Start-up on the real screen.
 class WindowStage final : public StartUpStage {
  public:
-  WindowStage(CQuarnDlg& dialog, PortSource& portSource, QStringList arguments);
+  WindowStage(Program& program, QStringList arguments);
 
   InstanceLock TakeLock() override;
   void ShowSplash() override;
+  MainWindow& Window() override { return *m_dialog; }
+  PortMonitor& Monitor() override { return m_dialog->Monitor(); }
   int Dpi() override;
   bool MenuBarWraps() override;
   int MessageFontHeight() override;
@@ -21,9 +25,11 @@ class WindowStage final : public StartUpStage {
   void ShowMainDialog() override;
 
  private:
-  CQuarnDlg& m_dialog;
-  PortSource& m_portSource;
+  void PrepareUnderSplash();
+
+  Program& m_program;
   const QStringList m_arguments;
+  std::unique_ptr<CQuarnDlg> m_dialog;  ///< from the splash on
 };
 
 }  // namespace quarn

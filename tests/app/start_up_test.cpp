@@ -7,7 +7,8 @@ namespace {
 
 class RecordedStage final : public StartUpStage {
  public:
-  explicit RecordedStage(QStringList& journal) : m_journal(journal) {}
+  RecordedStage(QStringList& journal, MainWindow& window, PortMonitor& monitor)
+      : m_journal(journal), m_window(window), m_monitor(monitor) {}
   InstanceLock lock = InstanceLock::Taken;
   int dpi = 96;
   bool wraps = false;
@@ -16,6 +17,8 @@ class RecordedStage final : public StartUpStage {
 
   InstanceLock TakeLock() override { return Note("lock", lock); }
   void ShowSplash() override { m_journal.append(QStringLiteral("splash")); }
+  MainWindow& Window() override { return m_window; }
+  PortMonitor& Monitor() override { return m_monitor; }
   int Dpi() override { return Note("dpi", dpi); }
   bool MenuBarWraps() override { return Note("menu bar", wraps); }
   int MessageFontHeight() override { return fontHeight; }
@@ -33,6 +36,8 @@ class RecordedStage final : public StartUpStage {
     return value;
   }
   QStringList& m_journal;
+  MainWindow& m_window;
+  PortMonitor& m_monitor;
 };
 
 const QString kNotFoundWarning =
@@ -44,7 +49,7 @@ const QStringList kEnd{"title", "user file", "menu state", "start timer"};
 
 class StartUpTest : public AppTest {
  protected:
-  StartUpResult Start() { return StartUp(program, window, stage, monitor); }
+  StartUpResult Start() { return StartUp(program, stage); }
   QString UserFile() const { return m_folder + QStringLiteral("../mine.qrn"); }
   /// A user file with these values; the data folder is there.
   void MakeUserFile(const QList<std::pair<QString, QString>>& values) {
@@ -53,8 +58,8 @@ class StartUpTest : public AppTest {
     stage.file = UserFile();
   }
 
-  RecordedStage stage{journal};
   PortMonitor monitor{program, window};
+  RecordedStage stage{journal, window, monitor};
 };
 
 TEST_F(StartUpTest, OnAnEmptyAccount) {
