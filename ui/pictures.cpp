@@ -1,5 +1,6 @@
 #include "ui/pictures.h"
 
+#include <QImageReader>
 #include <QString>
 #include <array>
 #include <cmath>
@@ -19,8 +20,11 @@ constexpr std::array kWarningWidths{36, 54, 72, 108};
 constexpr QSize kLogoShape{1, 1};
 constexpr QSize kWarningShape{9, 8};
 
-QString FileOf(const char* name, int width) {
-  return QStringLiteral(":/pictures/%1-%2.png").arg(QLatin1String(name)).arg(width);
+/// Told what it is, Qt loads no plugin to find out: start-up waits for its pictures.
+QPixmap Read(const char* name, int width) {
+  QImageReader reader(QStringLiteral(":/pictures/%1-%2.png").arg(QLatin1String(name)).arg(width), "png");
+  reader.setAutoDetectImageFormat(false);
+  return QPixmap::fromImageReader(&reader);
 }
 
 /// The smallest that need not be enlarged; the largest when all are too small.
@@ -36,7 +40,7 @@ QPixmap Fitted(const char* name, std::span<const int> widths, QSize shape, QSize
   const QSize pixels{static_cast<int>(std::lround(room.width() * ratio)),
                      static_cast<int>(std::lround(room.height() * ratio))};
   const QSize wanted = shape.scaled(pixels, Qt::KeepAspectRatio);
-  QPixmap picture(FileOf(name, WidthToLoad(widths, wanted.width())));
+  QPixmap picture = Read(name, WidthToLoad(widths, wanted.width()));
   if (picture.size() != wanted) {
     picture = picture.scaled(wanted, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
   }
@@ -59,7 +63,7 @@ QPixmap WarningPicture(QSize room, double devicePixelRatio) {
 QIcon ApplicationIcon() {
   LoadResources();
   QIcon icon;
-  for (const int side : kIconSides) icon.addFile(FileOf("icon", side), {side, side});
+  for (const int side : kIconSides) icon.addPixmap(Read("icon", side));
   return icon;
 }
 
