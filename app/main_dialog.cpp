@@ -103,11 +103,17 @@ void CQuarnDlg::ShowSwitch() {
   m_switch->setText(m_program.state.open.terminalScreen ? QStringLiteral("OFF") : QStringLiteral("ON"));
 }
 
-void CQuarnDlg::OnTick() {
+int CQuarnDlg::QuietTicks() const {
+  const bool quiet = !m_program.state.requests.mainRefresh && m_placeInPercent.x() < 0 &&
+                     m_placedDialogs.empty() && m_monitor.IsAtRest();
+  return quiet ? TickPlan::kUntilWoken : 0;
+}
+
+void CQuarnDlg::OnTick(int ticks) {
   if (std::exchange(m_program.state.requests.mainRefresh, false)) Refresh();
   PlaceAgainWithFrame();
   PlaceDialogsWithFrame();
-  m_monitor.Tick();
+  m_monitor.Tick(ticks);
 }
 
 void CQuarnDlg::Refresh() {

@@ -48,7 +48,8 @@ class CQuarnDlg final : public PolledDialog, public MainWindow {
   void StopTimer() override { StopTicks(); }
 
  protected:
-  void OnTick() override;
+  void OnTick(int ticks) override;
+  [[nodiscard]] int QuietTicks() const override;
   bool eventFilter(QObject* receiver, QEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
   void dragEnterEvent(QDragEnterEvent* event) override;

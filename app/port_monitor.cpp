@@ -47,7 +47,11 @@ void PortMonitor::ListPorts() {
   m_before = m_program.connection.portNames;
 }
 
-void PortMonitor::Tick() {
+bool PortMonitor::IsAtRest() const {
+  return m_startDelay == 0 && m_seenRevision && m_program.portSource->Revision() == m_seenRevision;
+}
+
+void PortMonitor::Tick(int ticks) {
   // A message of the last change may still be up, or that of a port being chosen: what changed since is seen
   // when it is gone.
   if (m_updating || m_program.state.portBeingChosen) return;
@@ -55,9 +59,11 @@ void PortMonitor::Tick() {
     --m_startDelay;
     return;
   }
-  ++m_ticks;
+  m_ticks += static_cast<std::uint32_t>(ticks);
   std::int32_t count = 0;
-  if (!CountPorts(*m_program.portSource, count) || count == m_program.connection.portCount) return;
+  const bool counted = CountPorts(*m_program.portSource, count);
+  m_seenRevision = m_program.portSource->Revision();
+  if (!counted || count == m_program.connection.portCount) return;
   m_updating = true;
   Update();
   m_updating = false;

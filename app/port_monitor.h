@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <cstdint>
+#include <optional>
 
 #include "app/main_window.h"
 #include "app/program.h"
@@ -36,8 +37,11 @@ class PortMonitor {
 
   /// Lists the ports present and remembers them as what the next change is compared with.
   void ListPorts();
-  /// One tick of 100 ms. The first ten are let pass.
-  void Tick();
+  /// One tick of 100 ms, or the last of so many of which the others had nothing to do. The first ten are let
+  /// pass.
+  void Tick(int ticks = 1);
+  /// Whether the next ticks have nothing to do until this thread's event loop wakes.
+  [[nodiscard]] bool IsAtRest() const;
   [[nodiscard]] std::uint32_t TickCount() const { return m_ticks; }
 
  private:
@@ -51,6 +55,7 @@ class PortMonitor {
   PortNames m_before;
   std::uint32_t m_startDelay = 10;
   std::uint32_t m_ticks = 0;
+  std::optional<std::uint64_t> m_seenRevision;  ///< of the ports, at the last tick
   bool m_updating = false;
 };
 

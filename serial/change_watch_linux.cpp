@@ -108,6 +108,12 @@ bool ChangeWatch::Changed() {
   return PolledChanged() || changed;
 }
 
+std::vector<int> ChangeWatch::Descriptors() const {
+  std::vector<int> descriptors{m_inotify.Get()};
+  if (m_monitor) descriptors.push_back(udev_monitor_get_fd(m_monitor.get()));
+  return descriptors;
+}
+
 bool ChangeWatch::DrainDeviceEvents() {
   // Bounded, as a broken socket must not hold up the caller.
   constexpr int kMostAtOnce = 1000;

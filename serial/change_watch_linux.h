@@ -42,6 +42,11 @@ class ChangeWatch {
   /// Whether something has changed since the last question.
   bool Changed();
 
+  /// Whether the descriptors tell of every change; false while some of what is watched has to be looked at.
+  [[nodiscard]] bool TellsByItself() const { return m_inotify.IsValid() && m_polled.empty(); }
+  /// They become readable when something changes, and stay the same for the life of the watch.
+  [[nodiscard]] std::vector<int> Descriptors() const;
+
  private:
   struct Watched {
     int descriptor = -1;

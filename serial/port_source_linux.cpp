@@ -51,6 +51,9 @@ LinuxPortSource::LinuxPortSource(const QString& portsFolder, SystemRoots roots, 
 bool LinuxPortSource::FriendlyNames(QStringList& names) {
   // Asked even when the result is known to be stale, so that old events do not pile up.
   const bool changed = m_watch.Changed();
+  if (std::exchange(m_stirred, false)) {
+    for (const auto& notifier : m_notifiers) notifier->setEnabled(true);
+  }
   // What was not watched while it was listed is listed again; it can only be more each time.
   constexpr int kRounds = 3;
   for (int round = 0; round < kRounds && (changed || m_last == Listing::None || round > 0); ++round) {
@@ -65,6 +68,29 @@ bool LinuxPortSource::FriendlyNames(QStringList& names) {
   }
   names = m_names;
   return true;
+}
+
+std::optional<std::uint64_t> LinuxPortSource::Revision() {
+  if (m_last == Listing::None || !m_watch.TellsByItself()) {
+    return std::nullopt;
+  }
+  if (m_notifiers.empty()) {
+    Notify();
+  }
+  return m_listings + m_stirs;
+}
+
+void LinuxPortSource::Notify() {
+  for (const int descriptor : m_watch.Descriptors()) {
+    auto& notifier =
+        m_notifiers.emplace_back(std::make_unique<QSocketNotifier>(descriptor, QSocketNotifier::Read));
+    QObject::connect(notifier.get(), &QSocketNotifier::activated, notifier.get(), [this] {
+      // Until the watch is asked the descriptor stays readable; once is enough to know.
+      for (const auto& each : m_notifiers) each->setEnabled(false);
+      m_stirred = true;
+      ++m_stirs;
+    });
+  }
 }
 
 LinuxPortSource::Listing LinuxPortSource::List(WatchPlan& plan) {

@@ -1,8 +1,11 @@
 #pragma once
 
+#include <QSocketNotifier>
 #include <QString>
 #include <QStringList>
 #include <cstdint>
+#include <memory>
+#include <optional>
 #include <system_error>
 #include <vector>
 
@@ -25,6 +28,8 @@ class LinuxPortSource final : public PortSource {
                            ChangeWatch::Mode mode = ChangeWatch::Mode::Events);
 
   bool FriendlyNames(QStringList& names) override;
+  /// From the first call on the thread's event loop wakes when something may have changed.
+  std::optional<std::uint64_t> Revision() override;
 
   /// Makes the next call list afresh.
   void Forget() { m_last = Listing::None; }
@@ -39,6 +44,7 @@ class LinuxPortSource final : public PortSource {
   };
 
   Listing List(WatchPlan& plan);
+  void Notify();
   void Tell(const std::error_code& problem);
   void StampLinks(const std::vector<PortLink>& links);
   [[nodiscard]] QStringList NamesOf(const std::vector<PortLink>& links,
@@ -55,6 +61,9 @@ class LinuxPortSource final : public PortSource {
   Listing m_last = Listing::None;
   std::error_code m_told;  ///< what is wrong with the folder, as told last
   std::uint64_t m_listings = 0;
+  std::uint64_t m_stirs = 0;  ///< how often the watch had something to say
+  bool m_stirred = false;     ///< it has, and was not asked since
+  std::vector<std::unique_ptr<QSocketNotifier>> m_notifiers;
 };
 
 /// The device node behind a port name, or the empty text when no terminal device is there. A name that

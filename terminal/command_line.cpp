@@ -65,8 +65,11 @@ void CommandLine::Paste(const QString& clipboard, int limit) {
   MoveToEnd();
 }
 
-bool CommandLine::Tick() {
-  if (--m_blinkTicks > 0) return false;
+bool CommandLine::Tick(int ticks) {
+  if (ticks < m_blinkTicks) {
+    m_blinkTicks -= ticks;
+    return false;
+  }
   m_blinkTicks = kBlinkTicks;
   m_cursorHidden = !m_cursorHidden;
   return true;

@@ -41,8 +41,11 @@ class CommandLine {
   void Paste(const QString& clipboard, int limit);
   void SetLastCommand(const QString& command) { m_lastCommand = command; }
 
-  /// One timer tick of 100 ms while the window is in the foreground. True when the phase flipped.
-  bool Tick();
+  /// So many timer ticks of 100 ms while the window is in the foreground. True when the phase flipped, which
+  /// it does at most once.
+  bool Tick(int ticks = 1);
+  /// At which tick from now on the phase flips; at least 1.
+  [[nodiscard]] int TicksToBlink() const { return m_blinkTicks; }
   /// The text with or without the cursor character, as the blink phase says.
   [[nodiscard]] QString DisplayText() const;
 

@@ -1,19 +1,71 @@
 #include "ui/polled_dialog.h"
 
+#include <QAbstractEventDispatcher>
+#include <QDeadlineTimer>
 #include <QTimerEvent>
+#include <vector>
 
 namespace quarn {
+namespace {
+
+std::vector<PolledDialog*>& TickingDialogs() {
+  static std::vector<PolledDialog*> dialogs;
+  return dialogs;
+}
+
+std::int64_t Now() { return QDeadlineTimer::current(Qt::PreciseTimer).deadline(); }
+
+}  // namespace
 
 PolledDialog::PolledDialog(QWidget* parent)
     : QDialog(parent, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
                           Qt::WindowCloseButtonHint) {}
 
-void PolledDialog::timerEvent(QTimerEvent* event) {
-  if (event->timerId() == m_timer.timerId()) {
-    OnTick();
-  } else {
-    QDialog::timerEvent(event);
+PolledDialog::~PolledDialog() { StopTicks(); }
+
+void PolledDialog::StartTicks() {
+  StopTicks();
+  m_ticks.Start(Now());
+  TickingDialogs().push_back(this);
+  const auto* loop = QAbstractEventDispatcher::instance();
+  m_connections = {connect(loop, &QAbstractEventDispatcher::aboutToBlock, this, [this] { Plan(); }),
+                   connect(loop, &QAbstractEventDispatcher::awake, this, [this] { Plan(); })};
+}
+
+void PolledDialog::StopTicks() {
+  for (QMetaObject::Connection& connection : m_connections) disconnect(connection);
+  std::erase(TickingDialogs(), this);
+  m_timer.stop();
+}
+
+void PolledDialog::Plan() {
+  const std::int64_t now = Now();
+  m_ticks.Plan(QuietTicks(), now);
+  if (m_ticks.IsLate(now)) {
+    // It is about to come, unless its event was dropped: then it comes at the next opportunity.
+    if (now - m_ticks.DueTime() >= kTickMs && m_timerDue) {
+      m_timer.start(0, this);
+      m_timerDue.reset();
+    }
+  } else if (!m_ticks.HasDue()) {
+    m_timer.stop();
+    m_timerDue.reset();
+  } else if (m_timerDue != m_ticks.DueTime()) {
+    m_timerDue = m_ticks.DueTime();
+    m_timer.start(static_cast<int>(*m_timerDue - now), this);
   }
+}
+
+void PolledDialog::timerEvent(QTimerEvent* event) {
+  if (event->timerId() != m_timer.timerId()) {
+    QDialog::timerEvent(event);
+    return;
+  }
+  m_timer.stop();
+  m_timerDue.reset();
+  OnTick(m_ticks.Take(Now()));
+  // The loop that moves a window on Windows is not Qt's and tells nobody when it wakes.
+  for (PolledDialog* dialog : TickingDialogs()) dialog->Plan();
 }
 
 }  // namespace quarn

@@ -72,6 +72,11 @@ inline void RaiseCloseRequests(WindowRequests& requests) {
   requests.functionTableClose = true;
 }
 
+inline bool IsTerminalAsked(const WindowRequests& requests) {
+  return requests.clearLog || requests.sendAction || requests.terminalRefresh || requests.functionKey ||
+         requests.send || requests.focus || requests.terminalClose;
+}
+
 /// One flag per modeless dialog: set when it is created, cleared when it closes. While it is set no
 /// second one is created.
 struct OpenWindows {

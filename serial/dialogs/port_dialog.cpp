@@ -43,7 +43,7 @@ QPushButton* PortDialog::AddButton(const char* name, const QString& text, int co
   return button;
 }
 
-void PortDialog::OnTick() {
+void PortDialog::OnTick(int /*ticks*/) {
   if (m_operations == 0) Look();
 }
 

@@ -36,7 +36,7 @@ class PortDialog : public PolledDialog {
   [[nodiscard]] const DialogContext& Context() const { return m_context; }
   [[nodiscard]] WindowRequests& Requests() const { return m_context.state.requests; }
 
-  void OnTick() final;
+  void OnTick(int ticks) final;
   void closeEvent(QCloseEvent* event) final;
 
  private:

@@ -128,7 +128,12 @@ void OptionDialog::Refresh() {
   m_buttons.Refresh(m_context.settings);
 }
 
-void OptionDialog::OnTick() {
+int OptionDialog::QuietTicks() const {
+  const WindowRequests& requests = m_context.state.requests;
+  return requests.*m_plan.refresh || requests.*m_plan.close ? 0 : TickPlan::kUntilWoken;
+}
+
+void OptionDialog::OnTick(int /*ticks*/) {
   if (m_changing) return;
   WindowRequests& requests = m_context.state.requests;
   if (std::exchange(requests.*m_plan.refresh, false)) Refresh();

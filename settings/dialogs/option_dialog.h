@@ -42,7 +42,8 @@ class OptionDialog : public PolledDialog {
  protected:
   /// The plan's tables are not copied.
   OptionDialog(QWidget* owner, const DialogContext& context, const OptionDialogPlan& plan);
-  void OnTick() override;
+  void OnTick(int ticks) override;
+  [[nodiscard]] int QuietTicks() const override;
 
  private:
   void CreateLayout();

@@ -274,7 +274,12 @@ void CSetMem::Save() {
   m_table.Save(m_context.workingSettingsFile);
 }
 
-void CSetMem::OnTick() {
+int CSetMem::QuietTicks() const {
+  const WindowRequests& requests = m_context.state.requests;
+  return requests.functionTableReload || requests.functionTableClose ? 0 : TickPlan::kUntilWoken;
+}
+
+void CSetMem::OnTick(int /*ticks*/) {
   // A message box of this window is up: everything waits until it is gone.
   if (m_calls > 0) return;
   WindowRequests& requests = m_context.state.requests;

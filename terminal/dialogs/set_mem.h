@@ -33,7 +33,8 @@ class CSetMem final : public PolledDialog {
   CSetMem(QWidget* owner, const FunctionKeyTableContext& context);
 
  protected:
-  void OnTick() override;
+  void OnTick(int ticks) override;
+  [[nodiscard]] int QuietTicks() const override;
   bool eventFilter(QObject* receiver, QEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void changeEvent(QEvent* event) override;

@@ -50,7 +50,8 @@ class CTerminalScreen final : public PolledDialog, private TransactionHost {
   [[nodiscard]] QMenu& ContextMenu() { return *m_menu; }
 
  protected:
-  void OnTick() override;
+  void OnTick(int ticks) override;
+  [[nodiscard]] int QuietTicks() const override;
   bool eventFilter(QObject* receiver, QEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void inputMethodEvent(QInputMethodEvent* event) override;

@@ -244,12 +244,18 @@ void CTerminalScreen::TakeFocus() {
   }
 }
 
-void CTerminalScreen::OnTick() {
+int CTerminalScreen::QuietTicks() const {
+  if (m_calls > 0) return TickPlan::kUntilWoken;
+  if (IsTerminalAsked(m_context.state.requests) || FrameOf(*this) != m_frame) return 0;
+  return isActiveWindow() ? m_context.commandLine.TicksToBlink() - 1 : TickPlan::kUntilWoken;
+}
+
+void CTerminalScreen::OnTick(int ticks) {
   // A message box or a transaction of this window is under way: everything waits until it is over.
   if (m_calls > 0) return;
   const bool foreground = isActiveWindow();
   PerformRequests();
-  if (foreground && m_context.commandLine.Tick()) ShowCommandLine();
+  if (foreground && m_context.commandLine.Tick(ticks)) ShowCommandLine();
   if (FrameOf(*this) != m_frame) ApplyWindowSize();
   if (Take(m_context.state.requests.terminalClose)) close();
 }

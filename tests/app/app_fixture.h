@@ -26,7 +26,9 @@ class ListedPorts final : public PortSource {
  public:
   QStringList names;
   bool works = true;
+  std::optional<std::uint64_t> revision = {};
 
+  std::optional<std::uint64_t> Revision() override { return revision; }
   bool FriendlyNames(QStringList& result) override {
     if (!works) return false;
     result.clear();

@@ -50,6 +50,31 @@ TEST_F(MainDialogLive, ThePositionForTheNextStartMovesNothingNow) {
   EXPECT_EQ(dialog.pos(), place);
 }
 
+/// Counts the ticks of a window that never sleeps.
+class Clock final : public PolledDialog {
+ public:
+  Clock() { StartTicks(); }
+  int ticks = 0;
+
+ protected:
+  void OnTick(int /*ticks*/) override { ++ticks; }
+};
+
+TEST_F(MainDialogLive, SleepsUntilThePortsChange) {
+  const PseudoTerminal port;
+  ports.revision = 1;
+  ASSERT_TRUE(QTest::qWaitFor([this] { return dialog.Monitor().IsAtRest(); }, 10'000));
+  const std::uint32_t before = dialog.Monitor().TickCount();
+  const Clock clock;
+  ASSERT_TRUE(QTest::qWaitFor([&] { return clock.ticks >= 5; }));
+  EXPECT_EQ(dialog.Monitor().TickCount(), before);
+  PlugIn(QStringLiteral("COM3"), port);
+  ports.revision = 2;
+  EXPECT_TRUE(QTest::qWaitFor([&] { return program.connection.portCount == 1; }));
+  EXPECT_EQ(Happened(), QStringList{"transient/COM port list has been updated."});
+  EXPECT_GE(dialog.Monitor().TickCount(), before + 5) << "those that were slept over count";
+}
+
 TEST_F(MainDialogLive, TheListFollowsAChoiceByNumber) {
   const PseudoTerminal first;
   const PseudoTerminal second;

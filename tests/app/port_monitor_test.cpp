@@ -94,6 +94,47 @@ TEST_F(PortMonitorTest, LetsTheFirstTenTicksPass) {
   EXPECT_EQ(monitor.TickCount(), 1U);
 }
 
+TEST_F(PortMonitorTest, RestsWhileNothingCanHaveChanged) {
+  ports.revision = 1;
+  monitor.ListPorts();
+  for (int i = 0; i < 10; ++i) {
+    EXPECT_FALSE(monitor.IsAtRest()) << "the first second is counted in ticks";
+    monitor.Tick();
+  }
+  EXPECT_FALSE(monitor.IsAtRest()) << "nobody has looked yet";
+  monitor.Tick();
+  EXPECT_TRUE(monitor.IsAtRest());
+  ports.names = Ports(1);
+  ports.revision = 2;
+  EXPECT_FALSE(monitor.IsAtRest());
+  monitor.Tick(7);
+  EXPECT_EQ(Happened(), QStringList{kUpdated});
+  EXPECT_TRUE(monitor.IsAtRest());
+  EXPECT_EQ(monitor.TickCount(), 8U) << "those that were slept over count";
+}
+
+TEST_F(PortMonitorTest, DoesNotRestWhereNobodyTellsOfChanges) {
+  StartMonitor();
+  for (int i = 0; i < 3; ++i) {
+    monitor.Tick();
+    EXPECT_FALSE(monitor.IsAtRest());
+  }
+}
+
+/// The choice of a port has its message up: what changes meanwhile is looked at afterwards.
+TEST_F(PortMonitorTest, DoesNotRestOverAChangeItHasNotLookedAt) {
+  ports.revision = 1;
+  StartMonitor();
+  monitor.Tick();
+  program.state.portBeingChosen = true;
+  ports.revision = 2;
+  monitor.Tick();
+  EXPECT_FALSE(monitor.IsAtRest());
+  program.state.portBeingChosen = false;
+  monitor.Tick();
+  EXPECT_TRUE(monitor.IsAtRest());
+}
+
 TEST_F(PortMonitorTest, ComparesTheCountAlone) {
   ports.names = {"COM1", "COM3"};
   StartMonitor();

@@ -219,6 +219,18 @@ TEST(CommandLine, TheCursorBlinksEveryFiveTicks) {
   EXPECT_EQ(line.DisplayText(), QStringLiteral("ab|"));
 }
 
+TEST(CommandLine, TicksThatWereSleptOverCountForTheBlink) {
+  CommandLine line;
+  EXPECT_EQ(line.TicksToBlink(), 5);
+  EXPECT_FALSE(line.Tick(3));
+  EXPECT_EQ(line.TicksToBlink(), 2);
+  EXPECT_TRUE(line.Tick(2));
+  EXPECT_EQ(line.TicksToBlink(), 5);
+  // However many they were, it is one blink.
+  EXPECT_TRUE(line.Tick(50));
+  EXPECT_EQ(line.DisplayText(), QStringLiteral("|"));
+}
+
 TEST(CommandLine, TheCursorReplacesTheCharacterUnderIt) {
   CommandLine line;
   Type(line, QStringLiteral("abc"));

@@ -15,7 +15,7 @@ class CountingDialog final : public PolledDialog {
   int ticks = 0;
 
  protected:
-  void OnTick() override { ++ticks; }
+  void OnTick(int /*ticks*/) override { ++ticks; }
 };
 
 /// Does something from another thread's view of time: while the transaction's wait handles events.
