@@ -37,6 +37,13 @@ void BM_RenderEveryByteValue(benchmark::State& state) {
 }
 BENCHMARK(BM_RenderEveryByteValue)->Unit(benchmark::kMicrosecond);
 
+/// Nothing but bytes that are spelled out with six characters.
+void BM_RenderHighBytes(benchmark::State& state) {
+  const QByteArray bytes(kLargestResponse, '\xff');
+  for (auto _ : state) benchmark::DoNotOptimize(RenderBytesForLog(bytes));
+}
+BENCHMARK(BM_RenderHighBytes)->Unit(benchmark::kMicrosecond);
+
 /// Time of 40 appends of two lines each, to a log that holds `range(0)` lines already.
 void BM_Append(benchmark::State& state) {
   constexpr int kAppends = 40;

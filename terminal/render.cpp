@@ -1,6 +1,8 @@
 #include "terminal/render.h"
 
+#include <algorithm>
 #include <cstdint>
+#include <cstring>
 
 #include "terminal/control_bytes.h"
 
@@ -9,13 +11,37 @@ namespace {
 
 constexpr unsigned char kFirstPrintable = 0x20;
 constexpr unsigned char kDelete = 0x7F;
+constexpr std::size_t kLongestSpelling = 6;
 
-void AppendHex(QByteArray& text, unsigned char byte) {
-  constexpr char kDigits[] = "0123456789abcdef";
-  text.append("<0x");
-  text.append(kDigits[byte >> 4]);
-  text.append(kDigits[byte & 0x0F]);
-  text.append('>');
+/// How a byte appears in the log.
+struct Spelling {
+  std::array<char, kLongestSpelling> text{};
+  std::uint8_t length = 0;
+};
+
+Spelling SpellingOf(unsigned char byte) {
+  QByteArray text;
+  if (byte == static_cast<unsigned char>(kCr) || (byte >= kFirstPrintable && byte < kDelete)) {
+    text.append(static_cast<char>(byte));
+  } else if (byte < kFirstPrintable) {
+    text = kControlMnemonicTable[byte];
+  } else if (byte == kDelete) {
+    text = "<DEL>";
+  } else {
+    text = "<0x" + QByteArray::number(byte, 16) + '>';
+  }
+  Spelling spelling;
+  std::copy(text.begin(), text.end(), spelling.text.begin());
+  spelling.length = static_cast<std::uint8_t>(text.size());
+  return spelling;
+}
+
+std::array<Spelling, 256> AllSpellings() {
+  std::array<Spelling, 256> spellings;
+  for (std::size_t byte = 0; byte < spellings.size(); ++byte) {
+    spellings[byte] = SpellingOf(static_cast<unsigned char>(byte));
+  }
+  return spellings;
 }
 
 }  // namespace
@@ -26,21 +52,16 @@ const std::array<const char*, 32> kControlMnemonicTable = {
     "<SYN>",  "<ETB>", "<CAN>", "<EM>",  "<SUB>", "<ESC>", "<FS>",  "<GS>",  "<RS>",  "<US>"};
 
 QByteArray RenderBytesForLog(const QByteArray& bytes) {
-  constexpr qsizetype kLongestSpelling = 6;
-  QByteArray text;
-  text.reserve(bytes.size() * kLongestSpelling);
+  static const std::array<Spelling, 256> spellings = AllSpellings();
+  QByteArray text(bytes.size() * static_cast<qsizetype>(kLongestSpelling), Qt::Uninitialized);
+  char* end = text.data();
   for (const char each : bytes) {
-    const auto byte = static_cast<unsigned char>(each);
-    if (each == kCr || (byte >= kFirstPrintable && byte < kDelete)) {
-      text.append(each);
-    } else if (byte < kFirstPrintable) {
-      text.append(kControlMnemonicTable[byte]);
-    } else if (byte == kDelete) {
-      text.append("<DEL>");
-    } else {
-      AppendHex(text, byte);
-    }
+    const Spelling& spelling = spellings[static_cast<unsigned char>(each)];
+    // All of it, whatever its length: there is room for six a byte, and the next one begins where this ends.
+    std::memcpy(end, spelling.text.data(), kLongestSpelling);
+    end += spelling.length;
   }
+  text.truncate(end - text.data());
   return text;
 }
 
