@@ -16,7 +16,7 @@ const char kUsage[] =
     "\n"
     "exit status: that of the last command\n"
     "  0 response received    1 response time-out    2 empty response\n"
-    "  3 response truncated   4 aborted\n"
+    "  3 response truncated   4 aborted (Ctrl+C)\n"
     "  5 the port or the settings could not be opened, or the line failed\n"
     "  64 wrong usage\n";
 

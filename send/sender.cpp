@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <optional>
 
+#include "send/interruption.h"
 #include "send/standard_output.h"
 #include "serial/open_port.h"
 #include "serial/platform_serial.h"
@@ -49,7 +50,7 @@ class NoIndicator final : public WaitIndicator {
   void Restore() override {}
 };
 
-/// Nothing has to be painted or held; Ctrl+C ends the whole program.
+/// Nothing has to be painted or held; Ctrl+C is the ESC key.
 class ShellHost final : public TransactionHost {
  public:
   void BeginWait() override {}
@@ -57,7 +58,7 @@ class ShellHost final : public TransactionHost {
   void KeepPainting() override {}
   void ShowWaitingText(const QString&) override {}
   [[nodiscard]] int CaretPosition() const override { return -1; }
-  bool EscapePressed() override { return false; }
+  bool EscapePressed() override { return IsInterrupted(); }
 };
 
 bool LoadSettingsFile(const Options& options, const QString& dataFolder, SettingsRecord& settings) {
@@ -118,12 +119,17 @@ int Send(const Options& options) {
   SettingsRecord settings;
   PortConnection connection;
   if (!LoadSettingsFile(options, dataFolder, settings)) return kFailed;
+  NoticeInterruption();
   if (!Connect(settings, PortsFolder(dataFolder), connection)) return kFailed;
   TransactionEngine engine(connection);
   ShellHost host;
   int status = 0;
   if (options.raw) PassBytesAsTheyAre();
   for (const QString& command : options.commands) {
+    if (IsInterrupted()) {
+      status = static_cast<int>(TransactionResult::Aborted);
+      break;
+    }
     connection.command = command;
     const TransactionResult result = engine.RunTransaction(settings, host);
     Print(options, result, connection, settings);

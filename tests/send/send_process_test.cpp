@@ -1,9 +1,16 @@
+#include <fcntl.h>
+#include <termios.h>
+
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
+#include <QThread>
+#include <csignal>
 #include <map>
 
+#include "serial/file_descriptor.h"
 #include "settings/settings_table.h"
 #include "tests/transaction/transaction_fixture.h"
 
@@ -64,12 +71,15 @@ class SendProcess : public testing::Test {
   }
   void UseSettings(const Values& values) const { WriteSettings(Path("Halvo/Quarn/Quarn.ini"), values); }
 
-  [[nodiscard]] Outcome Send(const QStringList& arguments) const {
-    QProcess process;
+  void Start(QProcess& process, const QStringList& arguments) const {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("XDG_CONFIG_HOME"), m_home.path());
     process.setProcessEnvironment(environment);
     process.start(QStringLiteral(QUARN_SEND), arguments);
+  }
+  [[nodiscard]] Outcome Send(const QStringList& arguments) const {
+    QProcess process;
+    Start(process, arguments);
     EXPECT_TRUE(process.waitForFinished(kPatienceMs));
     EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
     return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
@@ -216,6 +226,32 @@ TEST_F(SendProcess, ALineThatNoUartHasIsFiveWithTheReason) {
   EXPECT_EQ(sent.exitCode, 5);
   EXPECT_TRUE(sent.err.contains("Failed to set serial port state\n")) << sent.err.constData();
   EXPECT_TRUE(sent.err.contains("data and stop bits")) << sent.err.constData();
+}
+
+TEST_F(SendProcess, CtrlCIsFourAndPutsTheLineBack) {
+  const QByteArray node = QFile::encodeName(m_instrument.NodePath());
+  const FileDescriptor line(::open(node.constData(), O_RDWR | O_NOCTTY | O_CLOEXEC));
+  const auto state = [&line] {
+    termios now{};
+    EXPECT_EQ(::tcgetattr(line.Get(), &now), 0);
+    return now;
+  };
+  // As a line is that no program has taken yet.
+  termios untouched = state();
+  untouched.c_lflag |= ECHO | ICANON;
+  ASSERT_EQ(::tcsetattr(line.Get(), TCSANOW, &untouched), 0);
+  QProcess process;
+  Start(process, {"mute", "id"});
+  const QDeadlineTimer patience(kPatienceMs);
+  while (m_instrument.Received() != "mute\r\n" && !patience.hasExpired()) QThread::msleep(1);
+  EXPECT_EQ(state().c_lflag & (ECHO | ICANON), 0U);
+  ASSERT_EQ(::kill(static_cast<pid_t>(process.processId()), SIGINT), 0);
+  ASSERT_TRUE(process.waitForFinished(kPatienceMs));
+  EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+  EXPECT_EQ(process.exitCode(), 4);
+  EXPECT_EQ(process.readAllStandardOutput(), "[mute]\nWarning: Aborted by ESC Key\n\n");
+  EXPECT_EQ(m_instrument.Received(), "mute\r\n") << "the next command is not sent";
+  EXPECT_EQ(state().c_lflag, untouched.c_lflag);
 }
 
 TEST_F(SendProcess, WrongUsageIs64) {

@@ -1,0 +1,11 @@
+#pragma once
+
+namespace quarn::send {
+
+/// From now on the first Ctrl+C, or other request to end, is only noticed, so that the line can be put back
+/// as it was. A second one ends the program at once.
+void NoticeInterruption();
+/// Any thread.
+[[nodiscard]] bool IsInterrupted();
+
+}  // namespace quarn::send
