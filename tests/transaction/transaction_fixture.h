@@ -50,6 +50,15 @@ class TransactionTest : public testing::Test {
     m_settings.rTimeout = QStringLiteral("ON");
   }
 
+  /// A read ends after 180 ms of silence behind a byte, or half a second after the call.
+  static LineTimeouts ShortTotal() {
+    return {.readInterval = 180,
+            .readTotalMultiplier = 0,
+            .readTotalConstant = 500,
+            .writeTotalMultiplier = 10,
+            .writeTotalConstant = 500};
+  }
+
   TransactionResult Run(const char* command) {
     m_connection.command = QString::fromUtf8(command);
     return m_engine->RunTransaction(m_settings, m_host);

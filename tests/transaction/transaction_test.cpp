@@ -180,6 +180,26 @@ TEST_F(TransactionTest, AFloodThatNeverFallsSilentEndsWithAFullRead) {
   EXPECT_EQ(Response(), QByteArray(1024, 'F'));
 }
 
+/// With the response time-out off only the read's total ends a wait for a line that stays silent.
+TEST_F(TransactionTest, ALineSilentUntilTheTotalIsInvalidData) {
+  Serve("* -> silence");
+  ASSERT_TRUE(SetServedTimeouts(*m_connection.handle.Line(), ShortTotal()));
+  EXPECT_EQ(Run("mute"), TransactionResult::InvalidData);
+  EXPECT_EQ(m_instrument->Received(), "mute\r");
+}
+
+/// An instrument that neither falls silent nor fills the read does not hold the program up for ever.
+TEST_F(TransactionTest, ATrickleThatNeverFallsSilentEndsAtTheTotal) {
+  std::string rule = "\"drip\" ->";
+  for (int i = 0; i < 100; ++i) rule += " 50 \"x\"";
+  Serve(rule);
+  ASSERT_TRUE(SetServedTimeouts(*m_connection.handle.Line(), ShortTotal()));
+  EXPECT_EQ(Run("drip"), TransactionResult::Received);
+  EXPECT_EQ(m_instrument->Answers(), 0) << "it has more to say";
+  EXPECT_FALSE(Response().isEmpty());
+  EXPECT_EQ(Response(), QByteArray(Response().size(), 'x'));
+}
+
 TEST_F(TransactionTest, ACommandTooLongToSendIsNotSent) {
   SetShortestTimeout();
   Serve("* -> line \"ERR\"");

@@ -226,16 +226,19 @@ TEST_F(TerminalWait, TheWaitingMarkBlinksAtTheCaret) {
 }
 
 TEST_F(TerminalWait, ATimeOutIsLoggedAndALateAnswerIsNotTheNextOne) {
-  Connect("\"late\" -> 800 line \"late answer\"\n\"next\" -> 200 line \"next answer\"");
+  // Later than the wait for the answer, and for the read behind it, can last.
+  Connect("\"late\" -> 1500 line \"late answer\"\n\"next\" -> 200 line \"next answer\"");
   Open();
   Type("late");
   Press(Qt::Key_Return);
   EXPECT_EQ(window->RowText(1), QStringLiteral("Error: Response Timeout Error\r"));
+  EXPECT_EQ(instrument->Answers(), 0);
   settings.rTimeout = QStringLiteral("OFF");
   Press(Qt::Key_Z, Qt::ControlModifier);
   Type("next");
+  ASSERT_TRUE(Until([this] { return instrument->Answers() == 1; }));
   Press(Qt::Key_Return);
-  // The late answer came in between; nothing of it is credited to the second command.
+  // The late answer was there before the second command went out; nothing of it is credited to that.
   EXPECT_EQ(window->RowText(4), QStringLiteral("next answer\r"));
   EXPECT_EQ(log.LineCount(), 5);
 }
