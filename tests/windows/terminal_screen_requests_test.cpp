@@ -127,6 +127,45 @@ TEST_F(TerminalRequests, SeveralRequestsActInTheirOrder) {
   EXPECT_EQ(instrument->Received(), "mem\r");
 }
 
+TEST_F(TerminalRequests, TheSendActionComesAfterFocusAndEmptyingAndBeforeTheRest) {
+  settings.mem[0] = QStringLiteral("mem");
+  log.AppendLogText("1\r");
+  Open();
+  Type("typed");
+  bool told = false;
+  // There is no port, which the send action says in a message.
+  messages.whileShown = [&] {
+    told = true;
+    EXPECT_FALSE(state.requests.focus);
+    EXPECT_FALSE(state.requests.clearLog);
+    EXPECT_EQ(log.LineCount(), 0);
+    EXPECT_EQ(commandLine.Text(), QString());
+    EXPECT_FALSE(state.requests.sendAction);
+    EXPECT_TRUE(state.requests.terminalRefresh);
+    EXPECT_TRUE(state.requests.functionKey);
+  };
+  state.requests.focus = true;
+  state.requests.clearLog = true;
+  state.requests.sendAction = true;
+  state.requests.terminalRefresh = true;
+  state.requests.functionKey = true;
+  ASSERT_TRUE(Until([this] { return commandLine.Text() == u"mem"; }));
+  EXPECT_TRUE(told);
+}
+
+TEST_F(TerminalRequests, TheRefreshComesBeforeTheFunctionKey) {
+  settings.mem[0] = QStringLiteral("mem");
+  Open();
+  settings.inputMax = QStringLiteral("M");
+  QStringList atRefresh;
+  QObject::connect(window, &QWidget::windowTitleChanged, window,
+                   [&] { atRefresh.append(commandLine.Text()); });
+  state.requests.functionKey = true;
+  state.requests.terminalRefresh = true;
+  ASSERT_TRUE(Until([this] { return commandLine.Text() == u"mem"; }));
+  EXPECT_EQ(atRefresh, QStringList{QString()});
+}
+
 TEST_F(TerminalRequests, CloseKeepsLogAndCommandLineForTheNextTime) {
   log.AppendLogText("1\r");
   Open();
