@@ -42,9 +42,10 @@ void PolledDialog::Plan() {
   const std::int64_t now = Now();
   m_ticks.Plan(QuietTicks(), now);
   if (m_ticks.IsLate(now)) {
-    // It is about to come, unless its event was dropped: then it comes at the next opportunity.
+    // It is about to come, unless its event was dropped: then it comes at its next interval, behind the input
+    // that was held back meanwhile.
     if (now - m_ticks.DueTime() >= kTickMs && m_timerDue) {
-      m_timer.start(0, this);
+      m_timer.start(kTickMs, this);
       m_timerDue.reset();
     }
   } else if (!m_ticks.HasDue()) {
