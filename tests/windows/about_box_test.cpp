@@ -150,7 +150,8 @@ TEST_F(AboutBox, OkEnterEscapeAndTheCloseBoxEndItAndDoNothingElse) {
 TEST_F(AboutBox, StandsWhereMessagesDo) {
   ShowActive(m_box);
   const QSize screen = QGuiApplication::primaryScreen()->geometry().size();
-  EXPECT_EQ(m_box.pos(), CentredPosition(screen, OuterSize(m_box)));
+  // The frame may be known a moment later than the window is there.
+  EXPECT_TRUE(QTest::qWaitFor([&] { return m_box.pos() == CentredPosition(screen, OuterSize(m_box)); }));
   EXPECT_FALSE(m_box.windowFlags() & Qt::WindowMinMaxButtonsHint);
   EXPECT_TRUE(m_box.isModal());
 }
