@@ -1,26 +1,20 @@
 # quarn_room(NAME SOURCES... [LINK targets...]) makes one layer of the program: a static library that
 # sees only the layers it names, so that a forbidden include does not link.
 function(quarn_room NAME)
-  cmake_parse_arguments(ROOM "MOC" "" "SOURCES;LINK" ${ARGN})
+  cmake_parse_arguments(ROOM "" "" "SOURCES;LINK" ${ARGN})
   add_library(${NAME} STATIC ${ROOM_SOURCES})
   target_link_libraries(${NAME} PUBLIC quarn_compiler ${ROOM_LINK})
-  if(ROOM_MOC)
-    set_target_properties(${NAME} PROPERTIES AUTOMOC ON)
-  endif()
 endfunction()
 
 # quarn_test(NAME SOURCES... [LINK targets...] [LABELS ...] [WIDGETS]) makes one GoogleTest program and
 # registers each of its cases with CTest. WIDGETS runs it on the offscreen platform; on Windows, where that
 # is what the program is made for, on the real one.
 function(quarn_test NAME)
-  cmake_parse_arguments(T "WIDGETS;MOC;SERIAL" "TIMEOUT" "SOURCES;LINK;LABELS" ${ARGN})
+  cmake_parse_arguments(T "WIDGETS;SERIAL" "TIMEOUT" "SOURCES;LINK;LABELS" ${ARGN})
   add_executable(${NAME} ${T_SOURCES})
   target_link_libraries(${NAME} PRIVATE quarn_compiler ${T_LINK} GTest::gtest quarn_test_compiler)
   target_include_directories(${NAME} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
   target_compile_definitions(${NAME} PRIVATE QUARN_TEST_DATA="${CMAKE_SOURCE_DIR}/tests/data")
-  if(T_MOC)
-    set_target_properties(${NAME} PROPERTIES AUTOMOC ON)
-  endif()
   if(NOT T_TIMEOUT)
     set(T_TIMEOUT 120)
   endif()
