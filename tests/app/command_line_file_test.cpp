@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "identity.h"
+
 namespace quarn {
 namespace {
 
@@ -46,7 +48,9 @@ TEST(AnswerOnTerminal, OnlyWhenAsked) {
   EXPECT_EQ(AnswerOnTerminal({u"quarn"_s}), QString());
   EXPECT_EQ(AnswerOnTerminal({u"quarn"_s, u"help.qrn"_s}), QString());
   EXPECT_TRUE(AnswerOnTerminal({u"quarn"_s, u"--help"_s}).contains(u"usage: quarn [FILE]"_s));
-  EXPECT_EQ(AnswerOnTerminal({u"quarn"_s, u"--version"_s}), u"Quarn  (Ver. 1.00), build 2026-01-15\n"_s);
+  EXPECT_EQ(AnswerOnTerminal({u"quarn"_s, u"--version"_s}),
+            QStringLiteral("%1, build %2\n")
+                .arg(QLatin1String(identity::kNameAndVersion), QLatin1String(identity::kBuildDate)));
 }
 
 }  // namespace

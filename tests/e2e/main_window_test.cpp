@@ -1,4 +1,5 @@
 #include "e2e/starts.h"
+#include "identity.h"
 #include "settings/key_store.h"
 
 namespace quarn::test {
@@ -46,7 +47,7 @@ class MainWindow : public Starts {
   /// The about box, ended in this way.
   void LookAtAboutBox(const char* buttonOrKey) {
     EXPECT_TRUE(BoxSays(kAbout, {QStringLiteral("Quarn  (Ver. 1.00)"), QStringLiteral("Serial Port Terminal"),
-                                 QStringLiteral("Build 2026-01-15"), QStringLiteral("Halvo"),
+                                 QString::fromLatin1(identity::kBuildLine), QStringLiteral("Halvo"),
                                  QStringLiteral("Simple and high performance"),
                                  QStringLiteral("https://www.halvo.example")}));
     EXPECT_EQ(Title(WaitForWindow(kAbout)), QStringLiteral("About  Quarn - Serial Port Terminal "));

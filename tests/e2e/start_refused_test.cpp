@@ -4,6 +4,7 @@
 #include <QRegularExpression>
 
 #include "e2e/starts.h"
+#include "identity.h"
 
 namespace quarn::test {
 namespace {
@@ -137,7 +138,8 @@ TEST_F(StartRefused, ButAnswersOnATerminalWithoutADisplay) {
     EXPECT_EQ(end->errors, QByteArray());
     return end->output;
   };
-  EXPECT_EQ(answer("--version"), QByteArray("Quarn  (Ver. 1.00), build 2026-01-15\n"));
+  EXPECT_EQ(answer("--version"),
+            QByteArray(identity::kNameAndVersion) + ", build " + identity::kBuildDate + "\n");
   const QByteArray help = answer("--help");
   EXPECT_TRUE(help.startsWith("Quarn: a terminal for serial ports.\n")) << help.toStdString();
   for (const char* part : {"\nusage: quarn [FILE]\n", ".qrn", "--help", "--version"})

@@ -5,6 +5,7 @@
 #include <QFileInfo>
 #include <QRegularExpression>
 
+#include "identity.h"
 #include "settings/key_store.h"
 
 namespace quarn::test {
@@ -91,7 +92,7 @@ void Starts::AcknowledgeNoPort() {
 
 ::testing::AssertionResult Starts::SplashIsThere() {
   return BoxSays(kPlain, {QStringLiteral("Quarn  (Ver. 1.00)"), QStringLiteral("Serial Port Terminal"),
-                          QStringLiteral("Build 2026-01-15"), QStringLiteral("Halvo")});
+                          QString::fromLatin1(identity::kBuildLine), QStringLiteral("Halvo")});
 }
 
 ::testing::AssertionResult Starts::SwitchBecomes(const char* text) {

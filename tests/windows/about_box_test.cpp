@@ -8,6 +8,7 @@
 #include <QUrl>
 
 #include "app/link_opener.h"
+#include "identity.h"
 #include "support/dialog_controls.h"
 #include "support/recorded_messages.h"
 #include "ui/placement.h"
@@ -45,7 +46,7 @@ TEST_F(AboutBox, SaysWhatTheProgramIs) {
   EXPECT_EQ(m_box.windowTitle(), QStringLiteral("About  Quarn - Serial Port Terminal "));
   EXPECT_EQ(Label(1165)->text(), QStringLiteral("Quarn  (Ver. 1.00)"));
   EXPECT_EQ(Label(1166)->text(), QStringLiteral("Serial Port Terminal"));
-  EXPECT_EQ(Label(1169)->text(), QStringLiteral("Build 2026-01-15"));
+  EXPECT_EQ(Label(1169)->text(), QString::fromLatin1(identity::kBuildLine));
   EXPECT_EQ(Label(1168)->text(), QStringLiteral("Halvo"));
   EXPECT_EQ(m_box.findChild<QLabel*>(QStringLiteral("emptyLabel"))->text(), QString());
   EXPECT_EQ(m_box.findChild<QLabel*>(QStringLiteral("tagline"))->text(),

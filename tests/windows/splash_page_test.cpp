@@ -6,6 +6,7 @@
 #include <QScreen>
 #include <QTimer>
 
+#include "identity.h"
 #include "support/dialog_controls.h"
 #include "ui/placement.h"
 
@@ -15,7 +16,7 @@ namespace {
 TEST(SplashPage, SaysWhatIsStarting) {
   const CSplashPage splash;
   EXPECT_EQ(Control<QLabel>(splash, 1165)->text(), QStringLiteral("Quarn  (Ver. 1.00)"));
-  EXPECT_EQ(Control<QLabel>(splash, 1169)->text(), QStringLiteral("Build 2026-01-15"));
+  EXPECT_EQ(Control<QLabel>(splash, 1169)->text(), QString::fromLatin1(identity::kBuildLine));
   EXPECT_EQ(Control<QLabel>(splash, 1166)->text(), QStringLiteral("Serial Port Terminal"));
   EXPECT_EQ(Control<QLabel>(splash, 1168)->text(), QStringLiteral("Halvo"));
   EXPECT_FALSE(splash.findChild<QLabel*>(QStringLiteral("logo"))->pixmap(Qt::ReturnByValue).isNull());

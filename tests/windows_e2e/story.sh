@@ -168,7 +168,7 @@ answers() {
   headline "What it answers without a window"
   local answer
   answer=$(wine "$1" --version | tr -d '\r')
-  expect "the version is told" test "$answer" == "$(identity NAME)  (Ver. $(identity VERSION)), build 2026-01-15"
+  expect "the version is told" test "$answer" == "$(identity NAME)  (Ver. $(identity VERSION)), build $(identity BUILD_DATE)"
   answer=$(wine "$1" --help | tr -d '\r')
   expect "the usage is told" test "${answer#*usage: quarn}" != "$answer"
   answer=$(wine "${1%quarn.exe}quarn-send.exe" --port COM3 id | tr -d '\r')
