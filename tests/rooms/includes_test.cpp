@@ -1,0 +1,139 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <regex>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace quarn::test {
+namespace {
+
+/// For each room what its files may include: rooms, or single headers.
+using Table = std::map<std::string, std::set<std::string>>;
+
+Table ParseTable(std::istream& text) {
+  Table table;
+  for (std::string line; std::getline(text, line);) {
+    const auto colon = line.find(':');
+    if (line.empty() || line.front() == '#' || colon == std::string::npos) continue;
+    std::istringstream rest(line.substr(colon + 1));
+    auto& allowed = table[line.substr(0, colon)];
+    for (std::string word; rest >> word;) allowed.insert(word);
+  }
+  return table;
+}
+
+std::string FolderOf(const std::string& path) { return path.substr(0, path.rfind('/')); }
+
+/// The includes of ours in a source's text, as they are written there. What stands beside a file or is
+/// generated has no folder, and is nobody else's room.
+std::vector<std::string> IncludesOf(const std::string& text) {
+  static const std::regex kInclude(R"re((?:^|\n)[ \t]*#[ \t]*include[ \t]*"([^"\n]+/[^"\n]+)")re");
+  std::vector<std::string> includes;
+  for (std::sregex_iterator it(text.begin(), text.end(), kInclude), end; it != end; ++it) {
+    includes.push_back((*it)[1].str());
+  }
+  return includes;
+}
+
+/// What a file of that room includes and may not.
+std::vector<std::string> Forbidden(const Table& table, const std::string& room, const std::string& text) {
+  std::vector<std::string> found;
+  const auto row = table.find(room);
+  for (const std::string& include : IncludesOf(text)) {
+    const std::string folder = FolderOf(include);
+    const bool allowed = folder == room || (row != table.end() &&
+                                            (row->second.contains(folder) || row->second.contains(include)));
+    if (!allowed) found.push_back(include);
+  }
+  return found;
+}
+
+std::string TextOf(const std::filesystem::path& path) {
+  std::ifstream file(path);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+const std::filesystem::path kSource = QUARN_SOURCE;
+
+Table TheTable() {
+  std::ifstream file(kSource / "cmake/rooms.txt");
+  return ParseTable(file);
+}
+
+std::vector<std::filesystem::path> SourcesIn(const std::filesystem::path& folder) {
+  std::vector<std::filesystem::path> files;
+  for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+    if (entry.path().extension() == ".cpp" || entry.path().extension() == ".h") files.push_back(entry.path());
+  }
+  return files;
+}
+
+TEST(Rooms, EveryIncludeIsOneThatTheTableAllows) {
+  const Table table = TheTable();
+  ASSERT_FALSE(table.empty());
+  for (const auto& [room, allowed] : table) {
+    const auto files = SourcesIn(kSource / room);
+    EXPECT_FALSE(files.empty()) << room << " is in the table, and there is nothing in it";
+    for (const auto& file : files) {
+      for (const std::string& include : Forbidden(table, room, TextOf(file))) {
+        ADD_FAILURE() << file.lexically_relative(kSource) << " includes " << include
+                      << ", which cmake/rooms.txt does not let " << room << "/ use";
+      }
+    }
+  }
+}
+
+/// A folder of sources that the table does not know would be looked at by nobody.
+TEST(Rooms, TheTableKnowsEveryFolderOfSources) {
+  const Table table = TheTable();
+  const std::set<std::string> others = {"tests", "bench", "fuzz", "build"};
+  for (const auto& top : std::filesystem::directory_iterator(kSource)) {
+    const std::string name = top.path().filename().string();
+    if (!top.is_directory() || name.front() == '.' || others.contains(name)) continue;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(top.path())) {
+      if (entry.path().extension() != ".cpp" && entry.path().extension() != ".h") continue;
+      const std::string room = entry.path().parent_path().lexically_relative(kSource).generic_string();
+      EXPECT_TRUE(table.contains(room)) << entry.path().lexically_relative(kSource);
+    }
+  }
+}
+
+TEST(Rooms, NamesInTheTableAreThere) {
+  for (const auto& [room, allowed] : TheTable()) {
+    for (const std::string& name : allowed) {
+      EXPECT_TRUE(std::filesystem::exists(kSource / name)) << room << " may use " << name;
+    }
+  }
+}
+
+/// An arrow that runs back would make two rooms one.
+TEST(Rooms, NoTwoRoomsUseEachOther) {
+  const Table table = TheTable();
+  for (const auto& [room, allowed] : table) {
+    for (const std::string& other : allowed) {
+      const auto row = table.find(other);
+      EXPECT_FALSE(row != table.end() && row->second.contains(room)) << room << " and " << other;
+    }
+  }
+}
+
+TEST(Rooms, AForbiddenIncludeIsSeen) {
+  std::istringstream text("# a table\nlow:\nhigh: low other/plain.h\n");
+  const Table table = ParseTable(text);
+  using List = std::vector<std::string>;
+  EXPECT_EQ(Forbidden(table, "high", "#include \"low/a.h\"\n#include \"other/plain.h\"\n"), List());
+  EXPECT_EQ(Forbidden(table, "high", "#include \"other/window.h\"\n"), List{"other/window.h"});
+  EXPECT_EQ(Forbidden(table, "low", "// first\n  #  include \"high/b.h\"\n"), List{"high/b.h"});
+  EXPECT_EQ(Forbidden(table, "low", "#include \"low/c.h\"\n#include \"identity.h\"\n#include <x/y>\n"),
+            List());
+  EXPECT_EQ(Forbidden(table, "unknown", "#include \"low/a.h\"\n"), List{"low/a.h"});
+}
+
+}  // namespace
+}  // namespace quarn::test
