@@ -2,10 +2,9 @@
 # Qt for Windows, built from Debian's own source package. Sourced after lib.sh.
 #
 # Understood from outside:
-#   QUARN_WINDOWS_QT=FOLDER   where it is kept (default: build/windows/qt)
+#   QUARN_WINDOWS_QT=FOLDER   where it is kept (default: in the user's cache folder, one folder for each source,
+#                             compiler and set of options, and shared by all clones)
 
-# Absolute, wherever the caller stands.
-QT=$(realpath -m "${QUARN_WINDOWS_QT:-build/windows/qt}")
 QT_TOOLCHAIN=$TOP/cmake/mingw-w64.cmake
 
 # What Quarn does not use stays out: it would be built, shipped and loaded for nothing. The source package
@@ -37,6 +36,15 @@ qt_key() {
   qt_options
 }
 
+default_qt_folder() {
+  local key
+  key=$(qt_key | sha256sum)
+  echo "${XDG_CACHE_HOME:-$HOME/.cache}/quarn/windows-qt-${key:0:16}"
+}
+
+# Sets $QT, absolute wherever the caller stands.
+find_qt_folder() { QT=$(realpath -m "${QUARN_WINDOWS_QT:-$(default_qt_folder)}"); }
+
 qt_is_there() { [[ -f $QT/quarn-key && $(<"$QT/quarn-key") == "$(qt_key)" ]]; }
 
 # fetch_qt FOLDER: the unpacked source in FOLDER/source. The machine's own lists of packages stay as they are.
@@ -57,16 +65,10 @@ fetch_qt() {
   }
 }
 
-# Builds it unless it is there. The key is the last thing written, so that half a build is never taken for one.
-provide_qt() {
-  local place=$QT.making options
-  if qt_is_there; then
-    echo "Qt for Windows is in $QT"
-    return
-  fi
+# build_qt FOLDER: fetched, built in that folder and left there in root, below the name it is going to have.
+build_qt() {
+  local place=$1 options
   headline "Fetching the source of Qt $(qt_version)"
-  rm -rf "$QT" "$place"
-  mkdir -p "$place"
   fetch_qt "$place"
   headline "Building Qt for Windows, which takes a while and is done once"
   mapfile -t options < <(qt_options)
@@ -79,8 +81,32 @@ provide_qt() {
     tail -n 100 "$place/build.log"
     fail "Qt does not build"
   }
-  cmake --install "$place/build" --strip >"$place/install.log"
-  qt_key >"$QT/quarn-key"
-  rm -rf "$place"
-  headline "Qt for Windows is built"
+  DESTDIR=$place/root cmake --install "$place/build" --strip >"$place/install.log"
+  qt_key >"$place/root$QT/quarn-key"
+}
+
+# Sets $QT and builds it unless it is there. Of several that want the same one builds and the others wait; and it
+# gets its name when it is finished, so that half a build is never taken for one.
+provide_qt() {
+  local making lock
+  find_qt_folder
+  if ! qt_is_there; then
+    making=$QT.making
+    mkdir -p "$(dirname "$QT")"
+    exec {lock}>"$QT.lock"
+    flock --nonblock "$lock" || {
+      echo "Qt for Windows is being built by another; waiting for it"
+      flock "$lock"
+    }
+    if ! qt_is_there; then
+      rm -rf "$making"
+      mkdir "$making"
+      build_qt "$making"
+      rm -rf "$QT"
+      mv "$making/root$QT" "$QT"
+      rm -rf "$making"
+    fi
+    exec {lock}>&-
+  fi
+  echo "Qt for Windows is in $QT"
 }
