@@ -13,13 +13,24 @@ bool IsListed(const QString& name) {
   return name.size() <= kFriendlyNameCapacity && name.contains(QLatin1String("COM"));
 }
 
+/// The first hundred names that are listed.
+QStringList ListedNames(const QStringList& names) {
+  QStringList listed;
+  for (const QString& name : names) {
+    if (listed.size() == kPortCapacity) break;
+    if (IsListed(name)) listed.append(name);
+  }
+  return listed;
+}
+
 }  // namespace
 
 bool CountPorts(PortSource& source, std::int32_t& count) {
   QStringList names;
   if (!source.FriendlyNames(names)) return false;
-  const auto listed = std::count_if(names.cbegin(), names.cend(), IsListed);
-  count = static_cast<std::int32_t>(std::min<qsizetype>(listed, kPortCapacity));
+  const QStringList listed = ListedNames(names);
+  count = static_cast<std::int32_t>(std::count_if(
+      listed.cbegin(), listed.cend(), [](const QString& name) { return !ShortPortName(name).isEmpty(); }));
   return true;
 }
 
@@ -28,17 +39,10 @@ bool EnumeratePorts(PortSource& source, FriendlyNameTable& friendlyNames, std::i
   if (!source.FriendlyNames(names)) {
     return false;
   }
+  const QStringList listed = ListedNames(names);
   friendlyNames.fill(QString());
-  std::size_t kept = 0;
-  for (const QString& name : names) {
-    if (kept == friendlyNames.size()) {
-      break;
-    }
-    if (IsListed(name)) {
-      friendlyNames[kept++] = name;
-    }
-  }
-  count = static_cast<std::int32_t>(kept);
+  std::copy(listed.cbegin(), listed.cend(), friendlyNames.begin());
+  count = static_cast<std::int32_t>(listed.size());
   return true;
 }
 

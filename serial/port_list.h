@@ -17,8 +17,9 @@ using FriendlyNameTable = std::array<QString, kPortCapacity>;
 /// hundredth. False, and nothing touched, when the device list cannot be obtained.
 bool EnumeratePorts(PortSource& source, FriendlyNameTable& friendlyNames, std::int32_t& count);
 
-/// The count alone, as EnumeratePorts gives it; for who asks often. False, and nothing touched, when the
-/// device list cannot be obtained.
+/// How many ports RefreshPortList would list now, for who asks often: names without a short name, which
+/// EnumeratePorts keeps, are not among them. False, and nothing touched, when the device list cannot be
+/// obtained.
 bool CountPorts(PortSource& source, std::int32_t& count);
 
 /// Rebuilds the port record's list: short names in ascending number order. False, and the previous list

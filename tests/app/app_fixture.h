@@ -25,13 +25,14 @@ namespace quarn::test {
 class ListedPorts final : public PortSource {
  public:
   QStringList names;
+  QStringList others;  ///< names that are given as they stand, in front of the ports'
   bool works = true;
   std::optional<std::uint64_t> revision = {};
 
   std::optional<std::uint64_t> Revision() override { return revision; }
   bool FriendlyNames(QStringList& result) override {
     if (!works) return false;
-    result.clear();
+    result = others;
     for (const QString& name : names) result.append(QStringLiteral("Adapter (%1)").arg(name));
     return true;
   }

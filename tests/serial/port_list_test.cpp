@@ -68,18 +68,41 @@ TEST(EnumeratePorts, EndsAtAHundred) {
   EXPECT_EQ(table[99], "Port 99 (COM1)");
 }
 
-TEST(CountPorts, CountsWhatEnumeratePortsKeeps) {
+/// Names that a system gives to devices of this kind, and that name no port from COM1 to COM99.
+const QStringList kUnusable{"USB Serial Port (COM104)",
+                            "pair (COM5->COM6)",
+                            "Gadget COM7 serial",
+                            "TELECOM box",
+                            "(COM",
+                            "(COM)",
+                            "(COM8",
+                            "COM9",
+                            QString(250, 'x') + "(COM3)"};
+
+TEST(CountPorts, CountsWhatIsListed) {
   QStringList many("no port at all");
   for (int i = 0; i < 120; ++i) many.append(QString("Port (COM%1)").arg(i));
   const QStringList mixed{"Printer (LPT1)", "TELECOM box", "Port (COM4)", QString(300, 'x') + "COM"};
-  for (const QStringList& list : {QStringList(), mixed, many}) {
+  QStringList among = kUnusable;
+  among.insert(3, "Port (COM4)");
+  // The hundredth place counts for those that cannot be used, too.
+  const QStringList late = QStringList(99, "TELECOM box") + QStringList{"Port (COM4)", "Port (COM5)"};
+  for (const QStringList& list : {QStringList(), mixed, many, kUnusable, among, late}) {
     ScriptedSource source(list);
-    FriendlyNameTable table;
-    std::int32_t kept = -1;
+    PortConnection connection;
     std::int32_t counted = -2;
-    ASSERT_TRUE(EnumeratePorts(source, table, kept));
+    ASSERT_TRUE(RefreshPortList(source, connection));
     ASSERT_TRUE(CountPorts(source, counted));
-    EXPECT_EQ(counted, kept);
+    EXPECT_EQ(counted, connection.portCount) << list.join(", ").toStdString();
+  }
+}
+
+TEST(CountPorts, CountsNoNameThatNamesNoPort) {
+  for (const QString& name : kUnusable) {
+    ScriptedSource source({"Port (COM4)", name});
+    std::int32_t counted = -1;
+    ASSERT_TRUE(CountPorts(source, counted));
+    EXPECT_EQ(counted, 1) << name.toStdString();
   }
 }
 
