@@ -3,10 +3,10 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <array>
-#include <chrono>
-#include <limits>
 #include <utility>
+
+#include "serial/line_failure_win32.h"
+#include "serial/read_limits.h"
 
 namespace quarn {
 
@@ -14,87 +14,81 @@ namespace {
 
 static_assert(sizeof(DCB) == 28, "the comm API checks the record's length");
 
-/// ERROR_NO_SUCH_DEVICE, which MinGW-w64's headers lack.
-constexpr unsigned long kNoSuchDevice = 433;
+/// ERROR_MAX_THRDS_REACHED, which MinGW-w64's headers lack.
+constexpr unsigned long kNoThread = 164;
 
-LineError KindOf(unsigned long code) {
-  switch (code) {
-    case ERROR_FILE_NOT_FOUND:
-    case ERROR_PATH_NOT_FOUND:
-    case ERROR_INVALID_NAME:
-    case ERROR_BAD_PATHNAME:
-      return LineError::NotFound;
-    // A comm port that another program has open is refused as "access denied".
-    case ERROR_ACCESS_DENIED:
-    case ERROR_SHARING_VIOLATION:
-    case ERROR_BUSY:
-      return LineError::InUse;
-    case ERROR_PRIVILEGE_NOT_HELD:
-      return LineError::NoPermission;
-    case ERROR_INVALID_PARAMETER:
-    case ERROR_NOT_SUPPORTED:
-      return LineError::Refused;
-    case ERROR_OPERATION_ABORTED:
-      return LineError::Cancelled;
-    case ERROR_BAD_COMMAND:
-    case ERROR_GEN_FAILURE:
-    case ERROR_NOT_READY:
-    case ERROR_DEV_NOT_EXIST:
-    case kNoSuchDevice:
-    case ERROR_DEVICE_NOT_CONNECTED:
-    case ERROR_DEVICE_REMOVED:
-    case ERROR_INVALID_HANDLE:
-      return LineError::Disconnected;
-    default:
-      return LineError::Other;
+/// How long a driver has to end a call that was cancelled.
+constexpr std::chrono::milliseconds kCancelPatience{200};
+/// A call that was cancelled before it had reached the driver is cancelled again.
+constexpr std::chrono::milliseconds kCancelAgain{1};
+/// How often the driver is asked whether something has come.
+constexpr std::chrono::milliseconds kLook{2};
+
+/// The port was there when it was opened, and nobody else could open it: what says otherwise now is a driver
+/// whose device is gone.
+LineFailure FailureOnOpenLine(unsigned long code, const QString& device) {
+  LineFailure failure = FailureOfSystemError(code, device);
+  if (failure.kind == LineError::NotFound || failure.kind == LineError::InUse) {
+    failure.kind = LineError::Disconnected;
   }
-}
-
-DWORD ClampToDword(std::size_t size) {
-  return static_cast<DWORD>(std::min<std::size_t>(size, std::numeric_limits<DWORD>::max()));
+  return failure;
 }
 
 }  // namespace
 
-LineFailure FailureOfSystemError(unsigned long code, const QString& device) {
-  std::array<wchar_t, 512> text{};
-  const DWORD length = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
-                                      code, 0, text.data(), static_cast<DWORD>(text.size()), nullptr);
-  const QString words = length > 0 ? QString::fromWCharArray(text.data(), int(length)).trimmed()
-                                   : QStringLiteral("system error %1").arg(code);
-  return {KindOf(code), device + QStringLiteral(": ") + words};
-}
-
 Win32SerialLine::Win32SerialLine(void* handle, QString device)
-    : m_handle(handle), m_device(std::move(device)) {}
+    : m_device(std::move(device)), m_handle(std::make_shared<CommHandle>(handle)) {}
 
-Win32SerialLine::~Win32SerialLine() {
-  if (Handle() != INVALID_HANDLE_VALUE) {
-    Close();
-  }
-}
+Win32SerialLine::~Win32SerialLine() { Close(); }
 
-void* Win32SerialLine::Handle() const {
-  const std::lock_guard lock(m_mutex);
-  return m_handle;
-}
-
-bool Win32SerialLine::FailWith(LineFailure failure) {
-  const std::lock_guard lock(m_mutex);
+bool Win32SerialLine::FailWith(unsigned long code) {
+  LineFailure failure = FailureOnOpenLine(code, m_device);
+  const Lock lock(m_meeting->mutex);
   m_failure = std::move(failure);
   return false;
 }
 
-bool Win32SerialLine::Conclude(bool done) {
-  return done || FailWith(FailureOfSystemError(GetLastError(), m_device));
+bool Win32SerialLine::Conclude(bool done) { return done || FailWith(GetLastError()); }
+
+/// Under the meeting's mutex, as the next one.
+bool Win32SerialLine::FailStopped() {
+  m_failure = FailureOfSystemError(m_closing ? ERROR_INVALID_HANDLE : ERROR_OPERATION_ABORTED, m_device);
+  return false;
+}
+
+bool Win32SerialLine::FailLeftBehind() {
+  m_failure = {LineError::Other,
+               m_device + QStringLiteral(": the driver has not ended an earlier read or write")};
+  return false;
+}
+
+/// The handle for one call to the driver; null, with the failure noted, when there is none to be used.
+std::shared_ptr<CommHandle> Win32SerialLine::UsableHandle(Lock& lock) {
+  if (m_leftBehind) {
+    m_meeting->changed.wait_for(lock, kCancelPatience,
+                                [this] { return !m_leftBehind || m_leftBehind->HasEnded() || m_closing; });
+    // What it has read belongs to nobody any more.
+    if (m_leftBehind && m_leftBehind->HasEnded()) m_leftBehind = nullptr;
+  }
+  if (!m_handle || m_closing) {
+    m_failure = FailureOfSystemError(ERROR_INVALID_HANDLE, m_device);
+    return nullptr;
+  }
+  if (!m_leftBehind) return m_handle;
+  FailLeftBehind();
+  return nullptr;
+}
+
+std::shared_ptr<CommHandle> Win32SerialLine::UsableHandle() {
+  Lock lock(m_meeting->mutex);
+  return UsableHandle(lock);
 }
 
 bool Win32SerialLine::GetState(LineState& state) {
+  const auto handle = UsableHandle();
   DCB dcb{};
   dcb.DCBlength = sizeof dcb;
-  if (!Conclude(GetCommState(Handle(), &dcb) != FALSE)) {
-    return false;
-  }
+  if (!handle || !Conclude(GetCommState(handle->Get(), &dcb) != FALSE)) return false;
   state.baudRate = dcb.BaudRate;
   state.byteSize = dcb.ByteSize;
   state.stopBits = static_cast<StopBits>(dcb.StopBits);
@@ -103,116 +97,169 @@ bool Win32SerialLine::GetState(LineState& state) {
 }
 
 bool Win32SerialLine::SetState(const LineState& state) {
+  const auto handle = UsableHandle();
   // Everything but the four parameters stays as the driver has it.
   DCB dcb{};
   dcb.DCBlength = sizeof dcb;
-  if (!Conclude(GetCommState(Handle(), &dcb) != FALSE)) {
-    return false;
-  }
+  if (!handle || !Conclude(GetCommState(handle->Get(), &dcb) != FALSE)) return false;
   dcb.BaudRate = state.baudRate;
   dcb.ByteSize = state.byteSize;
   dcb.StopBits = static_cast<BYTE>(state.stopBits);
   dcb.Parity = static_cast<BYTE>(state.parity);
-  return Conclude(SetCommState(Handle(), &dcb) != FALSE);
+  return Conclude(SetCommState(handle->Get(), &dcb) != FALSE);
 }
 
 bool Win32SerialLine::SetTimeouts(const LineTimeouts& timeouts) {
+  const auto handle = UsableHandle();
   COMMTIMEOUTS record{};
   record.ReadIntervalTimeout = timeouts.readInterval;
   record.ReadTotalTimeoutMultiplier = timeouts.readTotalMultiplier;
   record.ReadTotalTimeoutConstant = timeouts.readTotalConstant;
   record.WriteTotalTimeoutMultiplier = timeouts.writeTotalMultiplier;
   record.WriteTotalTimeoutConstant = timeouts.writeTotalConstant;
-  return Conclude(SetCommTimeouts(Handle(), &record) != FALSE);
+  if (!handle || !Conclude(SetCommTimeouts(handle->Get(), &record) != FALSE)) return false;
+  const Lock lock(m_meeting->mutex);
+  m_timeouts = timeouts;
+  return true;
 }
 
 bool Win32SerialLine::Purge() {
-  return Conclude(PurgeComm(Handle(), PURGE_TXCLEAR | PURGE_RXCLEAR) != FALSE);
+  const auto handle = UsableHandle();
+  return handle && Conclude(PurgeComm(handle->Get(), PURGE_TXCLEAR | PURGE_RXCLEAR) != FALSE);
 }
 
 bool Win32SerialLine::ClearError() {
+  const auto handle = UsableHandle();
   DWORD errors = 0;
-  return Conclude(ClearCommError(Handle(), &errors, nullptr) != FALSE);
+  return handle && Conclude(ClearCommError(handle->Get(), &errors, nullptr) != FALSE);
 }
 
-IoResult Win32SerialLine::Read(char* buffer, std::size_t size) {
-  if (!BeginIo()) {
-    return {};
+/// From here to its end a thread reads or writes.
+class Win32SerialLine::IoScope {
+ public:
+  explicit IoScope(Win32SerialLine& line) : m_line(line), m_handle(line.BeginIo()) {}
+  ~IoScope() {
+    if (m_handle) m_line.EndIo();
   }
-  DWORD moved = 0;
-  // What came before the line broke is handed out; the next call meets the break.
-  const bool done = ReadFile(Handle(), buffer, ClampToDword(size), &moved, nullptr) != FALSE || moved > 0;
-  const bool ok = Conclude(done);
-  EndIo();
-  return {ok, ok ? moved : 0U};
-}
+  IoScope(const IoScope&) = delete;
+  IoScope& operator=(const IoScope&) = delete;
+  /// Null when nothing may be read or written.
+  [[nodiscard]] const std::shared_ptr<CommHandle>& Handle() const { return m_handle; }
 
-IoResult Win32SerialLine::Write(const char* data, std::size_t size) {
-  if (!BeginIo()) {
-    return {};
-  }
-  DWORD moved = 0;
-  const bool done = WriteFile(Handle(), data, ClampToDword(size), &moved, nullptr) != FALSE || moved > 0;
-  const bool ok = Conclude(done);
-  EndIo();
-  return {ok, ok ? moved : 0U};
-}
+ private:
+  Win32SerialLine& m_line;
+  const std::shared_ptr<CommHandle> m_handle;
+};
 
-bool Win32SerialLine::BeginIo() {
-  const std::lock_guard lock(m_mutex);
-  if (m_handle == INVALID_HANDLE_VALUE) {
-    m_failure = FailureOfSystemError(ERROR_INVALID_HANDLE, m_device);
-    return false;
+std::shared_ptr<CommHandle> Win32SerialLine::BeginIo() {
+  Lock lock(m_meeting->mutex);
+  auto handle = UsableHandle(lock);
+  if (handle && IsStopped()) {
+    FailStopped();
+    return nullptr;
   }
-  if (m_cancelled) {
-    m_failure = FailureOfSystemError(ERROR_OPERATION_ABORTED, m_device);
-    return false;
-  }
-  m_inIo = true;
-  return true;
+  m_inIo = handle != nullptr;
+  return handle;
 }
 
 void Win32SerialLine::EndIo() {
   {
-    const std::lock_guard lock(m_mutex);
+    const Lock lock(m_meeting->mutex);
     m_inIo = false;
   }
-  m_left.notify_all();
+  m_meeting->changed.notify_all();
 }
 
-/// Between BeginIo and the system call there is nothing yet to cancel, so one attempt may come too
-/// early: repeated until the other thread is out.
-void Win32SerialLine::WakeAndWait(std::unique_lock<std::mutex>& lock) {
-  while (m_inIo) {
-    CancelIoEx(m_handle, nullptr);
-    m_left.wait_for(lock, std::chrono::milliseconds(1));
+Win32SerialLine::Arrival Win32SerialLine::WaitForBytes(const CommHandle& handle, std::size_t size) {
+  Lock lock(m_meeting->mutex);
+  const auto deadline = ReadLimits(m_timeouts, size, Clock::now()).Deadline();
+  for (;;) {
+    lock.unlock();
+    COMSTAT status{};
+    DWORD errors = 0;
+    if (!Conclude(ClearCommError(handle.Get(), &errors, &status) != FALSE)) return Arrival::Failed;
+    if (status.cbInQue > 0) return Arrival::Bytes;
+    const Clock::time_point now = Clock::now();
+    if (deadline && now >= *deadline) return Arrival::TimedOut;
+    const Clock::time_point next = now + kLook;
+    lock.lock();
+    m_meeting->changed.wait_until(lock, deadline ? std::min(next, *deadline) : next,
+                                  [this] { return IsStopped(); });
+    if (IsStopped()) {
+      FailStopped();
+      return Arrival::Failed;
+    }
   }
+}
+
+IoResult Win32SerialLine::Read(char* buffer, std::size_t size) {
+  const IoScope io(*this);
+  if (!io.Handle()) return {};
+  const Arrival arrival = WaitForBytes(*io.Handle(), size);
+  if (arrival != Arrival::Bytes) return {.ok = arrival == Arrival::TimedOut, .bytes = 0};
+  const auto transfer = CommTransfer::Read(io.Handle(), m_meeting, size);
+  if (!Await(transfer)) return {};
+  std::copy_n(transfer->Bytes().begin(), transfer->Moved(), buffer);
+  return {.ok = true, .bytes = transfer->Moved()};
+}
+
+IoResult Win32SerialLine::Write(const char* data, std::size_t size) {
+  const IoScope io(*this);
+  if (!io.Handle()) return {};
+  const auto transfer = CommTransfer::Write(io.Handle(), m_meeting, std::string(data, size));
+  if (!Await(transfer)) return {};
+  return {.ok = true, .bytes = transfer->Moved()};
+}
+
+/// Whether the call has succeeded. What moved before the line broke counts; the next call meets the break.
+bool Win32SerialLine::Await(const std::shared_ptr<CommTransfer>& transfer) {
+  if (!transfer) return FailWith(kNoThread);
+  Lock lock(m_meeting->mutex);
+  const auto ended = [&transfer] { return transfer->HasEnded(); };
+  m_meeting->changed.wait(lock, [&] { return ended() || IsStopped(); });
+  const Clock::time_point end = Clock::now() + kCancelPatience;
+  while (!ended() && Clock::now() < end) {
+    lock.unlock();
+    transfer->Cancel();
+    lock.lock();
+    m_meeting->changed.wait_for(lock, kCancelAgain, ended);
+  }
+  if (!ended()) {
+    m_leftBehind = transfer;
+    return FailStopped();
+  }
+  if (!transfer->Error() || transfer->Moved() > 0) return true;
+  lock.unlock();
+  return FailWith(*transfer->Error());
 }
 
 void Win32SerialLine::CancelIo() {
-  std::unique_lock lock(m_mutex);
+  Lock lock(m_meeting->mutex);
   m_cancelled = true;
-  WakeAndWait(lock);
+  m_meeting->changed.notify_all();
+  m_meeting->changed.wait_for(lock, 2 * kCancelPatience, [this] { return !m_inIo; });
 }
 
-void Win32SerialLine::AllowIo() { m_cancelled = false; }
+void Win32SerialLine::AllowIo() {
+  const Lock lock(m_meeting->mutex);
+  m_cancelled = false;
+}
 
 bool Win32SerialLine::Close() {
-  void* handle = INVALID_HANDLE_VALUE;
-  {
-    std::unique_lock lock(m_mutex);
-    const bool before = m_cancelled.exchange(true);
-    WakeAndWait(lock);
-    m_cancelled = before;
-    handle = std::exchange(m_handle, INVALID_HANDLE_VALUE);
-  }
-  // To the system that value is a handle too: this process.
-  if (handle == INVALID_HANDLE_VALUE) return FailWith(FailureOfSystemError(ERROR_INVALID_HANDLE, m_device));
-  return Conclude(CloseHandle(handle) != FALSE);
+  Lock lock(m_meeting->mutex);
+  m_closing = true;
+  m_meeting->changed.notify_all();
+  m_meeting->changed.wait_for(lock, 2 * kCancelPatience, [this] { return !m_inIo; });
+  const auto handle = std::exchange(m_handle, nullptr);
+  const auto leftBehind = std::exchange(m_leftBehind, nullptr);
+  if (!handle) return FailStopped();
+  if (m_inIo || (leftBehind && !leftBehind->HasEnded())) return FailLeftBehind();
+  lock.unlock();
+  return Conclude(handle->Close());
 }
 
 LineFailure Win32SerialLine::LastFailure() const {
-  const std::lock_guard lock(m_mutex);
+  const Lock lock(m_meeting->mutex);
   return m_failure;
 }
 

@@ -1,16 +1,22 @@
 #pragma once
 
 #include <QString>
-#include <atomic>
-#include <condition_variable>
+#include <chrono>
+#include <memory>
 #include <mutex>
 
+#include "serial/comm_transfer_win32.h"
 #include "serial/serial_line.h"
 
 namespace quarn {
 
-/// An open COM port. All input and output is synchronous; a blocked call is ended by cancelling it from
-/// the other thread.
+/// An open COM port. All input and output is synchronous, and a call to the driver lasts as long as the
+/// driver likes: it need not heed a cancellation. Therefore
+///  - a read is begun when there is something to read, and not before: nothing blocks on a silent line. The
+///    driver counts the total time of a read from there once more;
+///  - a read or write that does not end when it is cancelled is left to the thread that it runs on. Until it
+///    ends nobody knows what it takes from the line, so every other operation waits a moment for that and
+///    then fails; afterwards the line is as good as before. The port is closed when it ends, too.
 class Win32SerialLine final : public SerialLine {
  public:
   /// Takes over `handle`, an open comm handle (a HANDLE; its type is kept out of this header).
@@ -26,27 +32,41 @@ class Win32SerialLine final : public SerialLine {
   bool ClearError() override;
   IoResult Read(char* buffer, std::size_t size) override;
   IoResult Write(const char* data, std::size_t size) override;
-  /// Returns when the blocked call has ended.
+  /// Returns when the other thread is out of Read or Write, which takes half a second at most.
   void CancelIo() override;
   void AllowIo() override;
-  /// The system itself puts the driver's state back; closing the handle is all there is to do.
+  /// The system itself puts the driver's state back; closing the handle is all there is to do. Fails when a
+  /// call that the driver does not end still has it.
   bool Close() override;
   [[nodiscard]] LineFailure LastFailure() const override;
 
  private:
-  bool BeginIo();
+  using Lock = std::unique_lock<std::mutex>;
+  using Clock = std::chrono::steady_clock;
+  enum class Arrival { Bytes, TimedOut, Failed };
+  class IoScope;
+
+  std::shared_ptr<CommHandle> UsableHandle();
+  std::shared_ptr<CommHandle> UsableHandle(Lock& lock);
+  std::shared_ptr<CommHandle> BeginIo();
   void EndIo();
-  void WakeAndWait(std::unique_lock<std::mutex>& lock);
+  Arrival WaitForBytes(const CommHandle& handle, std::size_t size);
+  bool Await(const std::shared_ptr<CommTransfer>& transfer);
+  bool IsStopped() const { return m_cancelled || m_closing; }
+  bool FailStopped();
+  bool FailLeftBehind();
   /// Notes the calling thread's last system error when `done` is false; returns `done`.
   bool Conclude(bool done);
-  bool FailWith(LineFailure failure);
-  [[nodiscard]] void* Handle() const;
+  bool FailWith(unsigned long code);
 
-  mutable std::mutex m_mutex;
-  std::condition_variable m_left;
-  void* m_handle;
-  QString m_device;
-  std::atomic<bool> m_cancelled = false;
+  const QString m_device;
+  const std::shared_ptr<CommMeeting> m_meeting = std::make_shared<CommMeeting>();
+  // Under the meeting's mutex.
+  std::shared_ptr<CommHandle> m_handle;        ///< null once closed
+  std::shared_ptr<CommTransfer> m_leftBehind;  ///< what was cancelled and had not ended
+  LineTimeouts m_timeouts;
+  bool m_cancelled = false;
+  bool m_closing = false;  ///< never false again
   bool m_inIo = false;
   LineFailure m_failure;
 };
@@ -56,8 +76,5 @@ class Win32LineOpener final : public SerialLineOpener {
  public:
   OpenResult Open(const QString& devicePath) override;
 };
-
-/// A system error code of a comm call (GetLastError) with the system's words for it.
-LineFailure FailureOfSystemError(unsigned long code, const QString& device);
 
 }  // namespace quarn

@@ -1,9 +1,11 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <cstring>
 #include <memory>
 #include <optional>
 
+#include "serial/line_failure_win32.h"
 #include "serial/serial_line_win32.h"
 #include "support/served_instrument.h"
 #include "tests/line/line_test_support.h"
@@ -64,6 +66,51 @@ TEST_F(Win32Line, TheFourParametersAreSetAndRead) {
     ASSERT_TRUE(m_line->GetState(state));
     EXPECT_EQ(state.baudRate, wanted.baudRate);
     EXPECT_EQ(state.stopBits, wanted.stopBits);
+  }
+}
+
+/// The port once more, past the line. Windows would not give it to two.
+class BareHandle {
+ public:
+  explicit BareHandle(const QString& port)
+      : m_handle(CreateFileW(port.toStdWString().c_str(), GENERIC_READ | GENERIC_WRITE,
+                             FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr)) {
+    EXPECT_NE(m_handle, INVALID_HANDLE_VALUE);
+  }
+  ~BareHandle() { CloseHandle(m_handle); }
+  BareHandle(const BareHandle&) = delete;
+  BareHandle& operator=(const BareHandle&) = delete;
+  [[nodiscard]] DCB State() const {
+    DCB state{};
+    state.DCBlength = sizeof state;
+    EXPECT_NE(GetCommState(m_handle, &state), FALSE);
+    return state;
+  }
+  void SetState(DCB state) const { EXPECT_NE(SetCommState(m_handle, &state), FALSE); }
+
+ private:
+  const HANDLE m_handle;
+};
+
+TEST_F(Win32Line, EverythingElseOfTheStateStaysAsItWas) {
+  Serve("");
+  const BareHandle port(m_instrument->NodePath());
+  for (const bool handshake : {true, false}) {
+    DCB before = port.State();
+    before.fOutX = before.fInX = handshake ? TRUE : FALSE;
+    before.fRtsControl = handshake ? RTS_CONTROL_HANDSHAKE : RTS_CONTROL_ENABLE;
+    before.fOutxCtsFlow = handshake ? TRUE : FALSE;
+    before.XonChar = handshake ? 0x11 : 0x12;
+    before.XoffChar = handshake ? 0x13 : 0x14;
+    port.SetState(before);
+    DCB wanted = port.State();
+    EXPECT_EQ(wanted.fOutX, before.fOutX) << "the system keeps it";
+    ASSERT_TRUE(m_line->SetState({.baudRate = 115200, .stopBits = StopBits::Two}));
+    wanted.BaudRate = 115200;
+    wanted.StopBits = TWOSTOPBITS;
+    const DCB state = port.State();
+    EXPECT_EQ(std::memcmp(&state, &wanted, sizeof state), 0);
+    ASSERT_TRUE(m_line->SetState({}));
   }
 }
 
@@ -133,13 +180,29 @@ TEST_F(Win32Line, AfterCancelIoNothingIsReadOrWrittenUntilItIsAllowed) {
   EXPECT_EQ(Read().bytes, "SIM");
 }
 
-TEST_F(Win32Line, CancelIoComesBackWhenTheOtherThreadIsOut) {
-  Serve("");
-  ASSERT_TRUE(m_line->SetTimeouts({.readTotalConstant = 1000}));
-  auto reading = InThread([this] { return Read().bytes; });
+TEST_F(Win32Line, CancelIoEndsAReadOnASilentLine) {
+  Serve("\"id\" -> \"SIM\"");
+  ASSERT_TRUE(m_line->SetTimeouts({.readInterval = 100, .readTotalConstant = 600'000}));
+  auto reading = InThread([this] { return Read().result.ok; });
   EXPECT_TRUE(StillRuns(reading));
   m_line->CancelIo();
-  EXPECT_EQ(reading.wait_for(std::chrono::seconds(0)), std::future_status::ready);
+  ASSERT_TRUE(Ends(reading)) << "ten minutes were left of it";
+  EXPECT_FALSE(reading.get());
+  EXPECT_EQ(m_line->LastFailure().kind, LineError::Cancelled);
+  m_line->AllowIo();
+  EXPECT_TRUE(Write("id\r").ok);
+  EXPECT_EQ(Read().bytes, "SIM");
+}
+
+TEST_F(Win32Line, CloseEndsOneToo) {
+  Serve("");
+  ASSERT_TRUE(m_line->SetTimeouts({.readTotalConstant = 600'000}));
+  auto reading = InThread([this] { return Read().result.ok; });
+  EXPECT_TRUE(StillRuns(reading));
+  EXPECT_TRUE(m_line->Close());
+  ASSERT_TRUE(Ends(reading));
+  EXPECT_FALSE(reading.get());
+  EXPECT_EQ(m_line->LastFailure().kind, LineError::Disconnected);
 }
 
 TEST_F(Win32Line, AClosedLineSaysSo) {

@@ -39,10 +39,10 @@ class Key {
   HKEY m_key = nullptr;
 };
 
-/// A device that the system takes for a COM port that is present.
+/// A device that the system takes for a COM port, present or known from earlier.
 class Device {
  public:
-  explicit Device(const QString& name)
+  explicit Device(const QString& name, bool present = true)
       : m_device(QStringLiteral("System\\CurrentControlSet\\Enum\\ROOT\\%1\\0000").arg(name)),
         m_interface(kClasses + kComPort + QStringLiteral("\\##?#ROOT#%1#0000#").arg(name) + kComPort),
         m_link(kClasses + kComPort + QStringLiteral("\\##?#ROOT#%1#0000#").arg(name) + kComPort +
@@ -53,12 +53,12 @@ class Device {
     SetText(m_device.Get(), L"ClassGUID", QStringLiteral("{4d36e978-e325-11ce-bfc1-08002be10318}"));
     SetText(m_interface.Get(), L"DeviceInstance", QStringLiteral("ROOT\\%1\\0000").arg(name));
     SetText(m_link.Get(), L"SymbolicLink", QStringLiteral("\\\\?\\ROOT#%1#0000#").arg(name) + kComPort);
-    const DWORD linked = 1;
+    const DWORD linked = present ? 1 : 0;
     EXPECT_EQ(RegSetValueExW(m_control.Get(), L"Linked", 0, REG_DWORD, reinterpret_cast<const BYTE*>(&linked),
                              sizeof linked),
               ERROR_SUCCESS);
   }
-  Device(const QString& name, const QString& friendlyName) : Device(name) {
+  Device(const QString& name, const QString& friendlyName, bool present = true) : Device(name, present) {
     SetText(m_device.Get(), L"FriendlyName", friendlyName);
   }
 
@@ -89,6 +89,12 @@ TEST(PortSourceWin32, ListsThePortsThatArePresent) {
                                      QStringLiteral("USB Serial Port (COM12)")}));
   }
   EXPECT_EQ(Listed(), QStringList());
+}
+
+TEST(PortSourceWin32, ADeviceThatIsKnownAndAwayIsNotListed) {
+  const Device away(QStringLiteral("QUARN1"), QStringLiteral("Serial (COM4)"), false);
+  const Device there(QStringLiteral("QUARN2"), QStringLiteral("Serial (COM5)"));
+  EXPECT_EQ(Listed(), QStringList{QStringLiteral("Serial (COM5)")});
 }
 
 TEST(PortSourceWin32, PassesOverWhatIsNoComPortOrHasNoName) {

@@ -32,12 +32,8 @@ inline OpenResult OpenServedLine(const ServedInstrument& instrument) {
   return Win32LineOpener().Open(instrument.NodePath());
 }
 
-/// The time-outs for a line that a test reads from. Wine cannot cancel a synchronous read, although it says
-/// that it has: whoever leaves one behind has to wait for its end, which therefore comes after two seconds
-/// here.
-inline bool SetServedTimeouts(SerialLine& line, LineTimeouts timeouts) {
-  timeouts.readTotalMultiplier = 0;
-  timeouts.readTotalConstant = 2000;
+/// The time-outs for a line that a test reads from.
+inline bool SetServedTimeouts(SerialLine& line, const LineTimeouts& timeouts) {
   return line.SetTimeouts(timeouts);
 }
 
