@@ -20,11 +20,19 @@ add_licences() {
   with_windows_line_ends "$texts/GPL-3" "$place/GPL-3.txt"
 }
 
-# What the uninstaller deletes: every file that was installed, then the folders, the inner ones first.
-# shellcheck disable=SC2016,SC1003  # what is in quotes is for the installer's compiler
-list_for_uninstaller() {
-  (cd "$1" && find . -type f -printf 'Delete "$INSTDIR\\%P"\n' | tr / '\\' | sort)
-  (cd "$1" && find . -mindepth 1 -depth -type d -printf 'RMDir "$INSTDIR\\%P"\n' | tr / '\\')
+# A macro for the installer that does something for each line of its input.
+for_each() {
+  echo "!macro $1 DO"
+  tr / '\\' | sed 's/.*/  !insertmacro ${DO} "&"/'
+  echo '!macroend'
+}
+
+# list_for_installer FOLDER: every file that is installed, the programs among them, and the folders, the inner ones
+# first.
+list_for_installer() {
+  (cd "$1" && find . -type f -printf '%P\n' | sort | for_each EachFile)
+  (cd "$1" && find . -maxdepth 1 -type f \( -name '*.exe' -o -name '*.com' \) -printf '%P\n' | sort | for_each EachProgram)
+  (cd "$1" && find . -mindepth 1 -depth -type d -printf '%P\n' | for_each EachFolder)
 }
 
 # Sets $ZIP and $SETUP.
@@ -41,9 +49,9 @@ pack_windows() {
   find "$PACKAGE/$name" -name '*.dll' -exec x86_64-w64-mingw32-strip --strip-unneeded {} +
   add_licences "$PACKAGE/$name"
   (cd "$PACKAGE" && zip -q -9 -X -r "$ZIP" "$name")
-  list_for_uninstaller "$PACKAGE/$name" >"$PACKAGE/uninstall.nsh"
+  list_for_installer "$PACKAGE/$name" >"$PACKAGE/files.nsh"
   makensis -V2 -WX "-DIDENTITY=$TOP/build/windows/generated/identity.nsh" "-DFILES=$PACKAGE/$name" \
-    "-DLIST=$PACKAGE/uninstall.nsh" "-DSIZE=$(du -sk "$PACKAGE/$name" | cut -f1)" "-DOUTPUT=$SETUP" \
+    "-DLISTS=$PACKAGE/files.nsh" "-DSIZE=$(du -sk "$PACKAGE/$name" | cut -f1)" "-DOUTPUT=$SETUP" \
     packaging/windows/quarn.nsi >"$PACKAGE/makensis.log" || {
     cat "$PACKAGE/makensis.log"
     fail "the installer cannot be made"

@@ -1,14 +1,19 @@
 ; The installer of the Windows program. It installs for the one user who runs it, and so asks for no
 ; administrator. Settings are the program's own and stay when it goes.
 ;
-; Given on the command line: IDENTITY (identity.nsh), FILES (what is installed), LIST (deletes just that),
-; SIZE (in KiB) and OUTPUT.
+; Given on the command line: IDENTITY (identity.nsh), FILES (what is installed), LISTS (files.nsh, which says
+; what that is), SIZE (in KiB) and OUTPUT.
+;
+; How a silent run ends: 0 done; 3 a program of it runs, or a file is in use; 4 it is installed in another
+; folder; 5 a file could not be written or deleted. With 3 and 4 nothing has been changed. (The uninstaller works
+; through a copy of itself. Who wants to know how it ends starts it with _?=FOLDER as its last argument.)
 
 Unicode true
 Target amd64-unicode
 SetCompressor /SOLID lzma
 
 !include "${IDENTITY}"
+!include "${LISTS}"
 !include "MUI2.nsh"
 
 !define UNINSTALL_KEY "Software\Microsoft\Windows\CurrentVersion\Uninstall\${NAME}"
@@ -17,6 +22,8 @@ SetCompressor /SOLID lzma
 ; What a running program holds.
 !define MUTEX "Quarn.exe"
 !define SYNCHRONIZE 0x00100000
+!define GENERIC_READ_WRITE 0xC0000000
+!define OPEN_EXISTING 3
 
 Name "${NAME}"
 BrandingText "${NAME} ${VERSION}"
@@ -41,6 +48,7 @@ VIAddVersionKey "LegalCopyright" "MIT License, (c) 2026 ${MAKER}"
 !define MUI_WELCOMEFINISHPAGE_BITMAP "..\..\res\windows\installer.bmp"
 !define MUI_FINISHPAGE_RUN "$INSTDIR\quarn.exe"
 !insertmacro MUI_PAGE_LICENSE "${FILES}\licences\Quarn.txt"
+!define MUI_PAGE_CUSTOMFUNCTION_LEAVE RefuseSecondOnPage
 !insertmacro MUI_PAGE_DIRECTORY
 !insertmacro MUI_PAGE_INSTFILES
 !insertmacro MUI_PAGE_FINISH
@@ -48,15 +56,61 @@ VIAddVersionKey "LegalCopyright" "MIT License, (c) 2026 ${MAKER}"
 !insertmacro MUI_UNPAGE_INSTFILES
 !insertmacro MUI_LANGUAGE "English"
 
-; Files of a program that runs cannot be replaced or deleted.
+!macro EndWith STATUS TEXT
+  MessageBox MB_OK|MB_ICONEXCLAMATION "${TEXT}" /SD IDOK
+  SetErrorLevel ${STATUS}
+  Quit
+!macroend
+
+; Opens an installed file for nobody else: $1 is its handle, or -1 for one that is in use. $2 counts those on the
+; stack.
+!macro HoldFile FILE
+  ${If} $1 != -1
+  ${AndIf} ${FileExists} "$INSTDIR\${FILE}"
+    System::Call 'kernel32::CreateFileW(w "$INSTDIR\${FILE}", i ${GENERIC_READ_WRITE}, i 0, p 0, i ${OPEN_EXISTING}, i 0, p 0) p .r1'
+    ${If} $1 != -1
+      Push $1
+      IntOp $2 $2 + 1
+    ${EndIf}
+  ${EndIf}
+!macroend
+
+; The files of a program that runs cannot be replaced or deleted, and one that is held cannot be started.
+!macro Hold FILES
+  StrCpy $1 0
+  StrCpy $2 0
+  !insertmacro ${FILES} HoldFile
+  ${If} $1 == -1
+    !insertmacro LetGo
+    !insertmacro EndWith 3 "${NAME} is running, or another program uses its files. Please close it first."
+  ${EndIf}
+!macroend
+
+!macro LetGo
+  ${While} $2 > 0
+    Pop $1
+    System::Call 'kernel32::CloseHandle(p r1)'
+    IntOp $2 $2 - 1
+  ${EndWhile}
+!macroend
+
+; A portable one counts, too: it has the same settings.
 !macro RequireNotRunning
   System::Call 'kernel32::OpenMutexW(i ${SYNCHRONIZE}, i 0, w "${MUTEX}") p .r0'
   ${If} $0 P<> 0
     System::Call 'kernel32::CloseHandle(p r0)'
-    MessageBox MB_OK|MB_ICONEXCLAMATION "${NAME} is running. Please close it first." /SD IDOK
-    SetErrorLevel 3
-    Quit
+    !insertmacro EndWith 3 "${NAME} is running. Please close it first."
   ${EndIf}
+  !insertmacro Hold EachFile
+  !insertmacro LetGo
+!macroend
+
+!macro DeleteFile FILE
+  Delete "$INSTDIR\${FILE}"
+!macroend
+
+!macro RemoveFolder FOLDER
+  RMDir "$INSTDIR\${FOLDER}"
 !macroend
 
 ; The desktop learns that files of this kind have another program now.
@@ -64,7 +118,44 @@ VIAddVersionKey "LegalCopyright" "MIT License, (c) 2026 ${MAKER}"
   System::Call 'shell32::SHChangeNotify(i 0x08000000, i 0, p 0, p 0)'
 !macroend
 
+; Two installations would share one entry in the list of programs, and only one could be removed again. $3 is
+; the other one, or empty.
+Function FindAnother
+  ReadRegStr $3 HKCU "${UNINSTALL_KEY}" "InstallLocation"
+  ${If} $3 == ""
+    Return
+  ${EndIf}
+  GetFullPathName $3 "$3"
+  GetFullPathName $4 "$INSTDIR"
+  ; A folder that is not there yet has no full name.
+  ${If} $4 == ""
+    StrCpy $4 "$INSTDIR"
+  ${EndIf}
+  ${If} $3 == $4
+    StrCpy $3 ""
+  ${EndIf}
+  ${IfNot} ${FileExists} "$3\uninstall.exe"
+    StrCpy $3 ""
+  ${EndIf}
+FunctionEnd
+
+!define ANOTHER "${NAME} is installed in $3 already. Please install into that folder, or uninstall it first."
+
+Function RefuseSecondOnPage
+  Call FindAnother
+  ${If} $3 != ""
+    MessageBox MB_OK|MB_ICONEXCLAMATION "${ANOTHER}"
+    Abort
+  ${EndIf}
+FunctionEnd
+
 Function .onInit
+  ${If} ${Silent}
+    Call FindAnother
+    ${If} $3 != ""
+      !insertmacro EndWith 4 "${ANOTHER}"
+    ${EndIf}
+  ${EndIf}
   !insertmacro RequireNotRunning
 FunctionEnd
 
@@ -73,8 +164,19 @@ Function un.onInit
 FunctionEnd
 
 Section "Install"
+  ; The folder is the one that was chosen, and time has passed.
+  !insertmacro RequireNotRunning
+  ; Half old and half new they must not be started: the programs are held until the rest is there.
+  !insertmacro Hold EachProgram
+  ClearErrors
   SetOutPath "$INSTDIR"
-  File /r "${FILES}/*"
+  File /r /x *.exe /x *.com "${FILES}/*"
+  !insertmacro LetGo
+  File "${FILES}/*.exe"
+  File "${FILES}/*.com"
+  ${If} ${Errors}
+    !insertmacro EndWith 5 "Not all files of ${NAME} could be written."
+  ${EndIf}
   WriteUninstaller "$INSTDIR\uninstall.exe"
   ; Where the settings will be. A first start by a double click on a file finds the place to copy it to.
   CreateDirectory "$APPDATA\${MAKER}\${NAME}"
@@ -101,8 +203,16 @@ Section "Install"
 SectionEnd
 
 Section "Uninstall"
+  !insertmacro RequireNotRunning
+  ; The programs first: as long as one of them is there, everything that it needs is, and this is, too.
+  ClearErrors
+  !insertmacro EachProgram DeleteFile
+  ${If} ${Errors}
+    !insertmacro EndWith 5 "Not all files of ${NAME} could be deleted."
+  ${EndIf}
   ; Just what was installed: whatever else somebody keeps in that folder is not the program's to delete.
-  !include "${LIST}"
+  !insertmacro EachFile DeleteFile
+  !insertmacro EachFolder RemoveFolder
   Delete "$INSTDIR\uninstall.exe"
   SetOutPath "$TEMP"
   RMDir "$INSTDIR"

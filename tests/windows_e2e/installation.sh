@@ -63,6 +63,45 @@ open_by_association() {
   expect "the file is in force" cmp -s "$file" "$(settings_folder)/Quarn.ini"
 }
 
+status_is() {
+  local status=0 wanted=$1
+  shift
+  "$@" || status=$?
+  [[ $status == "$wanted" ]]
+}
+
+# With quarn-send at work, which has no window and no mutex.
+refuse_while_sending() {
+  local folder sender before
+  folder=$(installed_folder)
+  headline "Installing and uninstalling over a program that runs"
+  settings_with "$PLACE/patient.qrn" COM_PORT=COM3 R_TIMEOUT=OFF
+  echo "somebody's own words" >>"$folder/licences/Quarn.txt"
+  cp -r "$folder" "$PLACE/installed"
+  before=$(wc -c <"$LINES/port-com3.received")
+  "$WINE" "$folder/quarn-send.exe" --settings "Z:$PLACE/patient.qrn" mute >"$PLACE/sender.log" 2>&1 &
+  sender=$!
+  started+=("$sender")
+  wait_until 30 "the command on the wire" wire_has_more_than com3 "$before"
+  expect "the installer says that a program runs" status_is 3 wine "$1" /S
+  expect "and changes nothing" diff -r "$PLACE/installed" "$folder"
+  # With its last argument the uninstaller does the work itself.
+  expect "so does the uninstaller" status_is 3 wine "$folder/uninstall.exe" /S "_?=$(wine winepath -w "$folder" | tr -d '\r')"
+  expect "and changes nothing, either" diff -r "$PLACE/installed" "$folder"
+  expect "it is in the list of programs still" registry_has "$UNINSTALL_KEY"
+  kill -INT "$sender"
+  expect "the program is told to end" ends_within 30 4 interrupted "$sender"
+  expect "then it can be installed" wine "$1" /S
+  expect "everything is there anew" same_files "$2" "$folder"
+}
+
+refuse_elsewhere() {
+  headline "Installing a second time, in another folder"
+  expect "the installer says that it is there already" status_is 4 wine "$1" /S '/D=C:\elsewhere'
+  expect "and makes no other folder" test ! -e "$WINEPREFIX/drive_c/elsewhere"
+  expect "the first one is as it was" same_files "$2" "$(installed_folder)"
+}
+
 folder_is_gone() { [[ ! -e $1 ]]; }
 
 uninstall_silently() {
@@ -84,6 +123,8 @@ play_installation() {
   plug_port com3 "Bench adapter"
   install_silently "$1" "$2"
   open_by_association "$1"
+  refuse_while_sending "$1" "$2"
+  refuse_elsewhere "$1" "$2"
   uninstall_silently
   unplug_port com3
 }
