@@ -1,0 +1,154 @@
+// quarn.com, which is what a console starts for the word "quarn": it looks for .com before .exe. A program
+// with windows is not waited for, and what it says without one would stand behind the next prompt. This one
+// starts the program beside it and waits for what is said in the console; not for windows.
+
+#include <windows.h>
+//
+#include <shellapi.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
+namespace {
+
+/// An open handle of the system.
+class Handle {
+ public:
+  Handle() = default;
+  explicit Handle(HANDLE handle) : m_handle(handle) {}
+  ~Handle() { Close(); }
+  Handle(const Handle&) = delete;
+  Handle& operator=(const Handle&) = delete;
+  [[nodiscard]] HANDLE Get() const { return m_handle; }
+  HANDLE* Place() { return &m_handle; }
+  void Close() {
+    if (m_handle != nullptr) CloseHandle(m_handle);
+    m_handle = nullptr;
+  }
+
+ private:
+  HANDLE m_handle = nullptr;
+};
+
+/// Where the program's output goes: to this one's own, or through a pipe into the console, which a program
+/// with windows cannot write to.
+class Output {
+ public:
+  explicit Output(DWORD which) : m_own(GetStdHandle(which)) {
+    DWORD mode = 0;
+    SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
+    if (GetConsoleMode(m_own, &mode) != FALSE) {
+      CreatePipe(m_read.Place(), m_write.Place(), &inherited, 0);
+      SetHandleInformation(m_read.Get(), HANDLE_FLAG_INHERIT, 0);
+    } else if (m_own != nullptr) {
+      SetHandleInformation(m_own, HANDLE_FLAG_INHERIT, HANDLE_FLAG_INHERIT);
+    }
+  }
+  [[nodiscard]] HANDLE ForProgram() const { return m_write.Get() != nullptr ? m_write.Get() : m_own; }
+  /// Once the program has been started: writes on the console until the program says nothing any more.
+  void Pass() {
+    if (m_read.Get() == nullptr) return;
+    m_write.Close();
+    std::string text;
+    std::array<char, 1024> part{};
+    DWORD count = 0;
+    while (ReadFile(m_read.Get(), part.data(), static_cast<DWORD>(part.size()), &count, nullptr) != FALSE) {
+      text.append(part.data(), count);
+    }
+    // The console's own code page is another one.
+    const int size = static_cast<int>(text.size());
+    std::wstring wide(text.size(), L'\0');
+    const int units = MultiByteToWideChar(CP_ACP, 0, text.data(), size, wide.data(), size);
+    WriteConsoleW(m_own, wide.data(), static_cast<DWORD>(units), &count, nullptr);
+  }
+
+ private:
+  HANDLE m_own;
+  Handle m_read;
+  Handle m_write;
+};
+
+/// The folder of this program, with a backslash.
+std::wstring OwnFolder() {
+  std::wstring path(32768, L'\0');
+  path.resize(GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size())));
+  return path.substr(0, path.find_last_of(L'\\') + 1);
+}
+
+/// What stands behind this program's name on the command line.
+std::wstring_view Arguments() {
+  std::wstring_view line(GetCommandLineW());
+  const bool quoted = line.starts_with(L'"');
+  const std::size_t end = quoted ? line.find(L'"', 1) : line.find_first_of(L" \t");
+  line.remove_prefix(end == std::wstring_view::npos ? line.size() : end + (quoted ? 1 : 0));
+  line.remove_prefix(std::min(line.size(), line.find_first_not_of(L" \t")));
+  return line;
+}
+
+/// Whether the program answers in the console, as it does to options.
+bool AsksForAnAnswer() {
+  int count = 0;
+  wchar_t** const arguments = CommandLineToArgvW(GetCommandLineW(), &count);
+  if (arguments == nullptr) return false;
+  const bool asks = std::any_of(arguments + std::min(count, 1), arguments + count,
+                                [](const wchar_t* each) { return *each == L'-'; });
+  LocalFree(static_cast<void*>(arguments));
+  return asks;
+}
+
+/// A program that was started.
+struct Started {
+  Handle process;
+  Handle thread;
+  DWORD id = 0;
+};
+
+bool Start(const std::wstring& program, STARTUPINFOW& how, bool inherits, Started& started) {
+  std::wstring line = L'"' + program + L"\" ";
+  line += Arguments();
+  PROCESS_INFORMATION information{};
+  if (CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, inherits ? TRUE : FALSE, 0, nullptr,
+                     nullptr, &how, &information) == FALSE) {
+    return false;
+  }
+  *started.process.Place() = information.hProcess;
+  *started.thread.Place() = information.hThread;
+  started.id = information.dwProcessId;
+  return true;
+}
+
+/// Starts the program, passes on what it says and gives its exit status.
+int Answer(const std::wstring& program) {
+  Output output(STD_OUTPUT_HANDLE);
+  Output error(STD_ERROR_HANDLE);
+  STARTUPINFOW how{};
+  how.cb = sizeof how;
+  how.dwFlags = STARTF_USESTDHANDLES;
+  how.hStdOutput = output.ForProgram();
+  how.hStdError = error.ForProgram();
+  Started started;
+  if (!Start(program, how, true, started)) return EXIT_FAILURE;
+  output.Pass();
+  error.Pass();
+  DWORD status = EXIT_FAILURE;
+  WaitForSingleObject(started.process.Get(), INFINITE);
+  GetExitCodeProcess(started.process.Get(), &status);
+  return static_cast<int>(status);
+}
+
+}  // namespace
+
+int main() {
+  const std::wstring program = OwnFolder() + L"quarn.exe";
+  if (AsksForAnAnswer()) return Answer(program);
+  STARTUPINFOW how{};
+  how.cb = sizeof how;
+  Started started;
+  if (!Start(program, how, false, started)) return EXIT_FAILURE;
+  // Its windows come to the front, as they do without this program between.
+  AllowSetForegroundWindow(started.id);
+  return EXIT_SUCCESS;
+}
