@@ -25,21 +25,19 @@ wire_has() { [[ -f $LINES/port-$1.received && $(tr '\r\n' '<>' <"$LINES/port-$1.
 
 COM_PORTS='{86e0d1e0-8089-11d0-9ce4-08003e301f73}'
 
-# plug_port com3 NAME: an instrument, and the device that the system lists for it.
-plug_port() {
-  local port=$1 device="ROOT\\\\QUARN${1^^}\\\\0000" path="ROOT#QUARN${1^^}#0000#$COM_PORTS"
-  local class="HKEY_LOCAL_MACHINE\\System\\CurrentControlSet\\Control\\DeviceClasses\\$COM_PORTS\\##?#$path"
-  printf 'built-in' >"$LINES/port-$port.new"
-  mv "$LINES/port-$port.new" "$LINES/port-$port.rules"
-  wait_until 20 "the instrument at $port" port_is_ready "$port"
-  [[ ! -s $LINES/port-$port.ready ]] || fail "no instrument at $port: $(<"$LINES/port-$port.ready")"
-  cat >"$PLACE/device-$port.reg" <<END
+device_class() { echo "System\\CurrentControlSet\\Control\\DeviceClasses\\$COM_PORTS\\##?#ROOT#QUARN${1^^}#0000#$COM_PORTS"; }
+
+# list_device com3 NAME: a device that the system takes for a COM port, under that name, with nothing behind it.
+list_device() {
+  local device="ROOT\\\\QUARN${1^^}\\\\0000" path="ROOT#QUARN${1^^}#0000#$COM_PORTS" class
+  class=HKEY_LOCAL_MACHINE\\$(device_class "$1")
+  cat >"$PLACE/device-$1.reg" <<END
 Windows Registry Editor Version 5.00
 
 [HKEY_LOCAL_MACHINE\\System\\CurrentControlSet\\Enum\\${device//\\\\/\\}]
 "Class"="Ports"
 "ClassGUID"="{4d36e978-e325-11ce-bfc1-08002be10318}"
-"FriendlyName"="$2 (${port^^})"
+"FriendlyName"="$2"
 
 [$class]
 "DeviceInstance"="$device"
@@ -50,13 +48,27 @@ Windows Registry Editor Version 5.00
 [$class\\#\\Control]
 "Linked"=dword:00000001
 END
-  wine reg import "Z:$PLACE/device-$port.reg" >"$PLACE/reg.log" 2>&1 || fail "no device for $port: $(<"$PLACE/reg.log")"
+  wine reg import "Z:$PLACE/device-$1.reg" >"$PLACE/reg.log" 2>&1 || fail "no device for $1: $(<"$PLACE/reg.log")"
+}
+
+drop_device() {
+  drop_registry "HKLM\\$(device_class "$1")"
+  drop_registry "HKLM\\System\\CurrentControlSet\\Enum\\ROOT\\QUARN${1^^}"
+}
+
+# plug_port com3 NAME: an instrument, and the device that the system lists for it.
+plug_port() {
+  local port=$1
+  printf 'built-in' >"$LINES/port-$port.new"
+  mv "$LINES/port-$port.new" "$LINES/port-$port.rules"
+  wait_until 20 "the instrument at $port" port_is_ready "$port"
+  [[ ! -s $LINES/port-$port.ready ]] || fail "no instrument at $port: $(<"$LINES/port-$port.ready")"
+  list_device "$port" "$2 (${port^^})"
 }
 
 # unplug_port com3: first the device, then what was behind it.
 unplug_port() {
-  drop_registry "HKLM\\System\\CurrentControlSet\\Control\\DeviceClasses\\$COM_PORTS\\##?#ROOT#QUARN${1^^}#0000#$COM_PORTS"
-  drop_registry "HKLM\\System\\CurrentControlSet\\Enum\\ROOT\\QUARN${1^^}"
+  drop_device "$1"
   rm "$LINES/port-$1.rules"
   wait_until 20 "the instrument at $1 to go" port_is_gone "$1"
 }

@@ -163,17 +163,70 @@ end_program() {
   expect "it ended well" test "$status" -eq 0
 }
 
+# settings_with FILE KEY=VALUE...: the settings in force, with other values.
+settings_with() {
+  local file=$1 each script=()
+  shift
+  for each in "$@"; do script+=(-e "s/^${each%%=*}=[^\r]*/$each/"); done
+  sed "${script[@]}" "$(settings_folder)/Quarn.ini" >"$file"
+}
+
+# ends_within SECONDS STATUS COMMAND...
+ends_within() {
+  local status=0 longest=$1 wanted=$2 start=$SECONDS
+  shift 2
+  "$@" || status=$?
+  ((status == wanted && SECONDS - start <= longest)) || {
+    echo "it ended with $status after $((SECONDS - start)) s" >&2
+    return 1
+  }
+}
+
+interrupted() { wait "$1"; }
+
+# What lasts 82 s where nobody ends it.
+silence() {
+  local send=${1%quarn.exe}quarn-send.exe sender before
+  headline "An instrument that says nothing"
+  settings_with "$PLACE/impatient.qrn" COM_BPS=115200 COM_BUF=6K R_TIMEOUT=ON
+  settings_with "$PLACE/patient.qrn" R_TIMEOUT=OFF
+  expect "quarn-send ends when its time-out says" ends_within 30 1 \
+    wine "$send" --port COM3 --settings "Z:$PLACE/impatient.qrn" mute
+  expect "and so it does between others" ends_within 40 0 \
+    wine "$send" --port COM3 --settings "Z:$PLACE/impatient.qrn" mute id mute id
+  before=$(wc -c <"$LINES/port-com3.received")
+  "$WINE" "$send" --port COM3 --settings "Z:$PLACE/patient.qrn" mute >"$PLACE/interrupted.log" 2>&1 &
+  sender=$!
+  started+=("$sender")
+  wait_until 30 "the command on the wire" wire_has_more_than com3 "$before"
+  kill -INT "$sender"
+  expect "Ctrl+C ends it" ends_within 30 4 interrupted "$sender"
+}
+
+wire_has_more_than() { (($(wc -c <"$LINES/port-$1.received") > $2)); }
+
+# on_console COMMAND...: what the system's command interpreter shows of it on a terminal.
+on_console() {
+  (cd "$PLACE" && script --quiet --command "'$WINE' cmd /c $*" console.log </dev/null >console.screen 2>&1) || true
+  # Without what places the cursor.
+  sed 's/\x1b\[[0-9;?]*[A-Za-z]//g' "$PLACE/console.screen" | tr -d '\r' | grep -v '^ *$'
+}
+
+console_says() { [[ $(on_console "$1") == "$2" ]]; }
+
 # In a console, or redirected, without a window.
 answers() {
   headline "What it answers without a window"
   local answer
   answer=$(wine "$1" --version | tr -d '\r')
   expect "the version is told" test "$answer" == "$(identity NAME)  (Ver. $(identity VERSION)), build $(identity BUILD_DATE)"
+  expect "the next prompt comes after it" console_says \
+    "'pushd Z:$(dirname "$1") & quarn --version & echo next'" "$answer"$'\nnext'
   answer=$(wine "$1" --help | tr -d '\r')
   expect "the usage is told" test "${answer#*usage: quarn}" != "$answer"
   answer=$(wine "${1%quarn.exe}quarn-send.exe" --port COM3 id | tr -d '\r')
   expect "quarn-send prints the response" test "$answer" == $'[id]\nSIM-1 bench instrument, firmware 1.00'
-  sed 's/^DELIMITER=[^\r]*/DELIMITER=LF/' "$(settings_folder)/Quarn.ini" >"$PLACE/lf.qrn"
+  settings_with "$PLACE/lf.qrn" DELIMITER=LF
   wine "${1%quarn.exe}quarn-send.exe" --port COM3 --settings "Z:$PLACE/lf.qrn" --raw id >"$PLACE/raw"
   printf 'SIM-1 bench instrument, firmware 1.00\n' >"$PLACE/expected"
   expect "quarn-send --raw leaves line feeds alone" cmp "$PLACE/raw" "$PLACE/expected"
@@ -182,6 +235,10 @@ answers() {
 # play_story PROGRAM: with the settings of a person who has never seen it.
 play_story() {
   rm -rf "$(settings_folder)"
+  # Names without a short one, for as long as all this lasts: they disturb nobody.
+  list_device far "USB Serial Port (COM104)"
+  list_device pair "pair (COM5->COM6)"
+  list_device gadget "Gadget COM7 serial"
   first_start "$1"
   choose_port
   first_command
@@ -190,5 +247,9 @@ play_story() {
   unplug_and_plug
   end_program
   answers "$1"
+  silence "$1"
   unplug_port com3
+  drop_device far
+  drop_device pair
+  drop_device gadget
 }
