@@ -8,6 +8,7 @@
 #include "serial/open_port.h"
 #include "serial/platform_serial.h"
 #include "serial/port_list.h"
+#include "serial/port_names.h"
 #include "settings/data_folder.h"
 #include "settings/settings_load_save.h"
 #include "terminal/log_text.h"
@@ -72,6 +73,11 @@ bool LoadSettingsFile(const Options& options, const QString& dataFolder, Setting
 }
 
 bool Connect(const SettingsRecord& settings, const QString& portsFolder, PortConnection& connection) {
+  if (IsBeyondLastPort(settings.comPort)) {
+    Complain(QStringLiteral("%1: port numbers end at 99. %2")
+                 .arg(settings.comPort, HowToChangePortNumber(portsFolder)));
+    return false;
+  }
   const auto opener = CreateLineOpener(portsFolder);
   const auto source = CreatePortSource(portsFolder);
   StandardErrorMessages messages;

@@ -13,4 +13,7 @@ namespace quarn {
 std::unique_ptr<SerialLineOpener> CreateLineOpener(const QString& portsFolder);
 std::unique_ptr<PortSource> CreatePortSource(const QString& portsFolder);
 
+/// How a person gives a port another number, as a sentence.
+QString HowToChangePortNumber(const QString& portsFolder);
+
 }  // namespace quarn

@@ -14,4 +14,11 @@ std::unique_ptr<PortSource> CreatePortSource(const QString& /*portsFolder*/) {
   return std::make_unique<Win32PortSource>();
 }
 
+QString HowToChangePortNumber(const QString& /*portsFolder*/) {
+  return QStringLiteral(
+      "The Device Manager gives a port another one: Ports (COM & LPT), the adapter's properties, Port "
+      "Settings, "
+      "Advanced.");
+}
+
 }  // namespace quarn

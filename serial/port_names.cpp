@@ -71,6 +71,14 @@ bool IsPortAvailable(const QString& name, std::int32_t count, const PortNames& n
   return std::find(names.begin(), end, name) != end;
 }
 
+bool IsBeyondLastPort(const QString& name) {
+  constexpr int kLastPort = 99;
+  const QString prefix = QStringLiteral("COM");
+  const QString number = name.mid(prefix.size());
+  return name.startsWith(prefix) && ToInteger(number) > kLastPort &&
+         std::all_of(number.begin(), number.end(), [](QChar each) { return each >= u'0' && each <= u'9'; });
+}
+
 QString DevicePathOf(const QString& portName) {
   const int number = ToInteger(PortNumberOf(portName));
   return number > 9 ? QStringLiteral("\\\\.\\") + portName : portName;

@@ -26,6 +26,9 @@ QString PortNumberOf(const QString& portName);
 /// Whether `name` is exactly one of the first `count` names.
 bool IsPortAvailable(const QString& name, std::int32_t count, const PortNames& names);
 
+/// Whether a name has the form of a port's and a number above 99, which no port here has.
+bool IsBeyondLastPort(const QString& name);
+
 /// The path under which a port is opened: the name itself up to number 9 and for a name without a number,
 /// from number 10 on the name behind the prefix \\.\. A number has two digits at most.
 QString DevicePathOf(const QString& portName);

@@ -204,6 +204,14 @@ TEST_F(SendProcess, ADamagedSettingsFileIsFiveWithItsName) {
   EXPECT_EQ(m_instrument.Received(), "");
 }
 
+TEST_F(SendProcess, ANumberThatNoPortHasIsToldWithWhatToDo) {
+  const Outcome sent = Send("--port COM104 id");
+  EXPECT_EQ(sent.exitCode, 5);
+  EXPECT_EQ(sent.out, "");
+  EXPECT_EQ(sent.err, "quarn-send: COM104: port numbers end at 99. A port has the name of its link in " +
+                          Path("Halvo/Quarn/ports").toUtf8() + ", which can be renamed.\n");
+}
+
 TEST_F(SendProcess, APortThatIsNotPresentIsFiveWithItsName) {
   const Outcome sent = Send("--port COM98 id");
   EXPECT_EQ(sent.exitCode, 5);

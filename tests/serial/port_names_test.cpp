@@ -196,5 +196,15 @@ TEST(ComposeFriendlyName, KeepsTheBracketWhereItIsLookedFor) {
   EXPECT_EQ(ShortPortName(name), "COM99");
 }
 
+TEST(IsBeyondLastPort, AsksForAPortsNameWithThreeDigitsOrMore) {
+  for (const char* name : {"COM100", "COM104", "COM4096", "COM99999999999999999999", "COM0100"}) {
+    EXPECT_TRUE(IsBeyondLastPort(name)) << name;
+  }
+  for (const char* name :
+       {"", "COM", "COM1", "COM99", "COM099", "COM1x4", "com104", "NONE", "LPT104", "COM 104"}) {
+    EXPECT_FALSE(IsBeyondLastPort(name)) << name;
+  }
+}
+
 }  // namespace
 }  // namespace quarn
