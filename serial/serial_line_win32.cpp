@@ -62,14 +62,23 @@ bool Win32SerialLine::FailLeftBehind() {
   return false;
 }
 
+/// Without a longest time: until somebody cancels.
+void Win32SerialLine::WaitForLeftBehind(Lock& lock, std::optional<std::chrono::milliseconds> longest) {
+  const auto isOver = [&] {
+    return !m_leftBehind || m_leftBehind->HasEnded() || m_closing || (!longest && m_cancelled);
+  };
+  if (longest) {
+    m_meeting->changed.wait_for(lock, *longest, isOver);
+  } else {
+    m_meeting->changed.wait(lock, isOver);
+  }
+  // What it has read belongs to nobody any more.
+  if (m_leftBehind && m_leftBehind->HasEnded()) m_leftBehind = nullptr;
+}
+
 /// The handle for one call to the driver; null, with the failure noted, when there is none to be used.
 std::shared_ptr<CommHandle> Win32SerialLine::UsableHandle(Lock& lock) {
-  if (m_leftBehind) {
-    m_meeting->changed.wait_for(lock, kCancelPatience,
-                                [this] { return !m_leftBehind || m_leftBehind->HasEnded() || m_closing; });
-    // What it has read belongs to nobody any more.
-    if (m_leftBehind && m_leftBehind->HasEnded()) m_leftBehind = nullptr;
-  }
+  WaitForLeftBehind(lock, kCancelPatience);
   if (!m_handle || m_closing) {
     m_failure = FailureOfSystemError(ERROR_INVALID_HANDLE, m_device);
     return nullptr;
@@ -124,7 +133,12 @@ bool Win32SerialLine::SetTimeouts(const LineTimeouts& timeouts) {
 }
 
 bool Win32SerialLine::Purge() {
-  const auto handle = UsableHandle();
+  std::shared_ptr<CommHandle> handle;
+  {
+    Lock lock(m_meeting->mutex);
+    WaitForLeftBehind(lock, std::nullopt);
+    handle = UsableHandle(lock);
+  }
   return handle && Conclude(PurgeComm(handle->Get(), PURGE_TXCLEAR | PURGE_RXCLEAR) != FALSE);
 }
 

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <memory>
 #include <mutex>
+#include <optional>
 
 #include "serial/comm_transfer_win32.h"
 #include "serial/serial_line.h"
@@ -15,8 +16,9 @@ namespace quarn {
 ///  - a read is begun when there is something to read, and not before: nothing blocks on a silent line. The
 ///    driver counts the total time of a read from there once more;
 ///  - a read or write that does not end when it is cancelled is left to the thread that it runs on. Until it
-///    ends nobody knows what it takes from the line, so every other operation waits a moment for that and
-///    then fails; afterwards the line is as good as before. The port is closed when it ends, too.
+///    ends nobody knows what it takes from the line. So a purge, with which every transaction begins, waits
+///    for its end, or until it is cancelled itself; whatever else is asked of the line waits a moment and
+///    then fails. Afterwards the line is as good as before. The port is closed when it ends, too.
 class Win32SerialLine final : public SerialLine {
  public:
   /// Takes over `handle`, an open comm handle (a HANDLE; its type is kept out of this header).
@@ -48,6 +50,7 @@ class Win32SerialLine final : public SerialLine {
 
   std::shared_ptr<CommHandle> UsableHandle();
   std::shared_ptr<CommHandle> UsableHandle(Lock& lock);
+  void WaitForLeftBehind(Lock& lock, std::optional<std::chrono::milliseconds> longest);
   std::shared_ptr<CommHandle> BeginIo();
   void EndIo();
   Arrival WaitForBytes(const CommHandle& handle, std::size_t size);

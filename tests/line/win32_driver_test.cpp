@@ -181,7 +181,6 @@ TEST_F(Win32Driver, WhatIsLeftBehindTakesNoAnswerOfAnotherCommand) {
   m_line->AllowIo();
   // Nothing goes out as long as the earlier read would get the answer.
   LineState state;
-  EXPECT_FALSE(m_line->Purge());
   EXPECT_FALSE(Write("id\r"));
   EXPECT_EQ(m_driver.Sent(), "");
   EXPECT_EQ(Read(), "failed");
@@ -192,12 +191,29 @@ TEST_F(Win32Driver, WhatIsLeftBehindTakesNoAnswerOfAnotherCommand) {
   EXPECT_EQ(Reason(), "COM3: the driver has not ended an earlier read or write");
   EXPECT_EQ(m_driver.Reads(), 1);
 
+  auto purging = InThread([this] { return m_line->Purge(); });
+  EXPECT_TRUE(StillRuns(purging)) << "a command waits for it";
   m_driver.Release();
-  EXPECT_TRUE(Eventually([this] { return m_line->Purge(); })) << Reason();
+  ASSERT_TRUE(Ends(purging));
+  EXPECT_TRUE(purging.get());
   EXPECT_TRUE(Write("id\r"));
   EXPECT_EQ(m_driver.Sent(), "id\r");
   m_driver.Receive("new");
   EXPECT_EQ(Read(), "new") << "what the earlier read took is dropped";
+}
+
+TEST_F(Win32Driver, ACommandThatWaitsForItCanBeCancelled) {
+  OpenAndRead(false);
+  m_line->CancelIo();
+  ASSERT_TRUE(Ends(m_reading));
+  EXPECT_FALSE(m_line->Purge()) << "whoever has cancelled does not wait";
+  m_line->AllowIo();
+  auto purging = InThread([this] { return m_line->Purge(); });
+  EXPECT_TRUE(StillRuns(purging));
+  m_line->CancelIo();
+  ASSERT_TRUE(Ends(purging));
+  EXPECT_FALSE(purging.get());
+  EXPECT_TRUE(m_driver.Purges().empty());
 }
 
 TEST_F(Win32Driver, AWriteIsLeftBehindInTheSameWay) {

@@ -91,6 +91,19 @@ TEST_F(TransactionWait, AfterEscTheNextCommandGetsItsResponse) {
   EXPECT_EQ(Response(), "SIM\r");
 }
 
+/// At the lowest speed a read goes on for seconds behind a byte.
+TEST_F(TransactionWait, EscInTheMiddleOfAResponseLeavesTheNextCommandItsOwn) {
+  m_settings.comBps = QStringLiteral("110");
+  Serve("\"begun\" -> \"BEG\"\n\"id\" -> line \"SIM\"");
+  m_host.whilePainting = [this] {
+    EXPECT_TRUE(Eventually([this] { return m_instrument->Answers() == 1; }));
+    m_host.escapeAtLook = m_host.looks + 2;
+  };
+  ASSERT_EQ(Run("begun"), TransactionResult::Aborted);
+  EXPECT_EQ(Run("id"), TransactionResult::Received);
+  EXPECT_EQ(Response(), "SIM\r");
+}
+
 TEST_F(TransactionWait, EscComesBeforeATimeout) {
   SetShortestTimeout();
   m_host.escapeAtLook = 2;
