@@ -254,7 +254,8 @@ TEST_F(Win32Driver, ALineWithNothingLeftBehindIsClosedAtOnce) {
 }
 
 TEST_F(Win32Driver, ADeviceThatIsGoneEndsAReadThatWaits) {
-  for (const DWORD error : {ERROR_ACCESS_DENIED, ERROR_BAD_COMMAND, ERROR_FILE_NOT_FOUND}) {
+  for (const DWORD error :
+       {DWORD{ERROR_ACCESS_DENIED}, DWORD{ERROR_BAD_COMMAND}, DWORD{ERROR_FILE_NOT_FOUND}}) {
     m_driver.FailWith(ERROR_SUCCESS);
     Open();
     auto reading = InThread([this] { return Read(); });
