@@ -27,8 +27,8 @@ constexpr int kLeastWidthUnits = 200;
 
 }  // namespace
 
-CAboutBox::CAboutBox(QWidget* owner, LinkOpener& opener, MessageOperations& messages)
-    : PlacedDialog(owner,
+CAboutBox::CAboutBox(LinkOpener& opener, MessageOperations& messages)
+    : PlacedDialog(nullptr,
                    Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint),
       m_opener(opener),
       m_messages(messages) {

@@ -16,7 +16,7 @@ class CAboutBox final : public PlacedDialog {
  public:
   static constexpr int kLinkId = 1170;
 
-  CAboutBox(QWidget* owner, LinkOpener& opener, MessageOperations& messages);
+  CAboutBox(LinkOpener& opener, MessageOperations& messages);
 
   /// Whether the page has been opened from this box.
   [[nodiscard]] bool LinkVisited() const { return m_linkVisited; }

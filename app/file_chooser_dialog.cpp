@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "ui/box.h"
 #include "ui/placement.h"
 
 namespace quarn {
@@ -66,6 +67,8 @@ QString FileChooserDialog::Ask(QFileDialog& dialog, const FileQuestion& question
   if (folder.isEmpty()) folder = m_lastFolder;
   if (folder.isEmpty()) folder = FolderAtFirst();
   PutQuestion(dialog, question, folder);
+  // The system's own dialog needs a parent to stand in front of. The owner cannot go meanwhile.
+  const BoxOver over(m_owner);
   if (dialog.exec() != QDialog::Accepted) return {};
   QString path = dialog.selectedFiles().value(0);
   m_lastFolder = QFileInfo(path).absolutePath();

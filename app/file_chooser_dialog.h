@@ -12,7 +12,7 @@ namespace quarn {
 /// that of the person's documents.
 class FileChooserDialog final : public FileChooser {
  public:
-  /// The dialogs are modal to the window `owner` (not owned; may be null).
+  /// The dialogs are modal to the window `owner` (not owned; may be null), which outlives them.
   explicit FileChooserDialog(QWidget* owner) : m_owner(owner) {}
 
   QString AskOpenFile(const FileQuestion& question) override;

@@ -8,6 +8,7 @@
 #include "app/desktop_link_opener.h"
 #include "app/main_dialog.h"
 #include "app/menu_state.h"
+#include "ui/box.h"
 #include "ui/control.h"
 
 namespace quarn {
@@ -107,7 +108,8 @@ bool CQuarnDlg::MenuBarWraps() {
 
 void CQuarnDlg::ShowAbout() {
   DesktopLinkOpener opener;
-  CAboutBox(this, opener, *m_program.messages).exec();
+  CAboutBox box(opener, *m_program.messages);
+  RunBox(box);
 }
 
 }  // namespace quarn

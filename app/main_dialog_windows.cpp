@@ -42,8 +42,14 @@ DialogContext CQuarnDlg::Context() {
 
 void CQuarnDlg::OpenTerminalScreen() {
   if (m_program.state.open.terminalScreen) return;
-  // One that was told to close may not have looked yet.
-  if (m_terminalScreen) m_terminalScreen->close();
+  // One that was told to close may not have looked yet; where it has to stay it is the one that is wanted.
+  if (m_terminalScreen && !m_terminalScreen->close()) {
+    m_terminalScreen->WithdrawClose();
+    m_program.state.open.terminalScreen = true;
+    m_program.state.requests.terminalClose = false;
+    ShowSwitch();
+    return;
+  }
   m_program.state.open.terminalScreen = true;
   // What was to be sent while there was no command line to be seen is not sent now.
   m_program.state.requests.send = false;

@@ -125,7 +125,11 @@ void InputHold::HandOn() {
   while (!m_held.empty() && !m_holding) {
     const Held held = std::move(m_held.front());
     m_held.pop_front();
-    if (!held.receiver.isNull()) QCoreApplication::sendEvent(held.receiver, held.make().get());
+    if (held.receiver.isNull()) continue;
+    // What it sets off may end the window to which this hold belongs.
+    const QPointer<InputHold> self(this);
+    QCoreApplication::sendEvent(held.receiver, held.make().get());
+    if (self.isNull()) return;
   }
   m_handingOn = false;
   if (m_held.empty() && !m_holding) QCoreApplication::instance()->removeEventFilter(this);

@@ -3,7 +3,10 @@
 #include <QAbstractEventDispatcher>
 #include <QDeadlineTimer>
 #include <QTimerEvent>
+#include <utility>
 #include <vector>
+
+#include "ui/box.h"
 
 namespace quarn {
 namespace {
@@ -23,6 +26,27 @@ PolledDialog::PolledDialog(QWidget* parent)
 
 PolledDialog::~PolledDialog() { StopTicks(); }
 
+bool PolledDialog::HasToStay() const { return IsBusy() || BoxOver::IsOver(*this); }
+
+bool PolledDialog::event(QEvent* event) {
+  if (event->type() != QEvent::Close || !HasToStay()) return QDialog::event(event);
+  m_closeAsked = true;
+  event->ignore();
+  return true;
+}
+
+void PolledDialog::done(int result) {
+  if (HasToStay()) {
+    m_closeAsked = true;
+  } else {
+    QDialog::done(result);
+  }
+}
+
+void PolledDialog::CloseIfPutOff() {
+  if (!HasToStay() && std::exchange(m_closeAsked, false)) close();
+}
+
 void PolledDialog::StartTicks() {
   StopTicks();
   m_ticks.Start(Now());
@@ -40,7 +64,7 @@ void PolledDialog::StopTicks() {
 
 void PolledDialog::Plan() {
   const std::int64_t now = Now();
-  m_ticks.Plan(QuietTicks(), now);
+  m_ticks.Plan(m_closeAsked ? 0 : QuietTicks(), now);
   if (m_ticks.IsLate(now)) {
     // It is about to come, unless its event was dropped: then it comes at its next interval, behind the input
     // that was held back meanwhile.
@@ -65,6 +89,7 @@ void PolledDialog::timerEvent(QTimerEvent* event) {
   m_timer.stop();
   m_timerDue.reset();
   OnTick(m_ticks.Take(Now()));
+  CloseIfPutOff();
   // The loop that moves a window on Windows is not Qt's and tells nobody when it wakes.
   for (PolledDialog* dialog : TickingDialogs()) dialog->Plan();
 }

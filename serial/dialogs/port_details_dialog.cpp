@@ -180,9 +180,9 @@ void CPortDetails::Look() {
     Mark(m_selected);
     ApplySetRule(m_selected);
   }
-  if (requests.detailedListClose) {
+  if (requests.detailedListClose && !HasToStay()) {
     requests.mainRefresh = true;
-    CloseWhenDone();
+    close();
   }
 }
 
@@ -207,7 +207,7 @@ void CPortDetails::PressOk() {
     Connect();
   }
   RaiseConnectionRefreshes(Requests());
-  CloseWhenDone();
+  close();
 }
 
 void CPortDetails::OnClose() {

@@ -1,7 +1,6 @@
 #include "serial/dialogs/port_dialog.h"
 
 #include <QCloseEvent>
-#include <utility>
 
 #include "ui/control.h"
 #include "ui/dialog_button.h"
@@ -18,19 +17,12 @@ PortDialog::PortDialog(QWidget* owner, const DialogContext& context, const QStri
 void PortDialog::reject() { close(); }
 
 void PortDialog::Perform(const std::function<void()>& operation) {
-  if (m_operations > 0) return;
-  ++m_operations;
-  operation();
-  --m_operations;
-  if (std::exchange(m_closeAsked, false)) close();
-}
-
-void PortDialog::CloseWhenDone() {
-  if (m_operations > 0) {
-    m_closeAsked = true;
-  } else {
-    close();
+  if (IsBusy()) return;
+  {
+    const Busy busy(*this);
+    operation();
   }
+  CloseIfPutOff();
 }
 
 QPushButton* PortDialog::AddButton(const char* name, const QString& text, int controlId,
@@ -44,15 +36,10 @@ QPushButton* PortDialog::AddButton(const char* name, const QString& text, int co
 }
 
 void PortDialog::OnTick(int /*ticks*/) {
-  if (m_operations == 0) Look();
+  if (!IsBusy()) Look();
 }
 
 void PortDialog::closeEvent(QCloseEvent* event) {
-  if (m_operations > 0) {
-    m_closeAsked = true;
-    event->ignore();
-    return;
-  }
   StopTicks();
   OnClose();
   event->accept();

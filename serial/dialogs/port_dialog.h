@@ -23,8 +23,6 @@ class PortDialog : public PolledDialog {
 
   /// Runs the operation unless one is under way. A close that was asked for meanwhile follows it.
   void Perform(const std::function<void()>& operation);
-  /// Closes now, or after the operation that is under way.
-  void CloseWhenDone();
   /// Every 100 ms while no operation is under way.
   virtual void Look() = 0;
   /// The dialog closes: its flags fall.
@@ -41,8 +39,6 @@ class PortDialog : public PolledDialog {
 
  private:
   const DialogContext m_context;
-  int m_operations = 0;
-  bool m_closeAsked = false;
 };
 
 }  // namespace quarn

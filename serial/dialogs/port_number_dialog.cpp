@@ -99,9 +99,9 @@ void CPortNum::Look() {
   ReadControls();
   m_set->setEnabled(IsSetEnabled(Situation(), m_selection));
   if (std::exchange(Requests().portNumberRefresh, false)) ShowListChange();
-  if (Requests().portNumberClose) {
+  if (Requests().portNumberClose && !HasToStay()) {
     Requests().portNumberRefresh = true;
-    CloseWhenDone();
+    close();
   }
 }
 
@@ -138,7 +138,7 @@ void CPortNum::PressOk() {
     Apply();
   }
   RaiseConnectionRefreshes(Requests());
-  CloseWhenDone();
+  close();
 }
 
 void CPortNum::OnClose() {

@@ -179,7 +179,7 @@ void CPortSettings::PressOk() {
     Reconnect(chosen);
     Store();
   }
-  CloseWhenDone();
+  close();
 }
 
 }  // namespace quarn

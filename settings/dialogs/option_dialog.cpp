@@ -117,9 +117,10 @@ QPushButton* OptionDialog::CreateOkButton() {
 }
 
 void OptionDialog::Change(const OptionButton& option, const QString& value) {
-  m_changing = true;
-  option.change(m_context, option.binding, value);
-  m_changing = false;
+  {
+    const Busy busy(*this);
+    option.change(m_context, option.binding, value);
+  }
   Refresh();
 }
 
@@ -134,16 +135,18 @@ int OptionDialog::QuietTicks() const {
 }
 
 void OptionDialog::OnTick(int /*ticks*/) {
-  if (m_changing) return;
+  if (IsBusy()) return;
   WindowRequests& requests = m_context.state.requests;
   if (std::exchange(requests.*m_plan.refresh, false)) Refresh();
-  if (requests.*m_plan.close) reject();
+  if (requests.*m_plan.close && !HasToStay()) reject();
 }
 
 void OptionDialog::done(int result) {
-  StopTicks();
-  m_context.state.open.*m_plan.open = false;
-  m_context.state.requests.*m_plan.close = false;
+  if (!HasToStay()) {
+    StopTicks();
+    m_context.state.open.*m_plan.open = false;
+    m_context.state.requests.*m_plan.close = false;
+  }
   PolledDialog::done(result);
 }
 

@@ -56,7 +56,6 @@ class OptionDialog : public PolledDialog {
   DialogContext m_context;
   OptionDialogPlan m_plan;
   OptionButtons m_buttons;
-  bool m_changing = false;  ///< a change is under way that may show a message: the dialog must outlive it
 };
 
 }  // namespace quarn

@@ -5,7 +5,6 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QScopedValueRollback>
 #include <QVBoxLayout>
 #include <QValidator>
 #include <utility>
@@ -257,7 +256,7 @@ void CSetMem::ToggleEditing() {
 }
 
 void CSetMem::Undo() {
-  const QScopedValueRollback<int> calls(m_calls, m_calls + 1);
+  const Busy busy(*this);
   ReadFields();
   if (!m_table.CanUndo()) return;
   if (!m_context.messages.AskSimple(QStringLiteral("OK to discard the updated data ?"))) return;
@@ -268,7 +267,7 @@ void CSetMem::Undo() {
 }
 
 void CSetMem::Save() {
-  const QScopedValueRollback<int> calls(m_calls, m_calls + 1);
+  const Busy busy(*this);
   if (!m_table.CanSave()) return;
   if (!m_context.messages.AskSimpleYesNo(QStringLiteral("Is it OK to save the updated data ?"))) return;
   m_table.Save(m_context.workingSettingsFile);
@@ -281,24 +280,20 @@ int CSetMem::QuietTicks() const {
 
 void CSetMem::OnTick(int /*ticks*/) {
   // A message box of this window is up: everything waits until it is gone.
-  if (m_calls > 0) return;
+  if (IsBusy()) return;
   WindowRequests& requests = m_context.state.requests;
   if (std::exchange(requests.functionTableReload, false)) {
     m_table.Reload();
     ShowTexts();
     ShowState();
   }
-  if (std::exchange(requests.functionTableClose, false)) close();
+  if (!HasToStay() && std::exchange(requests.functionTableClose, false)) close();
 }
 
 void CSetMem::closeEvent(QCloseEvent* event) {
-  if (m_calls > 0) {
-    event->ignore();
-    return;
-  }
   if (m_table.IsEditing()) {
     event->ignore();
-    const QScopedValueRollback<int> calls(m_calls, m_calls + 1);
+    const Busy busy(*this);
     m_context.messages.ShowInformationMessage(QStringLiteral(": Warning"),
                                               QStringLiteral("Quit \"EDIT\" mode to close this dialog."),
                                               QString(), QString());

@@ -65,7 +65,6 @@ class CSetMem final : public PolledDialog {
   QPushButton* m_edit = nullptr;
   QPushButton* m_ok = nullptr;
   QPushButton* m_send = nullptr;
-  int m_calls = 0;  ///< own operations under way that run an event loop: the window must outlive them
 };
 
 }  // namespace quarn

@@ -112,7 +112,6 @@ class CTerminalScreen final : public PolledDialog, private TransactionHost {
   ColourScheme m_scheme = ColourScheme::System;
   QMargins m_frame;
   unsigned m_sendCounter = 0;
-  int m_calls = 0;  ///< own operations under way that may run an event loop: the window must outlive them
 };
 
 }  // namespace quarn

@@ -17,18 +17,6 @@
 namespace quarn {
 namespace {
 
-/// Counts an operation that may run an event loop for as long as it lives.
-class CallScope {
- public:
-  explicit CallScope(int& calls) : m_calls(calls) { ++m_calls; }
-  ~CallScope() { --m_calls; }
-  CallScope(const CallScope&) = delete;
-  CallScope& operator=(const CallScope&) = delete;
-
- private:
-  int& m_calls;
-};
-
 bool Take(bool& flag) { return std::exchange(flag, false); }
 
 bool IsControlHeld() { return QGuiApplication::keyboardModifiers().testFlag(Qt::ControlModifier); }
@@ -184,7 +172,7 @@ void CTerminalScreen::SendByEnter() {
 }
 
 void CTerminalScreen::SendAction() {
-  const CallScope call(m_calls);
+  const Busy busy(*this);
   if (!IsPortOpen()) {
     m_context.messages.ShowErrorMessage(QStringLiteral(": Error"), QString(),
                                         QStringLiteral("COM port is not available."),
@@ -198,7 +186,7 @@ void CTerminalScreen::SendAction() {
 }
 
 void CTerminalScreen::SendIfTyped() {
-  const CallScope call(m_calls);
+  const Busy busy(*this);
   if (m_context.commandLine.Text().isEmpty()) return;
   Transact();
   ShowCommandLine();
@@ -222,7 +210,7 @@ bool CTerminalScreen::EscapePressed() {
 
 void CTerminalScreen::ClearAllLogEntries() {
   if (m_context.log.WritePos() == 0) return;
-  const CallScope call(m_calls);
+  const Busy busy(*this);
   if (m_context.messages.AskConfirmation(QStringLiteral(": Confirmation"),
                                          QStringLiteral("Is it OK to to clear all operation log ?"),
                                          QString(), QString())) {
@@ -245,19 +233,19 @@ void CTerminalScreen::TakeFocus() {
 }
 
 int CTerminalScreen::QuietTicks() const {
-  if (m_calls > 0) return TickPlan::kUntilWoken;
+  if (IsBusy()) return TickPlan::kUntilWoken;
   if (IsTerminalAsked(m_context.state.requests) || FrameOf(*this) != m_frame) return 0;
   return isActiveWindow() ? m_context.commandLine.TicksToBlink() - 1 : TickPlan::kUntilWoken;
 }
 
 void CTerminalScreen::OnTick(int ticks) {
   // A message box or a transaction of this window is under way: everything waits until it is over.
-  if (m_calls > 0) return;
+  if (IsBusy()) return;
   const bool foreground = isActiveWindow();
   PerformRequests();
   if (foreground && m_context.commandLine.Tick(ticks)) ShowCommandLine();
   if (FrameOf(*this) != m_frame) ApplyWindowSize();
-  if (Take(m_context.state.requests.terminalClose)) close();
+  if (!HasToStay() && Take(m_context.state.requests.terminalClose)) close();
 }
 
 void CTerminalScreen::PerformRequests() {

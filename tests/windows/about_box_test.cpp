@@ -32,7 +32,7 @@ class AboutBox : public testing::Test {
  protected:
   RecordedOpener m_opener;
   RecordedMessages m_messages;
-  CAboutBox m_box{nullptr, m_opener, m_messages};
+  CAboutBox m_box{m_opener, m_messages};
 
   QLabel* Label(int id) { return Control<QLabel>(m_box, id); }
   void FocusTheLink() {
@@ -135,7 +135,7 @@ TEST_F(AboutBox, WithoutABrowserThereIsAnErrorAndNothingElse) {
 
 TEST_F(AboutBox, OkEnterEscapeAndTheCloseBoxEndItAndDoNothingElse) {
   const auto ends = [&](auto action) {
-    CAboutBox box(nullptr, m_opener, m_messages);
+    CAboutBox box(m_opener, m_messages);
     ShowActive(box);
     action(box);
     EXPECT_FALSE(box.isVisible());
@@ -160,7 +160,7 @@ TEST_F(AboutBox, StandsWhereMessagesDo) {
 TEST_F(AboutBox, NothingIsClippedAtAnyFontSize) {
   for (const int percent : {100, 125, 150, 175}) {
     const FontScale scale(percent);
-    CAboutBox box(nullptr, m_opener, m_messages);
+    CAboutBox box(m_opener, m_messages);
     ShowActive(box);
     ExpectNothingClipped(box);
   }
