@@ -41,7 +41,7 @@ void Disconnect(Program& program) {
   const QString port = program.state.currentPortName;
   if (!program.messages->AskYesNo(QStringLiteral(": Confirmation"), QString(),
                                   QStringLiteral("Are you sure you want to disconnect the COM port?"),
-                                  QString())) {
+                                  QString(), AnswerByDefault::Refuse)) {
     return;
   }
   ClosePort(program.connection);

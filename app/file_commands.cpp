@@ -88,7 +88,8 @@ void FileCommands::RestoreDefaults() {
   Run([this] {
     if (!m_program.messages->AskYesNo(
             kConfirmation, QString(),
-            QStringLiteral("Are you sure you want to restore the default settings?"), QString())) {
+            QStringLiteral("Are you sure you want to restore the default settings?"), QString(),
+            AnswerByDefault::Refuse)) {
       return;
     }
     if (!MayLoseChanges()) return;
@@ -134,7 +135,7 @@ bool FileCommands::HaveSettingsChanged() const {
 
 bool FileCommands::AskAboutChanges(const QString& question) {
   return m_program.messages->AskYesNo(kConfirmation, QString(), QStringLiteral("Settings have been changed."),
-                                      question);
+                                      question, AnswerByDefault::Refuse);
 }
 
 bool FileCommands::MayLoseChanges() {

@@ -35,12 +35,15 @@ class StandardErrorMessages final : public MessageOperations {
                               const QString& line2) override {
     ShowErrorMessage(suffix, line0, line1, line2);
   }
-  bool AskConfirmation(const QString&, const QString&, const QString&, const QString&) override {
+  bool AskConfirmation(const QString&, const QString&, const QString&, const QString&,
+                       AnswerByDefault) override {
     return false;
   }
-  bool AskYesNo(const QString&, const QString&, const QString&, const QString&) override { return false; }
-  bool AskSimple(const QString&) override { return false; }
-  bool AskSimpleYesNo(const QString&) override { return false; }
+  bool AskYesNo(const QString&, const QString&, const QString&, const QString&, AnswerByDefault) override {
+    return false;
+  }
+  bool AskSimple(const QString&, AnswerByDefault) override { return false; }
+  bool AskSimpleYesNo(const QString&, AnswerByDefault) override { return false; }
   void ShowTransientMessage(const QString& text, std::optional<QPoint>) override { Complain(text); }
   void ShowPlainMessage(const QString& text) override { Complain(text); }
 };

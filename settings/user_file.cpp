@@ -50,9 +50,12 @@ bool UpgradeWholly(const QString& path, const KeySetComparison& comparison) {
 }
 
 bool AskAndUpgrade(const QString& path, const KeySetComparison& comparison, MessageOperations& messages) {
+  // A key that this program does not know would be lost with its value.
+  const AnswerByDefault byDefault =
+      comparison.unknownKeys.isEmpty() ? AnswerByDefault::Agree : AnswerByDefault::Refuse;
   if (!messages.AskYesNo(QStringLiteral(": Confirmation"), QString(),
                          QStringLiteral("The config file needs to be updated. "),
-                         QStringLiteral("Is it OK to proceed?"))) {
+                         QStringLiteral("Is it OK to proceed?"), byDefault)) {
     return false;
   }
   if (!UpgradeWholly(path, comparison)) {

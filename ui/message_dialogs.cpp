@@ -4,6 +4,7 @@
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QPushButton>
 #include <QScreen>
 #include <QScrollArea>
 #include <QScrollBar>
@@ -112,7 +113,7 @@ QString MessageCaption(const QString& suffix) {
 
 MessageDialog::MessageDialog(QWidget* owner, const QString& name, const QString& caption,
                              const std::vector<MessageLine>& lines, const std::vector<MessageButton>& buttons,
-                             bool warningPicture)
+                             AnswerByDefault byDefault, bool warningPicture)
     : PlacedDialog(owner,
                    Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint) {
   setObjectName(name);
@@ -129,7 +130,7 @@ MessageDialog::MessageDialog(QWidget* owner, const QString& name, const QString&
   whole->addLayout(upper);
   QSize room = MostRoom().shrunkBy(FrameOf(*this)).shrunkBy(whole->contentsMargins());
   if (!buttons.empty()) {
-    QHBoxLayout* row = AddButtons(buttons);
+    QHBoxLayout* row = AddButtons(buttons, byDefault);
     whole->addLayout(row);
     room.rheight() -= row->sizeHint().height() + whole->spacing();
   }
@@ -167,7 +168,7 @@ QWidget* MessageDialog::CreateText(const std::vector<MessageLine>& lines, QSize 
   return scroll;
 }
 
-QHBoxLayout* MessageDialog::AddButtons(const std::vector<MessageButton>& buttons) {
+QHBoxLayout* MessageDialog::AddButtons(const std::vector<MessageButton>& buttons, AnswerByDefault byDefault) {
   const QRect units = MapDialogUnits(font(), {0, 0, kButtonWidthUnits, 0});
   auto* row = new QHBoxLayout;
   row->setSpacing(MapDialogUnits(font(), {kGapUnits, 0, 0, 0}).x() * 2);
@@ -181,7 +182,9 @@ QHBoxLayout* MessageDialog::AddButtons(const std::vector<MessageButton>& buttons
       done(result != 0 ? Accepted : Rejected);
     });
     row->addWidget(button);
-    if (m_defaultButton == nullptr) m_defaultButton = button;
+    m_buttons.push_back(button);
+    const bool agrees = each.result != 0;
+    if (agrees == (byDefault == AnswerByDefault::Agree)) m_defaultButton = button;
   }
   row->addStretch();
   m_defaultButton->setDefault(true);
@@ -191,6 +194,24 @@ QHBoxLayout* MessageDialog::AddButtons(const std::vector<MessageButton>& buttons
 void MessageDialog::showEvent(QShowEvent* event) {
   PlacedDialog::showEvent(event);
   if (m_defaultButton != nullptr) m_defaultButton->setFocus();
+}
+
+void MessageDialog::keyPressEvent(QKeyEvent* event) {
+  if (QPushButton* button = ButtonOfKey(*event)) {
+    button->click();
+  } else {
+    PlacedDialog::keyPressEvent(event);
+  }
+}
+
+QPushButton* MessageDialog::ButtonOfKey(const QKeyEvent& event) const {
+  // With Shift or Alt it is still the letter; a key held down since before the box came up is no answer.
+  const Qt::KeyboardModifiers others = event.modifiers() & ~(Qt::ShiftModifier | Qt::AltModifier);
+  if (m_buttons.size() < 2 || others != Qt::NoModifier || event.isAutoRepeat()) return nullptr;
+  const auto found = std::find_if(m_buttons.begin(), m_buttons.end(), [&event](const QPushButton* button) {
+    return button->text().front().unicode() == event.key();
+  });
+  return found == m_buttons.end() ? nullptr : *found;
 }
 
 void MessageDialog::Place() {
@@ -206,7 +227,7 @@ void MessageDialog::Place() {
 CConfirmErr::CConfirmErr(QWidget* owner, const QString& suffix, const QString& line0, const QString& line1,
                          const QString& line2)
     : MessageDialog(owner, QStringLiteral("CConfirmErr"), MessageCaption(suffix),
-                    ErrorLines(line0, line1, line2), {Ok()}, true) {}
+                    ErrorLines(line0, line1, line2), {Ok()}, AnswerByDefault::Agree, true) {}
 
 CConfirmOK::CConfirmOK(QWidget* owner, const QString& suffix, const QString& line0, const QString& line1,
                        const QString& line2)
@@ -214,22 +235,22 @@ CConfirmOK::CConfirmOK(QWidget* owner, const QString& suffix, const QString& lin
                     ErrorLines(line0, line1, line2), {Ok()}) {}
 
 CConfirmYesCancel::CConfirmYesCancel(QWidget* owner, const QString& suffix, const QString& line0,
-                                     const QString& line1, const QString& line2)
+                                     const QString& line1, const QString& line2, AnswerByDefault byDefault)
     : MessageDialog(owner, QStringLiteral("CConfirmYesCancel"), MessageCaption(suffix),
-                    QuestionLines(line0, line1, line2), {Ok(), Cancel(kConfirmCancelId)}) {}
+                    QuestionLines(line0, line1, line2), {Ok(), Cancel(kConfirmCancelId)}, byDefault) {}
 
-CConfirmSimple::CConfirmSimple(QWidget* owner, const QString& text)
+CConfirmSimple::CConfirmSimple(QWidget* owner, const QString& text, AnswerByDefault byDefault)
     : MessageDialog(owner, QStringLiteral("CConfirmSimple"), QStringLiteral("Quarn - Confirmation"),
-                    {{kQuestionId, "message", text}}, {Ok(), Cancel(kCancelId)}) {}
+                    {{kQuestionId, "message", text}}, {Ok(), Cancel(kCancelId)}, byDefault) {}
 
-CYesNo::CYesNo(QWidget* owner, const QString& text)
+CYesNo::CYesNo(QWidget* owner, const QString& text, AnswerByDefault byDefault)
     : MessageDialog(owner, QStringLiteral("CYesNo"), QStringLiteral("Quarn -  Confirmation"),
-                    {{kQuestionId, "message", text}}, {Yes(), No()}) {}
+                    {{kQuestionId, "message", text}}, {Yes(), No()}, byDefault) {}
 
 CConfirmYesNo::CConfirmYesNo(QWidget* owner, const QString& suffix, const QString& line0,
-                             const QString& line1, const QString& line2)
+                             const QString& line1, const QString& line2, AnswerByDefault byDefault)
     : MessageDialog(owner, QStringLiteral("CConfirmYesNo"), MessageCaption(suffix),
-                    QuestionLines(line0, line1, line2), {Yes(), No()}) {}
+                    QuestionLines(line0, line1, line2), {Yes(), No()}, byDefault) {}
 
 COneshotMsgPos::COneshotMsgPos(QWidget* owner, const QString& text, std::optional<QPoint> position,
                                int displayMs)

@@ -7,6 +7,7 @@
 #include <optional>
 #include <vector>
 
+#include "ui/message_operations.h"
 #include "ui/placed_dialog.h"
 
 class QHBoxLayout;
@@ -30,9 +31,10 @@ struct MessageButton {
   int result;  ///< what Answer gives after this button
 };
 
-/// A small modal box: lines from top to bottom (empty ones take no room), buttons from left to right, the
-/// first of them the default and the one with the focus. It grows with its text up to nine tenths of the
-/// screen; longer lines wrap, and what is still too tall scrolls. Nothing is clipped.
+/// A small modal box: lines from top to bottom (empty ones take no room), buttons from left to right. The
+/// button of the answer by default has the focus; where there are two, the letter that a button begins with
+/// presses it. The box grows with its text up to nine tenths of the screen; longer lines wrap, and what is
+/// still too tall scrolls. Nothing is clipped.
 class MessageDialog : public PlacedDialog {
  public:
   /// 0 until a button says otherwise; also after the close box or Escape.
@@ -41,8 +43,9 @@ class MessageDialog : public PlacedDialog {
  protected:
   MessageDialog(QWidget* owner, const QString& name, const QString& caption,
                 const std::vector<MessageLine>& lines, const std::vector<MessageButton>& buttons,
-                bool warningPicture = false);
+                AnswerByDefault byDefault = AnswerByDefault::Agree, bool warningPicture = false);
   void showEvent(QShowEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
   void Place() override;
 
   std::optional<QPoint> m_position;
@@ -50,8 +53,11 @@ class MessageDialog : public PlacedDialog {
  private:
   /// The lines one below the other, in no more than `room`.
   QWidget* CreateText(const std::vector<MessageLine>& lines, QSize room);
-  QHBoxLayout* AddButtons(const std::vector<MessageButton>& buttons);
+  QHBoxLayout* AddButtons(const std::vector<MessageButton>& buttons, AnswerByDefault byDefault);
+  /// The button that this key presses wherever the focus is; null when there is none.
+  [[nodiscard]] QPushButton* ButtonOfKey(const QKeyEvent& event) const;
 
+  std::vector<QPushButton*> m_buttons;
   QPushButton* m_defaultButton = nullptr;
   int m_answer = 0;
 };
@@ -74,7 +80,7 @@ class CConfirmOK final : public MessageDialog {
 class CConfirmYesCancel final : public MessageDialog {
  public:
   CConfirmYesCancel(QWidget* owner, const QString& suffix, const QString& line0, const QString& line1,
-                    const QString& line2);
+                    const QString& line2, AnswerByDefault byDefault = AnswerByDefault::Agree);
 };
 
 /// What the two simple questions ask when their caller has no text of its own.
@@ -83,20 +89,22 @@ inline constexpr char16_t kDefaultQuestion[] = u"OK to execute ?";
 /// One line with OK and CANCEL; Answer is 1 for OK.
 class CConfirmSimple final : public MessageDialog {
  public:
-  explicit CConfirmSimple(QWidget* owner, const QString& text = QString::fromUtf16(kDefaultQuestion));
+  explicit CConfirmSimple(QWidget* owner, const QString& text = QString::fromUtf16(kDefaultQuestion),
+                          AnswerByDefault byDefault = AnswerByDefault::Agree);
 };
 
 /// One line with YES and NO; Answer is 1 for YES.
 class CYesNo final : public MessageDialog {
  public:
-  explicit CYesNo(QWidget* owner, const QString& text = QString::fromUtf16(kDefaultQuestion));
+  explicit CYesNo(QWidget* owner, const QString& text = QString::fromUtf16(kDefaultQuestion),
+                  AnswerByDefault byDefault = AnswerByDefault::Agree);
 };
 
 /// A question with YES and NO; Answer is 1 for YES.
 class CConfirmYesNo final : public MessageDialog {
  public:
   CConfirmYesNo(QWidget* owner, const QString& suffix, const QString& line0, const QString& line1,
-                const QString& line2);
+                const QString& line2, AnswerByDefault byDefault = AnswerByDefault::Agree);
 };
 
 /// One line that closes by itself; Escape, Enter and the close box send it away earlier.

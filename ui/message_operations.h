@@ -6,6 +6,12 @@
 
 namespace quarn {
 
+/// The answer that Enter gives to a question unless its person chooses the other: the one that loses nothing.
+enum class AnswerByDefault {
+  Agree,
+  Refuse,  ///< agreeing can lose something
+};
+
 /// Everything the program ever tells or asks its user in a box of its own. Plain Qt Core, so that every
 /// layer may call it and every test may answer it. All calls are made on the user-interface thread and
 /// return when the box is gone.
@@ -22,14 +28,14 @@ class MessageOperations {
                                       const QString& line1, const QString& line2) = 0;
   /// OK and CANCEL. True only when OK was pressed.
   virtual bool AskConfirmation(const QString& captionSuffix, const QString& line0, const QString& line1,
-                               const QString& line2) = 0;
+                               const QString& line2, AnswerByDefault byDefault = AnswerByDefault::Agree) = 0;
   /// YES and NO. True only when YES was pressed.
   virtual bool AskYesNo(const QString& captionSuffix, const QString& line0, const QString& line1,
-                        const QString& line2) = 0;
+                        const QString& line2, AnswerByDefault byDefault = AnswerByDefault::Agree) = 0;
   /// One line with OK and CANCEL, under a caption of its own. True only when OK was pressed.
-  virtual bool AskSimple(const QString& text) = 0;
+  virtual bool AskSimple(const QString& text, AnswerByDefault byDefault = AnswerByDefault::Agree) = 0;
   /// One line with YES and NO, under a caption of its own. True only when YES was pressed.
-  virtual bool AskSimpleYesNo(const QString& text) = 0;
+  virtual bool AskSimpleYesNo(const QString& text, AnswerByDefault byDefault = AnswerByDefault::Agree) = 0;
   /// One line that goes away by itself after 2000 ms; centred, or at `position` (screen coordinates).
   virtual void ShowTransientMessage(const QString& text, std::optional<QPoint> position = {}) = 0;
   /// A plain box with the program's name as caption and one OK button.

@@ -1,62 +1,62 @@
 #include "ui/window_messages.h"
 
-#include <QApplication>
 #include <QMessageBox>
 
 #include "identity.h"
+#include "ui/box.h"
 #include "ui/message_dialogs.h"
 
 namespace quarn {
 namespace {
 
-QWidget* Owner() { return QApplication::activeWindow(); }
+/// What the person answered to a box made from these, which is gone by then.
+template <typename Box, typename... Parts>
+int AnswerTo(const Parts&... parts) {
+  Box box(nullptr, parts...);
+  RunBox(box);
+  return box.Answer();
+}
 
 }  // namespace
 
 void WindowMessages::ShowErrorMessage(const QString& captionSuffix, const QString& line0,
                                       const QString& line1, const QString& line2) {
-  CConfirmErr(Owner(), captionSuffix, line0, line1, line2).exec();
+  AnswerTo<CConfirmErr>(captionSuffix, line0, line1, line2);
 }
 
 void WindowMessages::ShowInformationMessage(const QString& captionSuffix, const QString& line0,
                                             const QString& line1, const QString& line2) {
-  CConfirmOK(Owner(), captionSuffix, line0, line1, line2).exec();
+  AnswerTo<CConfirmOK>(captionSuffix, line0, line1, line2);
 }
 
 bool WindowMessages::AskConfirmation(const QString& captionSuffix, const QString& line0, const QString& line1,
-                                     const QString& line2) {
-  CConfirmYesCancel box(Owner(), captionSuffix, line0, line1, line2);
-  box.exec();
-  return box.Answer() == 1;
+                                     const QString& line2, AnswerByDefault byDefault) {
+  return AnswerTo<CConfirmYesCancel>(captionSuffix, line0, line1, line2, byDefault) == 1;
 }
 
 bool WindowMessages::AskYesNo(const QString& captionSuffix, const QString& line0, const QString& line1,
-                              const QString& line2) {
-  CConfirmYesNo box(Owner(), captionSuffix, line0, line1, line2);
-  box.exec();
-  return box.Answer() == 1;
+                              const QString& line2, AnswerByDefault byDefault) {
+  return AnswerTo<CConfirmYesNo>(captionSuffix, line0, line1, line2, byDefault) == 1;
 }
 
-bool WindowMessages::AskSimple(const QString& text) {
-  CConfirmSimple box(Owner(), text);
-  box.exec();
-  return box.Answer() == 1;
+bool WindowMessages::AskSimple(const QString& text, AnswerByDefault byDefault) {
+  return AnswerTo<CConfirmSimple>(text, byDefault) == 1;
 }
 
-bool WindowMessages::AskSimpleYesNo(const QString& text) {
-  CYesNo box(Owner(), text);
-  box.exec();
-  return box.Answer() == 1;
+bool WindowMessages::AskSimpleYesNo(const QString& text, AnswerByDefault byDefault) {
+  return AnswerTo<CYesNo>(text, byDefault) == 1;
 }
 
 void WindowMessages::ShowTransientMessage(const QString& text, std::optional<QPoint> position) {
-  COneshotMsgPos(Owner(), text, position).exec();
+  AnswerTo<COneshotMsgPos>(text, position);
 }
 
 void WindowMessages::ShowPlainMessage(const QString& text) {
-  QMessageBox box(QMessageBox::NoIcon, QString::fromLatin1(identity::kName), text, QMessageBox::Ok, Owner());
+  QMessageBox box(QMessageBox::NoIcon, QString::fromLatin1(identity::kName), text, QMessageBox::Ok);
   box.setTextFormat(Qt::PlainText);
-  box.exec();
+  // Before this program has a window, another one's may lie over everything: the first start's splash.
+  if (WindowForBox() == nullptr) box.setWindowFlag(Qt::WindowStaysOnTopHint);
+  RunBox(box);
 }
 
 }  // namespace quarn

@@ -4,7 +4,8 @@
 
 namespace quarn {
 
-/// Messages as real boxes over the window that is active.
+/// Messages as real boxes over the window that is active. That window may close, or be gone, when the call
+/// returns.
 class WindowMessages final : public MessageOperations {
  public:
   void ShowErrorMessage(const QString& captionSuffix, const QString& line0, const QString& line1,
@@ -12,11 +13,11 @@ class WindowMessages final : public MessageOperations {
   void ShowInformationMessage(const QString& captionSuffix, const QString& line0, const QString& line1,
                               const QString& line2) override;
   bool AskConfirmation(const QString& captionSuffix, const QString& line0, const QString& line1,
-                       const QString& line2) override;
+                       const QString& line2, AnswerByDefault byDefault) override;
   bool AskYesNo(const QString& captionSuffix, const QString& line0, const QString& line1,
-                const QString& line2) override;
-  bool AskSimple(const QString& text) override;
-  bool AskSimpleYesNo(const QString& text) override;
+                const QString& line2, AnswerByDefault byDefault) override;
+  bool AskSimple(const QString& text, AnswerByDefault byDefault) override;
+  bool AskSimpleYesNo(const QString& text, AnswerByDefault byDefault) override;
   void ShowTransientMessage(const QString& text, std::optional<QPoint> position) override;
   void ShowPlainMessage(const QString& text) override;
 };

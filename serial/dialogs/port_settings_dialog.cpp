@@ -159,7 +159,8 @@ void CPortSettings::Set() {
 void CPortSettings::RestoreDefaults() {
   if (!Context().Messages().AskConfirmation(
           Confirmation(), QString(),
-          QStringLiteral("Are you sure you want to restore the default settings? "), QString())) {
+          QStringLiteral("Are you sure you want to restore the default settings? "), QString(),
+          AnswerByDefault::Refuse)) {
     return;
   }
   m_working = DefaultLineValues();

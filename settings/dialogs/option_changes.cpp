@@ -44,7 +44,7 @@ void ChangeInputMax(const DialogContext& context, const OptionBinding& option, c
   if (context.state.open.terminalScreen) {
     if (!context.Messages().AskYesNo(QStringLiteral(": Confirmation"),
                                      QStringLiteral("Is it OK to clear the operation log ?"), QString(),
-                                     QString())) {
+                                     QString(), AnswerByDefault::Refuse)) {
       return;
     }
   }

@@ -259,7 +259,10 @@ void CSetMem::Undo() {
   const Busy busy(*this);
   ReadFields();
   if (!m_table.CanUndo()) return;
-  if (!m_context.messages.AskSimple(QStringLiteral("OK to discard the updated data ?"))) return;
+  if (!m_context.messages.AskSimple(QStringLiteral("OK to discard the updated data ?"),
+                                    AnswerByDefault::Refuse)) {
+    return;
+  }
   m_table.Undo();
   m_context.state.requests.terminalRefresh = true;
   ShowTexts();

@@ -213,7 +213,7 @@ void CTerminalScreen::ClearAllLogEntries() {
   const Busy busy(*this);
   if (m_context.messages.AskConfirmation(QStringLiteral(": Confirmation"),
                                          QStringLiteral("Is it OK to to clear all operation log ?"),
-                                         QString(), QString())) {
+                                         QString(), QString(), AnswerByDefault::Refuse)) {
     ResetLog();
   }
 }

@@ -98,8 +98,13 @@ TEST_F(Window, ClearingTheLogAsksAndClears) {
   Press({QStringLiteral("Escape")});
   ASSERT_TRUE(WaitForNoWindow(QStringLiteral("^Quarn : Confirmation$")));
   EXPECT_TRUE(TerminalTitleBecomes(QStringLiteral("Quarn - Terminal Screeen (COM3)  N- INS  [ 1-2  ]")));
+  // Enter loses nothing.
   choose();
   Press({QStringLiteral("Return")});
+  ASSERT_TRUE(WaitForNoWindow(QStringLiteral("^Quarn : Confirmation$")));
+  EXPECT_TRUE(TerminalTitleBecomes(QStringLiteral("Quarn - Terminal Screeen (COM3)  N- INS  [ 1-2  ]")));
+  choose();
+  Press({QStringLiteral("o")});
   EXPECT_TRUE(TerminalTitleBecomes(QStringLiteral("Quarn - Terminal Screeen (COM3)  N- INS")));
 }
 

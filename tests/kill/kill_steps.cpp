@@ -17,12 +17,15 @@ class SilentMessages final : public MessageOperations {
  public:
   void ShowErrorMessage(const QString&, const QString&, const QString&, const QString&) override {}
   void ShowInformationMessage(const QString&, const QString&, const QString&, const QString&) override {}
-  bool AskConfirmation(const QString&, const QString&, const QString&, const QString&) override {
+  bool AskConfirmation(const QString&, const QString&, const QString&, const QString&,
+                       AnswerByDefault) override {
     return false;
   }
-  bool AskYesNo(const QString&, const QString&, const QString&, const QString&) override { return false; }
-  bool AskSimple(const QString&) override { return false; }
-  bool AskSimpleYesNo(const QString&) override { return false; }
+  bool AskYesNo(const QString&, const QString&, const QString&, const QString&, AnswerByDefault) override {
+    return false;
+  }
+  bool AskSimple(const QString&, AnswerByDefault) override { return false; }
+  bool AskSimpleYesNo(const QString&, AnswerByDefault) override { return false; }
   void ShowTransientMessage(const QString&, std::optional<QPoint>) override {}
   void ShowPlainMessage(const QString&) override {}
 };

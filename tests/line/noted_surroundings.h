@@ -19,19 +19,20 @@ class NotedMessages final : public MessageOperations {
   void ShowInformationMessage(const QString&, const QString&, const QString&, const QString&) override {
     m_journal.Note("information box");
   }
-  bool AskConfirmation(const QString&, const QString&, const QString&, const QString&) override {
+  bool AskConfirmation(const QString&, const QString&, const QString&, const QString&,
+                       AnswerByDefault) override {
     m_journal.Note("question");
     return false;
   }
-  bool AskYesNo(const QString&, const QString&, const QString&, const QString&) override {
+  bool AskYesNo(const QString&, const QString&, const QString&, const QString&, AnswerByDefault) override {
     m_journal.Note("yes or no");
     return false;
   }
-  bool AskSimple(const QString&) override {
+  bool AskSimple(const QString&, AnswerByDefault) override {
     m_journal.Note("simple question");
     return false;
   }
-  bool AskSimpleYesNo(const QString&) override {
+  bool AskSimpleYesNo(const QString&, AnswerByDefault) override {
     m_journal.Note("simple yes or no");
     return false;
   }

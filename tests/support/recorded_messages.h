@@ -3,17 +3,20 @@
 #include <QStringList>
 #include <deque>
 #include <functional>
+#include <vector>
 
 #include "ui/message_operations.h"
 
 namespace quarn::test {
 
 /// Messages written down instead of shown, one text each: kind, suffix and lines parted by "/". Questions
-/// get the answers laid out beforehand, and No when these have run out.
+/// get the answers laid out beforehand, and No when these have run out. `defaults` keeps what each question
+/// was asked to begin on.
 class RecordedMessages final : public MessageOperations {
  public:
   QStringList shown;
   std::deque<bool> answers;
+  std::vector<AnswerByDefault> defaults;
   /// Called while a message is up, as another window's timer would be.
   std::function<void()> whileShown;
 
@@ -26,20 +29,24 @@ class RecordedMessages final : public MessageOperations {
     Record(QStringLiteral("information"), {captionSuffix, line0, line1, line2});
   }
   bool AskConfirmation(const QString& captionSuffix, const QString& line0, const QString& line1,
-                       const QString& line2) override {
+                       const QString& line2, AnswerByDefault byDefault) override {
+    defaults.push_back(byDefault);
     Record(QStringLiteral("question"), {captionSuffix, line0, line1, line2});
     return NextAnswer();
   }
   bool AskYesNo(const QString& captionSuffix, const QString& line0, const QString& line1,
-                const QString& line2) override {
+                const QString& line2, AnswerByDefault byDefault) override {
+    defaults.push_back(byDefault);
     Record(QStringLiteral("yes or no"), {captionSuffix, line0, line1, line2});
     return NextAnswer();
   }
-  bool AskSimple(const QString& text) override {
+  bool AskSimple(const QString& text, AnswerByDefault byDefault) override {
+    defaults.push_back(byDefault);
     Record(QStringLiteral("simple question"), {text});
     return NextAnswer();
   }
-  bool AskSimpleYesNo(const QString& text) override {
+  bool AskSimpleYesNo(const QString& text, AnswerByDefault byDefault) override {
+    defaults.push_back(byDefault);
     Record(QStringLiteral("simple yes or no"), {text});
     return NextAnswer();
   }
