@@ -18,6 +18,7 @@
 #include "ui/control.h"
 #include "ui/pictures.h"
 #include "ui/placement.h"
+#include "ui/tool_tip.h"
 
 namespace quarn {
 namespace {
@@ -131,7 +132,7 @@ void CQuarnDlg::SetTitle(const QString& suffix) {
 void CQuarnDlg::ShowUserFile() {
   if (m_program.userFile.isEmpty()) {
     m_status->setText(QStringLiteral("[ Internal Configuration State ]"));
-    m_status->setToolTip(QString());
+    SetPlainToolTip(*m_status, QString());
     return;
   }
   const auto status = [](const QString& path) { return QStringLiteral("( ") + path + QStringLiteral(" )"); };
@@ -141,7 +142,8 @@ void CQuarnDlg::ShowUserFile() {
   // As the system writes it; the file dialogs write other separators.
   const QString path = QDir::toNativeSeparators(m_program.userFile);
   m_status->setText(status(ShortenPath(path, fits)));
-  m_status->setToolTip(path);
+  // A path says most at its two ends.
+  SetPlainToolTip(*m_status, path, Qt::ElideMiddle);
 }
 
 void CQuarnDlg::PlaceByPercent(int xPercent, int yPercent) {

@@ -13,6 +13,7 @@
 #include "ui/dialog_grid.h"
 #include "ui/placement.h"
 #include "ui/radio_group.h"
+#include "ui/tool_tip.h"
 
 namespace quarn {
 namespace {
@@ -116,7 +117,8 @@ void CPortDetails::FillRows() {
         FittingDescription(port.description, row.description->fontMetrics(),
                            row.description->width() - DialogGrid(*this).Width(DialogGrid::kGap));
     row.description->setText(fitting);
-    row.description->setToolTip(fitting == port.description ? QString() : port.description.toHtmlEscaped());
+    SetPlainToolTip(*row.description, fitting == port.description ? QString() : port.description,
+                    Qt::ElideMiddle);
     row.description->setAccessibleName(port.description);
     row.radio->setText(port.port);
     row.radio->setAccessibleName(port.description);

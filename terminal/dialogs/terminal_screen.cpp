@@ -5,7 +5,6 @@
 #include <QPaintEvent>
 #include <QPainter>
 #include <QShowEvent>
-#include <QTextDocument>
 #include <utility>
 
 #include "terminal/dialogs/terminal_font.h"
@@ -13,6 +12,7 @@
 #include "ui/control.h"
 #include "ui/placement.h"
 #include "ui/static_text.h"
+#include "ui/tool_tip.h"
 
 namespace quarn {
 namespace {
@@ -31,13 +31,6 @@ QColor BackgroundOf(ColourScheme scheme) {
       break;
   }
   return QApplication::palette().color(QPalette::Button);
-}
-
-/// The text as a tool tip shows it: a stored command that looks like markup must not be taken for it.
-QString AsToolTip(const QString& text) {
-  return Qt::mightBeRichText(text)
-             ? QStringLiteral("<span style=\"white-space:pre\">%1</span>").arg(text.toHtmlEscaped())
-             : text;
 }
 
 /// A size at which the button's caption fits, at most the dialog's own: the buttons' rectangles are fixed.
@@ -173,7 +166,7 @@ void CTerminalScreen::ApplyToolTips() {
   for (std::size_t i = 0; i < m_buttons.size(); ++i) {
     const int index = kTerminalButtons[i].storedCommand;
     if (index < 0) continue;
-    m_buttons[i]->setToolTip(AsToolTip(m_context.settings.mem[static_cast<std::size_t>(index)]));
+    SetPlainToolTip(*m_buttons[i], m_context.settings.mem[static_cast<std::size_t>(index)]);
   }
 }
 
