@@ -88,7 +88,7 @@ void CheckFile(QByteArrayView bytes) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const bool installed = [] {
-    quarn::SetBoundsErrorHandler([](const char*) { throw quarn::BoundsError{}; });
+    quarn::SetBoundsErrorHandler([](const quarn::PassedLimit&) { throw quarn::BoundsError{}; });
     return true;
   }();
   if (installed) quarn::CheckFile(QByteArrayView(data, static_cast<qsizetype>(size)));

@@ -85,7 +85,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   static const bool prepared = [] {
     // Every file that cannot be read would be noted.
     QLoggingCategory::setFilterRules(QStringLiteral("quarn.settings.debug=false"));
-    quarn::SetBoundsErrorHandler([](const char*) { throw quarn::BoundsError{}; });
+    quarn::SetBoundsErrorHandler([](const quarn::PassedLimit&) { throw quarn::BoundsError{}; });
     return true;
   }();
   if (!prepared) return 0;

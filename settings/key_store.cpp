@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include "settings/bounds.h"
 #include "settings/settings_table.h"
 #include "settings/settings_text.h"
 
@@ -131,11 +132,13 @@ bool WriteWholeText(const QString& path, const QString& text) {
 }
 
 std::optional<QString> ReadValue(const QString& path, SettingsKey key) {
+  const BoundsFile file(path);
   const std::optional<QString> text = ReadText(path);
   return text ? FindValue(*text, key) : std::nullopt;
 }
 
 bool UpdateValue(const QString& path, SettingsKey key, const QString& value) {
+  const BoundsFile file(path);
   const std::optional<QString> text = ReadText(path);
   if (!text) return true;
   const ValueUpdate update = UpdateText(*text, key, value);
@@ -144,6 +147,7 @@ bool UpdateValue(const QString& path, SettingsKey key, const QString& value) {
 }
 
 int ListEntries(const QString& path, QStringList& entries) {
+  const BoundsFile file(path);
   entries.clear();
   if (ClassifyPath(path) != PathKind::File) return kListNoFile;
   const std::optional<QString> text = ReadWholeText(path);
@@ -159,6 +163,7 @@ bool WriteDefaultFile(const QString& path) {
 }
 
 bool AddKeyLine(const QString& path, const QString& line) {
+  const BoundsFile file(path);
   const std::optional<QString> text = ReadWholeText(path);
   if (!text) return false;
   const std::optional<QString> longer = TextWithKeyLine(*text, line);
@@ -166,6 +171,7 @@ bool AddKeyLine(const QString& path, const QString& line) {
 }
 
 bool RemoveKey(const QString& path, SettingsKey key) {
+  const BoundsFile file(path);
   const std::optional<QString> text = ReadWholeText(path);
   if (!text) return false;
   const std::optional<QString> shorter = TextWithoutKey(*text, key);

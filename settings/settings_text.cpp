@@ -71,7 +71,8 @@ std::optional<QString> FindValue(const QString& text, SettingsKey key) {
   KeyLine line;
   if (FindKeyLine(text, key, line) != SearchEnd::Found) return std::nullopt;
   const qsizetype length = line.lineEnd - line.valueStart;
-  RequireWithinBounds("value", kMaxValueCharacters, length);
+  const qsizetype number = 1 + QStringView(text).first(line.valueStart).count(u'\n');
+  RequireWithinBounds("value", kMaxValueCharacters, length, number);
   return text.mid(line.valueStart, length);
 }
 

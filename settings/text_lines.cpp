@@ -13,7 +13,7 @@ QStringList SplitTextLines(QStringView text, QChar terminator) {
   while (start < text.size() && lines.size() < kMaxLines) {
     qsizetype end = text.indexOf(terminator, start);
     if (end < 0) end = text.size();
-    RequireWithinBounds("line", kMaxLineCharacters, end - start);
+    RequireWithinBounds("line", kMaxLineCharacters, end - start, lines.size() + 1);
     lines.append(text.sliced(start, end - start).toString());
     start = end + 1;
   }

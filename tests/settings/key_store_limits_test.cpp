@@ -56,7 +56,7 @@ TEST_F(KeyStoreLimitsDeathTest, AnUpdatedTextHas16383CharactersAtMost) {
   const QByteArray bytes = FileOf(16380, "");
   const QString path = WithBytes(bytes);
   EXPECT_DEATH(UpdateValue(path, keys::kMem[0], QStringLiteral("four")),
-               "^quarn: bounds error: updated text of 16384 characters, at most 16383 fit\n$");
+               "^quarn: bounds error: updated text of 16384 characters, at most 16383 fit: .*Quarn.ini\n$");
   EXPECT_EQ(BytesOf(path), bytes);
   EXPECT_EQ(FilesInFolder(), QStringList{QStringLiteral("Quarn.ini")});
   EXPECT_TRUE(UpdateValue(path, keys::kMem[0], QStringLiteral("abc")));
@@ -77,7 +77,7 @@ TEST_F(KeyStoreLimitsDeathTest, AValueHas1023CharactersAtMost) {
   const QByteArray bytes = "MEM1=fine\nMEM0=" + QByteArray(1024, 'x') + "\n";
   const QString path = WithBytes(bytes);
   EXPECT_DEATH((void)ReadValue(path, keys::kMem[0]),
-               "^quarn: bounds error: value of 1024 characters, at most 1023 fit\n$");
+               "^quarn: bounds error: value of 1024 characters, at most 1023 fit: line 2 of .*Quarn.ini\n$");
   EXPECT_EQ(BytesOf(path), bytes);
   EXPECT_EQ(ReadValue(path, keys::kMem[1]), QStringLiteral("fine"));
 }
@@ -96,7 +96,8 @@ TEST_F(KeyStoreLimitsDeathTest, ASplitLineHas1023CharactersAtMost) {
   EXPECT_EQ(ListEntries(WithBytes(".BEGIN\n" + QByteArray(1023, 'x') + "\n.END\n"), entries), 1);
   const QByteArray bytes = ".BEGIN\nA=1\n.END\n" + QByteArray(1024, 'x');
   const QString path = WithBytes(bytes);
-  const char* message = "^quarn: bounds error: line of 1024 characters, at most 1023 fit\n$";
+  const char* message =
+      "^quarn: bounds error: line of 1024 characters, at most 1023 fit: line 4 of .*Quarn.ini\n$";
   EXPECT_DEATH(ListEntries(path, entries), message);
   EXPECT_DEATH(AddKeyLine(path, QStringLiteral("B=2")), message);
   EXPECT_DEATH(RemoveKey(path, SettingsKey(u"A=")), message);
@@ -106,7 +107,7 @@ TEST_F(KeyStoreLimitsDeathTest, ASplitLineHas1023CharactersAtMost) {
 TEST_F(KeyStoreLimitsDeathTest, AnAddedKeyPartHas79CharactersAtMost) {
   const QByteArray bytes = ".BEGIN\nA=1\n.END\n";
   const QString path = WithBytes(bytes);
-  const char* message = "^quarn: bounds error: key part of 80 characters, at most 79 fit\n$";
+  const char* message = "^quarn: bounds error: key part of 80 characters, at most 79 fit: .*Quarn.ini\n$";
   EXPECT_DEATH(AddKeyLine(path, Filled(79) + QStringLiteral("=1")), message);
   EXPECT_DEATH(AddKeyLine(path, Filled(80)), message);
   EXPECT_EQ(BytesOf(path), bytes);
@@ -132,8 +133,8 @@ TEST_F(KeyStoreLimitsDeathTest, ASaveAllThatGrowsTooLargeKeepsWhatItHadSaved) {
   record.mem[1] = Filled(1000);
   // Not in another process: that would have a file of its own.
   struct PassedTheLimit {};
-  SetBoundsErrorHandler([](const char* limitName) {
-    EXPECT_STREQ(limitName, "updated text");
+  SetBoundsErrorHandler([](const PassedLimit& passed) {
+    EXPECT_STREQ(passed.name, "updated text");
     throw PassedTheLimit();
   });
   EXPECT_THROW(SaveAllSettings(path, record), PassedTheLimit);

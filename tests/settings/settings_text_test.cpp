@@ -67,7 +67,7 @@ TEST(KeyPart, ReachesToTheFirstEqualsSign) {
 struct Seen {};
 
 TEST(BoundsErrorHandler, MayLeaveByThrowing) {
-  const BoundsErrorHandler before = SetBoundsErrorHandler([](const char*) { throw Seen{}; });
+  const BoundsErrorHandler before = SetBoundsErrorHandler([](const PassedLimit&) { throw Seen{}; });
   EXPECT_THROW((void)FindValue(QStringLiteral("A=") + QString(1024, u'x'), SettingsKey(u"A=")), Seen);
   EXPECT_NE(SetBoundsErrorHandler(before), nullptr);
 }
@@ -75,7 +75,8 @@ TEST(BoundsErrorHandler, MayLeaveByThrowing) {
 TEST(BoundsErrorHandlerDeathTest, CannotLetTheProgramGoOn) {
   EXPECT_DEATH(
       {
-        SetBoundsErrorHandler([](const char* limit) { std::fprintf(stderr, "told: %s\n", limit); });
+        SetBoundsErrorHandler(
+            [](const PassedLimit& passed) { std::fprintf(stderr, "told: %s\n", passed.name); });
         FatalBoundsError("value", 1023, 1024);
       },
       "^told: value\nquarn: bounds error: value of 1024 characters, at most 1023 fit\n$");
