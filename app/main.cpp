@@ -2,6 +2,7 @@
 #include <cstdlib>
 
 #include "app/command_line_file.h"
+#include "app/fatal_limits.h"
 #include "app/program.h"
 #include "app/start_up.h"
 #include "app/terminal_output.h"
@@ -33,6 +34,7 @@ int main(int argc, char* argv[]) {
   const QString ports = quarn::PortsFolder(folder);
   quarn::Program program(folder, quarn::CreateLineOpener(ports), quarn::CreatePortSource(ports),
                          std::make_unique<quarn::WindowMessages>(), std::make_unique<quarn::WaitCursor>());
+  const quarn::FatalLimits limits(program);
   quarn::WindowStage stage(program, QApplication::arguments());
   if (StartUp(program, stage) != quarn::StartUpResult::Running) return EXIT_FAILURE;
   return QApplication::exec();

@@ -18,7 +18,7 @@ namespace {
 constexpr QRect kUnits{0, 0, 220, 82};
 constexpr int kMarginUnits = 14;
 constexpr int kGapUnits = 4;
-constexpr int kLogoUnits = 52;
+constexpr int kSplashLogoUnits = 52;
 
 }  // namespace
 
@@ -33,7 +33,7 @@ CSplashPage::CSplashPage(QWidget* owner, int displayMs)
   row->setContentsMargins(units.x(), 0, units.x(), 0);
   row->setSpacing(units.x());
   row->addStretch();
-  row->addWidget(CreateLogoLabel(*this, kLogoUnits), 0, Qt::AlignVCenter);
+  row->addWidget(CreateLogoLabel(*this, kSplashLogoUnits), 0, Qt::AlignVCenter);
   auto* column = new QVBoxLayout;
   column->setSpacing(units.y());
   column->addStretch();

@@ -1,0 +1,61 @@
+#include "app/fatal_limits.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QThread>
+#include <utility>
+
+#include "serial/open_port.h"
+#include "settings/bounds.h"
+
+namespace quarn {
+namespace {
+
+Program* g_program = nullptr;
+
+/// A long name in pieces between which a box may begin a new line.
+QString Breakable(const QString& name) {
+  constexpr qsizetype kPiece = 80;
+  constexpr char16_t kZeroWidthSpace = 0x200B;
+  QString broken;
+  for (qsizetype start = 0; start < name.size(); start += kPiece) {
+    if (start > 0) broken += QChar(kZeroWidthSpace);
+    broken += QStringView(name).mid(start, kPiece);
+  }
+  return broken;
+}
+
+QString TextOf(PassedLimit passed) {
+  const QString file = std::exchange(passed.file, QString());
+  QString text =
+      QStringLiteral("Quarn cannot go on and ends: a limit has been passed.\n\n%1.").arg(Describe(passed));
+  if (!file.isEmpty()) text += QStringLiteral("\n\nFile: ") + Breakable(QDir::toNativeSeparators(file));
+  if (passed.line > 0) text += QStringLiteral("\nLine: %1").arg(passed.line);
+  return text;
+}
+
+void TellBeforeTheEnd(const PassedLimit& passed) {
+  if (QThread::currentThread() != QCoreApplication::instance()->thread()) return;
+  // Once: another one that is met while the box is up ends the program at once.
+  Program* program = std::exchange(g_program, nullptr);
+  if (program == nullptr) return;
+  ClosePort(program->connection);
+  program->connection.connected = false;
+  // No port is looked for, and none connected to, behind the box.
+  program->state.portBeingChosen = true;
+  program->messages->ShowPlainMessage(TextOf(passed));
+}
+
+}  // namespace
+
+FatalLimits::FatalLimits(Program& program) {
+  g_program = &program;
+  SetBoundsErrorHandler(TellBeforeTheEnd);
+}
+
+FatalLimits::~FatalLimits() {
+  SetBoundsErrorHandler(nullptr);
+  g_program = nullptr;
+}
+
+}  // namespace quarn
