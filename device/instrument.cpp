@@ -27,8 +27,16 @@ std::vector<Command> TakeCommands(std::string& received) {
   std::vector<Command> commands;
   while (true) {
     const bool framed = received.starts_with(kStx);
-    const std::size_t end = framed ? received.find(kEtx) : received.find_first_of("\r\n\x03");
-    if (end == std::string::npos) return commands;
+    const std::size_t end =
+        framed ? received.find_first_of("\x02\x03", 1) : received.find_first_of("\r\n\x02\x03");
+    if (end == std::string::npos) {
+      if (received.size() > kLongestCommandBytes) received.clear();
+      return commands;
+    }
+    if (received[end] == kStx) {
+      received.erase(0, end);
+      continue;
+    }
     const std::size_t start = framed ? 1 : 0;
     const std::size_t next = EndOfFraming(received, end);
     commands.push_back(
@@ -74,12 +82,13 @@ bool Instrument::WaitMs(int ms) {
 
 void Instrument::ReadWhatCame() {
   std::array<char, 4096> buffer{};
-  ssize_t count = 0;
-  while ((count = ::read(m_line.Descriptor(), buffer.data(), buffer.size())) > 0) {
+  // Once: what has come is looked through before there is more of it.
+  const ssize_t count = ::read(m_line.Descriptor(), buffer.data(), buffer.size());
+  if (count > 0) {
     const std::string_view bytes(buffer.data(), static_cast<std::size_t>(count));
     m_pending += bytes;
     const std::lock_guard guard(m_mutex);
-    m_received += bytes;
+    if (m_keepsRecord) m_received += bytes;
   }
   // The near side is held open here, so anything but "nothing there now" is the end of the line.
   if (count < 0 && errno != EAGAIN && errno != EINTR) m_running = false;

@@ -19,8 +19,11 @@ struct Command {
   std::string after;   ///< CR, LF, CR LF or ETX
 };
 
+/// A command that has no end by then is dropped; those who send to instruments keep well below it.
+inline constexpr std::size_t kLongestCommandBytes = 4096;
+
 /// Takes complete commands off the front of `received`: those that end in CR, LF, CR LF, or stand between
-/// STX and ETX.
+/// STX and ETX. An STX starts anew, whatever came before it. Leaves at most kLongestCommandBytes.
 std::vector<Command> TakeCommands(std::string& received);
 
 /// A simulated instrument on a pseudo-terminal. Run serves it in the calling thread until Stop, from any
@@ -35,7 +38,9 @@ class Instrument {
   [[nodiscard]] const std::string& NodePath() const { return m_line.NodePath(); }
   void Run();
   void Stop();
-  /// Everything that has arrived so far, byte for byte. Any thread.
+  /// From now on everything that arrives is kept for Received. Before Run.
+  void KeepRecord() { m_keepsRecord = true; }
+  /// Everything that has arrived since KeepRecord, byte for byte. Any thread.
   [[nodiscard]] std::string Received() const;
   /// Called in Run's thread right after the last byte of an answer has been written.
   void OnAnswered(std::function<void()> callback) { m_onAnswered = std::move(callback); }
@@ -53,6 +58,7 @@ class Instrument {
   PseudoTerminal m_line;
   int m_stop = -1;  ///< event descriptor, readable once Stop was called
   bool m_running = true;
+  bool m_keepsRecord = false;
   std::string m_pending;
   mutable std::mutex m_mutex;
   std::string m_received;

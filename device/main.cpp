@@ -1,6 +1,10 @@
+#include <fcntl.h>
 #include <pthread.h>
 #include <signal.h>
+#include <unistd.h>
 
+#include <array>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
@@ -10,6 +14,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <thread>
 
 #include "device/instrument.h"
@@ -73,13 +78,46 @@ sigset_t BlockEndingSignals() {
   return signals;
 }
 
+/// What a message repeats from the command line or a file steers no terminal.
+std::string SpelledOut(std::string_view text) {
+  std::string spelled;
+  for (const char each : text) {
+    const unsigned byte = static_cast<unsigned char>(each);
+    constexpr unsigned kFirstPrintable = 0x20;
+    constexpr unsigned kLastPrintable = 0x7E;
+    if (byte >= kFirstPrintable && byte <= kLastPrintable) {
+      spelled += each;
+    } else {
+      std::array<char, sizeof "<0xff>"> number{};
+      std::snprintf(number.data(), number.size(), "<0x%02x>", byte);
+      spelled += number.data();
+    }
+  }
+  return spelled;
+}
+
+/// On standard output, at once. Throws std::system_error.
+void Print(const std::string& text) {
+  if (std::fputs(text.c_str(), stdout) < 0 || std::fflush(stdout) != 0) {
+    throw std::system_error(errno, std::generic_category(), "standard output");
+  }
+}
+
+/// A standard stream that was closed before the start must not become the line's descriptor.
+void OccupyStandardStreams() {
+  for (const int stream : std::array{STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (fcntl(stream, F_GETFD) < 0) {
+      (void)::open("/dev/null", (stream == STDIN_FILENO ? O_WRONLY : O_RDONLY) | O_CLOEXEC);
+    }
+  }
+}
+
 int Serve(const Options& options) {
   const sigset_t signals = BlockEndingSignals();
   quarn::device::Instrument instrument(LoadRules(options.rules));
   std::optional<quarn::device::NodeLink> link;
   if (options.link) link.emplace(*options.link, instrument.NodePath());
-  std::printf("%s\n", instrument.NodePath().c_str());
-  std::fflush(stdout);
+  Print(instrument.NodePath() + '\n');
   std::thread watcher([&] {
     int signal = 0;
     sigwait(&signals, &signal);
@@ -95,21 +133,22 @@ int Serve(const Options& options) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc == 2 && std::string_view(argv[1]) == "--help") {
-    std::fputs(kUsage, stdout);
-    return EXIT_SUCCESS;
-  }
-  if (argc == 2 && std::string_view(argv[1]) == "--version") {
-    std::printf("quarn-device %s\n", quarn::identity::kShortVersion);
-    return EXIT_SUCCESS;
-  }
+  OccupyStandardStreams();
+  const std::string_view only = argc == 2 ? argv[1] : "";
   try {
-    return Serve(ParseArguments(argc, argv));
+    if (only == "--help") {
+      Print(kUsage);
+    } else if (only == "--version") {
+      Print(std::string("quarn-device ") + quarn::identity::kShortVersion + '\n');
+    } else {
+      return Serve(ParseArguments(argc, argv));
+    }
+    return EXIT_SUCCESS;
   } catch (const std::invalid_argument& error) {
-    std::fprintf(stderr, "quarn-device: %s\n%s", error.what(), kUsage);
+    std::fprintf(stderr, "quarn-device: %s\n%s", SpelledOut(error.what()).c_str(), kUsage);
     return kWrongUsage;
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "quarn-device: %s\n", error.what());
+    std::fprintf(stderr, "quarn-device: %s\n", SpelledOut(error.what()).c_str());
     return EXIT_FAILURE;
   }
 }

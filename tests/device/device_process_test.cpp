@@ -83,6 +83,55 @@ TEST_F(DeviceProcess, SaysWhatIsWrongWithTheRules) {
   EXPECT_TRUE(Complaint().contains("cannot be read"));
 }
 
+/// Kilobytes of memory that are its own.
+int OwnMemoryOf(qint64 process) {
+  QFile file(QStringLiteral("/proc/%1/status").arg(process));
+  EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+  for (const QByteArray& line : file.readAll().split('\n')) {
+    if (line.startsWith("RssAnon:")) return line.mid(8).trimmed().split(' ').first().toInt();
+  }
+  ADD_FAILURE() << "no such figure";
+  return 0;
+}
+
+TEST_F(DeviceProcess, DoesNotGrowWithWhatItHears) {
+  Start({});
+  QFile line(Node());
+  ASSERT_TRUE(line.open(QIODevice::ReadWrite | QIODevice::Unbuffered));
+  // Sent when everything before it has been heard.
+  const auto answers = [&line] {
+    EXPECT_EQ(line.write("\rmute\rid\r"), 9);
+    QByteArray answer;
+    while (!answer.endsWith("firmware 1.00\r")) {
+      const QByteArray more = line.read(1);
+      if (more.isEmpty()) return false;
+      answer += more;
+    }
+    return true;
+  };
+  ASSERT_TRUE(answers());
+  const int before = OwnMemoryOf(device.processId());
+  constexpr int kMegabytes = 8;
+  const QByteArray unclosed = "\x02" + QByteArray(1024 * 1024 - 1, 'x');
+  for (int i = 0; i < kMegabytes; ++i) {
+    for (qsizetype sent = 0; sent < unclosed.size();) {
+      const qint64 count = line.write(unclosed.constData() + sent, unclosed.size() - sent);
+      ASSERT_GT(count, 0);
+      sent += count;
+    }
+  }
+  ASSERT_TRUE(answers());
+  EXPECT_LT(OwnMemoryOf(device.processId()) - before, 1024 * kMegabytes / 4);
+  device.terminate();
+  EXPECT_EQ(ExitCode(), 0);
+}
+
+TEST_F(DeviceProcess, WhatItRepeatsSteersNoTerminal) {
+  Start({QStringLiteral("--\x1b[2J\u00b5")});
+  EXPECT_EQ(ExitCode(), 64);
+  EXPECT_TRUE(Complaint().startsWith("quarn-device: unknown argument: --<0x1b>[2J<0xc2><0xb5>\n"));
+}
+
 TEST_F(DeviceProcess, WrongUsageIs64) {
   for (const QStringList& arguments :
        {QStringList{QStringLiteral("--nonsense")}, QStringList{QStringLiteral("--link")}}) {

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <thread>
 
 #include "support/served_instrument.h"
 
@@ -43,6 +44,30 @@ TEST(TakeCommands, AnEmptyCommandIsOne) {
   const std::vector<Command> commands = TakeCommands(received);
   ASSERT_EQ(commands.size(), 1U);
   EXPECT_EQ(commands[0].text, "");
+}
+
+TEST(TakeCommands, AnStxStartsAnew) {
+  std::string received("\x02never closed\x02id\x03noise\x02two\x03");
+  const std::vector<Command> commands = TakeCommands(received);
+  ASSERT_EQ(commands.size(), 2U);
+  EXPECT_EQ(commands[0].text, "id");
+  EXPECT_EQ(commands[0].before, "\x02");
+  EXPECT_EQ(commands[1].text, "two");
+  EXPECT_EQ(received, "");
+}
+
+TEST(TakeCommands, WhatNeverEndsIsDropped) {
+  for (const char* start : {"", "\x02"}) {
+    std::string received(start);
+    received.resize(device::kLongestCommandBytes, 'x');
+    EXPECT_TRUE(TakeCommands(received).empty());
+    EXPECT_EQ(received.size(), device::kLongestCommandBytes);
+    received += 'x';
+    EXPECT_TRUE(TakeCommands(received).empty());
+    EXPECT_EQ(received, "");
+    received = "id\r";
+    EXPECT_EQ(TakeCommands(received).size(), 1U);
+  }
 }
 
 /// The near side of the line, read with a limit.
@@ -105,6 +130,30 @@ TEST(Instrument, AFloodEndsWithTheNextCommand) {
     ASSERT_FALSE(more.empty());
     seen += more;
   }
+}
+
+TEST(Instrument, RecoversFromAFrameThatIsNeverClosed) {
+  ServedInstrument instrument("\"id\" -> line \"SIM\"");
+  NearSide line(instrument.NodePath());
+  line.Send("\x02unclosed");
+  line.Send("\x02id\x03");
+  EXPECT_EQ(line.Receive(5), "\x02SIM\x03");
+  line.Send("\x02unclosed\r");
+  const std::string much(1000, 'x');
+  for (int i = 0; i < 10; ++i) line.Send(much);
+  line.Send("\rid\r");
+  EXPECT_EQ(line.Receive(4), "SIM\r");
+}
+
+TEST(Instrument, KeepsARecordWhenAsked) {
+  device::Instrument instrument(device::ParseRules("* -> echo"));
+  std::thread serving([&instrument] { instrument.Run(); });
+  NearSide line(QString::fromStdString(instrument.NodePath()));
+  line.Send("id\r");
+  EXPECT_EQ(line.Receive(3), "id\r");
+  EXPECT_EQ(instrument.Received(), "");
+  instrument.Stop();
+  serving.join();
 }
 
 TEST(Instrument, HangsUp) {

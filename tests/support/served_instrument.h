@@ -18,6 +18,7 @@ namespace quarn::test {
 class ServedInstrument {
  public:
   explicit ServedInstrument(device::Rules rules) : m_instrument(std::move(rules)) {
+    m_instrument.KeepRecord();
     m_instrument.OnAnswered([this] { NoteAnswer(); });
     m_thread = std::thread([this] { m_instrument.Run(); });
   }

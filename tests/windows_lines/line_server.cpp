@@ -59,6 +59,7 @@ class Port {
       : m_base(base),
         m_instrument(RulesOf(Contents(File("rules")))),
         m_link(link.string(), m_instrument.NodePath()) {
+    m_instrument.KeepRecord();
     m_instrument.OnAnswered([this] { ++m_answers; });
     m_thread = std::thread([this] { m_instrument.Run(); });
     Report();
