@@ -137,7 +137,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                 QString(character));
   }
   for (const char* delimiter : {"CR", "LF", "CRLF", "STX_ETX", "?"}) {
-    const FramedCommand framed = FrameCommand(QString::fromLatin1(delimiter), line.Text());
+    const FramedCommand framed = FrameCommand(QString::fromLatin1(delimiter), line.Text().toUtf8());
     Require(framed.bytes.endsWith(framed.terminator));
   }
   return 0;

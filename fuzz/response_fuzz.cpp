@@ -69,7 +69,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       settings.delimiter,
       QByteArray(reinterpret_cast<const char*>(data + 2), static_cast<qsizetype>(size - 2)));
   connection.byteCount = static_cast<std::int32_t>(size);
-  const QByteArray text = LogTextOf(result, QStringLiteral("cmd"), connection, settings);
+  const QByteArray text = LogTextOf(result, "cmd", connection, settings);
   CheckText(text, settings.inputMax == u"W" ? 64 : settings.inputMax == u"M" ? 56 : 48);
 
   CheckLog(text, lineNum);

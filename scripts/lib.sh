@@ -66,7 +66,7 @@ need() {
   for group in "$@"; do
     case $group in
       build) packages+=(g++ cmake ninja-build pkg-config qt6-base-dev libudev-dev) ;;
-      test) packages+=(libgtest-dev libumockdev-dev umockdev fonts-dejavu-core util-linux) ;;
+      test) packages+=(libgtest-dev libumockdev-dev umockdev fonts-dejavu-core util-linux locales) ;;
       window) packages+=(xvfb xauth openbox xdotool x11-utils xclip maim dbus-daemon fonts-dejavu-core) ;;
       pictures) packages+=(pngquant imagemagick x11-xserver-utils) ;;
       bench) packages+=(libbenchmark-dev python3) ;;

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <QByteArrayList>
 #include <QString>
-#include <QStringList>
+
+#include "send/arguments.h"
 
 namespace quarn::send {
 
@@ -11,12 +13,12 @@ struct Options {
   bool raw = false;      ///< print the response's bytes as they came
   bool help = false;
   bool version = false;
-  QStringList commands;
-  QString error;  ///< not empty: wrong usage
+  QByteArrayList commands;  ///< the bytes to send, without their framing
+  QString error;            ///< not empty: wrong usage
 };
 
-/// `arguments` without the program's name. After "--" everything is a command.
-Options ParseArguments(const QStringList& arguments);
+/// A word that begins with "-" is an option, or an error; after "--" everything is a command.
+Options ParseArguments(const Arguments& arguments);
 
 extern const char kUsage[];
 

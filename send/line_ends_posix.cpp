@@ -1,4 +1,4 @@
-#include "send/standard_output.h"
+#include "send/line_ends.h"
 
 namespace quarn::send {
 

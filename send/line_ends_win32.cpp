@@ -3,7 +3,7 @@
 
 #include <cstdio>
 
-#include "send/standard_output.h"
+#include "send/line_ends.h"
 
 namespace quarn::send {
 

@@ -1,30 +1,36 @@
-#include <QCoreApplication>
 #include <cstdio>
 
 #include "identity.h"
 #include "send/command_line_options.h"
+#include "send/exit_status.h"
 #include "send/sender.h"
+#include "send/standard_output.h"
+#include "terminal/standard_streams.h"
 
 namespace {
 
-constexpr int kWrongUsage = 64;
+namespace send = quarn::send;
+
+int Run(const send::Options& options) {
+  if (!options.error.isEmpty()) {
+    send::Complain(options.error);
+    std::fputs(send::kUsage, stderr);
+    return send::kWrongUsage;
+  }
+  if (options.help) return send::Print(send::kUsage) ? 0 : send::kNotPrinted;
+  if (options.version) {
+    const QByteArray version = QByteArray("quarn-send ") + quarn::identity::kShortVersion + '\n';
+    return send::Print(version) ? 0 : send::kNotPrinted;
+  }
+  return send::Send(options);
+}
 
 }  // namespace
 
 int main(int argc, char* argv[]) {
-  const QCoreApplication application(argc, argv);
-  const quarn::send::Options options = quarn::send::ParseArguments(QCoreApplication::arguments().mid(1));
-  if (!options.error.isEmpty()) {
-    std::fprintf(stderr, "quarn-send: %s\n%s", options.error.toLocal8Bit().constData(), quarn::send::kUsage);
-    return kWrongUsage;
-  }
-  if (options.help) {
-    std::fputs(quarn::send::kUsage, stdout);
-    return 0;
-  }
-  if (options.version) {
-    std::printf("quarn-send %s\n", quarn::identity::kShortVersion);
-    return 0;
-  }
-  return quarn::send::Send(options);
+  quarn::OccupyStandardStreams();
+  send::ComplainOfWarnings();
+  const int status = Run(send::ParseArguments(send::ArgumentsOf(argc, argv)));
+  if (status == send::kNotPrinted) return status;
+  return send::EndOutput() ? status : send::kNotPrinted;
 }

@@ -1,28 +1,26 @@
 #include "send/sender.h"
 
-#include <cstdio>
+#include <filesystem>
 #include <optional>
 
+#include "send/exit_status.h"
 #include "send/interruption.h"
+#include "send/line_ends.h"
+#include "send/settings_choice.h"
 #include "send/standard_output.h"
 #include "serial/open_port.h"
 #include "serial/platform_serial.h"
 #include "serial/port_list.h"
 #include "serial/port_names.h"
 #include "settings/data_folder.h"
-#include "settings/settings_load_save.h"
+#include "terminal/framing.h"
 #include "terminal/log_text.h"
+#include "terminal/render.h"
 #include "terminal/transaction.h"
 #include "terminal/wait_plan.h"
 
 namespace quarn::send {
 namespace {
-
-constexpr int kFailed = 5;
-
-void Complain(const QString& text) {
-  std::fprintf(stderr, "quarn-send: %s\n", text.toLocal8Bit().constData());
-}
 
 /// There is nobody to ask and nothing to draw: messages go to standard error.
 class StandardErrorMessages final : public MessageOperations {
@@ -65,14 +63,39 @@ class ShellHost final : public TransactionHost {
   bool EscapePressed() override { return IsInterrupted(); }
 };
 
-bool LoadSettingsFile(const Options& options, const QString& dataFolder, SettingsRecord& settings) {
-  const QString file =
-      options.settingsFile.isEmpty() ? WorkingSettingsFile(dataFolder) : options.settingsFile;
-  const LoadResult loaded = LoadSettings(file, settings);
-  if (loaded == LoadResult::NoFile) Complain(file + QStringLiteral(": no such settings file"));
-  if (loaded == LoadResult::Incomplete) Complain(file + QStringLiteral(": not a complete settings file"));
-  if (!options.port.isEmpty()) settings.comPort = options.port;
-  return loaded == LoadResult::Loaded;
+/// A command as a message names it, not longer than a line.
+QString Quoted(const QByteArray& command) {
+  constexpr qsizetype kMost = 40;
+  const QByteArray text = SpellOut(command.left(kMost));
+  return QLatin1Char('"') + QString::fromLatin1(text) +
+         (command.size() > kMost ? QStringLiteral("...\"") : QStringLiteral("\""));
+}
+
+/// Half a command is another command: it is refused, and those beside it with it.
+bool AllCanBeSent(const QByteArrayList& commands, const QString& delimiter) {
+  for (const QByteArray& command : commands) {
+    switch (TransmissionOf(delimiter, command)) {
+      case Transmission::Whole:
+        continue;
+      case Transmission::CutShort:
+        Complain(QStringLiteral("%1 holds the byte that ends a command, and would be cut off behind it")
+                     .arg(Quoted(command)));
+        return false;
+      case Transmission::Nothing:
+        Complain(QStringLiteral("%1 is too long: with its framing a command has at most 1023 bytes")
+                     .arg(Quoted(command)));
+        return false;
+    }
+  }
+  return true;
+}
+
+/// Why a port that is not listed may be there all the same; empty when the list is to be trusted.
+QString WhyNotListed(const QString& portsFolder) {
+  std::error_code error;
+  const std::filesystem::directory_iterator entries(portsFolder.toStdU16String(), error);
+  if (!error || error == std::errc::no_such_file_or_directory) return {};
+  return portsFolder + QStringLiteral(": ") + QString::fromStdString(error.message());
 }
 
 bool Connect(const SettingsRecord& settings, const QString& portsFolder, PortConnection& connection) {
@@ -87,7 +110,9 @@ bool Connect(const SettingsRecord& settings, const QString& portsFolder, PortCon
   NoIndicator indicator;
   RefreshPortList(*source, connection);
   if (ConnectPort(settings, connection, {*opener, messages, indicator})) return true;
-  Complain(connection.lastFailure.reason);
+  const bool missing = connection.lastFailure.kind == LineError::NotFound;
+  const QString unlisted = missing ? WhyNotListed(portsFolder) : QString();
+  Complain(unlisted.isEmpty() ? connection.lastFailure.reason : unlisted);
   return false;
 }
 
@@ -108,17 +133,38 @@ QByteArray RawResponse(TransactionResult result, const PortConnection& connectio
   return {connection.receiveBuffer.data(), kept};
 }
 
-void Print(const Options& options, TransactionResult result, const PortConnection& connection,
-           const SettingsRecord& settings) {
-  QByteArray text;
-  if (options.raw) {
-    text = RawResponse(result, connection, settings);
-  } else {
-    text = LogTextOf(result, connection.command, connection, settings);
-    text.replace('\r', '\n');
+QByteArray OutcomeText(const Options& options, TransactionResult result, const PortConnection& connection,
+                       const SettingsRecord& settings) {
+  if (options.raw) return RawResponse(result, connection, settings);
+  return LogTextOf(result, SpellOut(connection.command), connection, settings).replace('\r', '\n');
+}
+
+/// One command and what came of it; the exit status.
+int SendOne(const Options& options, const SettingsRecord& settings, TransactionEngine& engine,
+            PortConnection& connection) {
+  ShellHost host;
+  const TransactionResult result = engine.RunTransaction(settings, host);
+  if (!Print(OutcomeText(options, result, connection, settings))) return kNotPrinted;
+  if (!LineFailed(result, connection)) return static_cast<int>(result);
+  const QString command = Quoted(connection.command);
+  const QString noThread = engine.WhyNoThread();
+  Complain(noThread.isEmpty()
+               ? QStringLiteral("the line failed while %1 waited for its response").arg(command)
+               : QStringLiteral("%1 was not sent: the system gives no thread: %2").arg(command, noThread));
+  return kFailed;
+}
+
+/// All of them, or as many as there are before one that ends the run.
+int SendAll(const Options& options, const SettingsRecord& settings, PortConnection& connection) {
+  TransactionEngine engine(connection);
+  int status = 0;
+  for (const QByteArray& command : options.commands) {
+    if (IsInterrupted()) return static_cast<int>(TransactionResult::Aborted);
+    connection.command = command;
+    status = SendOne(options, settings, engine, connection);
+    if (status == kFailed || status == kNotPrinted) break;
   }
-  std::fwrite(text.constData(), 1, static_cast<std::size_t>(text.size()), stdout);
-  std::fflush(stdout);
+  return status;
 }
 
 }  // namespace
@@ -127,28 +173,12 @@ int Send(const Options& options) {
   const QString dataFolder = DataFolder();
   SettingsRecord settings;
   PortConnection connection;
-  if (!LoadSettingsFile(options, dataFolder, settings)) return kFailed;
+  if (!LoadChosenSettings(options, dataFolder, settings)) return kFailed;
+  if (!AllCanBeSent(options.commands, settings.delimiter)) return kWrongUsage;
   NoticeInterruption();
   if (!Connect(settings, PortsFolder(dataFolder), connection)) return kFailed;
-  TransactionEngine engine(connection);
-  ShellHost host;
-  int status = 0;
   if (options.raw) PassBytesAsTheyAre();
-  for (const QString& command : options.commands) {
-    if (IsInterrupted()) {
-      status = static_cast<int>(TransactionResult::Aborted);
-      break;
-    }
-    connection.command = command;
-    const TransactionResult result = engine.RunTransaction(settings, host);
-    Print(options, result, connection, settings);
-    status = static_cast<int>(result);
-    if (LineFailed(result, connection)) {
-      Complain(QStringLiteral("the line failed while \"%1\" waited for its response").arg(command));
-      status = kFailed;
-      break;
-    }
-  }
+  const int status = SendAll(options, settings, connection);
   ClosePort(connection);
   return status;
 }

@@ -57,7 +57,7 @@ struct PortConnection {
   // Transaction fields.
   std::int32_t status = 0;     ///< 0 complete, 3 truncated at the limit, -1 the read failed
   std::int32_t byteCount = 0;  ///< bytes read minus one; -1 when the read failed
-  QString command;
+  QByteArray command;          ///< the bytes to send, without their framing
   QByteArray response;
   std::array<char, kReceiveBufferSize> receiveBuffer{};  ///< always NUL-terminated
 };

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 
 #include "terminal/control_bytes.h"
 
@@ -37,11 +38,20 @@ const Delimiter& DelimiterNamed(const QString& name) {
 
 }  // namespace
 
-FramedCommand FrameCommand(const QString& delimiter, const QString& command) {
+FramedCommand FrameCommand(const QString& delimiter, const QByteArray& command) {
   const Delimiter& rule = DelimiterNamed(delimiter);
-  QByteArray bytes = rule.before + command.toLocal8Bit() + rule.after;
+  QByteArray bytes = rule.before + command + rule.after;
   const char terminator = bytes.back();
   return {std::move(bytes), terminator};
+}
+
+Transmission TransmissionOf(const QString& delimiter, const QByteArray& command) {
+  const FramedCommand framed = FrameCommand(delimiter, command);
+  const qsizetype end = framed.bytes.indexOf(framed.terminator);
+  if (end >= kLongestTransmission) return Transmission::Nothing;
+  // A command that brings its own terminator loses nothing but the second one.
+  const qsizetype sent = end + 1 - qsizetype(std::strlen(DelimiterNamed(delimiter).before));
+  return sent < command.size() ? Transmission::CutShort : Transmission::Whole;
 }
 
 bool SendFramed(SerialLine& line, const FramedCommand& framed) {

@@ -13,8 +13,16 @@ struct FramedCommand {
 };
 
 /// The bytes to send for a command, by DELIMITER ("CR", "LF", "CRLF", "STX_ETX"; anything else as "CR").
-/// The text is converted to the system's 8-bit encoding first.
-FramedCommand FrameCommand(const QString& delimiter, const QString& command);
+/// `command` is in the system's 8-bit encoding already.
+FramedCommand FrameCommand(const QString& delimiter, const QByteArray& command);
+
+/// What of a command SendFramed would send.
+enum class Transmission {
+  Whole,
+  CutShort,  ///< the command holds the terminator, and something behind it
+  Nothing,   ///< more than 1023 bytes with its framing
+};
+Transmission TransmissionOf(const QString& delimiter, const QByteArray& command);
 
 /// Sends the bytes from the start up to and including the first terminator: a command that itself holds
 /// the terminator is cut after it. At most 1023 bytes go out; without a terminator among them nothing is

@@ -15,12 +15,13 @@ struct ErrorText {
   TransactionResult result;
   const char* text;
 };
-constexpr std::array<ErrorText, 5> kErrorTexts = {{
+constexpr std::array<ErrorText, 6> kErrorTexts = {{
     {TransactionResult::Timeout, "Error: Response Timeout Error"},
     {TransactionResult::InvalidData, "Error: Received Invalid Data"},
     {TransactionResult::Overflow, "Error: Receive Buffer Overflow"},
     {TransactionResult::Aborted, "Warning: Aborted by ESC Key"},
     {TransactionResult::AlreadyRunning, "Error: Communication Error"},
+    {TransactionResult::NotSendable, "Error: Command Cannot Be Sent"},
 }};
 
 QByteArray ErrorTextOf(TransactionResult result) {
@@ -49,10 +50,10 @@ QByteArray TruncatedLines(const QByteArray& response, const SettingsRecord& sett
 
 }  // namespace
 
-QByteArray LogTextOf(TransactionResult result, const QString& command, const PortConnection& connection,
+QByteArray LogTextOf(TransactionResult result, const QByteArray& command, const PortConnection& connection,
                      const SettingsRecord& settings) {
   if (result == TransactionResult::LogFull) return QByteArray(1, kCr);
-  QByteArray text = '[' + command.toLocal8Bit() + ']' + kCr;
+  QByteArray text = '[' + command + ']' + kCr;
   if (result == TransactionResult::Received) return text + ResponseLines(connection.response, settings);
   if (result == TransactionResult::Overflow) text += TruncatedLines(connection.response, settings);
   text += ErrorTextOf(result);

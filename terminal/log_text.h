@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QByteArray>
-#include <QString>
 
 #include "serial/port_connection.h"
 #include "settings/settings_record.h"
@@ -9,10 +8,11 @@
 
 namespace quarn {
 
-/// The text that one transaction adds to the log: the command in square brackets, then the response,
+/// The text that one transaction adds to the log: the command in square brackets, as
+/// it was rendered before, then the response,
 /// rendered and wrapped, or an error line and an empty line. Lines end in CR; two or more CRs at the end
 /// of a response are cut to one. LogFull, where no command was sent, gives a bare line end.
-QByteArray LogTextOf(TransactionResult result, const QString& command, const PortConnection& connection,
+QByteArray LogTextOf(TransactionResult result, const QByteArray& command, const PortConnection& connection,
                      const SettingsRecord& settings);
 
 }  // namespace quarn

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "terminal/control_bytes.h"
+#include "terminal/system_encoding.h"
 
 namespace quarn {
 namespace {
@@ -92,7 +93,7 @@ QString OperationLog::CopyLogAll(const QString& lineNum) const {
 }
 
 QString OperationLog::LineText(int index, const QString& lineNum) const {
-  const QString line = QString::fromLocal8Bit(Line(index));
+  const QString line = FromSystemEncoding(Line(index)).value_or(QString::fromLatin1(Line(index)));
   return lineNum == u"OFF" ? line : FormatLineNumber(index + 1) + QStringLiteral("|  ") + line;
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <system_error>
 
 #include "terminal/framing.h"
 #include "terminal/wait_plan.h"
@@ -26,14 +27,25 @@ ReceiveWorker::ReceiveWorker(const SettingsRecord& settings, PortConnection& con
       m_resultMutex(resultMutex) {
   m_running.TrySet();
   m_settling.TrySet();
-  m_thread = std::thread([this] { Run(); });
+  Start();
+}
+
+void ReceiveWorker::Start() {
+  try {
+    m_thread = std::thread([this] { Run(); });
+  } catch (const std::system_error& error) {
+    m_whyNoThread = QString::fromStdString(error.code().message());
+    DeliverFailure();
+    m_running.Clear();
+    m_busy.Clear();
+  }
 }
 
 ReceiveWorker::~ReceiveWorker() {
   const bool reading = m_running.IsSet();
   if (reading && m_line) m_line->CancelIo();
   m_settling.Clear();
-  m_thread.join();
+  if (m_thread.joinable()) m_thread.join();
   if (reading && m_line) m_line->AllowIo();
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 #include <memory>
 #include <mutex>
@@ -15,7 +16,8 @@ namespace quarn {
 /// read, which is the whole response. The read ends when the line falls silent for its read interval.
 class ReceiveWorker {
  public:
-  /// Starts at once on copies of settings and command. `busy` and `resultMutex` must outlive the worker;
+  /// Starts at once on copies of settings and command. Where the system gives no thread this is a read that
+  /// has failed, and nothing is sent. `busy` and `resultMutex` must outlive the worker;
   /// `connection`'s transaction fields are written under `resultMutex`.
   ReceiveWorker(const SettingsRecord& settings, PortConnection& connection, WaitableFlag& busy,
                 std::mutex& resultMutex);
@@ -26,17 +28,20 @@ class ReceiveWorker {
 
   /// True when the thread has ended, false when `until` came first.
   bool WaitEnded(std::chrono::steady_clock::time_point until) const { return m_running.WaitClear(until); }
+  /// The system's reason for giving no thread; empty when there is one.
+  [[nodiscard]] const QString& WhyNoThread() const { return m_whyNoThread; }
   /// Whether a response, or a read's failure, has reached the connection.
   [[nodiscard]] bool HasDelivered() const;
 
  private:
+  void Start();
   void Run();
   void SendAndReceive();
   void Deliver(const char* bytes, std::size_t count);
   void DeliverFailure();
 
   const SettingsRecord m_settings;
-  const QString m_command;
+  const QByteArray m_command;
   const std::shared_ptr<SerialLine> m_line;
   PortConnection& m_connection;
   WaitableFlag& m_busy;
@@ -44,6 +49,7 @@ class ReceiveWorker {
   WaitableFlag m_running;
   WaitableFlag m_settling;  ///< set until the pause after a response may be cut short
   bool m_delivered = false;
+  QString m_whyNoThread;
   std::thread m_thread;
 };
 

@@ -1,10 +1,12 @@
 #include "terminal/render.h"
 
+#include <QList>
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
 
 #include "terminal/control_bytes.h"
+#include "terminal/system_encoding.h"
 
 namespace quarn {
 namespace {
@@ -44,6 +46,13 @@ std::array<Spelling, 256> AllSpellings() {
   return spellings;
 }
 
+/// Whether it shows as a character of its own on the line that it stands in.
+bool IsPrintable(char32_t character) {
+  const QChar::Category category = QChar::category(character);
+  return QChar::isPrint(character) && category != QChar::Separator_Line &&
+         category != QChar::Separator_Paragraph;
+}
+
 }  // namespace
 
 const std::array<const char*, 32> kControlMnemonicTable = {
@@ -62,6 +71,24 @@ QByteArray RenderBytesForLog(const QByteArray& bytes) {
     end += spelling.length;
   }
   text.truncate(end - text.data());
+  return text;
+}
+
+QByteArray SpellOut(const QByteArray& bytes) {
+  return RenderBytesForLog(bytes).replace(kCr, kControlMnemonicTable[static_cast<unsigned char>(kCr)]);
+}
+
+QByteArray RenderCommandForLog(const QString& command) {
+  QByteArray text;
+  for (const char32_t each : command.toUcs4()) {
+    const QString character = QString::fromUcs4(&each, 1);
+    const std::optional<QByteArray> bytes = ToSystemEncoding(character);
+    if (!bytes) {
+      text += "<U+" + QByteArray::number(each, 16).toUpper().rightJustified(4, '0') + '>';
+    } else {
+      text += IsPrintable(each) ? *bytes : SpellOut(*bytes);
+    }
+  }
   return text;
 }
 

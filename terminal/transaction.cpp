@@ -2,6 +2,7 @@
 
 #include "terminal/framing.h"
 #include "terminal/receive_worker.h"
+#include "terminal/system_encoding.h"
 #include "terminal/wait_plan.h"
 
 namespace quarn {
@@ -12,6 +13,17 @@ using Clock = std::chrono::steady_clock;
 constexpr std::chrono::milliseconds kPoll{10};
 constexpr std::chrono::milliseconds kWorkerGrace{500};
 constexpr std::int32_t kTruncated = 3;
+
+/// Behind by this much, the process was stopped or the machine slept: no poll could be made.
+constexpr std::chrono::milliseconds kStopped = 10 * kPoll;
+
+/// When to poll after a poll that was due at `last`. Polls are counted from one start, so that what a poll
+/// itself takes does not add up. Those that could not be made are not made up for: the answer that they would
+/// have found may be in the driver, and its reader has to get its turn.
+Clock::time_point NextPoll(Clock::time_point last) {
+  const Clock::time_point now = Clock::now();
+  return (now - last > kStopped ? now : last) + kPoll;
+}
 
 /// Holds the person's input for as long as it lives.
 class WaitScope {
@@ -49,16 +61,16 @@ TransactionResult TransactionEngine::RunTransaction(const SettingsRecord& settin
 
 TransactionResult TransactionEngine::WaitForWorker(const SettingsRecord& settings, TransactionHost& host) {
   WaitPlan plan(settings);
-  // Polls are counted from one start, so that what a poll itself takes does not add up.
+  const QString command = FromSystemEncoding(m_connection.command).value_or(QString());
   Clock::time_point next = Clock::now();
   while (m_busy.IsSet()) {
-    next += kPoll;
+    next = NextPoll(next);
     host.KeepPainting();
     if (m_busy.WaitClear(next)) break;
     const WaitPlan::Step step = plan.Next();
     if (step == WaitPlan::Step::TimedOut) return TransactionResult::Timeout;
     if (step == WaitPlan::Step::Continue) continue;
-    host.ShowWaitingText(WaitingText(m_connection.command, host.CaretPosition(), plan.Refreshes()));
+    host.ShowWaitingText(WaitingText(command, host.CaretPosition(), plan.Refreshes()));
     host.KeepPainting();
     if (host.EscapePressed()) return TransactionResult::Aborted;
     ++m_pollCounter;
@@ -75,6 +87,8 @@ void TransactionEngine::EndWorker(TransactionHost& host) {
     host.KeepPainting();
   }
 }
+
+QString TransactionEngine::WhyNoThread() const { return m_worker ? m_worker->WhyNoThread() : QString(); }
 
 TransactionResult TransactionEngine::Evaluate(const SettingsRecord& settings) {
   const std::lock_guard guard(m_resultMutex);

@@ -19,6 +19,7 @@ enum class TransactionResult : int {
   Overflow = 3,     ///< truncated at the limit of COM_BUF
   Aborted = 4,
   AlreadyRunning = -1,
+  NotSendable = -2,  ///< the system's 8-bit encoding lacks a character of the command
   LogFull = 255,
 };
 
@@ -64,6 +65,10 @@ class TransactionEngine {
 
   /// Clears the busy flag and waits up to 500 ms for a worker that still runs.
   void EndWorker(TransactionHost& host);
+
+  /// Why the last transaction had no thread that could have sent anything; empty when it had one. It ended
+  /// as one does whose read failed.
+  [[nodiscard]] QString WhyNoThread() const;
 
   [[nodiscard]] bool IsBusy() const { return m_busy.IsSet(); }
   /// Counts the looks at the ESC key since the program started.

@@ -87,7 +87,7 @@ QString Outcome(int result, const QByteArray& bytes) {
 QStringList Read(const LineScript& script, SerialLine& line) {
   QStringList outcomes;
   line.Purge();
-  if (!SendFramed(line, FrameCommand(script.settings.delimiter, script.name)))
+  if (!SendFramed(line, FrameCommand(script.settings.delimiter, script.name.toLatin1())))
     return {QStringLiteral("unsent")};
   for (const std::size_t size : script.reads) {
     QByteArray bytes(static_cast<qsizetype>(size), '\0');
@@ -101,7 +101,7 @@ QStringList Read(const LineScript& script, SerialLine& line) {
 QStringList Transact(const LineScript& script, PortConnection& connection) {
   TransactionEngine engine(connection);
   ScriptedHost host;
-  connection.command = script.name;
+  connection.command = script.name.toLatin1();
   const TransactionResult result = engine.RunTransaction(script.settings, host);
   return {Outcome(static_cast<int>(result), connection.response),
           QStringLiteral("count %1 status %2").arg(connection.byteCount).arg(connection.status)};

@@ -2,10 +2,27 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdio>
 
 namespace quarn {
 namespace {
+
+TEST(SpellOut, LeavesNothingThatWouldSteerATerminal) {
+  QByteArray bytes;
+  for (int byte = 0; byte < 256; ++byte) bytes += static_cast<char>(byte);
+  const QByteArray text = SpellOut(bytes);
+  EXPECT_TRUE(std::ranges::all_of(text, [](char each) { return each >= ' ' && each <= '~'; }));
+  EXPECT_EQ(SpellOut("a\r\n\x1b[2J\x7f\x9b"), "a<CR><LF><ESC>[2J<DEL><0x9b>");
+  EXPECT_EQ(SpellOut(text), text) << "what is spelled out stays as it is";
+}
+
+TEST(RenderCommandForLog, KeepsWhatCanBePrintedAndSpellsOutTheRest) {
+  EXPECT_EQ(RenderCommandForLog(QStringLiteral("*IDN? [x] <y>")), "*IDN? [x] <y>");
+  EXPECT_EQ(RenderCommandForLog(QString()), "");
+  EXPECT_EQ(RenderCommandForLog(QStringLiteral("a\r[b]\rOK\t\x1b[0m\x7f")),
+            "a<CR>[b]<CR>OK<HT><ESC>[0m<DEL>");
+}
 
 TEST(RenderBytesForLog, SpellsOutWhatIsNotPrintable) {
   EXPECT_EQ(RenderBytesForLog(QByteArray("\x02"

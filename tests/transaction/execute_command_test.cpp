@@ -58,7 +58,7 @@ TEST_F(Execute, AResponseIsLogged) {
   EXPECT_EQ(RunCommand("id"), TransactionResult::Received);
   EXPECT_EQ(Lines(), (Log{"[id]\r", "one\r", "two\r"}));
   EXPECT_EQ(m_commandLine.LastCommand(), QStringLiteral("id"));
-  EXPECT_EQ(m_connection.command, QStringLiteral("id"));
+  EXPECT_EQ(m_connection.command, "id");
 }
 
 TEST_F(Execute, CommandsFollowEachOtherInTheLog) {

@@ -16,7 +16,7 @@ void PrintTo(const FramingRow& row, std::ostream* out) { *out << row.delimiter; 
 class Framing : public testing::TestWithParam<FramingRow> {};
 
 TEST_P(Framing, OfACommand) {
-  const FramedCommand framed = FrameCommand(QString::fromLatin1(GetParam().delimiter), QStringLiteral("id"));
+  const FramedCommand framed = FrameCommand(QString::fromLatin1(GetParam().delimiter), "id");
   EXPECT_EQ(framed.bytes, GetParam().id);
   EXPECT_EQ(framed.terminator, GetParam().terminator);
 }
@@ -30,18 +30,51 @@ INSTANTIATE_TEST_SUITE_P(Delimiters, Framing,
                                          FramingRow{"CRLF ", "id\r", '\r'}));
 
 TEST(FrameCommand, OfAnEmptyCommandIsTheFrameAlone) {
-  EXPECT_EQ(FrameCommand(QStringLiteral("CR"), QString()).bytes, "\r");
-  EXPECT_EQ(FrameCommand(QStringLiteral("STX_ETX"), QString()).bytes, "\x02\x03");
+  EXPECT_EQ(FrameCommand(QStringLiteral("CR"), QByteArray()).bytes, "\r");
+  EXPECT_EQ(FrameCommand(QStringLiteral("STX_ETX"), QByteArray()).bytes, "\x02\x03");
 }
 
-TEST(FrameCommand, GoesOutInTheSystemsEncoding) {
-  const QString command = QStringLiteral("\u00b5V \u20ac");
-  EXPECT_EQ(FrameCommand(QStringLiteral("LF"), command).bytes, command.toLocal8Bit() + '\n');
+TEST(FrameCommand, KeepsEveryByteOfTheCommand) {
+  QByteArray bytes;
+  for (int byte = 0; byte < 256; ++byte) bytes += static_cast<char>(byte);
+  EXPECT_EQ(FrameCommand(QStringLiteral("LF"), bytes).bytes, bytes + '\n');
+  EXPECT_EQ(FrameCommand(QStringLiteral("STX_ETX"), bytes).bytes, '\x02' + bytes + '\x03');
+}
+
+TEST(TransmissionOf, TellsWhatSendingLeavesOut) {
+  const auto of = [](const char* delimiter, const QByteArray& command) {
+    return TransmissionOf(QString::fromLatin1(delimiter), command);
+  };
+  EXPECT_EQ(of("CR", ""), Transmission::Whole);
+  EXPECT_EQ(of("CR", "id"), Transmission::Whole);
+  EXPECT_EQ(of("CR", "one\rtwo"), Transmission::CutShort);
+  EXPECT_EQ(of("CR", "\rtwo"), Transmission::CutShort);
+  EXPECT_EQ(of("LF", "one\rtwo"), Transmission::Whole);
+  EXPECT_EQ(of("CRLF", "one\r\ntwo"), Transmission::CutShort);
+  EXPECT_EQ(of("CRLF", "one\rtwo"), Transmission::Whole);
+  EXPECT_EQ(of("STX_ETX",
+               "a\x03"
+               "b"),
+            Transmission::CutShort);
+  EXPECT_EQ(of("STX_ETX",
+               "\x02"
+               "a\rb"),
+            Transmission::Whole);
+  // Nothing of the command itself is lost.
+  EXPECT_EQ(of("CR", "id\r"), Transmission::Whole);
+  EXPECT_EQ(of("CRLF", "id\r\n"), Transmission::Whole);
+  EXPECT_EQ(of("STX_ETX", "id\x03"), Transmission::Whole);
+  EXPECT_EQ(of("CR", "id\r\r"), Transmission::CutShort);
+  EXPECT_EQ(of("CR", QByteArray(1022, 'x')), Transmission::Whole);
+  EXPECT_EQ(of("CR", QByteArray(1023, 'x')), Transmission::Nothing);
+  EXPECT_EQ(of("STX_ETX", QByteArray(1021, 'x')), Transmission::Whole);
+  EXPECT_EQ(of("STX_ETX", QByteArray(1022, 'x')), Transmission::Nothing);
+  EXPECT_EQ(of("CR", "id\r" + QByteArray(2000, 'x')), Transmission::CutShort);
 }
 
 class SendFramedTest : public testing::Test {
  protected:
-  bool Send(const char* delimiter, const QString& command) {
+  bool Send(const char* delimiter, const QByteArray& command) {
     return SendFramed(m_line, FrameCommand(QString::fromLatin1(delimiter), command));
   }
   [[nodiscard]] const QByteArray& Sent() const { return m_line.written; }
@@ -51,56 +84,58 @@ class SendFramedTest : public testing::Test {
 };
 
 TEST_F(SendFramedTest, SendsUpToAndIncludingTheTerminator) {
-  EXPECT_TRUE(Send("CRLF", QStringLiteral("id")));
+  EXPECT_TRUE(Send("CRLF", "id"));
   EXPECT_EQ(Sent(), "id\r\n");
 }
 
 TEST_F(SendFramedTest, ATerminatorInsideCutsTheCommandBehindIt) {
-  EXPECT_TRUE(Send("CR", QStringLiteral("one\rtwo")));
+  EXPECT_TRUE(Send("CR", "one\rtwo"));
   EXPECT_EQ(Sent(), "one\r");
 }
 
 TEST_F(SendFramedTest, ATerminatorInsideCutsForEveryDelimiter) {
-  EXPECT_TRUE(Send("CRLF", QStringLiteral("a\rb\nc")));
-  EXPECT_TRUE(Send("STX_ETX", QStringLiteral("d\x03"
-                                             "e")));
-  EXPECT_TRUE(Send("LF", QStringLiteral("\nf")));
+  EXPECT_TRUE(Send("CRLF", "a\rb\nc"));
+  EXPECT_TRUE(Send("STX_ETX",
+                   "d\x03"
+                   "e"));
+  EXPECT_TRUE(Send("LF", "\nf"));
   EXPECT_EQ(Sent(), QByteArray("a\rb\n\x02"
                                "d\x03\n"));
 }
 
 TEST_F(SendFramedTest, AtMost1023BytesGoOut) {
-  EXPECT_TRUE(Send("CR", QString(1022, u'x')));
+  EXPECT_TRUE(Send("CR", QByteArray(1022, 'x')));
   EXPECT_EQ(Sent(), QByteArray(1022, 'x') + '\r');
 }
 
 TEST_F(SendFramedTest, WithTheTerminatorBehindThatNothingIsSent) {
-  EXPECT_FALSE(Send("CR", QString(1023, u'x')));
-  EXPECT_FALSE(Send("CRLF", QString(1022, u'x')));
-  EXPECT_FALSE(Send("STX_ETX", QString(1022, u'x')));
-  EXPECT_FALSE(Send("CR", QString(100'000, u'x')));
+  EXPECT_FALSE(Send("CR", QByteArray(1023, 'x')));
+  EXPECT_FALSE(Send("CRLF", QByteArray(1022, 'x')));
+  EXPECT_FALSE(Send("STX_ETX", QByteArray(1022, 'x')));
+  EXPECT_FALSE(Send("CR", QByteArray(100'000, 'x')));
   EXPECT_EQ(m_journal.Entries(), std::vector<std::string>{});
-  EXPECT_TRUE(Send("CRLF", QString(1021, u'x')));
-  EXPECT_TRUE(Send("STX_ETX", QString(1021, u'x')));
+  EXPECT_TRUE(Send("CRLF", QByteArray(1021, 'x')));
+  EXPECT_TRUE(Send("STX_ETX", QByteArray(1021, 'x')));
 }
 
 TEST_F(SendFramedTest, TheFrameCountsInBytesNotInCharacters) {
-  const QString euros(341, u'\u20ac');
-  const qsizetype bytes = euros.toLocal8Bit().size() + 1;
-  EXPECT_EQ(Send("CR", euros), bytes <= 1023);
-  EXPECT_EQ(Sent().size(), bytes <= 1023 ? bytes : 0);
+  const QByteArray euro = "\xe2\x82\xac";
+  EXPECT_FALSE(Send("CR", euro.repeated(341)));
+  EXPECT_EQ(Sent(), "");
+  EXPECT_TRUE(Send("CR", euro.repeated(340)));
+  EXPECT_EQ(Sent(), euro.repeated(340) + '\r');
 }
 
 TEST_F(SendFramedTest, AnEarlyTerminatorSavesALongCommand) {
-  EXPECT_TRUE(Send("CR", QStringLiteral("id\r") + QString(5000, u'x')));
+  EXPECT_TRUE(Send("CR", "id\r" + QByteArray(5000, 'x')));
   EXPECT_EQ(Sent(), "id\r");
 }
 
 TEST_F(SendFramedTest, AWriteThatFailsOrFallsShortIsNoSuccess) {
   m_line.write = [](const char*, std::size_t) { return IoResult{}; };
-  EXPECT_FALSE(Send("CR", QStringLiteral("id")));
+  EXPECT_FALSE(Send("CR", "id"));
   m_line.write = [](const char*, std::size_t) { return IoResult{.ok = true, .bytes = 2}; };
-  EXPECT_FALSE(Send("CR", QStringLiteral("id")));
+  EXPECT_FALSE(Send("CR", "id"));
 }
 
 struct ResponseRow {

@@ -12,7 +12,7 @@ class LogText : public testing::Test {
     m_settings.inputMax = QStringLiteral("N");
   }
   QByteArray TextOf(TransactionResult result, const char* command = "id") {
-    return LogTextOf(result, QString::fromUtf8(command), m_connection, m_settings);
+    return LogTextOf(result, command, m_connection, m_settings);
   }
   QByteArray TextOfResponse(const QByteArray& response) {
     m_connection.response = response;
@@ -29,6 +29,7 @@ TEST_F(LogText, OfErrorsIsOneLineAndAnEmptyOne) {
   EXPECT_EQ(TextOf(TransactionResult::InvalidData), "[id]\rError: Received Invalid Data\r\r");
   EXPECT_EQ(TextOf(TransactionResult::Aborted), "[id]\rWarning: Aborted by ESC Key\r\r");
   EXPECT_EQ(TextOf(TransactionResult::AlreadyRunning), "[id]\rError: Communication Error\r\r");
+  EXPECT_EQ(TextOf(TransactionResult::NotSendable), "[id]\rError: Command Cannot Be Sent\r\r");
 }
 
 TEST_F(LogText, OfAFullLogIsABareLineEnd) { EXPECT_EQ(TextOf(TransactionResult::LogFull), "\r"); }
@@ -79,10 +80,10 @@ TEST_F(LogText, WrappingCountsWhatIsSpelledOut) {
             "[id]\r" + QByteArray("<0xa5>").repeated(8) + "\r!\r");
 }
 
-TEST_F(LogText, TheCommandIsEchoedUnwrappedInTheSystemsEncoding) {
-  const QString command = QString(100, u'\u00b5');
+TEST_F(LogText, TheCommandIsEchoedUnwrappedAsItWasRendered) {
+  const QByteArray command = QByteArray("\xc2\xb5").repeated(100);
   EXPECT_EQ(LogTextOf(TransactionResult::Timeout, command, m_connection, m_settings),
-            '[' + command.toLocal8Bit() + "]\rError: Response Timeout Error\r\r");
+            '[' + command + "]\rError: Response Timeout Error\r\r");
   EXPECT_EQ(TextOf(TransactionResult::Timeout, ""), "[]\rError: Response Timeout Error\r\r");
 }
 

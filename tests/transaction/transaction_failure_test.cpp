@@ -38,6 +38,39 @@ TEST_F(TransactionFailure, PurgesSendsClearsTheErrorAndReadsOnce) {
   EXPECT_EQ(m_line->readSize, 8191U);
 }
 
+/// The instrument gets its breath before the next command, however soon that is asked for.
+TEST_F(TransactionFailure, FiftyMillisecondsLieBetweenAResponseAndTheEndOfItsTransaction) {
+  using Clock = std::chrono::steady_clock;
+  Clock::time_point read;
+  m_line->read = [&read](char* buffer, std::size_t) {
+    *buffer = 'A';
+    read = Clock::now();
+    return IoResult{.ok = true, .bytes = 1};
+  };
+  ASSERT_EQ(Run("id"), TransactionResult::Received);
+  EXPECT_GE(Clock::now() - read, std::chrono::milliseconds(50));
+  EXPECT_FALSE(m_engine->IsBusy());
+}
+
+/// What a stop of the process is to the wait: for a while nothing is polled. The read needs some more time
+/// then.
+TEST_F(TransactionFailure, PollsThatCouldNotBeMadeDoNotCount) {
+  SetShortestTimeout();
+  std::promise<void> goesOn;
+  m_host.whilePainting = [&goesOn] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(700));
+    goesOn.set_value();
+  };
+  m_line->read = [&goesOn](char* buffer, std::size_t) {
+    goesOn.get_future().wait();
+    std::this_thread::sleep_for(std::chrono::milliseconds(30));
+    *buffer = 'A';
+    return IoResult{.ok = true, .bytes = 1};
+  };
+  EXPECT_EQ(Run("id"), TransactionResult::Received);
+  EXPECT_EQ(Response(), "A");
+}
+
 TEST_F(TransactionFailure, AFailedPurgeIsPassedOver) {
   m_line->purgeWorks = false;
   ReadGives("SIM\r");

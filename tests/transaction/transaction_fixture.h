@@ -60,7 +60,7 @@ class TransactionTest : public testing::Test {
   }
 
   TransactionResult Run(const char* command) {
-    m_connection.command = QString::fromUtf8(command);
+    m_connection.command = command;
     return m_engine->RunTransaction(m_settings, m_host);
   }
   [[nodiscard]] const QByteArray& Response() const { return m_connection.response; }

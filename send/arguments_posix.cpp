@@ -1,0 +1,28 @@
+#include <QStringDecoder>
+
+#include "send/arguments.h"
+
+namespace quarn::send {
+namespace {
+
+/// Qt takes file names for UTF-8, whatever the locale.
+std::optional<QString> NameIn(const QByteArray& bytes) {
+  QStringDecoder decoder(QStringDecoder::Utf8,
+                         QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
+  QString name = decoder.decode(bytes);
+  return decoder.hasError() ? std::nullopt : std::optional(name);
+}
+
+}  // namespace
+
+/// Commands are bytes here already, and no encoding has a say in them.
+Arguments ArgumentsOf(int argc, char** argv) {
+  Arguments arguments;
+  for (int i = 1; i < argc; ++i) {
+    const QByteArray bytes(argv[i]);
+    arguments.push_back({NameIn(bytes), bytes});
+  }
+  return arguments;
+}
+
+}  // namespace quarn::send
