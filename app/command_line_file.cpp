@@ -1,9 +1,63 @@
 #include "app/command_line_file.h"
 
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+
+#include "app/terminal_output.h"
 #include "identity.h"
 #include "settings/bounds.h"
+#include "terminal/render.h"
 
 namespace quarn {
+namespace {
+
+constexpr int kWrongUsage = 64;
+constexpr int kNotPrinted = 74;
+
+struct QtOption {
+  const char16_t* name;  ///< behind one dash or two
+  bool takesValue;
+};
+/// What the application object takes out of the command line for itself; the session manager gives one of
+/// them.
+constexpr std::array<QtOption, 18> kQtOptions = {{{u"display", true},
+                                                  {u"dograb", false},
+                                                  {u"geometry", true},
+                                                  {u"icon", true},
+                                                  {u"nograb", false},
+                                                  {u"platform", true},
+                                                  {u"platformpluginpath", true},
+                                                  {u"platformtheme", true},
+                                                  {u"plugin", true},
+                                                  {u"qwindowgeometry", true},
+                                                  {u"qwindowicon", true},
+                                                  {u"qwindowtitle", true},
+                                                  {u"reverse", false},
+                                                  {u"session", true},
+                                                  {u"style", true},
+                                                  {u"stylesheet", true},
+                                                  {u"title", true},
+                                                  {u"widgetcount", false}}};
+
+/// How many words the option is that begins here; 0 when it is none of Qt's.
+qsizetype WordsOfQtOption(QStringView word) {
+  const QStringView name = word.mid(word.startsWith(u"--") ? 2 : 1);
+  const qsizetype equals = name.indexOf(u'=');
+  const QStringView bare = equals < 0 ? name : name.first(equals);
+  const auto* const found = std::ranges::find_if(
+      kQtOptions, [bare](const QtOption& each) { return bare == QStringView(each.name); });
+  if (found == kQtOptions.end()) return 0;
+  return found->takesValue && equals < 0 ? 2 : 1;
+}
+
+QString Usage() {
+  return QStringLiteral(
+      "usage: quarn [FILE]\n"
+      "       quarn --help | --version\n");
+}
+
+}  // namespace
 
 QString FileOfCommandLine(QStringView commandLine) {
   const qsizetype opening = commandLine.indexOf(u'"');
@@ -26,20 +80,39 @@ QString AnswerOnTerminal(const QStringList& arguments) {
     return QStringLiteral(
                "%1: a terminal for serial ports.\n"
                "\n"
-               "usage: quarn [FILE]\n"
-               "       quarn --help | --version\n"
+               "%2"
                "\n"
                "  FILE       configuration file (.qrn) to start with; without it the settings that\n"
                "             were in force last time\n"
                "  --help     this text\n"
                "  --version  name, version and build date\n")
-        .arg(name);
+        .arg(name, Usage());
   }
   if (arguments.contains(QStringLiteral("--version"))) {
     return QStringLiteral("%1, build %2\n")
         .arg(QString::fromLatin1(identity::kNameAndVersion), QString::fromLatin1(identity::kBuildDate));
   }
   return {};
+}
+
+QString WrongOption(const QStringList& arguments) {
+  for (qsizetype i = 1; i < arguments.size() && arguments[i].startsWith(u'-');) {
+    const qsizetype words = WordsOfQtOption(arguments[i]);
+    if (words == 0) return arguments[i];
+    i += words;
+  }
+  return {};
+}
+
+std::optional<int> AnswerAtOnce(const QStringList& arguments) {
+  const QString answer = AnswerOnTerminal(arguments);
+  if (!answer.isEmpty()) return WriteOnTerminal(answer, TerminalStream::Output) ? EXIT_SUCCESS : kNotPrinted;
+  const QString wrong = WrongOption(arguments);
+  if (wrong.isEmpty()) return std::nullopt;
+  const QString spelled = QString::fromLatin1(SpellOut(wrong.toUtf8()));
+  WriteOnTerminal(QStringLiteral("quarn: unknown option: %1\n%2").arg(spelled, Usage()),
+                  TerminalStream::Error);
+  return kWrongUsage;
 }
 
 }  // namespace quarn

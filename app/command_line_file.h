@@ -3,6 +3,7 @@
 #include <QString>
 #include <QStringList>
 #include <QStringView>
+#include <optional>
 
 namespace quarn {
 
@@ -20,5 +21,13 @@ QString WithinPathLimit(QString name);
 
 /// The answer to --help or --version, which need no window; empty without either.
 QString AnswerOnTerminal(const QStringList& arguments);
+
+/// The word before the file that begins with "-" and is no option, neither of the program nor of Qt; empty
+/// without one. A file whose name begins so is given with its folder.
+QString WrongOption(const QStringList& arguments);
+
+/// Answers what needs no window, on the terminal, and gives the exit status; nothing when there is a window
+/// to show.
+std::optional<int> AnswerAtOnce(const QStringList& arguments);
 
 }  // namespace quarn

@@ -5,10 +5,10 @@
 #include "app/fatal_limits.h"
 #include "app/program.h"
 #include "app/start_up.h"
-#include "app/terminal_output.h"
 #include "app/window_stage.h"
 #include "serial/platform_serial.h"
 #include "settings/data_folder.h"
+#include "terminal/standard_streams.h"
 #include "ui/pictures.h"
 #include "ui/wait_cursor.h"
 #include "ui/window_messages.h"
@@ -24,8 +24,8 @@ QStringList ArgumentsOf(int argc, char* argv[]) {
 }  // namespace
 
 int main(int argc, char* argv[]) {
-  const QString answer = quarn::AnswerOnTerminal(ArgumentsOf(argc, argv));
-  if (!answer.isEmpty()) return quarn::WriteOnTerminal(answer) ? EXIT_SUCCESS : EXIT_FAILURE;
+  quarn::OccupyStandardStreams();
+  if (const auto status = quarn::AnswerAtOnce(ArgumentsOf(argc, argv))) return *status;
   const QApplication application(argc, argv);
   QApplication::setWindowIcon(quarn::ApplicationIcon());
   // Message boxes come and go before the main dialog is there, and their end is not the program's.

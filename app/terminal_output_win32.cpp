@@ -6,8 +6,8 @@ namespace quarn {
 namespace {
 
 /// A program with windows has standard output only where somebody has redirected it.
-bool WriteRedirected(const QByteArray& bytes) {
-  const HANDLE output = GetStdHandle(STD_OUTPUT_HANDLE);
+bool WriteRedirected(const QByteArray& bytes, TerminalStream stream) {
+  const HANDLE output = GetStdHandle(stream == TerminalStream::Output ? STD_OUTPUT_HANDLE : STD_ERROR_HANDLE);
   DWORD written = 0;
   return output != nullptr && output != INVALID_HANDLE_VALUE &&
          WriteFile(output, bytes.constData(), static_cast<DWORD>(bytes.size()), &written, nullptr) != FALSE;
@@ -26,8 +26,8 @@ bool WriteOnConsole(const QString& text) {
 
 }  // namespace
 
-bool WriteOnTerminal(const QString& text) {
-  if (WriteRedirected(text.toLocal8Bit())) return true;
+bool WriteOnTerminal(const QString& text, TerminalStream stream) {
+  if (WriteRedirected(text.toLocal8Bit(), stream)) return true;
   // The console belongs to whoever started the program; it is left again at once, so that neither Ctrl+C nor
   // the closing of that window ends this process.
   if (AttachConsole(ATTACH_PARENT_PROCESS) == FALSE) return false;

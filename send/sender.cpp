@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <optional>
+#include <vector>
 
 #include "send/exit_status.h"
 #include "send/interruption.h"
@@ -90,12 +91,18 @@ bool AllCanBeSent(const QByteArrayList& commands, const QString& delimiter) {
   return true;
 }
 
-/// Why a port that is not listed may be there all the same; empty when the list is to be trusted.
+/// Why a port that is not listed may be there all the same: the folder with the numbers cannot be read, or
+/// not as often as a listing opens something. Empty when the list is to be trusted.
 QString WhyNotListed(const QString& portsFolder) {
-  std::error_code error;
-  const std::filesystem::directory_iterator entries(portsFolder.toStdU16String(), error);
-  if (!error || error == std::errc::no_such_file_or_directory) return {};
-  return portsFolder + QStringLiteral(": ") + QString::fromStdString(error.message());
+  constexpr int kMostOpenAtATime = 16;
+  std::vector<std::filesystem::directory_iterator> open;
+  for (int i = 0; i < kMostOpenAtATime; ++i) {
+    std::error_code error;
+    open.emplace_back(portsFolder.toStdU16String(), error);
+    if (error == std::errc::no_such_file_or_directory) break;
+    if (error) return portsFolder + QStringLiteral(": ") + QString::fromStdString(error.message());
+  }
+  return {};
 }
 
 bool Connect(const SettingsRecord& settings, const QString& portsFolder, PortConnection& connection) {

@@ -53,5 +53,31 @@ TEST(AnswerOnTerminal, OnlyWhenAsked) {
                 .arg(QLatin1String(identity::kNameAndVersion), QLatin1String(identity::kBuildDate)));
 }
 
+TEST(WrongOption, IsAWordWithADashThatNobodyKnows) {
+  for (const QString& word :
+       {u"--foo"_s, u"-h"_s, u"-?"_s, u"-"_s, u"--"_s, u"-x.qrn"_s, u"--platform-x"_s}) {
+    EXPECT_EQ(WrongOption({u"quarn"_s, word}), word);
+    EXPECT_EQ(WrongOption({u"quarn"_s, u"-style"_s, u"fusion"_s, word, u"a.qrn"_s}), word);
+  }
+  for (const QStringList& words : {QStringList{},
+                                   {u"a.qrn"_s},
+                                   {u"./-x.qrn"_s},
+                                   {u"C:\\my"_s, u"-"_s, u"files\\a.qrn"_s},
+                                   {u"-platform"_s, u"offscreen"_s},
+                                   {u"--platform=offscreen"_s, u"a.qrn"_s},
+                                   {u"-session"_s, u"-1"_s},
+                                   {u"-reverse"_s, u"a.qrn"_s},
+                                   {u"-style"_s}}) {
+    EXPECT_EQ(WrongOption(QStringList{u"quarn"_s} + words), QString()) << words.join(u' ').toStdString();
+  }
+}
+
+TEST(AnswerAtOnce, IsForThoseWhoNeedNoWindow) {
+  EXPECT_EQ(AnswerAtOnce({u"quarn"_s, u"a.qrn"_s}), std::nullopt);
+  EXPECT_EQ(AnswerAtOnce({u"quarn"_s, u"--foo"_s}), 64);
+  EXPECT_EQ(AnswerAtOnce({u"quarn"_s, u"-h"_s}), 64);
+  EXPECT_EQ(AnswerAtOnce({u"quarn"_s, u"--version"_s}), 0);
+}
+
 }  // namespace
 }  // namespace quarn

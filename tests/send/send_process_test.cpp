@@ -1,18 +1,13 @@
+#include "tests/send/send_process.h"
+
 #include <fcntl.h>
 #include <termios.h>
 
 #include <QDeadlineTimer>
-#include <QDir>
-#include <QFile>
-#include <QProcess>
-#include <QTemporaryDir>
 #include <QThread>
 #include <csignal>
-#include <map>
 
 #include "serial/file_descriptor.h"
-#include "settings/settings_table.h"
-#include "tests/transaction/transaction_fixture.h"
 
 #ifdef __SANITIZE_THREAD__
 // Starting a program shares this one's memory for a moment, and the thread sanitizer then takes this one
@@ -23,77 +18,8 @@ extern "C" const char* __tsan_default_options() { return "die_after_fork=0"; }
 namespace quarn {
 namespace {
 
-constexpr int kPatienceMs = 90'000;
-
-constexpr char kRules[] =
-    "\"id\" -> line \"SIM-1\"\n"
-    "\"mute\" -> silence\n"
-    "\"drop\" -> hangup\n"
-    "\"empty\" -> \"\\n\"\n"
-    "\"nul\" -> \"A\\x00B\\n\"\n"
-    "\"big\" -> \"x\" * 1501\n"
-    "\"bytes\" -> \"\\x02A\\x05\\r\\n\\x7f\\xff\\r\\n\"\n"
-    "* -> line \"ERR\"";
-
-struct Outcome {
-  int exitCode = -1;
-  QByteArray out;
-  QByteArray err;
-};
-
-/// The program with a settings folder of its own, in which COM7 leads to a simulated instrument.
-class SendProcess : public testing::Test {
- protected:
-  using Values = std::map<QByteArray, QByteArray>;
-
-  void SetUp() override {
-    ASSERT_TRUE(QDir().mkpath(Path("Halvo/Quarn/ports")));
-    ASSERT_TRUE(QFile::link(m_instrument.NodePath(), Path("Halvo/Quarn/ports/COM7")));
-    WriteSettings(Path("Halvo/Quarn/Quarn.ini"), {});
-  }
-
-  [[nodiscard]] QString Path(const char* name) const { return m_home.filePath(QString::fromLatin1(name)); }
-
-  /// A complete settings file: the defaults but for COM7, a fast line with a lasting silence, CRLF, and
-  /// what `values` say ("COM_BUF=" -> "1K").
-  void WriteSettings(const QString& path, Values values) const {
-    values.insert(
-        {{"COM_PORT=", "COM7"}, {"COM_BPS=", "4800"}, {"DELIMITER=", "CRLF"}, {"R_TIMEOUT=", "OFF"}});
-    QByteArray text = "\xEF\xBB\xBF.VER=Quarn  (Ver. 1.00)\r\n.BEGIN\r\n";
-    for (const QString& line : DefaultLines()) {
-      const QByteArray key = line.left(line.indexOf(u'=') + 1).toUtf8();
-      const auto own = values.find(key);
-      text += (own == values.end() ? line.toUtf8() : key + own->second) + "\r\n";
-    }
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    file.write(text + ".END\r\n");
-  }
-  void UseSettings(const Values& values) const { WriteSettings(Path("Halvo/Quarn/Quarn.ini"), values); }
-
-  void Start(QProcess& process, const QStringList& arguments) const {
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), m_home.path());
-    process.setProcessEnvironment(environment);
-    process.start(QStringLiteral(QUARN_SEND), arguments);
-  }
-  [[nodiscard]] Outcome Send(const QStringList& arguments) const {
-    QProcess process;
-    Start(process, arguments);
-    EXPECT_TRUE(process.waitForFinished(kPatienceMs));
-    EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
-    return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
-  }
-  [[nodiscard]] Outcome Send(const char* line) const {
-    return Send(QString::fromLatin1(line).split(u' ', Qt::SkipEmptyParts));
-  }
-
-  QTemporaryDir m_home;
-  ServedInstrument m_instrument{std::string_view(kRules)};
-};
-
 TEST_F(SendProcess, PrintsCommandAndResponseAsTheLogShowsThem) {
-  const Outcome sent = Send("id bytes");
+  const SendOutcome sent = Send("id bytes");
   EXPECT_EQ(sent.out, "[id]\nSIM-1\n[bytes]\n<STX>A<ENG>\n<DEL><0xff>\n");
   EXPECT_EQ(sent.err, "");
   EXPECT_EQ(sent.exitCode, 0);
@@ -102,19 +28,19 @@ TEST_F(SendProcess, PrintsCommandAndResponseAsTheLogShowsThem) {
 
 TEST_F(SendProcess, ATimeoutIsOne) {
   UseSettings({{"COM_BPS=", "115200"}, {"COM_BUF=", "6K"}, {"R_TIMEOUT=", "ON"}});
-  const Outcome sent = Send("mute");
+  const SendOutcome sent = Send("mute");
   EXPECT_EQ(sent.exitCode, 1);
   EXPECT_EQ(sent.out, "[mute]\nError: Response Timeout Error\n\n");
 }
 
 TEST_F(SendProcess, AnEmptyResponseIsTwo) {
-  const Outcome sent = Send("empty");
+  const SendOutcome sent = Send("empty");
   EXPECT_EQ(sent.exitCode, 2);
   EXPECT_EQ(sent.out, "[empty]\nError: Received Invalid Data\n\n");
 }
 
 TEST_F(SendProcess, ATruncatedResponseIsThree) {
-  const Outcome sent = Send("big");
+  const SendOutcome sent = Send("big");
   EXPECT_EQ(sent.exitCode, 3);
   EXPECT_TRUE(sent.out.endsWith("\n...\nError: Receive Buffer Overflow > 1500 (MAX. 1024)\n\n"))
       << sent.out.constData();
@@ -127,7 +53,7 @@ TEST_F(SendProcess, TheLastCommandDecides) {
 
 TEST_F(SendProcess, AfterATimeoutTheNextCommandIsSent) {
   UseSettings({{"COM_BPS=", "115200"}, {"COM_BUF=", "6K"}, {"R_TIMEOUT=", "ON"}});
-  const Outcome sent = Send("mute id");
+  const SendOutcome sent = Send("mute id");
   EXPECT_EQ(sent.exitCode, 0);
   EXPECT_EQ(sent.out, "[mute]\nError: Response Timeout Error\n\n[id]\nSIM-1\n");
 }
@@ -141,27 +67,27 @@ TEST_F(SendProcess, RawIsTheResponseByteForByte) {
 }
 
 TEST_F(SendProcess, RawOfATruncatedResponseIsWhatWasKept) {
-  const Outcome sent = Send("--raw big");
+  const SendOutcome sent = Send("--raw big");
   EXPECT_EQ(sent.out, QByteArray(1024, 'x'));
   EXPECT_EQ(sent.exitCode, 3);
 }
 
 TEST_F(SendProcess, RawOfNoResponseIsNothing) {
   UseSettings({{"COM_BPS=", "115200"}, {"COM_BUF=", "6K"}, {"R_TIMEOUT=", "ON"}});
-  const Outcome sent = Send("--raw id mute");
+  const SendOutcome sent = Send("--raw id mute");
   EXPECT_EQ(sent.out, "SIM-1\r\n") << "the response before is not this command's";
   EXPECT_EQ(sent.exitCode, 1);
 }
 
 TEST_F(SendProcess, ALineThatFailsIsFiveWithTheCommandThatWaited) {
-  const Outcome sent = Send("id drop id");
+  const SendOutcome sent = Send("id drop id");
   EXPECT_EQ(sent.exitCode, 5);
   EXPECT_EQ(sent.err, "quarn-send: the line failed while \"drop\" waited for its response\n");
   EXPECT_EQ(m_instrument.Received(), "id\r\ndrop\r\n") << "nothing is sent on a line that has failed";
 }
 
 TEST_F(SendProcess, RawOfALineThatFailsIsWhatCameBefore) {
-  const Outcome sent = Send("--raw id drop");
+  const SendOutcome sent = Send("--raw id drop");
   EXPECT_EQ(sent.out, "SIM-1\r\n") << "the response before is not this command's";
   EXPECT_EQ(sent.exitCode, 5);
 }
@@ -174,7 +100,7 @@ TEST_F(SendProcess, ThePortCanBeNamed) {
 
 TEST_F(SendProcess, TheSettingsFileCanBeNamed) {
   WriteSettings(Path("other.qrn"), {{"DELIMITER=", "LF"}});
-  const Outcome sent = Send({QStringLiteral("--settings"), Path("other.qrn"), QStringLiteral("id")});
+  const SendOutcome sent = Send({QStringLiteral("--settings"), Path("other.qrn"), QStringLiteral("id")});
   EXPECT_EQ(sent.exitCode, 0);
   EXPECT_EQ(sent.out, "[id]\nSIM-1\n");
   EXPECT_EQ(m_instrument.Received(), "id\n");
@@ -182,7 +108,7 @@ TEST_F(SendProcess, TheSettingsFileCanBeNamed) {
 
 TEST_F(SendProcess, AMissingSettingsFileIsFiveWithItsName) {
   const QString missing = Path("missing.qrn");
-  const Outcome sent = Send({QStringLiteral("--settings"), missing, QStringLiteral("id")});
+  const SendOutcome sent = Send({QStringLiteral("--settings"), missing, QStringLiteral("id")});
   EXPECT_EQ(sent.exitCode, 5);
   EXPECT_EQ(sent.out, "");
   EXPECT_EQ(sent.err, "quarn-send: " + missing.toUtf8() + ": no such settings file\n");
@@ -190,7 +116,7 @@ TEST_F(SendProcess, AMissingSettingsFileIsFiveWithItsName) {
 
 TEST_F(SendProcess, WithoutAWorkingSettingsFileItIsFiveToo) {
   ASSERT_TRUE(QFile::remove(Path("Halvo/Quarn/Quarn.ini")));
-  const Outcome sent = Send("id");
+  const SendOutcome sent = Send("id");
   EXPECT_EQ(sent.exitCode, 5);
   EXPECT_TRUE(sent.err.endsWith("Quarn.ini: no such settings file\n")) << sent.err.constData();
 }
@@ -198,7 +124,7 @@ TEST_F(SendProcess, WithoutAWorkingSettingsFileItIsFiveToo) {
 TEST_F(SendProcess, ADamagedSettingsFileIsFiveWithItsName) {
   const QString working = Path("Halvo/Quarn/Quarn.ini");
   ASSERT_TRUE(QFile::resize(working, 60));
-  const Outcome sent = Send("id");
+  const SendOutcome sent = Send("id");
   EXPECT_EQ(sent.exitCode, 5);
   EXPECT_EQ(sent.err, "quarn-send: " + working.toUtf8() + ": not a complete settings file\n");
   EXPECT_EQ(m_instrument.Received(), "");
@@ -213,7 +139,7 @@ TEST_F(SendProcess, ANumberThatNoPortHasIsToldWithWhatToDo) {
 }
 
 TEST_F(SendProcess, APortThatIsNotPresentIsFiveWithItsName) {
-  const Outcome sent = Send("--port COM98 id");
+  const SendOutcome sent = Send("--port COM98 id");
   EXPECT_EQ(sent.exitCode, 5);
   EXPECT_EQ(sent.out, "");
   EXPECT_EQ(sent.err, "quarn-send: COM98 is not present\n");
@@ -222,7 +148,7 @@ TEST_F(SendProcess, APortThatIsNotPresentIsFiveWithItsName) {
 TEST_F(SendProcess, APortInUseIsFiveWithItsReason) {
   const OpenResult mine = OpenTerminalDevice(m_instrument.NodePath());
   ASSERT_TRUE(mine.line);
-  const Outcome sent = Send("id");
+  const SendOutcome sent = Send("id");
   EXPECT_EQ(sent.exitCode, 5);
   EXPECT_EQ(sent.err, "quarn-send: " + m_instrument.NodePath().toUtf8() + ": in use by another program\n");
   EXPECT_EQ(m_instrument.Received(), "");
@@ -230,7 +156,7 @@ TEST_F(SendProcess, APortInUseIsFiveWithItsReason) {
 
 TEST_F(SendProcess, ALineThatNoUartHasIsFiveWithTheReason) {
   UseSettings({{"COM_BITS=", "8"}, {"COM_STOP=", "1.5"}});
-  const Outcome sent = Send("id");
+  const SendOutcome sent = Send("id");
   EXPECT_EQ(sent.exitCode, 5);
   EXPECT_TRUE(sent.err.contains("Failed to set serial port state\n")) << sent.err.constData();
   EXPECT_TRUE(sent.err.contains("data and stop bits")) << sent.err.constData();
@@ -249,12 +175,12 @@ TEST_F(SendProcess, CtrlCIsFourAndPutsTheLineBack) {
   untouched.c_lflag |= ECHO | ICANON;
   ASSERT_EQ(::tcsetattr(line.Get(), TCSANOW, &untouched), 0);
   QProcess process;
-  Start(process, {"mute", "id"});
-  const QDeadlineTimer patience(kPatienceMs);
+  Start(process, QStringLiteral(QUARN_SEND), {QStringLiteral("mute"), QStringLiteral("id")});
+  const QDeadlineTimer patience(kSendPatienceMs);
   while (m_instrument.Received() != "mute\r\n" && !patience.hasExpired()) QThread::msleep(1);
   EXPECT_EQ(state().c_lflag & (ECHO | ICANON), 0U);
   ASSERT_EQ(::kill(static_cast<pid_t>(process.processId()), SIGINT), 0);
-  ASSERT_TRUE(process.waitForFinished(kPatienceMs));
+  ASSERT_TRUE(process.waitForFinished(kSendPatienceMs));
   EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
   EXPECT_EQ(process.exitCode(), 4);
   EXPECT_EQ(process.readAllStandardOutput(), "[mute]\nWarning: Aborted by ESC Key\n\n");
@@ -263,8 +189,8 @@ TEST_F(SendProcess, CtrlCIsFourAndPutsTheLineBack) {
 }
 
 TEST_F(SendProcess, WrongUsageIs64) {
-  for (const char* line : {"", "--loud id", "id --port"}) {
-    const Outcome sent = Send(line);
+  for (const char* line : {"", "--loud id", "id --port", "-h", "-p COM7 id", "id -", "--port COM7 -5"}) {
+    const SendOutcome sent = Send(line);
     EXPECT_EQ(sent.exitCode, 64) << line;
     EXPECT_EQ(sent.out, "") << line;
     EXPECT_TRUE(sent.err.startsWith("quarn-send: ")) << line;
@@ -274,11 +200,11 @@ TEST_F(SendProcess, WrongUsageIs64) {
 }
 
 TEST_F(SendProcess, HelpAndVersionGoToStandardOutput) {
-  const Outcome help = Send("--help");
+  const SendOutcome help = Send("--help");
   EXPECT_EQ(help.exitCode, 0);
   EXPECT_TRUE(help.out.startsWith("usage: quarn-send"));
   EXPECT_EQ(help.err, "");
-  const Outcome version = Send("--version");
+  const SendOutcome version = Send("--version");
   EXPECT_EQ(version.exitCode, 0);
   EXPECT_EQ(version.out, "quarn-send 1.00\n");
 }

@@ -1,0 +1,83 @@
+// The program where the system gives it less than it needs.
+
+#include <sys/resource.h>
+
+#include <csignal>
+
+#include "support/no_threads_linux.h"
+#include "tests/send/send_process.h"
+
+namespace quarn {
+namespace {
+
+class SendSurroundings : public SendProcess {
+ protected:
+  [[nodiscard]] SendOutcome SendIn(const std::function<void()>& inChild, const QStringList& arguments) const {
+    return Run(QStringLiteral(QUARN_SEND), arguments, inChild);
+  }
+};
+
+TEST_F(SendSurroundings, WithoutAThreadItIsFiveWithTheReason) {
+  const auto forbid = [] {
+    if (!test::ForbidThreads()) std::_Exit(99);
+  };
+  const SendOutcome sent =
+      SendIn(forbid, {QStringLiteral("--raw"), QStringLiteral("id"), QStringLiteral("id")});
+  EXPECT_EQ(sent.exitCode, 5);
+  EXPECT_EQ(sent.out, "");
+  EXPECT_EQ(
+      sent.err,
+      "quarn-send: \"id\" was not sent: the system gives no thread: Resource temporarily unavailable\n");
+  EXPECT_EQ(m_instrument.Received(), "");
+}
+
+/// However far it gets: it works, or the reason is the one there is, in one line.
+TEST_F(SendSurroundings, WithoutDescriptorsItIsFiveWithTheReason) {
+  int refused = 0;
+  SendOutcome sent;
+  for (rlim_t most = 4; most <= 24 && sent.exitCode != 0; ++most) {
+    const auto limit = [most] {
+      const rlimit few{most, most};
+      if (::setrlimit(RLIMIT_NOFILE, &few) != 0) std::_Exit(99);
+    };
+    sent = SendIn(limit, {QStringLiteral("id")});
+    // Not even the program's libraries can be opened.
+    if (sent.exitCode == 127) continue;
+    if (sent.exitCode == 0) break;
+    ++refused;
+    EXPECT_EQ(sent.exitCode, 5) << most;
+    EXPECT_TRUE(sent.err.endsWith(": Too many open files\n")) << most << ": " << sent.err.constData();
+    EXPECT_EQ(sent.err.count('\n'), 1) << most << ": " << sent.err.constData();
+    EXPECT_EQ(m_instrument.Received(), "") << most;
+  }
+  EXPECT_GT(refused, 0);
+  EXPECT_EQ(sent.exitCode, 0) << "with enough of them it works";
+  EXPECT_EQ(sent.out, "[id]\nSIM-1\n");
+}
+
+bool IsStopped(qint64 process) {
+  QFile file(QStringLiteral("/proc/%1/stat").arg(process));
+  return file.open(QIODevice::ReadOnly) && file.readAll().contains(") T ");
+}
+
+/// An answer that came while nobody could look at it is one that came in time.
+TEST_F(SendSurroundings, AnAnswerThatComesWhileTheProcessIsStoppedIsShown) {
+  // 250 polls of 10 ms, and a few more.
+  constexpr std::chrono::milliseconds kTimeout{2650};
+  UseSettings({{"COM_BPS=", "115200"}, {"COM_BUF=", "1K"}, {"R_TIMEOUT=", "ON"}});
+  QProcess process;
+  Start(process, QStringLiteral(QUARN_SEND), {QStringLiteral("late")});
+  ASSERT_TRUE(Eventually([&] { return m_instrument.Received() == "late\r\n"; }));
+  const auto stopped = std::chrono::steady_clock::now();
+  ASSERT_EQ(::kill(static_cast<pid_t>(process.processId()), SIGSTOP), 0);
+  ASSERT_TRUE(Eventually([&] { return IsStopped(process.processId()); }));
+  ASSERT_TRUE(Eventually(
+      [&] { return m_instrument.Answers() == 1 && std::chrono::steady_clock::now() - stopped > kTimeout; }));
+  ASSERT_EQ(::kill(static_cast<pid_t>(process.processId()), SIGCONT), 0);
+  ASSERT_TRUE(process.waitForFinished(kSendPatienceMs));
+  EXPECT_EQ(process.exitCode(), 0);
+  EXPECT_EQ(process.readAllStandardOutput(), "[late]\nSIM-1\n");
+}
+
+}  // namespace
+}  // namespace quarn
