@@ -29,7 +29,7 @@ TEST(Terminal, AWordWithADashIsNoFile) {
   for (const std::string word : {"--foo", "-h", "-x.qrn"}) {
     EXPECT_EQ(SaidBy("quarn", "2>&1 " + word), "quarn: unknown option: " + word + "\n" + usage);
   }
-  EXPECT_EQ(SaidBy("quarn", "2>&1 \"$(printf -- '-\\033[2J')\""),
+  EXPECT_EQ(SaidBy("quarn", "2>&1 \"$(printf '%s\\033[2J' -)\""),
             "quarn: unknown option: -<ESC>[2J\n" + usage);
 }
 
