@@ -8,7 +8,6 @@ namespace quarn {
 
 QStringList SplitTextLines(QStringView text, QChar terminator) {
   QStringList lines;
-  if (text.size() > kMaxSplitCharacters) return lines;
   qsizetype start = 0;
   while (start < text.size() && lines.size() < kMaxLines) {
     qsizetype end = text.indexOf(terminator, start);

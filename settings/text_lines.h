@@ -9,12 +9,9 @@ namespace quarn {
 inline constexpr qsizetype kMaxLines = 1024;
 /// A line being split off, in 16-bit characters; one more is a fatal bounds error.
 inline constexpr qsizetype kMaxLineCharacters = 1023;
-/// A text longer than this is not split at all.
-inline constexpr qsizetype kMaxSplitCharacters = 8192;
 
-/// Cuts a text after every terminator and drops the terminators; what follows the last one is a line too
-/// unless it is empty. Lines beyond the first kMaxLines are not seen. A text of more than
-/// kMaxSplitCharacters gives no line at all.
+/// Cuts a text of any length after every terminator and drops the terminators; what follows the last one is a
+/// line too unless it is empty. Lines beyond the first kMaxLines are not seen.
 [[nodiscard]] QStringList SplitTextLines(QStringView text, QChar terminator = u'\n');
 
 /// Drops the empty entries and sorts the rest in ascending order of 16-bit code units, whatever the

@@ -71,12 +71,23 @@ TEST_F(KeyStoreEntries, SeesTheFirst1024LinesOnly) {
   EXPECT_EQ(List(".BEGIN\n" + entries + "A=1\n.END\n"), 2);
 }
 
-TEST_F(KeyStoreEntries, SeesNoLineInMoreThan8192Characters) {
-  const QByteArray bytes = ".BEGIN\nA=1\n.END\n";
-  const QByteArray rest = QByteArray(8192 - bytes.size(), '\n');
-  EXPECT_EQ(List(bytes + rest), 1);
-  EXPECT_EQ(List(bytes + rest + "\n"), 2);
-  EXPECT_EQ(List(bytes + QByteArray(20000, '\n')), 2);
+TEST_F(KeyStoreEntries, SeesEveryLineOfTheLongestText) {
+  const QByteArray filler = "A=" + QByteArray(998, 'x') + "\n";
+  for (const int lines : {8, 9, 16}) {
+    QByteArray bytes = ".BEGIN\n" + filler.repeated(lines) + "B=";
+    if (lines == 16) bytes += QByteArray(16383 - bytes.size() - 6, 'y');
+    EXPECT_EQ(List(bytes + "\n.END\n"), lines + 1) << lines;
+    EXPECT_TRUE(m_entries.last().startsWith(QStringLiteral("B=")));
+  }
+  // What lies behind the longest text is not there.
+  EXPECT_EQ(List(".BEGIN\n" + filler.repeated(17) + ".END\n"), 2);
+  EXPECT_EQ(List(".BEGIN\nA=1\n.END\n" + QByteArray(20000, '\n')), 1);
+}
+
+TEST_F(KeyStoreEntries, ListsBytesThatAreFewerCharacters) {
+  // The limit of a text is in characters, whatever they take in the file.
+  const QByteArray euros = "A=" + QByteArray("\xE2\x82\xAC").repeated(1000) + "\r\n";
+  EXPECT_EQ(List(".BEGIN\r\n" + euros.repeated(5) + "B=1\r\n.END\r\n"), 6);
 }
 
 TEST_F(KeyStoreEntries, CallsAFileThatIsNotUtf8AFormatError) {
@@ -158,7 +169,7 @@ TEST_F(KeyStoreEntries, AnEmptyKeyRemovesBlankLinesAndNoSetting) {
 
 TEST_F(KeyStoreEntries, LeavesAFileAloneWhoseEntriesCannotBeListed) {
   const QByteArray hiddenEnd = ".BEGIN\n" + QByteArray("A=1\n").repeated(1023) + ".END\n";
-  const QByteArray tooLong = ".BEGIN\nA=1\n.END\n" + QByteArray(8192, '\n');
+  const QByteArray tooLong = ".BEGIN\nA=1\n" + QByteArray(16383, '\n') + ".END\n";
   for (const QByteArray& bytes :
        {QByteArray(), QByteArray("A=1\n"), QByteArray(".BEGIN\nA=1\n"), QByteArray("A=1\n.END\n"),
         QByteArray(".BEGIN\nA=\xFF\n.END\n"), hiddenEnd, tooLong}) {

@@ -50,7 +50,7 @@ INSTANTIATE_TEST_SUITE_P(Files, KeyStoreFixtures,
                                          FileCase{"broken_port_after_end.qrn", LoadResult::Incomplete, 28},
                                          FileCase{"broken_blank_before_port.qrn", LoadResult::Incomplete, 29},
                                          FileCase{"hostile_many_lines.qrn", LoadResult::Incomplete, 2},
-                                         FileCase{"hostile_oversize.qrn", LoadResult::Incomplete, 2},
+                                         FileCase{"hostile_oversize.qrn", LoadResult::Incomplete, 29},
                                          FileCase{"hostile_nul.qrn", LoadResult::Loaded, 29}));
 
 using KeyStoreFixtureFiles = SettingsFileTest;
