@@ -72,7 +72,7 @@ void DecodeUpdateEncode(benchmark::State& state) {
   const QByteArray bytes = EncodeSettingsText(FullSizeText());
   for (auto _ : state) {
     const std::optional<QString> text = DecodeSettingsText(bytes);
-    const ValueUpdate update = UpdateText(*text, keys::kMem[9], u"b");
+    const ValueUpdate update = UpdateText(*text, {{keys::kMem[9], QStringLiteral("b")}});
     benchmark::DoNotOptimize(EncodeSettingsText(*update.newText));
   }
 }

@@ -4,6 +4,7 @@
 #include <QFileInfo>
 #include <QLoggingCategory>
 #include <QSaveFile>
+#include <algorithm>
 #include <filesystem>
 #include <system_error>
 
@@ -21,21 +22,26 @@ Q_LOGGING_CATEGORY(lcSettings, "quarn.settings")
 // file that counts, and a huge one costs no more than this to refuse.
 constexpr qint64 kReadCap = 3 * (kMaxFileCharacters + 1) + 16;
 
-/// The file's text, or the first kReadCap bytes of it; then it is longer than kMaxFileCharacters.
-std::optional<QString> ReadText(const QString& path) {
+/// The file's bytes, or the first `limit` of them.
+std::optional<QByteArray> ReadBytes(const QString& path, qint64 limit) {
   QFile file(path);
   if (ClassifyPath(path) != PathKind::File || !file.open(QIODevice::ReadOnly)) {
     // The message handler adds the line feed.
     qCDebug(lcSettings, "No file found !!");
     return std::nullopt;
   }
-  const QByteArray bytes = file.read(kReadCap);
-  if (file.error() != QFileDevice::NoError) {
-    qCDebug(lcSettings) << "cannot read" << path << file.errorString();
-    return std::nullopt;
-  }
-  const BytesAre extent = bytes.size() < kReadCap ? BytesAre::Whole : BytesAre::CutShort;
-  std::optional<QString> text = DecodeSettingsText(bytes, extent);
+  QByteArray bytes = file.read(limit);
+  if (file.error() == QFileDevice::NoError) return bytes;
+  qCDebug(lcSettings) << "cannot read" << path << file.errorString();
+  return std::nullopt;
+}
+
+/// The file's text, or that of its first kReadCap bytes; then it is longer than kMaxFileCharacters.
+std::optional<QString> ReadText(const QString& path) {
+  const std::optional<QByteArray> bytes = ReadBytes(path, kReadCap);
+  if (!bytes) return std::nullopt;
+  const BytesAre extent = bytes->size() < kReadCap ? BytesAre::Whole : BytesAre::CutShort;
+  std::optional<QString> text = DecodeSettingsText(*bytes, extent);
   if (!text) qCDebug(lcSettings) << "not valid UTF-8:" << path;
   return text;
 }
@@ -90,6 +96,11 @@ bool ReplaceFile(const QString& path, const QByteArray& bytes, QString& reason) 
   return written;
 }
 
+bool WriteUpdatedText(const QString& path, const QString& text) {
+  RequireWithinBounds("updated text", kMaxFileCharacters, text.size());
+  return WriteWholeText(path, text);
+}
+
 }  // namespace
 
 PathKind ClassifyPath(const QString& path) {
@@ -108,14 +119,9 @@ std::optional<QString> ReadWholeText(const QString& path) {
 }
 
 std::optional<QByteArray> ReadWholeBytes(const QString& path) {
-  QFile file(path);
-  if (ClassifyPath(path) != PathKind::File || !file.open(QIODevice::ReadOnly)) {
-    qCDebug(lcSettings, "No file found !!");
-    return std::nullopt;
-  }
-  const QByteArray bytes = file.readAll();
-  if (file.error() == QFileDevice::NoError) return bytes;
-  qCDebug(lcSettings) << "cannot read" << path << file.errorString();
+  const std::optional<QByteArray> bytes = ReadBytes(path, kMaxFileBytes + 1);
+  if (!bytes || bytes->size() <= kMaxFileBytes) return bytes;
+  qCDebug(lcSettings) << "too large for a settings file:" << path;
   return std::nullopt;
 }
 
@@ -138,12 +144,25 @@ std::optional<QString> ReadValue(const QString& path, SettingsKey key) {
 }
 
 bool UpdateValue(const QString& path, SettingsKey key, const QString& value) {
+  return UpdateValues(path, {{key, value}});
+}
+
+bool UpdateValues(const QString& path, const QList<NewValue>& values) {
   const BoundsFile file(path);
   const std::optional<QString> text = ReadText(path);
   if (!text) return true;
-  const ValueUpdate update = UpdateText(*text, key, value);
-  if (update.newText) WriteWholeText(path, *update.newText);
+  const ValueUpdate update = UpdateText(*text, values);
+  if (update.newText) WriteUpdatedText(path, *update.newText);
   return update.ok;
+}
+
+bool UpdateFits(const QString& path, const QList<NewValue>& values) {
+  const auto isLine = [](const NewValue& each) { return !each.value.contains(u'\n'); };
+  if (!std::all_of(values.begin(), values.end(), isLine)) return false;
+  const BoundsFile file(path);
+  const std::optional<QString> text = ReadText(path);
+  const std::optional<QString> updated = text ? UpdateText(*text, values).newText : std::nullopt;
+  return !updated || FitsFile(*updated);
 }
 
 int ListEntries(const QString& path, QStringList& entries) {
@@ -167,7 +186,7 @@ bool AddKeyLine(const QString& path, const QString& line) {
   const std::optional<QString> text = ReadWholeText(path);
   if (!text) return false;
   const std::optional<QString> longer = TextWithKeyLine(*text, line);
-  return longer && WriteWholeText(path, *longer);
+  return longer && WriteUpdatedText(path, *longer);
 }
 
 bool RemoveKey(const QString& path, SettingsKey key) {
@@ -175,7 +194,7 @@ bool RemoveKey(const QString& path, SettingsKey key) {
   const std::optional<QString> text = ReadWholeText(path);
   if (!text) return false;
   const std::optional<QString> shorter = TextWithoutKey(*text, key);
-  return shorter && WriteWholeText(path, *shorter);
+  return shorter && WriteUpdatedText(path, *shorter);
 }
 
 }  // namespace quarn

@@ -1,11 +1,12 @@
 #pragma once
 
 #include <QByteArray>
+#include <QList>
 #include <QString>
 #include <QStringList>
 #include <optional>
 
-#include "settings/settings_key.h"
+#include "settings/settings_text.h"
 
 /// The operations on a settings file. Each reads the file anew and, where it writes, replaces the whole
 /// file: written beside, flushed, renamed, with its permissions kept, so that a crash or a full disk leaves
@@ -24,7 +25,8 @@ enum class PathKind { Nothing = 0, File = 1, Folder = 2 };
 /// Nothing when it cannot be opened or is not UTF-8.
 [[nodiscard]] std::optional<QString> ReadWholeText(const QString& path);
 
-/// The file's bytes as they stand. Nothing when it is no file or cannot be read.
+/// The file's bytes as they stand. Nothing when it is no file, cannot be read, or is larger than
+/// kMaxFileBytes; of a larger one no more is read than tells that.
 [[nodiscard]] std::optional<QByteArray> ReadWholeBytes(const QString& path);
 
 /// Writes the bytes as the file's whole content. True when they have been written. Refused, and nothing
@@ -46,6 +48,14 @@ bool WriteWholeText(const QString& path, const QString& text);
 /// text of more than 16383 characters is fatal.
 bool UpdateValue(const QString& path, SettingsKey key, const QString& value);
 
+/// The same for several keys with one replacement of the file. A key behind ".END" makes the result false,
+/// and the others are still written.
+bool UpdateValues(const QString& path, const QList<NewValue>& values);
+
+/// Whether the file with these values would be read again at the next start. Whoever writes what a person has
+/// typed asks first. True as well where nothing would be written.
+[[nodiscard]] bool UpdateFits(const QString& path, const QList<NewValue>& values);
+
 /// ListEntries: the path is not a file.
 inline constexpr int kListNoFile = -1;
 /// ListEntries: the file is empty or lacks ".BEGIN" or ".END". A file of exactly two entries gives the same
@@ -54,7 +64,7 @@ inline constexpr int kListFormatError = 2;
 
 /// Fills `entries` with the lines between ".BEGIN" and ".END", in file order, and returns their count, or
 /// one of the two numbers above (then the list is empty, save for a file of two entries). A line of more
-/// than 1023 characters is fatal; a file of more than 8192 characters has no lines to see.
+/// than 1023 characters is fatal. Of a longer file the first 16383 characters count.
 int ListEntries(const QString& path, QStringList& entries);
 
 /// Writes a fresh file with the default lines. False when the path is a folder or cannot be written.
@@ -63,7 +73,7 @@ bool WriteDefaultFile(const QString& path);
 /// Rewrites the file in the normalised layout with one complete line added ("MARK_COLOR=WHITE"), unless its
 /// key part occurs anywhere in the file. Lines outside the entries are dropped and the version line becomes
 /// the current one. A file whose entries cannot be listed is left alone. True when the file was rewritten.
-/// A key part of more than 79 characters is fatal.
+/// A key part of more than 79 characters and a new text of more than 16383 are fatal.
 bool AddKeyLine(const QString& path, const QString& line);
 
 /// The same rewrite with every entry that begins with the key removed. An empty key removes no entry.

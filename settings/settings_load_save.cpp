@@ -26,12 +26,16 @@ LoadResult LoadSettings(const QString& path, SettingsRecord& record) {
   return LoadResult::Loaded;
 }
 
-bool SaveAllSettings(const QString& path, const SettingsRecord& record) {
-  bool allUpdated = true;
+QList<NewValue> AllValues(const SettingsRecord& record) {
+  QList<NewValue> values;
   for (const Setting* setting : SettingsInSaveOrder()) {
-    if (!UpdateValue(path, setting->key, setting->savedFrom.In(record))) allUpdated = false;
+    values.append({setting->key, setting->savedFrom.In(record)});
   }
-  return allUpdated;
+  return values;
+}
+
+bool SaveAllSettings(const QString& path, const SettingsRecord& record) {
+  return UpdateValues(path, AllValues(record));
 }
 
 bool ValidatePortName(const QString& name) {

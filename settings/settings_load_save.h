@@ -1,8 +1,10 @@
 #pragma once
 
+#include <QList>
 #include <QString>
 
 #include "settings/settings_record.h"
+#include "settings/settings_text.h"
 
 namespace quarn {
 
@@ -19,9 +21,10 @@ enum class LoadResult {
 /// 1023 characters is fatal.
 [[nodiscard]] LoadResult LoadSettings(const QString& path, SettingsRecord& record);
 
-/// Writes 28 keys of the record into the file, one UpdateValue each; the file is rewritten as often. The
-/// text of ENBL_NULL goes under FUNC_KEY as well. False when an update said false; the rest are still
-/// written.
+/// The 28 keys that a record is saved under, with its texts. That of ENBL_NULL goes under FUNC_KEY as well.
+[[nodiscard]] QList<NewValue> AllValues(const SettingsRecord& record);
+
+/// Writes AllValues into the file with one replacement, as UpdateValues does.
 bool SaveAllSettings(const QString& path, const SettingsRecord& record);
 
 /// Whether a COM_PORT text can be a port: "NONE", or "COM" and one or two more characters, none of them

@@ -40,6 +40,14 @@ SearchEnd FindKeyLine(QStringView text, SettingsKey key, KeyLine& found) {
   return SearchEnd::TextEnd;
 }
 
+QString WithValue(const QString& text, const KeyLine& line, QStringView value) {
+  const QStringView before = QStringView(text).first(line.valueStart);
+  const QStringView after = QStringView(text).sliced(std::min(line.lineEnd + 1, text.size()));
+  QString updated;
+  updated.append(before).append(value).append(u'\n').append(after);
+  return updated;
+}
+
 qsizetype IndexOfLineBeginning(const QStringList& lines, QStringView beginning) {
   const auto it = std::find_if(lines.begin(), lines.end(),
                                [&](const QString& line) { return line.startsWith(beginning); });
@@ -66,6 +74,13 @@ QByteArray EncodeSettingsText(const QString& text) {
   return QByteArrayLiteral("\xEF\xBB\xBF") + lines.toUtf8();
 }
 
+bool FitsFile(const QString& text) {
+  if (text.size() > kMaxFileCharacters || EncodeSettingsText(text).size() > kMaxFileBytes) return false;
+  const QList<QStringView> lines = QStringView(text).split(u'\n');
+  return std::all_of(lines.begin(), lines.end(),
+                     [](QStringView line) { return line.size() <= kMaxLineCharacters; });
+}
+
 std::optional<QString> FindValue(const QString& text, SettingsKey key) {
   if (text.size() <= 1 || text.size() > kMaxFileCharacters) return std::nullopt;
   KeyLine line;
@@ -76,24 +91,22 @@ std::optional<QString> FindValue(const QString& text, SettingsKey key) {
   return text.mid(line.valueStart, length);
 }
 
-ValueUpdate UpdateText(const QString& text, SettingsKey key, QStringView value) {
+ValueUpdate UpdateText(const QString& text, const QList<NewValue>& values) {
   if (text.size() <= 1) return {true, std::nullopt};
   if (text.size() > kMaxFileCharacters) return {false, std::nullopt};
-  KeyLine line;
-  switch (FindKeyLine(text, key, line)) {
-    case SearchEnd::EndLine:
-      return {false, std::nullopt};
-    case SearchEnd::TextEnd:
-      return {true, text};
-    case SearchEnd::Found:
-      break;
+  ValueUpdate update{true, std::nullopt};
+  QString updated = text;
+  for (const NewValue& each : values) {
+    KeyLine line;
+    const SearchEnd end = FindKeyLine(updated, each.key, line);
+    if (end == SearchEnd::EndLine) {
+      update.ok = false;
+      continue;
+    }
+    if (end == SearchEnd::Found) updated = WithValue(updated, line, each.value);
+    update.newText = updated;
   }
-  const QStringView before = QStringView(text).first(line.valueStart);
-  const QStringView after = QStringView(text).sliced(std::min(line.lineEnd + 1, text.size()));
-  RequireWithinBounds("updated text", kMaxFileCharacters, before.size() + value.size() + 1 + after.size());
-  QString updated;
-  updated.append(before).append(value).append(u'\n').append(after);
-  return {true, updated};
+  return update;
 }
 
 std::optional<QStringList> EntriesOf(const QString& text) {
@@ -111,7 +124,6 @@ QString NormalisedText(QStringList entries) {
   text.append(kBeginLine).append(u'\n');
   for (const QString& entry : std::as_const(entries)) text.append(entry).append(u'\n');
   text.append(kEndLine).append(u'\n');
-  RequireWithinBounds("updated text", kMaxFileCharacters, text.size());
   return text;
 }
 

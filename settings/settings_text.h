@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QByteArrayView>
+#include <QList>
 #include <QString>
 #include <QStringList>
 #include <optional>
@@ -14,7 +15,9 @@
 /// (FatalBoundsError). Every function may be called from any thread.
 namespace quarn {
 
-/// Larger files are not searched and not updated; a larger updated text is fatal.
+/// Larger files are no settings files, whatever they hold.
+inline constexpr qsizetype kMaxFileBytes = 16384;
+/// Longer texts are not searched and not updated; to write a longer one as an update is fatal.
 inline constexpr qsizetype kMaxFileCharacters = 16383;
 /// A longer value is fatal when it is looked up.
 inline constexpr qsizetype kMaxValueCharacters = 1023;
@@ -33,30 +36,39 @@ enum class BytesAre { Whole, CutShort };
 /// Text to the bytes of a file: byte-order mark, UTF-8, every line feed as carriage return plus line feed.
 [[nodiscard]] QByteArray EncodeSettingsText(const QString& text);
 
+/// Whether a file with this text would be read again at the next start: in bytes, in characters and in the
+/// length of each of its lines.
+[[nodiscard]] bool FitsFile(const QString& text);
+
 /// The rest of the first line that begins with the key; lines before ".BEGIN" are searched too. A line
 /// that is exactly ".END" ends the search. Nothing for a text of at most one character or of more than
 /// kMaxFileCharacters.
 [[nodiscard]] std::optional<QString> FindValue(const QString& text, SettingsKey key);
 
+/// What is to stand under a key from now on.
+struct NewValue {
+  SettingsKey key;
+  QString value;
+};
+
 struct ValueUpdate {
-  /// False when ".END" comes before the key, or the text is too long.
+  /// False when ".END" comes before one of the keys, or the text is too long.
   bool ok = false;
   /// What the file is to hold from now on; nothing when it is to be left alone.
   std::optional<QString> newText;
 };
 
-/// The text with the value of the first line that begins with the key replaced; that line then ends with
-/// a line feed, and everything else stays. A key that is not there is never added: a text without the key
-/// and without ".END" comes back unchanged.
-[[nodiscard]] ValueUpdate UpdateText(const QString& text, SettingsKey key, QStringView value);
+/// The text with the value of the first line that begins with the key replaced, for each key in turn; that
+/// line then ends with a line feed, and everything else stays. A key that is not there is never added: a text
+/// without the key and without ".END" comes back unchanged. What comes out may be of any length.
+[[nodiscard]] ValueUpdate UpdateText(const QString& text, const QList<NewValue>& values);
 
 /// The lines between the first that begins with ".BEGIN" and the first, from the top, that begins with
-/// ".END". No line when ".END" comes first. Nothing when either is missing, or out of sight for
-/// SplitTextLines.
+/// ".END". No line when ".END" comes first. Nothing when either is missing, or not among the first kMaxLines.
 [[nodiscard]] std::optional<QStringList> EntriesOf(const QString& text);
 
 /// The layout that every writer of a whole file produces: the current version line, ".BEGIN", the
-/// entries sorted and without empty ones, ".END". More than kMaxFileCharacters are fatal.
+/// entries sorted and without empty ones, ".END". What comes out may be of any length.
 [[nodiscard]] QString NormalisedText(QStringList entries);
 
 /// The normalised text with one complete line ("KEY=VALUE") added. Nothing when it is to be left alone:

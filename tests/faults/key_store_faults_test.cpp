@@ -73,21 +73,6 @@ TEST_F(KeyStoreFaults, UpdatingAValueThroughALink) {
       });
 }
 
-/// How many lines are still the old ones; every other is the new one.
-int OldLines(const QByteArray& bytes, const QByteArray& before, const QByteArray& after) {
-  const QList<QByteArray> found = bytes.split('\n');
-  const QList<QByteArray> was = before.split('\n');
-  const QList<QByteArray> becomes = after.split('\n');
-  EXPECT_EQ(found.size(), becomes.size());
-  int old = 0;
-  for (qsizetype i = 0; i < std::min(found.size(), becomes.size()); ++i) {
-    if (found[i] == becomes[i]) continue;
-    EXPECT_EQ(found[i], was[i]);
-    ++old;
-  }
-  return old;
-}
-
 TEST_F(KeyStoreFaults, SavingAllSettings) {
   SettingsRecord record = DefaultSettings();
   QByteArray saved = NormalisedBytes(SortedDefaults());
@@ -97,17 +82,14 @@ TEST_F(KeyStoreFaults, SavingAllSettings) {
   }
   // Both take the text of one setting.
   saved.replace("FUNC_KEY=ON", "FUNC_KEY=OFF");
-  FaultRun run(
-      "save all settings", Place(), [&] { PutWorking(NormalisedBytes(SortedDefaults())); },
-      [&] { SaveAllSettings(working, record); },
+  const QByteArray before = NormalisedBytes(SortedDefaults());
+  bool said = false;
+  PlayFaults(
+      "save all settings", [&] { PutWorking(before); }, [&] { said = SaveAllSettings(working, record); },
       [&](const Fault& fault) {
-        const QByteArray bytes = BytesAt(working);
-        const int behind = OldLines(bytes, NormalisedBytes(SortedDefaults()), saved);
-        EXPECT_LE(behind, fault.struck ? 1 : 0) << "one fault keeps one update from the file, no more";
-        ExpectWorking(fault, bytes, saved);
+        EXPECT_TRUE(said) << "what could not be written is only logged";
+        ExpectWorking(fault, before, saved);
       });
-  // 28 updates of one value: that one is played with every error.
-  run.Play(std::array{EIO});
 }
 
 TEST_F(KeyStoreFaults, MakingTheDefaultFile) {

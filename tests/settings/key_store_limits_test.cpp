@@ -125,22 +125,37 @@ TEST_F(KeyStoreLimitsDeathTest, ANormalisedTextHas16383CharactersAtMost) {
   EXPECT_EQ(ReadWholeText(path)->size(), 16383);
 }
 
-TEST_F(KeyStoreLimitsDeathTest, ASaveAllThatGrowsTooLargeKeepsWhatItHadSaved) {
+TEST_F(KeyStoreLimitsDeathTest, ASaveAllThatGrowsTooLargeWritesNothing) {
   const QByteArray bytes = FileOf(16300, "") + "\nCOM_BITS=8\nMEM1=\n";
   const QString path = WithBytes(bytes);
   SettingsRecord record;
   record.comBits = QStringLiteral("7");
   record.mem[1] = Filled(1000);
-  // Not in another process: that would have a file of its own.
-  struct PassedTheLimit {};
-  SetBoundsErrorHandler([](const PassedLimit& passed) {
-    EXPECT_STREQ(passed.name, "updated text");
-    throw PassedTheLimit();
-  });
-  EXPECT_THROW(SaveAllSettings(path, record), PassedTheLimit);
-  SetBoundsErrorHandler(nullptr);
-  EXPECT_EQ(ReadValue(path, keys::kComBits), QStringLiteral("7"));
-  EXPECT_EQ(ReadValue(path, keys::kMem[1]), QString());
+  EXPECT_DEATH(SaveAllSettings(path, record), "updated text of 17");
+  EXPECT_EQ(BytesOf(path), bytes);
+}
+
+TEST_F(KeyStoreLimits, WhatTheNextStartCouldNotReadDoesNotFit) {
+  // In bytes: the file's own marks and line ends count, and so does each byte of a character.
+  const QByteArray largest = SoundFileOfSize(16384);
+  const QString path = WithBytes(largest);
+  EXPECT_TRUE(UpdateFits(path, {{keys::kComPort, QStringLiteral("COM1")}}));
+  EXPECT_FALSE(UpdateFits(path, {{keys::kComPort, QStringLiteral("COM12")}}));
+  EXPECT_TRUE(
+      UpdateFits(path, {{keys::kComPort, QStringLiteral("COM12")}, {keys::kBkColor, QStringLiteral("RED")}}));
+  const QByteArray bare = QByteArray(largest).remove(0, 3).replace("\r\n", "\n") + QByteArray(33, '\n');
+  EXPECT_FALSE(UpdateFits(WithBytes(bare), {{keys::kComPort, QStringLiteral("COM1")}}));
+  // In characters, of which two stand for one above U+FFFF: one line with its key.
+  const QString small = WithBytes(NormalisedBytes(SortedDefaults()));
+  EXPECT_TRUE(UpdateFits(small, {{keys::kMem[0], Filled(1018)}}));
+  EXPECT_FALSE(UpdateFits(small, {{keys::kMem[0], Filled(1019)}}));
+  EXPECT_TRUE(UpdateFits(small, {{keys::kMem[0], QStringLiteral("\U0001F600").repeated(509)}}));
+  EXPECT_FALSE(UpdateFits(small, {{keys::kMem[0], QStringLiteral("\U0001F600").repeated(510)}}));
+  EXPECT_FALSE(UpdateFits(small, {{keys::kMem[0], QStringLiteral("a\nb")}}));
+  EXPECT_EQ(BytesOf(small), NormalisedBytes(SortedDefaults()));
+  // Where nothing would be written, everything fits.
+  EXPECT_TRUE(UpdateFits(Path(QStringLiteral("missing")), {{keys::kMem[0], Filled(5000)}}));
+  EXPECT_TRUE(UpdateFits(small, {{SettingsKey(u"NO_KEY="), Filled(5000)}}));
 }
 
 }  // namespace

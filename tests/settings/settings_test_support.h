@@ -6,6 +6,7 @@
 #include <QFile>
 #include <QStringList>
 #include <QTemporaryDir>
+#include <algorithm>
 #include <ostream>
 
 #include "settings/settings_record.h"
@@ -79,6 +80,28 @@ inline QByteArray NormalisedBytes(const QStringList& entries) {
   QByteArray bytes = QByteArray(kBom) + ".VER=Quarn  (Ver. 1.00)\r\n.BEGIN\r\n";
   for (const QString& entry : entries) bytes += entry.toUtf8() + "\r\n";
   return bytes + ".END\r\n";
+}
+
+/// A sound file of exactly this many bytes: the default one with stored commands of so many characters, of
+/// three bytes each as far as that goes.
+inline QByteArray SoundFileOfSize(qsizetype bytes) {
+  constexpr qsizetype kLongest = 1018;
+  constexpr char kEuro[] = "\xE2\x82\xAC";
+  QStringList lines = SortedDefaults();
+  const qsizetype first = lines.indexOf(QStringLiteral("MEM0=function-1"));
+  for (int key = 0; key < kStoredCommandCount; ++key) lines[first + key] = QStringLiteral("MEM%1=").arg(key);
+  qsizetype room = bytes - NormalisedBytes(lines).size();
+  for (int key = 0; key < kStoredCommandCount; ++key) {
+    const qsizetype euros = std::min(kLongest - 2, room / 3);
+    room -= 3 * euros;
+    lines[first + key] += QString::fromUtf8(QByteArray(kEuro).repeated(euros));
+    if (room > 2) continue;
+    lines[first + key] += QString(room, u'x');
+    room = 0;
+  }
+  EXPECT_EQ(room, 0);
+  EXPECT_EQ(NormalisedBytes(lines).size(), bytes);
+  return NormalisedBytes(lines);
 }
 
 }  // namespace quarn
