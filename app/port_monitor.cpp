@@ -4,8 +4,8 @@
 
 #include "app/connection_commands.h"
 #include "serial/port_list.h"
-#include "settings/key_store.h"
 #include "settings/settings_table.h"
+#include "settings/store_values.h"
 
 namespace quarn {
 namespace {
@@ -139,8 +139,8 @@ void PortMonitor::OfferToConnect(const QString& port) {
   m_program.messages->ShowInformationMessage(QStringLiteral(": Information"), QString(),
                                              QStringLiteral("Successfully connected to  \"%1\"").arg(port),
                                              QString());
-  UpdateValue(m_program.workingSettingsFile, keys::kComPort, port);
   current = port;
+  StoreValues(m_program.workingSettingsFile, {{keys::kComPort, port}}, *m_program.messages);
 }
 
 }  // namespace quarn

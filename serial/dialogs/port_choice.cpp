@@ -1,8 +1,8 @@
 #include "serial/dialogs/port_choice.h"
 
 #include "serial/dialogs/port_rules.h"
-#include "settings/key_store.h"
 #include "settings/settings_table.h"
+#include "settings/store_values.h"
 
 namespace quarn {
 namespace {
@@ -24,9 +24,9 @@ void TellFailed(const DialogContext& context, const QString& port, FailureSenten
 
 /// From here on this is the port, also for the next start.
 void TakeAsCurrent(const DialogContext& context, const QString& port) {
-  UpdateValue(context.workingSettingsFile, keys::kComPort, port);
   context.settings.comPort = port;
   context.state.currentPortName = port;
+  StoreValues(context.workingSettingsFile, {{keys::kComPort, port}}, context.Messages());
 }
 
 /// The watch on the ports rests while this is there: until the choice is complete it would compare what

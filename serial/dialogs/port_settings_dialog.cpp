@@ -7,7 +7,7 @@
 #include <QShowEvent>
 #include <utility>
 
-#include "settings/settings_load_save.h"
+#include "settings/store_values.h"
 #include "ui/control.h"
 #include "ui/dialog_grid.h"
 #include "ui/placement.h"
@@ -133,7 +133,7 @@ void CPortSettings::Look() {
 void CPortSettings::Store() {
   PutLineValues(m_working, Context().settings);
   m_taken = m_working;
-  SaveAllSettings(Context().workingSettingsFile, Context().settings);
+  StoreAllSettings(Context().workingSettingsFile, Context().settings, Context().Messages());
 }
 
 bool CPortSettings::Reconnect(const SettingsRecord& settings) {

@@ -2,13 +2,14 @@
 
 #include <utility>
 
-#include "settings/key_store.h"
+#include "settings/store_values.h"
 
 namespace quarn {
 namespace {
 
 void WriteOption(const DialogContext& context, const OptionBinding& option) {
-  UpdateValue(context.workingSettingsFile, option.key, option.field.In(context.settings));
+  StoreValues(context.workingSettingsFile, {{option.key, option.field.In(context.settings)}},
+              context.Messages());
 }
 
 }  // namespace
@@ -19,8 +20,8 @@ void StoreOption(const DialogContext& context, const OptionBinding& option, cons
 }
 
 void StoreShownOption(const DialogContext& context, const OptionBinding& option, const QString& value) {
-  StoreOption(context, option, value);
   context.state.requests.terminalRefresh = true;
+  StoreOption(context, option, value);
 }
 
 void ChangePortSpeed(const DialogContext& context, const OptionBinding& option, const QString& value) {

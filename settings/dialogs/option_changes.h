@@ -15,8 +15,8 @@ struct OptionBinding {
 };
 
 // How a setting takes a new value; each takes effect at once. The dialog shows the live settings again
-// afterwards: a change that was refused leaves them as they were. User-interface thread only. All but
-// StoreOption and StoreShownOption may show a message, and with it run an event loop.
+// afterwards: a change that was refused leaves them as they were. User-interface thread only. Each may show a
+// message, and with it run an event loop.
 
 using OptionChange = void (*)(const DialogContext&, const OptionBinding&, const QString& value);
 

@@ -55,6 +55,26 @@ TEST_F(PortSettingsDialog, FailedReopenAfterSetIsReportedAndTheSettingsAreStored
   EXPECT_TRUE(program.state.requests.mainRefresh);
 }
 
+TEST_F(PortSettingsDialog, WhatTheNextStartCouldNotReadIsNotStored) {
+  const std::string before = WorkingFile();
+  Open();
+  Pick(kBits, "7");
+  // Edited in the Function Key Table, and not saved there.
+  for (int key = 0; key < 6; ++key)
+    program.settings.mem.at(static_cast<std::size_t>(key)) = QString(1018, u'\u20AC');
+  Click(kSetLine);
+  EXPECT_EQ(Happened(), QStringList{kTooLong});
+  EXPECT_EQ(WorkingFile(), before);
+  EXPECT_EQ(program.settings.comBits, "7");
+  program.settings.mem[5].clear();
+  Click(kSetLine);
+  EXPECT_EQ(Happened(), QStringList());
+  SettingsRecord loaded;
+  EXPECT_EQ(LoadSettings(program.workingSettingsFile, loaded), LoadResult::Loaded);
+  EXPECT_EQ(loaded.comBits, "7");
+  EXPECT_EQ(loaded.mem, program.settings.mem);
+}
+
 TEST_F(PortSettingsDialog, DefaultAnsweredWithNoChangesNothing) {
   Plug("COM3");
   program.settings.comBps = QStringLiteral("1200");

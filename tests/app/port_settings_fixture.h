@@ -4,6 +4,8 @@
 
 #include "app/port_dialog_fixture.h"
 #include "serial/dialogs/port_settings_dialog.h"
+#include "settings/settings_load_save.h"
+#include "support/message_texts.h"
 
 namespace quarn::test {
 

@@ -11,6 +11,10 @@ inline const QString kFileNotFound =
 inline const QString kNotLoaded =
     QStringLiteral("error/: Error//Invalid file format./Could not load file contents.");
 inline const QString kOpened = QStringLiteral("transient/QRN file was opened successfully.");
+inline const QString kTooLong = QStringLiteral(
+    "information/: Warning//The settings are too long and were not saved./Shorten the texts of the Function "
+    "Key "
+    "Table.");
 inline const QString kUndefined =
     QStringLiteral("information/: Information//COM port is undefined./Sellect a COM port to connect.");
 

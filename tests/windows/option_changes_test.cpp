@@ -1,6 +1,8 @@
 #include "settings/dialogs/option_changes.h"
 
 #include "support/dialog_fixture.h"
+#include "support/message_texts.h"
+#include "tests/settings/settings_test_support.h"
 
 namespace quarn::test {
 namespace {
@@ -11,6 +13,11 @@ constexpr OptionBinding kLength{&SettingsRecord::inputMax, keys::kInputMax};
 class OptionChanges : public DialogFixture {
  protected:
   void Speed(const char* value) { ChangePortSpeed(Context(), kSpeed, QString::fromLatin1(value)); }
+  void Fill(const QByteArray& bytes) {
+    QFile file(Context().workingSettingsFile);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    ASSERT_EQ(file.write(bytes), bytes.size());
+  }
   void Length(const char* value) { ChangeInputMax(Context(), kLength, QString::fromLatin1(value)); }
 };
 
@@ -43,6 +50,11 @@ TEST_F(OptionChanges, APortThatFailsKeepsTheSpeedInRecordAndFile) {
   const QString error = QStringLiteral("error/: Error//Failed to configure  \"COM3\"/Check COM port state.");
   line->getStateWorks = false;
   line->failure = {LineError::Disconnected, QStringLiteral("gone")};
+  messages.whileShown = [&] {
+    if (messages.shown.last() != error) return;
+    EXPECT_EQ(settings.portSpeed, QStringLiteral("HIGH")) << "it stays in force while the error is up";
+    EXPECT_FALSE(Written());
+  };
   Speed("LOW");
   EXPECT_EQ(messages.shown, QStringList{error});
   EXPECT_EQ(connection.lastFailure.kind, LineError::Disconnected);
@@ -92,6 +104,24 @@ TEST_F(OptionChanges, AKeyThatTheFileLacksIsNotAdded) {
   Speed("LOW");
   EXPECT_EQ(settings.portSpeed, QStringLiteral("LOW"));
   EXPECT_EQ(File(), without);
+}
+
+TEST_F(OptionChanges, WhatTheNextStartCouldNotReadIsNotWritten) {
+  constexpr OptionBinding kColour{&SettingsRecord::bkColor, keys::kBkColor};
+  constexpr OptionBinding kSize{&SettingsRecord::comBuf, keys::kComBuf};
+  Fill(SoundFileOfSize(16384));
+  messages.whileShown = [&] {
+    EXPECT_EQ(settings.bkColor, QStringLiteral("SYSTEM"));
+    EXPECT_TRUE(state.requests.terminalRefresh);
+  };
+  StoreShownOption(Context(), kColour, QStringLiteral("SYSTEM"));
+  EXPECT_EQ(messages.shown, QStringList{kTooLong});
+  EXPECT_EQ(File(), SoundFileOfSize(16384));
+  Speed("LOW");
+  StoreOption(Context(), kSize, QStringLiteral("6K"));
+  EXPECT_EQ(messages.shown.size(), 1) << "no longer than what was there";
+  EXPECT_EQ(ReadValue(Context().workingSettingsFile, keys::kPortSpeed), QStringLiteral("LOW"));
+  EXPECT_EQ(ReadValue(Context().workingSettingsFile, keys::kComBuf), QStringLiteral("6K"));
 }
 
 }  // namespace
