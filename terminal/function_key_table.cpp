@@ -87,11 +87,13 @@ void FunctionKeyTable::Undo() {
 
 bool FunctionKeyTable::CanSave() const { return m_settings.mem != m_savedText; }
 
-void FunctionKeyTable::Save(const QString& settingsFile) {
-  for (std::size_t i = 0; i < m_editText.size(); ++i) {
-    UpdateValue(settingsFile, keys::kMem[i], m_editText[i]);
-    m_savedText[i] = m_editText[i];
-  }
+bool FunctionKeyTable::Save(const QString& settingsFile) {
+  QList<NewValue> values;
+  for (std::size_t i = 0; i < m_editText.size(); ++i) values.append({keys::kMem[i], m_editText[i]});
+  if (!UpdateFits(settingsFile, values)) return false;
+  UpdateValues(settingsFile, values);
+  m_savedText = m_editText;
+  return true;
 }
 
 void FunctionKeyTable::Reload() {

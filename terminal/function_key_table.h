@@ -53,8 +53,9 @@ class FunctionKeyTable {
   void Undo();
   /// Whether the settings differ from what was last loaded or saved.
   [[nodiscard]] bool CanSave() const;
-  /// Writes the ten fields into the working settings file.
-  void Save(const QString& settingsFile);
+  /// Writes the ten fields into the working settings file, with one replacement. False when they would not
+  /// fit into it; then nothing is written and they stay unsaved.
+  bool Save(const QString& settingsFile);
   /// The settings were replaced: the fields show them, in edit mode too.
   void Reload();
 

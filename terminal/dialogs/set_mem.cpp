@@ -9,6 +9,7 @@
 #include <QValidator>
 #include <utility>
 
+#include "settings/store_values.h"
 #include "ui/control.h"
 #include "ui/dialog_grid.h"
 #include "ui/placement.h"
@@ -273,7 +274,7 @@ void CSetMem::Save() {
   const Busy busy(*this);
   if (!m_table.CanSave()) return;
   if (!m_context.messages.AskSimpleYesNo(QStringLiteral("Is it OK to save the updated data ?"))) return;
-  m_table.Save(m_context.workingSettingsFile);
+  if (!m_table.Save(m_context.workingSettingsFile)) TellSettingsTooLong(m_context.messages);
 }
 
 int CSetMem::QuietTicks() const {

@@ -1,6 +1,8 @@
 #include <QElapsedTimer>
 
 #include "settings/life_cycle.h"
+#include "settings/store_values.h"
+#include "terminal/function_key_table.h"
 #include "tests/app/file_commands_fixture.h"
 #include "tests/faults/call_faults.h"
 
@@ -44,13 +46,18 @@ TEST_F(SlowWrites, AnOptionIsOneReplacement) {
   EXPECT_EQ(WorkingBytes(), Com3());
 }
 
-TEST_F(SlowWrites, TheStoredCommandsAreOneReplacementEach) {
-  ExpectReplacements(kStoredCommandCount, [&] {
-    for (const SettingsKey key : keys::kMem) {
-      EXPECT_TRUE(UpdateValue(program->workingSettingsFile, key, QStringLiteral("stored")));
-    }
-  });
+TEST_F(SlowWrites, TheStoredCommandsAreOneReplacement) {
+  FunctionKeyTable table(program->settings);
+  for (int i = 0; i < kStoredCommandCount; ++i) table.SetEditText(i, QStringLiteral("stored"));
+  ExpectReplacements(1, [&] { EXPECT_TRUE(table.Save(program->workingSettingsFile)); });
   EXPECT_EQ(WorkingBytes().count("=stored\r\n"), kStoredCommandCount);
+}
+
+TEST_F(SlowWrites, AllSettingsAreOneReplacement) {
+  program->settings.comBits = QStringLiteral("7");
+  ExpectReplacements(
+      1, [&] { EXPECT_TRUE(StoreAllSettings(program->workingSettingsFile, program->settings, *messages)); });
+  EXPECT_TRUE(WorkingBytes().contains("\nCOM_BITS=7\r\n"));
 }
 
 TEST_F(SlowWrites, SaveAndSaveAsAreOneReplacement) {
@@ -71,10 +78,10 @@ TEST_F(SlowWrites, OpenIsOneReplacement) {
   EXPECT_EQ(messages->shown, (QStringList{kOpened, Connected("COM3")}));
 }
 
-TEST_F(SlowWrites, OpeningAFileOfAnotherVersionIsOneReplacementMoreForEachKey) {
+TEST_F(SlowWrites, OpeningAFileOfAnotherVersionIsOneReplacementOfEach) {
   chooser.answer = WithBytes(Com3().replace("MARK_COLOR=WHITE", "OLD_KEY=1"), QStringLiteral("user.qrn"));
   messages->answers = {true};
-  ExpectReplacements(3, [&] { commands->Open(); });
+  ExpectReplacements(2, [&] { commands->Open(); });
   EXPECT_EQ(WorkingBytes(), Com3());
   EXPECT_EQ(BytesOf(chooser.answer), Com3());
 }

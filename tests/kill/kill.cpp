@@ -3,8 +3,8 @@
 //
 //   quarn-kill KILLS [SEED]
 //
-// Both files have to be, byte for byte, what they are before or after one of the replacements that the step
-// under way consists of; all steps before it have to be done. The next start has to take the files as they
+// Both files have to be, byte for byte, what they are before or after the step under way; all steps before it
+// have to be done. The next start has to take the files as they
 // are, without a message, whatever else a write that was cut short has left in the folder. Ends with 0 and
 // the counts on standard output, or says what went wrong and ends with 1.
 
@@ -130,16 +130,14 @@ class KillRun {
     return IsWhole(writer.StepsBegun()) && NextStartTakesIt() && CountStrays();
   }
 
-  /// What the files hold has to be a state of the last step.
+  /// What the files hold has to be what they held before the last step, or what they hold after it.
   bool IsWhole(int begun) {
     for (int number = 0; number < begun - 1; ++number)
-      m_state = StatesOf(StepOf(m_seed, m_number, number), m_state, m_defaults).back();
+      m_state = After(StepOf(m_seed, m_number, number), m_state, m_defaults);
     const Step last = StepOf(m_seed, m_number, begun - 1);
-    const std::vector<Contents> states = StatesOf(last, m_state, m_defaults);
     const Contents found = Read();
-    const auto state = std::find(states.begin(), states.end(), found);
     const auto deed = static_cast<std::size_t>(last.deed);
-    if (state == states.end()) {
+    if (found != m_state && found != After(last, m_state, m_defaults)) {
       return Complain("the files are not whole; the step was " + std::string(kDeedNames.at(deed)) +
                       ", number " + std::to_string(begun) + "; they have " +
                       std::to_string(found.working.size()) + " and " + std::to_string(found.user.size()) +
@@ -147,7 +145,6 @@ class KillRun {
     }
     m_steps += begun;
     ++m_counts.at(deed);
-    if (state != states.begin() && state + 1 != states.end()) ++m_between;
     m_state = found;
     return true;
   }
@@ -187,8 +184,7 @@ class KillRun {
     std::printf("%d kills in %d steps; the step under way was\n", m_kills, m_steps);
     for (std::size_t i = 0; i < m_counts.size(); ++i)
       std::printf("  %-14s%d\n", kDeedNames.at(i), m_counts.at(i));
-    std::printf("between two replacements of a step  %d\ntemporary files left behind  %d\n", m_between,
-                m_strays);
+    std::printf("temporary files left behind  %d\n", m_strays);
   }
 
   [[nodiscard]] bool Complain(const std::string& what) const {
@@ -206,7 +202,6 @@ class KillRun {
   std::array<int, kDeedNames.size()> m_counts{};
   int m_number = 0;
   int m_steps = 0;
-  int m_between = 0;
   int m_strays = 0;
 };
 

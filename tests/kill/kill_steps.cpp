@@ -8,6 +8,7 @@
 #include "settings/settings_load_save.h"
 #include "settings/settings_table.h"
 #include "settings/user_file.h"
+#include "terminal/function_key_table.h"
 
 namespace quarn::kill {
 namespace {
@@ -46,10 +47,10 @@ void Put(QByteArray& bytes, SettingsKey key, const QString& value) {
 }
 
 bool SaveCommands(const QString& path, const QString& text) {
-  for (const SettingsKey key : keys::kMem) {
-    if (!UpdateValue(path, key, text)) return false;
-  }
-  return true;
+  SettingsRecord record;
+  FunctionKeyTable table(record);
+  for (int i = 0; i < kStoredCommandCount; ++i) table.SetEditText(i, text);
+  return table.Save(path);
 }
 
 bool OpenFile(const Paths& paths) {
@@ -106,13 +107,9 @@ bool Perform(const Step& step, const Paths& paths) {
   return false;
 }
 
-std::vector<Contents> StatesOf(const Step& step, const Contents& before, const QByteArray& defaults) {
-  std::vector<Contents> states{before};
-  const auto put = [&states](SettingsKey key, const QString& value) {
-    Contents next = states.back();
-    Put(next.working, key, value);
-    states.push_back(std::move(next));
-  };
+Contents After(const Step& step, const Contents& before, const QByteArray& defaults) {
+  Contents after = before;
+  const auto put = [&after](SettingsKey key, const QString& value) { Put(after.working, key, value); };
   switch (step.deed) {
     case Deed::SetOption:
       put(AllSettings()[static_cast<std::size_t>(step.setting)].key, step.text);
@@ -126,16 +123,16 @@ std::vector<Contents> StatesOf(const Step& step, const Contents& before, const Q
       break;
     }
     case Deed::Save:
-      states.push_back({before.working, before.working});
+      after.user = before.working;
       break;
     case Deed::Open:
-      states.push_back({before.user, before.user});
+      after.working = before.user;
       break;
     case Deed::RestoreDefaults:
-      states.push_back({defaults, before.user});
+      after.working = defaults;
       break;
   }
-  return states;
+  return after;
 }
 
 }  // namespace quarn::kill

@@ -3,7 +3,6 @@
 #include <QByteArray>
 #include <QString>
 #include <cstdint>
-#include <vector>
 
 #include "settings/settings_record.h"
 
@@ -42,8 +41,7 @@ struct Contents {
   bool operator==(const Contents&) const = default;
 };
 
-/// What the files hold before the step, after each of its replacements, and so at its end; worked out on
-/// the bytes alone.
-std::vector<Contents> StatesOf(const Step& step, const Contents& before, const QByteArray& defaults);
+/// What the files hold after the step; worked out on the bytes alone.
+Contents After(const Step& step, const Contents& before, const QByteArray& defaults);
 
 }  // namespace quarn::kill

@@ -5,6 +5,8 @@
 #include <QTemporaryDir>
 
 #include "settings/key_store.h"
+#include "settings/life_cycle.h"
+#include "settings/settings_load_save.h"
 #include "settings/settings_table.h"
 
 namespace quarn::test {
@@ -171,6 +173,30 @@ TEST_F(FunctionTable, TheLongestCommandIsSavedAndReadWhole) {
   Edit(9, longest);
   table.Save(m_file);
   EXPECT_EQ(ReadValue(m_file, keys::kMem[9]), longest);
+}
+
+TEST_F(FunctionTable, TenOfTheLongestCommandsAreReadAtTheNextStart) {
+  for (int i = 0; i < kStoredCommandCount; ++i)
+    Edit(i, QString(kMaxStoredCommand, QLatin1Char(static_cast<char>('a' + i))));
+  EXPECT_TRUE(table.Save(m_file));
+  EXPECT_EQ(CompareWithDefaults(m_file).result, KeySetResult::Equal);
+  SettingsRecord loaded;
+  EXPECT_EQ(LoadSettings(m_file, loaded), LoadResult::Loaded);
+  EXPECT_EQ(loaded.mem, settings.mem);
+}
+
+TEST_F(FunctionTable, WhatWouldNotFitIntoTheFileIsNotSaved) {
+  const std::optional<QByteArray> before = ReadWholeBytes(m_file);
+  // Three bytes a character: six of them are one too many for a file.
+  for (int i = 0; i < 6; ++i) Edit(i, QString(kMaxStoredCommand, u'\u20AC'));
+  EXPECT_FALSE(table.Save(m_file));
+  EXPECT_EQ(ReadWholeBytes(m_file), before);
+  EXPECT_TRUE(table.CanSave());
+  EXPECT_EQ(table.WhatIsEnabled(), kChanged);
+  Edit(5, QStringLiteral("short"));
+  EXPECT_TRUE(table.Save(m_file));
+  EXPECT_FALSE(table.CanSave());
+  EXPECT_EQ(CompareWithDefaults(m_file).result, KeySetResult::Equal);
 }
 
 TEST_F(FunctionTable, UntouchedTextsStayAsTheFileHadThem) {

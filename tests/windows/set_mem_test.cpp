@@ -1,5 +1,6 @@
 #include <QAccessible>
 
+#include "support/message_texts.h"
 #include "windows/set_mem_fixture.h"
 
 namespace quarn::test {
@@ -86,6 +87,27 @@ TEST_F(SetMem, SaveWritesOnlyTheStoredCommands) {
   ClickCommand(kSave);
   ClickCommand(kUndo);
   EXPECT_EQ(Shown(), QStringList()) << "nothing changed since";
+}
+
+TEST_F(SetMem, WhatWouldNotFitIntoTheFileIsNotSavedAndThatIsTold) {
+  OpenTable();
+  const QByteArray before = FileBytes();
+  ClickCommand(kEdit);
+  for (int i = 0; i < 6; ++i) {
+    Field(i).selectAll();
+    Field(i).insert(QString(2000, u'\u20AC'));
+    EXPECT_EQ(Field(i).text().size(), 1018);
+  }
+  ClickCommand(kEdit);
+  messages.answers = {true, true};
+  ClickCommand(kSave);
+  EXPECT_EQ(Shown(), (QStringList{kSaveQuestion, kTooLong}));
+  EXPECT_EQ(FileBytes(), before);
+  Edit(5, "short");
+  ClickCommand(kSave);
+  EXPECT_EQ(Shown(), QStringList{kSaveQuestion});
+  EXPECT_EQ(ReadValue(m_file, keys::kMem[4]), QString(1018, u'\u20AC'));
+  EXPECT_EQ(ReadValue(m_file, keys::kMem[5]), QStringLiteral("short"));
 }
 
 TEST_F(SetMem, SaveAfterUndoAsksNothing) {
