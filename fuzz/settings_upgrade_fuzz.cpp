@@ -14,7 +14,8 @@
 #include "settings/settings_table.h"
 
 // The input is a settings file of any version, as a file: compared with the program's keys and brought up to
-// date. Afterwards it has no key that the program does not know, and has lost no entry that it does know.
+// date. Afterwards it has no key that the program does not know, has lost no entry that it does know,
+// and can be read again; or it is what it was.
 namespace quarn {
 namespace {
 
@@ -68,11 +69,13 @@ void CheckUpgrade(const QString& path) {
   Require(before.result != KeySetResult::NoFile);
   if (before.result != KeySetResult::Different) return;
   const QStringList kept = KeptOf(Entries(path), before);
-  UpgradeFile(path, before);
+  const std::optional<QByteArray> bytes = ReadWholeBytes(path);
+  if (!UpgradeFile(path, before)) {
+    Require(ReadWholeBytes(path) == bytes);
+    return;
+  }
   const KeySetComparison after = CompareWithDefaults(path);
-  // With what was added the file may have grown out of what can be listed.
-  if (after.result == KeySetResult::Invalid) return;
-  Require(after.unknownKeys.isEmpty());
+  Require(after.result != KeySetResult::Invalid && after.unknownKeys.isEmpty());
   const QStringList entries = Entries(path);
   for (const QString& entry : kept) Require(entries.count(entry) >= kept.count(entry));
 }

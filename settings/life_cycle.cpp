@@ -1,17 +1,14 @@
 #include "settings/life_cycle.h"
 
-#include <QFile>
-#include <QFileInfo>
-
+#include "settings/damaged_file.h"
 #include "settings/data_folder.h"
 #include "settings/key_store.h"
 #include "settings/settings_load_save.h"
 #include "settings/settings_table.h"
+#include "settings/settings_text.h"
 
 namespace quarn {
 namespace {
-
-constexpr qint64 kLargestFile = 16384;  // bytes
 
 void Warn(MessageOperations& messages, const QString& first, const QString& second) {
   messages.ShowInformationMessage(QStringLiteral(": Warning"), QString(), first, second);
@@ -19,7 +16,7 @@ void Warn(MessageOperations& messages, const QString& first, const QString& seco
 
 void StartOver(const QString& path, MessageOperations& messages, const QString& why) {
   Warn(messages, why, QStringLiteral("Starting with default settings."));
-  WriteDefaultFile(path);
+  if (KeepDamagedFile(path)) WriteDefaultFile(path);
 }
 
 void Mend(const QString& path, MessageOperations& messages) {
@@ -45,7 +42,7 @@ void Mend(const QString& path, MessageOperations& messages) {
 
 KeySetComparison CompareWithDefaults(const QString& path) {
   if (ClassifyPath(path) != PathKind::File) return {};
-  if (QFileInfo(path).size() > kLargestFile) return {KeySetResult::Invalid, {}, {}};
+  if (IsTooLargeForSettings(path)) return {KeySetResult::Invalid, {}, {}};
   QStringList entries;
   const int count = ListEntries(path, entries);
   if (count == kListNoFile) return {};  // it has gone meanwhile
@@ -64,21 +61,39 @@ KeySetComparison CompareWithDefaults(const QString& path) {
   return comparison;
 }
 
-void UpgradeFile(const QString& path, const KeySetComparison& comparison) {
-  for (const QString& key : comparison.unknownKeys) RemoveKey(path, SettingsKey(key));
+std::optional<QString> UpgradedText(const QString& text, const KeySetComparison& comparison) {
+  QString upgraded = text;
+  const auto take = [&upgraded](const std::optional<QString>& changed) {
+    upgraded = changed.value_or(upgraded);
+    return changed.has_value();
+  };
+  for (const QString& key : comparison.unknownKeys) take(TextWithoutKey(upgraded, SettingsKey(key)));
   // An unknown entry without "=" may have taken keys with it that begin like it: they come back too, with
   // their defaults. What is there already stays.
   const QStringList lines = comparison.unknownKeys.isEmpty() ? comparison.missingLines : DefaultLines();
-  for (const QString& line : lines) AddKeyLine(path, line);
+  // A line outside the entries keeps out the key that it names, until the first line added drops it.
+  bool someAdded = !lines.isEmpty();
+  while (someAdded) {
+    someAdded = false;
+    for (const QString& line : lines) someAdded |= take(TextWithKeyLine(upgraded, line));
+  }
+  // Short lines, but more of them than are looked at, are no file either.
+  return FitsFile(upgraded) && EntriesOf(upgraded) ? std::optional(upgraded) : std::nullopt;
+}
+
+bool UpgradeFile(const QString& path, const KeySetComparison& comparison) {
+  const std::optional<QString> text = ReadWholeText(path);
+  const std::optional<QString> upgraded = text ? UpgradedText(*text, comparison) : std::nullopt;
+  return upgraded && (*upgraded == *text || WriteWholeText(path, *upgraded));
 }
 
 void PrepareWorkingFile(const QString& dataFolder) {
   MakeDataFolder(dataFolder);
   const QString path = WorkingSettingsFile(dataFolder);
-  if (ClassifyPath(path) != PathKind::File) return;
-  const bool abandoned = QFileInfo(path).size() > kLargestFile ||
-                         ReadWholeText(path).value_or(QString()).startsWith(QStringLiteral("STARTUP_STATE"));
-  if (abandoned) QFile::remove(path);
+  if (IsTooLargeForSettings(path) ||
+      ReadWholeText(path).value_or(QString()).startsWith(QStringLiteral("STARTUP_STATE"))) {
+    MoveToDamagedFile(path);
+  }
 }
 
 void LoadInitialSettings(const QString& path, SettingsRecord& record, MessageOperations& messages) {

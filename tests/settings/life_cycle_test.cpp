@@ -6,10 +6,12 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include "settings/damaged_file.h"
 #include "settings/key_store.h"
 #include "settings/settings_load_save.h"
 #include "settings/settings_table.h"
 #include "support/recorded_messages.h"
+#include "tests/settings/settings_test_support.h"
 
 namespace quarn::test {
 namespace {
@@ -41,11 +43,13 @@ class LifeCycle : public ::testing::Test {
     ASSERT_TRUE(bytes.contains(before));
     Write(bytes.replace(before, after));
   }
-  QByteArray DefaultBytes() {
-    const QString other = folder.filePath(QStringLiteral("default.ini"));
-    WriteDefaultFile(other);
-    QFile file(other);
+  static QByteArray DefaultBytes() { return NormalisedBytes(SortedDefaults()); }
+  [[nodiscard]] QByteArray DamagedBytes() const {
+    QFile file(DamagedFileOf(path));
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+  }
+  [[nodiscard]] QStringList Files() const {
+    return QDir(folder.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
   }
   void Load() { LoadInitialSettings(path, record, messages); }
 
@@ -109,14 +113,25 @@ TEST_F(LifeCycle, AnUnknownLineThatTakesOthersWithItStillEndsInAWholeFile) {
   EXPECT_EQ(record.mem[9], QStringLiteral("function-10"));
 }
 
-TEST_F(LifeCycle, BrokenFilesAreReplaced) {
-  const QList<QByteArray> broken = {QByteArray(),
-                                    "garbage",
+TEST_F(LifeCycle, AKeyThatOnlyAStrayLineNamesIsAddedAtOnce) {
+  WriteDefaultsWith("MARK_COLOR=WHITE\r\n", "");
+  QByteArray bytes = Bytes();
+  Write(bytes.replace("COM_BPS=9600\r\n", "") + "was COM_BPS=1200\r\n");
+  Load();
+  EXPECT_EQ(messages.shown, QStringList{kDifferent});
+  EXPECT_EQ(Bytes(), DefaultBytes());
+}
+
+TEST_F(LifeCycle, BrokenFilesAreReplacedAndKeptBeside) {
+  const QList<QByteArray> broken = {"garbage",
                                     ".BEGIN\nCOM_PORT=COM3\n",
                                     "COM_PORT=COM3\n.END\n",
                                     QByteArray("\xff\xfe\x00\x01", 4),
+                                    DefaultBytes().replace("MEM3=function-4", "MEM3=10 \xB5V"),
                                     ".BEGIN\nA=1\nB=2\n.END\n",
-                                    QByteArray(16385, 'x')};
+                                    QByteArray(16385, 'x'),
+                                    SoundFileOfSize(16385),
+                                    SoundFileOfSize(25000)};
   for (const QByteArray& bytes : broken) {
     messages.shown.clear();
     Write(bytes);
@@ -124,17 +139,117 @@ TEST_F(LifeCycle, BrokenFilesAreReplaced) {
     EXPECT_EQ(messages.shown, QStringList{kInvalid}) << bytes.left(40).toStdString();
     EXPECT_EQ(Bytes(), DefaultBytes());
     EXPECT_EQ(record.comPort, QStringLiteral("NONE"));
+    EXPECT_EQ(DamagedBytes(), bytes);
   }
+  EXPECT_EQ(Files(), (QStringList{QStringLiteral("Quarn.ini"), QStringLiteral("Quarn.ini.damaged")}));
+}
+
+TEST_F(LifeCycle, AnEmptyFileIsReplacedAndThereIsNothingToKeep) {
+  Write(QByteArray());
+  Load();
+  EXPECT_EQ(messages.shown, QStringList{kInvalid});
+  EXPECT_EQ(Bytes(), DefaultBytes());
+  EXPECT_EQ(Files(), QStringList{QStringLiteral("Quarn.ini")});
+}
+
+TEST_F(LifeCycle, AFileOfTheLargestSizeLoadsAndStays) {
+  for (const qsizetype size : {8192, 8193, 10000, 16383, 16384}) {
+    Write(SoundFileOfSize(size));
+    PrepareWorkingFile(folder.path() + QLatin1Char('/'));
+    Load();
+    EXPECT_EQ(messages.shown, QStringList()) << size;
+    EXPECT_EQ(Bytes(), SoundFileOfSize(size));
+    EXPECT_EQ(record.mem[0], ReadValue(path, keys::kMem[0]));
+  }
+  EXPECT_EQ(Files(), QStringList{QStringLiteral("Quarn.ini")});
+}
+
+TEST_F(LifeCycle, SevenLongStoredCommandsAreAllThereAgain) {
+  // In plain letters: more than 8192 characters, and far from 16384 bytes.
+  QByteArray bytes = DefaultBytes();
+  for (int key = 0; key < kStoredCommandCount; ++key) {
+    const QByteArray name = "MEM" + QByteArray::number(key) + "=";
+    bytes.replace(name + "function-" + QByteArray::number(key + 1) + "\r",
+                  name + QByteArray(1018, 'x') + "\r");
+  }
+  Write(bytes);
+  Load();
+  EXPECT_EQ(messages.shown, QStringList());
+  EXPECT_EQ(record.mem[6], QString(1018, u'x'));
+  EXPECT_EQ(Bytes(), bytes);
+}
+
+TEST_F(LifeCycle, AKeyInOtherLettersIsAnotherKey) {
+  WriteDefaultsWith("COM_PORT=NONE", "com_port=COM3");
+  const KeySetComparison comparison = CompareWithDefaults(path);
+  EXPECT_EQ(comparison.unknownKeys, QStringList{QStringLiteral("com_port=")});
+  EXPECT_EQ(comparison.missingLines, QStringList{QStringLiteral("COM_PORT=NONE")});
+  Load();
+  EXPECT_EQ(messages.shown, QStringList{kDifferent});
+  EXPECT_EQ(Bytes(), DefaultBytes());
+  EXPECT_EQ(record.comPort, QStringLiteral("NONE"));
+}
+
+TEST_F(LifeCycle, NothingIsDoneBeforeItsWarningIsAcknowledged) {
+  struct Case {
+    QByteArray bytes;
+    QString warning;
+  };
+  const QList<Case> cases = {{"garbage", kInvalid},
+                             {SoundFileOfSize(16385), kInvalid},
+                             {DefaultBytes().replace("MARK_COLOR=WHITE\r\n", ""), kDifferent},
+                             {DefaultBytes().replace("MARK_COLOR", "OLD_KEY"), kDifferent},
+                             {DefaultBytes().replace("COM_PORT=NONE", "COM_PORT=COM100"), kBadPort},
+                             {DefaultBytes().replace("DELIMITER=CR", "DELIMITER="), kBadPort}};
+  for (const Case& each : cases) {
+    QFile::remove(DamagedFileOf(path));
+    Write(each.bytes);
+    record = {};
+    messages.shown.clear();
+    messages.whileShown = [&] {
+      EXPECT_EQ(Bytes(), each.bytes);
+      EXPECT_EQ(Files(), QStringList{QStringLiteral("Quarn.ini")});
+      EXPECT_EQ(record.loadedMarker, QString());
+    };
+    Load();
+    EXPECT_EQ(messages.shown, QStringList{each.warning});
+    EXPECT_NE(Bytes(), each.bytes);
+    EXPECT_EQ(record.loadedMarker, QStringLiteral("TRUE"));
+  }
+}
+
+TEST_F(LifeCycle, TwoWarningsComeOneAfterTheOther) {
+  WriteDefaultsWith("COM_PORT=NONE", "COM_PORT=COM100\r\nOLD_KEY=1");
+  QList<QByteArray> seen;
+  messages.whileShown = [&] { seen.append(Bytes()); };
+  const QByteArray before = Bytes();
+  Load();
+  EXPECT_EQ(messages.shown, (QStringList{kDifferent, kBadPort}));
+  const QByteArray upgraded = DefaultBytes().replace("COM_PORT=NONE", "COM_PORT=COM100");
+  EXPECT_EQ(seen, (QList<QByteArray>{before, upgraded}));
+  EXPECT_EQ(DamagedBytes(), upgraded);
+}
+
+TEST_F(LifeCycle, AnUpdateThatWouldBeTooLargeIsNotMade) {
+  Write(SoundFileOfSize(16384 + 18).replace("MARK_COLOR=WHITE\r\n", ""));
+  const QByteArray bytes = Bytes();
+  ASSERT_EQ(bytes.size(), 16384);
+  Load();
+  EXPECT_EQ(messages.shown, QStringList{kDifferent});
+  EXPECT_EQ(Bytes(), bytes);
+  EXPECT_EQ(record.mem[0], ReadValue(path, keys::kMem[0])) << "it holds all that is loaded";
 }
 
 TEST_F(LifeCycle, AnInvalidPortNameStartsOver) {
   for (const char* name : {"COM100", "com3", "COM/", ""}) {
     messages.shown.clear();
     WriteDefaultsWith("COM_PORT=NONE", QByteArray("COM_PORT=") + name);
+    const QByteArray before = Bytes();
     Load();
     EXPECT_EQ(messages.shown, QStringList{kBadPort}) << name;
     EXPECT_EQ(Bytes(), DefaultBytes());
     EXPECT_EQ(record.comPort, QStringLiteral("NONE"));
+    EXPECT_EQ(DamagedBytes(), before);
   }
 }
 
@@ -165,27 +280,46 @@ TEST_F(LifeCycle, ComparisonNamesWhatDiffers) {
   EXPECT_EQ(comparison.missingLines, QStringList{QStringLiteral("MEM3=function-4")});
 }
 
-TEST_F(LifeCycle, PreparingMakesTheFolderAndDropsAbandonedFiles) {
-  const QString data = folder.filePath(QStringLiteral("Halvo/"));
+TEST_F(LifeCycle, PreparingMakesTheFolderAndTakesAbandonedFilesAway) {
+  const QString data = folder.filePath(QStringLiteral("Halvo/Quarn/"));
   path = data + QStringLiteral("Quarn.ini");
   PrepareWorkingFile(data);
   EXPECT_TRUE(QDir(data).exists());
   Write(QByteArray("STARTUP_STATE and more"));
   PrepareWorkingFile(data);
   EXPECT_FALSE(QFile::exists(path));
+  EXPECT_EQ(DamagedBytes(), QByteArray("STARTUP_STATE and more"));
   Write(QByteArray("STARTUP_STAT"));
   PrepareWorkingFile(data);
   EXPECT_TRUE(QFile::exists(path));
+  EXPECT_EQ(DamagedBytes(), QByteArray("STARTUP_STATE and more"));
 }
 
 TEST_F(LifeCycle, PreparingKeepsAFileOfTheLargestSize) {
   const QString data = folder.path() + QLatin1Char('/');
-  Write(QByteArray(16384, 'x'));
+  Write(SoundFileOfSize(16384));
   PrepareWorkingFile(data);
-  EXPECT_TRUE(QFile::exists(path));
-  Write(QByteArray(16385, 'x'));
+  EXPECT_EQ(Bytes(), SoundFileOfSize(16384));
+  Write(SoundFileOfSize(16385));
   PrepareWorkingFile(data);
   EXPECT_FALSE(QFile::exists(path));
+  EXPECT_EQ(DamagedBytes(), SoundFileOfSize(16385));
+  Load();
+  EXPECT_EQ(messages.shown, QStringList{kNotFound});
+  EXPECT_EQ(Bytes(), DefaultBytes());
+  EXPECT_EQ(DamagedBytes(), SoundFileOfSize(16385)) << "the defaults do not take its place";
+}
+
+TEST_F(LifeCycle, AFileThatCannotBeKeptIsNotReplaced) {
+  Write("garbage");
+  ASSERT_TRUE(QDir().mkdir(DamagedFileOf(path)));
+  Load();
+  EXPECT_EQ(messages.shown, (QStringList{kInvalid, kBadPort}));
+  EXPECT_EQ(Bytes(), QByteArray("garbage"));
+  EXPECT_EQ(record.comBps, QStringLiteral("9600")) << "the program still has its defaults";
+  Write("STARTUP_STATE");
+  PrepareWorkingFile(folder.path() + QLatin1Char('/'));
+  EXPECT_EQ(Bytes(), QByteArray("STARTUP_STATE"));
 }
 
 }  // namespace

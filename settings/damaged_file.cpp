@@ -1,0 +1,53 @@
+#include "settings/damaged_file.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QLoggingCategory>
+#include <filesystem>
+#include <optional>
+#include <system_error>
+
+#include "settings/key_store.h"
+#include "settings/settings_table.h"
+#include "settings/settings_text.h"
+
+namespace quarn {
+
+namespace {
+
+Q_LOGGING_CATEGORY(lcDamaged, "quarn.settings")
+
+bool CopyToDamagedFile(const QString& path, const QByteArray& bytes) {
+  const QString kept = DamagedFileOf(path);
+  if (!WriteWholeBytes(kept, bytes)) return false;
+  // For the same eyes; and the next one is to take its place.
+  QFile::setPermissions(kept, QFile::permissions(path) | QFile::WriteOwner);
+  return true;
+}
+
+}  // namespace
+
+bool KeepDamagedFile(const QString& path) {
+  if (ClassifyPath(path) != PathKind::File) return true;
+  if (IsTooLargeForSettings(path)) return MoveToDamagedFile(path);
+  const std::optional<QByteArray> bytes = ReadWholeBytes(path);
+  // What cannot be read may be worth more than the defaults.
+  if (!bytes) return false;
+  // The defaults never take the place of the file that they have replaced.
+  const bool nothingToKeep = bytes->isEmpty() || *bytes == EncodeSettingsText(NormalisedText(DefaultLines()));
+  return nothingToKeep || CopyToDamagedFile(path, *bytes);
+}
+
+bool MoveToDamagedFile(const QString& path) {
+  std::error_code error;
+  std::filesystem::rename(path.toStdU16String(), DamagedFileOf(path).toStdU16String(), error);
+  if (!error) return true;
+  qCDebug(lcDamaged) << "cannot move" << path << QString::fromStdString(error.message());
+  return false;
+}
+
+bool IsTooLargeForSettings(const QString& path) {
+  return ClassifyPath(path) == PathKind::File && QFileInfo(path).size() > kMaxFileBytes;
+}
+
+}  // namespace quarn
