@@ -3,11 +3,11 @@
 #include <QByteArray>
 #include <QFile>
 #include <QFileInfo>
-#include <algorithm>
 #include <filesystem>
 #include <optional>
 #include <system_error>
 
+#include "settings/damaged_file.h"
 #include "settings/key_store.h"
 #include "settings/life_cycle.h"
 #include "settings/settings_load_save.h"
@@ -29,60 +29,55 @@ void TellNotOpened(MessageOperations& messages) {
             QStringLiteral("Could not open the QRN file."));
 }
 
-/// Whether an upgrade did what it could. A missing key stays missing where its text stands in the value of
-/// another: that file is up to date as far as it goes, and is found incomplete when it is loaded.
-bool IsUpgraded(const QString& path) {
-  const KeySetComparison comparison = CompareWithDefaults(path);
-  if (comparison.result == KeySetResult::Equal) return true;
-  if (comparison.result != KeySetResult::Different || !comparison.unknownKeys.isEmpty()) return false;
-  const QString text = ReadWholeText(path).value_or(QString());
-  return std::none_of(comparison.missingLines.begin(), comparison.missingLines.end(),
-                      [&text](const QString& line) { return TextWithKeyLine(text, line).has_value(); });
-}
+/// What is going to be in force: the user's file as it stands, or this text in its place.
+struct Source {
+  bool usable = false;
+  std::optional<QString> text;
+};
 
-/// An upgrade takes several rewrites; one that stops halfway is taken back.
-bool UpgradeWholly(const QString& path, const KeySetComparison& comparison) {
-  const std::optional<QByteArray> before = ReadWholeBytes(path);
-  UpgradeFile(path, comparison);
-  if (IsUpgraded(path)) return true;
-  if (before && ReadWholeBytes(path) != before) WriteWholeBytes(path, *before);
-  return false;
-}
-
-bool AskAndUpgrade(const QString& path, const KeySetComparison& comparison, MessageOperations& messages) {
+Source AskAndUpgrade(const QString& path, const KeySetComparison& comparison, MessageOperations& messages) {
   // A key that this program does not know would be lost with its value.
   const AnswerByDefault byDefault =
       comparison.unknownKeys.isEmpty() ? AnswerByDefault::Agree : AnswerByDefault::Refuse;
   if (!messages.AskYesNo(QStringLiteral(": Confirmation"), QString(),
                          QStringLiteral("The config file needs to be updated. "),
                          QStringLiteral("Is it OK to proceed?"), byDefault)) {
-    return false;
+    return {};
   }
-  if (!UpgradeWholly(path, comparison)) {
-    TellNotOpened(messages);
-    return false;
+  // Read after the question, while which the file may still change.
+  const std::optional<QString> text = ReadWholeText(path);
+  const std::optional<QString> upgraded = text ? UpgradedText(*text, comparison) : std::nullopt;
+  if (!upgraded) {
+    TellQuit(messages, QStringLiteral("Config file is invalid."));
+    return {};
   }
+  // A file that cannot be written, for it is read-only as likely as not, is brought up to date in the copy.
+  if (*upgraded != *text && !WriteWholeText(path, *upgraded)) return {true, upgraded};
   messages.ShowInformationMessage(QStringLiteral(": Information"), QString(),
                                   QStringLiteral("Configuration file is updated."), QString());
-  return true;
+  return {true, std::nullopt};
 }
 
-/// Whether the file has the program's keys, or has been given them.
-bool HasCurrentKeys(const QString& path, MessageOperations& messages) {
+/// The file, if it has the program's keys or can be given them.
+Source SourceWithCurrentKeys(const QString& path, MessageOperations& messages) {
   const KeySetComparison comparison = CompareWithDefaults(path);
   switch (comparison.result) {
     case KeySetResult::NoFile:
       TellQuit(messages, QStringLiteral("Config file not found."));
-      return false;
+      return {};
     case KeySetResult::Invalid:
       TellQuit(messages, QStringLiteral("Config file is invalid."));
-      return false;
+      return {};
     case KeySetResult::Different:
       return AskAndUpgrade(path, comparison, messages);
     case KeySetResult::Equal:
       break;
   }
-  return true;
+  return {true, std::nullopt};
+}
+
+bool PutInForce(const Source& source, const QString& userFile, const QString& workingFile) {
+  return source.text ? WriteWholeText(workingFile, *source.text) : CopySettingsFile(userFile, workingFile);
 }
 
 /// Loads and checks; the record changes only when all is well.
@@ -107,12 +102,15 @@ void PutBack(const QString& path, const std::optional<QByteArray>& bytes) {
 
 QString OpenUserFile(const QString& userFile, const QString& workingFile, SettingsRecord& record,
                      MessageOperations& messages) {
-  if (!HasCurrentKeys(userFile, messages)) return {};
+  const Source source = SourceWithCurrentKeys(userFile, messages);
+  if (!source.usable) return {};
+  // None that was ever in force, and nothing to be read into memory.
+  if (IsTooLargeForSettings(workingFile)) MoveToDamagedFile(workingFile);
   // Taken after the questions, while which the working file may still change.
   const bool stoodThere = ClassifyPath(workingFile) != PathKind::Nothing;
   const std::optional<QByteArray> backup = ReadWholeBytes(workingFile);
   // What cannot be read could not be put back.
-  if ((stoodThere && !backup) || !CopySettingsFile(userFile, workingFile)) {
+  if ((stoodThere && !backup) || !PutInForce(source, userFile, workingFile)) {
     TellNotOpened(messages);
     return {};
   }

@@ -37,8 +37,20 @@ TEST_F(FullDiskUserFile, AWorkingFileThatCannotBeReplacedStaysInForce) {
   EXPECT_EQ(disk.Files(), (QStringList{QStringLiteral("filler"), QStringLiteral("Quarn.ini")}));
 }
 
-TEST_F(FullDiskUserFile, AUserFileThatCannotBeUpdatedStaysAsItIs) {
+TEST_F(FullDiskUserFile, AUserFileThatCannotBeUpdatedIsUpdatedInTheCopy) {
   const QString user = OnDisk(WithEntry("MARK_COLOR=WHITE\r\n", "OLD_KEY=1\r\n"), QStringLiteral("user.qrn"));
+  const QByteArray bytes = BytesOf(user);
+  disk.Fill();
+  messages.answers = {true};
+  EXPECT_EQ(Open(user), user);
+  EXPECT_EQ(messages.shown, (QStringList{kMayUpdate, kOpened}));
+  EXPECT_EQ(BytesOf(user), bytes);
+  EXPECT_EQ(BytesOf(working), NormalisedBytes(SortedDefaults()));
+}
+
+TEST_F(FullDiskUserFile, WhereNeitherFileCanBeWrittenBothStay) {
+  const QString user = OnDisk(WithEntry("MARK_COLOR=WHITE\r\n", "OLD_KEY=1\r\n"), QStringLiteral("user.qrn"));
+  working = OnDisk(working, QStringLiteral("Quarn.ini"));
   disk.Fill();
   messages.answers = {true};
   ExpectRefused(user, {kMayUpdate, kNotOpened});

@@ -44,11 +44,42 @@ TEST_F(UserFilePosix, AReadOnlyWorkingFileIsAFailedCopy) {
   ExpectRefused(user, {kNotOpened});
 }
 
-TEST_F(UserFilePosix, AReadOnlyUserFileThatNeedsAnUpdateStaysAsItIs) {
+TEST_F(UserFilePosix, AReadOnlyUserFileOfAnotherVersionIsUpdatedInTheCopy) {
   const QString user = WithEntry("MARK_COLOR=WHITE\r\n", "OLD_KEY=1\r\n");
+  const QByteArray bytes = BytesOf(user);
   ASSERT_EQ(chmod(Utf8(user), 0444), 0);
   messages.answers = {true};
-  ExpectRefused(user, {kMayUpdate, kNotOpened});
+  EXPECT_EQ(Open(user), user);
+  EXPECT_EQ(messages.shown, (QStringList{kMayUpdate, kOpened})) << "the file was not updated";
+  EXPECT_EQ(BytesOf(user), bytes);
+  EXPECT_EQ(BytesOf(working), NormalisedBytes(SortedDefaults()));
+  EXPECT_EQ(record.comPort, QStringLiteral("NONE"));
+  EXPECT_FALSE(HoldSameSettings(user, working)) << "saving would still change it";
+  messages.shown.clear();
+  messages.answers = {false};
+  ExpectRefused(user, {kMayUpdate});
+}
+
+TEST_F(UserFilePosix, AUserFileInAFolderThatTakesNoFileIsUpdatedInTheCopy) {
+  ASSERT_TRUE(QDir().mkdir(Path(QStringLiteral("shared"))));
+  const QString user = WithEntry("MARK_COLOR=WHITE\r\n", "OLD_KEY=1\r\n", QStringLiteral("shared/user.qrn"));
+  const QByteArray bytes = BytesOf(user);
+  if (geteuid() == 0) {
+    ASSERT_EQ(chown(Utf8(working), kNobody, kNobody), 0);
+  }
+  GiveFolderAway();
+  ASSERT_EQ(chmod(Utf8(Path(QStringLiteral("shared"))), 0555), 0);
+  messages.answers = {true};
+  EXPECT_EQ(FailuresAsOrdinaryUser({
+                [&] { return Open(user) == user; },
+                [&] {
+                  return messages.shown == QStringList{kMayUpdate, kOpened};
+                },
+            }),
+            0);
+  ASSERT_EQ(chmod(Utf8(Path(QStringLiteral("shared"))), 0755), 0);
+  EXPECT_EQ(BytesOf(user), bytes);
+  EXPECT_EQ(BytesOf(working), NormalisedBytes(SortedDefaults()));
 }
 
 TEST_F(UserFilePosix, AReadOnlyUserFileOpensAllTheSame) {

@@ -2,6 +2,7 @@
 
 #include <QLoggingCategory>
 
+#include "settings/damaged_file.h"
 #include "settings/life_cycle.h"
 
 namespace quarn::test {
@@ -66,22 +67,41 @@ TEST_F(UserFile, AnUpdatedFileThatStillLacksAKeyIsRejectedWhenItIsLoaded) {
   ExpectRefused(user, {kMayUpdate, kUpdated, kNotLoaded});
 }
 
-TEST_F(UserFile, AnUpdateThatLeavesTheFileTooLargeIsTakenBack) {
-  QByteArray bytes = NormalisedBytes(SortedDefaults());
-  bytes.replace("MARK_COLOR=WHITE\r\n", "");
-  // As many characters as can be split, and no room for one line more.
-  bytes.replace("MEM1=function-2", "MEM1=" + QByteArray(950, 'a'));
-  for (int key = 2; key < 9; ++key) {
-    const QByteArray name = "MEM" + QByteArray::number(key) + "=";
-    bytes.replace(name + "function-" + QByteArray::number(key + 1), name + QByteArray(950, 'b'));
-  }
-  const qsizetype characters = bytes.size() - bytes.count('\r') - 3;
-  ASSERT_LT(characters, 8192);
-  bytes.replace("MEM9=function-10", "MEM9=" + QByteArray(11 + 8192 - characters, 'c'));
-  const QString user = WithBytes(bytes, QStringLiteral("user.qrn"));
+TEST_F(UserFile, AnUpdateThatWouldBeTooLargeIsNotMade) {
+  const QByteArray missing = SoundFileOfSize(16384).replace("MARK_COLOR=WHITE", "OLD=1");
+  const QString user = WithBytes(missing, QStringLiteral("user.qrn"));
+  messages.answers = {true};
+  EXPECT_EQ(Open(user), user) << "what was removed makes room";
+  EXPECT_EQ(BytesOf(user), SoundFileOfSize(16384));
+  // As many bytes as a file may have, and no room for one line more.
+  WithBytes(SoundFileOfSize(16384 + 18).replace("MARK_COLOR=WHITE\r\n", ""), QStringLiteral("user.qrn"));
   ASSERT_EQ(CompareWithDefaults(user).result, KeySetResult::Different);
   messages.answers = {true};
-  ExpectRefused(user, {kMayUpdate, kNotOpened});
+  ExpectRefused(user, {kMayUpdate, kFileInvalid});
+}
+
+TEST_F(UserFile, AFileOfTheLargestSizeLoads) {
+  // Over half of it are stored commands; in characters it is far smaller than in bytes.
+  for (const qsizetype size : {8192, 8193, 12000, 16383, 16384}) {
+    const QString user = WithBytes(SoundFileOfSize(size), QStringLiteral("user.qrn"));
+    messages.shown.clear();
+    EXPECT_EQ(Open(user), user) << size;
+    EXPECT_EQ(messages.shown, QStringList{kOpened});
+    EXPECT_EQ(BytesOf(working), SoundFileOfSize(size));
+  }
+}
+
+TEST_F(UserFile, ASoundFileThatIsOneByteTooLargeIsInvalid) {
+  ExpectRefused(WithBytes(SoundFileOfSize(16385), QStringLiteral("user.qrn")), {kFileInvalid});
+  ExpectRefused(WithBytes(SoundFileOfSize(25000), QStringLiteral("user.qrn")), {kFileInvalid});
+}
+
+TEST_F(UserFile, AKeyInOtherLettersIsAnotherKey) {
+  const QString user = WithEntry("COM_PORT=NONE", "com_port=COM3");
+  messages.answers = {true};
+  EXPECT_EQ(Open(user), user);
+  EXPECT_EQ(messages.shown, (QStringList{kMayUpdate, kUpdated, kOpened}));
+  EXPECT_EQ(BytesOf(user), NormalisedBytes(SortedDefaults()));
 }
 
 TEST_F(UserFile, ABadPortIsRejectedAndTheWorkingTextComesBack) {
@@ -96,10 +116,22 @@ TEST_F(UserFile, AnEmptyValueIsRejectedAndTheWorkingTextComesBack) {
 
 TEST_F(UserFile, TheWorkingFileComesBackByteForByte) {
   // Neither an encoding that no settings file has nor bytes behind the last line are lost.
-  WithBytes("not \xFF settings\r" + QByteArray(40000, 'x'));
+  const QByteArray strange = "not \xFF settings\r" + QByteArray(16000, 'x');
+  WithBytes(strange);
   ExpectRefused(WithEntry("COM_PORT=NONE", "COM_PORT=COM100"), {kNotLoaded});
+  EXPECT_EQ(BytesOf(working), strange);
   WithBytes(QByteArray());
   ExpectRefused(WithEntry("COM_PORT=NONE", "COM_PORT=COM100"), {kNotLoaded});
+}
+
+TEST_F(UserFile, AWorkingFileTooLargeForOneIsKeptBeside) {
+  const QByteArray strange = "not settings\r" + QByteArray(40000, 'x');
+  WithBytes(strange);
+  const QString user = WithEntry("COM_PORT=NONE", "COM_PORT=COM3");
+  EXPECT_EQ(Open(user), user);
+  EXPECT_EQ(messages.shown, QStringList{kOpened});
+  EXPECT_EQ(BytesOf(working), BytesOf(user));
+  EXPECT_EQ(BytesOf(DamagedFileOf(working)), strange);
 }
 
 TEST_F(UserFile, AWorkingFileThatWasNotThereIsNotThereAgain) {
@@ -196,7 +228,7 @@ TEST_F(UserFile, AFileThatCannotBeReadIsNoted) {
 
 TEST_F(UserFile, CopiesBytesAsTheyStand) {
   QByteArray bytes;
-  for (int i = 0; i < 50000; ++i) bytes.append(static_cast<char>(i * 7));
+  for (int i = 0; i < 16384; ++i) bytes.append(static_cast<char>(i * 7));
   const QString from = WithBytes(bytes, QStringLiteral("from"));
   EXPECT_TRUE(CopySettingsFile(from, Path(QStringLiteral("new"))));
   EXPECT_EQ(BytesOf(Path(QStringLiteral("new"))), bytes);
@@ -211,6 +243,9 @@ TEST_F(UserFile, ACopyThatFailsTouchesNothing) {
   QDir().mkdir(folder);
   EXPECT_FALSE(CopySettingsFile(Path(QStringLiteral("missing")), working));
   EXPECT_FALSE(CopySettingsFile(folder, working));
+  const QString large = WithBytes(QByteArray(16385, 'x'), QStringLiteral("large"));
+  EXPECT_FALSE(CopySettingsFile(large, working)) << "nobody could read the copy";
+  EXPECT_TRUE(QFile::remove(large));
   EXPECT_FALSE(CopySettingsFile(working, folder));
   EXPECT_FALSE(CopySettingsFile(working, folder + QStringLiteral("/no/file")));
   EXPECT_FALSE(CopySettingsFile(working, QString()));
