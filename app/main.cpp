@@ -31,6 +31,11 @@ int main(int argc, char* argv[]) {
   // Message boxes come and go before the main dialog is there, and their end is not the program's.
   QApplication::setQuitOnLastWindowClosed(false);
   const QString folder = quarn::DataFolder();
+  if (folder.isEmpty()) {
+    quarn::WindowMessages().ShowPlainMessage(quarn::WhyNoDataFolder());
+    return EXIT_FAILURE;
+  }
+  quarn::MakeDataFolder(folder);
   const QString ports = quarn::PortsFolder(folder);
   quarn::Program program(folder, quarn::CreateLineOpener(ports), quarn::CreatePortSource(ports),
                          std::make_unique<quarn::WindowMessages>(), std::make_unique<quarn::WaitCursor>());

@@ -5,12 +5,16 @@
 namespace quarn {
 
 /// Where this user's working settings file lives: the system's folder for application data, then the
-/// maker's folder, then the program's; ends with a separator. The maker's folder is created when it is
-/// missing; the program's own is left to start-up.
+/// maker's folder, then the program's; ends with a separator. An absolute path, or empty where the system
+/// names none. Nothing is made: who only reads settings leaves no folders behind.
 QString DataFolder();
 
-/// Makes the data folder, its last level alone and for this user alone. One that is there stays as it is; a
-/// failure shows when the first file is to be written there.
+/// Why DataFolder() is empty, as one sentence for a person.
+QString WhyNoDataFolder();
+
+/// Makes the data folder and what is missing above it, for this user alone. Called by who keeps settings, as
+/// soon as the folder is named. What is there stays as it is; a failure shows when the first file is to be
+/// written there.
 void MakeDataFolder(const QString& dataFolder);
 
 /// The working settings file in a data folder.

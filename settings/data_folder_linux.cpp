@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <cerrno>
 
 #include "identity.h"
 #include "settings/data_folder.h"
@@ -9,22 +10,37 @@
 namespace quarn {
 
 namespace {
+
 constexpr mode_t kPrivate = 0700;
+
+/// An absolute path without a separator at its end.
+void MakeFolder(const QString& path) {
+  if (::mkdir(QFile::encodeName(path).constData(), kPrivate) == 0 || errno != ENOENT) return;
+  const QString above = path.left(path.lastIndexOf(QLatin1Char('/')));
+  if (above.isEmpty()) return;
+  MakeFolder(above);
+  ::mkdir(QFile::encodeName(path).constData(), kPrivate);
 }
+
+}  // namespace
 
 QString DataFolder() {
   // A relative path in the variable is to be ignored, as the desktop's rules have it.
   QString base = qEnvironmentVariable("XDG_CONFIG_HOME");
-  if (!QDir::isAbsolutePath(base)) base = QDir::homePath() + QStringLiteral("/.config");
-  QDir().mkpath(base);
-  const QString makers = base + QLatin1Char('/') + QString::fromLatin1(identity::kMaker);
-  // A failure shows when the first file is to be written there.
-  ::mkdir(QFile::encodeName(makers).constData(), kPrivate);
-  return makers + QLatin1Char('/') + QString::fromLatin1(identity::kName) + QLatin1Char('/');
+  if (!QDir::isAbsolutePath(base)) {
+    const QString home = qEnvironmentVariable("HOME");
+    // Settings in whatever folder a program was started from would be lost in the next one.
+    if (!QDir::isAbsolutePath(home)) return {};
+    base = home + QStringLiteral("/.config");
+  }
+  return QDir::cleanPath(base) + QLatin1Char('/') + QString::fromLatin1(identity::kMaker) + QLatin1Char('/') +
+         QString::fromLatin1(identity::kName) + QLatin1Char('/');
 }
 
-void MakeDataFolder(const QString& dataFolder) {
-  ::mkdir(QFile::encodeName(dataFolder).constData(), kPrivate);
+QString WhyNoDataFolder() {
+  return QStringLiteral("There is no folder for the settings: HOME does not name one from / on.");
 }
+
+void MakeDataFolder(const QString& dataFolder) { MakeFolder(QDir::cleanPath(dataFolder)); }
 
 }  // namespace quarn

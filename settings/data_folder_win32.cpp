@@ -11,16 +11,15 @@ namespace quarn {
 
 QString DataFolder() {
   std::array<wchar_t, MAX_PATH> base{};
-  SHGetSpecialFolderPathW(nullptr, base.data(), CSIDL_APPDATA, FALSE);
-  const QString makers =
-      QString::fromWCharArray(base.data()) + QLatin1Char('\\') + QString::fromLatin1(identity::kMaker);
-  // A failure shows when the first file is to be written there.
-  CreateDirectoryW(reinterpret_cast<const wchar_t*>(makers.utf16()), nullptr);
-  return makers + QLatin1Char('\\') + QString::fromLatin1(identity::kName) + QLatin1Char('\\');
+  if (SHGetSpecialFolderPathW(nullptr, base.data(), CSIDL_APPDATA, FALSE) == FALSE) return {};
+  return QString::fromWCharArray(base.data()) + QLatin1Char('\\') + QString::fromLatin1(identity::kMaker) +
+         QLatin1Char('\\') + QString::fromLatin1(identity::kName) + QLatin1Char('\\');
 }
 
-void MakeDataFolder(const QString& dataFolder) {
-  CreateDirectoryW(reinterpret_cast<const wchar_t*>(QDir::toNativeSeparators(dataFolder).utf16()), nullptr);
+QString WhyNoDataFolder() {
+  return QStringLiteral("There is no folder for the settings: Windows names none for application data.");
 }
+
+void MakeDataFolder(const QString& dataFolder) { QDir().mkpath(dataFolder); }
 
 }  // namespace quarn

@@ -74,6 +74,18 @@ TEST_F(StartWithFile, WhoseNameHasBlanksAndForeignLetters) {
   EXPECT_EQ(Bytes(SettingsFile()), Bytes(file));
 }
 
+TEST_F(StartWithFile, WhereThereIsNoSettingsFolder) {
+  const QString file =
+      WriteUserFile(QStringLiteral("first.qrn"), {{QStringLiteral("START_DISP"), QStringLiteral("OFF")}});
+  // Nor one above it.
+  SetVariable("XDG_CONFIG_HOME", home.filePath(QStringLiteral("not/yet/there")));
+  StartProgram({file});
+  EXPECT_TRUE(Passing(QStringLiteral("QRN file was opened successfully.")));
+  AcknowledgeNoPort();
+  EXPECT_TRUE(MainTitleBecomes(QStringLiteral("Quarn   (NONE)")));
+  EXPECT_EQ(Bytes(home.filePath(QStringLiteral("not/yet/there/Halvo/Quarn/Quarn.ini"))), Bytes(file));
+}
+
 TEST_F(StartWithFile, AnOutdatedOneIsUpdatedWhenTheUserAgrees) {
   WriteSettings({});
   PlugIn("* -> line \"OK\"");

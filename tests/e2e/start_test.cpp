@@ -57,11 +57,13 @@ TEST_F(Start, WithAPortThatIsNotThere) {
 }
 
 TEST_F(Start, WithADamagedFile) {
-  WriteBytes(SettingsFile(), QByteArray("\x00\xff no settings at all", 21));
+  const QByteArray damaged("\x00\xff no settings at all", 21);
+  WriteBytes(SettingsFile(), damaged);
   StartProgram();
   AcknowledgeDefaults("Initial file is invalid.");
   EXPECT_FALSE(WaitForWindow(kTerminal).isEmpty());
   EXPECT_EQ(Bytes(SettingsFile()), QByteArray(kDefaultFile));
+  EXPECT_EQ(Bytes(SettingsFile() + QStringLiteral(".damaged")), damaged);
 }
 
 TEST_F(Start, WithAnOutdatedFile) {

@@ -56,20 +56,44 @@ TEST_F(DataFolderTest, StandsInTheHomeFolderOtherwise) {
   }
 }
 
-TEST_F(DataFolderTest, MakesTheMakersFolderPrivateAndLeavesTheLastOne) {
+TEST_F(DataFolderTest, IsOnlyNamedUntilItIsAskedFor) {
   qputenv("XDG_CONFIG_HOME", Home("settings").toLocal8Bit());
-  const QString folder = DataFolder();
-  EXPECT_EQ(ModeOf(Home("settings/Halvo")), 0700U);
-  EXPECT_FALSE(QDir(folder).exists());
+  EXPECT_FALSE(DataFolder().isEmpty());
+  qunsetenv("XDG_CONFIG_HOME");
+  EXPECT_FALSE(DataFolder().isEmpty());
+  EXPECT_TRUE(QDir(Home(".")).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot));
 }
 
-TEST_F(DataFolderTest, IsMadePrivateWhateverTheUserGrantsByDefault) {
+TEST_F(DataFolderTest, IsNeverInTheWorkingFolder) {
+  qunsetenv("XDG_CONFIG_HOME");
+  for (const char* useless : {"", ".", "relative/path", "~"}) {
+    qputenv("HOME", useless);
+    EXPECT_EQ(DataFolder(), QString()) << useless;
+  }
+  qunsetenv("HOME");
+  EXPECT_EQ(DataFolder(), QString());
+  EXPECT_TRUE(WhyNoDataFolder().contains(QStringLiteral("HOME")));
   qputenv("XDG_CONFIG_HOME", Home("settings").toLocal8Bit());
+  EXPECT_EQ(DataFolder(), Home("settings/Halvo/Quarn/")) << "what is named outright needs no home";
+}
+
+TEST_F(DataFolderTest, IsMadePrivateWithAllAboveItWhateverTheUserGrantsByDefault) {
+  qputenv("XDG_CONFIG_HOME", Home("some/settings").toLocal8Bit());
   const mode_t before = ::umask(0);
   MakeDataFolder(DataFolder());
   ::umask(before);
-  EXPECT_EQ(ModeOf(Home("settings/Halvo")), 0700U);
-  EXPECT_EQ(ModeOf(Home("settings/Halvo/Quarn")), 0700U);
+  for (const char* made : {"some", "some/settings", "some/settings/Halvo", "some/settings/Halvo/Quarn"}) {
+    EXPECT_EQ(ModeOf(Home(made)), 0700U) << made;
+  }
+}
+
+TEST_F(DataFolderTest, ThatCannotBeMadeMakesNothing) {
+  ASSERT_TRUE(QFile(Home("file")).open(QIODevice::WriteOnly));
+  qputenv("XDG_CONFIG_HOME", Home("file/settings").toLocal8Bit());
+  MakeDataFolder(DataFolder());
+  EXPECT_FALSE(QDir(DataFolder()).exists());
+  EXPECT_EQ(QDir(Home(".")).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+            QStringList{QStringLiteral("file")});
 }
 
 TEST_F(DataFolderTest, StaysAsItsUserHasSetIt) {
