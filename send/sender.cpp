@@ -178,6 +178,10 @@ int SendAll(const Options& options, const SettingsRecord& settings, PortConnecti
 
 int Send(const Options& options) {
   const QString dataFolder = DataFolder();
+  if (dataFolder.isEmpty()) {
+    Complain(WhyNoDataFolder());
+    return kFailed;
+  }
   SettingsRecord settings;
   PortConnection connection;
   if (!LoadChosenSettings(options, dataFolder, settings)) return kFailed;

@@ -121,6 +121,27 @@ TEST_F(SendProcess, WithoutAWorkingSettingsFileItIsFiveToo) {
   EXPECT_TRUE(sent.err.endsWith("Quarn.ini: no such settings file\n")) << sent.err.constData();
 }
 
+TEST_F(SendProcess, WhatOnlyReadsSettingsMakesNoFolders) {
+  const QTemporaryDir place;
+  const auto sent = [&](const QString& home, const QString& config) {
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("HOME"), home);
+    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), config);
+    process.setProcessEnvironment(environment);
+    process.setWorkingDirectory(place.path());
+    process.start(QStringLiteral(QUARN_SEND), {QStringLiteral("id")});
+    EXPECT_TRUE(process.waitForFinished(kPatienceMs));
+    EXPECT_EQ(process.exitCode(), 5);
+    EXPECT_TRUE(QDir(place.path()).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot));
+    return process.readAllStandardError();
+  };
+  const QByteArray missing = place.path().toUtf8() + "/none/Halvo/Quarn/Quarn.ini: no such settings file\n";
+  EXPECT_EQ(sent(place.path(), place.filePath(QStringLiteral("none"))), "quarn-send: " + missing);
+  const QByteArray nowhere = sent(QStringLiteral("."), QString());
+  EXPECT_TRUE(nowhere.startsWith("quarn-send: There is no folder for the settings")) << nowhere.constData();
+}
+
 TEST_F(SendProcess, ADamagedSettingsFileIsFiveWithItsName) {
   const QString working = Path("Halvo/Quarn/Quarn.ini");
   ASSERT_TRUE(QFile::resize(working, 60));
