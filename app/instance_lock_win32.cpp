@@ -1,14 +1,23 @@
 #include <windows.h>
 
+#include <QString>
+#include <system_error>
+
 #include "app/instance_lock.h"
 
 namespace quarn {
 
-InstanceLock TakeInstanceLock() {
+InstanceLock TakeInstanceLock(QString& reason) {
   const HANDLE mutex = CreateMutexW(nullptr, FALSE, L"Quarn.exe");
-  if (mutex == nullptr) return InstanceLock::Failed;
+  const DWORD error = GetLastError();
+  if (mutex == nullptr) {
+    reason =
+        QStringLiteral("Quarn.exe: ") +
+        QString::fromLocal8Bit(std::system_category().message(static_cast<int>(error)).c_str()).trimmed();
+    return InstanceLock::Failed;
+  }
   // The handle stays open: the name is taken until the process ends.
-  return GetLastError() == ERROR_ALREADY_EXISTS ? InstanceLock::TakenByAnother : InstanceLock::Taken;
+  return error == ERROR_ALREADY_EXISTS ? InstanceLock::TakenByAnother : InstanceLock::Taken;
 }
 
 }  // namespace quarn

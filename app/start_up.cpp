@@ -13,7 +13,8 @@ constexpr int kRightPercent = 98;
 constexpr int kEdgePercent = 3;
 
 bool IsAlone(Program& program, StartUpStage& stage) {
-  switch (stage.TakeLock()) {
+  QString reason;
+  switch (stage.TakeLock(reason)) {
     case InstanceLock::Taken:
       return true;
     case InstanceLock::TakenByAnother:
@@ -22,7 +23,8 @@ bool IsAlone(Program& program, StartUpStage& stage) {
     case InstanceLock::Failed:
       break;
   }
-  program.messages->ShowPlainMessage(QStringLiteral("\"Quarn\" found opening error"));
+  program.messages->ShowPlainMessage(
+      QStringList{QStringLiteral("\"Quarn\" found opening error"), reason}.join(QLatin1Char('\n')).trimmed());
   return false;
 }
 

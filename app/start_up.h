@@ -14,7 +14,8 @@ class StartUpStage {
  public:
   virtual ~StartUpStage() = default;
 
-  virtual InstanceLock TakeLock() = 0;
+  /// When it fails, `reason` says why.
+  virtual InstanceLock TakeLock(QString& reason) = 0;
   /// Returns when the splash is gone. From then on there is a main dialog, not yet on the screen.
   virtual void ShowSplash() = 0;
   virtual MainWindow& Window() = 0;

@@ -12,7 +12,7 @@ namespace quarn {
 WindowStage::WindowStage(Program& program, QStringList arguments)
     : m_program(program), m_arguments(std::move(arguments)) {}
 
-InstanceLock WindowStage::TakeLock() { return TakeInstanceLock(); }
+InstanceLock WindowStage::TakeLock(QString& reason) { return TakeInstanceLock(reason); }
 
 void WindowStage::ShowSplash() {
   CSplashPage splash;

@@ -12,7 +12,7 @@ class WindowStage final : public StartUpStage {
  public:
   WindowStage(Program& program, QStringList arguments);
 
-  InstanceLock TakeLock() override;
+  InstanceLock TakeLock(QString& reason) override;
   void ShowSplash() override;
   MainWindow& Window() override { return *m_dialog; }
   PortMonitor& Monitor() override { return m_dialog->Monitor(); }

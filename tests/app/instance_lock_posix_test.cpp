@@ -14,16 +14,49 @@
 namespace quarn {
 namespace {
 
+constexpr uid_t kNobody = 65534;
+
+InstanceLock Take() {
+  QString reason;
+  return TakeInstanceLock(reason);
+}
+
+/// A session's folder and a place for settings, in the environment for one test.
 class InstanceLockTest : public ::testing::Test {
  protected:
-  InstanceLockTest() { UseFolder(m_folder.path()); }
-  ~InstanceLockTest() override { UseFolder(m_before); }
-  static void UseFolder(const QString& folder) { qputenv("XDG_RUNTIME_DIR", QFile::encodeName(folder)); }
+  InstanceLockTest() {
+    UseFolder(m_folder.path());
+    Set("XDG_CONFIG_HOME", QFile::encodeName(m_config.path()));
+  }
+  ~InstanceLockTest() override {
+    Set("XDG_RUNTIME_DIR", m_formerRuntime);
+    Set("XDG_CONFIG_HOME", m_formerConfig);
+    Set("HOME", m_formerHome);
+  }
+  static void Set(const char* name, const QByteArray& value) {
+    value.isNull() ? qunsetenv(name) : qputenv(name, value);
+  }
+  static void UseFolder(const QString& folder) { Set("XDG_RUNTIME_DIR", QFile::encodeName(folder)); }
+  [[nodiscard]] QString LockInSettings() const {
+    return m_config.filePath(QStringLiteral("Halvo/Quarn/Quarn.exe.lock"));
+  }
+  void ExpectTakenInSettings() const {
+    const int child = ::fork();
+    if (child == 0) ::_exit(Take() == InstanceLock::Taken ? 0 : 1);
+    int status = -1;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+    EXPECT_TRUE(QFile::exists(LockInSettings()));
+    QFile::remove(LockInSettings());
+  }
 
   QTemporaryDir m_folder;
+  QTemporaryDir m_config;
 
  private:
-  const QString m_before = qEnvironmentVariable("XDG_RUNTIME_DIR");
+  const QByteArray m_formerRuntime = qgetenv("XDG_RUNTIME_DIR");
+  const QByteArray m_formerConfig = qgetenv("XDG_CONFIG_HOME");
+  const QByteArray m_formerHome = qgetenv("HOME");
 };
 
 /// Another process that has taken the lock.
@@ -34,7 +67,7 @@ class Holder {
     EXPECT_EQ(::pipe(ends), 0);
     m_process = ::fork();
     if (m_process == 0) {
-      const char result = TakeInstanceLock() == InstanceLock::Taken ? 'y' : 'n';
+      const char result = Take() == InstanceLock::Taken ? 'y' : 'n';
       if (::write(ends[1], &result, 1) == 1) ::pause();
       ::_exit(1);
     }
@@ -60,18 +93,18 @@ class Holder {
 
 TEST_F(InstanceLockTest, IsTakenByOneProcessAtATime) {
   Holder holder;
-  EXPECT_EQ(TakeInstanceLock(), InstanceLock::TakenByAnother);
-  EXPECT_EQ(TakeInstanceLock(), InstanceLock::TakenByAnother);
+  EXPECT_EQ(Take(), InstanceLock::TakenByAnother);
+  EXPECT_EQ(Take(), InstanceLock::TakenByAnother);
 }
 
 TEST_F(InstanceLockTest, IsFreeAgainHoweverItsHolderEnds) {
   Holder holder;
   holder.Kill();
-  EXPECT_EQ(TakeInstanceLock(), InstanceLock::Taken);
+  EXPECT_EQ(Take(), InstanceLock::Taken);
 }
 
 TEST_F(InstanceLockTest, LiesInAFileOfTheUserAlone) {
-  ASSERT_EQ(TakeInstanceLock(), InstanceLock::Taken);
+  ASSERT_EQ(Take(), InstanceLock::Taken);
   const QFile file(m_folder.filePath(QStringLiteral("Quarn.exe.lock")));
   ASSERT_TRUE(file.exists());
   EXPECT_EQ(
@@ -83,44 +116,68 @@ TEST_F(InstanceLockTest, MakesAMissingRuntimeFolderForTheUserAlone) {
   const QString folder = m_folder.filePath(QStringLiteral("runtime"));
   UseFolder(folder);
   const mode_t before = ::umask(0);
-  EXPECT_EQ(TakeInstanceLock(), InstanceLock::Taken);
+  EXPECT_EQ(Take(), InstanceLock::Taken);
   ::umask(before);
   struct stat info {};
   ASSERT_EQ(::stat(QFile::encodeName(folder).constData(), &info), 0);
   EXPECT_EQ(info.st_mode & 07777U, 0700U);
 }
 
+TEST_F(InstanceLockTest, LiesBesideTheSettingsWhereTheSessionHasNoFolder) {
+  for (const QByteArray& useless :
+       {QByteArray(), QByteArray(""), QByteArray("relative"), QByteArray("/no/such")}) {
+    Set("XDG_RUNTIME_DIR", useless);
+    ExpectTakenInSettings();
+  }
+  EXPECT_FALSE(QFile::exists(QStringLiteral("relative")));
+}
+
+TEST_F(InstanceLockTest, NeedsNoPlaceThatAnotherUserCouldTakeFirst) {
+  // What stands in the folder for everybody's temporary files does not matter.
+  Set("XDG_RUNTIME_DIR", QByteArray());
+  const QTemporaryDir everybodys;
+  const QByteArray before = qgetenv("TMPDIR");
+  qputenv("TMPDIR", QFile::encodeName(everybodys.path()));
+  ASSERT_EQ(::chmod(QFile::encodeName(everybodys.path()).constData(), 0), 0);
+  ExpectTakenInSettings();
+  Set("TMPDIR", before);
+  ASSERT_EQ(::chmod(QFile::encodeName(everybodys.path()).constData(), 0700), 0);
+  EXPECT_TRUE(QDir(everybodys.path()).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot));
+}
+
 TEST_F(InstanceLockTest, DoesNotUseTheRuntimeFolderOfAnotherUser) {
-  constexpr uid_t kNobody = 65534;
   QString foreign = QStringLiteral("/");
   if (::geteuid() == 0) {
     foreign = m_folder.path();
     ASSERT_EQ(::chown(QFile::encodeName(foreign).constData(), kNobody, kNobody), 0);
   }
   UseFolder(foreign);
-  const QTemporaryDir own;
-  const QByteArray before = qgetenv("TMPDIR");
-  qputenv("TMPDIR", QFile::encodeName(own.path()));
-  EXPECT_EQ(TakeInstanceLock(), InstanceLock::Taken);
-  before.isNull() ? qunsetenv("TMPDIR") : qputenv("TMPDIR", before);
+  ExpectTakenInSettings();
   EXPECT_FALSE(QFile::exists(foreign + QStringLiteral("/Quarn.exe.lock")));
-  const QFileInfoList made = QDir(own.path()).entryInfoList(QDir::AllEntries | QDir::NoDotAndDotDot);
-  ASSERT_EQ(made.size(), 1);
-  EXPECT_TRUE(QFile::exists(made.first().filePath() + QStringLiteral("/Quarn.exe.lock")));
-  struct stat info {};
-  ASSERT_EQ(::stat(QFile::encodeName(made.first().filePath()).constData(), &info), 0);
-  EXPECT_EQ(info.st_mode & 07777U, 0700U);
 }
 
-TEST_F(InstanceLockTest, FailsWhereNoFileCanBe) {
+TEST_F(InstanceLockTest, DoesNotUseARuntimeFolderThatOthersMayWriteTo) {
+  ASSERT_EQ(::chmod(QFile::encodeName(m_folder.path()).constData(), 0777), 0);
+  ExpectTakenInSettings();
+  EXPECT_FALSE(QFile::exists(m_folder.filePath(QStringLiteral("Quarn.exe.lock"))));
+}
+
+TEST_F(InstanceLockTest, SaysWhyItFails) {
   ASSERT_TRUE(QDir(m_folder.path()).mkdir(QStringLiteral("Quarn.exe.lock")));
-  EXPECT_EQ(TakeInstanceLock(), InstanceLock::Failed);
+  QString reason;
+  EXPECT_EQ(TakeInstanceLock(reason), InstanceLock::Failed);
+  EXPECT_EQ(reason, m_folder.filePath(QStringLiteral("Quarn.exe.lock: Is a directory")));
+  Set("XDG_RUNTIME_DIR", QByteArray());
+  Set("XDG_CONFIG_HOME", QByteArray());
+  Set("HOME", ".");
+  EXPECT_EQ(TakeInstanceLock(reason), InstanceLock::Failed);
+  EXPECT_TRUE(reason.contains(QStringLiteral("HOME"))) << reason.toStdString();
 }
 
 TEST_F(InstanceLockTest, FollowsNoLink) {
   const QString target = m_folder.filePath(QStringLiteral("elsewhere"));
   ASSERT_TRUE(QFile::link(target, m_folder.filePath(QStringLiteral("Quarn.exe.lock"))));
-  EXPECT_EQ(TakeInstanceLock(), InstanceLock::Failed);
+  EXPECT_EQ(Take(), InstanceLock::Failed);
   EXPECT_FALSE(QFile::exists(target));
 }
 

@@ -10,10 +10,12 @@ namespace {
 TEST(InstanceLockWin32, IsTheNameOfAMutex) {
   const HANDLE other = CreateEventW(nullptr, FALSE, FALSE, L"Quarn.exe");
   ASSERT_NE(other, nullptr);
-  EXPECT_EQ(TakeInstanceLock(), InstanceLock::Failed) << "something else has that name";
+  QString reason;
+  EXPECT_EQ(TakeInstanceLock(reason), InstanceLock::Failed) << "something else has that name";
+  EXPECT_TRUE(reason.startsWith(QStringLiteral("Quarn.exe: "))) << reason.toStdString();
   CloseHandle(other);
-  EXPECT_EQ(TakeInstanceLock(), InstanceLock::Taken);
-  EXPECT_EQ(TakeInstanceLock(), InstanceLock::TakenByAnother);
+  EXPECT_EQ(TakeInstanceLock(reason), InstanceLock::Taken);
+  EXPECT_EQ(TakeInstanceLock(reason), InstanceLock::TakenByAnother);
   const HANDLE mutex = OpenMutexW(SYNCHRONIZE, FALSE, L"Quarn.exe");
   EXPECT_NE(mutex, nullptr);
   EXPECT_EQ(WaitForSingleObject(mutex, 0), WAIT_OBJECT_0) << "nobody owns it";

@@ -1,6 +1,8 @@
 #include "app/start_up.h"
 
 #include "app/app_fixture.h"
+#include "settings/damaged_file.h"
+#include "tests/settings/settings_test_support.h"
 
 namespace quarn::test {
 namespace {
@@ -15,7 +17,10 @@ class RecordedStage final : public StartUpStage {
   int fontHeight = 12;
   QString file;
 
-  InstanceLock TakeLock() override { return Note("lock", lock); }
+  InstanceLock TakeLock(QString& reason) override {
+    if (lock == InstanceLock::Failed) reason = QStringLiteral("/lock: no room");
+    return Note("lock", lock);
+  }
   void ShowSplash() override { m_journal.append(QStringLiteral("splash")); }
   MainWindow& Window() override { return m_window; }
   PortMonitor& Monitor() override { return m_monitor; }
@@ -84,7 +89,7 @@ TEST_F(StartUpTest, ASecondInstanceTouchesNothing) {
 TEST_F(StartUpTest, WithoutALockItDoesNotRun) {
   stage.lock = InstanceLock::Failed;
   EXPECT_EQ(Start(), StartUpResult::NotAlone);
-  EXPECT_EQ(Happened(), (QStringList{"lock", "plain/\"Quarn\" found opening error"}));
+  EXPECT_EQ(Happened(), (QStringList{"lock", "plain/\"Quarn\" found opening error\n/lock: no room"}));
 }
 
 TEST_F(StartUpTest, ARefusedScalingIsToldAfterTheSplash) {
@@ -183,28 +188,37 @@ TEST_F(StartUpTest, AFileThatCannotBeLoadedLeadsToTheWorkingSettings) {
   EXPECT_EQ(program.settings.loadedMarker, QStringLiteral("TRUE"));
 }
 
-TEST_F(StartUpTest, DiscardsAWorkingFileThatIsTooLarge) {
+TEST_F(StartUpTest, KeepsAWorkingFileOfTheLargestSizeAndTakesALargerOneAway) {
   MakeFolders();
-  for (const bool tooLarge : {false, true}) {
-    ASSERT_TRUE(WriteDefaultFile(program.workingSettingsFile));
+  for (const qsizetype size : {16384, 16385}) {
+    const QByteArray bytes = SoundFileOfSize(size).replace("BK_COLOR=NAVY", "BK_COLOR=TEAL");
     QFile file(program.workingSettingsFile);
-    ASSERT_TRUE(file.open(QIODevice::Append));
-    constexpr qint64 kLargest = 16384;
-    file.write(QByteArray(static_cast<qsizetype>(kLargest - file.size()), ' '));
-    if (tooLarge) file.write(" ");
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    ASSERT_EQ(file.write(bytes), size);
     file.close();
-    ASSERT_EQ(file.size(), kLargest + (tooLarge ? 1 : 0));
     EXPECT_EQ(Start(), StartUpResult::Running);
-    EXPECT_EQ(Happened().contains(kNotFoundWarning), tooLarge);
+    const bool kept = size == 16384;
+    EXPECT_EQ(messages.shown, kept ? QStringList{kUndefined} : (QStringList{kNotFoundWarning, kUndefined}));
+    messages.shown.clear();
+    EXPECT_EQ(program.settings.bkColor, kept ? QStringLiteral("TEAL") : QStringLiteral("NAVY"));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), kept ? bytes : NormalisedBytes(SortedDefaults()));
+    QFile damaged(DamagedFileOf(program.workingSettingsFile));
+    EXPECT_EQ(damaged.open(QIODevice::ReadOnly), !kept);
+    if (!kept) {
+      EXPECT_EQ(damaged.readAll(), bytes);
+    }
   }
 }
 
-TEST_F(StartUpTest, DiscardsAWorkingFileThatWasNeverFilled) {
+TEST_F(StartUpTest, TakesAWorkingFileAwayThatWasNeverFilled) {
   MakeFolders();
   ASSERT_TRUE(WriteWholeText(program.workingSettingsFile, QStringLiteral("STARTUP_STATE and more")));
   EXPECT_EQ(Start(), StartUpResult::Running);
   EXPECT_TRUE(Happened().contains(kNotFoundWarning));
   EXPECT_EQ(ReadValue(program.workingSettingsFile, SettingsKey(u"COM_PORT=")), QStringLiteral("NONE"));
+  EXPECT_EQ(ReadWholeText(DamagedFileOf(program.workingSettingsFile)),
+            QStringLiteral("STARTUP_STATE and more"));
 }
 
 TEST_F(StartUpTest, ListsThePorts) {

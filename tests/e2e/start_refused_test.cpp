@@ -50,9 +50,21 @@ TEST_F(StartRefused, WhereNobodyCanTellWhetherAnotherOneRuns) {
   // Where the lock file belongs there is something else.
   ASSERT_TRUE(QDir(runtime.path()).mkdir(QStringLiteral("Quarn.exe.lock")));
   StartProgram();
-  Acknowledge(kPlain, {QStringLiteral("\"Quarn\" found opening error")});
+  Acknowledge(kPlain, {QStringLiteral("\"Quarn\" found opening error\n%1/Quarn.exe.lock: Is a directory")
+                           .arg(runtime.path())});
   EXPECT_TRUE(EndsWith(1));
   ExpectNothingWritten();
+}
+
+TEST_F(StartRefused, WhereNobodyNamesAFolderForTheSettings) {
+  SetVariable("XDG_CONFIG_HOME", QString());
+  SetVariable("HOME", QStringLiteral("."));
+  program.setWorkingDirectory(home.path());
+  StartProgram();
+  Acknowledge(kPlain,
+              {QStringLiteral("There is no folder for the settings: HOME does not name one from / on.")});
+  EXPECT_TRUE(EndsWith(1));
+  EXPECT_FALSE(QFileInfo::exists(home.filePath(QStringLiteral(".config"))));
 }
 
 TEST_F(StartRefused, AtAScalingThatTheDialogsAreNotMadeFor) {
