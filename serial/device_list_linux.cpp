@@ -47,24 +47,38 @@ std::string ProductOf(udev_device* device) {
   return product != nullptr ? product : "";
 }
 
-std::vector<std::string> PinPathsOf(udev_device* device, const std::string& node, const std::string& dev) {
-  std::vector<std::string> byId;
-  std::vector<std::string> byPath;
+void FindLastingNames(udev_device* device, const std::string& dev, SerialDevice& found) {
   // Separated by blanks; one within a name is written \x20.
   const char* links = udev_device_get_property_value(device, "DEVLINKS");
   std::istringstream words(links != nullptr ? links : "");
   for (std::string link; words >> link;) {
     if (link.starts_with(dev + "/serial/by-id/")) {
-      byId.push_back(link);
+      found.idNames.push_back(link);
     } else if (link.starts_with(dev + "/serial/by-path/")) {
-      byPath.push_back(link);
+      found.pathNames.push_back(link);
     }
   }
-  std::sort(byId.begin(), byId.end());
-  std::sort(byPath.begin(), byPath.end());
-  byId.insert(byId.end(), byPath.begin(), byPath.end());
-  byId.push_back(node);
-  return byId;
+  std::sort(found.idNames.begin(), found.idNames.end());
+  std::sort(found.pathNames.begin(), found.pathNames.end());
+}
+
+/// What udev says, else what the adapter itself does, with blanks written as udev would.
+std::string PropertyOf(udev_device* device, const char* property, const char* attribute) {
+  if (const char* value = udev_device_get_property_value(device, property)) {
+    return value;
+  }
+  udev_device* adapter = udev_device_get_parent_with_subsystem_devtype(device, "usb", "usb_device");
+  const char* value = adapter != nullptr ? udev_device_get_sysattr_value(adapter, attribute) : nullptr;
+  std::string text = value != nullptr ? value : "";
+  std::replace(text.begin(), text.end(), ' ', '_');
+  return text;
+}
+
+DeviceIdentity IdentityOf(udev_device* device, const SerialDevice& found) {
+  return {found.idNames.empty() ? std::string() : found.idNames.front(),
+          found.pathNames.empty() ? std::string() : found.pathNames.front(),
+          PropertyOf(device, "ID_VENDOR_ID", "idVendor"), PropertyOf(device, "ID_MODEL_ID", "idProduct"),
+          PropertyOf(device, "ID_SERIAL_SHORT", "serial")};
 }
 
 /// The file in which udev keeps what it knows of a device, for instance "c188:0".
@@ -123,7 +137,8 @@ std::optional<DeviceList> ListSerialDevices(const SystemRoots& roots) {
     SerialDevice found;
     found.node = udev_device_get_devnode(device.get());
     found.number = number;
-    found.pinPaths = PinPathsOf(device.get(), found.node, roots.dev);
+    FindLastingNames(device.get(), roots.dev, found);
+    found.identity = IdentityOf(device.get(), found);
     found.product = ProductOf(device.get());
     list.devices.push_back(std::move(found));
   }

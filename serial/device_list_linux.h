@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "serial/link_path_linux.h"
+#include "serial/pin_records_linux.h"
 
 namespace quarn {
 
@@ -14,9 +15,9 @@ namespace quarn {
 struct SerialDevice {
   std::string node;  ///< /dev/ttyUSB0
   dev_t number = 0;
-  /// The paths by which the device can be pinned, the most lasting first: its names in
-  /// /dev/serial/by-id, those in by-path, its node.
-  std::vector<std::string> pinPaths;
+  std::vector<std::string> idNames;    ///< its names in /dev/serial/by-id; another device may claim them too
+  std::vector<std::string> pathNames;  ///< those in /dev/serial/by-path
+  DeviceIdentity identity;
   std::string product;  ///< UTF-8, as the device or the hardware database says it; may be empty
 };
 

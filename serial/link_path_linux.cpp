@@ -8,7 +8,6 @@
 #include <array>
 #include <cerrno>
 #include <deque>
-#include <optional>
 
 namespace quarn {
 
@@ -30,7 +29,8 @@ void PutInFront(std::deque<std::string>& parts, std::string_view path) {
   parts.insert(parts.begin(), added.begin(), added.end());
 }
 
-/// The text of a link; nothing, with errno set, for anything else (EINVAL: it is there, but no link).
+}  // namespace
+
 std::optional<std::string> ReadLink(const std::string& path) {
   std::array<char, PATH_MAX> text{};
   const ssize_t length = ::readlink(path.c_str(), text.data(), text.size());
@@ -39,8 +39,6 @@ std::optional<std::string> ReadLink(const std::string& path) {
   }
   return std::string(text.data(), static_cast<std::size_t>(length));
 }
-
-}  // namespace
 
 ResolvedPath ResolvePath(const std::string& folder, std::string_view path) {
   ResolvedPath result;

@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include <compare>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -34,6 +35,9 @@ struct ResolvedPath {
   /// The entries on which the outcome rests: each link on the way, and the last name, there or not.
   std::vector<FolderEntry> restsOn;
 };
+
+/// The text of a link; nothing, with errno set, for anything else (EINVAL: it is there, but no link).
+std::optional<std::string> ReadLink(const std::string& path);
 
 /// Follows `path` from `folder`, an absolute path without links (an absolute `path` starts at the root).
 /// Links are read, never opened: opening a serial device switches its modem lines.

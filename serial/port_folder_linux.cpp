@@ -91,6 +91,7 @@ std::optional<std::vector<PortLink>> PortFolder::Read(std::vector<FolderEntry>& 
       link.number = *number;
       link.isLink = S_ISLNK(status.st_mode);
       link.lastSeen = status.st_mtim;
+      link.inode = status.st_ino;
       links.push_back(std::move(link));
     }
     errno = 0;
@@ -103,6 +104,7 @@ std::optional<std::vector<PortLink>> PortFolder::Read(std::vector<FolderEntry>& 
             [](const PortLink& a, const PortLink& b) { return a.number < b.number; });
   for (PortLink& link : links) {
     if (link.isLink) {
+      link.text = ReadLink(PathOf(link.number)).value_or(std::string());
       link.target = ResolvePath(place.node, "COM" + std::to_string(link.number));
       link.present = !link.target.node.empty() && IsTerminalDevice(link.target.status, m_roots.sys);
     }

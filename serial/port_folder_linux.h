@@ -8,6 +8,7 @@
 
 #include "serial/file_descriptor.h"
 #include "serial/link_path_linux.h"
+#include "serial/pin_records_linux.h"
 
 namespace quarn {
 
@@ -21,8 +22,12 @@ struct PortLink {
   bool isLink = false;
   /// When its device was last seen: the link's own time stamp.
   timespec lastSeen{};
+  ino_t inode = 0;
+  std::string text;  ///< what it says, as it stands there
   ResolvedPath target;
-  /// Whether a terminal device stands at its end.
+  /// What is known of the device that it stands for; nothing for a link that is taken as it is.
+  std::optional<DeviceIdentity> known = {};
+  /// Whether a terminal device stands at its end, and, once judged, whether it is the right one.
   bool present = false;
 };
 
@@ -48,6 +53,14 @@ class PortFolder {
 
   /// Makes the link in place of the one that is there, in one step.
   PinResult Replace(int number, const std::string& target, std::error_code& problem) const;
+
+  /// What is known of the devices behind the links; see ReadPinRecords and WritePinRecords.
+  std::optional<std::vector<PinRecord>> Records(std::error_code& problem) const {
+    return ReadPinRecords(m_path, problem);
+  }
+  bool Record(const std::vector<PinRecord>& records, std::error_code& problem) const {
+    return WritePinRecords(m_path, records, problem);
+  }
 
   /// Makes the folder when it is missing and keeps other processes from pinning for as long as the
   /// descriptor lives. One that holds the folder for long is not waited for: the descriptor is none then,

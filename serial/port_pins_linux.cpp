@@ -4,6 +4,9 @@
 #include <array>
 #include <string>
 #include <tuple>
+#include <utility>
+
+#include "serial/pin_judgement_linux.h"
 
 namespace quarn {
 
@@ -25,24 +28,116 @@ std::optional<int> CustomaryNumber(const std::string& node) {
   return number <= kHighestPort ? std::optional(number) : std::nullopt;
 }
 
-bool IsPinned(const SerialDevice& device, const std::vector<PortLink>& links) {
-  return std::any_of(links.begin(), links.end(), [&](const PortLink& link) {
-    return !link.target.node.empty() && S_ISCHR(link.target.status.st_mode) &&
-           link.target.status.st_rdev == device.number;
-  });
+bool LeadsTo(const std::string& path, const SerialDevice& device) {
+  const ResolvedPath end = ResolvePath({}, path);
+  return !end.node.empty() && S_ISCHR(end.status.st_mode) && end.status.st_rdev == device.number;
 }
 
-/// The most lasting of the device's paths that leads to it. Two adapters without serial numbers claim
-/// one by-id name between them; it leads to only one of the two.
-std::optional<std::string> PinPathOf(const SerialDevice& device) {
-  for (const std::string& path : device.pinPaths) {
-    const ResolvedPath end = ResolvePath({}, path);
-    if (!end.node.empty() && S_ISCHR(end.status.st_mode) && end.status.st_rdev == device.number) {
-      return path;
+/// The most lasting of the device's paths that is its own and leads to it: a name in by-id, its socket, its
+/// node.
+std::optional<std::string> PinPathOf(const SerialDevice& device, bool ownsItsNames) {
+  std::vector<std::string> paths = ownsItsNames ? device.idNames : std::vector<std::string>();
+  paths.insert(paths.end(), device.pathNames.begin(), device.pathNames.end());
+  paths.push_back(device.node);
+  const auto path = std::find_if(paths.begin(), paths.end(),
+                                 [&](const std::string& each) { return LeadsTo(each, device); });
+  return path != paths.end() ? std::optional(*path) : std::nullopt;
+}
+
+/// Built-in lines first: nothing that is new at the same time is to take their customary numbers.
+std::vector<const SerialDevice*> InOrderOfPinning(const std::vector<SerialDevice>& devices) {
+  std::vector<const SerialDevice*> order;
+  order.reserve(devices.size());
+  for (const SerialDevice& device : devices) {
+    order.push_back(&device);
+  }
+  std::stable_partition(order.begin(), order.end(),
+                        [](const SerialDevice* device) { return CustomaryNumber(device->node).has_value(); });
+  return order;
+}
+
+/// One round of looking at the folder and giving numbers.
+class Pinning {
+ public:
+  Pinning(const PortFolder& folder, const std::vector<SerialDevice>& devices, const SystemRoots& roots,
+          std::vector<FolderEntry>& restsOn, std::error_code& problem)
+      : m_folder(folder), m_devices(devices), m_roots(roots), m_restsOn(restsOn), m_problem(problem) {}
+
+  /// False when the folder or the records cannot be read.
+  bool Read() {
+    m_links = m_folder.Read(m_restsOn, m_problem);
+    std::optional<std::vector<PinRecord>> stored = m_links ? m_folder.Records(m_problem) : std::nullopt;
+    if (!stored) {
+      m_links.reset();
+      return false;
+    }
+    m_stored = std::move(*stored);
+    m_records = m_stored;
+    Judge();
+    return true;
+  }
+  /// Whether there is anything to be made or written.
+  [[nodiscard]] bool IsUnfinished() const {
+    return RecordsOf(*m_links) != m_stored ||
+           std::any_of(m_devices.begin(), m_devices.end(), [&](const SerialDevice& device) {
+             return !IsListed(device, *m_links) && PathOf(device);
+           });
+  }
+  /// Until the device is listed, or nothing can be done about it.
+  void Pin(const SerialDevice& device) {
+    for (int attempt = 0; m_links && attempt < kAttempts && !IsListed(device, *m_links); ++attempt) {
+      // Also after a success: a person may have made or replaced links meanwhile.
+      if (!MakeLink(device) || !Look()) {
+        return;
+      }
     }
   }
-  return std::nullopt;
-}
+  void WriteRecords() {
+    if (!m_links) return;
+    const std::vector<PinRecord> records = RecordsOf(*m_links);
+    if (records != m_stored && m_folder.Record(records, m_problem)) m_stored = records;
+  }
+  std::optional<std::vector<PortLink>> Links() { return std::move(m_links); }
+
+ private:
+  bool Look() {
+    m_links = m_folder.Read(m_restsOn, m_problem);
+    if (m_links) Judge();
+    return m_links.has_value();
+  }
+  void Judge() {
+    AttachRecords(*m_links, m_records);
+    JudgePins(*m_links, m_devices, m_roots);
+  }
+  [[nodiscard]] std::optional<std::string> PathOf(const SerialDevice& device) const {
+    return PinPathOf(device, OwnsItsNames(device, m_devices, *m_links));
+  }
+  bool MakeLink(const SerialDevice& device) {
+    const std::optional<std::string> path = PathOf(device);
+    const PortLink* own = LinkMadeFor(device, *m_links);
+    const std::optional<PinChoice> choice =
+        own != nullptr ? PinChoice{own->number, true} : ChoosePin(device, *m_links);
+    if (!path || !choice || (own != nullptr && own->text == *path)) {
+      return false;
+    }
+    const auto result = choice->replaces ? m_folder.Replace(choice->number, *path, m_problem)
+                                         : m_folder.Pin(choice->number, *path, m_problem);
+    if (result == PortFolder::PinResult::Done && device.identity.IsKnown()) {
+      std::erase_if(m_records, [&](const PinRecord& each) { return each.number == choice->number; });
+      m_records.push_back({choice->number, 0, *path, device.identity});
+    }
+    return result != PortFolder::PinResult::Failed;
+  }
+
+  const PortFolder& m_folder;
+  const std::vector<SerialDevice>& m_devices;
+  const SystemRoots& m_roots;
+  std::vector<FolderEntry>& m_restsOn;
+  std::error_code& m_problem;
+  std::optional<std::vector<PortLink>> m_links;
+  std::vector<PinRecord> m_stored;   ///< as in the file
+  std::vector<PinRecord> m_records;  ///< with those of the links made since
+};
 
 }  // namespace
 
@@ -73,42 +168,37 @@ std::optional<PinChoice> ChoosePin(const SerialDevice& device, const std::vector
 
 std::optional<std::vector<PortLink>> PinNewDevices(const PortFolder& folder,
                                                    const std::vector<SerialDevice>& devices,
+                                                   const SystemRoots& roots,
                                                    std::vector<FolderEntry>& restsOn,
                                                    std::error_code& problem) {
-  // Built-in lines first: nothing that is new at the same time is to take their customary numbers.
-  std::vector<const SerialDevice*> order;
-  order.reserve(devices.size());
-  for (const SerialDevice& device : devices) {
-    order.push_back(&device);
+  Pinning pinning(folder, devices, roots, restsOn, problem);
+  if (!pinning.Read()) {
+    return std::nullopt;
   }
-  std::stable_partition(order.begin(), order.end(),
-                        [](const SerialDevice* device) { return CustomaryNumber(device->node).has_value(); });
-  std::optional<std::vector<PortLink>> links = folder.Read(restsOn, problem);
-  const bool someNew = links && std::any_of(order.begin(), order.end(), [&](const SerialDevice* device) {
-                         return !IsPinned(*device, *links) && PinPathOf(*device);
-                       });
+  if (!pinning.IsUnfinished()) {
+    return pinning.Links();
+  }
   // Two processes that see one new device must not both give it a number.
-  const FileDescriptor lock = someNew ? folder.Lock() : FileDescriptor();
+  const FileDescriptor lock = folder.Lock();
+  if (lock.IsValid() && !pinning.Read()) {
+    return std::nullopt;
+  }
+  for (const SerialDevice* device : InOrderOfPinning(devices)) {
+    pinning.Pin(*device);
+  }
+  // Without the lock somebody else is at it; what is known is then written after the next change.
   if (lock.IsValid()) {
-    links = folder.Read(restsOn, problem);
+    pinning.WriteRecords();
   }
-  for (const SerialDevice* device : order) {
-    for (int attempt = 0; links && attempt < kAttempts && !IsPinned(*device, *links); ++attempt) {
-      const std::optional<std::string> path = PinPathOf(*device);
-      const std::optional<PinChoice> choice = ChoosePin(*device, *links);
-      if (!path || !choice) {
-        break;
-      }
-      const auto result = choice->replaces ? folder.Replace(choice->number, *path, problem)
-                                           : folder.Pin(choice->number, *path, problem);
-      if (result == PortFolder::PinResult::Failed) {
-        break;
-      }
-      // Also after a success: a person may have made or replaced links meanwhile.
-      links = folder.Read(restsOn, problem);
-    }
-  }
-  return links;
+  return pinning.Links();
+}
+
+std::optional<std::vector<PortLink>> ReadPins(const PortFolder& folder,
+                                              const std::vector<SerialDevice>& devices,
+                                              const SystemRoots& roots, std::error_code& problem) {
+  std::vector<FolderEntry> restsOn;
+  Pinning pinning(folder, devices, roots, restsOn, problem);
+  return pinning.Read() ? pinning.Links() : std::nullopt;
 }
 
 }  // namespace quarn

@@ -102,7 +102,7 @@ LinuxPortSource::Listing LinuxPortSource::List(WatchPlan& plan) {
   std::vector<FolderEntry> restsOn = devices->pending;
   std::error_code problem;
   const std::optional<std::vector<PortLink>> links =
-      PinNewDevices(m_folder, devices->devices, restsOn, problem);
+      PinNewDevices(m_folder, devices->devices, m_roots, restsOn, problem);
   Tell(problem);
   if (!links) {
     PlanWatch({}, restsOn, plan);
@@ -184,17 +184,32 @@ void LinuxPortSource::PlanWatch(const std::vector<PortLink>& links, const std::v
   }
 }
 
-QString ResolvePort(const QString& portsFolder, const QString& name) {
+QString ResolvePort(const QString& portsFolder, const QString& name, const SystemRoots& roots) {
   if (name.isEmpty() || name == QLatin1String(".") || name == QLatin1String("..") ||
       name.contains(QLatin1Char('/')) || name.contains(QChar(u'\0'))) {
     return {};
   }
-  const ResolvedPath end =
-      ResolvePath({}, AbsolutePath(portsFolder) + '/' + QFile::encodeName(name).toStdString());
-  if (end.node.empty() || !IsTerminalDevice(end.status, SystemRoots().sys)) {
+  const std::string folder = AbsolutePath(portsFolder);
+  const std::string entry = QFile::encodeName(name).toStdString();
+  const ResolvedPath end = ResolvePath({}, folder + '/' + entry);
+  if (end.node.empty() || !IsTerminalDevice(end.status, roots.sys)) {
     return {};
   }
-  return QFile::decodeName(QByteArray::fromStdString(end.node));
+  const QString node = QFile::decodeName(QByteArray::fromStdString(end.node));
+  const std::optional<int> number = PortLinkNumber(entry);
+  // No pseudo-terminal is a device that a link could stand for.
+  if (!number || IsPseudoTerminal(end.status.st_rdev)) {
+    return node;
+  }
+  // The list may be a moment old, and the name may have passed to another device since.
+  const std::optional<DeviceList> devices = ListSerialDevices(roots);
+  std::error_code problem;
+  const auto links = devices ? ReadPins(PortFolder(folder, roots), devices->devices, roots, problem)
+                             : std::optional<std::vector<PortLink>>();
+  const bool isItself = links && std::any_of(links->begin(), links->end(), [&](const PortLink& link) {
+                          return link.number == *number && link.present && link.target.node == end.node;
+                        });
+  return isItself ? node : QString();
 }
 
 }  // namespace quarn

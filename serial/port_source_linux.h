@@ -66,8 +66,9 @@ class LinuxPortSource final : public PortSource {
   std::vector<std::unique_ptr<QSocketNotifier>> m_notifiers;
 };
 
-/// The device node behind a port name, or the empty text when no terminal device is there. A name that
-/// is not a plain file name (empty, ".", "..", with a "/" or a NUL) never leads anywhere.
-QString ResolvePort(const QString& portsFolder, const QString& name);
+/// The device node behind a port name, or the empty text when no terminal device is there, or another one
+/// than the port stands for. A name that is not a plain file name (empty, ".", "..", with a "/" or a NUL)
+/// never leads anywhere.
+QString ResolvePort(const QString& portsFolder, const QString& name, const SystemRoots& roots = {});
 
 }  // namespace quarn

@@ -1,99 +1,9 @@
 #include "serial/device_list_linux.h"
 
-#include <gtest/gtest.h>
-#include <sys/sysmacros.h>
-// Its Vala-made headers use a C cast and a name of Qt's.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wold-style-cast"
-#include <umockdev.h>
-#pragma GCC diagnostic pop
-
-#include "serial/port_source_linux.h"
-#include "serial_fixtures.h"
+#include "device_tree.h"
 
 namespace quarn {
 namespace {
-
-/// A device tree for one test, seen by every sysfs, /dev and udev access of this process.
-class DeviceTree {
- public:
-  DeviceTree() : m_bed(umockdev_testbed_new()) {
-    gchar* root = umockdev_testbed_get_root_dir(m_bed);
-    m_root = root;
-    g_free(root);
-  }
-  DeviceTree(const DeviceTree&) = delete;
-  DeviceTree& operator=(const DeviceTree&) = delete;
-  ~DeviceTree() { g_object_unref(m_bed); }
-
-  void Add(const std::string& description) {
-    GError* error = nullptr;
-    umockdev_testbed_add_from_string(m_bed, description.c_str(), &error);
-    EXPECT_EQ(error, nullptr) << (error != nullptr ? error->message : "");
-    g_clear_error(&error);
-  }
-
-  /// A tty device. `lines` are further lines of its description.
-  std::string AddTty(const std::string& folder, const std::string& name, int majorNumber, int minorNumber,
-                     const std::string& lines = {}) {
-    const std::string path = folder + "/tty/" + name;
-    const std::string number = std::to_string(majorNumber) + ':' + std::to_string(minorNumber);
-    Add("P: " + path + "\nN: " + name + "\nE: DEVNAME=/dev/" + name +
-        "\nE: SUBSYSTEM=tty\nE: MAJOR=" + std::to_string(majorNumber) +
-        "\nE: MINOR=" + std::to_string(minorNumber) + "\nA: dev=" + number + "\n" + lines + "\n");
-    // The test bed puts a link to a pseudo-terminal there, to be opened; nobody opens it here, and a
-    // device node is no link. Its plain kind of character device is an empty file.
-    const std::string node = m_root + "/dev/" + name;
-    ::unlink(node.c_str());
-    const FileDescriptor file(::open(node.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0660));
-    EXPECT_TRUE(file.IsValid());
-    return "/sys" + path;
-  }
-
-  /// A USB adapter with its port ttyUSB<n>, as its manufacturer would describe it.
-  std::string AddAdapter(int n, const std::string& lines = {}, const std::string& product = "Adapter\\n") {
-    const std::string usb = "/devices/pci0000:00/usb1/1-" + std::to_string(n + 1);
-    Add("P: " + usb + "\nE: SUBSYSTEM=usb\nE: DEVTYPE=usb_device\nA: product=" + product + "\n\n");
-    const std::string serial = usb + "/1-1:1.0/ttyUSB" + std::to_string(n);
-    Add("P: " + serial + "\nE: SUBSYSTEM=usb-serial\n\n");
-    return AddTty(serial, "ttyUSB" + std::to_string(n), 188, n, lines);
-  }
-
-  /// A driver's place for a chip at /dev/ttyS<n>.
-  void AddBuiltIn(int n, const std::string& portType) {
-    const std::string chip = "/devices/platform/serial8250." + std::to_string(n);
-    Add("P: " + chip + "\nE: SUBSYSTEM=platform\n\n");
-    AddTty(chip, "ttyS" + std::to_string(n), 4, 64 + n, "A: type=" + portType + "\\n\n");
-  }
-
-  /// What udev would make: a name in /dev/serial that leads to the node.
-  void LinkSerial(const std::string& kind, const std::string& name, const std::string& node) {
-    const std::string folder = m_root + "/dev/serial/" + kind;
-    EXPECT_EQ(g_mkdir_with_parents(folder.c_str(), 0755), 0);
-    ::unlink((folder + '/' + name).c_str());
-    EXPECT_EQ(::symlink(("../../" + node).c_str(), (folder + '/' + name).c_str()), 0);
-  }
-
-  void Announce(const std::string& device, const char* action) {
-    umockdev_testbed_uevent(m_bed, device.c_str(), action);
-  }
-  void Remove(const std::string& device) {
-    Announce(device, "remove");
-    umockdev_testbed_remove_device(m_bed, device.c_str());
-  }
-
- private:
-  UMockdevTestbed* m_bed;
-  std::string m_root;
-};
-
-/// Nothing of the real system's udev service or locks.
-SystemRoots QuietRoots() {
-  SystemRoots roots;
-  roots.udev = "/none";
-  roots.lockFiles = "/none";
-  return roots;
-}
 
 std::vector<std::string> NodesOf(const std::optional<DeviceList>& list) {
   EXPECT_TRUE(list.has_value());
@@ -102,12 +12,6 @@ std::vector<std::string> NodesOf(const std::optional<DeviceList>& list) {
     nodes.push_back(device.node);
   }
   return nodes;
-}
-
-QStringList List(LinuxPortSource& source) {
-  QStringList names;
-  EXPECT_TRUE(source.FriendlyNames(names));
-  return names;
 }
 
 /// The list once an event on its way has arrived; events travel through a socket.
@@ -162,22 +66,38 @@ TEST(ListSerialDevices, TakesTheBestProductName) {
   EXPECT_EQ(list->devices[3].product, "Adapter");
 }
 
-TEST(ListSerialDevices, OrdersPinPathsByHowLongTheyLast) {
+TEST(ListSerialDevices, KnowsLastingNamesAndWhatTellsADeviceFromOthers) {
   DeviceTree tree;
   tree.AddAdapter(
       0,
-      "E: DEVLINKS=/dev/serial/by-path/pci-1 /dev/other /dev/serial/by-id/usb-B /dev/serial/by-id/usb-A\n");
+      "E: DEVLINKS=/dev/serial/by-path/pci-1 /dev/other /dev/serial/by-id/usb-B /dev/serial/by-id/usb-A\n"
+      "E: ID_VENDOR_ID=0403\nE: ID_MODEL_ID=6001\nE: ID_SERIAL_SHORT=A6008isP\n");
   const std::optional<DeviceList> list = ListSerialDevices(QuietRoots());
   ASSERT_EQ(NodesOf(list).size(), 1U);
-  EXPECT_EQ(list->devices[0].number, makedev(188, 0));
-  EXPECT_EQ(list->devices[0].pinPaths,
-            (std::vector<std::string>{"/dev/serial/by-id/usb-A", "/dev/serial/by-id/usb-B",
-                                      "/dev/serial/by-path/pci-1", "/dev/ttyUSB0"}));
+  const SerialDevice& device = list->devices[0];
+  EXPECT_EQ(device.number, makedev(188, 0));
+  EXPECT_EQ(device.idNames, (std::vector<std::string>{"/dev/serial/by-id/usb-A", "/dev/serial/by-id/usb-B"}));
+  EXPECT_EQ(device.pathNames, std::vector<std::string>{"/dev/serial/by-path/pci-1"});
+  EXPECT_EQ(device.identity, (DeviceIdentity{"/dev/serial/by-id/usb-A", "/dev/serial/by-path/pci-1", "0403",
+                                             "6001", "A6008isP"}));
+}
+
+TEST(ListSerialDevices, AsksTheAdapterItselfWhereUdevKnowsNothing) {
+  DeviceTree tree;
+  const std::string usb = "/devices/pci0000:00/usb1/1-1";
+  tree.Add("P: " + usb +
+           "\nE: SUBSYSTEM=usb\nE: DEVTYPE=usb_device\nA: idVendor=0403\\n\nA: idProduct=6001\\n\n"
+           "A: serial=No 7\\n\n\n");
+  tree.AddTty(usb + "/1-1:1.0", "ttyUSB0", 188, 0);
+  const std::optional<DeviceList> list = ListSerialDevices(QuietRoots());
+  ASSERT_EQ(NodesOf(list).size(), 1U);
+  EXPECT_EQ(list->devices[0].identity, (DeviceIdentity{"", "", "0403", "6001", "No_7"}));
 }
 
 TEST(LinuxPortSource, PinsAndNamesAnAdapter) {
   DeviceTree tree;
-  tree.AddAdapter(0, "E: DEVLINKS=/dev/serial/by-id/usb-A\nE: ID_MODEL=Evil_(COM9)_box\n");
+  tree.AddAdapter(0,
+                  "E: DEVLINKS=/dev/serial/by-id/usb-A\nE: ID_SERIAL_SHORT=A\nE: ID_MODEL=Evil_(COM9)_box\n");
   tree.LinkSerial("by-id", "usb-A", "ttyUSB0");
   tree.AddBuiltIn(1, "4");
   tree.AddBuiltIn(2, "0");
@@ -228,7 +148,7 @@ TEST(LinuxPortSource, WithoutDevicesMakesNoFolder) {
 
 TEST(LinuxPortSource, AnAdapterKeepsItsNumberThroughUnplugging) {
   DeviceTree tree;
-  const std::string lines = "E: DEVLINKS=/dev/serial/by-id/usb-A\n";
+  const std::string lines = "E: DEVLINKS=/dev/serial/by-id/usb-A\nE: ID_SERIAL_SHORT=A\n";
   const std::string first = tree.AddAdapter(0, lines);
   tree.LinkSerial("by-id", "usb-A", "ttyUSB0");
   const ScratchFolder scratch;

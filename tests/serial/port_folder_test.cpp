@@ -41,15 +41,14 @@ SerialDevice DeviceOf(const PseudoTerminal& terminal, const std::vector<std::str
   SerialDevice device;
   device.node = terminal.Node();
   device.number = status.st_rdev;
-  device.pinPaths = lastingPaths;
-  device.pinPaths.push_back(terminal.Node());
+  device.pathNames = lastingPaths;
   return device;
 }
 
 Links PinAll(const std::string& path, const std::vector<SerialDevice>& devices) {
   std::vector<FolderEntry> restsOn;
   std::error_code problem;
-  const std::optional<Links> links = PinNewDevices(PortFolder(path), devices, restsOn, problem);
+  const std::optional<Links> links = PinNewDevices(PortFolder(path), devices, {}, restsOn, problem);
   EXPECT_TRUE(links.has_value());
   return links.value_or(Links());
 }
@@ -324,7 +323,7 @@ TEST(PinNewDevices, PutsBuiltInLinesFirst) {
   const ScratchFolder scratch;
   const PseudoTerminal adapter;
   const PseudoTerminal builtIn;
-  SerialDevice line = DeviceOf(builtIn);
+  SerialDevice line = DeviceOf(builtIn, {builtIn.Node()});
   line.node = "/dev/ttyS0";
   PinAll(scratch.Path(), {DeviceOf(adapter), line});
   EXPECT_EQ(scratch.TargetOf("COM1"), builtIn.Node());
@@ -373,7 +372,7 @@ TEST(PinNewDevices, TwoProcessesAtOnceGiveOneNumberPerDevice) {
     const pid_t other = ::fork();
     std::vector<FolderEntry> restsOn;
     std::error_code problem;
-    const bool pinned = PinNewDevices(PortFolder(ports), devices, restsOn, problem).has_value();
+    const bool pinned = PinNewDevices(PortFolder(ports), devices, {}, restsOn, problem).has_value();
     if (other == 0) {
       ::_exit(pinned ? 0 : 1);
     }
