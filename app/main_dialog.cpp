@@ -17,6 +17,7 @@
 #include "terminal/terminal_title.h"
 #include "ui/control.h"
 #include "ui/pictures.h"
+#include "ui/escape_key.h"
 #include "ui/placement.h"
 #include "ui/tool_tip.h"
 
@@ -55,6 +56,7 @@ void CQuarnDlg::CreateControls() {
   grid->setColumnMinimumWidth(3, logoSide);
   grid->setColumnStretch(2, 1);
   for (const int row : {0, 1, 2}) grid->setRowMinimumHeight(row, (size.height() - 2 * size.y()) / 3);
+  EscapeKey::OfProgram().StayInFront();
 
   auto* heading =
       WithControlId(new QLabel(QStringLiteral("Quarn  :  Serial Port Terminal"), this), kHeadingId);

@@ -6,7 +6,11 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QWheelEvent>
+#include <algorithm>
+#include <set>
 #include <utility>
+
+#include "ui/escape_key.h"
 
 namespace quarn {
 namespace {
@@ -53,6 +57,34 @@ const QKeyEvent* AsKey(const QEvent& event) {
   return key ? static_cast<const QKeyEvent*>(&event) : nullptr;
 }
 
+int CodeOf(const QEvent& event) {
+  switch (event.type()) {
+    case QEvent::KeyPress:
+    case QEvent::KeyRelease:
+      return static_cast<const QKeyEvent&>(event).key();
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::MouseButtonRelease:
+      return static_cast<const QMouseEvent&>(event).button();
+    default:
+      return 0;
+  }
+}
+
+/// The kind of event that begins what one of this kind ends; None when it ends nothing.
+QEvent::Type BeginningOf(int type) {
+  switch (type) {
+    case QEvent::KeyRelease:
+      return QEvent::KeyPress;
+    case QEvent::MouseButtonRelease:
+      return QEvent::MouseButtonPress;
+    case QEvent::TouchEnd:
+      return QEvent::TouchBegin;
+    default:
+      return QEvent::None;
+  }
+}
+
 std::function<std::unique_ptr<QEvent>()> MouseMaker(const QMouseEvent& event) {
   return [type = event.type(), position = event.position(), scene = event.scenePosition(),
           global = event.globalPosition(), button = event.button(), buttons = event.buttons(),
@@ -88,26 +120,32 @@ std::function<std::unique_ptr<QEvent>()> MakerOf(const QEvent& event) {
 
 }  // namespace
 
-InputHold::InputHold(QObject* parent) : QObject(parent) {}
+InputHold::InputHold(QObject* parent) : QObject(parent) { EscapeKey::OfProgram(); }
 
 InputHold::~InputHold() = default;
 
 void InputHold::Begin() {
   m_holding = true;
-  m_escapePressed = false;
+  // Typed ahead, and not yet looked at when the key in front of it began this hold.
+  m_escapePressed = std::any_of(m_held.begin(), m_held.end(), [](const Held& held) {
+    return held.type == QEvent::KeyPress && held.code == Qt::Key_Escape;
+  });
   m_escapeUsed = false;
   QCoreApplication::instance()->installEventFilter(this);
+  EscapeKey::OfProgram().StayInFront();
 }
 
 void InputHold::End() {
   m_holding = false;
-  if (m_escapeUsed) DropUsedEscapes();
+  if (m_escapeUsed) DropTypeAhead();
   if (m_held.empty()) {
     QCoreApplication::instance()->removeEventFilter(this);
   } else {
     QCoreApplication::postEvent(this, new QEvent(kHandOn));
   }
 }
+
+bool InputHold::EscapePressed() const { return m_escapePressed || EscapeKey::OfProgram().IsDown(); }
 
 void InputHold::Pump() { QCoreApplication::processEvents(QEventLoop::AllEvents); }
 
@@ -149,18 +187,25 @@ bool InputHold::eventFilter(QObject* receiver, QEvent* event) {
 void InputHold::Keep(QObject* receiver, const QEvent& event) {
   const QKeyEvent* key = AsKey(event);
   if (key != nullptr && key->isAutoRepeat()) return;
-  const bool escape = key != nullptr && key->key() == Qt::Key_Escape;
-  if (escape && event.type() == QEvent::KeyPress) m_escapePressed = true;
+  if (event.type() == QEvent::KeyPress && key->key() == Qt::Key_Escape) m_escapePressed = true;
   // The pointer's way does not matter, only where it stood at each click; keeping every step of it could
   // fill memory during a long wait.
   if (event.type() == QEvent::MouseMove && !m_held.empty() && m_held.back().type == QEvent::MouseMove) {
     m_held.pop_back();
   }
-  m_held.push_back({receiver, event.type(), escape, MakerOf(event)});
+  m_held.push_back({receiver, event.type(), CodeOf(event), MakerOf(event)});
 }
 
-void InputHold::DropUsedEscapes() {
-  std::erase_if(m_held, [](const Held& held) { return held.escape; });
+void InputHold::DropTypeAhead() {
+  std::set<std::pair<int, int>> begun;
+  std::erase_if(m_held, [&begun](const Held& held) {
+    const bool press = held.type == QEvent::MouseButtonDblClick;
+    begun.insert({press ? int{QEvent::MouseButtonPress} : held.type, held.code});
+    if (held.type == QEvent::Close || held.type == QEvent::Quit) return false;
+    // What was pressed before the hold must not stay down.
+    const QEvent::Type beginning = BeginningOf(held.type);
+    return beginning == QEvent::None || begun.contains({beginning, held.code});
+  });
 }
 
 }  // namespace quarn

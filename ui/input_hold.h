@@ -13,8 +13,8 @@ namespace quarn {
 /// While it holds, windows paint but nothing else happens in them: keys, clicks, wheel turns and close
 /// requests are kept and handed on in their order afterwards, and no timer of a window runs (each comes
 /// again at its next interval). The repeats of a key that is held down are dropped, so that they cannot
-/// pile up. ESC is noticed, wherever in the program the focus is; the press that was noticed is used up.
-/// User-interface thread only.
+/// pile up. ESC is noticed, wherever in the program the focus is. Where it is taken as the wish to stop, what
+/// was typed and clicked ahead is dropped with it. User-interface thread only.
 class InputHold : public QObject {
  public:
   explicit InputHold(QObject* parent = nullptr);
@@ -26,9 +26,11 @@ class InputHold : public QObject {
   [[nodiscard]] bool IsHolding() const { return m_holding; }
   /// Handles what has arrived; paints.
   void Pump();
-  /// Whether ESC has been pressed since Begin.
-  [[nodiscard]] bool EscapePressed() const { return m_escapePressed; }
-  /// From now on the ESC that was noticed counts as used: it is not handed on.
+  /// Whether ESC is down, has been pressed since Begin, or was pressed before and is still to be handed on:
+  /// behind the key that began this hold.
+  [[nodiscard]] bool EscapePressed() const;
+  /// The ESC that was noticed ends what is going on: of all that is held when the hold ends, only requests to
+  /// close a window or to end the program are handed on, and releases of what was pressed before.
   void UseEscape() { m_escapeUsed = true; }
 
  protected:
@@ -39,14 +41,14 @@ class InputHold : public QObject {
   struct Held {
     QPointer<QObject> receiver;
     int type;
-    bool escape;
+    int code;  ///< the key or the button; 0 when there is none
     /// Makes the event anew. A pointer event must not be copied and kept: copies share their position
     /// with the device, whose next move changes them all.
     std::function<std::unique_ptr<QEvent>()> make;
   };
   void Keep(QObject* receiver, const QEvent& event);
   void HandOn();
-  void DropUsedEscapes();
+  void DropTypeAhead();
 
   std::deque<Held> m_held;
   bool m_holding = false;

@@ -200,6 +200,11 @@ void CTerminalScreen::Transact() {
   if (result != TransactionResult::LogFull) return;
   m_context.messages.ShowTransientMessage(QStringLiteral("Error: No remaining memory for log buffer"), {});
   TakeFocus();
+  if (result == TransactionResult::Aborted) {
+    // What another window asked to send before is typed ahead as well.
+    m_context.state.requests.send = false;
+    m_context.state.requests.sendAction = false;
+  }
 }
 
 bool CTerminalScreen::EscapePressed() {

@@ -37,6 +37,56 @@ TEST_F(FirstCommand, EscapeEndsTheWaitForASilentDevice) {
   EXPECT_EQ(CopiedLog(), QByteArray("[mute]\rWarning: Aborted by ESC Key\r\r"));
 }
 
+TEST_F(FirstCommand, EscapeTakesTheEntersTypedAheadWithIt) {
+  StartConnected("\"mute\" -> silence\n* -> line \"OK\"",
+                 {{QStringLiteral("R_TIMEOUT"), QStringLiteral("OFF")}});
+  Type(QStringLiteral("mute"));
+  Press({QStringLiteral("Return")});
+  ASSERT_TRUE(WireBecomes("mute\r"));
+  Press({QStringLiteral("Return"), QStringLiteral("Return"), QStringLiteral("Return"),
+         QStringLiteral("Escape")});
+  ASSERT_TRUE(TerminalTitleBecomes(QStringLiteral("Quarn - Terminal Screeen (COM3)  N- INS  [ 1-3  ]")));
+  Press({QStringLiteral("ctrl+z")});
+  Type(QStringLiteral("id"));
+  Press({QStringLiteral("Return")});
+  EXPECT_TRUE(WireBecomes("mute\rid\r"));
+  EXPECT_TRUE(TerminalTitleBecomes(QStringLiteral("Quarn - Terminal Screeen (COM3)  N- INS  [ 1-5  ]")));
+}
+
+TEST_F(FirstCommand, AnEscapeThatIsHeldDownEndsEveryWaitThatBegins) {
+  StartConnected("\"mute\" -> silence\n* -> line \"OK\"",
+                 {{QStringLiteral("R_TIMEOUT"), QStringLiteral("OFF")}});
+  Type(QStringLiteral("mute"));
+  desktop.Run(QStringLiteral("xdotool"), {QStringLiteral("keydown"), QStringLiteral("Escape")});
+  Press({QStringLiteral("Return")});
+  ASSERT_TRUE(TerminalTitleBecomes(QStringLiteral("Quarn - Terminal Screeen (COM3)  N- INS  [ 1-3  ]")));
+  Press({QStringLiteral("Return")});
+  ASSERT_TRUE(TerminalTitleBecomes(QStringLiteral("Quarn - Terminal Screeen (COM3)  N- INS  [ 1-6  ]")));
+  desktop.Run(QStringLiteral("xdotool"), {QStringLiteral("keyup"), QStringLiteral("Escape")});
+  Press({QStringLiteral("ctrl+z")});
+  Type(QStringLiteral("id"));
+  Press({QStringLiteral("Return")});
+  EXPECT_TRUE(WireBecomes("mute\rmute\rid\r"));
+  EXPECT_TRUE(TerminalTitleBecomes(QStringLiteral("Quarn - Terminal Screeen (COM3)  N- INS  [ 1-8  ]")));
+}
+
+TEST_F(FirstCommand, AnEscapeLetGoInAnotherProgramIsNotDownForEver) {
+  StartConnected("* -> 1000 line \"OK\"");
+  ChildProcess other;
+  other.setProcessEnvironment(desktop.Environment());
+  other.start(QStringLiteral(QUARN_DRAG_SOURCE), {SettingsFile()});
+  const QString window = WaitForWindow(QStringLiteral("^Drag Source$"));
+  Focus(terminal);
+  desktop.Run(QStringLiteral("xdotool"), {QStringLiteral("keydown"), QStringLiteral("Escape")});
+  Focus(window);
+  desktop.Run(QStringLiteral("xdotool"), {QStringLiteral("keyup"), QStringLiteral("Escape")});
+  Focus(terminal);
+  Type(QStringLiteral("id"));
+  Press({QStringLiteral("Return")});
+  EXPECT_TRUE(TerminalTitleBecomes(QStringLiteral("Quarn - Terminal Screeen (COM3)  N- INS  [ 1-2  ]")));
+  End(other);
+}
+
 TEST_F(FirstCommand, WhatIsTypedDuringAWaitComesAfterwards) {
   StartConnected("\"slow\" -> 1500 line \"done\"\n* -> line \"OK\"",
                  {{QStringLiteral("AUTO_CLR"), QStringLiteral("ON")}});

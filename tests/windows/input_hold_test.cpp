@@ -5,6 +5,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QBasicTimer>
+#include <QPointer>
 #include <QPushButton>
 #include <QTest>
 #include <QWidget>
@@ -102,18 +103,148 @@ TEST(InputHold, PaintsButRunsNoTimer) {
   EXPECT_TRUE(QTest::qWaitFor([&] { return window.timers > 0; }));
 }
 
-TEST(InputHold, NoticesEscapeAndUsesItUp) {
+/// A key on its way down or up, as the system tells of it.
+void Key(const Recorder& window, QEvent::Type type, Qt::Key key, bool repeat = false) {
+  qt_handleKeyEvent(window.windowHandle(), type, key, Qt::NoModifier, QString(), repeat);
+}
+
+TEST(InputHold, NoticesEscape) {
   Recorder window;
   InputHold hold;
   hold.Begin();
   EXPECT_FALSE(hold.EscapePressed());
   QTest::keyClick(window.windowHandle(), Qt::Key_Escape);
   EXPECT_TRUE(hold.EscapePressed());
-  hold.UseEscape();
-  QTest::keyClick(window.windowHandle(), 'a');
   hold.End();
   QCoreApplication::processEvents();
-  EXPECT_EQ(window.events.join(u','), QStringLiteral("key a"));
+}
+
+TEST(InputHold, AnEscapeThatIsUsedTakesWhatWasTypedAheadWithIt) {
+  Recorder window;
+  InputHold hold;
+  hold.Begin();
+  QTest::keyClick(window.windowHandle(), 'a');
+  QTest::mouseClick(window.windowHandle(), Qt::LeftButton, {}, QPoint(10, 10));
+  QTest::keyClick(window.windowHandle(), Qt::Key_Escape);
+  hold.UseEscape();
+  QTest::keyClick(window.windowHandle(), 'b');
+  hold.End();
+  QCoreApplication::processEvents();
+  EXPECT_EQ(window.events, QStringList());
+  QTest::keyClick(window.windowHandle(), 'c');
+  EXPECT_EQ(window.events.join(u','), QStringLiteral("key c"));
+}
+
+TEST(InputHold, AUsedEscapeLeavesCloseRequestsAndTheEndOfWhatBeganBefore) {
+  Recorder window;
+  InputHold hold;
+  QTest::mousePress(window.windowHandle(), Qt::LeftButton, {}, QPoint(10, 10));
+  ASSERT_EQ(window.events.join(u','), QStringLiteral("press"));
+  hold.Begin();
+  QTest::mouseRelease(window.windowHandle(), Qt::LeftButton, {}, QPoint(10, 10));
+  QTest::mouseClick(window.windowHandle(), Qt::LeftButton, {}, QPoint(50, 50));
+  QTest::keyClick(window.windowHandle(), Qt::Key_Escape);
+  window.windowHandle()->close();
+  hold.UseEscape();
+  hold.End();
+  EXPECT_TRUE(QTest::qWaitFor([&] { return !window.isVisible(); }));
+  EXPECT_EQ(window.events.join(u','), QStringLiteral("press,release,close"));
+}
+
+TEST(InputHold, AnEscapeThatIsDownIsSeenByTheHoldThatBegins) {
+  Recorder window;
+  InputHold hold;
+  Key(window, QEvent::KeyPress, Qt::Key_Escape);
+  // A key that is pressed while it is down ends its repeats, not its being down.
+  QTest::keyClick(window.windowHandle(), 'a');
+  hold.Begin();
+  EXPECT_TRUE(hold.EscapePressed());
+  hold.UseEscape();
+  hold.End();
+  hold.Begin();
+  EXPECT_TRUE(hold.EscapePressed()) << "down is down, for the next one as well";
+  Key(window, QEvent::KeyRelease, Qt::Key_Escape);
+  EXPECT_FALSE(hold.EscapePressed());
+  hold.End();
+  QCoreApplication::processEvents();
+}
+
+TEST(InputHold, TheRepeatsOfAnEscapeThatIsDownDoNotLetItUp) {
+  Recorder window;
+  InputHold hold;
+  Key(window, QEvent::KeyPress, Qt::Key_Escape);
+  Key(window, QEvent::KeyRelease, Qt::Key_Escape, true);
+  hold.Begin();
+  EXPECT_TRUE(hold.EscapePressed());
+  Key(window, QEvent::KeyRelease, Qt::Key_Escape);
+  hold.End();
+  QCoreApplication::processEvents();
+}
+
+TEST(InputHold, AnEscapeIsNotDownForEverWhenNobodySawItLetGo) {
+  auto closed = std::make_unique<Recorder>();
+  InputHold hold;
+  Key(*closed, QEvent::KeyPress, Qt::Key_Escape);
+  // The window that had the keyboard is gone; the key is let go in another program.
+  closed.reset();
+  Recorder window;
+  hold.Begin();
+  EXPECT_FALSE(hold.EscapePressed());
+  // A repeat tells that it is down still.
+  Key(window, QEvent::KeyPress, Qt::Key_Escape, true);
+  EXPECT_TRUE(hold.EscapePressed());
+  Key(window, QEvent::KeyRelease, Qt::Key_Escape);
+  hold.End();
+  QCoreApplication::processEvents();
+}
+
+TEST(InputHold, AnEscapeThatIsHandedOnIsNotTakenForAKeyThatIsDown) {
+  /// Is gone at its first key, and with it the receiver of the key's release.
+  class Short final : public QWidget {
+   protected:
+    void keyPressEvent(QKeyEvent*) override { deleteLater(); }
+  };
+  QPointer<Short> window = new Short;
+  window->show();
+  window->activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(window));
+  Recorder other;
+  InputHold hold;
+  hold.Begin();
+  QTest::keyClick(window->windowHandle(), Qt::Key_Escape);
+  hold.End();
+  ASSERT_TRUE(QTest::qWaitFor([&] { return window.isNull(); }));
+  hold.Begin();
+  EXPECT_FALSE(hold.EscapePressed());
+  hold.End();
+}
+
+TEST(InputHold, AnEscapeTypedBehindTheKeyThatBeginsTheNextHoldCountsForIt) {
+  Recorder window;
+  InputHold hold;
+  /// The next hold begins with the key that is handed on.
+  class Beginner final : public QObject {
+   public:
+    explicit Beginner(InputHold* hold) : m_hold(hold) {}
+    bool eventFilter(QObject*, QEvent* event) override {
+      const bool begins =
+          event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->key() == Qt::Key_Return;
+      if (begins) m_hold->Begin();
+      return false;
+    }
+
+   private:
+    InputHold* m_hold;
+  };
+  Beginner beginner(&hold);
+  window.installEventFilter(&beginner);
+  hold.Begin();
+  for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Escape}) QTest::keyClick(window.windowHandle(), key);
+  hold.End();
+  ASSERT_TRUE(QTest::qWaitFor([&] { return hold.IsHolding(); }));
+  EXPECT_TRUE(hold.EscapePressed());
+  hold.End();
+  QCoreApplication::processEvents();
 }
 
 TEST(InputHold, AnEscapeThatNobodyUsedIsHandedOn) {

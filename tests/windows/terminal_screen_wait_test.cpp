@@ -65,6 +65,58 @@ TEST_F(TerminalWait, EscapeAborts) {
   EXPECT_EQ(commandLine.Text(), QStringLiteral("mute"));
 }
 
+TEST_F(TerminalWait, EscapeTakesTheEntersTypedAheadWithIt) {
+  Connect("\"mute\" -> silence\n* -> line \"answer\"");
+  settings.rTimeout = QStringLiteral("OFF");
+  Open();
+  Type("mute");
+  OnceReceived("mute\r", [this] {
+    for (int i = 0; i < 3; ++i) QTest::keyClick(window->windowHandle(), Qt::Key_Return);
+    QTest::keyClick(window->windowHandle(), Qt::Key_Escape);
+    QTest::keyClick(window->windowHandle(), Qt::Key_Return);
+  });
+  Press(Qt::Key_Return);
+  ASSERT_EQ(window->RowText(1), QStringLiteral("Warning: Aborted by ESC Key\r"));
+  // What had been kept would come before what is typed now.
+  commandLine.Reset();
+  for (const char each : {'i', 'd'}) QTest::keyClick(window->windowHandle(), each);
+  QTest::keyClick(window->windowHandle(), Qt::Key_Return);
+  ASSERT_TRUE(Until([this] { return log.LineCount() == 5; }));
+  EXPECT_EQ(instrument->Received(), "mute\rid\r");
+  EXPECT_EQ(window->SendCounter(), 2U);
+}
+
+TEST_F(TerminalWait, EscapeTakesWhatAnotherWindowHadAskedToSendWithIt) {
+  Connect("* -> silence");
+  settings.rTimeout = QStringLiteral("OFF");
+  Open();
+  Type("mute");
+  OnceReceived("mute\r", [this] { QTest::keyClick(window->windowHandle(), Qt::Key_Escape); });
+  // SEND and Enter in the table of stored commands, within one tick.
+  state.requests.sendAction = true;
+  state.requests.send = true;
+  ASSERT_TRUE(Until([this] { return log.LineCount() == 3; }));
+  EXPECT_FALSE(state.requests.send);
+  EXPECT_EQ(instrument->Received(), "mute\r");
+}
+
+TEST_F(TerminalWait, AnEscapeThatIsDownAbortsTheCommandThatBegins) {
+  Connect("* -> silence");
+  settings.rTimeout = QStringLiteral("OFF");
+  Open();
+  Type("mute");
+  QTest::keyPress(window->windowHandle(), Qt::Key_Escape);
+  for (int times = 1; times <= 2; ++times) {
+    Press(Qt::Key_Return);
+    EXPECT_EQ(window->RowText(3 * times - 2), QStringLiteral("Warning: Aborted by ESC Key\r"));
+    EXPECT_EQ(log.LineCount(), 3 * times);
+  }
+  QTest::keyRelease(window->windowHandle(), Qt::Key_Escape);
+  settings.rTimeout = QStringLiteral("ON");
+  Press(Qt::Key_Return);
+  EXPECT_EQ(window->RowText(7), QStringLiteral("Error: Response Timeout Error\r"));
+}
+
 TEST_F(TerminalWait, KeysPressedMeanwhileAreHandedOnInTheirOrder) {
   Connect("\"slow\" -> 300 line \"done\"");
   settings.autoClr = QStringLiteral("ON");

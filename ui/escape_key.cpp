@@ -1,0 +1,38 @@
+#include "ui/escape_key.h"
+
+#include <QGuiApplication>
+#include <QKeyEvent>
+
+namespace quarn {
+
+EscapeKey& EscapeKey::OfProgram() {
+  static QPointer<EscapeKey> key;
+  if (key.isNull()) key = new EscapeKey;
+  return *key;
+}
+
+EscapeKey::EscapeKey() : QObject(QCoreApplication::instance()), m_focus(QGuiApplication::focusWindow()) {
+  connect(qGuiApp, &QGuiApplication::focusWindowChanged, this, [this](QWindow* window) {
+    // Nobody tells of it when the window that had the keyboard is gone.
+    if (window == nullptr || m_focus.isNull()) m_down = false;
+    m_focus = window;
+  });
+  StayInFront();
+}
+
+bool EscapeKey::IsDown() const { return m_down && QGuiApplication::focusWindow() != nullptr; }
+
+void EscapeKey::StayInFront() { QCoreApplication::instance()->installEventFilter(this); }
+
+bool EscapeKey::eventFilter(QObject* receiver, QEvent* event) {
+  const bool pressed = event->type() == QEvent::KeyPress;
+  if ((!pressed && event->type() != QEvent::KeyRelease) || !receiver->isWindowType()) return false;
+  // What was held back and is handed on now says nothing of the key as it is now.
+  if (!event->spontaneous()) return false;
+  const auto& key = static_cast<const QKeyEvent&>(*event);
+  // Some systems tell of a repeat as of a release and a press.
+  if (key.key() == Qt::Key_Escape && (pressed || !key.isAutoRepeat())) m_down = pressed;
+  return false;
+}
+
+}  // namespace quarn
