@@ -65,7 +65,7 @@ need() {
   local group packages=()
   for group in "$@"; do
     case $group in
-      build) packages+=(g++ cmake ninja-build pkg-config qt6-base-dev libudev-dev) ;;
+      build) packages+=(g++ cmake ninja-build pkg-config qt6-base-dev libudev-dev libxcb1-dev) ;;
       test) packages+=(libgtest-dev libumockdev-dev umockdev fonts-dejavu-core util-linux locales) ;;
       window) packages+=(xvfb xauth openbox xdotool x11-utils xclip maim dbus-daemon fonts-dejavu-core) ;;
       pictures) packages+=(pngquant imagemagick x11-xserver-utils) ;;

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "settings/store_values.h"
+#include "ui/clipboard_text.h"
 #include "ui/control.h"
 #include "ui/dialog_grid.h"
 #include "ui/placement.h"
@@ -197,7 +198,15 @@ void CSetMem::changeEvent(QEvent* event) {
 }
 
 bool CSetMem::eventFilter(QObject* receiver, QEvent* event) {
-  if (event->type() == QEvent::KeyPress && HandleKey(static_cast<QKeyEvent&>(*event))) return true;
+  if (event->type() == QEvent::KeyPress) {
+    const auto& key = static_cast<QKeyEvent&>(*event);
+    auto* field = qobject_cast<QLineEdit*>(receiver);
+    if (field != nullptr && key.matches(QKeySequence::Paste)) {
+      PasteInto(*field);
+      return true;
+    }
+    if (HandleKey(key)) return true;
+  }
   return PolledDialog::eventFilter(receiver, event);
 }
 
@@ -206,6 +215,12 @@ void CSetMem::keyPressEvent(QKeyEvent* event) {
 }
 
 bool CSetMem::HandleKey(const QKeyEvent& event) {
+void CSetMem::PasteInto(QLineEdit& field) {
+  if (m_hold.IsHolding()) return;
+  const QScopedValueRollback<int> calls(m_calls, m_calls + 1);
+  if (const std::optional<QString> text = ClipboardText(m_hold)) field.insert(*text);
+}
+
   // Alt and F4 closes the window; a key with a logo on it is the desktop's.
   const Qt::KeyboardModifiers modifiers = event.modifiers();
   const bool alt = modifiers.testFlag(Qt::AltModifier) && !modifiers.testFlag(Qt::ControlModifier);

@@ -6,6 +6,7 @@
 
 #include "settings/settings_record.h"
 #include "terminal/function_key_table.h"
+#include "ui/input_hold.h"
 #include "ui/message_operations.h"
 #include "ui/polled_dialog.h"
 #include "ui/shared_state.h"
@@ -49,6 +50,7 @@ class CSetMem final : public PolledDialog {
   void ShowState();
 
   bool HandleKey(const QKeyEvent& event);
+  void PasteInto(QLineEdit& field);
   void PressFunctionButton(int index);
   void RequestStoredCommand(int index);
   void Send();
@@ -58,6 +60,7 @@ class CSetMem final : public PolledDialog {
 
   FunctionKeyTableContext m_context;
   FunctionKeyTable m_table;
+  InputHold m_hold;
   std::array<QPushButton*, kStoredCommandCount> m_keys{};
   std::array<QLineEdit*, kStoredCommandCount> m_fields{};
   QPushButton* m_undo = nullptr;

@@ -5,12 +5,12 @@
 #include <QContextMenuEvent>
 #include <QKeyEvent>
 #include <QMenu>
-#include <QMimeData>
 #include <QWheelEvent>
 #include <utility>
 
 #include "terminal/dialogs/terminal_screen.h"
 #include "terminal/screen_options.h"
+#include "ui/clipboard_text.h"
 #include "ui/placement.h"
 #include "ui/static_text.h"
 
@@ -161,8 +161,11 @@ void CTerminalScreen::PressButton(const TerminalButton& button) {
 void CTerminalScreen::CopyToClipboard(const QString& text) { QGuiApplication::clipboard()->setText(text); }
 
 void CTerminalScreen::PasteFromClipboard() {
-  const QMimeData* content = QGuiApplication::clipboard()->mimeData();
-  if (content != nullptr && content->hasText()) m_context.commandLine.Paste(content->text(), CommandLimit());
+  // Another program may take its time. One that has no text, or does not give it, changes nothing.
+  if (m_hold.IsHolding()) return;
+  const CallScope call(m_calls);
+  const std::optional<QString> text = ClipboardText(m_hold);
+  if (text) m_context.commandLine.Paste(*text, CommandLimit());
 }
 
 void CTerminalScreen::SendByEnter() {
@@ -197,14 +200,14 @@ void CTerminalScreen::Transact() {
                                m_context.commandLine};
   const TransactionResult result = ExecuteCommand(context, *this, m_context.commandLine.Text());
   RedrawLogRows();
-  if (result != TransactionResult::LogFull) return;
-  m_context.messages.ShowTransientMessage(QStringLiteral("Error: No remaining memory for log buffer"), {});
-  TakeFocus();
   if (result == TransactionResult::Aborted) {
     // What another window asked to send before is typed ahead as well.
     m_context.state.requests.send = false;
     m_context.state.requests.sendAction = false;
   }
+  if (result != TransactionResult::LogFull) return;
+  m_context.messages.ShowTransientMessage(QStringLiteral("Error: No remaining memory for log buffer"), {});
+  TakeFocus();
 }
 
 bool CTerminalScreen::EscapePressed() {

@@ -1,4 +1,8 @@
 
+#include <signal.h>
+
+#include <QElapsedTimer>
+
 #include "e2e/desktop.h"
 
 namespace quarn::test {
@@ -63,6 +67,34 @@ TEST_F(Keyboard, ClipboardKeys) {
   Type(QStringLiteral("d"));
   Press(Keys("Return"));
   EXPECT_TRUE(WireBecomes("pasted\rd\r"));
+}
+
+TEST_F(Keyboard, AClipboardWhoseOwnerSaysNothingHoldsNobodyUp) {
+  Start();
+  ChildProcess owner;
+  owner.setProcessEnvironment(desktop.Environment());
+  owner.start(QStringLiteral("xclip"),
+              {QStringLiteral("-selection"), QStringLiteral("clipboard"), QStringLiteral("-quiet")});
+  owner.write("never told");
+  owner.closeWriteChannel();
+  ASSERT_TRUE(Eventually([this] { return ClipboardText() == "never told"; }));
+  ASSERT_EQ(kill(static_cast<pid_t>(owner.processId()), SIGSTOP), 0);
+  Type(QStringLiteral("ab"));
+  // The toolkit's own way would take five seconds for each time that it asks.
+  QElapsedTimer waited;
+  waited.start();
+  Press(Keys("ctrl+v c Return"));
+  EXPECT_TRUE(WireBecomes("abc\r"));
+  EXPECT_LT(waited.elapsed(), 4500);
+  kill(static_cast<pid_t>(owner.processId()), SIGCONT);
+  End(owner);
+}
+
+TEST_F(Keyboard, AVeryLongClipboardComesInPieces) {
+  Start();
+  SetClipboard(QByteArray("\t\n").repeated(20) + QByteArray(3000000, 'x'));
+  Press(Keys("ctrl+v Return"));
+  EXPECT_TRUE(WireBecomes(std::string(48, 'x') + '\r'));
 }
 
 TEST_F(Keyboard, OtherControlKeysAndEscapeChangeNothing) {

@@ -1,0 +1,147 @@
+// Qt asks an X11 owner twice and waits five seconds each time, with all windows frozen. So the owner is asked
+// here, on a connection of its own.
+
+#include <poll.h>
+#include <xcb/xcb.h>
+
+#include <QClipboard>
+#include <QDeadlineTimer>
+#include <QGuiApplication>
+#include <array>
+#include <cstdlib>
+#include <memory>
+#include <optional>
+#include <string_view>
+
+#include "ui/clipboard_text.h"
+#include "ui/input_hold.h"
+
+namespace quarn {
+namespace {
+
+struct Freed {
+  void operator()(void* each) const { std::free(each); }
+};
+template <typename T>
+using Reply = std::unique_ptr<T, Freed>;
+
+struct Disconnected {
+  void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
+};
+
+/// One question to the owner of the clipboard.
+class Question {
+ public:
+  Question(InputHold& hold, int limitMs)
+      : m_hold(hold), m_deadline(limitMs, Qt::PreciseTimer), m_connection(xcb_connect(nullptr, nullptr)) {
+    if (xcb_connection_has_error(m_connection.get()) != 0) return;
+    const xcb_setup_t* setup = xcb_get_setup(m_connection.get());
+    const xcb_screen_t* screen = xcb_setup_roots_iterator(setup).data;
+    m_window = xcb_generate_id(m_connection.get());
+    const std::uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE;
+    xcb_create_window(m_connection.get(), XCB_COPY_FROM_PARENT, m_window, screen->root, 0, 0, 1, 1, 0,
+                      XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK, &events);
+    m_clipboard = Atom("CLIPBOARD");
+    m_property = Atom("QUARN_PASTE");
+    m_inPieces = Atom("INCR");
+  }
+
+  /// Nothing when the display does not answer or the owner says nothing in time.
+  std::optional<QString> Ask() {
+    if (m_window == XCB_NONE) return std::nullopt;
+    for (const char* kind : {"UTF8_STRING", "text/plain;charset=utf-8", "STRING"}) {
+      xcb_convert_selection(m_connection.get(), m_window, m_clipboard, Atom(kind), m_property,
+                            XCB_CURRENT_TIME);
+      xcb_flush(m_connection.get());
+      const std::optional<bool> has = IsAnswered();
+      if (!has) return std::nullopt;
+      if (!*has) continue;
+      const std::optional<QByteArray> bytes = Read();
+      if (!bytes) return std::nullopt;
+      return kind == std::string_view("STRING") ? QString::fromLatin1(*bytes) : QString::fromUtf8(*bytes);
+    }
+    return std::nullopt;
+  }
+
+ private:
+  xcb_atom_t Atom(std::string_view name) {
+    const auto asked =
+        xcb_intern_atom(m_connection.get(), 0, static_cast<std::uint16_t>(name.size()), name.data());
+    const Reply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(m_connection.get(), asked, nullptr));
+    return reply ? reply->atom : xcb_atom_t{XCB_NONE};
+  }
+
+  /// The next event; nothing once the time is over or the display is gone.
+  Reply<xcb_generic_event_t> Next() {
+    constexpr int kStepMs = 10;
+    while (xcb_connection_has_error(m_connection.get()) == 0) {
+      if (Reply<xcb_generic_event_t> event{xcb_poll_for_event(m_connection.get())}) return event;
+      if (m_deadline.hasExpired()) break;
+      m_hold.Pump();
+      pollfd display{.fd = xcb_get_file_descriptor(m_connection.get()), .events = POLLIN, .revents = 0};
+      poll(&display, 1, kStepMs);
+    }
+    return nullptr;
+  }
+
+  static int KindOf(const xcb_generic_event_t& event) {
+    constexpr int kSentByAProgram = 0x80;
+    return event.response_type & ~kSentByAProgram;
+  }
+
+  /// Whether the owner has a text of this kind; nothing when it does not say.
+  std::optional<bool> IsAnswered() {
+    while (const auto event = Next()) {
+      if (KindOf(*event) != XCB_SELECTION_NOTIFY) continue;
+      return reinterpret_cast<const xcb_selection_notify_event_t&>(*event).property != XCB_NONE;
+    }
+    return std::nullopt;
+  }
+
+  std::optional<QByteArray> Read() {
+    xcb_atom_t type = XCB_NONE;
+    QByteArray bytes = Take(type);
+    if (type != m_inPieces) return bytes;
+    while (const auto event = Next()) {
+      if (KindOf(*event) != XCB_PROPERTY_NOTIFY) continue;
+      const auto& changed = reinterpret_cast<const xcb_property_notify_event_t&>(*event);
+      if (changed.atom == m_property && changed.state == XCB_PROPERTY_NEW_VALUE) return Take(type);
+    }
+    return std::nullopt;
+  }
+
+  /// What the owner has put there, at most a megabyte of it; it is gone then.
+  QByteArray Take(xcb_atom_t& type) {
+    constexpr std::uint32_t kMostWords = 1024 * 1024 / 4;
+    const auto asked = xcb_get_property(m_connection.get(), 1, m_window, m_property,
+                                        XCB_GET_PROPERTY_TYPE_ANY, 0, kMostWords);
+    const Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(m_connection.get(), asked, nullptr));
+    if (!reply) return {};
+    type = reply->type;
+    return {static_cast<const char*>(xcb_get_property_value(reply.get())),
+            xcb_get_property_value_length(reply.get())};
+  }
+
+  InputHold& m_hold;
+  const QDeadlineTimer m_deadline;
+  const std::unique_ptr<xcb_connection_t, Disconnected> m_connection;
+  xcb_window_t m_window = XCB_NONE;
+  xcb_atom_t m_clipboard = XCB_NONE;
+  xcb_atom_t m_property = XCB_NONE;
+  xcb_atom_t m_inPieces = XCB_NONE;
+};
+
+}  // namespace
+
+std::optional<QString> ClipboardText(InputHold& hold, int limitMs) {
+  // From the program itself, and on Wayland, nobody has to be waited for.
+  if (QGuiApplication::platformName() != u"xcb" || QGuiApplication::clipboard()->ownsClipboard()) {
+    return ClipboardTextFromQt();
+  }
+  hold.Begin();
+  std::optional<QString> text = Question(hold, limitMs).Ask();
+  hold.End();
+  return text;
+}
+
+}  // namespace quarn
