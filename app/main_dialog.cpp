@@ -16,8 +16,8 @@
 #include "terminal/dialogs/terminal_screen.h"
 #include "terminal/terminal_title.h"
 #include "ui/control.h"
-#include "ui/pictures.h"
 #include "ui/escape_key.h"
+#include "ui/pictures.h"
 #include "ui/placement.h"
 #include "ui/tool_tip.h"
 
@@ -41,6 +41,7 @@ CQuarnDlg::CQuarnDlg(Program& program)
   CreateMenus();
   UpdateMenuState();
   qApp->installEventFilter(this);
+  EscapeKey::OfProgram().StayInFront();
 }
 
 CQuarnDlg::~CQuarnDlg() = default;
@@ -56,7 +57,6 @@ void CQuarnDlg::CreateControls() {
   grid->setColumnMinimumWidth(3, logoSide);
   grid->setColumnStretch(2, 1);
   for (const int row : {0, 1, 2}) grid->setRowMinimumHeight(row, (size.height() - 2 * size.y()) / 3);
-  EscapeKey::OfProgram().StayInFront();
 
   auto* heading =
       WithControlId(new QLabel(QStringLiteral("Quarn  :  Serial Port Terminal"), this), kHeadingId);
@@ -107,15 +107,11 @@ void CQuarnDlg::ShowSwitch() {
 }
 
 int CQuarnDlg::QuietTicks() const {
-  const bool quiet = !m_program.state.requests.mainRefresh && m_placeInPercent.x() < 0 &&
-                     m_placedDialogs.empty() && m_monitor.IsAtRest();
-  return quiet ? TickPlan::kUntilWoken : 0;
+  return !m_program.state.requests.mainRefresh && m_monitor.IsAtRest() ? TickPlan::kUntilWoken : 0;
 }
 
 void CQuarnDlg::OnTick(int ticks) {
   if (std::exchange(m_program.state.requests.mainRefresh, false)) Refresh();
-  PlaceAgainWithFrame();
-  PlaceDialogsWithFrame();
   m_monitor.Tick(ticks);
 }
 
@@ -149,17 +145,7 @@ void CQuarnDlg::ShowUserFile() {
 }
 
 void CQuarnDlg::PlaceByPercent(int xPercent, int yPercent) {
-  layout()->activate();
-  PlaceOnScreenByPercent(*this, xPercent, yPercent);
-  m_placeInPercent = {xPercent, yPercent};
-  m_placed = pos();
-}
-
-void CQuarnDlg::PlaceAgainWithFrame() {
-  if (m_placeInPercent.x() < 0 || windowHandle() == nullptr || windowHandle()->frameMargins().isNull())
-    return;
-  if (pos() == m_placed) PlaceOnScreenByPercent(*this, m_placeInPercent.x(), m_placeInPercent.y());
-  m_placeInPercent = {-1, -1};
+  Put([=, this] { PlaceOnScreenByPercent(*this, xPercent, yPercent); });
 }
 
 bool CQuarnDlg::IsForThisWindow(const QObject* receiver) const {

@@ -72,20 +72,11 @@ class CQuarnDlg final : public PolledDialog, public MainWindow {
   void OpenScreenOption();
   void OpenMainOption();
   [[nodiscard]] DialogContext Context();
-  void PlaceAgainWithFrame();
   void ShowSwitch();
 
   using PlaceRule = QPoint (*)(const QRect& mainDialog, QSize dialog, QSize screen);
-  /// A dialog that has been placed before its frame was known.
-  struct PlacedOnce {
-    QPointer<QWidget> dialog;
-    QPoint place;
-    PlaceRule rule;
-  };
-  void ShowPlaced(QWidget& dialog, PlaceRule rule);
+  void ShowPlaced(PolledDialog& dialog, PlaceRule rule);
   [[nodiscard]] QPoint PlaceOf(const QWidget& dialog, PlaceRule rule) const;
-  /// Once more for each dialog whose frame is known now.
-  void PlaceDialogsWithFrame();
   [[nodiscard]] bool IsForThisWindow(const QObject* receiver) const;
 
   Program& m_program;
@@ -105,9 +96,6 @@ class CQuarnDlg final : public PolledDialog, public MainWindow {
   std::vector<QAction*> m_actions;  ///< as in MenuItems
   QPushButton* m_switch = nullptr;
   QLabel* m_status = nullptr;
-  std::vector<PlacedOnce> m_placedDialogs;
-  QPoint m_placeInPercent{-1, -1};  ///< negative when there is no place to be kept
-  QPoint m_placed;
 };
 
 }  // namespace quarn

@@ -1,8 +1,6 @@
 // The windows that the menu opens, each there once.
 
-#include <QLayout>
 #include <QScreen>
-#include <QWindow>
 
 #include "app/dialog_placement.h"
 #include "app/main_dialog.h"
@@ -120,27 +118,18 @@ void CQuarnDlg::OpenMainOption() {
   ShowPlaced(*m_mainOption, PlaceUnder);
 }
 
-void CQuarnDlg::ShowPlaced(QWidget& dialog, PlaceRule rule) {
+void CQuarnDlg::ShowPlaced(PolledDialog& dialog, PlaceRule rule) {
   dialog.ensurePolished();
   dialog.adjustSize();
-  dialog.move(PlaceOf(dialog, rule));
-  m_placedDialogs.push_back({&dialog, dialog.pos(), rule});
+  dialog.Put([this, &dialog, rule] { dialog.move(PlaceOf(dialog, rule)); });
   dialog.show();
 }
 
 QPoint CQuarnDlg::PlaceOf(const QWidget& dialog, PlaceRule rule) const {
-  return rule({pos(), OuterSize(*this)}, OuterSize(dialog), screen()->geometry().size());
-}
-
-void CQuarnDlg::PlaceDialogsWithFrame() {
-  std::erase_if(m_placedDialogs, [this](const PlacedOnce& each) {
-    if (!each.dialog) return true;
-    const QWindow* window = each.dialog->windowHandle();
-    if (window == nullptr || window->frameMargins().isNull()) return false;
-    // Unless somebody has moved it meanwhile.
-    if (each.dialog->pos() == each.place) each.dialog->move(PlaceOf(*each.dialog, each.rule));
-    return true;
-  });
+  // The rules reckon from the corner of the screen on which the main dialog is.
+  const QRect whole = screen()->geometry();
+  const QRect here(pos() - whole.topLeft(), OuterSize(*this));
+  return whole.topLeft() + rule(here, OuterSize(dialog), whole.size());
 }
 
 }  // namespace quarn

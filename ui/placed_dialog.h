@@ -2,6 +2,8 @@
 
 #include <QDialog>
 
+#include "ui/window_place.h"
+
 namespace quarn {
 
 /// A dialog that is where it belongs each time it appears: centred on the screen, unless a kind of dialog
@@ -13,7 +15,9 @@ class PlacedDialog : public QDialog {
  protected:
   using QDialog::QDialog;
   virtual void Place();
-  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  WindowPlace m_place{*this};
 };
 
 }  // namespace quarn

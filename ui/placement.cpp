@@ -3,16 +3,17 @@
 #include <QFontMetricsF>
 #include <QGuiApplication>
 #include <QScreen>
+#include <QVariant>
 #include <QWidget>
 #include <QWindow>
 #include <algorithm>
 #include <cmath>
+#include <optional>
 
 namespace quarn {
 namespace {
 
 constexpr int kLift = 30;
-constexpr QMargins kUnreportedFrame{8, 31, 8, 8};
 
 QSize PrimaryScreenSize() {
   const QScreen* screen = QGuiApplication::primaryScreen();
@@ -22,6 +23,25 @@ QSize PrimaryScreenSize() {
 QPoint PrimaryScreenOrigin() {
   const QScreen* screen = QGuiApplication::primaryScreen();
   return screen != nullptr ? screen->geometry().topLeft() : QPoint();
+}
+
+/// The frame of the window of ours that was asked about last, where it was known.
+QMargins& UsualFrame() {
+  static QMargins frame{8, 31, 8, 8};
+  return frame;
+}
+
+constexpr char kFrameless[] = "quarnFrameless";
+
+bool IsBare(const QWidget& window) { return window.windowFlags().testFlag(Qt::FramelessWindowHint); }
+
+std::optional<QMargins> KnownFrame(const QWidget& window) {
+  if (IsBare(window)) return QMargins();
+  const QWindow* handle = window.windowHandle();
+  if (handle == nullptr) return std::nullopt;
+  const QMargins reported = handle->frameMargins();
+  if (reported.isNull() && !handle->property(kFrameless).toBool()) return std::nullopt;
+  return reported;
 }
 
 }  // namespace
@@ -47,11 +67,18 @@ void PlaceOnScreenByPercent(QWidget& window, int xPercent, int yPercent) {
               PercentPosition(PrimaryScreenSize(), OuterSize(window), xPercent, yPercent));
 }
 
+bool IsFrameKnown(const QWidget& window) { return KnownFrame(window).has_value(); }
+
 QMargins FrameOf(const QWidget& window) {
-  if (window.windowFlags().testFlag(Qt::FramelessWindowHint)) return {};
-  const QWindow* handle = window.windowHandle();
-  const QMargins reported = handle != nullptr ? handle->frameMargins() : QMargins();
-  return reported.isNull() ? kUnreportedFrame : reported;
+  if (const std::optional<QMargins> known = KnownFrame(window)) {
+    if (!IsBare(window)) UsualFrame() = *known;
+    return *known;
+  }
+  return UsualFrame();
+}
+
+void TakeForFrameless(QWidget& window) {
+  if (window.windowHandle() != nullptr) window.windowHandle()->setProperty(kFrameless, true);
 }
 
 QSize OuterSize(const QWidget& window) { return window.size().grownBy(FrameOf(window)); }

@@ -21,10 +21,14 @@ QPoint PercentPosition(QSize screen, QSize window, int xPercent, int yPercent);
 void CenterOnScreen(QWidget& window);
 void PlaceOnScreenByPercent(QWidget& window, int xPercent, int yPercent);
 
-/// What the window manager puts around the window's client area. Where it reports nothing: 8 left and
-/// right, 31 above, 8 below, the frame for which the fixed window sizes were chosen. Nothing around a window
-/// that asks for no frame.
+/// What the window manager puts around the window's client area. Until it is known: what another window of
+/// ours has; before there is one 8 left and right, 31 above, 8 below, the frame for which the fixed window
+/// sizes were chosen. Nothing around a window that asks for no frame.
 QMargins FrameOf(const QWidget& window);
+/// Whether FrameOf is no guess.
+bool IsFrameKnown(const QWidget& window);
+/// From now on a frame that is not reported counts as none, and not as unknown.
+void TakeForFrameless(QWidget& window);
 /// The window's outer size.
 QSize OuterSize(const QWidget& window);
 

@@ -3,8 +3,11 @@
 #include <QBasicTimer>
 #include <QDialog>
 #include <array>
+#include <functional>
+#include <utility>
 
 #include "ui/tick_plan.h"
+#include "ui/window_place.h"
 
 namespace quarn {
 
@@ -37,6 +40,8 @@ class PolledDialog : public QDialog {
   /// It is wanted again: a close that has been put off does not follow.
   void WithdrawClose() { m_closeAsked = false; }
   void done(int result) override;
+  /// Before it is shown: `place` moves it to where it belongs, and does so again when its frame is known.
+  void Put(std::function<void()> place) { m_place.Put(std::move(place)); }
 
  protected:
   explicit PolledDialog(QWidget* parent = nullptr);
@@ -58,6 +63,7 @@ class PolledDialog : public QDialog {
  private:
   void Plan();
 
+  WindowPlace m_place{*this};
   QBasicTimer m_timer;
   TickPlan m_ticks;
   std::optional<std::int64_t> m_timerDue;  ///< what the timer is set to

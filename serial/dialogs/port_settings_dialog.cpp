@@ -4,7 +4,6 @@
 #include <QGridLayout>
 #include <QLabel>
 #include <QPushButton>
-#include <QShowEvent>
 #include <utility>
 
 #include "settings/store_values.h"
@@ -54,6 +53,7 @@ CPortSettings::CPortSettings(QWidget* owner, const DialogContext& context)
   Requests().portSettingsRefresh = false;
   CreateControls();
   ShowValues();
+  Put([this] { PlaceOnScreenByPercent(*this, kXPercent, kYPercent); });
   StartTicks();
 }
 
@@ -110,20 +110,7 @@ void CPortSettings::PickItem(int field) {
   ShowValues();
 }
 
-void CPortSettings::Place() {
-  m_frame = FrameOf(*this);
-  PlaceOnScreenByPercent(*this, kXPercent, kYPercent);
-  m_placed = pos();
-}
-
-void CPortSettings::showEvent(QShowEvent* event) {
-  PortDialog::showEvent(event);
-  if (!event->spontaneous()) Place();
-}
-
 void CPortSettings::Look() {
-  // The frame is known only after the window manager has put it there.
-  if (FrameOf(*this) != m_frame && pos() == m_placed) Place();
   if (!std::exchange(Requests().portSettingsRefresh, false)) return;
   const LineValues inForce = LineValuesOf(Context().settings);
   if (inForce != m_taken) m_working = m_taken = inForce;  // another file has been loaded

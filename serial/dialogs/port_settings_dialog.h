@@ -17,7 +17,6 @@ class CPortSettings final : public PortDialog {
  protected:
   void Look() override;
   void OnClose() override {}
-  void showEvent(QShowEvent* event) override;
 
  private:
   static constexpr int kFieldCount = 4;
@@ -26,7 +25,6 @@ class CPortSettings final : public PortDialog {
   void CreateButtons();
   void ShowValues();
   void PickItem(int field);
-  void Place();
   /// The working values become the settings in force, here and in the working settings file.
   void Store();
   /// Closes the line and opens it anew with the settings in force.
@@ -38,8 +36,6 @@ class CPortSettings final : public PortDialog {
   LineValues m_working;
   LineValues m_taken;  ///< the values in force when the working ones were taken from them
   std::array<QComboBox*, kFieldCount> m_fields{};
-  QPoint m_placed;
-  QMargins m_frame;
 };
 
 }  // namespace quarn

@@ -101,12 +101,13 @@ CSetMem::CSetMem(QWidget* owner, const FunctionKeyTableContext& context)
   KeepKeysInTheDialog();
   ShowTexts();
   ShowState();
-  if (m_context.savedWindowRect.isEmpty()) {
-    layout()->activate();
-    CenterOnScreen(*this);
-  } else {
-    move(m_context.savedWindowRect.topLeft());
-  }
+  Put([this, saved = m_context.savedWindowRect] {
+    if (saved.isEmpty()) {
+      CenterOnScreen(*this);
+    } else {
+      move(saved.topLeft());
+    }
+  });
   m_ok->setFocus();
   StartTicks();
 }
@@ -214,13 +215,13 @@ void CSetMem::keyPressEvent(QKeyEvent* event) {
   if (!HandleKey(*event)) PolledDialog::keyPressEvent(event);
 }
 
-bool CSetMem::HandleKey(const QKeyEvent& event) {
 void CSetMem::PasteInto(QLineEdit& field) {
   if (m_hold.IsHolding()) return;
   const QScopedValueRollback<int> calls(m_calls, m_calls + 1);
   if (const std::optional<QString> text = ClipboardText(m_hold)) field.insert(*text);
 }
 
+bool CSetMem::HandleKey(const QKeyEvent& event) {
   // Alt and F4 closes the window; a key with a logo on it is the desktop's.
   const Qt::KeyboardModifiers modifiers = event.modifiers();
   const bool alt = modifiers.testFlag(Qt::AltModifier) && !modifiers.testFlag(Qt::ControlModifier);

@@ -66,11 +66,14 @@ CTerminalScreen::CTerminalScreen(QWidget* owner, const TerminalScreenContext& co
   ApplyColours();
   RedrawLogRows();
   ShowCommandLine();
-  if (m_context.savedWindowRect.isNull()) {
-    CenterOnScreen(*this);
-  } else {
-    move(m_context.savedWindowRect.topLeft());
-  }
+  Put([this, saved = m_context.savedWindowRect] {
+    ApplyWindowSize();
+    if (saved.isNull()) {
+      CenterOnScreen(*this);
+    } else {
+      move(saved.topLeft());
+    }
+  });
   StartTicks();
 }
 

@@ -2,11 +2,13 @@
 
 #include <QComboBox>
 #include <QRadioButton>
+#include <QScreen>
 
 #include "app/main_dialog_fixture.h"
 #include "serial/port_list.h"
 #include "settings/settings_table.h"
 #include "support/dialog_controls.h"
+#include "support/window_places.h"
 
 namespace quarn::test {
 namespace {
@@ -42,6 +44,8 @@ class MainDialogLive : public MainDialog {
 
 TEST_F(MainDialogLive, ThePositionForTheNextStartMovesNothingNow) {
   dialog.PlaceByPercent(3, 3);
+  const QSize screen = QGuiApplication::primaryScreen()->size();
+  ASSERT_TRUE(StandsAt(dialog, [&] { return PercentPosition(screen, OuterSize(dialog), 3, 3); }));
   const QPoint place = dialog.pos();
   program.settings.mainPos = QStringLiteral("TL");
   Hit(Opened(32790, "CMainOption"), 1074);

@@ -6,6 +6,7 @@
 
 #include "app/dialog_placement.h"
 #include "app/main_dialog_fixture.h"
+#include "support/window_places.h"
 #include "terminal/dialogs/terminal_screen.h"
 #include "ui/placement.h"
 
@@ -38,8 +39,10 @@ TEST_F(MainDialog, PortNumberDialogComesUpBelow) {
   Action(32791)->trigger();
   ASSERT_EQ(Shown("CPortNum").size(), 1);
   const QWidget& opened = *Shown("CPortNum").first();
-  EXPECT_EQ(opened.x(), dialog.x());
-  EXPECT_GE(opened.y(), dialog.y() + dialog.height());
+  const QSize screen = QGuiApplication::primaryScreen()->size();
+  EXPECT_TRUE(StandsAt(opened, [&] {
+    return PlaceBelow({dialog.pos(), OuterSize(dialog)}, OuterSize(opened), screen);
+  }));
 }
 
 TEST_F(MainDialog, PortDialogThatWasToldToCloseStaysWhenItIsWantedAgain) {
@@ -101,13 +104,14 @@ TEST_F(MainDialog, OpensTheFunctionKeyTableOnce) {
   QWidget* table = FunctionKeyTable();
   ASSERT_NE(table, nullptr);
   EXPECT_TRUE(QTest::qWaitFor([&] { return !item->isEnabled(); }));
+  ASSERT_TRUE(FrameIsThere(*table));
   table->move(150, 90);
-  const QPoint place = table->pos();
+  ASSERT_TRUE(StandsAt(*table, [] { return QPoint(150, 90); }));
   table->close();
   EXPECT_TRUE(QTest::qWaitFor([&] { return item->isEnabled() && FunctionKeyTable() == nullptr; }));
   item->trigger();
   ASSERT_NE(FunctionKeyTable(), nullptr);
-  EXPECT_EQ(FunctionKeyTable()->pos(), place);
+  EXPECT_TRUE(StandsAt(*FunctionKeyTable(), [] { return QPoint(150, 90); }));
 }
 
 TEST_F(MainDialog, TerminalScreenOpensTheFunctionKeyTable) {
@@ -171,11 +175,10 @@ TEST_F(MainDialog, CommandFormatStandsBesideIt) {
   Action(32775)->trigger();
   const QWidget* format = Windows(QStringLiteral("Quarn - Command Format")).value(0);
   ASSERT_NE(format, nullptr);
-  // Once more when the frame around it is known.
   dialog.StartTimer();
   const QSize screen = QGuiApplication::primaryScreen()->size();
-  EXPECT_TRUE(QTest::qWaitFor([&] {
-    return format->pos() == PlaceBeside({dialog.pos(), OuterSize(dialog)}, OuterSize(*format), screen);
+  EXPECT_TRUE(StandsAt(*format, [&] {
+    return PlaceBeside({dialog.pos(), OuterSize(dialog)}, OuterSize(*format), screen);
   }));
   program.state.requests.commandFormatClose = true;
   EXPECT_TRUE(QTest::qWaitFor([&] { return !program.state.open.commandFormat; }));
@@ -191,8 +194,8 @@ TEST_F(MainDialog, ListAndOptionsLeaveItsMenusInReach) {
     Action(id)->trigger();
     QWidget* each = Windows(title).value(0);
     ASSERT_NE(each, nullptr) << title.toStdString();
-    EXPECT_TRUE(QTest::qWaitFor([&, window = each] {
-      return window->pos() == PlaceUnder({dialog.pos(), OuterSize(dialog)}, OuterSize(*window), screen);
+    EXPECT_TRUE(StandsAt(*each, [&, window = each] {
+      return PlaceUnder({dialog.pos(), OuterSize(dialog)}, OuterSize(*window), screen);
     })) << title.toStdString();
     each->close();
   }

@@ -2,6 +2,7 @@
 #include <QScreen>
 
 #include "app/port_settings_fixture.h"
+#include "support/window_places.h"
 #include "ui/placement.h"
 
 namespace quarn::test {
@@ -23,8 +24,8 @@ TEST_F(PortSettingsDialog, OffersTheChoicesAndShowsTheValuesInForce) {
 
 TEST_F(PortSettingsDialog, StandsAtItsShareOfTheScreen) {
   Open();
-  EXPECT_EQ(window->pos(),
-            PercentPosition(QGuiApplication::primaryScreen()->size(), OuterSize(*window), 50, 20));
+  const QSize screen = QGuiApplication::primaryScreen()->size();
+  EXPECT_TRUE(StandsAt(*window, [&] { return PercentPosition(screen, OuterSize(*window), 50, 20); }));
 }
 
 TEST_F(PortSettingsDialog, RateThatIsNotOfferedIsNotSelectedAndStays) {

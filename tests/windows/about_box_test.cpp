@@ -11,6 +11,7 @@
 #include "identity.h"
 #include "support/dialog_controls.h"
 #include "support/recorded_messages.h"
+#include "support/window_places.h"
 #include "ui/placement.h"
 
 namespace quarn::test {
@@ -152,7 +153,7 @@ TEST_F(AboutBox, StandsWhereMessagesDo) {
   ShowActive(m_box);
   const QSize screen = QGuiApplication::primaryScreen()->geometry().size();
   // The frame may be known a moment later than the window is there.
-  EXPECT_TRUE(QTest::qWaitFor([&] { return m_box.pos() == CentredPosition(screen, OuterSize(m_box)); }));
+  EXPECT_TRUE(StandsAt(m_box, [&] { return CentredPosition(screen, OuterSize(m_box)); }));
   EXPECT_FALSE(m_box.windowFlags() & Qt::WindowMinMaxButtonsHint);
   EXPECT_TRUE(m_box.isModal());
 }

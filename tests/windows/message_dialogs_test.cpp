@@ -7,6 +7,7 @@
 #include <QScreen>
 
 #include "support/dialog_controls.h"
+#include "support/window_places.h"
 #include "ui/placement.h"
 
 namespace quarn::test {
@@ -166,13 +167,13 @@ TEST(MessageDialogs, StandCentredOrWhereTheyWerePut) {
   CConfirmOK centred(nullptr, kError, kA, kB, kC);
   ShowActive(centred);
   const QSize screen = QGuiApplication::primaryScreen()->geometry().size();
-  EXPECT_EQ(centred.pos(), CentredPosition(screen, OuterSize(centred)));
+  EXPECT_TRUE(StandsAt(centred, [&] { return CentredPosition(screen, OuterSize(centred)); }));
   COneshotMsgPos placed(nullptr, kA, QPoint(33, 44));
   ShowActive(placed);
-  EXPECT_EQ(placed.pos(), QPoint(33, 44));
+  EXPECT_TRUE(StandsAt(placed, [] { return QPoint(33, 44); }));
   COneshotMsgPos unplaced(nullptr, kA, std::nullopt);
   ShowActive(unplaced);
-  EXPECT_EQ(unplaced.pos(), CentredPosition(screen, OuterSize(unplaced)));
+  EXPECT_TRUE(StandsAt(unplaced, [&] { return CentredPosition(screen, OuterSize(unplaced)); }));
 }
 
 }  // namespace

@@ -3,14 +3,24 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QLabel>
 #include <QScreen>
 #include <QTest>
+#include <QVBoxLayout>
 #include <QWidget>
+#include <QWindow>
 
 #include "ui/placed_dialog.h"
+#include "ui/window_place.h"
 
 namespace quarn {
 namespace {
+
+/// Shown, and its frame is known.
+void ShowWithFrame(QWidget& window) {
+  window.show();
+  ASSERT_TRUE(QTest::qWaitFor([&] { return IsFrameKnown(window); }));
+}
 
 TEST(Placement, CentresALittleAboveTheMiddle) {
   EXPECT_EQ(CentredPosition({1920, 1080}, {400, 200}), QPoint(760, 410));
@@ -31,7 +41,7 @@ TEST(Placement, ByPercentIsTruncated) {
 TEST(Placement, MovesAWindowAndKeepsItsSize) {
   QWidget window;
   window.resize(200, 100);
-  window.show();
+  ShowWithFrame(window);
   CenterOnScreen(window);
   const QSize screen = QGuiApplication::primaryScreen()->geometry().size();
   EXPECT_EQ(window.pos(), CentredPosition(screen, QSize(200, 100).grownBy(FrameOf(window))));
@@ -40,11 +50,56 @@ TEST(Placement, MovesAWindowAndKeepsItsSize) {
   EXPECT_EQ(window.pos(), PercentPosition(screen, QSize(200, 100).grownBy(FrameOf(window)), 98, 3));
 }
 
-TEST(Placement, AFrameThatNobodyReportsHasTheUsualSize) {
+TEST(Placement, AFrameThatIsNotKnownYetIsThatOfAnotherWindow) {
   const QWidget neverShown;
-  const QMargins frame = FrameOf(neverShown);
-  EXPECT_EQ(frame.left() + frame.right(), 16);
-  EXPECT_EQ(frame.top() + frame.bottom(), 39);
+  EXPECT_FALSE(IsFrameKnown(neverShown));
+  QWidget window;
+  ShowWithFrame(window);
+  const QMargins frame = FrameOf(window);
+  EXPECT_EQ(frame, window.windowHandle()->frameMargins());
+  EXPECT_EQ(FrameOf(neverShown), frame);
+}
+
+TEST(Placement, AFrameThatNobodyReportsIsNoneInTheEnd) {
+  QWidget window;
+  window.winId();
+  if (!window.windowHandle()->frameMargins().isNull()) {
+    // This system knows frames before a window is shown.
+    EXPECT_TRUE(IsFrameKnown(window));
+    TakeForFrameless(window);
+    EXPECT_EQ(FrameOf(window), window.windowHandle()->frameMargins()) << "what is reported counts";
+    return;
+  }
+  EXPECT_FALSE(IsFrameKnown(window));
+  TakeForFrameless(window);
+  EXPECT_TRUE(IsFrameKnown(window));
+  EXPECT_EQ(FrameOf(window), QMargins());
+}
+
+TEST(Placement, AWindowThatSomebodyHasMovedIsLeftAlone) {
+  QWidget window;
+  window.resize(200, 100);
+  WindowPlace place(window);
+  place.Put([&] { window.move(40, 50); });
+  window.show();
+  window.move(5, 6);
+  QTest::qWait(300);  // it looks for the frame every 10 ms
+  EXPECT_EQ(window.pos(), QPoint(5, 6));
+}
+
+TEST(Placement, AWindowThatIsPutThereAgainIsNotMovedByItsLayout) {
+  // A size that is only found when the window is shown would be taken for a move.
+  QWidget window;
+  auto* column = new QVBoxLayout(&window);
+  column->setSizeConstraint(QLayout::SetFixedSize);
+  column->addWidget(new QLabel(QStringLiteral("some text"), &window));
+  WindowPlace place(window);
+  bool final = true;
+  place.Put([&] {
+    final = final && window.size() == column->sizeHint();
+    window.move(40, 50);
+  });
+  EXPECT_TRUE(final);
 }
 
 TEST(Placement, AWindowThatAsksForNoFrameHasNone) {

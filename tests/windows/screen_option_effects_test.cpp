@@ -53,7 +53,7 @@ TEST_F(ScreenOptionEffects, ALengthThatIsAllowedEmptiesTheLogAndWidensTheWindow)
   Click(1067);
   EXPECT_FALSE(state.requests.clearLog || state.requests.terminalRefresh);
   EXPECT_EQ(log.LineCount(), 1);
-  EXPECT_EQ(OuterSize(*screen).width(), 460);
+  EXPECT_TRUE(Until([this] { return OuterSize(*screen).width() == 460; }));
   Click(1067);
   EXPECT_TRUE(Until([this] { return OuterSize(*screen).width() == 580; }));
   EXPECT_EQ(log.LineCount(), 0);

@@ -1,6 +1,7 @@
 #include <QAccessible>
 
 #include "support/message_texts.h"
+#include "support/window_places.h"
 #include "windows/set_mem_fixture.h"
 
 namespace quarn::test {
@@ -169,7 +170,9 @@ TEST_F(SetMem, UndoReadsTextThatWasNotTyped) {
 
 TEST_F(SetMem, OkClosesAndTheNextOneStandsInItsPlace) {
   OpenTable();
+  ASSERT_TRUE(FrameIsThere(*dialog));
   dialog->move(120, 80);
+  ASSERT_TRUE(StandsAt(*dialog, [] { return QPoint(120, 80); }));
   const QRect place = dialog->frameGeometry();
   ClickCommand(kOk);
   EXPECT_FALSE(state.open.functionKeyTable);
@@ -177,6 +180,7 @@ TEST_F(SetMem, OkClosesAndTheNextOneStandsInItsPlace) {
   EXPECT_EQ(tableRect, place);
   EXPECT_TRUE(Until([this] { return dialog.isNull(); }));
   OpenTable();
+  EXPECT_TRUE(StandsAt(*dialog, [] { return QPoint(120, 80); }));
   EXPECT_EQ(dialog->frameGeometry(), place);
 }
 

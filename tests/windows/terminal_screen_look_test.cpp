@@ -1,6 +1,7 @@
 #include <QFontMetrics>
 #include <QMenu>
 
+#include "support/window_places.h"
 #include "terminal/screen_options.h"
 #include "ui/placement.h"
 #include "windows/terminal_fixture.h"
@@ -215,7 +216,7 @@ TEST_F(TerminalLook, ClearingTheLogAsksFirst) {
 TEST_F(TerminalLook, OpensCentredWithTheFocusOnSend) {
   Open();
   const QSize screen = QGuiApplication::primaryScreen()->geometry().size();
-  EXPECT_EQ(window->pos(), CentredPosition(screen, QSize(460, 740)));
+  EXPECT_TRUE(StandsAt(*window, [&] { return CentredPosition(screen, QSize(460, 740)); }));
   EXPECT_TRUE(Button("SEND").hasFocus());
 }
 

@@ -1,3 +1,4 @@
+#include "support/window_places.h"
 #include "ui/placement.h"
 #include "windows/terminal_fixture.h"
 
@@ -100,7 +101,7 @@ TEST_F(TerminalRequests, RefreshReadsEverySettingAgain) {
   state.requests.terminalRefresh = true;
   ASSERT_TRUE(Until([this] { return !state.requests.terminalRefresh; }));
   EXPECT_EQ(window->RowText(0), QStringLiteral("   1|  1\r"));
-  EXPECT_EQ(OuterSize(*window).width(), 570);
+  EXPECT_TRUE(Until([this] { return OuterSize(*window).width() == 570; }));
   EXPECT_TRUE(window->windowTitle().contains(QStringLiteral("  M- INS")));
   EXPECT_EQ(window->findChild<StaticText*>(QStringLiteral("commandLine"))->x(), 87);
   EXPECT_EQ(Button("F 1").geometry(), QRect(45, 628, 70, 22));
@@ -170,8 +171,9 @@ TEST_F(TerminalRequests, CloseKeepsLogAndCommandLineForTheNextTime) {
   log.AppendLogText("1\r");
   Open();
   Type("abc");
+  ASSERT_TRUE(FrameIsThere(*window));
   window->move(40, 30);
-  const QPoint place = window->pos();
+  ASSERT_TRUE(StandsAt(*window, [] { return QPoint(40, 30); }));
   state.requests.terminalClose = true;
   ASSERT_TRUE(Until([this] { return window.isNull(); }));
   EXPECT_FALSE(state.open.terminalScreen);
@@ -179,7 +181,7 @@ TEST_F(TerminalRequests, CloseKeepsLogAndCommandLineForTheNextTime) {
   EXPECT_TRUE(state.requests.terminalRefresh);
   EXPECT_TRUE(state.requests.mainRefresh);
   Open();
-  EXPECT_EQ(window->pos(), place);
+  EXPECT_TRUE(StandsAt(*window, [] { return QPoint(40, 30); }));
   EXPECT_EQ(window->RowText(0), QStringLiteral("1\r"));
   EXPECT_EQ(commandLine.Text(), QStringLiteral("abc"));
 }

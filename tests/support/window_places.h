@@ -1,0 +1,30 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QPoint>
+#include <QTest>
+#include <QWidget>
+
+#include "ui/placement.h"
+
+namespace quarn::test {
+
+/// The frame comes when the system has time for it; places that count it are looked at after that only.
+inline bool FrameIsThere(const QWidget& window) {
+  return QTest::qWaitFor([&] { return IsFrameKnown(window); });
+}
+
+/// Waits until the window, with its frame, stands where `place` says it belongs; `place` is asked again and
+/// again, as the frame may change it.
+template <typename Place>
+::testing::AssertionResult StandsAt(const QWidget& window, Place place) {
+  if (QTest::qWaitFor([&] { return IsFrameKnown(window) && window.pos() == place(); })) {
+    return ::testing::AssertionSuccess();
+  }
+  return ::testing::AssertionFailure()
+         << "it stands at " << window.pos().x() << ',' << window.pos().y() << " instead of " << place().x()
+         << ',' << place().y() << (IsFrameKnown(window) ? "" : ", without a frame");
+}
+
+}  // namespace quarn::test
