@@ -49,7 +49,8 @@ void CQuarnDlg::OpenTerminalScreen() {
     return;
   }
   m_program.state.open.terminalScreen = true;
-  // What was to be sent while there was no command line to be seen is not sent now.
+  // What was to be loaded or sent while there was no command line to be seen is forgotten.
+  m_program.state.requests.functionKey = false;
   m_program.state.requests.send = false;
   m_program.state.requests.sendAction = false;
   TerminalScreenContext context{

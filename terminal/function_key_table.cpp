@@ -54,8 +54,8 @@ int FunctionKeyTable::Limit(int index) const {
 FunctionKeyTable::Enabled FunctionKeyTable::WhatIsEnabled() const {
   return {.fields = m_editing,
           .functionKeys = !m_editing,
-          .undo = m_undo,
-          .save = m_save,
+          .undo = m_undo && (m_editing || CanUndo()),
+          .save = m_save && CanSave(),
           .ok = !m_editing,
           .send = !m_editing};
 }

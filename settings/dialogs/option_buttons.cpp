@@ -65,4 +65,13 @@ void OptionButtons::Refresh(const SettingsRecord& settings) {
   }
 }
 
+void OptionButtons::LeadFocusToTheChosen() {
+  for (const QButtonGroup* group : m_groups) {
+    QAbstractButton* chosen = group->checkedButton();
+    if (chosen == nullptr) continue;
+    const auto* focused = qobject_cast<QAbstractButton*>(chosen->window()->focusWidget());
+    if (focused != chosen && focused != nullptr && focused->group() == group) chosen->setFocus();
+  }
+}
+
 }  // namespace quarn

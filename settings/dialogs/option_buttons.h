@@ -37,6 +37,9 @@ class OptionButtons {
   /// field is "ON".
   void Refresh(const SettingsRecord& settings);
 
+  /// A radio button that has the focus and is not the chosen one of its group leaves it to that one.
+  void LeadFocusToTheChosen();
+
   [[nodiscard]] std::span<const OptionButton> Table() const { return m_table; }
   [[nodiscard]] QAbstractButton& Button(std::size_t place) const { return *m_buttons[place]; }
 

@@ -122,6 +122,8 @@ void OptionDialog::Change(const OptionButton& option, const QString& value) {
     option.change(m_context, option.binding, value);
   }
   Refresh();
+  // A change that was refused leaves the button that was clicked unchecked.
+  m_buttons.LeadFocusToTheChosen();
 }
 
 void OptionDialog::Refresh() {

@@ -291,6 +291,7 @@ void CSetMem::Save() {
   if (!m_table.CanSave()) return;
   if (!m_context.messages.AskSimpleYesNo(QStringLiteral("Is it OK to save the updated data ?"))) return;
   if (!m_table.Save(m_context.workingSettingsFile)) TellSettingsTooLong(m_context.messages);
+  ShowState();  // what was saved is neither to be saved nor to be taken back
 }
 
 int CSetMem::QuietTicks() const {

@@ -140,12 +140,18 @@ TEST_F(MainDialog, EndsWithoutAWordFromAFunctionKeyTableInEditMode) {
   EXPECT_EQ(FunctionKeyTable(), nullptr);
 }
 
-TEST_F(MainDialog, ANewTerminalScreenSendsNothingThatWasAskedBefore) {
+TEST_F(MainDialog, ANewTerminalScreenForgetsWhatWasAskedBefore) {
+  program.settings.mem[4] = QStringLiteral("stored");
+  program.state.requests.functionKey = true;
+  program.state.requests.functionKeyIndex = 4;
   program.state.requests.send = true;
   program.state.requests.sendAction = true;
   dialog.OpenTerminalScreen();
   EXPECT_FALSE(program.state.requests.send);
   EXPECT_FALSE(program.state.requests.sendAction);
+  EXPECT_FALSE(program.state.requests.functionKey);
+  QTest::qWait(3 * PolledDialog::kTickMs);
+  EXPECT_EQ(program.commandLine.Text(), QString());
 }
 
 TEST_F(MainDialog, TheOptionMenuOpensEachDialogOnce) {

@@ -119,6 +119,7 @@ TEST_F(ScreenOption, NoLeavesTheLengthAsItWas) {
   EXPECT_FALSE(Written());
   EXPECT_TRUE(Button(1065).isChecked());
   EXPECT_FALSE(Button(1067).isChecked());
+  EXPECT_EQ(dialog->focusWidget(), &Button(1065)) << "the focus is on the button that is checked";
   EXPECT_FALSE(state.requests.clearLog);
   EXPECT_FALSE(state.requests.terminalRefresh);
 }

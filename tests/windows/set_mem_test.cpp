@@ -58,7 +58,7 @@ TEST_F(SetMem, EditsAreInForceAtOnceAndUndoTakesThemBack) {
   EXPECT_EQ(settings.mem[3], QStringLiteral("function-4"));
   EXPECT_EQ(Field(3).text(), QStringLiteral("function-4"));
   EXPECT_TRUE(state.requests.terminalRefresh);
-  EXPECT_EQ(EnabledControls(), "keys SAVE OK SEND ");
+  EXPECT_EQ(EnabledControls(), "keys OK SEND ") << "nothing is left to undo or to save";
   EXPECT_EQ(FileBytes(), before);
 }
 
@@ -85,6 +85,7 @@ TEST_F(SetMem, SaveWritesOnlyTheStoredCommands) {
   ClickCommand(kSave);
   EXPECT_EQ(Shown(), (QStringList{kSaveQuestion, kSaveQuestion}));
   EXPECT_EQ(FileBytes(), QByteArray(before).replace("MEM3=function-4\r\n", "MEM3=*RST;A=B\r\n"));
+  EXPECT_EQ(EnabledControls(), "keys OK SEND ") << "nothing is left to undo or to save";
   ClickCommand(kSave);
   ClickCommand(kUndo);
   EXPECT_EQ(Shown(), QStringList()) << "nothing changed since";
