@@ -26,6 +26,7 @@ struct WindowRequests {
   bool portNumberClose = false;
   bool detailedListRefresh = false;
   bool detailedListClose = false;
+  bool suppressNextClick = false;  ///< the next click on a row of the detailed list is not meant as one
   bool portSettingsRefresh = false;
 
   // Lowered by the dialogs that edit settings. A refresh tells that the settings changed underneath.

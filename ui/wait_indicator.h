@@ -22,4 +22,16 @@ class WaitShown {
   WaitIndicator& m_indicator;
 };
 
+/// Takes the indicator away again for as long as it lives: while the program waits for the person.
+class WaitInterrupted {
+ public:
+  explicit WaitInterrupted(WaitIndicator& indicator) : m_indicator(indicator) { m_indicator.Restore(); }
+  ~WaitInterrupted() { m_indicator.Show(); }
+  WaitInterrupted(const WaitInterrupted&) = delete;
+  WaitInterrupted& operator=(const WaitInterrupted&) = delete;
+
+ private:
+  WaitIndicator& m_indicator;
+};
+
 }  // namespace quarn

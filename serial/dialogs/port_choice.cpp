@@ -10,12 +10,14 @@ namespace {
 constexpr int kBeforeConnectMs = 500;  // the title is seen, and the device comes to rest
 
 void TellConnected(const DialogContext& context, const QString& port) {
+  const WaitInterrupted box(context.environment.waitIndicator);
   context.Messages().ShowInformationMessage(QStringLiteral(": Information"), QString(),
                                             QStringLiteral("Successfully connected to  \"%1\"").arg(port),
                                             QString());
 }
 
 void TellFailed(const DialogContext& context, const QString& port, FailureSentence sentence) {
+  const WaitInterrupted box(context.environment.waitIndicator);
   QString text = QStringLiteral("Failed to connect to \"%1\"").arg(port);
   if (sentence == FailureSentence::WithFullStop) text += QLatin1Char('.');
   context.Messages().ShowErrorMessage(QStringLiteral(": Error"), QString(), text,
@@ -43,7 +45,6 @@ class UnderWay {
 };
 
 bool OpenChosen(const DialogContext& context, const QString& port) {
-  const WaitShown wait(context.environment.waitIndicator);
   context.pause.For(kBeforeConnectMs);
   ClosePort(context.connection);
   SettingsRecord chosen = context.settings;
@@ -52,7 +53,6 @@ bool OpenChosen(const DialogContext& context, const QString& port) {
 }
 
 void ReopenFormer(const DialogContext& context, const QString& former) {
-  const WaitShown wait(context.environment.waitIndicator);
   context.connection.connected = false;
   context.state.currentPortName = former;
   ConnectPort(context.settings, context.connection, context.environment);
@@ -64,6 +64,7 @@ void ReopenFormer(const DialogContext& context, const QString& former) {
 bool ConnectToChosenPort(const DialogContext& context, const QString& port, FailureSentence sentence,
                          const TitleStatus& titleStatus) {
   const UnderWay underWay(context.state);
+  const WaitShown wait(context.environment.waitIndicator);
   const QString former = context.state.currentPortName;
   titleStatus(QStringLiteral(" Connecting Port ... "));
   const bool opened = OpenChosen(context, port);

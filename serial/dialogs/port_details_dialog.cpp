@@ -105,6 +105,13 @@ void CPortDetails::ShowList() {
   ApplySetRule(situation.current);
 }
 
+void CPortDetails::ShowCurrentPort() {
+  ShowTitle(QString());
+  m_selected = Situation().current;
+  m_rowClicked = false;
+  Mark(m_selected);
+}
+
 void CPortDetails::FillRows() {
   for (int i = 0; i < kPortRowCount; ++i) {
     const Row& row = m_rows[static_cast<std::size_t>(i)];
@@ -152,6 +159,10 @@ void CPortDetails::ApplySetRule(const QString& port) {
 
 void CPortDetails::ClickRow(int index) {
   if (index >= m_shown.size()) return;
+  if (std::exchange(Requests().suppressNextClick, false)) {
+    Mark(m_selected);  // the click itself has marked its row
+    return;
+  }
   m_selected = m_shown[index].port;
   Mark(m_selected);
   ApplySetRule(m_selected);
@@ -177,7 +188,13 @@ void CPortDetails::Look() {
     ShowMarkedRow();
   }
   WindowRequests& requests = Requests();
-  if (!requests.detailedListClose && std::exchange(requests.detailedListRefresh, false)) ShowList();
+  if (!requests.detailedListClose && std::exchange(requests.detailedListRefresh, false)) {
+    if (std::exchange(requests.suppressNextClick, false)) {
+      ShowCurrentPort();
+    } else {
+      ShowList();
+    }
+  }
   if (std::exchange(m_rowClicked, false) && !requests.detailedListClose) {
     Mark(m_selected);
     ApplySetRule(m_selected);

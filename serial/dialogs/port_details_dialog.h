@@ -34,6 +34,8 @@ class CPortDetails final : public PortDialog {
   void CreateRow(int index);
   /// Reads the ports anew and shows the current one.
   void ShowList();
+  /// The current port as the one that is selected, in the rows that are there.
+  void ShowCurrentPort();
   void ShowTitle(const QString& status);
   void FillRows();
   void LayOut();

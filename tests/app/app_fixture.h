@@ -6,6 +6,7 @@
 #include <QFile>
 #include <QStringList>
 #include <QTemporaryDir>
+#include <functional>
 #include <memory>
 #include <utility>
 
@@ -28,9 +29,11 @@ class ListedPorts final : public PortSource {
   QStringList others;  ///< names that are given as they stand, in front of the ports'
   bool works = true;
   std::optional<std::uint64_t> revision = {};
+  std::function<void()> whileListing = {};
 
   std::optional<std::uint64_t> Revision() override { return revision; }
   bool FriendlyNames(QStringList& result) override {
+    if (whileListing) whileListing();
     if (!works) return false;
     result = others;
     for (const QString& name : names) result.append(QStringLiteral("Adapter (%1)").arg(name));

@@ -84,6 +84,25 @@ TEST_F(PortChoiceTest, TheFormerPortIsOpenedWhenTheMessageOfAFailureIsGone) {
   EXPECT_FALSE(program.state.portBeingChosen);
 }
 
+TEST_F(PortChoiceTest, TheWaitIsShownThroughoutButForTheBoxes) {
+  Plug("COM3");
+  Plug("COM4");
+  ConnectTo("COM3");
+  QStringList depths;
+  pause.during = [&] { depths.append(QStringLiteral("pause at %1").arg(indicator.depth)); };
+  whileShown = [&] { depths.append(QStringLiteral("box at %1").arg(indicator.depth)); };
+  const auto title = [&](const QString& status) {
+    depths.append(QStringLiteral("title%1 at %2").arg(status.trimmed()).arg(indicator.depth));
+  };
+  EXPECT_TRUE(ConnectToChosenPort(Context(), QStringLiteral("COM4"), FailureSentence::WithFullStop, title));
+  EXPECT_EQ(depths, (QStringList{"titleConnecting Port ... at 1", "pause at 1", "title at 1", "box at 0",
+                                 "title at 1"}));
+  depths.clear();
+  EXPECT_FALSE(ConnectToChosenPort(Context(), QStringLiteral("COM9"), FailureSentence::WithFullStop, title));
+  EXPECT_EQ(depths, (QStringList{"titleConnecting Port ... at 1", "pause at 1", "box at 0", "title at 1"}));
+  EXPECT_EQ(indicator.depth, 0);
+}
+
 /// Opens as usual, and writes down which device is asked for while the wait is shown how often.
 class NotedOpener final : public SerialLineOpener {
  public:

@@ -165,6 +165,38 @@ TEST_F(PortDetailsDialog, AClickThatWasNotLookedAtSurvivesAListChange) {
   EXPECT_FALSE(Button(kSetId).isEnabled());
 }
 
+TEST_F(PortDetailsDialog, AClickThatIsSuppressedSelectsNothing) {
+  Plug("COM3");
+  Plug("COM4");
+  ConnectTo("COM3");
+  Open();
+  program.state.requests.suppressNextClick = true;
+  ClickRadio(1);
+  EXPECT_FALSE(program.state.requests.suppressNextClick);
+  EXPECT_EQ(Checked(), QList<int>{0});
+  EXPECT_FALSE(Button(kSetId).isEnabled());
+  ClickRadio(1);
+  EXPECT_EQ(Checked(), QList<int>{1}) << "one click, no more";
+}
+
+TEST_F(PortDetailsDialog, AListChangeWithASuppressedClickOnlySelectsTheCurrentPort) {
+  Plug("COM3");
+  Plug("COM4");
+  ConnectTo("COM3");
+  Open();
+  ClickRadio(1);
+  WaitForATick();
+  Unplug("COM4");
+  program.state.requests.suppressNextClick = true;
+  AskForTheList();
+  EXPECT_FALSE(program.state.requests.suppressNextClick);
+  EXPECT_EQ(Checked(), QList<int>{0});
+  EXPECT_EQ(RowsShown(), 2) << "the rows are as they were";
+  Click(kOkId);
+  EXPECT_TRUE(IsGone());
+  EXPECT_EQ(Happened(), QStringList());
+}
+
 TEST_F(PortDetailsDialog, WithTheLastPortGoneOnlyTheStatusLineIsLeft) {
   Plug("COM3");
   ConnectTo("COM3");
