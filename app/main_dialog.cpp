@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QContextMenuEvent>
 #include <QDir>
 #include <QGridLayout>
 #include <QLabel>
@@ -29,6 +30,20 @@ constexpr int kStatusId = 1075;
 constexpr int kHeadingId = 1076;
 constexpr QRect kDialogUnits{7, 4, 205, 70};  // margins and size
 constexpr int kLogoUnits = 36;
+
+/// The Menu key is a key as well, whatever it comes as.
+bool IsKey(const QEvent& event) {
+  if (event.type() == QEvent::ContextMenu) {
+    return static_cast<const QContextMenuEvent&>(event).reason() == QContextMenuEvent::Keyboard;
+  }
+  return event.type() == QEvent::KeyPress || event.type() == QEvent::ShortcutOverride;
+}
+
+bool EndsDialogs(const QEvent& event) {
+  if (event.type() == QEvent::ContextMenu) return false;
+  const int key = static_cast<const QKeyEvent&>(event).key();
+  return key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Escape;
+}
 
 }  // namespace
 
@@ -154,12 +169,11 @@ bool CQuarnDlg::IsForThisWindow(const QObject* receiver) const {
 }
 
 bool CQuarnDlg::eventFilter(QObject* receiver, QEvent* event) {
-  const auto type = event->type();
-  const bool isKey = type == QEvent::KeyPress || type == QEvent::ShortcutOverride;
-  if (!isKey || QApplication::activePopupWidget() != nullptr || !IsForThisWindow(receiver)) return false;
-  const int key = static_cast<QKeyEvent*>(event)->key();
+  if (!IsKey(*event) || QApplication::activePopupWidget() != nullptr || !IsForThisWindow(receiver)) {
+    return false;
+  }
   // Neither Enter nor Escape ends the program.
-  bool swallow = key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Escape;
+  bool swallow = EndsDialogs(*event);
   if (m_program.state.open.terminalScreen) {
     m_program.state.requests.focus = true;
     swallow = true;

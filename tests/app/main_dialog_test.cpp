@@ -1,8 +1,10 @@
+#include <QContextMenuEvent>
 #include <QDir>
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
 #include <QScreen>
+#include <QTimer>
 
 #include "app/main_dialog_fixture.h"
 #include "support/window_places.h"
@@ -150,6 +152,30 @@ TEST_F(MainDialog, KeysGoToTheTerminalScreenWhileItIsOpen) {
   QTest::keyClick(dialog.windowHandle(), Qt::Key_F, Qt::AltModifier);
   EXPECT_TRUE(program.state.requests.focus);
   EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
+}
+
+TEST_F(MainDialog, TheMenuKeyGoesToTheTerminalScreenWhileItIsOpen) {
+  int menus = 0;
+  const auto ask = [&](QContextMenuEvent::Reason reason) {
+    // A menu that comes up has the keyboard until it is gone.
+    QTimer::singleShot(0, &dialog, [&] {
+      QWidget* menu = QApplication::activePopupWidget();
+      if (menu == nullptr) return;
+      ++menus;
+      menu->close();
+    });
+    const QPoint place(dialog.width() / 2, dialog.height() - 3);
+    QContextMenuEvent event(reason, place, dialog.mapToGlobal(place));
+    QApplication::sendEvent(dialog.windowHandle(), &event);
+    QCoreApplication::processEvents();
+  };
+  program.state.open.terminalScreen = true;
+  ask(QContextMenuEvent::Keyboard);
+  EXPECT_TRUE(program.state.requests.focus);
+  EXPECT_EQ(menus, 0);
+  program.state.requests.focus = false;
+  ask(QContextMenuEvent::Mouse);
+  EXPECT_FALSE(program.state.requests.focus) << "that is a click";
 }
 
 TEST_F(MainDialog, MnemonicsOpenTheMenusWhileItIsClosed) {

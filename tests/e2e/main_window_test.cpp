@@ -119,6 +119,24 @@ TEST_F(MainWindow, TellsAboutItself) {
   LookAtAboutBox("OK");
 }
 
+TEST_F(MainWindow, HasASmallAndABigIcon) {
+  StartAlone();
+  QByteArray told;
+  EXPECT_TRUE(Eventually([&] {
+    told =
+        desktop.Run(QStringLiteral("xprop"), {QStringLiteral("-id"), main, QStringLiteral("_NET_WM_ICON")});
+    return told.contains("Icon (16 x 16)") && told.contains("Icon (32 x 32)");
+  })) << told.left(200).toStdString();
+}
+
+TEST_F(MainWindow, TheMenuKeyIsPassedOnAsEveryKeyIs) {
+  StartConnected("* -> line \"OK\"");
+  main = WaitForWindow(kMain);
+  Focus(main);
+  Press({QStringLiteral("Menu")});
+  EXPECT_TRUE(BecomesActive(terminal));
+}
+
 TEST_F(MainWindow, ExitsWithoutAQuestionInTheInternalConfiguration) {
   StartConnected("* -> line \"OK\"");
   ASSERT_TRUE(StatusBecomes(kInternal));
