@@ -1,6 +1,9 @@
 #include "app/connection_commands.h"
 
+#include <algorithm>
+
 #include "app/app_fixture.h"
+#include "line/scripted_line.h"
 
 namespace quarn::test {
 namespace {
@@ -78,6 +81,18 @@ TEST_F(ConnectionCommands, DisconnectAsksAndKeepsThePort) {
   EXPECT_TRUE(program.state.requests.terminalRefresh);
   Connect(program);
   EXPECT_TRUE(program.connection.connected);
+}
+
+TEST_F(ConnectionCommands, DisconnectIsAPlainClose) {
+  Journal asked;
+  program.connection.handle = PortHandle(std::make_shared<ScriptedLine>(asked));
+  program.connection.connected = true;
+  messages.answers = {true};
+  Disconnect(program);
+  const std::vector<std::string> calls = asked.Entries();
+  EXPECT_EQ(std::count(calls.begin(), calls.end(), "close"), 1);
+  EXPECT_EQ(std::count(calls.begin(), calls.end(), "purge"), 0) << "nothing is thrown away first";
+  EXPECT_EQ(std::count(calls.begin(), calls.end(), "set state"), 0);
 }
 
 TEST_F(ConnectionCommands, DisconnectAnsweredNoChangesNothing) {

@@ -328,5 +328,23 @@ TEST_F(PortMonitorTest, AChangeWhileAPortIsBeingChosenWaitsForTheChoice) {
   EXPECT_EQ(program.connection.portCount, 1);
 }
 
+TEST_F(PortMonitorTest, TheWaitIsShownWhileThePortsAreListedAndNotOverAMessage) {
+  ports.names = Ports(2);
+  StartMonitor();
+  QStringList depths;
+  ports.whileListing = [&] { depths.append(QStringLiteral("listing at %1").arg(indicator.depth)); };
+  whileShown = [&] { depths.append(QStringLiteral("message at %1").arg(indicator.depth)); };
+  monitor.Tick();
+  EXPECT_EQ(depths, QStringList{"listing at 0"}) << "nothing has changed";
+  depths.clear();
+  ports.names = Ports(3);
+  monitor.Tick();
+  ASSERT_GE(depths.size(), 3);
+  EXPECT_EQ(depths.first(), "listing at 0") << "they are counted first";
+  EXPECT_EQ(depths.last(), "message at 0");
+  for (const QString& each : depths.sliced(1, depths.size() - 2)) EXPECT_EQ(each, "listing at 1");
+  EXPECT_EQ(indicator.depth, 0);
+}
+
 }  // namespace
 }  // namespace quarn::test

@@ -75,8 +75,11 @@ TEST_F(Keyboard, AClipboardWhoseOwnerSaysNothingHoldsNobodyUp) {
   owner.setProcessEnvironment(desktop.Environment());
   owner.start(QStringLiteral("xclip"),
               {QStringLiteral("-selection"), QStringLiteral("clipboard"), QStringLiteral("-quiet")});
+  ASSERT_TRUE(owner.waitForStarted());
   owner.write("never told");
   owner.closeWriteChannel();
+  while (owner.bytesToWrite() > 0 && owner.waitForBytesWritten()) {
+  }
   ASSERT_TRUE(Eventually([this] { return ClipboardText() == "never told"; }));
   ASSERT_EQ(kill(static_cast<pid_t>(owner.processId()), SIGSTOP), 0);
   Type(QStringLiteral("ab"));

@@ -205,6 +205,17 @@ TEST(OperationLog, CopyPageJoinsExactlyTheLinesInView) {
   EXPECT_TRUE(page.endsWith(QStringLiteral("L95\r")));
 }
 
+TEST(OperationLog, CopyPageNumbersItsLinesAsTheScreenDoes) {
+  OperationLog log;
+  Fill(log, 100);
+  log.ScrollLogUp();
+  QString wanted;
+  for (int row = 0; row < ScreenRowCount; ++row) wanted += log.RowText(row, kOn);
+  EXPECT_EQ(log.CopyLogPage(kOn), wanted);
+  EXPECT_TRUE(wanted.startsWith(QStringLiteral("  68|  L68\r  69|  L69\r"))) << wanted.toStdString();
+  EXPECT_TRUE(wanted.endsWith(QStringLiteral("  99|  L99\r"))) << wanted.toStdString();
+}
+
 TEST(OperationLog, CopyAllHoldsEveryLineWithItsNumberWhenShown) {
   OperationLog log;
   Fill(log, 100);

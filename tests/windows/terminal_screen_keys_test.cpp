@@ -301,6 +301,22 @@ TEST_F(TerminalKeys, TheWheelScrollsTheLog) {
   EXPECT_EQ(window->RowText(0), QStringLiteral("1\r"));
 }
 
+TEST_F(TerminalKeys, EveryTurnOfTheWheelRedrawsTheLogAndIsPassedOn) {
+  log.AppendLogText("1\r2\r");
+  Open();
+  for (const int delta : {0, 120, -120, -120}) {
+    // Something that only a redraw shows.
+    settings.lineNum = settings.lineNum == u"ON" ? QStringLiteral("OFF") : QStringLiteral("ON");
+    QWheelEvent event(QPointF(50, 50), window->mapToGlobal(QPointF(50, 50)), QPoint(), QPoint(0, delta),
+                      Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+    event.accept();
+    QApplication::sendEvent(window, &event);
+    EXPECT_EQ(window->RowText(0).contains(u'|'), settings.lineNum == u"ON") << delta;
+    EXPECT_FALSE(event.isAccepted()) << delta;
+  }
+  EXPECT_EQ(log.TopLine(), 1);
+}
+
 TEST_F(TerminalKeys, KeysWorkWithTheButtonsHidden) {
   Connect("* -> line \"OK\"");
   settings.funcKey = QStringLiteral("OFF");

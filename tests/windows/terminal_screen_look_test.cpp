@@ -1,7 +1,9 @@
+#include <QFontInfo>
 #include <QFontMetrics>
 #include <QMenu>
 
 #include "support/window_places.h"
+#include "terminal/dialogs/terminal_font.h"
 #include "terminal/screen_options.h"
 #include "ui/placement.h"
 #include "windows/terminal_fixture.h"
@@ -27,6 +29,24 @@ TEST_F(TerminalLook, EveryControlCarriesItsNumber) {
     EXPECT_EQ(rows[row]->property(kControlIdProperty), 1000 + row);
     EXPECT_EQ(rows[row]->geometry(), RowRect(row));
     EXPECT_TRUE(rows[row]->isVisible());
+  }
+}
+
+TEST_F(TerminalLook, PromptCommandLineAndEveryRowHaveTheOneFont) {
+  Open();
+  const QFont wanted = TerminalFont();
+  EXPECT_EQ(wanted.weight(), QFont::Normal);
+  EXPECT_FALSE(wanted.italic() || wanted.underline() || wanted.strikeOut());
+  EXPECT_TRUE(QFontInfo(wanted).fixedPitch());
+  auto lines = window->findChildren<StaticText*>(QStringLiteral("row"));
+  ASSERT_EQ(lines.size(), 32);
+  lines += {window->findChild<StaticText*>(QStringLiteral("prompt")),
+            window->findChild<StaticText*>(QStringLiteral("commandLine"))};
+  for (const StaticText* each : lines) {
+    EXPECT_EQ(each->font().family(), wanted.family()) << each->objectName().toStdString();
+    EXPECT_EQ(each->font().pixelSize(), wanted.pixelSize());
+    EXPECT_EQ(each->font().weight(), wanted.weight());
+    EXPECT_EQ(each->font().styleHint(), wanted.styleHint());
   }
 }
 
