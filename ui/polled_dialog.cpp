@@ -56,6 +56,8 @@ void PolledDialog::StartTicks() {
                    connect(loop, &QAbstractEventDispatcher::awake, this, [this] { Plan(); })};
 }
 
+void PolledDialog::WithdrawClose() { m_closeAsked = false; }
+
 void PolledDialog::StopTicks() {
   for (QMetaObject::Connection& connection : m_connections) disconnect(connection);
   std::erase(TickingDialogs(), this);

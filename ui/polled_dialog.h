@@ -38,7 +38,7 @@ class PolledDialog : public QDialog {
   ~PolledDialog() override;
 
   /// It is wanted again: a close that has been put off does not follow.
-  void WithdrawClose() { m_closeAsked = false; }
+  void WithdrawClose();
   void done(int result) override;
   /// Before it is shown: `place` moves it to where it belongs, and does so again when its frame is known.
   void Put(std::function<void()> place) { m_place.Put(std::move(place)); }

@@ -217,7 +217,7 @@ void CSetMem::keyPressEvent(QKeyEvent* event) {
 
 void CSetMem::PasteInto(QLineEdit& field) {
   if (m_hold.IsHolding()) return;
-  const QScopedValueRollback<int> calls(m_calls, m_calls + 1);
+  const Busy busy(*this);
   if (const std::optional<QString> text = ClipboardText(m_hold)) field.insert(*text);
 }
 

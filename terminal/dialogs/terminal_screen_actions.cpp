@@ -163,7 +163,7 @@ void CTerminalScreen::CopyToClipboard(const QString& text) { QGuiApplication::cl
 void CTerminalScreen::PasteFromClipboard() {
   // Another program may take its time. One that has no text, or does not give it, changes nothing.
   if (m_hold.IsHolding()) return;
-  const CallScope call(m_calls);
+  const Busy busy(*this);
   const std::optional<QString> text = ClipboardText(m_hold);
   if (text) m_context.commandLine.Paste(*text, CommandLimit());
 }
