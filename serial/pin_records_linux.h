@@ -33,8 +33,8 @@ struct PinRecord {
 
 /// The name of the file with the records in the ports folder.
 inline constexpr const char* kPinRecordsFile = "devices";
-/// No more of it is read; 99 records of the longest names take a fraction.
-inline constexpr std::size_t kPinRecordsLimit = 256 * 1024;
+/// No more bytes of it are read; 99 records of the longest names take a fraction.
+inline constexpr std::size_t kPinRecordsLimit = 262'144;
 
 /// The records as text, one a line: number, inode, and the texts, separated by tabs. Control characters and
 /// backslashes within a text are written \xHH.

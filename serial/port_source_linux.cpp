@@ -32,12 +32,12 @@ QString ProductOf(const struct stat& node, const std::vector<SerialDevice>& devi
   return product.trimmed().isEmpty() ? QStringLiteral("Serial Port") : product;
 }
 
-QString HindranceOf(const DeviceNode& node, pid_t user) {
+QString HindranceOf(const DeviceNode& node, pid_t user, const SystemRoots& roots) {
   const std::string permission = PermissionHindrance(node);
   if (!permission.empty()) {
     return TextOf(permission);
   }
-  return user != 0 ? QStringLiteral("in use by PID %1").arg(user) : QString();
+  return user != 0 ? TextOf(UseText(user, roots)) : QString();
 }
 
 }  // namespace
@@ -153,9 +153,9 @@ QStringList LinuxPortSource::NamesOf(const std::vector<PortLink>& links,
   const std::vector<pid_t> users = UsersOf(nodes, m_roots);
   QStringList names;
   for (std::size_t i = 0; i < nodes.size(); ++i) {
-    names.append(
-        ComposeFriendlyName({ProductOf(nodes[i].status, devices), TextOf(nodes[i].path),
-                             HindranceOf(nodes[i], users[i]), QStringLiteral("COM%1").arg(numbers[i])}));
+    names.append(ComposeFriendlyName({ProductOf(nodes[i].status, devices), TextOf(nodes[i].path),
+                                      HindranceOf(nodes[i], users[i], m_roots),
+                                      QStringLiteral("COM%1").arg(numbers[i])}));
   }
   return names;
 }

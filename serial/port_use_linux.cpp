@@ -129,6 +129,21 @@ std::vector<pid_t> UsersOf(const std::vector<DeviceNode>& nodes, const SystemRoo
   return users;
 }
 
+std::string UseText(pid_t user, const SystemRoots& roots) {
+  const std::string number = std::to_string(user);
+  // The kernel keeps 15 characters of a name.
+  std::array<char, 16> name{};
+  std::ifstream file(roots.proc + '/' + number + "/comm");
+  file.getline(name.data(), name.size());
+  for (char& c : name) {
+    if (c != '\0' && (c < ' ' || c > '~')) {
+      c = '?';
+    }
+  }
+  return name[0] != '\0' ? std::string("in use by ") + name.data() + " (PID " + number + ')'
+                         : "in use by PID " + number;
+}
+
 std::string GroupName(gid_t group) {
   // The buffer takes the group's members, too; a directory service may know thousands of them.
   constexpr std::size_t kFirstSize = 4096;

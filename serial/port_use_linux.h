@@ -24,6 +24,10 @@ struct DeviceNode {
 /// Looks into what other processes let be seen; never opens the nodes.
 std::vector<pid_t> UsersOf(const std::vector<DeviceNode>& nodes, const SystemRoots& roots);
 
+/// "in use by minicom (PID 1234)"; without the program's name where that cannot be seen. Plain printable
+/// ASCII, whatever the program calls itself.
+std::string UseText(pid_t user, const SystemRoots& roots);
+
 /// The name of a group; its number, in decimal digits, when the system knows no name.
 std::string GroupName(gid_t group);
 

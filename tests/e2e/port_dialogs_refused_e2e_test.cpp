@@ -65,7 +65,7 @@ TEST_F(PortDialogs, DetailedListNamesTheProgramThatHoldsAPort) {
   ASSERT_TRUE(Eventually([&] { return !line.Lock() || !line.Unlock(); }));
   OpenList();
   EXPECT_TRUE(TitleBecomes(kList, QStringLiteral("Quarn - Detailed COM Port List  (COM3)  ")));
-  EXPECT_TRUE(RowOf(kOther).contains(QStringLiteral("in use by PID %1 ").arg(holder.processId())))
+  EXPECT_TRUE(RowOf(kOther).contains(QStringLiteral("in use by sleep (PID %1) ").arg(holder.processId())))
       << RowOf(kOther).toStdString();
   ClickRow(kOther);
   PressSet(kList, kError);

@@ -326,9 +326,10 @@ TEST(LinuxPortSource, SaysWhoUsesThePort) {
     const int line = ::open(terminal.Node().c_str(), O_RDWR | O_NOCTTY);
     return line >= 0 && ::flock(line, LOCK_EX | LOCK_NB) == 0;
   });
-  EXPECT_EQ(NameOf(List(source), kPort), QStringLiteral("Pseudo-terminal - %1, in use by PID %2 (COM57)")
-                                             .arg(QString::fromStdString(terminal.Node()))
-                                             .arg(user.Pid()));
+  EXPECT_EQ(NameOf(List(source), kPort),
+            QStringLiteral("Pseudo-terminal - %1, in use by port_source_tes (PID %2) (COM57)")
+                .arg(QString::fromStdString(terminal.Node()))
+                .arg(user.Pid()));
   user.End();
   EXPECT_EQ(NameOf(List(source), kPort), PseudoTerminalName(terminal.Node()));
 }
@@ -404,6 +405,22 @@ TEST(UsersOf, FindsWhoHasTheNodeOpenButNotItsFarEnd) {
   EXPECT_EQ(UsersOf(nodes, {}).at(0), 0);
   const FileDescriptor own(::open(terminal.Node().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
   EXPECT_EQ(UsersOf(nodes, {}).at(0), 0);
+}
+
+TEST(UseText, NamesTheProgramWhateverItCallsItself) {
+  const ScratchFolder scratch;
+  SystemRoots roots;
+  roots.proc = scratch.Path();
+  scratch.Folder("7");
+  EXPECT_EQ(UseText(7, roots), "in use by PID 7");
+  scratch.File("7/comm", "minicom\n");
+  EXPECT_EQ(UseText(7, roots), "in use by minicom (PID 7)");
+  scratch.File("7/comm", "\x1b[31m(COM3) \xc3\xa4");
+  EXPECT_EQ(UseText(7, roots), "in use by ?[31m(COM3) ?? (PID 7)");
+  scratch.File("7/comm", std::string(100, 'x'));
+  EXPECT_EQ(UseText(7, roots), "in use by " + std::string(15, 'x') + " (PID 7)");
+  scratch.File("7/comm", "");
+  EXPECT_EQ(UseText(7, roots), "in use by PID 7");
 }
 
 /// What PermissionHindrance says to a user without rights on the node and without groups.
