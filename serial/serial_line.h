@@ -89,9 +89,13 @@ class SerialLine {
   virtual void AllowIo() = 0;
   /// Puts the driver's former state back and closes. False when the system reports a failure; the line
   /// is closed all the same. Every operation fails afterwards, with LineError::Disconnected, and AllowIo
-  /// changes nothing about that. May wait for queued bytes to go out, about a second at most; drops those
-  /// that do not.
+  /// changes nothing about that. May wait for queued bytes to go out, for less than a second; drops those
+  /// that do not. Returns within a second whatever the driver does.
   virtual bool Close() = 0;
+  /// Whether the line has died: it was hung up, its device is gone, or another one has its place; once a read
+  /// or a write has met that it stays so. May be asked at any time and costs next to nothing; never waits for
+  /// a read. False while it is not known, and for a line that was closed.
+  virtual bool IsLost() = 0;
   /// What made the last failing call fail.
   [[nodiscard]] virtual LineFailure LastFailure() const = 0;
 };

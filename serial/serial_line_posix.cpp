@@ -15,6 +15,7 @@
 #include <cerrno>
 #include <mutex>
 #include <optional>
+#include <thread>
 #include <utility>
 
 #include "serial/file_descriptor.h"
@@ -41,13 +42,18 @@ LineFailure NoPermissionFailure(const QString& node, const DeviceNode& device, i
 
 enum class Readiness { Ready, TimedOut, Cancelled, Failed };
 
-/// Closing waits no longer than this for queued bytes, however slow the line: a person waits for it.
-constexpr std::chrono::seconds kLongestDrain{1};
+/// Closing waits no longer than this for bytes to go out, however slow the line: a person waits for it.
+constexpr std::chrono::milliseconds kLongestDrain{700};
+/// And no longer than this for a driver that waits by itself.
+constexpr std::chrono::milliseconds kLongestWaitInDriver{100};
+/// No character takes more: a start bit, eight data bits, parity and two stop bits.
+constexpr std::int64_t kMostBits = 12;
 
 /// What opening has taken and Close gives back.
 struct LineHold {
   FileDescriptor line;
   FileDescriptor wake;
+  dev_t device = 0;  ///< its number
   termios2 former{};
   TerminalKind kind = TerminalKind::Uart;
   // Behind the descriptor that they are about, to be given back before it is closed.
@@ -57,7 +63,8 @@ struct LineHold {
 
 class PosixSerialLine final : public SerialLine {
  public:
-  PosixSerialLine(QString node, LineHold hold) : m_node(std::move(node)), m_hold(std::move(hold)) {}
+  PosixSerialLine(QString node, LineHold hold)
+      : m_node(std::move(node)), m_hold(std::move(hold)), m_baudRate(m_hold.former.c_ospeed) {}
   ~PosixSerialLine() override { Close(); }
   PosixSerialLine(const PosixSerialLine&) = delete;
   PosixSerialLine& operator=(const PosixSerialLine&) = delete;
@@ -83,7 +90,10 @@ class PosixSerialLine final : public SerialLine {
       ControlLine(m_hold.line.Get(), TCSETS2, &earlier);
       return false;
     }
-    if (WasTaken(state, reported, m_hold.kind == TerminalKind::PseudoTerminal)) return true;
+    if (WasTaken(state, reported, m_hold.kind == TerminalKind::PseudoTerminal)) {
+      m_baudRate = state.baudRate;
+      return true;
+    }
     Control(TCSETS2, &earlier);
     return Refuse(QStringLiteral("the driver does not take %1; it offers %2")
                       .arg(DescribeLineState(state), DescribeLineState(reported)));
@@ -123,7 +133,7 @@ class PosixSerialLine final : public SerialLine {
       }
       if (count < 0 && (errno == EAGAIN || errno == EINTR)) continue;
       // Zero bytes from a line that waits for at least one: it has been hung up.
-      Fail(count == 0 ? EIO : errno);
+      Break(count == 0 ? EIO : errno);
       return {.ok = got > 0, .bytes = got};
     }
     return {.ok = true, .bytes = got};
@@ -140,8 +150,9 @@ class PosixSerialLine final : public SerialLine {
       const ssize_t count = ::write(m_hold.line.Get(), data + sent, size - sent);
       if (count >= 0) {
         sent += static_cast<std::size_t>(count);
+        m_sentBy = std::max(m_sentBy, LineClock::now()) + TimeToSend(count);
       } else if (errno != EAGAIN && errno != EINTR) {
-        Fail(errno);
+        Break(errno);
         return {.ok = sent > 0, .bytes = sent};
       }
     }
@@ -172,8 +183,19 @@ class PosixSerialLine final : public SerialLine {
     }
     const std::scoped_lock both(m_ioMutex, m_lineMutex);
     if (!m_hold.line.IsValid()) return true;
+    if (m_hold.kind == TerminalKind::Uart) LetBytesGoOut();
+    const WaitLimit limit(kLongestWaitInDriver);
     GiveBack();
     return m_hold.line.Close() || Fail(errno);
+  }
+
+  bool IsLost() override {
+    const std::lock_guard guard(m_lineMutex);
+    if (!m_hold.line.IsValid()) return false;
+    if (m_broken) return true;
+    pollfd polled{m_hold.line.Get(), 0, 0};
+    const int ready = Uninterrupted([&] { return ::poll(&polled, 1, 0); });
+    return (ready > 0 && (polled.revents & (POLLHUP | POLLERR)) != 0) || HasLostItsNode();
   }
 
   [[nodiscard]] LineFailure LastFailure() const override {
@@ -195,22 +217,39 @@ class PosixSerialLine final : public SerialLine {
         Uninterrupted([&] { return ::write(m_hold.wake.Get(), &one, sizeof one); });
   }
 
-  /// A line whose device is gone takes none of these; there is nothing left to put back then.
-  void GiveBack() {
+  /// What does not go out in time is dropped: the driver would wait for it when it is closed.
+  void LetBytesGoOut() {
     const int line = m_hold.line.Get();
-    if (m_hold.kind == TerminalKind::PseudoTerminal) {
-      ControlLine(line, TCSETS2, &m_hold.former);
-      return;
-    }
     const auto now = LineClock::now();
     const auto longest = now + kLongestDrain;
     const auto deadline = WriteDeadline(Timeouts(), QueuedOutput(line), now).value_or(longest);
-    const bool drained = DrainOutput(line, std::min(deadline, longest));
-    // The last bytes may still be in the UART's own buffer, and go out at the rate they were meant for. Not
-    // so behind a flush: what holds the line up would hold this up, too.
-    ControlLine(line, drained ? TCSETSW2 : TCSETS2, &m_hold.former);
+    // The last bytes may still be in the chip's own buffer, and are to go out at the rate they were meant
+    // for.
+    if (DrainOutput(line, std::min(deadline, longest))) {
+      std::this_thread::sleep_until(std::min(m_sentBy, longest));
+    }
+  }
+
+  /// A line whose device is gone takes none of these; there is nothing left to put back then.
+  ///
+  /// A line that echoes sends back to the instrument what comes in. So that flag comes back last, by a call
+  /// that has nothing else to do, right before the descriptor is closed.
+  void GiveBack() {
+    const int line = m_hold.line.Get();
     m_hold.latency.PutBack(line);
     m_hold.mark.Clear();
+    termios2 quiet = m_hold.former;
+    if (m_hold.kind == TerminalKind::Uart && MakeQuiet(quiet)) {
+      ControlLineBriefly(line, TCSETS2, &quiet);
+      FlushLine(line, TCIFLUSH);
+    }
+    ControlLineBriefly(line, TCSETS2, &m_hold.former);
+  }
+
+  /// How long a UART takes at most, if nothing holds it up.
+  [[nodiscard]] LineClock::duration TimeToSend(ssize_t bytes) const {
+    const auto rate = std::max<std::int64_t>(m_baudRate, 1);
+    return std::chrono::microseconds(kMostBits * std::int64_t{bytes} * std::int64_t{1'000'000} / rate);
   }
 
   Readiness Stopped() {
@@ -245,6 +284,20 @@ class PosixSerialLine final : public SerialLine {
     return false;
   }
 
+  /// A read or a write has failed.
+  void Break(int error) {
+    const LineError kind = KindOf(error);
+    if (kind == LineError::Disconnected || kind == LineError::NotFound) m_broken = true;
+    Fail(error);
+  }
+
+  /// Whether the device that was opened is no longer the one under its name.
+  [[nodiscard]] bool HasLostItsNode() const {
+    struct stat node {};
+    if (::stat(QFile::encodeName(m_node).constData(), &node) != 0) return errno == ENOENT;
+    return !S_ISCHR(node.st_mode) || node.st_rdev != m_hold.device;
+  }
+
   bool Refuse(const QString& why) {
     const std::lock_guard guard(m_fieldMutex);
     m_failure = {LineError::Refused, QStringLiteral("%1: %2").arg(m_node, why)};
@@ -253,8 +306,11 @@ class PosixSerialLine final : public SerialLine {
 
   const QString m_node;
   LineHold m_hold;
+  std::atomic<std::uint32_t> m_baudRate;
+  LineClock::time_point m_sentBy;  ///< when what was written has left a UART; under m_ioMutex
   std::atomic<bool> m_cancelled = false;
   std::atomic<bool> m_closing = false;  ///< never false again
+  std::atomic<bool> m_broken = false;   ///< nor is this
   // Lock order: m_ioMutex, m_lineMutex, m_fieldMutex; m_wakeMutex alone.
   std::mutex m_ioMutex;    ///< held by whoever reads, writes or closes
   std::mutex m_lineMutex;  ///< held for one control call, or to close: these must not wait for a read
@@ -266,53 +322,76 @@ class PosixSerialLine final : public SerialLine {
 
 OpenResult Failed(LineFailure failure) { return {nullptr, std::move(failure)}; }
 
+/// Who else uses the device, in words; empty when nobody is seen to.
+QString UseOf(const DeviceNode& device) {
+  const SystemRoots roots;
+  const pid_t user = UsersOf({device}, roots).front();
+  return user != 0 ? QString::fromStdString(UseText(user, roots)) : QString();
+}
+
+OpenResult InUse(const QString& node, const QString& use) {
+  return Failed({LineError::InUse, QStringLiteral("%1: %2").arg(node, use)});
+}
+
 /// Somebody else has the line, or the system could not say.
-OpenResult NotTaken(const QString& node, int error) {
+OpenResult NotTaken(const QString& node, const DeviceNode& device, int error) {
   if (KindOf(error) != LineError::InUse) return Failed(FailureOf(node, error));
-  return Failed({LineError::InUse, QStringLiteral("%1: in use by another program").arg(node)});
+  const QString use = UseOf(device);
+  return InUse(node, use.isEmpty() ? QStringLiteral("in use by another program") : use);
 }
 
 /// The lock and the exclusive mark go together: each alone lets some well-known program through. A
 /// pseudo-terminal gets the lock only: there the mark outlives a program that crashed, and nobody could
 /// open the line again while its far end lives.
-OpenResult TakeLine(const QString& node, FileDescriptor line, TerminalKind kind) {
+///
+/// Until it is raw the line may echo, so that comes as soon as it is known to be ours.
+OpenResult TakeLine(const QString& node, const DeviceNode& device, FileDescriptor line, TerminalKind kind) {
   LineHold hold;
-  hold.line = std::move(line);
-  hold.kind = kind;
-  const int descriptor = hold.line.Get();
-  if (ControlLine(descriptor, TCGETS2, &hold.former) != 0) return Failed(FailureOf(node, errno));
-  if (Uninterrupted([descriptor] { return flock(descriptor, LOCK_EX | LOCK_NB); }) != 0) {
-    return NotTaken(node, errno);
-  }
-  const int notMarked = kind == TerminalKind::Uart ? hold.mark.Set(descriptor) : 0;
-  if (notMarked != 0) return NotTaken(node, notMarked);
   hold.wake = FileDescriptor(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
   if (!hold.wake.IsValid()) return Failed(FailureOf(node, errno));
+  hold.line = std::move(line);
+  hold.device = device.status.st_rdev;
+  hold.kind = kind;
+  const int descriptor = hold.line.Get();
+  if (Uninterrupted([descriptor] { return flock(descriptor, LOCK_EX | LOCK_NB); }) != 0) {
+    return NotTaken(node, device, errno);
+  }
+  if (kind == TerminalKind::Uart && ExclusiveMark::IsSet(descriptor)) return NotTaken(node, device, EBUSY);
+  if (ControlLine(descriptor, TCGETS2, &hold.former) != 0) return Failed(FailureOf(node, errno));
   termios2 raw = hold.former;
   MakeRaw(raw);
   if (ControlLine(descriptor, TCSETS2, &raw) != 0) return Failed(FailureOf(node, errno));
-  if (kind == TerminalKind::Uart) hold.latency.Set(descriptor);
+  if (kind == TerminalKind::Uart) {
+    // With what came in before it was raw, and its echo.
+    FlushLine(descriptor, TCIOFLUSH);
+    if (const int notMarked = hold.mark.Set(descriptor); notMarked != 0) {
+      ControlLine(descriptor, TCSETS2, &hold.former);
+      return NotTaken(node, device, notMarked);
+    }
+    hold.latency.Set(descriptor);
+  }
   return {std::make_shared<PosixSerialLine>(node, std::move(hold)), {}};
 }
 
 OpenResult OpenNode(const QString& node, std::optional<TerminalKind> knownKind) {
   const QByteArray path = QFile::encodeName(node);
-  struct stat info {};
-  if (::stat(path.constData(), &info) != 0) return Failed(FailureOf(node, errno));
+  DeviceNode device{path.toStdString(), {}};
+  if (::stat(path.constData(), &device.status) != 0) return Failed(FailureOf(node, errno));
   // Opening a pipe or a disk would do things that a terminal program has no business with.
-  if (!S_ISCHR(info.st_mode)) return Failed(FailureOf(node, ENOTTY));
+  if (!S_ISCHR(device.status.st_mode)) return Failed(FailureOf(node, ENOTTY));
+  const TerminalKind kind = knownKind.value_or(
+      IsPseudoTerminal(device.status.st_rdev) ? TerminalKind::PseudoTerminal : TerminalKind::Uart);
+  // Who has it open without a lock would read half of the answers. A pseudo-terminal's near end may be held
+  // by the program at its far end.
+  if (kind == TerminalKind::Uart && IsTerminalDevice(device.status, SystemRoots().sys)) {
+    if (const QString use = UseOf(device); !use.isEmpty()) return InUse(node, use);
+  }
   constexpr int kFlags = O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC;
   FileDescriptor line(Uninterrupted([&] { return ::open(path.constData(), kFlags); }));
-  if (!line.IsValid()) {
-    const int error = errno;
-    if (KindOf(error) == LineError::NoPermission) {
-      return Failed(NoPermissionFailure(node, {path.toStdString(), info}, error));
-    }
-    return NotTaken(node, error);
-  }
-  const TerminalKind seen =
-      IsPseudoTerminal(info.st_rdev) ? TerminalKind::PseudoTerminal : TerminalKind::Uart;
-  return TakeLine(node, std::move(line), knownKind.value_or(seen));
+  if (line.IsValid()) return TakeLine(node, device, std::move(line), kind);
+  const int error = errno;
+  if (KindOf(error) == LineError::NoPermission) return Failed(NoPermissionFailure(node, device, error));
+  return NotTaken(node, device, error);
 }
 
 }  // namespace

@@ -43,6 +43,13 @@ void MakeRaw(termios2& state) {
   state.c_cc[VTIME] = 0;
 }
 
+bool MakeQuiet(termios2& state) {
+  constexpr tcflag_t kEcho = ECHO | ECHONL;
+  const bool echoed = (state.c_lflag & kEcho) != 0;
+  state.c_lflag &= ~kEcho;
+  return echoed;
+}
+
 bool ApplyLineState(const LineState& wanted, termios2& state) {
   if (wanted.byteSize < kFewestDataBits || wanted.byteSize > kMostDataBits) return false;
   if (!StopBitsFit(wanted.stopBits, wanted.byteSize)) return false;

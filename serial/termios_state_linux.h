@@ -15,6 +15,9 @@ namespace quarn {
 /// lines ignored. Hardware flow control stays as the driver has it.
 void MakeRaw(termios2& state);
 
+/// Takes all echo out of a state; true when there was any.
+bool MakeQuiet(termios2& state);
+
 /// Puts the four parameters into `state`. False, and `state` untouched, for a combination that no UART
 /// has: 1.5 stop bits with other than 5 data bits, 2 stop bits with 5, data bits outside 5 to 8.
 bool ApplyLineState(const LineState& wanted, termios2& state);

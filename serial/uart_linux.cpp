@@ -3,6 +3,7 @@
 #include <asm/ioctls.h>
 #include <asm/termbits.h>
 #include <linux/serial.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -15,14 +16,18 @@ namespace quarn {
 namespace {
 
 constexpr std::chrono::milliseconds kDrainPoll{2};
+constexpr std::chrono::milliseconds kInterruptAgain{10};
 
 }  // namespace
 
 ExclusiveMark::ExclusiveMark(ExclusiveMark&& other) noexcept : m_line(std::exchange(other.m_line, -1)) {}
 
-int ExclusiveMark::Set(int line) {
+bool ExclusiveMark::IsSet(int line) {
   int marked = 0;
-  if (ControlLine(line, TIOCGEXCL, &marked) == 0 && marked != 0) return EBUSY;
+  return ControlLine(line, TIOCGEXCL, &marked) == 0 && marked != 0;
+}
+
+int ExclusiveMark::Set(int line) {
   if (ControlLine(line, TIOCEXCL, nullptr) != 0) return errno;
   m_line = line;
   return 0;
@@ -45,6 +50,37 @@ void LowLatency::PutBack(int line) {
   if (!std::exchange(m_changed, false) || ControlLine(line, TIOCGSERIAL, &settings) != 0) return;
   settings.flags &= ~int{ASYNC_LOW_LATENCY};
   ControlLine(line, TIOCSSERIAL, &settings);
+}
+
+WaitLimit::WaitLimit(std::chrono::milliseconds longest) {
+  // One that nobody else uses. What it does is to arrive.
+  static const int signal = [] {
+    const int number = SIGRTMIN + 7;
+    struct sigaction action {};
+    action.sa_handler = [](int) {};
+    sigemptyset(&action.sa_mask);
+    return ::sigaction(number, &action, nullptr) == 0 ? number : 0;
+  }();
+  sigset_t let;
+  sigemptyset(&let);
+  sigaddset(&let, signal);
+  ::pthread_sigmask(SIG_UNBLOCK, &let, &m_formerMask);
+  sigevent event{};
+  event.sigev_notify = SIGEV_THREAD_ID;
+  event.sigev_signo = signal;
+  event._sigev_un._tid = ::gettid();
+  m_runs = signal != 0 && ::timer_create(CLOCK_MONOTONIC, &event, &m_timer) == 0;
+  if (!m_runs) return;
+  itimerspec times{};
+  times.it_value.tv_nsec = std::chrono::nanoseconds(longest).count();
+  // Again and again: one that came just before the wait has ended nothing.
+  times.it_interval.tv_nsec = std::chrono::nanoseconds(kInterruptAgain).count();
+  ::timer_settime(m_timer, 0, &times, nullptr);
+}
+
+WaitLimit::~WaitLimit() {
+  if (m_runs) ::timer_delete(m_timer);
+  ::pthread_sigmask(SIG_SETMASK, &m_formerMask, nullptr);
 }
 
 std::size_t QueuedOutput(int line) {

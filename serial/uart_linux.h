@@ -1,5 +1,8 @@
 #pragma once
 
+#include <signal.h>
+#include <time.h>
+
 #include <chrono>
 
 #include "serial/read_limits.h"
@@ -18,8 +21,9 @@ class ExclusiveMark {
   ExclusiveMark& operator=(const ExclusiveMark&) = delete;
   ~ExclusiveMark() { Clear(); }
 
-  /// 0, or the error: EBUSY when somebody else has set it, another when the driver does not take it. `line`
-  /// must stay open until Clear. The mark does not stop a privileged user's open, so it is asked for first.
+  /// Whether somebody has set it. It does not stop a privileged user's open, so that has to be asked.
+  static bool IsSet(int line);
+  /// 0, or the error when the driver does not take it. `line` must stay open until Clear.
   int Set(int line);
   void Clear();
 
@@ -43,6 +47,22 @@ class LowLatency {
 /// with flow control holding the line, closing it would otherwise wait for half a minute. True when all of it
 /// went out.
 bool DrainOutput(int line, LineClock::time_point deadline);
+
+/// While one lives, this thread does not stay in a call for long: a wait in the kernel that a signal ends is
+/// ended when `longest` is over, and so is each one after it. A driver that is told to close waits for the
+/// bytes in its chip, half a minute where flow control holds them, and asks nobody.
+class WaitLimit {
+ public:
+  explicit WaitLimit(std::chrono::milliseconds longest);
+  ~WaitLimit();
+  WaitLimit(const WaitLimit&) = delete;
+  WaitLimit& operator=(const WaitLimit&) = delete;
+
+ private:
+  timer_t m_timer{};
+  bool m_runs = false;
+  sigset_t m_formerMask{};
+};
 
 /// How many bytes wait to be sent; 0 when the driver does not say.
 std::size_t QueuedOutput(int line);

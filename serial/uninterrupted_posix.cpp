@@ -12,6 +12,15 @@ int ControlLine(int line, unsigned long request, void* argument) {
   return Uninterrupted([&] { return ioctl(line, request, argument); });
 }
 
+int ControlLineBriefly(int line, unsigned long request, void* argument) {
+  constexpr int kAttempts = 5;
+  int result = ioctl(line, request, argument);
+  for (int i = 1; i < kAttempts && result == -1 && errno == EINTR; ++i) {
+    result = ioctl(line, request, argument);
+  }
+  return result;
+}
+
 int FlushLine(int line, int queues) {
   return Uninterrupted([&] { return ioctl(line, TCFLSH, queues); });
 }

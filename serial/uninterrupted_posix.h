@@ -23,6 +23,9 @@ auto Uninterrupted(const Call& call) {
 /// A control call on a line.
 int ControlLine(int line, unsigned long request, void* argument);
 
+/// The same, for one that may wait and whose wait is meant to be cut short: made again a few times only.
+int ControlLineBriefly(int line, unsigned long request, void* argument);
+
 /// Drops what waits in the driver; `queues` is TCIFLUSH, TCOFLUSH or TCIOFLUSH.
 int FlushLine(int line, int queues);
 

@@ -3,6 +3,7 @@
 #include <asm/ioctls.h>
 #include <grp.h>
 #include <linux/serial.h>
+#include <time.h>
 
 #include <algorithm>
 #include <atomic>
@@ -13,6 +14,8 @@
 // NOLINTBEGIN(bugprone-reserved-identifier)
 extern "C" {
 int __real_ioctl(int descriptor, unsigned long request, ...);
+int __real_close(int descriptor);
+int __wrap_close(int descriptor);
 int __real_eventfd(unsigned int value, int flags);
 int __real_getgrgid_r(gid_t group, struct group* entry, char* buffer, std::size_t size,
                       struct group** result);
@@ -46,6 +49,11 @@ FakeUart::FakeUart() {
 
 FakeUart::~FakeUart() { g_uart = nullptr; }
 
+void FakeUart::Preset(const termios2& state) {
+  const std::lock_guard guard(m_mutex);
+  m_state = state;
+}
+
 termios2 FakeUart::State() const {
   const std::lock_guard guard(m_mutex);
   return m_state;
@@ -54,6 +62,11 @@ termios2 FakeUart::State() const {
 std::vector<std::string> FakeUart::Calls() const {
   const std::lock_guard guard(m_mutex);
   return m_calls;
+}
+
+int FakeUart::CallsWhileEchoing() const {
+  const std::lock_guard guard(m_mutex);
+  return m_callsWhileEchoing;
 }
 
 bool FakeUart::WasCalled(const std::string& call) const {
@@ -90,6 +103,8 @@ int FakeUart::Serial(unsigned long request, void* argument) {
 int FakeUart::Control(int descriptor, unsigned long request, void* argument, bool& passOn) {
   if (const int error = failing(descriptor)) return Failure(error);
   const std::lock_guard guard(m_mutex);
+  if (Echoes()) ++m_callsWhileEchoing;
+  if (request == TCSETS2) m_line = descriptor;
   switch (request) {
     case TCGETS2:
       *static_cast<termios2*>(argument) = m_state;
@@ -103,6 +118,7 @@ int FakeUart::Control(int descriptor, unsigned long request, void* argument, boo
       return 0;
     case TIOCEXCL:
     case TIOCNXCL:
+      if (request == TIOCEXCL && failingMark != 0) return Failure(failingMark);
       marked = request == TIOCEXCL;
       m_calls.emplace_back(marked ? "mark" : "unmark");
       return 0;
@@ -114,11 +130,27 @@ int FakeUart::Control(int descriptor, unsigned long request, void* argument, boo
       return 0;
     case TCFLSH:
       // The argument of this one is a number.
-      m_calls.emplace_back(argument == reinterpret_cast<void*>(TCOFLUSH) ? "flush output" : "flush");
+      m_calls.emplace_back(argument == reinterpret_cast<void*>(TCOFLUSH)   ? "flush output"
+                           : argument == reinterpret_cast<void*>(TCIFLUSH) ? "flush input"
+                                                                           : "flush");
       return 0;
     default:
       passOn = true;
       return 0;
+  }
+}
+
+void FakeUart::Closing(int descriptor) {
+  constexpr timespec kDriversPatience{30, 0};
+  {
+    const std::lock_guard guard(m_mutex);
+    if (descriptor != m_line) return;
+    m_line = -1;
+    m_calls.emplace_back("close");
+  }
+  if (holdsClose && ::nanosleep(&kDriversPatience, nullptr) != 0) {
+    const std::lock_guard guard(m_mutex);
+    m_calls.emplace_back("interrupted");
   }
 }
 
@@ -133,6 +165,11 @@ int __wrap_ioctl(int descriptor, unsigned long request, ...) {
   bool passOn = uart == nullptr || descriptor < 0;
   const int result = passOn ? 0 : uart->Control(descriptor, request, argument, passOn);
   return passOn ? __real_ioctl(descriptor, request, argument) : result;
+}
+
+int __wrap_close(int descriptor) {
+  if (quarn::FakeUart* uart = quarn::g_uart) uart->Closing(descriptor);
+  return __real_close(descriptor);
 }
 
 int __wrap_eventfd(unsigned int value, int flags) {

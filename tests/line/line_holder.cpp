@@ -1,6 +1,7 @@
 // Another program on the line, for the tests of exclusive use: opens a terminal device, says how that
 // went and holds the line until its standard input ends or somebody kills it.
 
+#include <fcntl.h>
 #include <grp.h>
 #include <unistd.h>
 
@@ -26,6 +27,13 @@ void Say(const char* word, const QString& reason) {
 
 int main(int argc, char** argv) {
   if (argc < 2) return 2;
+  if (argc > 2 && std::string_view(argv[2]) == "--plain") {
+    // A program that knows no lock.
+    Say(::open(argv[1], O_RDWR | O_NOCTTY | O_CLOEXEC) >= 0 ? "open" : "failed", {});
+    while (std::getchar() != EOF) {
+    }
+    return 0;
+  }
   const bool asNobody = argc > 2 && std::string_view(argv[2]) == "--as-nobody";
   if (asNobody && !BecomeNobody()) return 2;
   const quarn::OpenResult opened = quarn::OpenTerminalDevice(QString::fromLocal8Bit(argv[1]));

@@ -1,6 +1,8 @@
 #include <fcntl.h>
 #include <sys/ioctl.h>
 
+#include <QFile>
+#include <QTemporaryDir>
 #include <atomic>
 
 #include "tests/line/pty_line_test.h"
@@ -206,6 +208,57 @@ TEST_F(PosixLineBreak, ClosingAtAnyMomentIsSafe) {
     ASSERT_TRUE(m_line);
     ASSERT_TRUE(m_line->SetTimeouts({}));
   }
+}
+
+TEST_F(PosixLineBreak, ALineIsLostWithTheHangUpAndNotBefore) {
+  EXPECT_FALSE(m_line->IsLost());
+  FarSends("bytes that nobody has read");
+  EXPECT_FALSE(m_line->IsLost());
+  m_far.HangUp();
+  EXPECT_TRUE(m_line->IsLost());
+  Read();
+  Read();
+  EXPECT_TRUE(m_line->IsLost());
+  EXPECT_TRUE(m_line->Close());
+  EXPECT_FALSE(m_line->IsLost()) << "closed is not lost";
+}
+
+TEST_F(PosixLineBreak, ACancelledOrSilentLineIsNotLost) {
+  ASSERT_TRUE(m_line->SetTimeouts({.readTotalConstant = 1}));
+  EXPECT_TRUE(Read().result.ok);
+  m_line->CancelIo();
+  EXPECT_FALSE(Read().result.ok);
+  EXPECT_FALSE(m_line->IsLost());
+}
+
+TEST_F(PosixLineBreak, ALineCanBeAskedWhileAReadWaits) {
+  auto reading = ReadInThread();
+  EXPECT_TRUE(StillRuns(reading));
+  EXPECT_FALSE(m_line->IsLost());
+  EXPECT_TRUE(StillRuns(reading));
+  m_line->CancelIo();
+  EXPECT_TRUE(Ends(reading));
+}
+
+TEST(LineNode, ALineIsLostWhenItsNodeIsAnotherDevice) {
+  const device::PseudoTerminal far;
+  const device::PseudoTerminal other;
+  const QTemporaryDir folder;
+  const QString node = folder.filePath(QStringLiteral("node"));
+  const auto lead = [&](const device::PseudoTerminal& to) {
+    QFile::remove(node);
+    ASSERT_TRUE(QFile::link(QString::fromStdString(to.NodePath()), node));
+  };
+  lead(far);
+  const auto line = OpenTerminalDevice(node).line;
+  ASSERT_TRUE(line);
+  EXPECT_FALSE(line->IsLost());
+  lead(other);
+  EXPECT_TRUE(line->IsLost());
+  QFile::remove(node);
+  EXPECT_TRUE(line->IsLost());
+  lead(far);
+  EXPECT_FALSE(line->IsLost());
 }
 
 }  // namespace

@@ -58,6 +58,10 @@ class Holder {
     m_process.kill();
     m_process.waitForFinished(kPatienceMs);
   }
+  /// What the list and a refused open call it; the kernel keeps 15 characters of a name.
+  [[nodiscard]] QString Use() const {
+    return QStringLiteral("in use by quarn-line-hold (PID %1)").arg(m_process.processId());
+  }
   [[nodiscard]] bool WasKilled() const { return m_process.exitStatus() == QProcess::CrashExit; }
 
  private:
@@ -98,17 +102,48 @@ TEST_F(PosixLineOpen, AfterCloseTheLineIsFreeAgain) {
   EXPECT_TRUE(OpenTerminalDevice(Node()).line);
 }
 
+/// How others see this process.
+QString UseByThisProcess() {
+  QFile name(QStringLiteral("/proc/self/comm"));
+  EXPECT_TRUE(name.open(QIODevice::ReadOnly));
+  return QStringLiteral("in use by %1 (PID %2)")
+      .arg(QString::fromLatin1(name.readAll()).trimmed())
+      .arg(::getpid());
+}
+
 TEST_F(PosixLineOpen, AnotherProcessFindsTheLineInUse) {
   const OpenResult mine = OpenTerminalDevice(Node());
   ASSERT_TRUE(mine.line);
-  EXPECT_EQ(Holder(Node()).Outcome(), QStringLiteral("in-use %1: in use by another program").arg(Node()));
+  EXPECT_EQ(Holder(Node()).Outcome(), QStringLiteral("in-use %1: %2").arg(Node(), UseByThisProcess()));
+}
+
+TEST_F(PosixLineOpen, ASerialDeviceThatAnotherProgramHasOpenWithoutALockIsInUse) {
+  {
+    Holder holder(Node(), {QStringLiteral("--plain")});
+    ASSERT_EQ(holder.Outcome(), QStringLiteral("open"));
+    const OpenResult refused = OpenTerminalDeviceAs(Node(), TerminalKind::Uart);
+    EXPECT_FALSE(refused.line);
+    EXPECT_EQ(refused.failure.kind, LineError::InUse);
+    EXPECT_EQ(refused.failure.reason, Node() + QStringLiteral(": ") + holder.Use());
+    // Whoever is at the far end may well keep the near end open.
+    EXPECT_TRUE(OpenTerminalDevice(Node()).line);
+  }
+  const OpenResult opened = OpenTerminalDeviceAs(Node(), TerminalKind::Uart);
+  EXPECT_TRUE(opened.line) << opened.failure.reason.toStdString();
+}
+
+TEST_F(PosixLineOpen, ASerialDeviceThatThisProgramHasOpenIsNotInUse) {
+  const FileDescriptor own(::open(m_far.NodePath().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
+  EXPECT_TRUE(OpenTerminalDeviceAs(Node(), TerminalKind::Uart).line);
 }
 
 TEST_F(PosixLineOpen, ALineThatAnotherProcessHoldsIsInUseUntilItEnds) {
   {
     Holder holder(Node());
     ASSERT_EQ(holder.Outcome(), QStringLiteral("open"));
-    EXPECT_EQ(OpenTerminalDevice(Node()).failure.kind, LineError::InUse);
+    const LineFailure failure = OpenTerminalDevice(Node()).failure;
+    EXPECT_EQ(failure.kind, LineError::InUse);
+    EXPECT_EQ(failure.reason, Node() + QStringLiteral(": ") + holder.Use());
   }
   EXPECT_TRUE(OpenTerminalDevice(Node()).line);
 }

@@ -40,6 +40,7 @@ class ScriptedLine : public SerialLine {
   bool setTimeoutsWorks = true;
   bool purgeWorks = true;
   bool closeWorks = true;
+  bool lost = false;
   LineFailure failure;
   std::function<IoResult(char*, std::size_t)> read;
   std::function<IoResult(const char*, std::size_t)> write;
@@ -92,6 +93,7 @@ class ScriptedLine : public SerialLine {
     m_journal.Note("close");
     return closeWorks;
   }
+  bool IsLost() override { return lost; }
   [[nodiscard]] LineFailure LastFailure() const override { return failure; }
 
  private:
