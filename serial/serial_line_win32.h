@@ -32,6 +32,11 @@ class Win32SerialLine final : public SerialLine {
   bool SetTimeouts(const LineTimeouts& timeouts) override;
   bool Purge() override;
   bool ClearError() override;
+  /// A driver whose device is gone gives no state, also when the device is there again: the handle is its.
+  bool IsLost() override {
+    LineState ignored;
+    return !GetState(ignored) && LastFailure().kind == LineError::Disconnected;
+  }
   IoResult Read(char* buffer, std::size_t size) override;
   IoResult Write(const char* data, std::size_t size) override;
   /// Returns when the other thread is out of Read or Write, which takes half a second at most.
