@@ -10,6 +10,10 @@
 namespace quarn {
 namespace {
 
+/// A dead line is acted upon at this tick. A port that is unplugged goes from the list a moment later than
+/// its line dies, and that is told in another way.
+constexpr int kLossSettled = 3;
+
 bool IsListed(const PortList& list, const QString& port) {
   const auto end = list.names.begin() + std::clamp(list.count, 0, kPortCapacity);
   return std::find(list.names.begin(), end, port) != end;
@@ -48,7 +52,8 @@ void PortMonitor::ListPorts() {
 }
 
 bool PortMonitor::IsAtRest() const {
-  return m_startDelay == 0 && m_seenRevision && m_program.portSource->Revision() == m_seenRevision;
+  return m_startDelay == 0 && m_seenRevision && m_program.portSource->Revision() == m_seenRevision &&
+         !IsLineLost();
 }
 
 void PortMonitor::Tick(int ticks) {
@@ -63,29 +68,32 @@ void PortMonitor::Tick(int ticks) {
   std::int32_t count = 0;
   const bool counted = CountPorts(*m_program.portSource, count);
   m_seenRevision = m_program.portSource->Revision();
-  if (!counted || count == m_program.connection.portCount) return;
   m_updating = true;
-  Update();
+  if (counted && count != m_program.connection.portCount) Update();
+  m_lostTicks = IsLineLost() ? m_lostTicks + 1 : 0;
+  if (m_lostTicks >= kLossSettled) HandleLostLine();
   m_updating = false;
 }
 
-void PortMonitor::Update() {
+PortEvent PortMonitor::Update() {
   PortConnection& connection = m_program.connection;
   m_before = connection.portNames;
   const PortList before{connection.portCount, m_before};
   m_program.waitIndicator->Show();
   const bool listed = RefreshPortList(*m_program.portSource, connection);
   m_program.waitIndicator->Restore();
-  if (!listed) return;
+  if (!listed) return PortEvent::None;
   // What is decided on is what was listed, whatever happens to the ports while a message is up.
   const PortList now{connection.portCount, connection.portNames};
   m_program.state.tooManyPorts = now.count >= kTooManyPorts;
+  PortEvent event = PortEvent::None;
   if (m_program.state.tooManyPorts) {
     TellTooMany();
   } else {
     m_program.messages->ShowTransientMessage(QStringLiteral("COM port list has been updated."), {});
     const QString port = m_program.state.currentPortName;
-    switch (DecideOnPorts(before, now, connection.connected, port)) {
+    event = DecideOnPorts(before, now, connection.connected, port);
+    switch (event) {
       case PortEvent::Vanished:
         TellVanished(port);
         break;
@@ -96,6 +104,33 @@ void PortMonitor::Update() {
         break;
     }
   }
+  RaiseConnectionRefreshes(m_program.state.requests);
+  return event;
+}
+
+bool PortMonitor::IsLineLost() const {
+  const PortConnection& connection = m_program.connection;
+  return connection.connected && connection.handle.IsOpen() && connection.handle.Line()->IsLost();
+}
+
+void PortMonitor::HandleLostLine() {
+  PortConnection& connection = m_program.connection;
+  m_lostTicks = 0;
+  const QString port = m_program.state.currentPortName;
+  TellVanished(port);
+  std::int32_t count = 0;
+  if (!CountPorts(*m_program.portSource, count)) return;
+  PortEvent event = PortEvent::None;
+  if (count != connection.portCount) {
+    event = Update();
+  } else {
+    // As many as before is no change that is told; but what is offered must be there now.
+    ListPorts();
+    RaiseConnectionRefreshes(m_program.state.requests);
+  }
+  const PortList now{connection.portCount, connection.portNames};
+  if (event == PortEvent::Returned || !IsListed(now, port)) return;
+  OfferToConnect(port);
   RaiseConnectionRefreshes(m_program.state.requests);
 }
 

@@ -30,7 +30,8 @@ PortEvent DecideOnPorts(const PortList& before, const PortList& now, bool connec
                         const QString& currentPortName);
 
 /// Watches the ports present, and acts when the connected one disappears or the configured one comes back.
-/// Only their count is compared: a port exchanged for another goes unnoticed. User-interface thread only.
+/// Only their count is compared: a port exchanged for another goes unnoticed. Not so the connected line: when
+/// it has died it is lost, also where its port was back before anybody looked. User-interface thread only.
 class PortMonitor {
  public:
   PortMonitor(Program& program, MainWindow& window) : m_program(program), m_window(window) {}
@@ -45,10 +46,12 @@ class PortMonitor {
   [[nodiscard]] std::uint32_t TickCount() const { return m_ticks; }
 
  private:
-  void Update();
+  PortEvent Update();
   void TellTooMany();
   void TellVanished(const QString& port);
   void OfferToConnect(const QString& port);
+  [[nodiscard]] bool IsLineLost() const;
+  void HandleLostLine();
 
   Program& m_program;
   MainWindow& m_window;
@@ -56,6 +59,7 @@ class PortMonitor {
   std::uint32_t m_startDelay = 10;
   std::uint32_t m_ticks = 0;
   std::optional<std::uint64_t> m_seenRevision;  ///< of the ports, at the last tick
+  int m_lostTicks = 0;                          ///< for how many ticks the connected line has been dead
   bool m_updating = false;
 };
 

@@ -1,6 +1,4 @@
-#include "app/port_monitor.h"
-
-#include "app/app_fixture.h"
+#include "app/port_monitor_fixture.h"
 
 namespace quarn::test {
 namespace {
@@ -10,12 +8,6 @@ PortList List(const QStringList& names) {
   list.count = static_cast<std::int32_t>(names.size());
   for (qsizetype i = 0; i < names.size(); ++i) list.names[static_cast<std::size_t>(i)] = names[i];
   return list;
-}
-
-QStringList Ports(int count) {
-  QStringList names;
-  for (int i = 1; i <= count; ++i) names.append(QStringLiteral("COM%1").arg(i));
-  return names;
 }
 
 struct Change {
@@ -61,28 +53,6 @@ TEST(DecideOnPorts, LooksForTheConfiguredPortAtTheFirstDifference) {
         << each.before.join(u' ').toStdString() << " to " << each.now.join(u' ').toStdString();
   }
 }
-
-class PortMonitorTest : public AppTest {
- protected:
-  void SetUp() override { MakeFolders(); }
-  /// Lists the ports and lets the first second pass.
-  void StartMonitor() {
-    monitor.ListPorts();
-    for (int i = 0; i < 10; ++i) monitor.Tick();
-    ASSERT_EQ(monitor.TickCount(), 0U);
-  }
-  bool ConnectionRefreshesRaised() {
-    const WindowRequests& asked = program.state.requests;
-    return asked.mainRefresh && asked.terminalRefresh && asked.portNumberRefresh &&
-           asked.detailedListRefresh && asked.portSettingsRefresh;
-  }
-
-  PortMonitor monitor{program, window};
-};
-
-const QString kGone = NotAvailable("COM3");
-const QString kUpdated = QStringLiteral("transient/COM port list has been updated.");
-const QString kOffer = QStringLiteral("yes or no/: Confirmation//Do you want to connect to \"COM3\" ?/");
 
 TEST_F(PortMonitorTest, LetsTheFirstTenTicksPass) {
   monitor.ListPorts();

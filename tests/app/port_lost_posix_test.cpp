@@ -1,0 +1,131 @@
+// The connected line dies, and its port is there again before anybody has looked at the list.
+
+#include "app/port_monitor_fixture.h"
+
+namespace quarn::test {
+namespace {
+
+/// Connected to COM3, whose line dies when a test says so, while other things are listed or not.
+class LostLineTest : public PortMonitorTest {
+ protected:
+  void SetUp() override {
+    PortMonitorTest::SetUp();
+    WriteSettings(program.workingSettingsFile, {});
+    PlugIn(QStringLiteral("COM3"), m_first);
+    Configure(QStringLiteral("COM3"));
+    StartMonitor();
+    program.connection.connected = ConnectPort(program.settings, program.connection, program.Environment());
+    ASSERT_TRUE(program.connection.connected);
+  }
+  /// The device goes and comes back: the same name, another line.
+  void AwayAndBack() {
+    m_first.Close();
+    ASSERT_TRUE(UnplugPort(PortsFolder(m_folder), QStringLiteral("COM3")));
+    PlugPort(PortsFolder(m_folder), QStringLiteral("COM3"), m_second);
+  }
+  void Ticks(int count) {
+    for (int i = 0; i < count; ++i) monitor.Tick();
+  }
+
+  PseudoTerminal m_first;
+  PseudoTerminal m_second;
+  const QStringList kLostAndOffered{"stop timer", kGone, "start timer", "stop timer", kOffer};
+};
+
+TEST_F(LostLineTest, IsToldOnceThoughTheNameIsStillThere) {
+  ports.revision = 1;
+  Ticks(5);
+  EXPECT_EQ(Happened(), QStringList());
+  EXPECT_TRUE(monitor.IsAtRest());
+  AwayAndBack();
+  EXPECT_FALSE(monitor.IsAtRest()) << "nobody else tells of it";
+  messages.answers = {true};
+  whileShown = [this] {
+    if (messages.shown.last() == kGone) EXPECT_TRUE(program.connection.connected) << "not yet";
+    if (messages.shown.last() == kOffer) EXPECT_FALSE(program.connection.connected);
+  };
+  const auto before = program.connection.handle.Line();
+  Ticks(3);
+  EXPECT_EQ(Happened(),
+            kLostAndOffered + (QStringList{"information/: Information//Successfully connected to  \"COM3\"/",
+                                           "start timer"}));
+  EXPECT_TRUE(program.connection.connected);
+  EXPECT_NE(program.connection.handle.Line(), before);
+  EXPECT_FALSE(program.connection.handle.Line()->IsLost());
+  EXPECT_TRUE(ConnectionRefreshesRaised());
+  Ticks(5);
+  EXPECT_EQ(Happened(), QStringList());
+  EXPECT_TRUE(monitor.IsAtRest());
+}
+
+TEST_F(LostLineTest, AnsweredNoForgetsThePort) {
+  AwayAndBack();
+  messages.answers = {false};
+  Ticks(5);
+  EXPECT_EQ(Happened(), kLostAndOffered + QStringList{"start timer"});
+  EXPECT_FALSE(program.connection.connected);
+  EXPECT_EQ(program.state.currentPortName, QStringLiteral("NONE"));
+}
+
+TEST_F(LostLineTest, IsSeenAfterTheMessageAboutAnotherPort) {
+  ports.names.append("COM9");
+  messages.answers = {false};
+  whileShown = [this] {
+    if (messages.shown.last() == kUpdated) AwayAndBack();
+  };
+  Ticks(5);
+  EXPECT_EQ(Happened(), QStringList{kUpdated} + kLostAndOffered + QStringList{"start timer"});
+}
+
+TEST_F(LostLineTest, OfAPortThatIsUnpluggedIsToldAsThat) {
+  m_first.Close();
+  Ticks(2);
+  EXPECT_EQ(Happened(), QStringList()) << "the list is a moment behind";
+  ports.names.clear();
+  Ticks(5);
+  EXPECT_EQ(Happened(), (QStringList{kUpdated, "stop timer", kGone, "start timer"}));
+}
+
+TEST_F(LostLineTest, WithAnotherPortInItsPlaceIsOfferedWhenItIsBack) {
+  m_first.Close();
+  ports.names = {"COM9"};
+  Ticks(5);
+  EXPECT_EQ(Happened(), (QStringList{"stop timer", kGone, "start timer"}));
+  EXPECT_EQ(program.connection.portNames[0], QStringLiteral("COM9"));
+  ports.names = {"COM3", "COM9"};
+  messages.answers = {false};
+  Ticks(5);
+  EXPECT_EQ(Happened(), (QStringList{kUpdated, "stop timer", kOffer, "start timer"}));
+}
+
+TEST_F(LostLineTest, IsOfferedOnceWhateverHappensWhileItIsTold) {
+  AwayAndBack();
+  messages.answers = {false};
+  whileShown = [this] {
+    if (messages.shown.last() == kGone) ports.names.append("COM9");
+  };
+  Ticks(5);
+  EXPECT_EQ(Happened(),
+            (QStringList{"stop timer", kGone, "start timer", kUpdated, "stop timer", kOffer, "start timer"}));
+}
+
+TEST_F(LostLineTest, IsToldWhereThePortsCannotBeListed) {
+  m_first.Close();
+  ports.works = false;
+  Ticks(5);
+  EXPECT_EQ(Happened(), (QStringList{"stop timer", kGone, "start timer"}));
+  EXPECT_FALSE(program.connection.connected);
+}
+
+TEST_F(LostLineTest, IsToldAmongMorePortsThanTheDetailedListShows) {
+  ports.names = Ports(31);
+  Ticks(1);
+  EXPECT_EQ(Happened(), QStringList());
+  m_first.Close();
+  messages.answers = {false};
+  Ticks(5);
+  EXPECT_EQ(Happened(), kLostAndOffered + QStringList{"start timer"});
+}
+
+}  // namespace
+}  // namespace quarn::test

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "app/app_fixture.h"
+#include "app/port_monitor.h"
+
+namespace quarn::test {
+
+/// COM1, COM2 and so on.
+inline QStringList Ports(int count) {
+  QStringList names;
+  for (int i = 1; i <= count; ++i) names.append(QStringLiteral("COM%1").arg(i));
+  return names;
+}
+
+/// The port monitor over the ports that a test lists.
+class PortMonitorTest : public AppTest {
+ protected:
+  void SetUp() override { MakeFolders(); }
+  /// Lists the ports and lets the first second pass.
+  void StartMonitor() {
+    monitor.ListPorts();
+    for (int i = 0; i < 10; ++i) monitor.Tick();
+    ASSERT_EQ(monitor.TickCount(), 0U);
+  }
+  bool ConnectionRefreshesRaised() {
+    const WindowRequests& asked = program.state.requests;
+    return asked.mainRefresh && asked.terminalRefresh && asked.portNumberRefresh &&
+           asked.detailedListRefresh && asked.portSettingsRefresh;
+  }
+
+  PortMonitor monitor{program, window};
+};
+
+inline const QString kGone = NotAvailable("COM3");
+inline const QString kUpdated = QStringLiteral("transient/COM port list has been updated.");
+inline const QString kOffer =
+    QStringLiteral("yes or no/: Confirmation//Do you want to connect to \"COM3\" ?/");
+
+}  // namespace quarn::test
