@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QDialog>
+#include <QEvent>
 #include <QWindow>
 #include <algorithm>
 
@@ -17,6 +18,25 @@ std::vector<const BoxOver*>& BoxesUp() {
 bool IsPlainWindow(const QWidget& window) {
   return window.isVisible() && (window.windowType() == Qt::Dialog || window.windowType() == Qt::Window);
 }
+
+/// Notes whether a box had the keyboard when it went.
+class LastLook final : public QObject {
+ public:
+  explicit LastLook(QWidget& box) { box.installEventFilter(this); }
+  [[nodiscard]] bool WasActive() const { return m_wasActive; }
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    const auto& box = static_cast<const QWidget&>(*watched);
+    // Some systems take the keyboard away before the widget hears of it, others after.
+    if (event->type() == QEvent::WindowDeactivate && box.isHidden()) m_wasActive = true;
+    if (event->type() == QEvent::Hide && box.isActiveWindow()) m_wasActive = true;
+    return false;
+  }
+
+ private:
+  bool m_wasActive = false;
+};
 
 }  // namespace
 
@@ -35,15 +55,19 @@ QWidget* WindowForBox() {
 }
 
 int RunBox(QDialog& box) {
-  QWidget* below = WindowForBox();
+  const QPointer<QWidget> below = WindowForBox();
   const BoxOver over(below);
+  const LastLook look(box);
   // The window system keeps it in front of that window, which it may well outlive: a QWindow forgets one that
   // goes, and takes its handle out of the system's hands first.
   if (below != nullptr && below->windowHandle() != nullptr) {
     box.winId();
     box.windowHandle()->setTransientParent(below->windowHandle());
   }
-  return box.exec();
+  const int result = box.exec();
+  // Not every system gives the keyboard back by itself.
+  if (look.WasActive() && !below.isNull() && below->isVisible()) below->activateWindow();
+  return result;
 }
 
 BoxOver::BoxOver(QWidget* window) {

@@ -18,7 +18,8 @@ namespace quarn {
 [[nodiscard]] QWidget* WindowForBox();
 
 /// Shows the box, which has no parent, over WindowForBox and returns its result when it is gone. No other
-/// window of the program takes input meanwhile.
+/// window of the program takes input meanwhile; the one under it has the keyboard afterwards, if it is still
+/// there.
 int RunBox(QDialog& box);
 
 /// Says for as long as it lives that a box stands over `window` (may be null), and thereby over all that this

@@ -13,6 +13,7 @@ namespace {
 class StartRefused : public Starts {
  protected:
   const QString kScaling = QStringLiteral("Scaling must be 100, 125, 150 or 175(%).");
+  const QString kLimit = QStringLiteral("Quarn cannot go on and ends: a limit has been passed.\n\n");
 
   void ExpectNothingWritten() {
     EXPECT_FALSE(QFileInfo::exists(SettingsFile()));
@@ -44,6 +45,24 @@ TEST_F(StartRefused, WhileAnotherOneRuns) {
   StartProgram();
   terminal = WaitForWindow(kTerminal);
   EXPECT_TRUE(TerminalTitleBecomes(QStringLiteral("Quarn - Terminal Screeen (COM3)  N- INS")));
+}
+
+TEST_F(StartRefused, InFrontOfTheFirstOnesSplash) {
+  StartProgram();
+  ASSERT_TRUE(SplashIsThere());
+  const std::unique_ptr<ProgramRun> second = StartAnother({});
+  const QString box = WaitForWindow(kPlain);
+  ASSERT_FALSE(box.isEmpty());
+  // Above all that is put above the rest: a box without that state lies below the splash.
+  EXPECT_TRUE(Eventually([&] {
+    const QByteArray state =
+        desktop.Run(QStringLiteral("xprop"), {QStringLiteral("-id"), box, QStringLiteral("_NET_WM_STATE")});
+    return state.contains("_NET_WM_STATE_ABOVE");
+  }));
+  AnswerBox(kPlain, QStringLiteral("OK"));
+  const std::optional<ProgramEnd> end = second->WaitForEnd();
+  ASSERT_TRUE(end);
+  EXPECT_FALSE(end->crashed);
 }
 
 TEST_F(StartRefused, WhereNobodyCanTellWhetherAnotherOneRuns) {
@@ -123,6 +142,8 @@ TEST_F(StartRefused, WhereTheMenuDoesNotFitOnOneLine) {
 TEST_F(StartRefused, WithANameThatIsTooLong) {
   constexpr int kLongest = 258;
   const std::unique_ptr<ProgramRun> run = StartAnother({QString(kLongest + 1, QLatin1Char('n'))});
+  Acknowledge(kPlain, {kLimit + QStringLiteral("file name on the command line of 259 characters, at most 258 "
+                                               "fit.")});
   const std::optional<ProgramEnd> end = run->WaitForEnd();
   ASSERT_TRUE(end);
   EXPECT_TRUE(end->crashed);
@@ -135,6 +156,26 @@ TEST_F(StartRefused, WithANameThatIsTooLong) {
   StartProgram({QString(kLongest, QLatin1Char('n'))});
   Acknowledge(kError, {QStringLiteral("QRN file was not found."),
                        QStringLiteral("Failed to load settings from QRN file.")});
+}
+
+TEST_F(StartRefused, WithALineThatIsTooLong) {
+  const QString file = WriteUserFile(QStringLiteral("long.qrn"), {});
+  WriteBytes(file, Bytes(file).replace("MEM0=", "MEM0=" + QByteArray(1024, 'x')));
+  const QByteArray before = Bytes(file);
+  const qsizetype line = before.left(before.indexOf("MEM0=")).count('\n') + 1;
+  const std::unique_ptr<ProgramRun> run = StartAnother({file});
+  Acknowledge(kPlain,
+              {kLimit + QStringLiteral("line of %1 characters, at most 1023 fit.\n\nFile: %2\nLine: %3")
+                            .arg(before.split('\n').at(line - 1).trimmed().size())
+                            .arg(file)
+                            .arg(line)});
+  const std::optional<ProgramEnd> end = run->WaitForEnd();
+  ASSERT_TRUE(end);
+  EXPECT_TRUE(end->crashed);
+  EXPECT_TRUE(end->errors.startsWith("quarn: bounds error: line of ")) << end->errors.toStdString();
+  EXPECT_TRUE(end->errors.endsWith(": line " + QByteArray::number(line) + " of " + file.toLocal8Bit() + '\n'))
+      << end->errors.toStdString();
+  EXPECT_EQ(Bytes(file), before);
 }
 
 TEST_F(StartRefused, ButAnswersOnATerminalWithoutADisplay) {

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <QElapsedTimer>
+#include <QKeyEvent>
 #include <QPushButton>
 #include <memory>
 
@@ -13,6 +14,7 @@ namespace {
 using Action = std::function<void(MessageDialog&)>;
 using Maker = std::function<std::unique_ptr<MessageDialog>()>;
 
+constexpr int kYesId = 1066;
 const QString kConfirmationSuffix = QStringLiteral(": Confirmation");
 const QString kText = QStringLiteral("Exit program without saving?");
 
@@ -86,6 +88,79 @@ TEST_P(Questions, BeginOnTheFirstButton) {
   EXPECT_TRUE(first->hasFocus());
   EXPECT_LT(first->x(), Control<QPushButton>(*box, question.refuse)->x());
 }
+
+TEST_P(Questions, AreAnsweredWithTheFirstLetterOfAButton) {
+  const Question& question = GetParam();
+  const bool yesNo = question.agree == kYesId;
+  const Qt::Key agree = yesNo ? Qt::Key_Y : Qt::Key_O;
+  const Qt::Key refuse = yesNo ? Qt::Key_N : Qt::Key_C;
+  EXPECT_EQ(After(question.make, Keys({agree})), kAgreed);
+  EXPECT_EQ(After(question.make, Keys({refuse})), kRefused);
+  EXPECT_EQ(After(question.make, Keys({Qt::Key_Right, agree})), kAgreed);
+  for (const Qt::KeyboardModifier modifier : {Qt::ShiftModifier, Qt::AltModifier}) {
+    EXPECT_EQ(After(question.make, [&](MessageDialog&) { Press(agree, modifier); }), kAgreed);
+  }
+  const std::unique_ptr<MessageDialog> box = question.make();
+  ShowActive(*box);
+  for (const Qt::Key key : {Qt::Key_A, yesNo ? Qt::Key_O : Qt::Key_Y}) Press(key);
+  Press(agree, Qt::ControlModifier);
+  QKeyEvent repeat(QEvent::KeyPress, agree, Qt::NoModifier, QString(), true);
+  QApplication::sendEvent(QApplication::focusWidget(), &repeat);
+  EXPECT_TRUE(box->isVisible()) << "none of these is an answer";
+}
+
+TEST(MessageAnswers, ABoxWithoutAQuestionIsNotSentAwayByALetter) {
+  CConfirmOK box(nullptr, QStringLiteral(": Information"), QString(), kText, QString());
+  ShowActive(box);
+  Press(Qt::Key_O);
+  EXPECT_TRUE(box.isVisible());
+}
+
+struct HarmlessQuestion {
+  const char* name;
+  Maker make;
+  int agree;
+  int refuse;
+};
+
+class HarmlessAnswers : public testing::TestWithParam<HarmlessQuestion> {};
+
+TEST_P(HarmlessAnswers, AreTheDefaultWhereAgreeingCanLoseSomething) {
+  const HarmlessQuestion& question = GetParam();
+  const std::unique_ptr<MessageDialog> box = question.make();
+  ShowActive(*box);
+  EXPECT_TRUE(Control<QPushButton>(*box, question.refuse)->isDefault());
+  EXPECT_TRUE(Control<QPushButton>(*box, question.refuse)->hasFocus());
+  EXPECT_FALSE(Control<QPushButton>(*box, question.agree)->isDefault());
+  EXPECT_EQ(After(question.make, Keys({Qt::Key_Return})), kRefused);
+  EXPECT_EQ(After(question.make, Keys({Qt::Key_Enter})), kRefused);
+  EXPECT_EQ(After(question.make, Keys({Qt::Key_Space})), kRefused);
+  EXPECT_EQ(After(question.make, Keys({Qt::Key_Left, Qt::Key_Return})), kAgreed);
+  EXPECT_EQ(After(question.make, Click(question.agree)), kAgreed);
+}
+
+constexpr AnswerByDefault kRefuse = AnswerByDefault::Refuse;
+
+INSTANTIATE_TEST_SUITE_P(
+    MessageAnswers, HarmlessAnswers,
+    testing::Values(
+        HarmlessQuestion{"ConfirmYesCancel",
+                         [] {
+                           return std::make_unique<CConfirmYesCancel>(nullptr, kConfirmationSuffix, QString(),
+                                                                      kText, QString(), kRefuse);
+                         },
+                         1, 1314},
+        HarmlessQuestion{"ConfirmYesNo",
+                         [] {
+                           return std::make_unique<CConfirmYesNo>(nullptr, kConfirmationSuffix, QString(),
+                                                                  kText, QString(), kRefuse);
+                         },
+                         kYesId, 2},
+        HarmlessQuestion{"ConfirmSimple",
+                         [] { return std::make_unique<CConfirmSimple>(nullptr, kText, kRefuse); }, 1, 2},
+        HarmlessQuestion{"YesNo", [] { return std::make_unique<CYesNo>(nullptr, kText, kRefuse); }, kYesId,
+                         2}),
+    [](const auto& instance) { return instance.param.name; });
 
 INSTANTIATE_TEST_SUITE_P(
     MessageAnswers, Questions,
