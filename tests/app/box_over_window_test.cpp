@@ -180,6 +180,7 @@ class BoxOverWindow : public BoxStage, public ::testing::WithParamInterface<Belo
       SCOPED_TRACE(kind.name);
       real.state.requests = {};
       ASSERT_NO_FATAL_FAILURE(ShowMain());
+      main->UpdateMenuState();
       ListPorts(3);
       QPointer<QDialog> below =
           GetParam().command != 0 ? Open(GetParam().command) : Activated(GetParam().objectName);
@@ -188,6 +189,8 @@ class BoxOverWindow : public BoxStage, public ::testing::WithParamInterface<Belo
       kind.show();
       EXPECT_EQ(watch.came, 1);
       after(below);
+      // One that was deleted has not said so.
+      if (below.isNull()) real.state.open = {};
     }
   }
 };
