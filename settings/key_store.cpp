@@ -119,7 +119,7 @@ std::optional<QString> ReadWholeText(const QString& path) {
 }
 
 std::optional<QByteArray> ReadWholeBytes(const QString& path) {
-  const std::optional<QByteArray> bytes = ReadBytes(path, kMaxFileBytes + 1);
+  std::optional<QByteArray> bytes = ReadBytes(path, kMaxFileBytes + 1);
   if (!bytes || bytes->size() <= kMaxFileBytes) return bytes;
   qCDebug(lcSettings) << "too large for a settings file:" << path;
   return std::nullopt;
