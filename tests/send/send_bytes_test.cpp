@@ -16,14 +16,14 @@ class SendBytes : public SendProcess {
       return each == '\n' || (each >= ' ' && each <= '~');
     })) << text.toHex(' ').constData();
   }
-  static void ExpectPlain(const SendOutcome& sent) {
+  static void ExpectPlain(const Outcome& sent) {
     ExpectPlain(sent.out);
     ExpectPlain(sent.err);
   }
 };
 
 TEST_F(SendBytes, BytesThatAreGivenAreBytesThatAreSent) {
-  const SendOutcome sent = Shell(R"sh(exec "$0" "$(printf '\377\376')" "$(printf '\303\202\265')")sh");
+  const Outcome sent = Shell(R"sh(exec "$0" "$(printf '\377\376')" "$(printf '\303\202\265')")sh");
   EXPECT_EQ(m_instrument.Received(), "\xff\xfe\r\n\xc3\x82\xb5\r\n");
   EXPECT_EQ(sent.out, "[<0xff><0xfe>]\nERR\n[<0xc3><0x82><0xb5>]\nERR\n");
   EXPECT_EQ(sent.exitCode, 0);
@@ -32,14 +32,14 @@ TEST_F(SendBytes, BytesThatAreGivenAreBytesThatAreSent) {
 TEST_F(SendBytes, AnEightBitLocaleChangesNoneOfThem) {
   const test::MadeLocale latin("ISO-8859-1");
   latin.PutInto(environment);
-  const SendOutcome sent = Shell(R"sh(exec "$0" "$(printf '\265V')")sh");
+  const Outcome sent = Shell(R"sh(exec "$0" "$(printf '\265V')")sh");
   EXPECT_EQ(m_instrument.Received(), "\xb5V\r\n");
   EXPECT_EQ(sent.out, "[<0xb5>V]\nERR\n");
   EXPECT_EQ(sent.err, "");
 }
 
 TEST_F(SendBytes, ACommandForgesNoLineAndSteersNoTerminal) {
-  const SendOutcome sent = Shell(R"sh(exec "$0" "$(printf 'a]\r[id]\rSIM-9\033[1m\302\233')")sh");
+  const Outcome sent = Shell(R"sh(exec "$0" "$(printf 'a]\r[id]\rSIM-9\033[1m\302\233')")sh");
   EXPECT_EQ(sent.out, "[a]<CR>[id]<CR>SIM-9<ESC>[1m<0xc2><0x9b>]\nERR\nERR\nERR\n");
   ExpectPlain(sent);
 }
@@ -51,7 +51,7 @@ TEST_F(SendBytes, WhatAFileOrTheCommandLineBringsSteersNoTerminal) {
                            R"sh(exec "$0" --settings "$(printf '/\033[2J\r\303\266')" id)sh",
                            R"sh(exec "$0" --settings "$(printf '/\377\033')" id)sh",
                            R"sh(exec "$0" "$(printf '%s\033[2J' -)")sh"}) {
-    const SendOutcome sent = Shell(line);
+    const Outcome sent = Shell(line);
     EXPECT_NE(sent.exitCode, 0) << line;
     EXPECT_TRUE(sent.err.contains("<ESC>")) << sent.err.constData();
     ExpectPlain(sent);
@@ -65,7 +65,7 @@ TEST_F(SendBytes, OutputThatCannotBeWrittenIs74WithTheReason) {
          {std::pair{">/dev/full", "No space left on device"}, std::pair{">&-", "Bad file descriptor"},
           std::pair{"<&- >&-", "Bad file descriptor"}}) {
       const QByteArray line = QByteArray("exec \"$0\" ") + arguments + ' ' + where;
-      const SendOutcome sent = Shell(line.constData());
+      const Outcome sent = Shell(line.constData());
       EXPECT_EQ(sent.exitCode, 74) << line.constData();
       EXPECT_EQ(sent.err, QByteArray("quarn-send: standard output: ") + reason + '\n') << line.constData();
     }
@@ -78,7 +78,7 @@ TEST_F(SendBytes, WithoutAPlaceToPrintNoFurtherCommandIsSent) {
 }
 
 TEST_F(SendBytes, APipeThatNobodyReadsIsNoSilentEnd) {
-  const SendOutcome sent = Shell("{ \"$0\" id id; echo $? >&2; } | :");
+  const Outcome sent = Shell("{ \"$0\" id id; echo $? >&2; } | :");
   EXPECT_EQ(sent.err, "quarn-send: standard output: Broken pipe\n74\n");
   EXPECT_EQ(m_instrument.Received(), "id\r\n");
 }

@@ -12,7 +12,7 @@
 
 namespace quarn {
 
-inline constexpr int kSendPatienceMs = 90'000;
+inline constexpr int kPatienceMs = 90'000;
 
 inline constexpr char kSendRules[] =
     "\"id\" -> line \"SIM-1\"\n"
@@ -25,7 +25,7 @@ inline constexpr char kSendRules[] =
     "\"bytes\" -> \"\\x02A\\x05\\r\\n\\x7f\\xff\\r\\n\"\n"
     "* -> line \"ERR\"";
 
-struct SendOutcome {
+struct Outcome {
   int exitCode = -1;
   QByteArray out;
   QByteArray err;
@@ -70,23 +70,23 @@ class SendProcess : public testing::Test {
     if (inChild) process.setChildProcessModifier(inChild);
     process.start(program, arguments);
   }
-  [[nodiscard]] SendOutcome Run(const QString& program, const QStringList& arguments,
-                                const std::function<void()>& inChild = {}) const {
+  [[nodiscard]] Outcome Run(const QString& program, const QStringList& arguments,
+                            const std::function<void()>& inChild = {}) const {
     QProcess process;
     Start(process, program, arguments, inChild);
-    EXPECT_TRUE(process.waitForFinished(kSendPatienceMs));
+    EXPECT_TRUE(process.waitForFinished(kPatienceMs));
     EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
     return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
   }
-  [[nodiscard]] SendOutcome Send(const QStringList& arguments) const {
+  [[nodiscard]] Outcome Send(const QStringList& arguments) const {
     return Run(QStringLiteral(QUARN_SEND), arguments);
   }
   /// Runs a line of the shell, in which "$0" is the program: for bytes that are no text, and redirections.
-  [[nodiscard]] SendOutcome Shell(const char* line, const std::function<void()>& inChild = {}) const {
+  [[nodiscard]] Outcome Shell(const char* line, const std::function<void()>& inChild = {}) const {
     return Run(QStringLiteral("/bin/sh"),
                {QStringLiteral("-c"), QString::fromLatin1(line), QStringLiteral(QUARN_SEND)}, inChild);
   }
-  [[nodiscard]] SendOutcome Send(const char* line) const {
+  [[nodiscard]] Outcome Send(const char* line) const {
     return Send(QString::fromLatin1(line).split(u' ', Qt::SkipEmptyParts));
   }
 

@@ -20,7 +20,7 @@ namespace quarn {
 namespace {
 
 TEST_F(SendProcess, PrintsCommandAndResponseAsTheLogShowsThem) {
-  const SendOutcome sent = Send("id bytes");
+  const Outcome sent = Send("id bytes");
   EXPECT_EQ(sent.out, "[id]\nSIM-1\n[bytes]\n<STX>A<ENG>\n<DEL><0xff>\n");
   EXPECT_EQ(sent.err, "");
   EXPECT_EQ(sent.exitCode, 0);
@@ -29,19 +29,19 @@ TEST_F(SendProcess, PrintsCommandAndResponseAsTheLogShowsThem) {
 
 TEST_F(SendProcess, ATimeoutIsOne) {
   UseSettings({{"COM_BPS=", "115200"}, {"COM_BUF=", "6K"}, {"R_TIMEOUT=", "ON"}});
-  const SendOutcome sent = Send("mute");
+  const Outcome sent = Send("mute");
   EXPECT_EQ(sent.exitCode, 1);
   EXPECT_EQ(sent.out, "[mute]\nError: Response Timeout Error\n\n");
 }
 
 TEST_F(SendProcess, AnEmptyResponseIsTwo) {
-  const SendOutcome sent = Send("empty");
+  const Outcome sent = Send("empty");
   EXPECT_EQ(sent.exitCode, 2);
   EXPECT_EQ(sent.out, "[empty]\nError: Received Invalid Data\n\n");
 }
 
 TEST_F(SendProcess, ATruncatedResponseIsThree) {
-  const SendOutcome sent = Send("big");
+  const Outcome sent = Send("big");
   EXPECT_EQ(sent.exitCode, 3);
   EXPECT_TRUE(sent.out.endsWith("\n...\nError: Receive Buffer Overflow > 1500 (MAX. 1024)\n\n"))
       << sent.out.constData();
@@ -54,7 +54,7 @@ TEST_F(SendProcess, TheLastCommandDecides) {
 
 TEST_F(SendProcess, AfterATimeoutTheNextCommandIsSent) {
   UseSettings({{"COM_BPS=", "115200"}, {"COM_BUF=", "6K"}, {"R_TIMEOUT=", "ON"}});
-  const SendOutcome sent = Send("mute id");
+  const Outcome sent = Send("mute id");
   EXPECT_EQ(sent.exitCode, 0);
   EXPECT_EQ(sent.out, "[mute]\nError: Response Timeout Error\n\n[id]\nSIM-1\n");
 }
@@ -68,27 +68,27 @@ TEST_F(SendProcess, RawIsTheResponseByteForByte) {
 }
 
 TEST_F(SendProcess, RawOfATruncatedResponseIsWhatWasKept) {
-  const SendOutcome sent = Send("--raw big");
+  const Outcome sent = Send("--raw big");
   EXPECT_EQ(sent.out, QByteArray(1024, 'x'));
   EXPECT_EQ(sent.exitCode, 3);
 }
 
 TEST_F(SendProcess, RawOfNoResponseIsNothing) {
   UseSettings({{"COM_BPS=", "115200"}, {"COM_BUF=", "6K"}, {"R_TIMEOUT=", "ON"}});
-  const SendOutcome sent = Send("--raw id mute");
+  const Outcome sent = Send("--raw id mute");
   EXPECT_EQ(sent.out, "SIM-1\r\n") << "the response before is not this command's";
   EXPECT_EQ(sent.exitCode, 1);
 }
 
 TEST_F(SendProcess, ALineThatFailsIsFiveWithTheCommandThatWaited) {
-  const SendOutcome sent = Send("id drop id");
+  const Outcome sent = Send("id drop id");
   EXPECT_EQ(sent.exitCode, 5);
   EXPECT_EQ(sent.err, "quarn-send: the line failed while \"drop\" waited for its response\n");
   EXPECT_EQ(m_instrument.Received(), "id\r\ndrop\r\n") << "nothing is sent on a line that has failed";
 }
 
 TEST_F(SendProcess, RawOfALineThatFailsIsWhatCameBefore) {
-  const SendOutcome sent = Send("--raw id drop");
+  const Outcome sent = Send("--raw id drop");
   EXPECT_EQ(sent.out, "SIM-1\r\n") << "the response before is not this command's";
   EXPECT_EQ(sent.exitCode, 5);
 }
@@ -101,7 +101,7 @@ TEST_F(SendProcess, ThePortCanBeNamed) {
 
 TEST_F(SendProcess, TheSettingsFileCanBeNamed) {
   WriteSettings(Path("other.qrn"), {{"DELIMITER=", "LF"}});
-  const SendOutcome sent = Send({QStringLiteral("--settings"), Path("other.qrn"), QStringLiteral("id")});
+  const Outcome sent = Send({QStringLiteral("--settings"), Path("other.qrn"), QStringLiteral("id")});
   EXPECT_EQ(sent.exitCode, 0);
   EXPECT_EQ(sent.out, "[id]\nSIM-1\n");
   EXPECT_EQ(m_instrument.Received(), "id\n");
@@ -109,7 +109,7 @@ TEST_F(SendProcess, TheSettingsFileCanBeNamed) {
 
 TEST_F(SendProcess, AMissingSettingsFileIsFiveWithItsName) {
   const QString missing = Path("missing.qrn");
-  const SendOutcome sent = Send({QStringLiteral("--settings"), missing, QStringLiteral("id")});
+  const Outcome sent = Send({QStringLiteral("--settings"), missing, QStringLiteral("id")});
   EXPECT_EQ(sent.exitCode, 5);
   EXPECT_EQ(sent.out, "");
   EXPECT_EQ(sent.err, "quarn-send: " + missing.toUtf8() + ": no such settings file\n");
@@ -117,7 +117,7 @@ TEST_F(SendProcess, AMissingSettingsFileIsFiveWithItsName) {
 
 TEST_F(SendProcess, WithoutAWorkingSettingsFileItIsFiveToo) {
   ASSERT_TRUE(QFile::remove(Path("Halvo/Quarn/Quarn.ini")));
-  const SendOutcome sent = Send("id");
+  const Outcome sent = Send("id");
   EXPECT_EQ(sent.exitCode, 5);
   EXPECT_TRUE(sent.err.endsWith("Quarn.ini: no such settings file\n")) << sent.err.constData();
 }
@@ -146,7 +146,7 @@ TEST_F(SendProcess, WhatOnlyReadsSettingsMakesNoFolders) {
 TEST_F(SendProcess, ADamagedSettingsFileIsFiveWithItsName) {
   const QString working = Path("Halvo/Quarn/Quarn.ini");
   ASSERT_TRUE(QFile::resize(working, 60));
-  const SendOutcome sent = Send("id");
+  const Outcome sent = Send("id");
   EXPECT_EQ(sent.exitCode, 5);
   EXPECT_EQ(sent.err, "quarn-send: " + working.toUtf8() + ": not a complete settings file\n");
   EXPECT_EQ(m_instrument.Received(), "");
@@ -161,7 +161,7 @@ TEST_F(SendProcess, ANumberThatNoPortHasIsToldWithWhatToDo) {
 }
 
 TEST_F(SendProcess, APortThatIsNotPresentIsFiveWithItsName) {
-  const SendOutcome sent = Send("--port COM98 id");
+  const Outcome sent = Send("--port COM98 id");
   EXPECT_EQ(sent.exitCode, 5);
   EXPECT_EQ(sent.out, "");
   EXPECT_EQ(sent.err, "quarn-send: COM98 is not present\n");
@@ -170,7 +170,7 @@ TEST_F(SendProcess, APortThatIsNotPresentIsFiveWithItsName) {
 TEST_F(SendProcess, APortInUseIsFiveWithItsReason) {
   const OpenResult mine = OpenTerminalDevice(m_instrument.NodePath());
   ASSERT_TRUE(mine.line);
-  const SendOutcome sent = Send("id");
+  const Outcome sent = Send("id");
   EXPECT_EQ(sent.exitCode, 5);
   QFile name(QStringLiteral("/proc/self/comm"));
   ASSERT_TRUE(name.open(QIODevice::ReadOnly));
@@ -181,7 +181,7 @@ TEST_F(SendProcess, APortInUseIsFiveWithItsReason) {
 
 TEST_F(SendProcess, ALineThatNoUartHasIsFiveWithTheReason) {
   UseSettings({{"COM_BITS=", "8"}, {"COM_STOP=", "1.5"}});
-  const SendOutcome sent = Send("id");
+  const Outcome sent = Send("id");
   EXPECT_EQ(sent.exitCode, 5);
   EXPECT_TRUE(sent.err.contains("Failed to set serial port state\n")) << sent.err.constData();
   EXPECT_TRUE(sent.err.contains("data and stop bits")) << sent.err.constData();
@@ -201,11 +201,11 @@ TEST_F(SendProcess, CtrlCIsFourAndPutsTheLineBack) {
   ASSERT_EQ(::tcsetattr(line.Get(), TCSANOW, &untouched), 0);
   QProcess process;
   Start(process, QStringLiteral(QUARN_SEND), {QStringLiteral("mute"), QStringLiteral("id")});
-  const QDeadlineTimer patience(kSendPatienceMs);
+  const QDeadlineTimer patience(kPatienceMs);
   while (m_instrument.Received() != "mute\r\n" && !patience.hasExpired()) QThread::msleep(1);
   EXPECT_EQ(state().c_lflag & (ECHO | ICANON), 0U);
   ASSERT_EQ(::kill(static_cast<pid_t>(process.processId()), SIGINT), 0);
-  ASSERT_TRUE(process.waitForFinished(kSendPatienceMs));
+  ASSERT_TRUE(process.waitForFinished(kPatienceMs));
   EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
   EXPECT_EQ(process.exitCode(), 4);
   EXPECT_EQ(process.readAllStandardOutput(), "[mute]\nWarning: Aborted by ESC Key\n\n");
@@ -215,7 +215,7 @@ TEST_F(SendProcess, CtrlCIsFourAndPutsTheLineBack) {
 
 TEST_F(SendProcess, WrongUsageIs64) {
   for (const char* line : {"", "--loud id", "id --port", "-h", "-p COM7 id", "id -", "--port COM7 -5"}) {
-    const SendOutcome sent = Send(line);
+    const Outcome sent = Send(line);
     EXPECT_EQ(sent.exitCode, 64) << line;
     EXPECT_EQ(sent.out, "") << line;
     EXPECT_TRUE(sent.err.startsWith("quarn-send: ")) << line;
@@ -225,11 +225,11 @@ TEST_F(SendProcess, WrongUsageIs64) {
 }
 
 TEST_F(SendProcess, HelpAndVersionGoToStandardOutput) {
-  const SendOutcome help = Send("--help");
+  const Outcome help = Send("--help");
   EXPECT_EQ(help.exitCode, 0);
   EXPECT_TRUE(help.out.startsWith("usage: quarn-send"));
   EXPECT_EQ(help.err, "");
-  const SendOutcome version = Send("--version");
+  const Outcome version = Send("--version");
   EXPECT_EQ(version.exitCode, 0);
   EXPECT_EQ(version.out, "quarn-send 1.00\n");
 }

@@ -9,7 +9,7 @@ namespace {
 
 class SendRefused : public SendProcess {
  protected:
-  void ExpectRefused(const SendOutcome& sent, int status, const QByteArray& reason) const {
+  void ExpectRefused(const Outcome& sent, int status, const QByteArray& reason) const {
     EXPECT_EQ(sent.exitCode, status);
     EXPECT_EQ(sent.out, "");
     EXPECT_EQ(sent.err, "quarn-send: " + reason + '\n');
@@ -40,7 +40,7 @@ TEST_F(SendRefused, ACommandThatWouldBeCutAtItsOwnEnd) {
 }
 
 TEST_F(SendRefused, ACommandMayBringItsOwnEnd) {
-  const SendOutcome sent = Send({QStringLiteral("id\r\n")});
+  const Outcome sent = Send({QStringLiteral("id\r\n")});
   EXPECT_EQ(sent.out, "[id<CR><LF>]\nSIM-1\n");
   EXPECT_EQ(m_instrument.Received(), "id\r\n");
 }

@@ -12,7 +12,7 @@ namespace {
 
 class SendSurroundings : public SendProcess {
  protected:
-  [[nodiscard]] SendOutcome SendIn(const std::function<void()>& inChild, const QStringList& arguments) const {
+  [[nodiscard]] Outcome SendIn(const std::function<void()>& inChild, const QStringList& arguments) const {
     return Run(QStringLiteral(QUARN_SEND), arguments, inChild);
   }
 };
@@ -21,8 +21,7 @@ TEST_F(SendSurroundings, WithoutAThreadItIsFiveWithTheReason) {
   const auto forbid = [] {
     if (!test::ForbidThreads()) std::_Exit(99);
   };
-  const SendOutcome sent =
-      SendIn(forbid, {QStringLiteral("--raw"), QStringLiteral("id"), QStringLiteral("id")});
+  const Outcome sent = SendIn(forbid, {QStringLiteral("--raw"), QStringLiteral("id"), QStringLiteral("id")});
   EXPECT_EQ(sent.exitCode, 5);
   EXPECT_EQ(sent.out, "");
   EXPECT_EQ(
@@ -34,7 +33,7 @@ TEST_F(SendSurroundings, WithoutAThreadItIsFiveWithTheReason) {
 /// However far it gets: it works, or the reason is the one there is, in one line.
 TEST_F(SendSurroundings, WithoutDescriptorsItIsFiveWithTheReason) {
   int refused = 0;
-  SendOutcome sent;
+  Outcome sent;
   for (rlim_t most = 4; most <= 24 && sent.exitCode != 0; ++most) {
     const auto limit = [most] {
       const rlimit few{most, most};
@@ -74,7 +73,7 @@ TEST_F(SendSurroundings, AnAnswerThatComesWhileTheProcessIsStoppedIsShown) {
   ASSERT_TRUE(Eventually(
       [&] { return m_instrument.Answers() == 1 && std::chrono::steady_clock::now() - stopped > kStop; }));
   ASSERT_EQ(::kill(static_cast<pid_t>(process.processId()), SIGCONT), 0);
-  ASSERT_TRUE(process.waitForFinished(kSendPatienceMs));
+  ASSERT_TRUE(process.waitForFinished(kPatienceMs));
   EXPECT_EQ(process.exitCode(), 0);
   EXPECT_EQ(process.readAllStandardOutput(), "[late]\nSIM-1\n");
 }
