@@ -1,5 +1,9 @@
+#include <unistd.h>
+
+#include <array>
 #include <numeric>
 
+#include "serial/uninterrupted_posix.h"
 #include "tests/line/pty_line_test.h"
 
 namespace quarn {
@@ -35,6 +39,19 @@ TEST_F(PosixLineIo, WhatComesInIsNotEchoed) {
   ASSERT_EQ(Read(6).bytes, "echo?\r");
   Write("!");
   EXPECT_EQ(FarReceives(1), "!");
+}
+
+/// A process may have been stopped past the end of its read's time: what came meanwhile counts all the same.
+TEST(PollLine, LooksOnceHoweverLateItIs) {
+  std::array<int, 2> ends{};
+  ASSERT_EQ(::pipe(ends.data()), 0);
+  std::array<pollfd, 2> polled = {pollfd{ends[0], POLLIN, 0}, pollfd{-1, 0, 0}};
+  const auto past = LineClock::now() - std::chrono::hours(1);
+  EXPECT_EQ(PollLine(polled, past), 0);
+  ASSERT_EQ(::write(ends[1], "x", 1), 1);
+  EXPECT_EQ(PollLine(polled, past), 1);
+  EXPECT_NE(polled[0].revents & POLLIN, 0);
+  for (const int each : ends) ::close(each);
 }
 
 TEST_F(PosixLineIo, AReadEndsWhenTheBufferIsFull) {

@@ -61,6 +61,14 @@ TEST_F(Execute, AResponseIsLogged) {
   EXPECT_EQ(m_connection.command, "id");
 }
 
+TEST_F(Execute, ACommandForgesNoLineOfTheLog) {
+  ReadGives("A\r");
+  m_settings.delimiter = QStringLiteral("LF");
+  EXPECT_EQ(RunCommand("a]\r[b]\rB\x1b[1m\x7f"), TransactionResult::Received);
+  EXPECT_EQ(m_line->written, "a]\r[b]\rB\x1b[1m\x7f\n") << "what is sent is what was asked for";
+  EXPECT_EQ(Lines(), (Log{"[a]<CR>[b]<CR>B<ESC>[1m<DEL>]\r", "A\r"}));
+}
+
 TEST_F(Execute, CommandsFollowEachOtherInTheLog) {
   ReadGives("A\r");
   RunCommand("a");
