@@ -3,6 +3,8 @@
 #include <QGuiApplication>
 #include <QKeyEvent>
 
+#include "ui/key_state.h"
+
 namespace quarn {
 
 EscapeKey& EscapeKey::OfProgram() {
@@ -20,7 +22,12 @@ EscapeKey::EscapeKey() : QObject(QCoreApplication::instance()), m_focus(QGuiAppl
   StayInFront();
 }
 
-bool EscapeKey::IsDown() const { return m_down && QGuiApplication::focusWindow() != nullptr; }
+bool EscapeKey::IsDown() {
+  if (!m_down || QGuiApplication::focusWindow() == nullptr) return false;
+  // It may have been let go while another program had the keyboard for a moment.
+  m_down = IsKeyDown(m_scanCode).value_or(true);
+  return m_down;
+}
 
 void EscapeKey::StayInFront() { QCoreApplication::instance()->installEventFilter(this); }
 
@@ -31,7 +38,9 @@ bool EscapeKey::eventFilter(QObject* receiver, QEvent* event) {
   if (!event->spontaneous()) return false;
   const auto& key = static_cast<const QKeyEvent&>(*event);
   // Some systems tell of a repeat as of a release and a press.
-  if (key.key() == Qt::Key_Escape && (pressed || !key.isAutoRepeat())) m_down = pressed;
+  if (key.key() != Qt::Key_Escape || (!pressed && key.isAutoRepeat())) return false;
+  m_down = pressed;
+  m_scanCode = key.nativeScanCode();
   return false;
 }
 
