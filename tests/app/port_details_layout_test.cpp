@@ -62,13 +62,14 @@ TEST_F(PortDetailsDialog, HeightFollowsTheRows) {
 TEST_F(PortDetailsDialog, LongDescriptionsAreWholeInTheToolTip) {
   ports.names = {QStringLiteral("COM1")};
   List();
-  ports.names = {QString(60, u'W') + QStringLiteral("<b>) - /dev/ttyUSB0 (COM1")};
+  ports.names = {QString(40, u'W') + QStringLiteral("<b>) - /dev/ttyUSB0 (COM1")};
   Open();
   const QString whole = QStringLiteral("Adapter (%1)").arg(ports.names.first());
   EXPECT_LE(Description(0).sizeHint().width(), Description(0).width());
   EXPECT_TRUE(Description(0).text().endsWith("(COM1)"));
   EXPECT_TRUE(Description(0).text().contains(QChar(0x2026)));
-  EXPECT_EQ(Description(0).toolTip(), whole);
+  EXPECT_EQ(Description(0).toolTip(),
+            QStringLiteral("<span style=\"white-space:pre\">%1</span>").arg(whole.toHtmlEscaped()));
   EXPECT_EQ(Description(0).accessibleName(), whole);
   EXPECT_TRUE(Description(0).text().endsWith(" - /dev/ttyUSB0 (COM1)")) << "the product gives way first";
   ports.names = {QString(200, u'W') + QStringLiteral(" (COM1")};
