@@ -28,7 +28,7 @@ bool IsThisUsersAlone(const QString& folder) {
 /// The session's own folder, gone with the session, where the system sets one up. Otherwise the one of the
 /// settings, which are what the lock is for: no place that another user could take first.
 QString FolderOfLock() {
-  const QString session = QDir::cleanPath(qEnvironmentVariable("XDG_RUNTIME_DIR"));
+  QString session = QDir::cleanPath(qEnvironmentVariable("XDG_RUNTIME_DIR"));
   if (QDir::isAbsolutePath(session)) {
     ::mkdir(QFile::encodeName(session).constData(), kPrivateFolder);
     if (IsThisUsersAlone(session)) return session;
