@@ -1,6 +1,9 @@
 // The program where the system gives it less than it needs.
 
+#include <linux/capability.h>
+#include <sys/prctl.h>
 #include <sys/resource.h>
+#include <unistd.h>
 
 #include <csignal>
 
@@ -52,6 +55,34 @@ TEST_F(SendSurroundings, WithoutDescriptorsItIsFiveWithTheReason) {
   EXPECT_GT(refused, 0);
   EXPECT_EQ(sent.exitCode, 0) << "with enough of them it works";
   EXPECT_EQ(sent.out, "[id]\nSIM-1\n");
+}
+
+/// Root, too, may then read only what its owner may.
+void BeLikeOtherUsers() {
+  if (::geteuid() != 0) return;
+  for (const int each : {CAP_DAC_OVERRIDE, CAP_DAC_READ_SEARCH}) {
+    if (::prctl(PR_CAPBSET_DROP, static_cast<unsigned long>(each), 0UL, 0UL, 0UL) != 0) std::_Exit(99);
+  }
+}
+
+TEST_F(SendSurroundings, SettingsThatMayNotBeReadAreFiveWithTheReason) {
+  const QString file = Path("Halvo/Quarn/Quarn.ini");
+  ASSERT_TRUE(QFile::setPermissions(file, {}));
+  const Outcome sent = SendIn(BeLikeOtherUsers, {QStringLiteral("id")});
+  EXPECT_EQ(sent.exitCode, 5);
+  EXPECT_EQ(sent.err, "quarn-send: " + file.toUtf8() + ": Permission denied\n");
+  EXPECT_EQ(m_instrument.Received(), "");
+}
+
+/// Without its folder of numbers a port is not "not present".
+TEST_F(SendSurroundings, NumbersThatMayNotBeReadAreFiveWithTheReason) {
+  const QString folder = Path("Halvo/Quarn/ports");
+  ASSERT_TRUE(QFile::setPermissions(folder, {}));
+  const Outcome sent = SendIn(BeLikeOtherUsers, {QStringLiteral("id")});
+  ASSERT_TRUE(QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+  EXPECT_EQ(sent.exitCode, 5);
+  EXPECT_TRUE(sent.err.endsWith("ports: Permission denied\n")) << sent.err.constData();
+  EXPECT_EQ(m_instrument.Received(), "");
 }
 
 bool IsStopped(qint64 process) {
