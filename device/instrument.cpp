@@ -14,7 +14,6 @@ namespace quarn::device {
 namespace {
 
 constexpr char kStx = 0x02;
-constexpr char kEtx = 0x03;
 
 std::size_t EndOfFraming(const std::string& received, std::size_t end) {
   const bool crLf = received[end] == '\r' && end + 1 < received.size() && received[end + 1] == '\n';
