@@ -65,7 +65,7 @@ int CodeOf(const QEvent& event) {
     case QEvent::MouseButtonPress:
     case QEvent::MouseButtonDblClick:
     case QEvent::MouseButtonRelease:
-      return static_cast<const QMouseEvent&>(event).button();
+      return static_cast<int>(static_cast<const QMouseEvent&>(event).button());
     default:
       return 0;
   }

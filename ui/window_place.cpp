@@ -58,17 +58,18 @@ void WindowPlace::timerEvent(QTimerEvent* event) {
 }
 
 void WindowPlace::Look() {
-  const QWindow& window = *m_window.windowHandle();
+  const QWindow* window = m_window.windowHandle();
+  if (window == nullptr) return;
   if (m_frameDue.hasExpired()) TakeForFrameless(m_window);
   const bool asReckoned = FrameOf(m_window) == m_frame;
-  if (m_end.hasExpired() || (asReckoned && !window.frameMargins().isNull())) {
+  if (m_end.hasExpired() || (asReckoned && !window->frameMargins().isNull())) {
     m_timer.stop();
     return;
   }
   if (asReckoned || !IsFrameKnown(m_window)) return;
   // Its place and its frame come from the system one after the other: until they fit, there is nothing to
   // see.
-  const QPoint stands = window.framePosition();
+  const QPoint stands = window->framePosition();
   if (m_window.pos() == stands && (stands - m_at).manhattanLength() <= kRounding) Move();
 }
 
