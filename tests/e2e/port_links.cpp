@@ -7,6 +7,7 @@
 #include <QDir>
 #include <QFile>
 #include <array>
+#include <cstdio>
 
 namespace quarn::test {
 
@@ -19,10 +20,18 @@ bool PortLinks::Add(const QString& name, const QString& device) {
   return QFile::link(device, m_folder + QLatin1Char('/') + name);
 }
 
+bool PortLinks::Lead(const QString& name, const QString& device) {
+  const QString beside = m_folder + QStringLiteral("/beside");
+  return QFile::link(device, beside) &&
+         ::rename(QFile::encodeName(beside).constData(),
+                  QFile::encodeName(m_folder + QLatin1Char('/') + name).constData()) == 0;
+}
+
 bool PortLinks::Remove(const QString& name) { return QFile::remove(m_folder + QLatin1Char('/') + name); }
 
 QStringList PortLinks::Names() const {
-  return QDir(m_folder).entryList(QDir::NoDotAndDotDot | QDir::AllEntries | QDir::System, QDir::Name);
+  return QDir(m_folder).entryList({QStringLiteral("COM*")},
+                                  QDir::NoDotAndDotDot | QDir::AllEntries | QDir::System, QDir::Name);
 }
 
 bool PortLinks::AddSilent(int count, int first) {

@@ -16,6 +16,8 @@ class PortLinks {
 
   /// Makes the device a port, in place of what had that name.
   bool Add(const QString& name, const QString& device);
+  /// Lets a port lead to another device; at every moment it leads to one.
+  bool Lead(const QString& name, const QString& device);
   bool Remove(const QString& name);
   /// All there are, also those whose device has gone; sorted.
   [[nodiscard]] QStringList Names() const;

@@ -92,6 +92,25 @@ TEST_F(PortWatch, ThePortGoesAndComesBackAndIsRefused) {
   EXPECT_TRUE(PortItemsBecome(false, false, false));
 }
 
+TEST_F(PortWatch, ALineThatDiesUnderItsNameIsLost) {
+  StartConnected("* -> line \"OK\"");
+  ASSERT_TRUE(MainTitleBecomes(QStringLiteral("Quarn   (COM3)")));
+  EnterCommand(QStringLiteral("id"));
+  ASSERT_TRUE(WireBecomes("id\r"));
+  auto next = std::make_unique<ServedInstrument>("* -> line \"again\"");
+  ASSERT_TRUE(portLinks.Lead(kPort, next->NodePath()));
+  instrument = std::move(next);
+  Acknowledge(kError, kNotAvailable);
+  EXPECT_TRUE(BoxSays(kConfirmation, kQuestion));
+  EXPECT_TRUE(MainTitleBecomes(QStringLiteral("Quarn   (COM3-NC)")));
+  EXPECT_TRUE(desktop.Windows(kError).isEmpty()) << "told more than once";
+  Answer(kQuestion, kYes);
+  Acknowledge(kInformation, {QStringLiteral("Successfully connected to  \"COM3\"")});
+  EXPECT_TRUE(MainTitleBecomes(QStringLiteral("Quarn   (COM3)")));
+  EnterCommand();
+  EXPECT_TRUE(WireBecomes("id\r"));
+}
+
 TEST_F(PortWatch, AnotherPortIsOnlyAnnounced) {
   StartConnected("* -> line \"OK\"");
   ASSERT_TRUE(MainTitleBecomes(QStringLiteral("Quarn   (COM3)")));
