@@ -4,8 +4,6 @@
 
 #include <algorithm>
 #include <limits>
-#include <system_error>
-#include <thread>
 #include <utility>
 
 namespace quarn {
@@ -41,11 +39,19 @@ std::shared_ptr<CommTransfer> CommTransfer::Write(std::shared_ptr<CommHandle> ha
 }
 
 std::shared_ptr<CommTransfer> CommTransfer::Start(std::shared_ptr<CommTransfer> transfer) {
-  try {
-    std::thread([transfer] { transfer->Run(); }).detach();
-  } catch (const std::system_error&) {
-    return nullptr;
-  }
+  // The system's own thread: of the library's, one that was detached has been seen to vanish before it had
+  // run.
+  auto own = std::make_unique<std::shared_ptr<CommTransfer>>(transfer);
+  const auto run = [](void* parameter) -> DWORD {
+    const std::unique_ptr<std::shared_ptr<CommTransfer>> held(
+        static_cast<std::shared_ptr<CommTransfer>*>(parameter));
+    (*held)->Run();
+    return 0;
+  };
+  const HANDLE thread = CreateThread(nullptr, 0, run, own.get(), 0, nullptr);
+  if (thread == nullptr) return nullptr;
+  (void)own.release();  // NOLINT(bugprone-unused-return-value): the thread's now
+  CloseHandle(thread);
   return transfer;
 }
 
