@@ -2,6 +2,7 @@
 
 #include "identity.h"
 #include "send/command_line_options.h"
+#include "send/console_characters.h"
 #include "send/exit_status.h"
 #include "send/sender.h"
 #include "send/standard_output.h"
@@ -29,6 +30,7 @@ int Run(const send::Options& options) {
 
 int main(int argc, char* argv[]) {
   quarn::OccupyStandardStreams();
+  send::SpeakToConsoleInSystemEncoding();
   send::ComplainOfWarnings();
   const int status = Run(send::ParseArguments(send::ArgumentsOf(argc, argv)));
   if (status == send::kNotPrinted) return status;

@@ -1,0 +1,7 @@
+#include "send/console_characters.h"
+
+namespace quarn::send {
+
+void SpeakToConsoleInSystemEncoding() {}
+
+}  // namespace quarn::send
