@@ -44,6 +44,7 @@ Win32SerialLine::~Win32SerialLine() { Close(); }
 bool Win32SerialLine::FailWith(unsigned long code) {
   LineFailure failure = FailureOnOpenLine(code, m_device);
   const Lock lock(m_meeting->mutex);
+  if (failure.kind == LineError::Disconnected && !m_closing) m_lost = true;
   m_failure = std::move(failure);
   return false;
 }
@@ -146,6 +147,24 @@ bool Win32SerialLine::ClearError() {
   const auto handle = UsableHandle();
   DWORD errors = 0;
   return handle && Conclude(ClearCommError(handle->Get(), &errors, nullptr) != FALSE);
+}
+
+bool Win32SerialLine::IsLost() {
+  std::shared_ptr<CommHandle> handle;
+  {
+    const Lock lock(m_meeting->mutex);
+    if (!m_handle || m_closing) return false;
+    // Where the system does one thing at a time on a line, a read would hold this up.
+    if (m_lost || m_inIo || m_leftBehind) return m_lost;
+    handle = m_handle;
+  }
+  DCB dcb{};
+  dcb.DCBlength = sizeof dcb;
+  if (GetCommState(handle->Get(), &dcb) != FALSE) return false;
+  const bool lost = FailureOnOpenLine(GetLastError(), m_device).kind == LineError::Disconnected;
+  const Lock lock(m_meeting->mutex);
+  m_lost = m_lost || lost;
+  return m_lost;
 }
 
 /// From here to its end a thread reads or writes.

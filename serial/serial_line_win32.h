@@ -33,10 +33,7 @@ class Win32SerialLine final : public SerialLine {
   bool Purge() override;
   bool ClearError() override;
   /// A driver whose device is gone gives no state, also when the device is there again: the handle is its.
-  bool IsLost() override {
-    LineState ignored;
-    return !GetState(ignored) && LastFailure().kind == LineError::Disconnected;
-  }
+  bool IsLost() override;
   IoResult Read(char* buffer, std::size_t size) override;
   IoResult Write(const char* data, std::size_t size) override;
   /// Returns when the other thread is out of Read or Write, which takes half a second at most.
@@ -76,6 +73,7 @@ class Win32SerialLine final : public SerialLine {
   bool m_cancelled = false;
   bool m_closing = false;  ///< never false again
   bool m_inIo = false;
+  bool m_lost = false;  ///< the driver has said that its device is gone
   LineFailure m_failure;
 };
 

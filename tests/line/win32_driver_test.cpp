@@ -264,7 +264,29 @@ TEST_F(Win32Driver, ADeviceThatIsGoneEndsAReadThatWaits) {
     ASSERT_TRUE(Ends(reading));
     EXPECT_EQ(reading.get(), "failed");
     EXPECT_EQ(m_line->LastFailure().kind, LineError::Disconnected) << error;
+    EXPECT_TRUE(m_line->IsLost()) << error;
   }
+}
+
+TEST_F(Win32Driver, ALineWhoseDeviceIsGoneIsLostForGood) {
+  Open();
+  EXPECT_FALSE(m_line->IsLost());
+  m_driver.FailWith(ERROR_INVALID_PARAMETER);
+  EXPECT_FALSE(m_line->IsLost()) << "a driver may refuse";
+  m_driver.FailWith(ERROR_GEN_FAILURE);
+  EXPECT_TRUE(m_line->IsLost());
+  m_driver.FailWith(ERROR_SUCCESS);
+  EXPECT_TRUE(m_line->IsLost()) << "another device has its name now";
+  m_line->Close();
+  EXPECT_FALSE(m_line->IsLost()) << "nobody has it any more";
+}
+
+TEST_F(Win32Driver, WhetherItIsLostIsAskedWithoutWaiting) {
+  OpenAndRead(false);
+  EXPECT_FALSE(m_line->IsLost());
+  m_line->CancelIo();
+  ASSERT_TRUE(Ends(m_reading));
+  EXPECT_FALSE(m_line->IsLost()) << "a read that was left behind is not waited for";
 }
 
 }  // namespace
