@@ -10,8 +10,8 @@ using TransactionWait = TransactionTest;
 constexpr char kRules[] =
     "\"id\" -> line \"SIM\"\n"
     "\"mute\" -> silence\n"
-    "\"late\" -> 1500 \"LATE\\r\"\n"
-    "\"pieces\" -> 1500 \"ONE\\r\" 300 \"TWO\\r\"";
+    "\"late\" -> 5000 \"LATE\\r\"\n"
+    "\"pieces\" -> 5000 \"ONE\\r\" 300 \"TWO\\r\"";
 
 TEST_F(TransactionWait, ASilentDeviceTimesOutAfterTheFewestPolls) {
   SetShortestTimeout();
