@@ -1,5 +1,6 @@
 #include "settings/life_cycle.h"
 
+#include "settings/bounds.h"
 #include "settings/damaged_file.h"
 #include "settings/data_folder.h"
 #include "settings/key_store.h"
@@ -82,6 +83,7 @@ std::optional<QString> UpgradedText(const QString& text, const KeySetComparison&
 }
 
 bool UpgradeFile(const QString& path, const KeySetComparison& comparison) {
+  const BoundsFile file(path);
   const std::optional<QString> text = ReadWholeText(path);
   const std::optional<QString> upgraded = text ? UpgradedText(*text, comparison) : std::nullopt;
   return upgraded && (*upgraded == *text || WriteWholeText(path, *upgraded));

@@ -7,6 +7,7 @@
 #include <optional>
 #include <system_error>
 
+#include "settings/bounds.h"
 #include "settings/damaged_file.h"
 #include "settings/key_store.h"
 #include "settings/life_cycle.h"
@@ -45,6 +46,7 @@ Source AskAndUpgrade(const QString& path, const KeySetComparison& comparison, Me
     return {};
   }
   // Read after the question, while which the file may still change.
+  const BoundsFile file(path);
   const std::optional<QString> text = ReadWholeText(path);
   const std::optional<QString> upgraded = text ? UpgradedText(*text, comparison) : std::nullopt;
   if (!upgraded) {

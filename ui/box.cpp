@@ -55,18 +55,20 @@ QWidget* WindowForBox() {
 }
 
 int RunBox(QDialog& box) {
-  const QPointer<QWidget> below = WindowForBox();
-  const BoxOver over(below);
+  QWidget* const window = WindowForBox();
+  const QPointer<QWidget> below = window;
+  const BoxOver over(window);
   const LastLook look(box);
   // The window system keeps it in front of that window, which it may well outlive: a QWindow forgets one that
   // goes, and takes its handle out of the system's hands first.
-  if (below != nullptr && below->windowHandle() != nullptr) {
+  if (window != nullptr && window->windowHandle() != nullptr) {
     box.winId();
-    box.windowHandle()->setTransientParent(below->windowHandle());
+    box.windowHandle()->setTransientParent(window->windowHandle());
   }
   const int result = box.exec();
   // Not every system gives the keyboard back by itself.
-  if (look.WasActive() && !below.isNull() && below->isVisible()) below->activateWindow();
+  QWidget* const left = below.data();
+  if (look.WasActive() && left != nullptr && left->isVisible()) left->activateWindow();
   return result;
 }
 

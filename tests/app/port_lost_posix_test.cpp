@@ -41,8 +41,12 @@ TEST_F(LostLineTest, IsToldOnceThoughTheNameIsStillThere) {
   EXPECT_FALSE(monitor.IsAtRest()) << "nobody else tells of it";
   messages.answers = {true};
   whileShown = [this] {
-    if (messages.shown.last() == kGone) EXPECT_TRUE(program.connection.connected) << "not yet";
-    if (messages.shown.last() == kOffer) EXPECT_FALSE(program.connection.connected);
+    if (messages.shown.last() == kGone) {
+      EXPECT_TRUE(program.connection.connected) << "not yet";
+    }
+    if (messages.shown.last() == kOffer) {
+      EXPECT_FALSE(program.connection.connected);
+    }
   };
   const auto before = program.connection.handle.Line();
   Ticks(3);
