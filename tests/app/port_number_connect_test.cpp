@@ -1,6 +1,7 @@
 // COM Port Number while it connects: nothing gets in between.
 
 #include <QTimer>
+#include <QWindow>
 
 #include "app/port_number_fixture.h"
 #include "ui/held_pause.h"
@@ -78,7 +79,7 @@ TEST_F(PortNumberDialog, ItsMessageIsInFrontOfItAndOutlivedByIt) {
   QTimer::singleShot(0, qApp, [&] {
     QWidget* box = QApplication::activeModalWidget();
     ASSERT_NE(box, nullptr);
-    seen = box->parentWidget() == window;
+    seen = box->windowHandle()->transientParent() == window->windowHandle();
     program.state.requests.portNumberClose = true;
     QTest::mouseClick(window->windowHandle(), Qt::LeftButton, {}, Button(kSetNumber).geometry().center());
     QTest::qWait(2 * PolledDialog::kTickMs);
