@@ -1,60 +1,150 @@
 # quarn_room(NAME SOURCES... [LINK targets...]) makes one layer of the program: a static library that
-# sees only the layers it names, so that a forbidden include does not link.
+# links only the layers it names; what it may include is in cmake/rooms.txt. The headers beside its sources are
+# its own, and each compiles alone (target all_verify_interface_header_sets).
 function(quarn_room NAME)
   cmake_parse_arguments(ROOM "" "" "SOURCES;LINK" ${ARGN})
   add_library(${NAME} STATIC ${ROOM_SOURCES})
   target_link_libraries(${NAME} PUBLIC quarn_compiler ${ROOM_LINK})
+  set(_headers)
+  foreach(_source IN LISTS ROOM_SOURCES)
+    cmake_path(GET _source PARENT_PATH _folder)
+    list(APPEND _folders "${CMAKE_CURRENT_SOURCE_DIR}/${_folder}")
+  endforeach()
+  list(REMOVE_DUPLICATES _folders)
+  foreach(_folder IN LISTS _folders)
+    file(GLOB _found CONFIGURE_DEPENDS "${_folder}/*.h")
+    list(APPEND _headers ${_found})
+  endforeach()
+  if(WIN32)
+    list(FILTER _headers EXCLUDE REGEX "_(linux|posix)\\.h$")
+  else()
+    list(FILTER _headers EXCLUDE REGEX "_win32\\.h$")
+  endif()
+  target_sources(${NAME} PUBLIC FILE_SET HEADERS BASE_DIRS ${CMAKE_SOURCE_DIR} FILES ${_headers})
 endfunction()
 
-# quarn_test(NAME SOURCES... [LINK targets...] [LABELS ...] [WIDGETS]) makes one GoogleTest program and
-# registers each of its cases with CTest. WIDGETS runs it on the offscreen platform; on Windows, where that
-# is what the program is made for, on the real one.
+# quarn_test(NAME SOURCES... LABELS room... [LINK targets...] [WIDGETS] [SERIAL] [SHARDS n] [TIMEOUT s]) makes one
+# GoogleTest program and registers it with CTest: its cases run in one process, or in SHARDS processes beside one
+# another, named NAME.1 to NAME.n. A run has failed too when a case was skipped or is disabled. LABELS is the room
+# that is tested; each room that the program links adds uses-ROOM. WIDGETS runs it on the offscreen platform; on
+# Windows, where that is what the program is made for, on the real one. SERIAL: nothing else runs beside it.
+#
+# One process per case would spend more time on starting than on testing.
 function(quarn_test NAME)
-  cmake_parse_arguments(T "WIDGETS;SERIAL" "TIMEOUT" "SOURCES;LINK;LABELS" ${ARGN})
+  cmake_parse_arguments(T "WIDGETS;SERIAL" "TIMEOUT;SHARDS" "SOURCES;LINK;LABELS" ${ARGN})
+  if(NOT T_LABELS)
+    message(FATAL_ERROR "the test program ${NAME} has no room: LABELS is missing")
+  endif()
   add_executable(${NAME} ${T_SOURCES})
   target_link_libraries(${NAME} PRIVATE quarn_compiler ${T_LINK} GTest::gtest quarn_test_compiler)
   target_include_directories(${NAME} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
   target_compile_definitions(${NAME} PRIVATE QUARN_TEST_DATA="${CMAKE_SOURCE_DIR}/tests/data")
-  if(NOT T_TIMEOUT)
-    set(T_TIMEOUT 120)
-  endif()
-  # One variable, no more: gtest_discover_tests takes the rest of a list for further properties. What the
-  # sanitizers want to be told is in the test presets.
-  set(_props TIMEOUT ${T_TIMEOUT})
   if(T_WIDGETS)
     set(_platform offscreen)
     if(WIN32)
       set(_platform windows)
     endif()
     target_compile_definitions(${NAME} PRIVATE QUARN_TEST_PLATFORM="${_platform}")
-    if(NOT WIN32)
-      list(APPEND _props ENVIRONMENT QT_QPA_PLATFORM=offscreen)
+  endif()
+  quarn_uses(_uses ${T_LINK})
+  quarn_note_test(${NAME} ${T_LABELS} ${_uses})
+  set(_options LABELS ${T_LABELS} ${_uses} EMULATOR ${CMAKE_CROSSCOMPILING_EMULATOR})
+  foreach(_each SERIAL WIDGETS)
+    if(T_${_each})
+      list(APPEND _options ${_each})
     endif()
-  endif()
-  if(T_LABELS)
-    list(APPEND _props LABELS ${T_LABELS})
-  endif()
-  if(T_SERIAL)
-    list(APPEND _props RUN_SERIAL TRUE)
-  endif()
-  if(CMAKE_CROSSCOMPILING)
-    quarn_test_as_one(${NAME} ${_props})
-    return()
-  endif()
-  gtest_discover_tests(${NAME} DISCOVERY_TIMEOUT 60 DISCOVERY_MODE PRE_TEST PROPERTIES ${_props})
+  endforeach()
+  foreach(_each SHARDS TIMEOUT)
+    if(T_${_each})
+      list(APPEND _options ${_each} ${T_${_each}})
+    endif()
+  endforeach()
+  quarn_test_run(${NAME} ${NAME} ${_options})
 endfunction()
 
-# A program for another system takes its time to start: its cases run in one go. The run has failed too when
-# one of them was skipped or is disabled.
-function(quarn_test_as_one NAME)
-  add_test(NAME ${NAME} COMMAND ${NAME} --gtest_brief=0)
-  set_tests_properties(${NAME} PROPERTIES ${ARGN} TIMEOUT 600
-    FAIL_REGULAR_EXPRESSION "\\[  SKIPPED \\];DISABLED TEST;Running 0 tests"
-    RESOURCE_LOCK "com ports")
+# quarn_test_run(NAME PROGRAM LABELS ... [FILTER f] [ENVIRONMENT ...]) registers one more way to run a program of
+# quarn_test.
+function(quarn_test_run NAME PROGRAM)
+  cmake_parse_arguments(T "WIDGETS;SERIAL" "TIMEOUT;SHARDS;FILTER" "LABELS;ENVIRONMENT;EMULATOR" ${ARGN})
+  if(NOT T_TIMEOUT)
+    set(T_TIMEOUT 600)
+  endif()
+  # Programs for another system take turns on its ports.
+  if(NOT T_SHARDS OR CMAKE_CROSSCOMPILING)
+    set(T_SHARDS 1)
+  endif()
+  if(T_WIDGETS AND NOT WIN32)
+    list(APPEND T_ENVIRONMENT QT_QPA_PLATFORM=offscreen)
+  endif()
+  foreach(_shard RANGE 1 ${T_SHARDS})
+    set(_name ${NAME})
+    set(_environment ${T_ENVIRONMENT})
+    if(T_SHARDS GREATER 1)
+      set(_name ${NAME}.${_shard})
+      math(EXPR _index "${_shard} - 1")
+      list(APPEND _environment GTEST_TOTAL_SHARDS=${T_SHARDS} GTEST_SHARD_INDEX=${_index})
+    endif()
+    set(_command $<TARGET_FILE:${PROGRAM}>)
+    if(T_EMULATOR)
+      set(_command ${T_EMULATOR} ${_command})
+    endif()
+    if(T_FILTER)
+      list(APPEND _command --gtest_filter=${T_FILTER})
+    endif()
+    if(CMAKE_CROSSCOMPILING)
+      list(APPEND _command --gtest_brief=0)
+    else()
+      list(APPEND _command --gtest_brief=1 --gtest_output=xml:${CMAKE_BINARY_DIR}/reports/${_name}.xml)
+    endif()
+    add_test(NAME ${_name} COMMAND ${_command})
+    set_tests_properties(${_name} PROPERTIES TIMEOUT ${T_TIMEOUT} LABELS "${T_LABELS}"
+      FAIL_REGULAR_EXPRESSION "\\[  SKIPPED \\];DISABLED TEST;Running 0 tests")
+    if(_environment)
+      set_tests_properties(${_name} PROPERTIES ENVIRONMENT "${_environment}")
+    endif()
+    if(T_SERIAL)
+      set_tests_properties(${_name} PROPERTIES RUN_SERIAL TRUE)
+    endif()
+    if(CMAKE_CROSSCOMPILING)
+      set_tests_properties(${_name} PROPERTIES RESOURCE_LOCK "com ports")
+    endif()
+  endforeach()
+endfunction()
+
+# quarn_note_test(PROGRAM LABELS...): a program that has to be built for the tests with these labels.
+function(quarn_note_test PROGRAM)
+  list(JOIN ARGN " " _labels)
+  set_property(GLOBAL APPEND_STRING PROPERTY QUARN_TEST_LINES "${PROGRAM} ${_labels}\n")
+endfunction()
+
+# quarn_write_tests(FILE): a line for each of them, with its labels.
+function(quarn_write_tests FILE)
+  get_property(_lines GLOBAL PROPERTY QUARN_TEST_LINES)
+  file(CONFIGURE OUTPUT ${FILE} CONTENT "${_lines}" @ONLY)
+endfunction()
+
+# quarn_uses(VARIABLE TARGETS...): uses-ROOM for each room that the targets are or link.
+function(quarn_uses VARIABLE)
+  set(_found)
+  set(_open ${ARGN})
+  while(_open)
+    list(POP_FRONT _open _target)
+    string(REGEX REPLACE "^\\$<\\$<BOOL:1>:(.*)>$" "\\1" _target "${_target}")
+    if(_target MATCHES "^quarn_([a-z]+)(_parts)?$" AND NOT _target STREQUAL quarn_compiler)
+      set(_label uses-${CMAKE_MATCH_1})
+      if(NOT _label IN_LIST _found AND TARGET ${_target})
+        list(APPEND _found ${_label})
+        get_target_property(_links ${_target} INTERFACE_LINK_LIBRARIES)
+        if(_links)
+          list(APPEND _open ${_links})
+        endif()
+      endif()
+    endif()
+  endwhile()
+  set(${VARIABLE} ${_found} PARENT_SCOPE)
 endfunction()
 
 if(QUARN_TESTS)
-  include(GoogleTest)
   # Linked last, so that it has the last word (an option of the test's own would come first, and lose).
   # Tests reach for what must be there and crash where it is not; that is a failure, not a hazard.
   add_library(quarn_test_compiler INTERFACE)
