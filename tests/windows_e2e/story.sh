@@ -205,14 +205,14 @@ silence() {
 
 wire_has_more_than() { (($(wc -c <"$LINES/port-$1.received") > $2)); }
 
-# on_console COMMAND...: what the system's command interpreter shows of it on a terminal.
+# on_console FOLDER LINE: what the system's command interpreter shows of the line on a terminal, begun in the folder.
 on_console() {
-  (cd "$PLACE" && script --quiet --command "'$WINE' cmd /c $*" console.log </dev/null >console.screen 2>&1) || true
-  # Without what places the cursor.
-  sed 's/\x1b\[[0-9;?]*[A-Za-z]//g' "$PLACE/console.screen" | tr -d '\r' | grep -v '^ *$'
+  (cd "$1" && script --quiet --command "'$WINE' cmd /c '$2'" /dev/null </dev/null >"$PLACE/console.screen" 2>&1) || true
+  # Without what places the cursor, and without blanks at the ends.
+  sed 's/\x1b\[[0-9;?]*[A-Za-z]//g; s/[ \r]*$//' "$PLACE/console.screen" | grep .
 }
 
-console_says() { [[ $(on_console "$1") == "$2" ]]; }
+console_says() { [[ $(on_console "$1" "$2") == "$3" ]]; }
 
 # In a console, or redirected, without a window.
 answers() {
@@ -220,8 +220,8 @@ answers() {
   local answer
   answer=$(wine "$1" --version | tr -d '\r')
   expect "the version is told" test "$answer" == "$(identity NAME)  (Ver. $(identity VERSION)), build $(identity BUILD_DATE)"
-  expect "the next prompt comes after it" console_says \
-    "'pushd Z:$(dirname "$1") & quarn --version & echo next'" "$answer"$'\nnext'
+  expect "the next prompt comes after it" console_says "$(dirname "$1")" 'quarn --version & echo next' "$answer"$'
+next'
   answer=$(wine "$1" --help | tr -d '\r')
   expect "the usage is told" test "${answer#*usage: quarn}" != "$answer"
   answer=$(wine "${1%quarn.exe}quarn-send.exe" --port COM104 id 2>&1 | tr -d '\r')
