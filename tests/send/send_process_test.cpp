@@ -126,10 +126,10 @@ TEST_F(SendProcess, WhatOnlyReadsSettingsMakesNoFolders) {
   const QTemporaryDir place;
   const auto sent = [&](const QString& home, const QString& config) {
     QProcess process;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("HOME"), home);
-    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), config);
-    process.setProcessEnvironment(environment);
+    QProcessEnvironment surroundings = environment;
+    surroundings.insert(QStringLiteral("HOME"), home);
+    surroundings.insert(QStringLiteral("XDG_CONFIG_HOME"), config);
+    process.setProcessEnvironment(surroundings);
     process.setWorkingDirectory(place.path());
     process.start(QStringLiteral(QUARN_SEND), {QStringLiteral("id")});
     EXPECT_TRUE(process.waitForFinished(kPatienceMs));
