@@ -118,6 +118,9 @@ void PortMonitor::HandleLostLine() {
   m_lostTicks = 0;
   const QString port = m_program.state.currentPortName;
   TellVanished(port);
+  // The next tick comes after the question.
+  m_window.SetTitle(QString());
+  m_window.UpdateMenuState();
   std::int32_t count = 0;
   if (!CountPorts(*m_program.portSource, count)) return;
   PortEvent event = PortEvent::None;

@@ -19,6 +19,28 @@ bool IsPlainWindow(const QWidget& window) {
   return window.isVisible() && (window.windowType() == Qt::Dialog || window.windowType() == Qt::Window);
 }
 
+/// Has the window system keep a box in front of a window (may be null), which the box may well outlive: a
+/// QWindow forgets one that goes, and takes its handle out of the system's hands first. The system is told
+/// when the box has its window and is not shown yet. Making that window earlier would have the box placed as
+/// if it had no frame.
+class InFrontOf final : public QObject {
+ public:
+  InFrontOf(QWidget& box, QWidget* window) : m_window(window) { box.installEventFilter(this); }
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    const auto& box = static_cast<const QWidget&>(*watched);
+    QWidget* const window = m_window.data();
+    if (event->type() == QEvent::WinIdChange && window != nullptr && box.windowHandle() != nullptr) {
+      box.windowHandle()->setTransientParent(window->windowHandle());
+    }
+    return false;
+  }
+
+ private:
+  QPointer<QWidget> m_window;
+};
+
 /// Notes whether a box had the keyboard when it went.
 class LastLook final : public QObject {
  public:
@@ -58,13 +80,8 @@ int RunBox(QDialog& box) {
   QWidget* const window = WindowForBox();
   const QPointer<QWidget> below = window;
   const BoxOver over(window);
+  const InFrontOf inFront(box, window);
   const LastLook look(box);
-  // The window system keeps it in front of that window, which it may well outlive: a QWindow forgets one that
-  // goes, and takes its handle out of the system's hands first.
-  if (window != nullptr && window->windowHandle() != nullptr) {
-    box.winId();
-    box.windowHandle()->setTransientParent(window->windowHandle());
-  }
   const int result = box.exec();
   // Not every system gives the keyboard back by itself.
   QWidget* const left = below.data();

@@ -1,7 +1,5 @@
 // What the options do to the line, and what a loaded file does to their dialogs.
 
-#include <QFile>
-
 #include "e2e/option_dialogs.h"
 
 namespace quarn::test {
@@ -52,14 +50,11 @@ TEST_F(OptionDialogs, ADeadLineRefusesTheSpeed) {
   ASSERT_TRUE(MainTitleBecomes(QStringLiteral("Quarn   (COM3)")));
   OpenFormat();
   NoteSettingsFile();
-  // Another device takes the name in one step, so that the number of ports stays what it was.
-  const ServedInstrument successor("* -> line \"other\"");
-  const QString ports = config.filePath(QStringLiteral("Halvo/Quarn/ports/"));
-  ASSERT_TRUE(portLinks.Add(QStringLiteral("next"), successor.NodePath()));
-  ASSERT_EQ(rename(QFile::encodeName(ports + QStringLiteral("next")).constData(),
-                   QFile::encodeName(ports + kPort).constData()),
-            0);
+  // The device goes. The loss is told, and the line stays as it is until something is done with it.
   instrument.reset();
+  Acknowledge(kError, {QStringLiteral("  \"COM3\" is not available."),
+                       QStringLiteral("Check \"Detailed COM Port List\".")});
+  ASSERT_TRUE(MainTitleBecomes(QStringLiteral("Quarn   (COM3-NC)")));
   ClickUntil(kFormat, QStringLiteral("Port Speed LOW"),
              [this] { return !desktop.Windows(kError).isEmpty(); });
   Acknowledge(kError,
