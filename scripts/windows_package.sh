@@ -23,6 +23,7 @@ add_licences() {
 # A macro for the installer that does something for each line of its input.
 for_each() {
   echo "!macro $1 DO"
+  # shellcheck disable=SC1003,SC2016  # a backslash, and the installer's own variable
   tr / '\\' | sed 's/.*/  !insertmacro ${DO} "&"/'
   echo '!macroend'
 }

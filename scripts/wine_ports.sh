@@ -25,6 +25,7 @@ wire_has() { [[ -f $LINES/port-$1.received && $(tr '\r\n' '<>' <"$LINES/port-$1.
 
 COM_PORTS='{86e0d1e0-8089-11d0-9ce4-08003e301f73}'
 
+# shellcheck disable=SC2028  # the backslashes are the registry's
 device_class() { echo "System\\CurrentControlSet\\Control\\DeviceClasses\\$COM_PORTS\\##?#ROOT#QUARN${1^^}#0000#$COM_PORTS"; }
 
 # list_device com3 NAME: a device that the system takes for a COM port, under that name, with nothing behind it.
