@@ -195,7 +195,7 @@ QString ResolvePort(const QString& portsFolder, const QString& name, const Syste
   if (end.node.empty() || !IsTerminalDevice(end.status, roots.sys)) {
     return {};
   }
-  const QString node = QFile::decodeName(QByteArray::fromStdString(end.node));
+  QString node = QFile::decodeName(QByteArray::fromStdString(end.node));
   const std::optional<int> number = PortLinkNumber(entry);
   // No pseudo-terminal is a device that a link could stand for.
   if (!number || IsPseudoTerminal(end.status.st_rdev)) {

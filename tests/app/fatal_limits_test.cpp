@@ -20,7 +20,7 @@ class FatalLimitsTest : public AppTest {
   void SetUp() override { MakeFolders(); }
   /// A settings file whose second line is longer than any line may be.
   QString FileWithALongLine() {
-    const QString path = m_folder + QStringLiteral("long.qrn");
+    QString path = m_folder + QStringLiteral("long.qrn");
     QFile file(path);
     EXPECT_TRUE(file.open(QIODevice::WriteOnly));
     file.write(".BEGIN\nMEM0=" + QByteArray(1024, 'x') + "\n.END\n");
