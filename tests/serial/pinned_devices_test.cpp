@@ -271,14 +271,14 @@ TEST_F(PinnedDevices, TheLinesOfOneAdapterMoveTogether) {
     std::vector<std::string> lines;
     for (int i = 0; i < 2; ++i) {
       const std::string id = "usb-0403_T1-if0" + std::to_string(i);
-      const std::string path = socket + ":1." + std::to_string(i);
-      const std::string name = "ttyUSB" + std::to_string(n + i);
+      const std::string place = socket + ":1." + std::to_string(i);
+      const std::string node = "ttyUSB" + std::to_string(n + i);
       lines.push_back(
-          m_tree.AddTty(usb + '/' + path, name, 188, n + i,
-                        "E: DEVLINKS=/dev/serial/by-id/" + id + " /dev/serial/by-path/" + path +
+          m_tree.AddTty(usb + '/' + place, node, 188, n + i,
+                        "E: DEVLINKS=/dev/serial/by-id/" + id + " /dev/serial/by-path/" + place +
                             "\nE: ID_VENDOR_ID=0403\nE: ID_MODEL_ID=6010\nE: ID_SERIAL_SHORT=T1\n"));
-      m_tree.LinkSerial("by-id", id, name);
-      m_tree.LinkSerial("by-path", path, name);
+      m_tree.LinkSerial("by-id", id, node);
+      m_tree.LinkSerial("by-path", place, node);
     }
     return lines;
   };

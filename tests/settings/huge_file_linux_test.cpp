@@ -22,7 +22,7 @@ class HugeFile : public UserFile, public testing::WithParamInterface<qint64> {
   void TearDown() override { EXPECT_LT(MostMemoryKilobytes() - m_before, 64 * 1024); }
   /// A sound file's text, and nothing but zeros behind it.
   QString Huge(const QString& name) const {
-    const QString path = WithEntry("COM_PORT=NONE", "COM_PORT=COM3", name);
+    QString path = WithEntry("COM_PORT=NONE", "COM_PORT=COM3", name);
     QFile file(path);
     EXPECT_TRUE(file.resize(GetParam() * kGigabyte)) << file.errorString().toStdString();
     return path;
