@@ -110,7 +110,8 @@ PortEvent PortMonitor::Update() {
 
 bool PortMonitor::IsLineLost() const {
   const PortConnection& connection = m_program.connection;
-  return connection.connected && connection.handle.IsOpen() && connection.handle.Line()->IsLost();
+  // A port that could not be opened again after another was refused counts as connected, and has no line.
+  return connection.connected && (!connection.handle.IsOpen() || connection.handle.Line()->IsLost());
 }
 
 void PortMonitor::HandleLostLine() {

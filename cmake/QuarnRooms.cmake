@@ -151,6 +151,6 @@ if(QUARN_TESTS)
   target_compile_options(quarn_test_compiler INTERFACE -Wno-null-dereference)
   # What is tested is optimised; the tests themselves would only take twice as long to build.
   if(CMAKE_BUILD_TYPE STREQUAL "Release" AND NOT WIN32)
-    target_compile_options(quarn_test_compiler INTERFACE -O0 -U_FORTIFY_SOURCE)
+    target_compile_options(quarn_test_compiler INTERFACE -O0)
   endif()
 endif()

@@ -49,6 +49,7 @@ TransactionResult TransactionEngine::RunTransaction(const SettingsRecord& settin
   // A read left behind must be gone before this command's bytes go out: two reads would compete for one
   // response. It also clears the busy flag at its end, so the flag comes after it.
   m_worker.reset();
+  ForgetOtherLine();
   m_busy.TrySet();
   m_worker = std::make_unique<ReceiveWorker>(settings, m_connection, m_busy, m_resultMutex);
   const TransactionResult ended = WaitForWorker(settings, host);
@@ -57,6 +58,13 @@ TransactionResult TransactionEngine::RunTransaction(const SettingsRecord& settin
   // Whoever else cleared the flag, the response is not here yet, and what the buffer holds is not it.
   if (m_worker && !m_worker->HasDelivered()) return TransactionResult::Aborted;
   return Evaluate(settings);
+}
+
+void TransactionEngine::ForgetOtherLine() {
+  const std::weak_ptr<SerialLine> line = m_connection.handle.Line();
+  if (!line.owner_before(m_answering) && !m_answering.owner_before(line)) return;
+  m_connection.receiveBuffer.front() = '\0';
+  m_answering = line;
 }
 
 TransactionResult TransactionEngine::WaitForWorker(const SettingsRecord& settings, TransactionHost& host) {

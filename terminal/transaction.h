@@ -59,8 +59,8 @@ class TransactionEngine {
   /// of its framing for Received, as it came otherwise. Returns AlreadyRunning at once while another
   /// call waits.
   ///
-  /// A read that failed leaves the receive buffer as the transaction before left it, and that is what
-  /// is looked at: there is no separate report for a failed read.
+  /// A read that failed leaves the receive buffer as the transaction before on the same line left it, and
+  /// that is what is looked at: there is no separate report for a failed read.
   TransactionResult RunTransaction(const SettingsRecord& settings, TransactionHost& host);
 
   /// Clears the busy flag and waits up to 500 ms for a worker that still runs.
@@ -81,7 +81,12 @@ class TransactionEngine {
   PortConnection& m_connection;
   WaitableFlag m_busy;
   std::mutex m_resultMutex;  ///< guards the transaction fields against a read that was left behind
+  /// Empties the receive buffer when what it holds has come from another line than the one that is open now.
+  /// No worker runs then.
+  void ForgetOtherLine();
+
   std::unique_ptr<ReceiveWorker> m_worker;
+  std::weak_ptr<SerialLine> m_answering;  ///< the line of the transaction before
   unsigned m_pollCounter = 0;
 };
 

@@ -174,14 +174,18 @@ void CTerminalScreen::SendByEnter() {
   SendAction();
 }
 
+bool CTerminalScreen::CanSend() {
+  const PortHandle& handle = m_context.connection.handle;
+  if (IsPortOpen() && handle.IsOpen() && !handle.Line()->IsLost()) return true;
+  m_context.messages.ShowErrorMessage(QStringLiteral(": Error"), QString(),
+                                      QStringLiteral("COM port is not available."),
+                                      QStringLiteral("Check \"Detailed COM Port List\"."));
+  return false;
+}
+
 void CTerminalScreen::SendAction() {
   const Busy busy(*this);
-  if (!IsPortOpen()) {
-    m_context.messages.ShowErrorMessage(QStringLiteral(": Error"), QString(),
-                                        QStringLiteral("COM port is not available."),
-                                        QStringLiteral("Check \"Detailed COM Port List\"."));
-    return;
-  }
+  if (!CanSend()) return;
   if (m_context.commandLine.Text().isEmpty() && m_context.settings.enblNull != u"ON") return;
   Transact();
   if (m_context.settings.autoClr == u"ON") m_context.commandLine.Reset();
@@ -191,6 +195,8 @@ void CTerminalScreen::SendAction() {
 void CTerminalScreen::SendIfTyped() {
   const Busy busy(*this);
   if (m_context.commandLine.Text().isEmpty()) return;
+  // Without a connection the transaction tells that there was no answer.
+  if (IsPortOpen() && !CanSend()) return;
   Transact();
   ShowCommandLine();
 }

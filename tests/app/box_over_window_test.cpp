@@ -13,6 +13,7 @@
 #include "serial/port_list.h"
 #include "settings/settings_table.h"
 #include "support/dialog_controls.h"
+#include "tests/line/scripted_line.h"
 #include "ui/box.h"
 #include "ui/window_messages.h"
 
@@ -266,6 +267,8 @@ using Boxes = BoxStage;
 
 TEST_F(Boxes, TheListThatOnePortTooManyClosesIsThereUntilTheyAreOver) {
   ListPorts(30);
+  static Journal calls;
+  real.connection.handle = PortHandle(std::make_shared<ScriptedLine>(calls));
   real.connection.connected = true;
   real.state.currentPortName = QStringLiteral("COM7");
   const QPointer<QDialog> list = Open(command::kDetailedPortList);

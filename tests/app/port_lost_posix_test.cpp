@@ -132,5 +132,13 @@ TEST_F(LostLineTest, IsToldAmongMorePortsThanTheDetailedListShows) {
   EXPECT_EQ(Happened(), kLostAndOffered + QStringList{"start timer"});
 }
 
+/// After another port was refused and this one could not be opened again it counts as connected.
+TEST_F(LostLineTest, IsALineThatIsNotThereAtAll) {
+  ClosePort(program.connection);
+  messages.answers = {false};
+  Ticks(5);
+  EXPECT_EQ(Happened(), kLostAndOffered + QStringList{"start timer"});
+}
+
 }  // namespace
 }  // namespace quarn::test

@@ -143,6 +143,21 @@ TEST_F(TransactionFailure, WithoutAPortTheReadFails) {
   EXPECT_EQ(m_journal.Entries(), Steps{});
 }
 
+TEST_F(TransactionFailure, AnAnswerOfAnotherLineIsNeverShown) {
+  ReadGives("former\r");
+  ASSERT_EQ(Run("one"), TransactionResult::Received);
+  const PortHandle former = m_connection.handle;
+  m_connection.handle = PortHandle();
+  EXPECT_EQ(Run("two"), TransactionResult::InvalidData);
+  m_connection.handle = former;
+  ASSERT_EQ(Run("three"), TransactionResult::Received);
+  Journal elsewhere;
+  const auto next = std::make_shared<ScriptedLine>(elsewhere);
+  next->read = [](char*, std::size_t) { return IoResult{}; };
+  m_connection.handle = PortHandle(next);
+  EXPECT_EQ(Run("four"), TransactionResult::InvalidData);
+}
+
 TEST_F(TransactionFailure, AWorkerWhoseWaitEndedWhileItSentDoesNotReadAnyMore) {
   std::promise<void> sent;
   m_line->write = [&](const char*, std::size_t size) {

@@ -1,4 +1,5 @@
 #include "support/window_places.h"
+#include "tests/line/scripted_line.h"
 #include "ui/placement.h"
 #include "windows/terminal_fixture.h"
 
@@ -63,11 +64,29 @@ TEST_F(TerminalRequests, SendKeepsTheLineAndAsksForNoPort) {
   EXPECT_EQ(commandLine.Text(), QStringLiteral("id"));
   connection.connected = false;
   connection.handle = PortHandle();
-  connection.receiveBuffer = {};
   state.requests.send = true;
   ASSERT_TRUE(Until([this] { return log.LineCount() == 5; }));
   EXPECT_EQ(window->RowText(3), QStringLiteral("Error: Received Invalid Data\r"));
   EXPECT_TRUE(messages.shown.isEmpty());
+}
+
+TEST_F(TerminalRequests, NothingIsSentOnALineThatHasDied) {
+  Connect("* -> line \"OK\"");
+  Open();
+  Type("id");
+  state.requests.send = true;
+  ASSERT_TRUE(Until([this] { return log.LineCount() == 2; }));
+  static Journal calls;
+  const auto dead = std::make_shared<ScriptedLine>(calls);
+  dead->lost = true;
+  connection.handle = PortHandle(dead);
+  state.requests.send = true;
+  ASSERT_TRUE(Until([this] { return messages.shown.size() == 1; }));
+  state.requests.sendAction = true;
+  ASSERT_TRUE(Until([this] { return messages.shown.size() == 2; }));
+  EXPECT_TRUE(messages.shown.last().contains(QStringLiteral("COM port is not available.")))
+      << messages.shown.last().toStdString();
+  EXPECT_EQ(log.LineCount(), 2) << "the answer before would have been shown once more";
 }
 
 TEST_F(TerminalRequests, ClosingComesLast) {
