@@ -220,12 +220,12 @@ answers() {
   local answer
   answer=$(wine "$1" --version | tr -d '\r')
   expect "the version is told" test "$answer" == "$(identity NAME)  (Ver. $(identity VERSION)), build $(identity BUILD_DATE)"
-  expect "the next prompt comes after it" console_says "$(dirname "$1")" 'quarn --version & echo next' "$answer"$'
-next'
+  expect "the next prompt comes after it" console_says "$(dirname "$1")" 'quarn --version & echo next' "$answer"$'\nnext'
   answer=$(wine "$1" --help | tr -d '\r')
   expect "the usage is told" test "${answer#*usage: quarn}" != "$answer"
-  answer=$(wine "${1%quarn.exe}quarn-send.exe" --port COM104 id 2>&1 | tr -d '\r')
+  answer=$({ wine "${1%quarn.exe}quarn-send.exe" --port COM104 id 2>&1 || echo "status $?"; } | tr -d '\r')
   expect "a number that no port has is told" test "${answer#*COM104: port numbers end at 99. The Device Manager}" != "$answer"
+  expect "that is no success" test "${answer##*$'\n'}" == "status 5"
   answer=$(wine "${1%quarn.exe}quarn-send.exe" --port COM3 id | tr -d '\r')
   expect "quarn-send prints the response" test "$answer" == $'[id]\nSIM-1 bench instrument, firmware 1.00'
   settings_with "$PLACE/lf.qrn" DELIMITER=LF
