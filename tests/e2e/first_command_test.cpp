@@ -1,4 +1,5 @@
 
+#include "e2e/commands.h"
 #include "e2e/desktop.h"
 
 namespace quarn::test {
@@ -112,11 +113,14 @@ TEST_F(FirstCommand, AClickDuringAWaitLandsWhereItWasMade) {
   EXPECT_TRUE(WireBecomes("slow\rtwo\r"));
 }
 
-TEST_F(FirstCommand, ALineThatBreaksEndsInALogLineAndNoHang) {
+class BrokenLine : public Commands {};
+
+TEST_F(BrokenLine, EndsInALogLineAndIsToldAsLost) {
   StartConnected("\"bye\" -> hangup\n* -> line \"OK\"");
-  Type(QStringLiteral("bye"));
-  Press({QStringLiteral("Return")});
-  EXPECT_TRUE(TerminalTitleBecomes(QStringLiteral("Quarn - Terminal Screeen (COM3)  N- INS  [ 1-3  ]")));
+  EnterCommand(QStringLiteral("bye"));
+  Acknowledge(kError, {QStringLiteral("  \"COM3\" is not available."),
+                       QStringLiteral("Check \"Detailed COM Port List\".")});
+  EXPECT_TRUE(TerminalTitleBecomes(QStringLiteral("Quarn - Terminal Screeen (COM3-NC)  N- INS  [ 1-3  ]")));
   EXPECT_EQ(CopiedLog(), QByteArray("[bye]\rError: Received Invalid Data\r\r"));
   EXPECT_EQ(program.state(), QProcess::Running);
 }
