@@ -14,10 +14,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string_view text(reinterpret_cast<const char*>(data), size);
   std::string received(text);
   const auto commands = quarn::device::TakeCommands(received);
-  // Every byte is part of one command or is left for the next.
-  std::string whole;
-  for (const auto& command : commands) whole += command.before + command.text + command.after;
-  if (whole + received != text) std::abort();
+  // No byte is part of two commands, and none is made up: they follow one another in what came, and what is
+  // left for the next is its end. What stands between was dropped, by a new STX or for being too long.
+  std::size_t at = 0;
+  for (const auto& command : commands) {
+    const std::string whole = command.before + command.text + command.after;
+    const std::size_t found = text.find(whole, at);
+    if (found == std::string_view::npos) std::abort();
+    at = found + whole.size();
+  }
+  if (received.size() > text.size() - at || !text.ends_with(received)) std::abort();
+  if (received.size() > quarn::device::kLongestCommandBytes) std::abort();
   try {
     const quarn::device::Rules rules = quarn::device::ParseRules(text);
     for (const auto& command : commands) quarn::device::FindRule(rules, command.text);
