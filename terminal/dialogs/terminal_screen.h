@@ -91,8 +91,8 @@ class CTerminalScreen final : public PolledDialog, private TransactionHost {
   void PressButton(const TerminalButton& button);
 
   [[nodiscard]] bool IsPortOpen() const { return m_context.connection.connected; }
-  /// Whether a command can reach a device. Tells the person when it cannot: without a line, or on one that has
-  /// died and whose loss has not been told yet, the answer would be that of an earlier command.
+  /// Whether a command can reach a device. Tells the person when it cannot: without a line, or on one that
+  /// has died and whose loss has not been told yet, the answer would be that of an earlier command.
   bool CanSend();
   [[nodiscard]] int CommandLimit() const;
 
