@@ -329,6 +329,14 @@ QString UseOf(const DeviceNode& device) {
   return user != 0 ? QString::fromStdString(UseText(user, roots)) : QString();
 }
 
+/// The same of a device that somebody without a lock may have open, and would read half of the answers of.
+/// The near end of a pseudo-terminal may be held by the program at its far end.
+QString OpenElsewhere(const DeviceNode& device, TerminalKind kind) {
+  const bool isSerialDevice =
+      kind == TerminalKind::Uart && IsTerminalDevice(device.status, SystemRoots().sys);
+  return isSerialDevice ? UseOf(device) : QString();
+}
+
 OpenResult InUse(const QString& node, const QString& use) {
   return Failed({LineError::InUse, QStringLiteral("%1: %2").arg(node, use)});
 }
@@ -344,7 +352,9 @@ OpenResult NotTaken(const QString& node, const DeviceNode& device, int error) {
 /// pseudo-terminal gets the lock only: there the mark outlives a program that crashed, and nobody could
 /// open the line again while its far end lives.
 ///
-/// Until it is raw the line may echo, so that comes as soon as it is known to be ours.
+/// Until it is raw the line may echo, so that comes as soon as it is known to be ours. Somebody may have
+/// opened it after it was asked who uses it and before the mark was set, so that is asked once more at the
+/// end.
 OpenResult TakeLine(const QString& node, const DeviceNode& device, FileDescriptor line, TerminalKind kind) {
   LineHold hold;
   hold.wake = FileDescriptor(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
@@ -368,6 +378,11 @@ OpenResult TakeLine(const QString& node, const DeviceNode& device, FileDescripto
       ControlLine(descriptor, TCSETS2, &hold.former);
       return NotTaken(node, device, notMarked);
     }
+    if (const QString use = OpenElsewhere(device, kind); !use.isEmpty()) {
+      hold.mark.Clear();
+      ControlLine(descriptor, TCSETS2, &hold.former);
+      return InUse(node, use);
+    }
     hold.latency.Set(descriptor);
   }
   return {std::make_shared<PosixSerialLine>(node, std::move(hold)), {}};
@@ -381,14 +396,16 @@ OpenResult OpenNode(const QString& node, std::optional<TerminalKind> knownKind) 
   if (!S_ISCHR(device.status.st_mode)) return Failed(FailureOf(node, ENOTTY));
   const TerminalKind kind = knownKind.value_or(
       IsPseudoTerminal(device.status.st_rdev) ? TerminalKind::PseudoTerminal : TerminalKind::Uart);
-  // Who has it open without a lock would read half of the answers. A pseudo-terminal's near end may be held
-  // by the program at its far end.
-  if (kind == TerminalKind::Uart && IsTerminalDevice(device.status, SystemRoots().sys)) {
-    if (const QString use = UseOf(device); !use.isEmpty()) return InUse(node, use);
-  }
+  if (const QString use = OpenElsewhere(device, kind); !use.isEmpty()) return InUse(node, use);
   constexpr int kFlags = O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC;
   FileDescriptor line(Uninterrupted([&] { return ::open(path.constData(), kFlags); }));
-  if (line.IsValid()) return TakeLine(node, device, std::move(line), kind);
+  if (line.IsValid()) {
+    struct stat opened {};
+    if (::fstat(line.Get(), &opened) != 0) return Failed(FailureOf(node, errno));
+    // Another device has got the name meanwhile; it is not the one that was asked about.
+    if (opened.st_rdev != device.status.st_rdev) return Failed(FailureOf(node, ENODEV));
+    return TakeLine(node, device, std::move(line), kind);
+  }
   const int error = errno;
   if (KindOf(error) == LineError::NoPermission) return Failed(NoPermissionFailure(node, device, error));
   return NotTaken(node, device, error);

@@ -7,7 +7,6 @@
 
 #include <QDir>
 #include <QFile>
-#include <QProcess>
 #include <QTemporaryDir>
 #include <cerrno>
 
@@ -15,12 +14,11 @@
 #include "serial/file_descriptor.h"
 #include "serial/open_terminal_linux.h"
 #include "serial/serial_line_posix.h"
+#include "tests/line/holder.h"
 #include "tests/line/line_test_support.h"
 
 namespace quarn {
 namespace {
-
-constexpr int kPatienceMs = 60'000;
 
 class PosixLineOpen : public testing::Test {
  protected:
@@ -33,39 +31,6 @@ class PosixLineOpen : public testing::Test {
 
   QTemporaryDir m_folder;
   device::PseudoTerminal m_far;
-};
-
-/// Another process that tries to open a line and, when it can, holds it.
-class Holder {
- public:
-  explicit Holder(const QString& node, const QStringList& more = {}) {
-    m_process.start(QStringLiteral(LINE_HOLDER), QStringList{node} + more);
-  }
-  ~Holder() {
-    m_process.closeWriteChannel();
-    m_process.waitForFinished(kPatienceMs);
-  }
-  Holder(const Holder&) = delete;
-  Holder& operator=(const Holder&) = delete;
-
-  /// Its one line: a word for the outcome and the reason.
-  QString Outcome() {
-    while (!m_process.canReadLine() && m_process.waitForReadyRead(kPatienceMs)) {
-    }
-    return QString::fromUtf8(m_process.readLine()).trimmed();
-  }
-  void Kill() {
-    m_process.kill();
-    m_process.waitForFinished(kPatienceMs);
-  }
-  /// What the list and a refused open call it; the kernel keeps 15 characters of a name.
-  [[nodiscard]] QString Use() const {
-    return QStringLiteral("in use by quarn-line-hold (PID %1)").arg(m_process.processId());
-  }
-  [[nodiscard]] bool WasKilled() const { return m_process.exitStatus() == QProcess::CrashExit; }
-
- private:
-  QProcess m_process;
 };
 
 QStringList AsOrdinaryUser() {

@@ -3,6 +3,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <memory>
 #include <vector>
 
 #include "device/pseudo_terminal.h"
@@ -10,6 +11,7 @@
 #include "serial/open_terminal_linux.h"
 #include "serial/port_use_linux.h"
 #include "tests/line/fake_uart.h"
+#include "tests/line/holder.h"
 #include "tests/line/line_test_support.h"
 #include "tests/line/noted_surroundings.h"
 
@@ -75,6 +77,23 @@ TEST_F(UartTest, ALineThatAnotherProgramHasMarkedIsInUse) {
   EXPECT_FALSE(opened.line);
   EXPECT_EQ(opened.failure.kind, LineError::InUse);
   EXPECT_EQ(m_uart.Calls(), Calls{}) << "the mark is the other program's, and so is the line's state";
+}
+
+TEST_F(UartTest, AProgramThatOpensTheDeviceMeanwhileHasIt) {
+  std::unique_ptr<Holder> visitor;
+  // Behind the question who uses it, and before the mark that keeps others out.
+  m_uart.take = [&](termios2&) {
+    if (visitor) return;
+    visitor = std::make_unique<Holder>(Node(), QStringList{QStringLiteral("--plain")});
+    EXPECT_EQ(visitor->Outcome(), QStringLiteral("open"));
+  };
+  const OpenResult opened = Open();
+  ASSERT_TRUE(visitor);
+  EXPECT_FALSE(opened.line);
+  EXPECT_EQ(opened.failure.kind, LineError::InUse);
+  EXPECT_EQ(opened.failure.reason, Node() + QStringLiteral(": ") + visitor->Use());
+  EXPECT_TRUE(SameState(m_uart.State(), m_former));
+  EXPECT_FALSE(m_uart.marked);
 }
 
 TEST_F(UartTest, AFailedOpenTakesTheMarkOffAgain) {
