@@ -74,9 +74,24 @@ std::string PropertyOf(udev_device* device, const char* property, const char* at
   return text;
 }
 
+/// The folder of the interface and the port's number in it; without the part that has the node's number.
+std::string SocketOf(udev_device* device) {
+  if (udev_device_get_parent_with_subsystem_devtype(device, "usb", "usb_device") == nullptr) {
+    return {};
+  }
+  std::string path = udev_device_get_syspath(device);
+  path.erase(std::min(path.rfind("/tty/"), path.size()));
+  const std::string node = std::string("/") + udev_device_get_sysname(device);
+  if (path.ends_with(node)) {
+    path.erase(path.size() - node.size());
+  }
+  const char* port = udev_device_get_sysattr_value(udev_device_get_parent(device), "port_number");
+  return port != nullptr ? path + ':' + port : path;
+}
+
 DeviceIdentity IdentityOf(udev_device* device, const SerialDevice& found) {
   return {found.idNames.empty() ? std::string() : found.idNames.front(),
-          found.pathNames.empty() ? std::string() : found.pathNames.front(),
+          found.pathNames.empty() ? found.socket : found.pathNames.front(),
           PropertyOf(device, "ID_VENDOR_ID", "idVendor"), PropertyOf(device, "ID_MODEL_ID", "idProduct"),
           PropertyOf(device, "ID_SERIAL_SHORT", "serial")};
 }
@@ -138,6 +153,7 @@ std::optional<DeviceList> ListSerialDevices(const SystemRoots& roots) {
     found.node = udev_device_get_devnode(device.get());
     found.number = number;
     FindLastingNames(device.get(), roots.dev, found);
+    found.socket = SocketOf(device.get());
     found.identity = IdentityOf(device.get(), found);
     found.product = ProductOf(device.get());
     list.devices.push_back(std::move(found));

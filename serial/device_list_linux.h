@@ -17,6 +17,7 @@ struct SerialDevice {
   dev_t number = 0;
   std::vector<std::string> idNames;    ///< its names in /dev/serial/by-id; another device may claim them too
   std::vector<std::string> pathNames;  ///< those in /dev/serial/by-path
+  std::string socket;  ///< where a USB adapter is plugged in, as sysfs names it, whether udev runs or not
   DeviceIdentity identity;
   std::string product;  ///< UTF-8, as the device or the hardware database says it; may be empty
 };

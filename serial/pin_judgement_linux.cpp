@@ -12,6 +12,10 @@ bool Contains(const std::vector<std::string>& names, const std::string& name) {
   return !name.empty() && std::find(names.begin(), names.end(), name) != names.end();
 }
 
+bool IsPluggedInto(const SerialDevice& device, const std::string& path) {
+  return Contains(device.pathNames, path) || (!path.empty() && path == device.socket);
+}
+
 const SerialDevice* DeviceAt(const PortLink& link, const std::vector<SerialDevice>& devices) {
   const auto device = std::find_if(devices.begin(), devices.end(), [&](const SerialDevice& each) {
     return S_ISCHR(link.target.status.st_mode) && each.number == link.target.status.st_rdev;
@@ -53,7 +57,7 @@ bool Holds(const PortLink& link, const SerialDevice& device, const std::vector<S
   if (!IsSameMake(*link.known, device.identity)) {
     return false;
   }
-  if (link.known->path.empty() || Contains(device.pathNames, link.known->path)) {
+  if (link.known->path.empty() || IsPluggedInto(device, link.known->path)) {
     return true;
   }
   // In another socket only a name that nobody else can have tells that it is the same one.
@@ -130,7 +134,7 @@ bool OwnsItsNames(const SerialDevice& device, const std::vector<SerialDevice>& d
 const PortLink* LinkMadeFor(const SerialDevice& device, const std::vector<PortLink>& links) {
   const auto link = std::find_if(links.begin(), links.end(), [&](const PortLink& each) {
     return each.known && !each.present && IsSameMake(*each.known, device.identity) &&
-           Contains(device.pathNames, each.known->path);
+           IsPluggedInto(device, each.known->path);
   });
   return link != links.end() ? &*link : nullptr;
 }

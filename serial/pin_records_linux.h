@@ -13,7 +13,7 @@ namespace quarn {
 /// What tells a device from others of its type. Each text may be empty: not known, or there is none.
 struct DeviceIdentity {
   std::string name;    ///< in /dev/serial/by-id; two devices with one serial number have the same
-  std::string path;    ///< in /dev/serial/by-path: the socket that it is plugged into
+  std::string path;    ///< the socket that it is plugged into: in /dev/serial/by-path, without udev in sysfs
   std::string vendor;  ///< as the bus numbers makers, "0403"
   std::string model;   ///< as the maker numbers its products, "6001"
   std::string serial;

@@ -117,8 +117,9 @@ LinuxPortSource::Listing LinuxPortSource::List(WatchPlan& plan) {
 /// Devices come and go while the folder is as it was; that is no reason to repeat it.
 void LinuxPortSource::Tell(const std::error_code& problem) {
   if (problem && problem != m_told) {
-    qCWarning(lcSerial).noquote() << "the ports folder cannot be used:" << TextOf(m_folderPath) + ':'
-                                  << QString::fromStdString(problem.message());
+    // Quoted, so that no control character of a folder's name gets to a terminal.
+    qCWarning(lcSerial).nospace() << "the ports folder cannot be used: " << TextOf(m_folderPath) << ": "
+                                  << problem.message().c_str();
   }
   m_told = problem;
 }

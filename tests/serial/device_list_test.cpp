@@ -91,7 +91,8 @@ TEST(ListSerialDevices, AsksTheAdapterItselfWhereUdevKnowsNothing) {
   tree.AddTty(usb + "/1-1:1.0", "ttyUSB0", 188, 0);
   const std::optional<DeviceList> list = ListSerialDevices(QuietRoots());
   ASSERT_EQ(NodesOf(list).size(), 1U);
-  EXPECT_EQ(list->devices[0].identity, (DeviceIdentity{"", "", "0403", "6001", "No_7"}));
+  EXPECT_EQ(list->devices[0].identity,
+            (DeviceIdentity{"", "/sys" + usb + "/1-1:1.0", "0403", "6001", "No_7"}));
 }
 
 TEST(LinuxPortSource, PinsAndNamesAnAdapter) {
@@ -127,7 +128,7 @@ TEST(LinuxPortSource, TellsOnceThatTheFolderTakesNoLinks) {
   source.Forget();
   EXPECT_TRUE(List(source).isEmpty());
   qInstallMessageHandler(former);
-  EXPECT_EQ(g_warnings, QStringList(QStringLiteral("the ports folder cannot be used: %1: %2")
+  EXPECT_EQ(g_warnings, QStringList(QStringLiteral("the ports folder cannot be used: \"%1\": %2")
                                         .arg(QString::fromStdString(scratch.At("ports")),
                                              QStringLiteral("No such file or directory"))));
   // The far end of the link is made: now there is a folder.

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "device_tree.h"
+#include "serial/pin_judgement_linux.h"
 
 namespace quarn {
 namespace {
@@ -193,6 +194,33 @@ TEST_F(PinnedDevices, WithoutASerialNumberTheSocketIsTheName) {
   Plug(kNameless, "left", 0);
   EXPECT_EQ(Ports(), QStringList{"COM1 ttyUSB0"});
   EXPECT_EQ(Target("COM1"), PathOf("left"));
+}
+
+TEST(PinJudgement, WithoutUdevTheSocketTellsTwoOfOneMakeApart) {
+  const auto identity = [](const char* socket) { return DeviceIdentity{"", socket, "0403", "6001", ""}; };
+  const auto device = [&](const char* node, unsigned int n, const char* socket) {
+    return SerialDevice{node, makedev(188, n), {}, {}, socket, identity(socket), ""};
+  };
+  PortLink link;
+  link.number = 1;
+  link.isLink = true;
+  link.text = "/dev/ttyUSB0";
+  link.target.node = link.text;
+  link.target.status.st_mode = S_IFCHR;
+  link.target.status.st_rdev = makedev(188, 0);
+  link.present = true;
+  link.known = identity("/sys/left");
+  std::vector<PortLink> links{link};
+  JudgePins(links, {device("/dev/ttyUSB0", 0, "/sys/left"), device("/dev/ttyUSB1", 1, "/sys/right")}, {});
+  EXPECT_TRUE(links[0].present);
+  // Neither has a serial number, and the next time they are found in the other order.
+  const std::vector<SerialDevice> swapped{device("/dev/ttyUSB0", 0, "/sys/right"),
+                                          device("/dev/ttyUSB1", 1, "/sys/left")};
+  links = {link};
+  JudgePins(links, swapped, {});
+  EXPECT_FALSE(links[0].present) << "a command would reach the other one";
+  EXPECT_EQ(LinkMadeFor(swapped[1], links), &links[0]);
+  EXPECT_EQ(LinkMadeFor(swapped[0], links), nullptr);
 }
 
 TEST_F(PinnedDevices, AnotherMakeInTheSocketIsAnotherPort) {

@@ -187,7 +187,7 @@ struct Unusable {
 class UnusableFolder : public testing::TestWithParam<std::tuple<ChangeWatch::Mode, Unusable>> {
  protected:
   [[nodiscard]] QString Warning() const {
-    return QStringLiteral("the ports folder cannot be used: %1: %2")
+    return QStringLiteral("the ports folder cannot be used: \"%1\": %2")
         .arg(QString::fromStdString(m_scratch.At("ports")), QString(std::get<1>(GetParam()).reason));
   }
   void Break() const { std::get<1>(GetParam()).make(m_scratch); }
@@ -222,6 +222,19 @@ TEST_P(UnusableFolder, IsFoundOutOnceAndToldOnce) {
   EXPECT_EQ(m_source.ListingCount(), before);
   EXPECT_EQ(names, QStringList("before"));
   EXPECT_EQ(Warnings::Texts(), QStringList(Warning()));
+}
+
+TEST(PortSourceWarning, SpellsOutWhatAFolderIsCalled) {
+  const ScratchFolder scratch;
+  const Warnings warnings;
+  scratch.File("\x1b[2Jports");
+  LinuxPortSource source(QString::fromStdString(scratch.At("\x1b[2Jports")));
+  QStringList names;
+  EXPECT_FALSE(source.FriendlyNames(names));
+  ASSERT_EQ(Warnings::Texts().size(), 1);
+  EXPECT_TRUE(Warnings::Texts()[0].contains(QStringLiteral("\\u001B[2Jports")))
+      << Warnings::Texts()[0].toStdString();
+  EXPECT_FALSE(Warnings::Texts()[0].contains(QChar(0x1b)));
 }
 
 TEST_P(UnusableFolder, IsSeenWhenItIsMended) {
