@@ -25,14 +25,16 @@ bool IsThisUsersAlone(const QString& folder) {
          info.st_uid == ::geteuid() && (info.st_mode & (S_IWGRP | S_IWOTH)) == 0;
 }
 
-/// The session's own folder, gone with the session, where the system sets one up. Otherwise the one of the
-/// settings, which are what the lock is for: no place that another user could take first.
-QString FolderOfLock() {
+/// The session's own folder, gone with the session, where the system sets one up; empty where it does not.
+QString SessionFolder() {
   QString session = QDir::cleanPath(qEnvironmentVariable("XDG_RUNTIME_DIR"));
-  if (QDir::isAbsolutePath(session)) {
-    ::mkdir(QFile::encodeName(session).constData(), kPrivateFolder);
-    if (IsThisUsersAlone(session)) return session;
-  }
+  if (!QDir::isAbsolutePath(session)) return {};
+  ::mkdir(QFile::encodeName(session).constData(), kPrivateFolder);
+  return IsThisUsersAlone(session) ? session : QString();
+}
+
+/// The folder of the settings: no place that another user could take first.
+QString SettingsFolder() {
   QString settings = DataFolder();
   if (!settings.isEmpty()) MakeDataFolder(settings);
   return settings;
@@ -52,20 +54,28 @@ InstanceLock LockFile(const QByteArray& path) {
   return error == EWOULDBLOCK ? InstanceLock::TakenByAnother : InstanceLock::Failed;
 }
 
-}  // namespace
-
-InstanceLock TakeInstanceLock(QString& reason) {
-  const QString folder = FolderOfLock();
-  if (folder.isEmpty()) {
-    reason = WhyNoDataFolder();
-    return InstanceLock::Failed;
-  }
+InstanceLock LockIn(const QString& folder, QString& reason) {
   const QString path = QDir(folder).filePath(QStringLiteral("Quarn.exe.lock"));
   const InstanceLock lock = LockFile(QFile::encodeName(path));
   if (lock == InstanceLock::Failed) {
     reason = path + QStringLiteral(": ") + QString::fromStdString(std::generic_category().message(errno));
   }
   return lock;
+}
+
+}  // namespace
+
+// The settings are what the lock is for, and everybody who uses them sees a lock beside them: also somebody
+// who came by a way that sets up no session. The session's folder is for those whose settings cannot be
+// written.
+InstanceLock TakeInstanceLock(QString& reason) {
+  const QString session = SessionFolder();
+  const InstanceLock first = session.isEmpty() ? InstanceLock::Taken : LockIn(session, reason);
+  if (first != InstanceLock::Taken) return first;
+  const QString settings = SettingsFolder();
+  if (settings.isEmpty()) reason = WhyNoDataFolder();
+  const InstanceLock second = settings.isEmpty() ? InstanceLock::Failed : LockIn(settings, reason);
+  return second == InstanceLock::Failed && !session.isEmpty() ? InstanceLock::Taken : second;
 }
 
 }  // namespace quarn

@@ -132,6 +132,27 @@ TEST_F(InstanceLockTest, LiesBesideTheSettingsWhereTheSessionHasNoFolder) {
   EXPECT_FALSE(QFile::exists(QStringLiteral("relative")));
 }
 
+TEST_F(InstanceLockTest, IsSeenFromASessionThatHasNoFolder) {
+  Holder holder;
+  Set("XDG_RUNTIME_DIR", QByteArray());
+  EXPECT_EQ(Take(), InstanceLock::TakenByAnother);
+}
+
+TEST_F(InstanceLockTest, IsSeenFromASessionThatHasAFolder) {
+  Set("XDG_RUNTIME_DIR", QByteArray());
+  Holder holder;
+  UseFolder(m_folder.path());
+  EXPECT_EQ(Take(), InstanceLock::TakenByAnother);
+}
+
+TEST_F(InstanceLockTest, NeedsNoSettingsThatCanBeWritten) {
+  for (const QByteArray& useless : {QByteArray("/proc/self/no/such"), QByteArray("/dev/null")}) {
+    Set("XDG_CONFIG_HOME", useless);
+    Holder holder;
+    EXPECT_EQ(Take(), InstanceLock::TakenByAnother);
+  }
+}
+
 TEST_F(InstanceLockTest, NeedsNoPlaceThatAnotherUserCouldTakeFirst) {
   // What stands in the folder for everybody's temporary files does not matter.
   Set("XDG_RUNTIME_DIR", QByteArray());
