@@ -159,8 +159,8 @@ void PortMonitor::OfferToConnect(const QString& port) {
   PortConnection& connection = m_program.connection;
   QString& current = m_program.state.currentPortName;
   if (!m_program.messages->AskYesNo(QStringLiteral(": Confirmation"), QString(),
-                                    QStringLiteral("Do you want to connect to \"%1\" ?").arg(port),
-                                    QString())) {
+                                    QStringLiteral("Do you want to connect to \"%1\" ?").arg(port), QString(),
+                                    AnswerByDefault::AgreeUncalled)) {
     connection.connected = false;
     current = QStringLiteral("NONE");
     return;

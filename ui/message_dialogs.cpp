@@ -41,6 +41,8 @@ constexpr QRect kPictureUnits{0, 0, 23, 20};
 /// A box takes no more of the screen than this, whatever it has to say.
 constexpr int kMostPercentOfScreen = 90;
 constexpr int kWholePercent = 100;
+/// Who types looks up no sooner than this from when a box has come up.
+constexpr int kTypedBeforeMs = 500;
 
 QSize MostRoom() {
   const QScreen* screen = QGuiApplication::primaryScreen();
@@ -115,7 +117,8 @@ MessageDialog::MessageDialog(QWidget* owner, const QString& name, const QString&
                              const std::vector<MessageLine>& lines, const std::vector<MessageButton>& buttons,
                              AnswerByDefault byDefault, bool warningPicture)
     : PlacedDialog(owner,
-                   Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint) {
+                   Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint),
+      m_comesByItself(byDefault == AnswerByDefault::AgreeUncalled) {
   setObjectName(name);
   setWindowTitle(caption);
   setAccessibleDescription(Spoken(lines));
@@ -184,7 +187,7 @@ QHBoxLayout* MessageDialog::AddButtons(const std::vector<MessageButton>& buttons
     row->addWidget(button);
     m_buttons.push_back(button);
     const bool agrees = each.result != 0;
-    if (agrees == (byDefault == AnswerByDefault::Agree)) m_defaultButton = button;
+    if (agrees == (byDefault != AnswerByDefault::Refuse)) m_defaultButton = button;
   }
   row->addStretch();
   m_defaultButton->setDefault(true);
@@ -194,6 +197,7 @@ QHBoxLayout* MessageDialog::AddButtons(const std::vector<MessageButton>& buttons
 void MessageDialog::showEvent(QShowEvent* event) {
   PlacedDialog::showEvent(event);
   if (m_defaultButton != nullptr) m_defaultButton->setFocus();
+  if (m_comesByItself) m_typedBefore.setRemainingTime(kTypedBeforeMs, Qt::PreciseTimer);
 }
 
 void MessageDialog::keyPressEvent(QKeyEvent* event) {
@@ -207,6 +211,7 @@ void MessageDialog::keyPressEvent(QKeyEvent* event) {
 QPushButton* MessageDialog::ButtonOfKey(const QKeyEvent& event) const {
   // With Shift or Alt it is still the letter; a key held down since before the box came up is no answer.
   const Qt::KeyboardModifiers others = event.modifiers() & ~(Qt::ShiftModifier | Qt::AltModifier);
+  if (m_comesByItself && !m_typedBefore.hasExpired()) return nullptr;
   if (m_buttons.size() < 2 || others != Qt::NoModifier || event.isAutoRepeat()) return nullptr;
   const auto found = std::find_if(m_buttons.begin(), m_buttons.end(), [&event](const QPushButton* button) {
     return button->text().front().unicode() == event.key();

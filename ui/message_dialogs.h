@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QBasicTimer>
+#include <QDeadlineTimer>
 #include <QPoint>
 #include <QSize>
 #include <QString>
@@ -33,8 +34,8 @@ struct MessageButton {
 
 /// A small modal box: lines from top to bottom (empty ones take no room), buttons from left to right. The
 /// button of the answer by default has the focus; where there are two, the letter that a button begins with
-/// presses it. The box grows with its text up to nine tenths of the screen; longer lines wrap, and what is
-/// still too tall scrolls. Nothing is clipped.
+/// presses it, but not in the first half second of a box that comes by itself. The box grows with its text up
+/// to nine tenths of the screen; longer lines wrap, and what is still too tall scrolls. Nothing is clipped.
 class MessageDialog : public PlacedDialog {
  public:
   /// 0 until a button says otherwise; also after the close box or Escape.
@@ -59,6 +60,8 @@ class MessageDialog : public PlacedDialog {
 
   std::vector<QPushButton*> m_buttons;
   QPushButton* m_defaultButton = nullptr;
+  const bool m_comesByItself;
+  QDeadlineTimer m_typedBefore;  ///< until then a letter was meant for the window that was there before
   int m_answer = 0;
 };
 

@@ -9,7 +9,8 @@ namespace quarn {
 /// The answer that Enter gives to a question unless its person chooses the other: the one that loses nothing.
 enum class AnswerByDefault {
   Agree,
-  Refuse,  ///< agreeing can lose something
+  Refuse,         ///< agreeing can lose something
+  AgreeUncalled,  ///< the question comes by itself: a letter in its first half second is no answer to it
 };
 
 /// Everything the program ever tells or asks its user in a box of its own. Plain Qt Core, so that every

@@ -92,7 +92,7 @@ TEST_F(QuestionDefaults, ToConnectIsTheDefault) {
   dialog.Monitor().ListPorts();
   ports.names = {QStringLiteral("COM3")};
   for (int i = 0; i < 12; ++i) dialog.Monitor().Tick();
-  ExpectAsked("Do you want to connect to \"COM3\" ?", AnswerByDefault::Agree);
+  ExpectAsked("Do you want to connect to \"COM3\" ?", AnswerByDefault::AgreeUncalled);
 }
 
 TEST_F(QuestionDefaults, NobodyLosesAnUnknownKeyWithEnter) {

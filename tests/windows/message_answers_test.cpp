@@ -116,6 +116,29 @@ TEST(MessageAnswers, ABoxWithoutAQuestionIsNotSentAwayByALetter) {
   EXPECT_TRUE(box.isVisible());
 }
 
+TEST(MessageAnswers, AQuestionThatComesByItselfTakesNoLetterOfWhoIsTyping) {
+  const Maker make = [] {
+    return std::make_unique<CConfirmYesNo>(nullptr, kConfirmationSuffix, QString(), kText, QString(),
+                                           AnswerByDefault::AgreeUncalled);
+  };
+  const std::unique_ptr<MessageDialog> box = make();
+  QElapsedTimer shown;
+  shown.start();
+  ShowActive(*box);
+  Press(Qt::Key_N);
+  Press(Qt::Key_Y);
+  // Once it can have been read.
+  EXPECT_TRUE(QTest::qWaitFor([&] {
+    if (box->isVisible()) Press(Qt::Key_N);
+    return !box->isVisible();
+  }));
+  EXPECT_GE(shown.elapsed(), 500);
+  EXPECT_EQ(box->Answer(), 0);
+  EXPECT_EQ(After(make, Keys({Qt::Key_Return})), kAgreed);
+  EXPECT_EQ(After(make, Keys({Qt::Key_Right, Qt::Key_Return})), kRefused);
+  EXPECT_EQ(After(make, Click(kYesId)), kAgreed);
+}
+
 struct HarmlessQuestion {
   const char* name;
   Maker make;
