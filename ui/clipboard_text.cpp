@@ -1,13 +1,12 @@
 #include "ui/clipboard_text.h"
 
-#include <QClipboard>
 #include <QGuiApplication>
 #include <QMimeData>
 
 namespace quarn {
 
-std::optional<QString> ClipboardTextFromQt() {
-  const QMimeData* content = QGuiApplication::clipboard()->mimeData();
+std::optional<QString> ClipboardTextFromQt(QClipboard::Mode mode) {
+  const QMimeData* content = QGuiApplication::clipboard()->mimeData(mode);
   if (content == nullptr || !content->hasText()) return std::nullopt;
   return content->text();
 }

@@ -4,7 +4,6 @@
 #include <poll.h>
 #include <xcb/xcb.h>
 
-#include <QClipboard>
 #include <QDeadlineTimer>
 #include <QGuiApplication>
 #include <array>
@@ -32,7 +31,7 @@ struct Disconnected {
 /// One question to the owner of the clipboard.
 class Question {
  public:
-  Question(InputHold& hold, int limitMs)
+  Question(InputHold& hold, QClipboard::Mode mode, int limitMs)
       : m_hold(hold), m_deadline(limitMs, Qt::PreciseTimer), m_connection(xcb_connect(nullptr, nullptr)) {
     if (xcb_connection_has_error(m_connection.get()) != 0) return;
     const xcb_setup_t* setup = xcb_get_setup(m_connection.get());
@@ -41,7 +40,7 @@ class Question {
     const std::uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE;
     xcb_create_window(m_connection.get(), XCB_COPY_FROM_PARENT, m_window, screen->root, 0, 0, 1, 1, 0,
                       XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK, &events);
-    m_clipboard = Atom("CLIPBOARD");
+    m_selection = Atom(mode == QClipboard::Selection ? "PRIMARY" : "CLIPBOARD");
     m_property = Atom("QUARN_PASTE");
     m_inPieces = Atom("INCR");
   }
@@ -50,7 +49,7 @@ class Question {
   std::optional<QString> Ask() {
     if (m_window == XCB_NONE) return std::nullopt;
     for (const char* kind : {"UTF8_STRING", "text/plain;charset=utf-8", "STRING"}) {
-      xcb_convert_selection(m_connection.get(), m_window, m_clipboard, Atom(kind), m_property,
+      xcb_convert_selection(m_connection.get(), m_window, m_selection, Atom(kind), m_property,
                             XCB_CURRENT_TIME);
       xcb_flush(m_connection.get());
       const std::optional<bool> has = IsAnswered();
@@ -102,17 +101,22 @@ class Question {
     xcb_atom_t type = XCB_NONE;
     QByteArray bytes = Take(type);
     if (type != m_inPieces) return bytes;
+    // A long text comes in pieces: each is put there once the one before has been taken, the last is empty.
+    QByteArray whole;
     while (const auto event = Next()) {
       if (KindOf(*event) != XCB_PROPERTY_NOTIFY) continue;
       const auto& changed = reinterpret_cast<const xcb_property_notify_event_t&>(*event);
-      if (changed.atom == m_property && changed.state == XCB_PROPERTY_NEW_VALUE) return Take(type);
+      if (changed.atom != m_property || changed.state != XCB_PROPERTY_NEW_VALUE) continue;
+      const QByteArray piece = Take(type);
+      whole.append(piece);
+      if (piece.isEmpty() || whole.size() >= kMostBytes) return whole;
     }
     return std::nullopt;
   }
 
   /// What the owner has put there, at most a megabyte of it; it is gone then.
   QByteArray Take(xcb_atom_t& type) {
-    constexpr std::uint32_t kMostWords = 1024 * 1024 / 4;
+    constexpr std::uint32_t kMostWords = kMostBytes / 4;
     const auto asked = xcb_get_property(m_connection.get(), 1, m_window, m_property,
                                         XCB_GET_PROPERTY_TYPE_ANY, 0, kMostWords);
     const Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(m_connection.get(), asked, nullptr));
@@ -122,24 +126,26 @@ class Question {
             xcb_get_property_value_length(reply.get())};
   }
 
+  static constexpr int kMostBytes = 1024 * 1024;
+
   InputHold& m_hold;
   const QDeadlineTimer m_deadline;
   const std::unique_ptr<xcb_connection_t, Disconnected> m_connection;
   xcb_window_t m_window = XCB_NONE;
-  xcb_atom_t m_clipboard = XCB_NONE;
+  xcb_atom_t m_selection = XCB_NONE;
   xcb_atom_t m_property = XCB_NONE;
   xcb_atom_t m_inPieces = XCB_NONE;
 };
 
 }  // namespace
 
-std::optional<QString> ClipboardText(InputHold& hold, int limitMs) {
+std::optional<QString> ClipboardText(InputHold& hold, QClipboard::Mode mode, int limitMs) {
   // From the program itself, and on Wayland, nobody has to be waited for.
-  if (QGuiApplication::platformName() != u"xcb" || QGuiApplication::clipboard()->ownsClipboard()) {
-    return ClipboardTextFromQt();
-  }
+  const QClipboard& clipboard = *QGuiApplication::clipboard();
+  const bool own = mode == QClipboard::Selection ? clipboard.ownsSelection() : clipboard.ownsClipboard();
+  if (QGuiApplication::platformName() != u"xcb" || own) return ClipboardTextFromQt(mode);
   hold.Begin();
-  std::optional<QString> text = Question(hold, limitMs).Ask();
+  std::optional<QString> text = Question(hold, mode, limitMs).Ask();
   hold.End();
   return text;
 }

@@ -13,6 +13,7 @@
 #include "ui/clipboard_text.h"
 #include "ui/control.h"
 #include "ui/dialog_grid.h"
+#include "ui/paste_field.h"
 #include "ui/placement.h"
 
 namespace quarn {
@@ -54,8 +55,8 @@ class StoredCommandValidator final : public QValidator {
   }
 };
 
-QLineEdit* CreateField(QWidget* parent, int index, int controlId) {
-  auto* field = WithControlId(new QLineEdit(parent), controlId);
+QLineEdit* CreateField(QWidget* parent, PasteField::Source pasted, int index, int controlId) {
+  auto* field = WithControlId(new PasteField(parent, std::move(pasted)), controlId);
   field->setObjectName(QStringLiteral("MEM%1").arg(index));
   field->setAccessibleName(field->objectName());
   field->setAccessibleDescription(QStringLiteral("Stored command of F%1").arg(index + 1));
@@ -115,12 +116,13 @@ CSetMem::CSetMem(QWidget* owner, const FunctionKeyTableContext& context)
 void CSetMem::CreateRows(QBoxLayout& column) {
   const DialogGrid grid(*this);
   const QSize keySize(grid.Width(kKeyWidth), grid.Height(DialogGrid::kRowHeight));
+  const auto pasted = [this](QClipboard::Mode mode) { return Pasted(mode); };
   auto* validator = new StoredCommandValidator(this);
   for (int index = 0; index < kStoredCommandCount; ++index) {
     const auto i = static_cast<std::size_t>(index);
     auto* key = CreateButton(this, QStringLiteral("F%1").arg(index + 1), kRows[i].buttonId, keySize);
     connect(key, &QPushButton::clicked, this, [this, index] { PressFunctionButton(index); });
-    QLineEdit* field = CreateField(this, index, kRows[i].fieldId);
+    QLineEdit* field = CreateField(this, pasted, index, kRows[i].fieldId);
     KeepReadable(*field, palette());
     field->setValidator(validator);
     field->setFixedWidth(grid.Width(kFieldWidth));
@@ -199,15 +201,7 @@ void CSetMem::changeEvent(QEvent* event) {
 }
 
 bool CSetMem::eventFilter(QObject* receiver, QEvent* event) {
-  if (event->type() == QEvent::KeyPress) {
-    const auto& key = static_cast<QKeyEvent&>(*event);
-    auto* field = qobject_cast<QLineEdit*>(receiver);
-    if (field != nullptr && key.matches(QKeySequence::Paste)) {
-      PasteInto(*field);
-      return true;
-    }
-    if (HandleKey(key)) return true;
-  }
+  if (event->type() == QEvent::KeyPress && HandleKey(static_cast<QKeyEvent&>(*event))) return true;
   return PolledDialog::eventFilter(receiver, event);
 }
 
@@ -215,10 +209,10 @@ void CSetMem::keyPressEvent(QKeyEvent* event) {
   if (!HandleKey(*event)) PolledDialog::keyPressEvent(event);
 }
 
-void CSetMem::PasteInto(QLineEdit& field) {
-  if (m_hold.IsHolding()) return;
+std::optional<QString> CSetMem::Pasted(QClipboard::Mode mode) {
+  if (m_hold.IsHolding()) return std::nullopt;
   const Busy busy(*this);
-  if (const std::optional<QString> text = ClipboardText(m_hold)) field.insert(*text);
+  return ClipboardText(m_hold, mode);
 }
 
 bool CSetMem::HandleKey(const QKeyEvent& event) {

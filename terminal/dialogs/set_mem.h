@@ -1,8 +1,10 @@
 #pragma once
 
+#include <QClipboard>
 #include <QRect>
 #include <QString>
 #include <array>
+#include <optional>
 
 #include "settings/settings_record.h"
 #include "terminal/function_key_table.h"
@@ -50,7 +52,7 @@ class CSetMem final : public PolledDialog {
   void ShowState();
 
   bool HandleKey(const QKeyEvent& event);
-  void PasteInto(QLineEdit& field);
+  std::optional<QString> Pasted(QClipboard::Mode mode);
   void PressFunctionButton(int index);
   void RequestStoredCommand(int index);
   void Send();

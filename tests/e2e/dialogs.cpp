@@ -54,12 +54,6 @@ std::optional<Control> Dialogs::FindList(const QString& titlePattern, qsizetype 
 }
 
 void Dialogs::Pick(const QString& titlePattern, qsizetype list, const QString& item) {
-  const auto windows = [this] {
-    return desktop
-        .Run(QStringLiteral("xdotool"), {QStringLiteral("search"), QStringLiteral("--onlyvisible"),
-                                         QStringLiteral("--class"), QStringLiteral("^quarn$")})
-        .count('\n');
-  };
   std::optional<Control> found;
   ASSERT_TRUE(Eventually([&] {
     found = FindList(titlePattern, list);
@@ -68,19 +62,26 @@ void Dialogs::Pick(const QString& titlePattern, qsizetype list, const QString& i
   Focus(WaitForWindow(titlePattern));
   EXPECT_TRUE(Eventually([&] {
     // Counted anew for each try: a note that goes by itself may have been among them.
-    const qsizetype before = windows();
+    const qsizetype before = CountWindows();
     if (found) ClickOnScreen(found->place.center());
-    if (!Eventually([&] { return windows() > before; }, kOneTryMs)) return false;
+    if (!Eventually([&] { return CountWindows() > before; }, kOneTryMs)) return false;
     Type(item);
     Press({QStringLiteral("Return")});
     return Eventually(
         [&] {
           found = FindList(titlePattern, list);
-          return windows() == before && found && found->name == item;
+          return CountWindows() == before && found && found->name == item;
         },
         kOneTryMs);
   })) << item.toStdString()
       << " cannot be picked";
+}
+
+qsizetype Dialogs::CountWindows() {
+  return desktop
+      .Run(QStringLiteral("xdotool"), {QStringLiteral("search"), QStringLiteral("--onlyvisible"),
+                                       QStringLiteral("--class"), QStringLiteral("^quarn$")})
+      .count('\n');
 }
 
 void Dialogs::PressOk(const QString& titlePattern) {
@@ -156,11 +157,8 @@ bool Dialogs::FileHas(const QByteArray& key, const QByteArray& value) const {
 ::testing::AssertionResult Dialogs::OuterSizeBecomes(const QString& window, QSize size) {
   QSize found;
   if (Eventually([&] {
-        const QByteArray text = desktop.Run(
-            QStringLiteral("xprop"), {QStringLiteral("-id"), window, QStringLiteral("_NET_FRAME_EXTENTS")});
-        const QList<QByteArray> sides = text.mid(text.indexOf('=') + 1).trimmed().split(',');
-        const auto side = [&](qsizetype i) { return sides.value(i).trimmed().toInt(); };
-        found = Geometry(window).size() + QSize(side(0) + side(1), side(2) + side(3));
+        const std::optional<QRect> outer = desktop.Outer(window);
+        found = outer ? outer->size() : QSize();
         return found == size;
       }))
     return ::testing::AssertionSuccess();

@@ -20,6 +20,8 @@ class Dialogs : public Commands {
   void Pick(const QString& titlePattern, qsizetype list, const QString& item);
   /// The drop-down list; its name is the item it shows.
   std::optional<Control> FindList(const QString& titlePattern, qsizetype list);
+  /// How many windows of the program are to be seen: menus and lists are some, too.
+  qsizetype CountWindows();
   void PressOk(const QString& titlePattern);
   /// Clicks on the button that the window manager puts on the frame.
   void ClickCloseBox(const QString& titlePattern);

@@ -1,8 +1,3 @@
-
-#include <signal.h>
-
-#include <QElapsedTimer>
-
 #include "e2e/desktop.h"
 
 namespace quarn::test {
@@ -69,33 +64,10 @@ TEST_F(Keyboard, ClipboardKeys) {
   EXPECT_TRUE(WireBecomes("pasted\rd\r"));
 }
 
-TEST_F(Keyboard, AClipboardWhoseOwnerSaysNothingHoldsNobodyUp) {
-  Start();
-  ChildProcess owner;
-  owner.setProcessEnvironment(desktop.Environment());
-  owner.start(QStringLiteral("xclip"),
-              {QStringLiteral("-selection"), QStringLiteral("clipboard"), QStringLiteral("-quiet")});
-  ASSERT_TRUE(owner.waitForStarted());
-  owner.write("never told");
-  owner.closeWriteChannel();
-  while (owner.bytesToWrite() > 0 && owner.waitForBytesWritten()) {
-  }
-  ASSERT_TRUE(Eventually([this] { return ClipboardText() == "never told"; }));
-  ASSERT_EQ(kill(static_cast<pid_t>(owner.processId()), SIGSTOP), 0);
-  Type(QStringLiteral("ab"));
-  // The toolkit's own way would take five seconds for each time that it asks.
-  QElapsedTimer waited;
-  waited.start();
-  Press(Keys("ctrl+v c Return"));
-  EXPECT_TRUE(WireBecomes("abc\r"));
-  EXPECT_LT(waited.elapsed(), 4500);
-  kill(static_cast<pid_t>(owner.processId()), SIGCONT);
-  End(owner);
-}
-
 TEST_F(Keyboard, AVeryLongClipboardComesInPieces) {
   Start();
-  SetClipboard(QByteArray("\t\n").repeated(20) + QByteArray(3000000, 'x'));
+  // What can be taken begins in a piece behind the first one.
+  SetClipboard(QByteArray("\t\n").repeated(200000) + QByteArray(3000000, 'x'));
   Press(Keys("ctrl+v Return"));
   EXPECT_TRUE(WireBecomes(std::string(48, 'x') + '\r'));
 }

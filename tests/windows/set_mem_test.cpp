@@ -1,4 +1,6 @@
 #include <QAccessible>
+#include <QContextMenuEvent>
+#include <QMenu>
 
 #include "support/message_texts.h"
 #include "support/window_places.h"
@@ -300,6 +302,27 @@ TEST_F(SetMem, FieldsHoldTheLongestCommandAndNoLineBreak) {
   EXPECT_EQ(FileBytes(), QByteArray(before)
                              .replace("MEM0=function-1\r\n", "MEM0=" + QByteArray(1018, 'x') + "\r\n")
                              .replace("MEM1=function-2\r\n", "MEM1=onetwothree\r\n"));
+}
+
+TEST_F(SetMem, TextIsPastedFromTheMenuOfAField) {
+  OpenTable();
+  ClickCommand(kEdit);
+  QApplication::clipboard()->setText(QStringLiteral("pa\nsted"));
+  ClickOn(Field(1));
+  Field(1).selectAll();
+  const QPoint place(5, 5);
+  QContextMenuEvent asked(QContextMenuEvent::Mouse, place, Field(1).mapToGlobal(place));
+  QApplication::sendEvent(&Field(1), &asked);
+  const auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+  ASSERT_NE(menu, nullptr);
+  QStringList enabled;
+  for (QAction* action : menu->actions()) {
+    if (action->isEnabled() && !action->isSeparator())
+      enabled.append(action->text().remove(QLatin1Char('&')));
+  }
+  EXPECT_EQ(enabled, QStringList({"Cut", "Copy", "Paste", "Delete", "Select All"}));
+  QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_P);
+  EXPECT_EQ(Field(1).text(), QStringLiteral("pasted"));
 }
 
 TEST_F(SetMem, LongTextsFromAFileAreNotCut) {

@@ -1,0 +1,60 @@
+#include "ui/paste_field.h"
+
+#include <QAction>
+#include <QContextMenuEvent>
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QMouseEvent>
+#include <utility>
+
+namespace quarn {
+
+PasteField::PasteField(QWidget* parent, Source source) : QLineEdit(parent), m_source(std::move(source)) {}
+
+void PasteField::keyPressEvent(QKeyEvent* event) {
+  if (event->matches(QKeySequence::Paste)) {
+    PasteFrom(QClipboard::Clipboard);
+  } else {
+    QLineEdit::keyPressEvent(event);
+  }
+}
+
+void PasteField::mouseReleaseEvent(QMouseEvent* event) {
+  if (event->button() == Qt::MiddleButton && QGuiApplication::clipboard()->supportsSelection()) {
+    deselect();
+    PasteFrom(QClipboard::Selection);
+  } else {
+    QLineEdit::mouseReleaseEvent(event);
+  }
+}
+
+void PasteField::contextMenuEvent(QContextMenuEvent* event) {
+  auto* menu = new QMenu(this);
+  menu->setAttribute(Qt::WA_DeleteOnClose);
+  const auto add = [&](const char* text, QKeySequence::StandardKey key, bool enabled, auto&& act) {
+    QAction* action = menu->addAction(QLatin1String(text), this, act);
+    action->setShortcut(key);
+    action->setShortcutVisibleInContextMenu(true);
+    action->setEnabled(enabled);
+  };
+  const bool edits = !isReadOnly();
+  add("&Undo", QKeySequence::Undo, edits && isUndoAvailable(), &QLineEdit::undo);
+  add("&Redo", QKeySequence::Redo, edits && isRedoAvailable(), &QLineEdit::redo);
+  menu->addSeparator();
+  add("Cu&t", QKeySequence::Cut, edits && hasSelectedText(), &QLineEdit::cut);
+  add("&Copy", QKeySequence::Copy, hasSelectedText(), &QLineEdit::copy);
+  add("&Paste", QKeySequence::Paste, edits, [this] { PasteFrom(QClipboard::Clipboard); });
+  add("Delete", QKeySequence::UnknownKey, edits && hasSelectedText(), &QLineEdit::del);
+  menu->addSeparator();
+  add("Select All", QKeySequence::SelectAll, !text().isEmpty(), &QLineEdit::selectAll);
+  menu->popup(event->globalPos());
+  event->accept();
+}
+
+void PasteField::PasteFrom(QClipboard::Mode mode) {
+  if (isReadOnly()) return;
+  if (const std::optional<QString> text = m_source(mode)) insert(*text);
+}
+
+}  // namespace quarn
