@@ -83,6 +83,28 @@ QStringList Desktop::Windows(const QString& titlePattern) const {
   return QString::fromLatin1(found).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
 }
 
+std::optional<QMargins> Desktop::Frame(const QString& window) const {
+  const QByteArray text =
+      Run(QStringLiteral("xprop"), {QStringLiteral("-id"), window, QStringLiteral("_NET_FRAME_EXTENTS")});
+  const QList<QByteArray> sides = text.mid(text.indexOf('=') + 1).trimmed().split(',');
+  if (sides.size() != 4) return std::nullopt;
+  const auto side = [&](qsizetype i) { return sides[i].trimmed().toInt(); };
+  return QMargins(side(0), side(2), side(1), side(3));
+}
+
+std::optional<QRect> Desktop::Outer(const QString& window) const {
+  const std::optional<QMargins> frame = Frame(window);
+  if (!frame) return std::nullopt;
+  const QString text = QString::fromLatin1(Run(QStringLiteral("xwininfo"), {QStringLiteral("-id"), window}));
+  const auto value = [&](const char* name) {
+    const QRegularExpression line(QStringLiteral("%1: +(-?\\d+)").arg(QLatin1String(name)));
+    return line.match(text).captured(1).toInt();
+  };
+  const QRect inner(value("Absolute upper-left X"), value("Absolute upper-left Y"), value("Width"),
+                    value("Height"));
+  return inner.marginsAdded(*frame);
+}
+
 EndToEnd::EndToEnd() : portLinks(config.filePath(QStringLiteral("Halvo/Quarn/ports"))) {
   QProcessEnvironment environment = desktop.Environment();
   environment.insert(QStringLiteral("HOME"), home.path());

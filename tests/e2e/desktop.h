@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QByteArray>
+#include <QMargins>
 #include <QPoint>
 #include <QProcess>
 #include <QRect>
@@ -10,6 +11,7 @@
 #include <QStringList>
 #include <QTemporaryDir>
 #include <memory>
+#include <optional>
 
 #include "e2e/port_links.h"
 #include "e2e/processes.h"
@@ -30,6 +32,10 @@ class Desktop {
   QByteArray Run(const QString& tool, const QStringList& arguments) const;
   /// The ids of the visible windows whose titles match; empty when there is none.
   QStringList Windows(const QString& titlePattern) const;
+  /// What the window manager has put on each side; nothing while it has not told.
+  [[nodiscard]] std::optional<QMargins> Frame(const QString& window) const;
+  /// Where the window is on the screen, with its frame; nothing while that is not known.
+  [[nodiscard]] std::optional<QRect> Outer(const QString& window) const;
   [[nodiscard]] QProcessEnvironment Environment() const;
 
  private:

@@ -3,7 +3,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QRegularExpression>
 
 #include "identity.h"
 #include "settings/key_store.h"
@@ -115,27 +114,15 @@ void Starts::AcknowledgeNoPort() {
 }
 
 QMargins Starts::Frame(const QString& window) {
-  QList<QByteArray> sides;
-  EXPECT_TRUE(Eventually([&] {
-    const QByteArray text = desktop.Run(
-        QStringLiteral("xprop"), {QStringLiteral("-id"), window, QStringLiteral("_NET_FRAME_EXTENTS")});
-    sides = text.mid(text.indexOf('=') + 1).trimmed().split(',');
-    return sides.size() == 4;
-  }));
-  const auto side = [&](int index) { return sides.value(index).trimmed().toInt(); };
-  return {side(0), side(2), side(1), side(3)};
+  std::optional<QMargins> frame;
+  EXPECT_TRUE(Eventually([&] { return (frame = desktop.Frame(window)).has_value(); }));
+  return frame.value_or(QMargins());
 }
 
 QRect Starts::Outer(const QString& window) {
-  const QString text =
-      QString::fromLatin1(desktop.Run(QStringLiteral("xwininfo"), {QStringLiteral("-id"), window}));
-  const auto value = [&](const char* name) {
-    const QRegularExpression line(QStringLiteral("%1: +(-?\\d+)").arg(QLatin1String(name)));
-    return line.match(text).captured(1).toInt();
-  };
-  const QRect inner(value("Absolute upper-left X"), value("Absolute upper-left Y"), value("Width"),
-                    value("Height"));
-  return inner.marginsAdded(Frame(window));
+  std::optional<QRect> outer;
+  EXPECT_TRUE(Eventually([&] { return (outer = desktop.Outer(window)).has_value(); }));
+  return outer.value_or(QRect());
 }
 
 void Starts::ClickCloseBox(const QString& window, const std::function<bool()>& until) {

@@ -42,7 +42,7 @@ class Starts : public AccessibleWindows {
 
   /// What the window manager adds on each side; waits for it.
   QMargins Frame(const QString& window);
-  /// On the screen, with the frame.
+  /// On the screen, with the frame; waits for it.
   QRect Outer(const QString& window);
   /// Clicks on the close box in the window's title bar, again as long as `until` does not hold.
   void ClickCloseBox(const QString& window, const std::function<bool()>& until);

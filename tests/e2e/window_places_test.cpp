@@ -1,4 +1,3 @@
-#include <QRegularExpression>
 #include <algorithm>
 
 #include "e2e/dialogs.h"
@@ -13,30 +12,12 @@ class WindowPlaces : public Dialogs {
  protected:
   using Rule = std::function<QPoint(const QRect& main, QSize window)>;
 
-  /// Nothing while the window manager has not told the frame.
-  std::optional<QRect> Outer(const QString& window) {
-    const QByteArray frame = desktop.Run(
-        QStringLiteral("xprop"), {QStringLiteral("-id"), window, QStringLiteral("_NET_FRAME_EXTENTS")});
-    const QList<QByteArray> sides = frame.mid(frame.indexOf('=') + 1).trimmed().split(',');
-    if (sides.size() != 4) return std::nullopt;
-    const auto side = [&](qsizetype i) { return sides.value(i).trimmed().toInt(); };
-    const QString text =
-        QString::fromLatin1(desktop.Run(QStringLiteral("xwininfo"), {QStringLiteral("-id"), window}));
-    const auto value = [&](const char* name) {
-      const QRegularExpression line(QStringLiteral("%1: +(-?\\d+)").arg(QLatin1String(name)));
-      return line.match(text).captured(1).toInt();
-    };
-    const QRect inner(value("Absolute upper-left X"), value("Absolute upper-left Y"), value("Width"),
-                      value("Height"));
-    return inner.marginsAdded({side(0), side(2), side(1), side(3)});
-  }
-
   ::testing::AssertionResult StandsBy(const QString& titlePattern, const Rule& rule) {
     QRect found;
     QPoint wanted;
     const bool stands = Eventually([&] {
-      const std::optional<QRect> main = Outer(WaitForWindow(kMain));
-      const std::optional<QRect> window = Outer(WaitForWindow(titlePattern));
+      const std::optional<QRect> main = desktop.Outer(WaitForWindow(kMain));
+      const std::optional<QRect> window = desktop.Outer(WaitForWindow(titlePattern));
       if (!main || !window) return false;
       found = *window;
       wanted = rule(*main, window->size());
@@ -131,7 +112,7 @@ TEST_F(WindowPlaces, TheFunctionKeyTableStaysWhereItIs) {
   MoveAside(kTable, {612, 333});
   std::optional<QRect> moved;
   ASSERT_TRUE(Eventually([&] {
-    moved = Outer(WaitForWindow(kTable));
+    moved = desktop.Outer(WaitForWindow(kTable));
     return moved && moved->x() > 600;
   }));
   for (int times = 0; times < 10; ++times) {
@@ -161,7 +142,7 @@ TEST_F(WindowPlaces, WhatAPersonHasMovedStays) {
                                           QStringLiteral("640"), QStringLiteral("555")});
   std::optional<QRect> moved;
   ASSERT_TRUE(Eventually([&] {
-    moved = Outer(WaitForWindow(title));
+    moved = desktop.Outer(WaitForWindow(title));
     return moved && moved->y() > 500;
   }));
   // The next dialog has found its own place: time enough for this one to go astray.
