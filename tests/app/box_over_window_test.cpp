@@ -1,5 +1,7 @@
 // Every kind of box over every kind of window, and the window under it closes or is gone.
 
+#include <QAbstractButton>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QTimer>
 #include <QWindow>
@@ -371,6 +373,20 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(
         Deed{"TerminalSend", command::kTerminalScreen, Nothing, "SEND"},
         Deed{"PortNumberSet", command::kPortNumber,
+             [](Program& program, QDialog& window) {
+               program.connection.portCount = 0;
+               window.findChild<QAbstractButton*>(QStringLiteral("setButton"))->setEnabled(true);
+             },
+             "setButton"},
+        Deed{"FunctionKeyTableSave", command::kFunctionKeyTable,
+             [](Program&, QDialog& window) {
+               auto* edit = window.findChild<QAbstractButton*>(QStringLiteral("EDIT"));
+               edit->click();
+               window.findChild<QLineEdit*>(QStringLiteral("MEM0"))->setText(QStringLiteral("new"));
+               edit->click();
+             },
+             "SAVE"},
+        Deed{"DetailedListSet", command::kDetailedPortList,
              [](Program& program, QDialog& window) {
                program.connection.portCount = 0;
                window.findChild<QAbstractButton*>(QStringLiteral("setButton"))->setEnabled(true);

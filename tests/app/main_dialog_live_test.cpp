@@ -44,8 +44,8 @@ class MainDialogLive : public MainDialog {
 
 TEST_F(MainDialogLive, ThePositionForTheNextStartMovesNothingNow) {
   dialog.PlaceByPercent(3, 3);
-  const QSize screen = QGuiApplication::primaryScreen()->size();
-  ASSERT_TRUE(StandsAt(dialog, [&] { return PercentPosition(screen, OuterSize(dialog), 3, 3); }));
+  ASSERT_TRUE(
+      StandsOnScreen(dialog, [&](QSize screen) { return PercentPosition(screen, OuterSize(dialog), 3, 3); }));
   const QPoint place = dialog.pos();
   program.settings.mainPos = QStringLiteral("TL");
   Hit(Opened(32790, "CMainOption"), 1074);

@@ -24,8 +24,8 @@ TEST_F(PortSettingsDialog, OffersTheChoicesAndShowsTheValuesInForce) {
 
 TEST_F(PortSettingsDialog, StandsAtItsShareOfTheScreen) {
   Open();
-  const QSize screen = QGuiApplication::primaryScreen()->size();
-  EXPECT_TRUE(StandsAt(*window, [&] { return PercentPosition(screen, OuterSize(*window), 50, 20); }));
+  EXPECT_TRUE(StandsOnScreen(
+      *window, [&](QSize screen) { return PercentPosition(screen, OuterSize(*window), 50, 20); }));
 }
 
 TEST_F(PortSettingsDialog, RateThatIsNotOfferedIsNotSelectedAndStays) {

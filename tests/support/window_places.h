@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <QGuiApplication>
 #include <QPoint>
+#include <QRect>
+#include <QScreen>
 #include <QTest>
 #include <QWidget>
 
@@ -25,6 +28,13 @@ template <typename Place>
   return ::testing::AssertionFailure()
          << "it stands at " << window.pos().x() << ',' << window.pos().y() << " instead of " << place().x()
          << ',' << place().y() << (IsFrameKnown(window) ? "" : ", without a frame");
+}
+
+/// The same for a place on the primary screen, which need not begin at 0, 0: `place` takes its size.
+template <typename Place>
+::testing::AssertionResult StandsOnScreen(const QWidget& window, Place place) {
+  const QRect screen = QGuiApplication::primaryScreen()->geometry();
+  return StandsAt(window, [&] { return screen.topLeft() + place(screen.size()); });
 }
 
 }  // namespace quarn::test

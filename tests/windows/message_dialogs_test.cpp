@@ -166,14 +166,15 @@ TEST(MessageDialogs, PartsHaveNamesThatSpeak) {
 TEST(MessageDialogs, StandCentredOrWhereTheyWerePut) {
   CConfirmOK centred(nullptr, kError, kA, kB, kC);
   ShowActive(centred);
-  const QSize screen = QGuiApplication::primaryScreen()->geometry().size();
-  EXPECT_TRUE(StandsAt(centred, [&] { return CentredPosition(screen, OuterSize(centred)); }));
+  EXPECT_TRUE(
+      StandsOnScreen(centred, [&](QSize screen) { return CentredPosition(screen, OuterSize(centred)); }));
   COneshotMsgPos placed(nullptr, kA, QPoint(33, 44));
   ShowActive(placed);
   EXPECT_TRUE(StandsAt(placed, [] { return QPoint(33, 44); }));
   COneshotMsgPos unplaced(nullptr, kA, std::nullopt);
   ShowActive(unplaced);
-  EXPECT_TRUE(StandsAt(unplaced, [&] { return CentredPosition(screen, OuterSize(unplaced)); }));
+  EXPECT_TRUE(
+      StandsOnScreen(unplaced, [&](QSize screen) { return CentredPosition(screen, OuterSize(unplaced)); }));
 }
 
 }  // namespace

@@ -235,8 +235,8 @@ TEST_F(TerminalLook, ClearingTheLogAsksFirst) {
 
 TEST_F(TerminalLook, OpensCentredWithTheFocusOnSend) {
   Open();
-  const QSize screen = QGuiApplication::primaryScreen()->geometry().size();
-  EXPECT_TRUE(StandsAt(*window, [&] { return CentredPosition(screen, QSize(460, 740)); }));
+  EXPECT_TRUE(
+      StandsOnScreen(*window, [&](QSize screen) { return CentredPosition(screen, QSize(460, 740)); }));
   EXPECT_TRUE(Button("SEND").hasFocus());
 }
 

@@ -65,6 +65,29 @@ TEST_F(TerminalWait, EscapeAborts) {
   EXPECT_EQ(commandLine.Text(), QStringLiteral("mute"));
 }
 
+TEST_F(TerminalWait, AfterALineThatDiesWhileACommandIsOutNothingIsSentOnIt) {
+  Connect("\"id\" -> line \"answer\"\n* -> silence");
+  settings.rTimeout = QStringLiteral("OFF");
+  Open();
+  Type("id");
+  Press(Qt::Key_Return);
+  ASSERT_EQ(log.LineCount(), 2);
+  commandLine.Reset();
+  Type("mute");
+  OnceReceived("id\rmute\r", [this] { instrument.reset(); });
+  Press(Qt::Key_Return);
+  const int lines = log.LineCount();
+  EXPECT_FALSE(engine.IsBusy());
+  EXPECT_TRUE(messages.shown.isEmpty());
+  for (int times = 1; times <= 2; ++times) {
+    Press(Qt::Key_Return);
+    ASSERT_EQ(messages.shown.size(), times);
+    EXPECT_TRUE(messages.shown.last().contains(QStringLiteral("COM port is not available.")))
+        << messages.shown.last().toStdString();
+    EXPECT_EQ(log.LineCount(), lines) << "it would be no answer to this command";
+  }
+}
+
 TEST_F(TerminalWait, EscapeTakesTheEntersTypedAheadWithIt) {
   Connect("\"mute\" -> silence\n* -> line \"answer\"");
   settings.rTimeout = QStringLiteral("OFF");
