@@ -23,15 +23,16 @@ function(quarn_room NAME)
   target_sources(${NAME} PUBLIC FILE_SET HEADERS BASE_DIRS ${CMAKE_SOURCE_DIR} FILES ${_headers})
 endfunction()
 
-# quarn_test(NAME SOURCES... LABELS room... [LINK targets...] [WIDGETS] [SERIAL] [SHARDS n] [TIMEOUT s]) makes one
-# GoogleTest program and registers it with CTest: its cases run in one process, or in SHARDS processes beside one
-# another, named NAME.1 to NAME.n. A run has failed too when a case was skipped or is disabled. LABELS is the room
-# that is tested; each room that the program links adds uses-ROOM. WIDGETS runs it on the offscreen platform; on
-# Windows, where that is what the program is made for, on the real one. SERIAL: nothing else runs beside it.
+# quarn_test(NAME SOURCES... LABELS room... [LINK targets...] [WIDGETS] [SERIAL] [SHARDS n] [TIMEOUT s] [COST n])
+# makes one GoogleTest program and registers it with CTest: its cases run in one process, or in SHARDS processes
+# beside one another, named NAME.1 to NAME.n. A run has failed too when a case was skipped or is disabled. LABELS is
+# the room that is tested; each room that the program links adds uses-ROOM. WIDGETS runs it on the offscreen
+# platform; on Windows, where that is what the program is made for, on the real one. SERIAL: nothing else runs beside
+# it. COST: the higher it is, the earlier it starts; for those that take long.
 #
 # One process per case would spend more time on starting than on testing.
 function(quarn_test NAME)
-  cmake_parse_arguments(T "WIDGETS;SERIAL" "TIMEOUT;SHARDS" "SOURCES;LINK;LABELS" ${ARGN})
+  cmake_parse_arguments(T "WIDGETS;SERIAL" "TIMEOUT;SHARDS;COST" "SOURCES;LINK;LABELS" ${ARGN})
   if(NOT T_LABELS)
     message(FATAL_ERROR "the test program ${NAME} has no room: LABELS is missing")
   endif()
@@ -54,7 +55,7 @@ function(quarn_test NAME)
       list(APPEND _options ${_each})
     endif()
   endforeach()
-  foreach(_each SHARDS TIMEOUT)
+  foreach(_each SHARDS TIMEOUT COST)
     if(T_${_each})
       list(APPEND _options ${_each} ${T_${_each}})
     endif()
@@ -65,7 +66,7 @@ endfunction()
 # quarn_test_run(NAME PROGRAM LABELS ... [FILTER f] [ENVIRONMENT ...]) registers one more way to run a program of
 # quarn_test.
 function(quarn_test_run NAME PROGRAM)
-  cmake_parse_arguments(T "WIDGETS;SERIAL" "TIMEOUT;SHARDS;FILTER" "LABELS;ENVIRONMENT;EMULATOR" ${ARGN})
+  cmake_parse_arguments(T "WIDGETS;SERIAL" "TIMEOUT;SHARDS;COST;FILTER" "LABELS;ENVIRONMENT;EMULATOR" ${ARGN})
   if(NOT T_TIMEOUT)
     set(T_TIMEOUT 600)
   endif()
@@ -99,6 +100,9 @@ function(quarn_test_run NAME PROGRAM)
     add_test(NAME ${_name} COMMAND ${_command})
     set_tests_properties(${_name} PROPERTIES TIMEOUT ${T_TIMEOUT} LABELS "${T_LABELS}"
       FAIL_REGULAR_EXPRESSION "\\[  SKIPPED \\];DISABLED TEST;Running 0 tests")
+    if(T_COST)
+      set_tests_properties(${_name} PROPERTIES COST ${T_COST})
+    endif()
     if(_environment)
       set_tests_properties(${_name} PROPERTIES ENVIRONMENT "${_environment}")
     endif()

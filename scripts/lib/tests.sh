@@ -8,7 +8,7 @@ run_tests() {
   if (($# > 0)); then shift; fi
   rm -rf "$report" "$log" "build/$preset/reports"
   # Most of the time the tests wait: for a splash to go, for a line to fall silent.
-  $launcher ctest --preset "$preset" --parallel "$((3 * JOBS))" --no-tests=error --output-junit "$report" --output-log "$log" "$@"
+  $launcher ctest --preset "$preset" --parallel "$((5 * JOBS))" --no-tests=error --output-junit "$report" --output-log "$log" "$@"
   # CTest calls a run with skipped tests a success.
   local unrun
   unrun=$(grep -E '^[[:space:]]*<testcase .*status="(notrun|disabled)"' "$report" | sed 's/.*<testcase name="\([^"]*\)".*/  \1/') || true
