@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# Programs in the background, a virtual display, and the windows on it. Sourced after lib.sh. Whoever sources
+# Programs in the background, a virtual display, and the windows on it. Sourced after common.sh. Whoever sources
 # it first sets PLACE to the absolute path of a folder for logs and sockets, which is there before `start`
 # is used.
 
