@@ -1,11 +1,13 @@
 #!/usr/bin/env python3
-"""What the program costs as a whole, measured from outside on a virtual display; alone, or in turn with others.
+"""What the program costs as a whole, measured from outside; alone, or in turn with others.
 
     bench/program_bench.py PROGRAM --settings FILE [--runs N] [--idle SECONDS] [--beside LIBRARY]
 
+scripts/bench starts this on a virtual display, with what it needs of scripts/lib/display.sh.
+
 With a connected port (a pseudo-terminal) and the window in which commands are typed open:
   start     from the spawn to the main window on screen, less the waits that are the program's own: the splash
-            and the "Successfully Connected" message, 2000 ms each; looked at every millisecond
+            and the "Successfully Connected" message, 2000 ms each
   memory    proportional set size (PSS) in MiB at the end of the idle time
   idle      CPU milliseconds a second, all threads, all timers running, nothing sent
   switches  context switches a second in that time, all threads
@@ -14,7 +16,7 @@ With a connected port (a pseudo-terminal) and the window in which commands are t
 Before each run there is an unmeasured one, so that the files are warm. The last line says what the rest of the
 computer did meanwhile.
 """
-import argparse, ctypes, os, pathlib, select, signal, statistics, subprocess, sys, tempfile, time, tty
+import argparse, os, pathlib, re, select, signal, statistics, subprocess, sys, tempfile, threading, time, tty
 from dataclasses import dataclass, field
 
 LIMIT_S = 30
@@ -29,8 +31,8 @@ class Program:
     """How a program is started on a line. {port} stands for the line's path, {home} for the home folder."""
     name: str
     command: list
-    main: bytes                                      # in the main window's title
-    typed_in: bytes = b""                            # in the title of the window for commands, when it is another
+    main: str                                        # an expression for the main window's title
+    typed_in: str = ""                               # the same for the window for commands, when it is another
     own_waits_ms: int = 0
     files: dict = field(default_factory=dict)        # path in the home folder: text
     links: dict = field(default_factory=dict)        # path in the home folder: target
@@ -40,10 +42,10 @@ class Program:
 
 
 def quarn(program, settings):
-    return Program("quarn", [os.path.abspath(program)], b"Quarn   (COM3)", b"Quarn - Terminal", 4000,
+    return Program("quarn", [os.path.abspath(program)], r"^Quarn   \(COM3\)$", "^Quarn - Terminal", 4000,
                    files={"config/Halvo/Quarn/Quarn.ini": settings},
                    links={"config/Halvo/Quarn/ports/COM3": "{port}"}, line_end=b"\r",
-                   environment={"XDG_CONFIG_HOME": "{home}/config", "QT_QPA_PLATFORM": "xcb"})
+                   environment={"XDG_CONFIG_HOME": "{home}/config"})
 
 
 def others(modem_lines):
@@ -53,11 +55,11 @@ def others(modem_lines):
                "FlowControl": 1, "OpenMode": 3}
     session = cutecom.pop("session")
     return [
-        Program("cutecom", ["cutecom", "-s", session], b"CuteCom", opening_keys="alt+o", files={
+        Program("cutecom", ["cutecom", "-s", session], "CuteCom", opening_keys="alt+o", files={
             ".config/CuteCom/CuteCom5.conf": f"[CuteCom]\nsession={session}\n\n[sessions]\nsize=1\n1\\name={session}\n"
             + "".join(f"1\\{key}={value}\n" for key, value in cutecom.items())}),
         # It closes a line that does not know the question for the modem lines.
-        Program("gtkterm", ["gtkterm", "-p", "{port}", "-s", "115200"], b"GTKTerm", opening_keys="F5",
+        Program("gtkterm", ["gtkterm", "-p", "{port}", "-s", "115200"], "GTKTerm", opening_keys="F5",
                 environment={"LD_PRELOAD": modem_lines},
                 # Without a file it stops at a message.
                 files={".config/.gtktermrc": "[default]\nport = {port}\nspeed = 115200\nbits = 8\nstopbits = 1\n"
@@ -65,80 +67,60 @@ def others(modem_lines):
                                              # and draws black on black
                                              + "".join(f"term_foreground_{part} = 1.0\n"
                                                        for part in ("red", "green", "blue", "alpha"))}),
-        Program("putty", ["putty", "-serial", "{port}", "-sercfg", "115200,8,n,1,N"], b"PuTTY"),
+        Program("putty", ["putty", "-serial", "{port}", "-sercfg", "115200,8,n,1,N"], "PuTTY"),
     ]
 
 
-class Display:
-    """A virtual display with a window manager, and a look at the windows on it."""
+def in_shell(function, *words):
+    """What a function of scripts/lib/display.sh says; scripts/bench exports the two that are used here."""
+    return subprocess.run(["bash", "-c", '"$@"', "bash", function, *words], stdout=subprocess.PIPE, check=True).stdout
+
+
+def press_keys(*keys):
+    in_shell("press_keys", *keys)
+
+
+class Windows:
+    """The windows on the display, and when each came there."""
 
     def __init__(self):
-        read, write = os.pipe()
-        self.server = subprocess.Popen(
-            ["Xvfb", f":{100 + os.getpid() % 50000}", "-displayfd", str(write), "-screen", "0", "1920x1080x24", "-nolisten", "tcp"],
-            pass_fds=[write], stderr=subprocess.DEVNULL)
-        os.close(write)
-        with os.fdopen(read) as announcement:
-            self.name = ":" + announcement.readline().strip()
-        self.lib = ctypes.CDLL("libX11.so.6")
-        self.lib.XOpenDisplay.restype = ctypes.c_void_p
-        self.lib.XDefaultRootWindow.restype = self.lib.XInternAtom.restype = ctypes.c_ulong
-        handler = ctypes.CFUNCTYPE(ctypes.c_int, ctypes.c_void_p, ctypes.c_void_p)
-        self.ignore = handler(lambda display, error: 0)  # a window may be gone while we look
-        self.lib.XSetErrorHandler(self.ignore)
-        self.display = ctypes.c_void_p()
-        self.wait(self.connect, "the display")
-        self.root = self.lib.XDefaultRootWindow(self.display)
-        self.manager = subprocess.Popen(["openbox"], env={**os.environ, "DISPLAY": self.name},
-                                        stderr=subprocess.DEVNULL)
-        self.wait(lambda: self.property(self.root, "_NET_SUPPORTING_WM_CHECK"), "the window manager")
+        self.came, self.changed = {}, threading.Event()
+        # The window manager lists a window when it maps it, and each change of the list is a line at once.
+        self.watch = subprocess.Popen(["xprop", "-root", "-spy", "_NET_CLIENT_LIST"], stdout=subprocess.PIPE, text=True)
+        threading.Thread(target=self.note, daemon=True).start()
 
-    def connect(self):
-        self.display.value = self.lib.XOpenDisplay(self.name.encode())
-        return self.display.value
+    def note(self):
+        for line in self.watch.stdout:
+            now = time.perf_counter()
+            windows = [int(each, 16) for each in re.findall("0x[0-9a-f]+", line)]
+            self.came = {each: self.came.get(each, now) for each in windows}
+            self.changed.set()
 
-    def end(self):
-        for process in (self.manager, self.server):
-            process.terminate()
-            process.wait()
+    def when(self, title):
+        """When the window whose title matches came, or nothing."""
+        found = in_shell("window_titled", title) if self.came else b""
+        return self.came.get(int(found)) if found else None
 
-    @staticmethod
-    def wait(condition, what, step=0.05):
+    def wait(self, condition, what):
+        """Looks when a window has come or gone, and now and then: its title may be set after that."""
         deadline = time.monotonic() + LIMIT_S
-        while not condition():
+        while not (found := condition()):
             if time.monotonic() > deadline:
                 sys.exit(f"gave up waiting for {what}")
-            time.sleep(step)
+            self.changed.wait(0.25)
+            self.changed.clear()
+        return found
 
-    def property(self, window, name):
-        kind, count, rest = ctypes.c_ulong(), ctypes.c_ulong(), ctypes.c_ulong()
-        width, data = ctypes.c_int(), ctypes.c_void_p()
-        atom = self.lib.XInternAtom(self.display, name.encode(), 0)
-        self.lib.XGetWindowProperty(
-            self.display, ctypes.c_ulong(window), ctypes.c_ulong(atom), ctypes.c_long(0), ctypes.c_long(1024), 0,
-            ctypes.c_ulong(0), ctypes.byref(kind), ctypes.byref(width), ctypes.byref(count), ctypes.byref(rest),
-            ctypes.byref(data))
-        if not data.value:
-            return b""
-        size = {8: 1, 16: 2, 32: ctypes.sizeof(ctypes.c_long)}[width.value]
-        value = ctypes.string_at(data.value, count.value * size)
-        self.lib.XFree(data)
-        return value
-
-    def shows(self, part):
-        """Whether a managed window's title has this part. The manager lists a window when it maps it."""
-        clients = memoryview(self.property(self.root, "_NET_CLIENT_LIST")).cast("L")
-        return any(part in self.property(each, "_NET_WM_NAME") for each in clients)
-
-    def keys(self, *keys):
-        subprocess.run(["xdotool", "key", "--delay", "0", *keys], env={**os.environ, "DISPLAY": self.name}, check=True)
+    def end(self):
+        self.watch.terminate()
+        self.watch.wait()
 
 
 class Run:
     """A program with a home folder and a line of its own."""
 
-    def __init__(self, program, display):
-        self.program, self.display = program, display
+    def __init__(self, program, windows):
+        self.program, self.windows = program, windows
         self.folder = tempfile.TemporaryDirectory()
         home = pathlib.Path(self.folder.name)
         (home / "run").mkdir(mode=0o700)
@@ -152,17 +134,19 @@ class Run:
         for name, target in program.links.items():
             (home / name).parent.mkdir(parents=True, exist_ok=True)
             (home / name).symlink_to(target.format(**places))
-        environment = {**os.environ, "DISPLAY": display.name, "HOME": str(home), "XDG_RUNTIME_DIR": str(home / "run"),
+        environment = {**os.environ, "HOME": str(home), "XDG_RUNTIME_DIR": str(home / "run"),
                        **{name: value.format(**places) for name, value in program.environment.items()}}
         self.began = time.perf_counter()
         self.process = subprocess.Popen([each.format(**places) for each in program.command], env=environment, cwd=home,
                                         stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
 
-    def wait_for(self, part):
-        self.display.wait(lambda: self.display.shows(part) or self.process.poll() is not None,
-                          f"the window of {self.program.name}", 0.001)
+    def wait_for(self, title):
+        """When the window came."""
+        came = self.windows.wait(lambda: self.process.poll() is not None or self.windows.when(title),
+                                 f"the window of {self.program.name}")
         if self.process.poll() is not None:
             sys.exit(f"{self.program.name} has ended")
+        return came
 
     def cpu_ms(self):
         return time.clock_gettime((~self.process.pid << 3) | 2) * 1000  # the process's own CPU clock
@@ -179,7 +163,7 @@ class Run:
     def answer_one_command(self):
         """Types a command and answers it when it is on the wire."""
         due = time.perf_counter() + COMMAND_S
-        self.display.keys("i", "d", "Return")
+        press_keys("i", "d", "Return")
         asked = b""
         while not asked.endswith((b"id\r", b"id\n")):
             if not select.select([self.far_end], [], [], LIMIT_S)[0]:
@@ -203,19 +187,18 @@ def computer_ms():
     return (sum(map(int, words[1:4])) + sum(map(int, words[6:9]))) * 1000 / os.sysconf("SC_CLK_TCK")
 
 
-def measure(program, display, idle_s):
+def measure(program, windows, idle_s):
     # The window manager may not yet have noticed that the last run's windows are gone.
-    display.wait(lambda: not display.shows(program.main), "the last run's windows to go", 0.01)
-    run = Run(program, display)
+    windows.wait(lambda: not windows.came, "the last run's windows to go")
+    run = Run(program, windows)
     try:
-        run.wait_for(program.main)
-        start = (time.perf_counter() - run.began) * 1000 - program.own_waits_ms
+        start = (run.wait_for(program.main) - run.began) * 1000 - program.own_waits_ms
         run.wait_for(program.typed_in or program.main)
         if not idle_s:
             return None
         if program.opening_keys:
             time.sleep(1)
-            display.keys(program.opening_keys)
+            press_keys(program.opening_keys)
         time.sleep(3)
         cpu, switches, computer, begin = run.cpu_ms(), run.switches(), computer_ms(), time.perf_counter()
         time.sleep(idle_s)
@@ -247,16 +230,16 @@ def main():
     if given.beside:
         programs += others(given.beside)
     rows, rests = {each.name: [] for each in programs}, []
-    display = Display()
+    windows = Windows()
     try:
         for _ in range(given.runs):
             for each in programs:
-                measure(each, display, 0)
-                figures, rest = measure(each, display, given.idle)
+                measure(each, windows, 0)
+                figures, rest = measure(each, windows, given.idle)
                 rows[each.name].append(figures)
                 rests.append(rest)
     finally:
-        display.end()
+        windows.end()
     for name, runs in rows.items():
         for (figure, unit), values in zip(FIGURES, zip(*runs)):
             print(f"{name:9}{figure:9}{statistics.median(values):8.2f} {unit:5}"

@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# Running the tests of a preset. Sourced after lib.sh.
+# Running the tests of a preset. Sourced after common.sh.
 
 # run_tests PRESET [LAUNCHER [CTEST-OPTION...]]: a test that did not run fails them too.
 run_tests() {

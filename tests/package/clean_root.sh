@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# A clean Debian to install the package on. Sourced after lib.sh.
+# A clean Debian to install the package on. Sourced after common.sh.
 
 CLEAN=$TOP/build/package.test
 

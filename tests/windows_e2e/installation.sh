@@ -1,7 +1,7 @@
 # shellcheck shell=bash
 # The installer and what it leaves, and what the uninstaller leaves. Sourced by scripts/windows after story.sh.
 
-# shellcheck disable=SC2154  # window and last are set by scripts/virtual_display.sh
+# shellcheck disable=SC2154  # window and last are set by scripts/lib/display.sh
 installed_folder() {
   local folders=("$WINEPREFIX"/drive_c/users/*/AppData/Local/Programs/Quarn)
   echo "${folders[0]}"

@@ -3,7 +3,7 @@
 # Sourced by scripts/windows, whose functions and variables it uses. What is not as it should be ends the
 # script.
 
-# shellcheck disable=SC2154  # window, terminal and last are set by scripts/virtual_display.sh
+# shellcheck disable=SC2154  # window, terminal and last are set by scripts/lib/display.sh
 # As the program sees it, the folder of a person's settings.
 settings_folder() {
   local folders=("$WINEPREFIX"/drive_c/users/*/AppData/Roaming)

@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# Wine in a prefix of its own, for as long as the script runs. Sourced after virtual_display.sh.
+# Wine in a prefix of its own, for as long as the script runs. Sourced after display.sh.
 
 # The 64-bit loader itself: the wrapper of that name wants a 32-bit part, which nothing here needs.
 WINE=/usr/lib/wine/wine64

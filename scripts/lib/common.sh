@@ -7,7 +7,7 @@
 #   CMAKE_CXX_COMPILER_LAUNCHER=X  default: ccache where there is one, else none
 
 set -euo pipefail
-cd "$(dirname "${BASH_SOURCE[0]}")/.."
+cd "$(dirname "${BASH_SOURCE[0]}")/../.."
 # shellcheck disable=SC2034  # for the scripts that source this
 TOP=$PWD
 

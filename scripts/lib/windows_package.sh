@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# The installer and the portable zip. Sourced after lib.sh, windows_qt.sh and wine.sh.
+# The installer and the portable zip. Sourced after common.sh, windows_qt.sh and wine.sh.
 
 PACKAGE=$TOP/build/windows/package
 

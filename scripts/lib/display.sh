@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# Programs in the background, a virtual display, and the windows on it. Sourced after lib.sh. Whoever sources
+# Programs in the background, a virtual display, and the windows on it. Sourced after common.sh. Whoever sources
 # it first sets PLACE to the absolute path of a folder for logs and sockets, which is there before `start`
 # is used.
 
@@ -77,8 +77,11 @@ rest_pointer() {
 
 #--- Windows ---------------------------------------------------------------------------------------------
 
-# find_window TITLE: sets $window to the visible window whose title matches the expression.
-find_window() { window=$(xdotool search --onlyvisible --name "$1" 2>/dev/null | tail -n 1) && [[ -n $window ]]; }
+# window_titled TITLE: the visible window whose title matches the expression, or nothing.
+window_titled() { xdotool search --onlyvisible --name "$1" 2>/dev/null | tail -n 1; }
+
+# find_window TITLE: sets $window to it.
+find_window() { window=$(window_titled "$1") && [[ -n $window ]]; }
 
 window_is_gone() { ! xdotool search --onlyvisible --name "$1" >/dev/null 2>&1; }
 
@@ -100,7 +103,8 @@ activate() {
   wait_until 10 "the window to be the active one" window_is_active "$1"
 }
 
-press_keys() { xdotool key --clearmodifiers --delay 30 "$@"; }
+# press_keys KEY...: with a pause of KEY_DELAY_MS (default: 30) after each.
+press_keys() { xdotool key --clearmodifiers --delay "${KEY_DELAY_MS:-30}" "$@"; }
 
 number_after() { sed -n "s/.*$1: *\([0-9]*\)$/\1/p" <<<"$2"; }
 

@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# Qt for Windows, built from Debian's own source package. Sourced after lib.sh.
+# Qt for Windows, built from Debian's own source package. Sourced after common.sh.
 #
 # Understood from outside:
 #   QUARN_WINDOWS_QT=FOLDER   where it is kept (default: in the user's cache folder, one folder for each source,
