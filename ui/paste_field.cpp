@@ -44,7 +44,11 @@ void PasteField::contextMenuEvent(QContextMenuEvent* event) {
   menu->addSeparator();
   add("Cu&t", QKeySequence::Cut, edits && hasSelectedText(), &QLineEdit::cut);
   add("&Copy", QKeySequence::Copy, hasSelectedText(), &QLineEdit::copy);
-  add("&Paste", QKeySequence::Paste, edits, [this] { PasteFrom(QClipboard::Clipboard); });
+  // Later: waiting for the text handles events, in which the menu would be deleted under its own feet.
+  add("&Paste", QKeySequence::Paste, edits, [this] {
+    QMetaObject::invokeMethod(
+        this, [this] { PasteFrom(QClipboard::Clipboard); }, Qt::QueuedConnection);
+  });
   add("Delete", QKeySequence::UnknownKey, edits && hasSelectedText(), &QLineEdit::del);
   menu->addSeparator();
   add("Select All", QKeySequence::SelectAll, !text().isEmpty(), &QLineEdit::selectAll);

@@ -58,8 +58,10 @@ TEST_F(SilentClipboard, IsAskedOnceByTheFunctionKeyTableHoweverItIsPasted) {
     const std::optional<Control> field = FindControl(kTable, kField);
     return field && field->focused;
   });
-  const auto typed = [this](const QString& text) {
-    return Eventually([&] { return TextOfControl(kTable, kField) == text; });
+  const auto typed = [this](const QString& text) -> ::testing::AssertionResult {
+    if (Eventually([&] { return TextOfControl(kTable, kField) == text; }))
+      return ::testing::AssertionSuccess();
+    return ::testing::AssertionFailure() << "the text is " << TextOfControl(kTable, kField).toStdString();
   };
   Press({QStringLiteral("End")});
   Forget();

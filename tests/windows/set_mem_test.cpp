@@ -322,7 +322,8 @@ TEST_F(SetMem, TextIsPastedFromTheMenuOfAField) {
   }
   EXPECT_EQ(enabled, QStringList({"Cut", "Copy", "Paste", "Delete", "Select All"}));
   QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_P);
-  EXPECT_EQ(Field(1).text(), QStringLiteral("pasted"));
+  EXPECT_TRUE(Until([this] { return Field(1).text() == QLatin1String("pasted"); }))
+      << Field(1).text().toStdString();
 }
 
 TEST_F(SetMem, LongTextsFromAFileAreNotCut) {
