@@ -20,7 +20,7 @@ function(quarn_room NAME)
   else()
     list(FILTER _headers EXCLUDE REGEX "_win32\\.h$")
   endif()
-  target_sources(${NAME} PUBLIC FILE_SET HEADERS BASE_DIRS ${CMAKE_SOURCE_DIR} FILES ${_headers})
+  target_sources(${NAME} PUBLIC FILE_SET HEADERS BASE_DIRS ${CMAKE_SOURCE_DIR}/src FILES ${_headers})
 endfunction()
 
 # quarn_test(NAME SOURCES... LABELS room... [LINK targets...] [WIDGETS] [SERIAL] [SHARDS n] [TIMEOUT s] [COST n])

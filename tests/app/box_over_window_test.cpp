@@ -15,7 +15,7 @@
 #include "serial/port_list.h"
 #include "settings/settings_table.h"
 #include "support/dialog_controls.h"
-#include "tests/line/scripted_line.h"
+#include "line/scripted_line.h"
 #include "ui/box.h"
 #include "ui/window_messages.h"
 

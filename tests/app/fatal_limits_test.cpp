@@ -6,7 +6,7 @@
 #include "settings/bounds.h"
 #include "settings/settings_table.h"
 #include "support/plugged_port.h"
-#include "tests/line/scripted_line.h"
+#include "line/scripted_line.h"
 
 namespace quarn::test {
 namespace {

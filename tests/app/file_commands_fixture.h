@@ -11,10 +11,10 @@
 #include "settings/key_store.h"
 #include "settings/settings_load_save.h"
 #include "settings/settings_table.h"
-#include "tests/line/scripted_line.h"
-#include "tests/settings/settings_test_support.h"
-#include "tests/support/message_texts.h"
-#include "tests/support/recorded_messages.h"
+#include "line/scripted_line.h"
+#include "settings/settings_test_support.h"
+#include "support/message_texts.h"
+#include "support/recorded_messages.h"
 
 namespace quarn::test {
 

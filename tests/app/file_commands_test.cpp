@@ -1,4 +1,4 @@
-#include "tests/app/file_commands_fixture.h"
+#include "app/file_commands_fixture.h"
 
 namespace quarn::test {
 namespace {

@@ -1,7 +1,7 @@
 #include "app/qrn_file.h"
 
-#include "tests/settings/settings_test_support.h"
-#include "tests/support/recorded_messages.h"
+#include "settings/settings_test_support.h"
+#include "support/recorded_messages.h"
 
 namespace quarn::test {
 namespace {

@@ -1,5 +1,5 @@
-#include "tests/app/file_commands_fixture.h"
-#include "tests/support/small_disk_linux.h"
+#include "app/file_commands_fixture.h"
+#include "support/small_disk_linux.h"
 
 namespace quarn::test {
 namespace {

@@ -2,7 +2,7 @@
 
 #include "app/app_fixture.h"
 #include "settings/damaged_file.h"
-#include "tests/settings/settings_test_support.h"
+#include "settings/settings_test_support.h"
 
 namespace quarn::test {
 namespace {

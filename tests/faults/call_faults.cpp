@@ -1,4 +1,4 @@
-#include "tests/faults/call_faults.h"
+#include "faults/call_faults.h"
 
 #include <fcntl.h>
 

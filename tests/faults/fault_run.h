@@ -10,7 +10,7 @@
 #include <map>
 #include <string>
 
-#include "tests/faults/call_faults.h"
+#include "faults/call_faults.h"
 
 namespace quarn::test {
 

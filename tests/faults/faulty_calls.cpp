@@ -9,7 +9,7 @@
 #include <cstddef>
 #include <ctime>
 
-#include "tests/faults/call_faults.h"
+#include "faults/call_faults.h"
 
 // The system's functions under their own names. The program's dynamic symbols come before those of every
 // library, so that calls in libraries come here, too. The names in C++ are others, or the declarations and

@@ -4,8 +4,8 @@
 
 #include <algorithm>
 
-#include "tests/faults/fault_run.h"
-#include "tests/settings/settings_test_support.h"
+#include "faults/fault_run.h"
+#include "settings/settings_test_support.h"
 
 namespace quarn::test {
 

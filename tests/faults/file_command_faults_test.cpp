@@ -1,5 +1,5 @@
-#include "tests/app/file_commands_fixture.h"
-#include "tests/faults/fault_run.h"
+#include "app/file_commands_fixture.h"
+#include "faults/fault_run.h"
 
 namespace quarn::test {
 namespace {

@@ -2,7 +2,7 @@
 #include "settings/settings_load_save.h"
 #include "settings/settings_table.h"
 #include "settings/user_file.h"
-#include "tests/faults/faulty_files.h"
+#include "faults/faulty_files.h"
 
 namespace quarn::test {
 namespace {

@@ -4,8 +4,8 @@
 #include "settings/key_store.h"
 #include "settings/settings_load_save.h"
 #include "settings/settings_table.h"
-#include "tests/faults/faulty_files.h"
-#include "tests/settings/user_file_test.h"
+#include "faults/faulty_files.h"
+#include "settings/user_file_test.h"
 
 namespace quarn::test {
 namespace {

@@ -8,9 +8,9 @@
 #include "serial/line_failure_posix.h"
 #include "serial/open_terminal_linux.h"
 #include "serial/serial_line_posix.h"
-#include "tests/faults/fault_run.h"
-#include "tests/line/fake_uart.h"
-#include "tests/line/line_test_support.h"
+#include "faults/fault_run.h"
+#include "line/fake_uart.h"
+#include "line/line_test_support.h"
 
 namespace quarn::test {
 namespace {

@@ -3,8 +3,8 @@
 #include "settings/life_cycle.h"
 #include "settings/store_values.h"
 #include "terminal/function_key_table.h"
-#include "tests/app/file_commands_fixture.h"
-#include "tests/faults/call_faults.h"
+#include "app/file_commands_fixture.h"
+#include "faults/call_faults.h"
 
 namespace quarn::test {
 namespace {

@@ -1,4 +1,4 @@
-#include "tests/line/fake_uart.h"
+#include "line/fake_uart.h"
 
 #include <asm/ioctls.h>
 #include <grp.h>

@@ -1,6 +1,6 @@
 #include "serial/line_parameters.h"
 
-#include "tests/line/line_test_support.h"
+#include "line/line_test_support.h"
 
 namespace quarn {
 namespace {

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "tests/line/scripted_line.h"
+#include "line/scripted_line.h"
 #include "ui/message_operations.h"
 #include "ui/wait_indicator.h"
 

@@ -5,9 +5,9 @@
 #include <memory>
 
 #include "serial/line_parameters.h"
-#include "tests/line/line_test_support.h"
-#include "tests/line/noted_surroundings.h"
-#include "tests/line/scripted_line.h"
+#include "line/line_test_support.h"
+#include "line/noted_surroundings.h"
+#include "line/scripted_line.h"
 
 namespace quarn {
 namespace {

@@ -1,4 +1,4 @@
-#include "tests/line/played_driver_win32.h"
+#include "line/played_driver_win32.h"
 
 #include <algorithm>
 #include <utility>

@@ -5,7 +5,7 @@
 #include <QTemporaryDir>
 #include <atomic>
 
-#include "tests/line/pty_line_test.h"
+#include "line/pty_line_test.h"
 
 namespace quarn {
 namespace {

@@ -4,7 +4,7 @@
 #include <numeric>
 
 #include "serial/uninterrupted_posix.h"
-#include "tests/line/pty_line_test.h"
+#include "line/pty_line_test.h"
 
 namespace quarn {
 namespace {

@@ -14,8 +14,8 @@
 #include "serial/file_descriptor.h"
 #include "serial/open_terminal_linux.h"
 #include "serial/serial_line_posix.h"
-#include "tests/line/holder.h"
-#include "tests/line/line_test_support.h"
+#include "line/holder.h"
+#include "line/line_test_support.h"
 
 namespace quarn {
 namespace {

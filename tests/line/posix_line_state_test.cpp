@@ -9,7 +9,7 @@
 #include "device/pseudo_terminal.h"
 #include "serial/file_descriptor.h"
 #include "serial/serial_line_posix.h"
-#include "tests/line/line_test_support.h"
+#include "line/line_test_support.h"
 
 namespace quarn {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <tuple>
 
-#include "tests/line/line_test_support.h"
+#include "line/line_test_support.h"
 
 namespace quarn {
 namespace {

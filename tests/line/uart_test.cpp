@@ -10,10 +10,10 @@
 #include "serial/open_port.h"
 #include "serial/open_terminal_linux.h"
 #include "serial/port_use_linux.h"
-#include "tests/line/fake_uart.h"
-#include "tests/line/holder.h"
-#include "tests/line/line_test_support.h"
-#include "tests/line/noted_surroundings.h"
+#include "line/fake_uart.h"
+#include "line/holder.h"
+#include "line/line_test_support.h"
+#include "line/noted_surroundings.h"
 
 namespace quarn {
 namespace {

@@ -4,9 +4,9 @@
 
 #include "serial/open_port.h"
 #include "serial/serial_line_win32.h"
-#include "tests/line/line_test_support.h"
-#include "tests/line/noted_surroundings.h"
-#include "tests/line/played_driver_win32.h"
+#include "line/line_test_support.h"
+#include "line/noted_surroundings.h"
+#include "line/played_driver_win32.h"
 
 namespace quarn {
 namespace {

@@ -8,7 +8,7 @@
 #include "serial/line_failure_win32.h"
 #include "serial/serial_line_win32.h"
 #include "support/served_instrument.h"
-#include "tests/line/line_test_support.h"
+#include "line/line_test_support.h"
 
 namespace quarn {
 namespace {

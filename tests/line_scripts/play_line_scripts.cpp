@@ -29,8 +29,8 @@
 #include "serial/platform_serial.h"
 #include "terminal/framing.h"
 #include "terminal/transaction.h"
-#include "tests/line/noted_surroundings.h"
-#include "tests/transaction/scripted_host.h"
+#include "line/noted_surroundings.h"
+#include "transaction/scripted_host.h"
 
 namespace quarn {
 namespace {

@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "tests/package/package_files.h"
+#include "package/package_files.h"
 
 namespace quarn {
 namespace {

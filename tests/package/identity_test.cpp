@@ -4,7 +4,7 @@
 #include <regex>
 
 #include "identity.h"
-#include "tests/package/package_files.h"
+#include "package/package_files.h"
 
 namespace quarn {
 namespace {

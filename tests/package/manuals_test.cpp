@@ -3,7 +3,7 @@
 #include <array>
 #include <regex>
 
-#include "tests/package/package_files.h"
+#include "package/package_files.h"
 
 namespace quarn {
 namespace {

@@ -1,4 +1,4 @@
-#include "tests/package/package_files.h"
+#include "package/package_files.h"
 
 #include <gtest/gtest.h>
 

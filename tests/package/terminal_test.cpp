@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/package/package_files.h"
+#include "package/package_files.h"
 
 namespace quarn {
 namespace {

@@ -1,6 +1,6 @@
 #include "send/command_line_options.h"
 
-#include "tests/line/line_test_support.h"
+#include "line/line_test_support.h"
 
 namespace quarn::send {
 namespace {

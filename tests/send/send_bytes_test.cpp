@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "support/made_locale_posix.h"
-#include "tests/send/send_process.h"
+#include "send/send_process.h"
 
 namespace quarn {
 namespace {

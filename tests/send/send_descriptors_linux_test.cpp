@@ -3,7 +3,7 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
-#include "tests/send/send_process.h"
+#include "send/send_process.h"
 
 namespace quarn {
 namespace {

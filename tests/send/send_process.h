@@ -8,7 +8,7 @@
 #include <map>
 
 #include "settings/settings_table.h"
-#include "tests/transaction/transaction_fixture.h"
+#include "transaction/transaction_fixture.h"
 
 namespace quarn {
 

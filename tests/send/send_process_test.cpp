@@ -1,4 +1,4 @@
-#include "tests/send/send_process.h"
+#include "send/send_process.h"
 
 #include <fcntl.h>
 #include <termios.h>

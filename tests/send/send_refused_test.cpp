@@ -2,7 +2,7 @@
 
 #include <sys/stat.h>
 
-#include "tests/send/send_process.h"
+#include "send/send_process.h"
 
 namespace quarn {
 namespace {

@@ -8,7 +8,7 @@
 #include <csignal>
 
 #include "support/no_threads_linux.h"
-#include "tests/send/send_process.h"
+#include "send/send_process.h"
 
 namespace quarn {
 namespace {

@@ -1,5 +1,5 @@
-#include "tests/settings/user_file_test.h"
-#include "tests/support/small_disk_linux.h"
+#include "settings/user_file_test.h"
+#include "support/small_disk_linux.h"
 
 namespace quarn::test {
 namespace {

@@ -2,7 +2,7 @@
 
 #include "settings/damaged_file.h"
 #include "settings/life_cycle.h"
-#include "tests/settings/user_file_test.h"
+#include "settings/user_file_test.h"
 
 namespace quarn::test {
 namespace {

@@ -1,7 +1,7 @@
 #include "settings/key_store.h"
 #include "settings/settings_load_save.h"
 #include "settings/settings_table.h"
-#include "tests/settings/settings_test_support.h"
+#include "settings/settings_test_support.h"
 
 // Whole files as they turn up: from earlier versions, other editors, cut short, or made to do harm.
 namespace quarn {

@@ -2,7 +2,7 @@
 #include "settings/key_store.h"
 #include "settings/settings_load_save.h"
 #include "settings/settings_table.h"
-#include "tests/settings/settings_test_support.h"
+#include "settings/settings_test_support.h"
 
 // Each limit at its last length and one beyond. The child of a death test works on the same folder, so the
 // bytes compared afterwards are the ones it left behind.

@@ -7,7 +7,7 @@
 #include "settings/key_store.h"
 #include "settings/settings_load_save.h"
 #include "settings/settings_table.h"
-#include "tests/settings/settings_test_support.h"
+#include "settings/settings_test_support.h"
 
 // Root is refused by no permission, so a write is made to fail by the largest size a file may have, which
 // holds for everybody, and permissions are looked at rather than run into.

@@ -1,6 +1,6 @@
 #include "settings/key_store.h"
 #include "settings/settings_table.h"
-#include "tests/settings/settings_test_support.h"
+#include "settings/settings_test_support.h"
 
 namespace quarn {
 namespace {

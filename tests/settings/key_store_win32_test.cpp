@@ -3,7 +3,7 @@
 #include "settings/key_store.h"
 #include "settings/settings_table.h"
 #include "settings/user_file.h"
-#include "tests/settings/settings_test_support.h"
+#include "settings/settings_test_support.h"
 
 namespace quarn {
 namespace {

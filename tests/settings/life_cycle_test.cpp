@@ -11,7 +11,7 @@
 #include "settings/settings_load_save.h"
 #include "settings/settings_table.h"
 #include "support/recorded_messages.h"
-#include "tests/settings/settings_test_support.h"
+#include "settings/settings_test_support.h"
 
 namespace quarn::test {
 namespace {

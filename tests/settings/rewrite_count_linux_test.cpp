@@ -8,7 +8,7 @@
 #include "settings/life_cycle.h"
 #include "settings/settings_load_save.h"
 #include "settings/settings_table.h"
-#include "tests/settings/settings_test_support.h"
+#include "settings/settings_test_support.h"
 
 namespace quarn {
 namespace {

@@ -1,7 +1,7 @@
 #include "settings/settings_text.h"
 
 #include "settings/bounds.h"
-#include "tests/settings/settings_test_support.h"
+#include "settings/settings_test_support.h"
 
 namespace quarn {
 namespace {

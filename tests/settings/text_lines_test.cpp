@@ -2,7 +2,7 @@
 
 #include <clocale>
 
-#include "tests/settings/settings_test_support.h"
+#include "settings/settings_test_support.h"
 
 namespace quarn {
 namespace {

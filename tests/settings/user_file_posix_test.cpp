@@ -5,7 +5,7 @@
 #include <QFileInfo>
 #include <functional>
 
-#include "tests/settings/user_file_test.h"
+#include "settings/user_file_test.h"
 
 namespace quarn::test {
 namespace {

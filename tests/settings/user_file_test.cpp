@@ -1,4 +1,4 @@
-#include "tests/settings/user_file_test.h"
+#include "settings/user_file_test.h"
 
 #include <QLoggingCategory>
 

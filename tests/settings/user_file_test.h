@@ -4,9 +4,9 @@
 #include "settings/settings_load_save.h"
 #include "settings/settings_table.h"
 #include "settings/user_file.h"
-#include "tests/settings/settings_test_support.h"
-#include "tests/support/message_texts.h"
-#include "tests/support/recorded_messages.h"
+#include "settings/settings_test_support.h"
+#include "support/message_texts.h"
+#include "support/recorded_messages.h"
 
 namespace quarn::test {
 

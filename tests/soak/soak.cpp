@@ -33,7 +33,7 @@
 #include "serial/open_port.h"
 #include "serial/platform_serial.h"
 #include "terminal/execute_command.h"
-#include "tests/line/noted_surroundings.h"
+#include "line/noted_surroundings.h"
 
 namespace quarn {
 namespace {

@@ -16,7 +16,7 @@
 #include "settings/settings_table.h"
 #include "support/dialog_controls.h"
 #include "support/recorded_messages.h"
-#include "tests/line/scripted_line.h"
+#include "line/scripted_line.h"
 #include "ui/polled_dialog.h"
 
 namespace quarn::test {

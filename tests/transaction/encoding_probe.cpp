@@ -4,8 +4,8 @@
 #include <cstdio>
 
 #include "terminal/execute_command.h"
-#include "tests/line/scripted_line.h"
-#include "tests/transaction/scripted_host.h"
+#include "line/scripted_line.h"
+#include "transaction/scripted_host.h"
 
 int main(int argc, char** argv) {
   using namespace quarn;

@@ -2,8 +2,8 @@
 
 #include <cstring>
 
-#include "tests/line/scripted_line.h"
-#include "tests/transaction/transaction_fixture.h"
+#include "line/scripted_line.h"
+#include "transaction/transaction_fixture.h"
 
 namespace quarn {
 namespace {

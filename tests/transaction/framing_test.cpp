@@ -1,7 +1,7 @@
 #include "terminal/framing.h"
 
-#include "tests/line/line_test_support.h"
-#include "tests/line/scripted_line.h"
+#include "line/line_test_support.h"
+#include "line/scripted_line.h"
 
 namespace quarn {
 namespace {

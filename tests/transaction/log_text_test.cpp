@@ -1,6 +1,6 @@
 #include "terminal/log_text.h"
 
-#include "tests/line/line_test_support.h"
+#include "line/line_test_support.h"
 
 namespace quarn {
 namespace {

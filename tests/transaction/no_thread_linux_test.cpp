@@ -1,7 +1,7 @@
 #include "support/no_threads_linux.h"
 #include "terminal/execute_command.h"
-#include "tests/line/scripted_line.h"
-#include "tests/transaction/transaction_fixture.h"
+#include "line/scripted_line.h"
+#include "transaction/transaction_fixture.h"
 
 namespace quarn {
 namespace {

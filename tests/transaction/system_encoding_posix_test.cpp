@@ -1,7 +1,7 @@
 #include "terminal/system_encoding_posix.h"
 
 #include "support/made_locale_posix.h"
-#include "tests/line/line_test_support.h"
+#include "line/line_test_support.h"
 
 namespace quarn {
 namespace {

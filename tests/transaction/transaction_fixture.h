@@ -7,8 +7,8 @@
 #include "serial/line_parameters.h"
 #include "serial/open_port.h"
 #include "support/served_instrument.h"
-#include "tests/line/line_test_support.h"
-#include "tests/transaction/scripted_host.h"
+#include "line/line_test_support.h"
+#include "transaction/scripted_host.h"
 
 namespace quarn {
 

@@ -1,5 +1,5 @@
 #include "terminal/transaction.h"
-#include "tests/transaction/transaction_fixture.h"
+#include "transaction/transaction_fixture.h"
 
 namespace quarn {
 namespace {

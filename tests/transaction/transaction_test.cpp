@@ -1,6 +1,6 @@
 #include "terminal/transaction.h"
 
-#include "tests/transaction/transaction_fixture.h"
+#include "transaction/transaction_fixture.h"
 
 namespace quarn {
 namespace {

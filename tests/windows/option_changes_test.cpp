@@ -2,7 +2,7 @@
 
 #include "support/dialog_fixture.h"
 #include "support/message_texts.h"
-#include "tests/settings/settings_test_support.h"
+#include "settings/settings_test_support.h"
 
 namespace quarn::test {
 namespace {
