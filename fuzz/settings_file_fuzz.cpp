@@ -2,10 +2,10 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "settings/bounds.h"
+#include "base/bounds.h"
+#include "base/text_lines.h"
 #include "settings/settings_table.h"
 #include "settings/settings_text.h"
-#include "settings/text_lines.h"
 
 // The input is the bytes of a settings file. No file may crash what reads it, and what comes out of a
 // change must hold it and nothing more. A fatal limit is a proper end, so here it only ends the one call.

@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "settings/bounds.h"
+#include "base/bounds.h"
 #include "settings/key_store.h"
 #include "settings/life_cycle.h"
 #include "settings/settings_table.h"

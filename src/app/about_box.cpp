@@ -8,10 +8,10 @@
 #include "app/identity_labels.h"
 #include "app/link_label.h"
 #include "app/link_opener.h"
+#include "base/message_operations.h"
 #include "identity.h"
 #include "ui/control.h"
 #include "ui/dialog_button.h"
-#include "ui/message_operations.h"
 #include "ui/placement.h"
 
 namespace quarn {

@@ -5,8 +5,8 @@
 #include <cstdlib>
 
 #include "app/terminal_output.h"
+#include "base/bounds.h"
 #include "identity.h"
-#include "settings/bounds.h"
 #include "terminal/render.h"
 
 namespace quarn {

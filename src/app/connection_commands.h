@@ -2,7 +2,7 @@
 
 #include "app/main_window.h"
 #include "app/program.h"
-#include "ui/pause.h"
+#include "base/pause.h"
 
 namespace quarn {
 

@@ -5,8 +5,8 @@
 #include <QThread>
 #include <utility>
 
+#include "base/bounds.h"
 #include "serial/open_port.h"
-#include "settings/bounds.h"
 
 namespace quarn {
 namespace {

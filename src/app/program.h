@@ -4,6 +4,8 @@
 #include <QString>
 #include <memory>
 
+#include "base/message_operations.h"
+#include "base/wait_indicator.h"
 #include "serial/open_port.h"
 #include "serial/port_connection.h"
 #include "serial/port_source.h"
@@ -11,9 +13,7 @@
 #include "terminal/command_line.h"
 #include "terminal/operation_log.h"
 #include "terminal/transaction.h"
-#include "ui/message_operations.h"
 #include "ui/shared_state.h"
-#include "ui/wait_indicator.h"
 
 namespace quarn {
 

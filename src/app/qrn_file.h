@@ -2,7 +2,7 @@
 
 #include <QString>
 
-#include "ui/message_operations.h"
+#include "base/message_operations.h"
 
 namespace quarn {
 

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "base/message_operations.h"
+#include "base/wait_indicator.h"
 #include "serial/port_connection.h"
 #include "serial/serial_line.h"
 #include "settings/settings_record.h"
-#include "ui/message_operations.h"
-#include "ui/wait_indicator.h"
 
 namespace quarn {
 

@@ -3,7 +3,7 @@
 #include <QStringList>
 #include <algorithm>
 
-#include "settings/text_lines.h"
+#include "base/text_lines.h"
 #include "settings/text_number.h"
 
 namespace quarn {

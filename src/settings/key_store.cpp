@@ -8,7 +8,7 @@
 #include <filesystem>
 #include <system_error>
 
-#include "settings/bounds.h"
+#include "base/bounds.h"
 #include "settings/settings_table.h"
 #include "settings/settings_text.h"
 

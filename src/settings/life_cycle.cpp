@@ -1,6 +1,6 @@
 #include "settings/life_cycle.h"
 
-#include "settings/bounds.h"
+#include "base/bounds.h"
 #include "settings/damaged_file.h"
 #include "settings/data_folder.h"
 #include "settings/key_store.h"

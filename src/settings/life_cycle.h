@@ -4,8 +4,8 @@
 #include <QStringList>
 #include <optional>
 
+#include "base/message_operations.h"
 #include "settings/settings_record.h"
-#include "ui/message_operations.h"
 
 namespace quarn {
 

@@ -5,9 +5,9 @@
 #include <algorithm>
 #include <utility>
 
+#include "base/bounds.h"
+#include "base/text_lines.h"
 #include "identity.h"
-#include "settings/bounds.h"
-#include "settings/text_lines.h"
 
 namespace quarn {
 

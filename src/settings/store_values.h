@@ -3,9 +3,9 @@
 #include <QList>
 #include <QString>
 
+#include "base/message_operations.h"
 #include "settings/settings_record.h"
 #include "settings/settings_text.h"
-#include "ui/message_operations.h"
 
 // How the windows write what a person has chosen or typed. What the next start could not read is not written,
 // and a message says so; the live settings are the caller's. User-interface thread only: a message runs an

@@ -7,7 +7,7 @@
 #include <optional>
 #include <system_error>
 
-#include "settings/bounds.h"
+#include "base/bounds.h"
 #include "settings/damaged_file.h"
 #include "settings/key_store.h"
 #include "settings/life_cycle.h"

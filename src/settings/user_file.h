@@ -2,8 +2,8 @@
 
 #include <QString>
 
+#include "base/message_operations.h"
 #include "settings/settings_record.h"
-#include "ui/message_operations.h"
 
 namespace quarn {
 

@@ -3,8 +3,8 @@
 #include <QString>
 #include <array>
 
+#include "base/text_lines.h"
 #include "settings/settings_record.h"
-#include "settings/text_lines.h"
 
 namespace quarn {
 

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "base/pause.h"
 #include "ui/input_hold.h"
-#include "ui/pause.h"
 
 namespace quarn {
 

@@ -8,7 +8,7 @@
 #include <optional>
 #include <vector>
 
-#include "ui/message_operations.h"
+#include "base/message_operations.h"
 #include "ui/placed_dialog.h"
 
 class QHBoxLayout;

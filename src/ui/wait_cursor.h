@@ -2,7 +2,7 @@
 
 #include <QGuiApplication>
 
-#include "ui/wait_indicator.h"
+#include "base/wait_indicator.h"
 
 namespace quarn {
 

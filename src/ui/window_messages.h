@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ui/message_operations.h"
+#include "base/message_operations.h"
 
 namespace quarn {
 

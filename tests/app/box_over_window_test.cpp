@@ -12,10 +12,10 @@
 #include "app/link_opener.h"
 #include "app/main_dialog_fixture.h"
 #include "app/menu_state.h"
+#include "line/scripted_line.h"
 #include "serial/port_list.h"
 #include "settings/settings_table.h"
 #include "support/dialog_controls.h"
-#include "line/scripted_line.h"
 #include "ui/box.h"
 #include "ui/window_messages.h"
 

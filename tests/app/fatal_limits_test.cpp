@@ -3,10 +3,10 @@
 #include <QThread>
 
 #include "app/app_fixture.h"
-#include "settings/bounds.h"
+#include "base/bounds.h"
+#include "line/scripted_line.h"
 #include "settings/settings_table.h"
 #include "support/plugged_port.h"
-#include "line/scripted_line.h"
 
 namespace quarn::test {
 namespace {

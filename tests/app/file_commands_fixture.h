@@ -7,11 +7,11 @@
 #include <memory>
 
 #include "app/file_commands.h"
+#include "line/scripted_line.h"
 #include "serial/port_list.h"
 #include "settings/key_store.h"
 #include "settings/settings_load_save.h"
 #include "settings/settings_table.h"
-#include "line/scripted_line.h"
 #include "settings/settings_test_support.h"
 #include "support/message_texts.h"
 #include "support/recorded_messages.h"

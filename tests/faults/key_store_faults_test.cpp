@@ -1,8 +1,8 @@
+#include "faults/faulty_files.h"
 #include "settings/key_store.h"
 #include "settings/settings_load_save.h"
 #include "settings/settings_table.h"
 #include "settings/user_file.h"
-#include "faults/faulty_files.h"
 
 namespace quarn::test {
 namespace {

@@ -1,10 +1,10 @@
 #include "settings/life_cycle.h"
 
+#include "faults/faulty_files.h"
 #include "settings/damaged_file.h"
 #include "settings/key_store.h"
 #include "settings/settings_load_save.h"
 #include "settings/settings_table.h"
-#include "faults/faulty_files.h"
 #include "settings/user_file_test.h"
 
 namespace quarn::test {

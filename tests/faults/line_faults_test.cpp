@@ -5,12 +5,12 @@
 #include <filesystem>
 
 #include "device/pseudo_terminal.h"
-#include "serial/line_failure_posix.h"
-#include "serial/open_terminal_linux.h"
-#include "serial/serial_line_posix.h"
 #include "faults/fault_run.h"
 #include "line/fake_uart.h"
 #include "line/line_test_support.h"
+#include "serial/line_failure_posix.h"
+#include "serial/open_terminal_linux.h"
+#include "serial/serial_line_posix.h"
 
 namespace quarn::test {
 namespace {

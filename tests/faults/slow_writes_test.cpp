@@ -1,10 +1,10 @@
 #include <QElapsedTimer>
 
+#include "app/file_commands_fixture.h"
+#include "faults/call_faults.h"
 #include "settings/life_cycle.h"
 #include "settings/store_values.h"
 #include "terminal/function_key_table.h"
-#include "app/file_commands_fixture.h"
-#include "faults/call_faults.h"
 
 namespace quarn::test {
 namespace {

@@ -1,6 +1,6 @@
-#include "settings/life_cycle.h"
 #include "app/file_commands_fixture.h"
 #include "faults/fault_run.h"
+#include "settings/life_cycle.h"
 
 namespace quarn::test {
 namespace {

@@ -4,9 +4,9 @@
 #include <optional>
 #include <string>
 
+#include "base/message_operations.h"
+#include "base/wait_indicator.h"
 #include "line/scripted_line.h"
-#include "ui/message_operations.h"
-#include "ui/wait_indicator.h"
 
 namespace quarn {
 

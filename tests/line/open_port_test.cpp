@@ -4,10 +4,10 @@
 #include <algorithm>
 #include <memory>
 
-#include "serial/line_parameters.h"
 #include "line/line_test_support.h"
 #include "line/noted_surroundings.h"
 #include "line/scripted_line.h"
+#include "serial/line_parameters.h"
 
 namespace quarn {
 namespace {

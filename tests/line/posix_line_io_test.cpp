@@ -3,8 +3,8 @@
 #include <array>
 #include <numeric>
 
-#include "serial/uninterrupted_posix.h"
 #include "line/pty_line_test.h"
+#include "serial/uninterrupted_posix.h"
 
 namespace quarn {
 namespace {

@@ -11,11 +11,11 @@
 #include <cerrno>
 
 #include "device/pseudo_terminal.h"
+#include "line/holder.h"
+#include "line/line_test_support.h"
 #include "serial/file_descriptor.h"
 #include "serial/open_terminal_linux.h"
 #include "serial/serial_line_posix.h"
-#include "line/holder.h"
-#include "line/line_test_support.h"
 
 namespace quarn {
 namespace {

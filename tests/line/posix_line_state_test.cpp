@@ -7,9 +7,9 @@
 #include <cstring>
 
 #include "device/pseudo_terminal.h"
+#include "line/line_test_support.h"
 #include "serial/file_descriptor.h"
 #include "serial/serial_line_posix.h"
-#include "line/line_test_support.h"
 
 namespace quarn {
 namespace {

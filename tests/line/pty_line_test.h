@@ -9,8 +9,8 @@
 #include <string>
 
 #include "device/pseudo_terminal.h"
-#include "serial/serial_line_posix.h"
 #include "line/line_test_support.h"
+#include "serial/serial_line_posix.h"
 
 namespace quarn {
 

@@ -7,13 +7,13 @@
 #include <vector>
 
 #include "device/pseudo_terminal.h"
-#include "serial/open_port.h"
-#include "serial/open_terminal_linux.h"
-#include "serial/port_use_linux.h"
 #include "line/fake_uart.h"
 #include "line/holder.h"
 #include "line/line_test_support.h"
 #include "line/noted_surroundings.h"
+#include "serial/open_port.h"
+#include "serial/open_terminal_linux.h"
+#include "serial/port_use_linux.h"
 
 namespace quarn {
 namespace {

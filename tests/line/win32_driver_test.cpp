@@ -2,11 +2,11 @@
 
 #include <cstring>
 
-#include "serial/open_port.h"
-#include "serial/serial_line_win32.h"
 #include "line/line_test_support.h"
 #include "line/noted_surroundings.h"
 #include "line/played_driver_win32.h"
+#include "serial/open_port.h"
+#include "serial/serial_line_win32.h"
 
 namespace quarn {
 namespace {

@@ -5,10 +5,10 @@
 #include <memory>
 #include <optional>
 
+#include "line/line_test_support.h"
 #include "serial/line_failure_win32.h"
 #include "serial/serial_line_win32.h"
 #include "support/served_instrument.h"
-#include "line/line_test_support.h"
 
 namespace quarn {
 namespace {

@@ -25,11 +25,11 @@
 #include <memory>
 #include <optional>
 
+#include "line/noted_surroundings.h"
 #include "serial/open_port.h"
 #include "serial/platform_serial.h"
 #include "terminal/framing.h"
 #include "terminal/transaction.h"
-#include "line/noted_surroundings.h"
 #include "transaction/scripted_host.h"
 
 namespace quarn {

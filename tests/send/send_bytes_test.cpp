@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "support/made_locale_posix.h"
 #include "send/send_process.h"
+#include "support/made_locale_posix.h"
 
 namespace quarn {
 namespace {

@@ -7,8 +7,8 @@
 
 #include <csignal>
 
-#include "support/no_threads_linux.h"
 #include "send/send_process.h"
+#include "support/no_threads_linux.h"
 
 namespace quarn {
 namespace {

@@ -1,4 +1,4 @@
-#include "settings/bounds.h"
+#include "base/bounds.h"
 #include "settings/key_store.h"
 #include "settings/settings_load_save.h"
 #include "settings/settings_table.h"

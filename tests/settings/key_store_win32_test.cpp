@@ -2,8 +2,8 @@
 
 #include "settings/key_store.h"
 #include "settings/settings_table.h"
-#include "settings/user_file.h"
 #include "settings/settings_test_support.h"
+#include "settings/user_file.h"
 
 namespace quarn {
 namespace {

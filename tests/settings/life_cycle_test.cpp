@@ -10,8 +10,8 @@
 #include "settings/key_store.h"
 #include "settings/settings_load_save.h"
 #include "settings/settings_table.h"
-#include "support/recorded_messages.h"
 #include "settings/settings_test_support.h"
+#include "support/recorded_messages.h"
 
 namespace quarn::test {
 namespace {

@@ -1,6 +1,6 @@
 #include "settings/settings_text.h"
 
-#include "settings/bounds.h"
+#include "base/bounds.h"
 #include "settings/settings_test_support.h"
 
 namespace quarn {

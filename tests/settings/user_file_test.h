@@ -3,8 +3,8 @@
 #include "settings/key_store.h"
 #include "settings/settings_load_save.h"
 #include "settings/settings_table.h"
-#include "settings/user_file.h"
 #include "settings/settings_test_support.h"
+#include "settings/user_file.h"
 #include "support/message_texts.h"
 #include "support/recorded_messages.h"
 

@@ -5,9 +5,9 @@
 #include "settings/life_cycle.h"
 #include "settings/settings_load_save.h"
 #include "settings/settings_table.h"
+#include "settings/settings_test_support.h"
 #include "settings/store_values.h"
 #include "settings/user_file.h"
-#include "settings/settings_test_support.h"
 #include "support/message_texts.h"
 #include "support/recorded_messages.h"
 

@@ -30,10 +30,10 @@
 #include <thread>
 
 #include "device/pseudo_terminal.h"
+#include "line/noted_surroundings.h"
 #include "serial/open_port.h"
 #include "serial/platform_serial.h"
 #include "terminal/execute_command.h"
-#include "line/noted_surroundings.h"
 
 namespace quarn {
 namespace {

@@ -11,12 +11,12 @@
 #include <memory>
 #include <vector>
 
+#include "line/scripted_line.h"
 #include "serial/dialogs/dialog_context.h"
 #include "settings/key_store.h"
 #include "settings/settings_table.h"
 #include "support/dialog_controls.h"
 #include "support/recorded_messages.h"
-#include "line/scripted_line.h"
 #include "ui/polled_dialog.h"
 
 namespace quarn::test {

@@ -5,7 +5,7 @@
 #include <functional>
 #include <vector>
 
-#include "ui/message_operations.h"
+#include "base/message_operations.h"
 
 namespace quarn::test {
 

@@ -3,8 +3,8 @@
 
 #include <cstdio>
 
-#include "terminal/execute_command.h"
 #include "line/scripted_line.h"
+#include "terminal/execute_command.h"
 #include "transaction/scripted_host.h"
 
 int main(int argc, char** argv) {

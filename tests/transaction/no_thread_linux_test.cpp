@@ -1,6 +1,6 @@
+#include "line/scripted_line.h"
 #include "support/no_threads_linux.h"
 #include "terminal/execute_command.h"
-#include "line/scripted_line.h"
 #include "transaction/transaction_fixture.h"
 
 namespace quarn {

@@ -1,7 +1,7 @@
 #include "terminal/system_encoding_posix.h"
 
-#include "support/made_locale_posix.h"
 #include "line/line_test_support.h"
+#include "support/made_locale_posix.h"
 
 namespace quarn {
 namespace {

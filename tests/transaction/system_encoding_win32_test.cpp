@@ -1,7 +1,7 @@
 #include <windows.h>
 
-#include "terminal/system_encoding.h"
 #include "line/line_test_support.h"
+#include "terminal/system_encoding.h"
 
 namespace quarn {
 namespace {

@@ -1,8 +1,8 @@
 #include <cstring>
 
+#include "line/scripted_line.h"
 #include "serial/line_parameters.h"
 #include "terminal/transaction.h"
-#include "line/scripted_line.h"
 #include "transaction/transaction_fixture.h"
 
 namespace quarn {

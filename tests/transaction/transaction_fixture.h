@@ -4,10 +4,10 @@
 #include <optional>
 #include <string>
 
+#include "line/line_test_support.h"
 #include "serial/line_parameters.h"
 #include "serial/open_port.h"
 #include "support/served_instrument.h"
-#include "line/line_test_support.h"
 #include "transaction/scripted_host.h"
 
 namespace quarn {

@@ -1,8 +1,8 @@
 #include "settings/dialogs/option_changes.h"
 
+#include "settings/settings_test_support.h"
 #include "support/dialog_fixture.h"
 #include "support/message_texts.h"
-#include "settings/settings_test_support.h"
 
 namespace quarn::test {
 namespace {

@@ -1,5 +1,5 @@
-#include "support/window_places.h"
 #include "line/scripted_line.h"
+#include "support/window_places.h"
 #include "ui/placement.h"
 #include "windows/terminal_fixture.h"
 

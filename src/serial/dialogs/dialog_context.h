@@ -2,12 +2,12 @@
 
 #include <QString>
 
+#include "base/message_operations.h"
+#include "base/pause.h"
 #include "serial/open_port.h"
 #include "serial/port_connection.h"
 #include "serial/port_source.h"
 #include "settings/settings_record.h"
-#include "ui/message_operations.h"
-#include "ui/pause.h"
 #include "ui/shared_state.h"
 
 namespace quarn {

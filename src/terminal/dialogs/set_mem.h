@@ -6,10 +6,10 @@
 #include <array>
 #include <optional>
 
+#include "base/message_operations.h"
 #include "settings/settings_record.h"
 #include "terminal/function_key_table.h"
 #include "ui/input_hold.h"
-#include "ui/message_operations.h"
 #include "ui/polled_dialog.h"
 #include "ui/shared_state.h"
 

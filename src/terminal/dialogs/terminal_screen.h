@@ -7,12 +7,12 @@
 #include <functional>
 #include <vector>
 
+#include "base/message_operations.h"
 #include "settings/settings_record.h"
 #include "terminal/execute_command.h"
 #include "terminal/screen_layout.h"
 #include "terminal/terminal_keys.h"
 #include "ui/input_hold.h"
-#include "ui/message_operations.h"
 #include "ui/polled_dialog.h"
 #include "ui/shared_state.h"
 

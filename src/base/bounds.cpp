@@ -1,4 +1,4 @@
-#include "settings/bounds.h"
+#include "base/bounds.h"
 
 #include <QDir>
 #include <atomic>

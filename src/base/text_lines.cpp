@@ -1,8 +1,8 @@
-#include "settings/text_lines.h"
+#include "base/text_lines.h"
 
 #include <algorithm>
 
-#include "settings/bounds.h"
+#include "base/bounds.h"
 
 namespace quarn {
 
