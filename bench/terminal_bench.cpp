@@ -6,9 +6,9 @@
 #include <QKeyEvent>
 #include <chrono>
 
+#include "dialogs/terminal/terminal_screen.h"
 #include "settings/settings_table.h"
 #include "support/recorded_messages.h"
-#include "terminal/dialogs/terminal_screen.h"
 #include "terminal/operation_log.h"
 #include "terminal/render.h"
 

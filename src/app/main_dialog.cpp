@@ -11,10 +11,10 @@
 #include <QWindow>
 #include <utility>
 
+#include "dialogs/terminal/set_mem.h"
+#include "dialogs/terminal/terminal_screen.h"
 #include "identity.h"
 #include "settings/path_display.h"
-#include "terminal/dialogs/set_mem.h"
-#include "terminal/dialogs/terminal_screen.h"
 #include "terminal/terminal_title.h"
 #include "ui/control.h"
 #include "ui/escape_key.h"

@@ -8,7 +8,7 @@
 #include "app/main_window.h"
 #include "app/port_monitor.h"
 #include "app/program.h"
-#include "serial/dialogs/dialog_context.h"
+#include "dialogs/dialog_context.h"
 #include "ui/held_pause.h"
 #include "ui/polled_dialog.h"
 

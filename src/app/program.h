@@ -6,6 +6,7 @@
 
 #include "base/message_operations.h"
 #include "base/wait_indicator.h"
+#include "dialogs/shared_state.h"
 #include "serial/open_port.h"
 #include "serial/port_connection.h"
 #include "serial/port_source.h"
@@ -13,7 +14,6 @@
 #include "terminal/command_line.h"
 #include "terminal/operation_log.h"
 #include "terminal/transaction.h"
-#include "ui/shared_state.h"
 
 namespace quarn {
 

@@ -6,10 +6,10 @@
 
 #include "app/menu_state.h"
 #include "app/splash_page.h"
+#include "dialogs/terminal/terminal_screen.h"
 #include "serial/port_list.h"
 #include "settings/settings_table.h"
 #include "support/dialog_controls.h"
-#include "terminal/dialogs/terminal_screen.h"
 #include "ui/message_dialogs.h"
 #include "ui/window_messages.h"
 

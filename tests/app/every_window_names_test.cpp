@@ -11,8 +11,8 @@
 
 #include "app/every_window.h"
 #include "app/link_label.h"
+#include "dialogs/terminal/terminal_screen.h"
 #include "settings/settings_table.h"
-#include "terminal/dialogs/terminal_screen.h"
 #include "ui/static_text.h"
 
 namespace quarn::test {

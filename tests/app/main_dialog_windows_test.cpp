@@ -6,8 +6,8 @@
 
 #include "app/dialog_placement.h"
 #include "app/main_dialog_fixture.h"
+#include "dialogs/terminal/terminal_screen.h"
 #include "support/window_places.h"
-#include "terminal/dialogs/terminal_screen.h"
 #include "ui/placement.h"
 
 namespace quarn::test {

@@ -1,4 +1,4 @@
-#include "serial/dialogs/port_choice.h"
+#include "dialogs/serial/port_choice.h"
 
 #include "app/port_dialog_fixture.h"
 

@@ -1,4 +1,4 @@
-#include "serial/dialogs/port_details_dialog.h"
+#include "dialogs/serial/port_details_dialog.h"
 
 #include "app/port_details_fixture.h"
 

@@ -3,7 +3,7 @@
 #include <QRadioButton>
 
 #include "app/port_dialog_fixture.h"
-#include "serial/dialogs/port_details_dialog.h"
+#include "dialogs/serial/port_details_dialog.h"
 #include "ui/placement.h"
 
 namespace quarn::test {

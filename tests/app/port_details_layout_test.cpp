@@ -5,7 +5,7 @@
 #include <QScrollBar>
 
 #include "app/port_details_fixture.h"
-#include "serial/dialogs/port_rules.h"
+#include "dialogs/serial/port_rules.h"
 #include "ui/placement.h"
 
 namespace quarn::test {

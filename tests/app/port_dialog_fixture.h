@@ -7,7 +7,7 @@
 #include <memory>
 
 #include "app/app_fixture.h"
-#include "serial/dialogs/dialog_context.h"
+#include "dialogs/dialog_context.h"
 #include "serial/port_list.h"
 #include "settings/settings_table.h"
 #include "support/dialog_controls.h"

@@ -2,7 +2,7 @@
 #include <sys/file.h>
 
 #include "app/port_details_fixture.h"
-#include "serial/dialogs/port_choice.h"
+#include "dialogs/serial/port_choice.h"
 
 namespace quarn::test {
 namespace {

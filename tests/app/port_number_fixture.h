@@ -4,7 +4,7 @@
 #include <QComboBox>
 
 #include "app/port_dialog_fixture.h"
-#include "serial/dialogs/port_number_dialog.h"
+#include "dialogs/serial/port_number_dialog.h"
 
 namespace quarn::test {
 

@@ -1,4 +1,4 @@
-#include "serial/dialogs/port_rules.h"
+#include "dialogs/serial/port_rules.h"
 
 #include <gtest/gtest.h>
 

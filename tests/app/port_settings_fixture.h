@@ -3,7 +3,7 @@
 #include <QComboBox>
 
 #include "app/port_dialog_fixture.h"
-#include "serial/dialogs/port_settings_dialog.h"
+#include "dialogs/serial/port_settings_dialog.h"
 #include "settings/settings_load_save.h"
 #include "support/message_texts.h"
 

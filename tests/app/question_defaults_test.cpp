@@ -6,11 +6,11 @@
 #include "app/connection_commands.h"
 #include "app/main_dialog_fixture.h"
 #include "app/menu_state.h"
+#include "dialogs/terminal/terminal_screen.h"
 #include "serial/port_list.h"
 #include "settings/settings_table.h"
 #include "settings/user_file.h"
 #include "support/dialog_controls.h"
-#include "terminal/dialogs/terminal_screen.h"
 
 namespace quarn::test {
 namespace {

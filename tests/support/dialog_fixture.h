@@ -11,8 +11,8 @@
 #include <memory>
 #include <vector>
 
+#include "dialogs/dialog_context.h"
 #include "line/scripted_line.h"
-#include "serial/dialogs/dialog_context.h"
 #include "settings/key_store.h"
 #include "settings/settings_table.h"
 #include "support/dialog_controls.h"

@@ -1,4 +1,4 @@
-#include "settings/dialogs/command_format.h"
+#include "dialogs/settings/command_format.h"
 
 #include <QCheckBox>
 #include <QRadioButton>

@@ -1,4 +1,4 @@
-#include "settings/dialogs/option_changes.h"
+#include "dialogs/settings/option_changes.h"
 
 #include "settings/settings_test_support.h"
 #include "support/dialog_fixture.h"

@@ -1,7 +1,7 @@
 #include <array>
 
-#include "settings/dialogs/main_option.h"
-#include "settings/dialogs/screen_option.h"
+#include "dialogs/settings/main_option.h"
+#include "dialogs/settings/screen_option.h"
 #include "windows/option_dialog_fixture.h"
 
 namespace quarn::test {

@@ -2,9 +2,9 @@
 
 #include <QRadioButton>
 
-#include "settings/dialogs/command_format.h"
-#include "settings/dialogs/main_option.h"
-#include "settings/dialogs/screen_option.h"
+#include "dialogs/settings/command_format.h"
+#include "dialogs/settings/main_option.h"
+#include "dialogs/settings/screen_option.h"
 #include "windows/option_dialog_fixture.h"
 
 namespace quarn::test {

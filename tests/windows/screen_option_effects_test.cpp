@@ -1,7 +1,7 @@
 // The Terminal Screen's options beside an open Terminal Screen.
 
-#include "settings/dialogs/screen_option.h"
-#include "terminal/dialogs/terminal_screen.h"
+#include "dialogs/settings/screen_option.h"
+#include "dialogs/terminal/terminal_screen.h"
 #include "ui/placement.h"
 #include "windows/option_dialog_fixture.h"
 

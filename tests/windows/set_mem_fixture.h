@@ -3,9 +3,9 @@
 #include <QLineEdit>
 #include <QTemporaryDir>
 
+#include "dialogs/terminal/set_mem.h"
 #include "settings/key_store.h"
 #include "support/dialog_controls.h"
-#include "terminal/dialogs/set_mem.h"
 #include "windows/terminal_fixture.h"
 
 namespace quarn::test {

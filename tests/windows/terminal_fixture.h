@@ -10,10 +10,10 @@
 #include <QTest>
 #include <memory>
 
+#include "dialogs/terminal/terminal_screen.h"
 #include "settings/settings_table.h"
 #include "support/recorded_messages.h"
 #include "support/served_instrument.h"
-#include "terminal/dialogs/terminal_screen.h"
 #include "ui/control.h"
 #include "ui/static_text.h"
 

@@ -2,8 +2,8 @@
 #include <QFontMetrics>
 #include <QMenu>
 
+#include "dialogs/terminal/terminal_font.h"
 #include "support/window_places.h"
-#include "terminal/dialogs/terminal_font.h"
 #include "terminal/screen_options.h"
 #include "ui/placement.h"
 #include "windows/terminal_fixture.h"

@@ -1,0 +1,104 @@
+#include "dialogs/serial/port_choice.h"
+
+#include "dialogs/serial/port_rules.h"
+#include "settings/settings_table.h"
+#include "settings/store_values.h"
+
+namespace quarn {
+namespace {
+
+constexpr int kBeforeConnectMs = 500;  // the title is seen, and the device comes to rest
+
+void TellConnected(const DialogContext& context, const QString& port) {
+  const WaitInterrupted box(context.environment.waitIndicator);
+  context.Messages().ShowInformationMessage(QStringLiteral(": Information"), QString(),
+                                            QStringLiteral("Successfully connected to  \"%1\"").arg(port),
+                                            QString());
+}
+
+void TellFailed(const DialogContext& context, const QString& port, FailureSentence sentence) {
+  const WaitInterrupted box(context.environment.waitIndicator);
+  QString text = QStringLiteral("Failed to connect to \"%1\"").arg(port);
+  if (sentence == FailureSentence::WithFullStop) text += QLatin1Char('.');
+  context.Messages().ShowErrorMessage(QStringLiteral(": Error"), QString(), text,
+                                      QStringLiteral("Check \"Detailed COM Port List\"."));
+}
+
+/// From here on this is the port, also for the next start.
+void TakeAsCurrent(const DialogContext& context, const QString& port) {
+  context.settings.comPort = port;
+  context.state.currentPortName = port;
+  StoreValues(context.workingSettingsFile, {{keys::kComPort, port}}, context.Messages());
+}
+
+/// The watch on the ports rests while this is there: until the choice is complete it would compare what
+/// has been opened with the name of the port before.
+class UnderWay {
+ public:
+  explicit UnderWay(SharedState& state) : m_state(state) { m_state.portBeingChosen = true; }
+  ~UnderWay() { m_state.portBeingChosen = false; }
+  UnderWay(const UnderWay&) = delete;
+  UnderWay& operator=(const UnderWay&) = delete;
+
+ private:
+  SharedState& m_state;
+};
+
+bool OpenChosen(const DialogContext& context, const QString& port) {
+  context.pause.For(kBeforeConnectMs);
+  ClosePort(context.connection);
+  SettingsRecord chosen = context.settings;
+  chosen.comPort = port;
+  return ConnectPort(chosen, context.connection, context.environment);
+}
+
+void ReopenFormer(const DialogContext& context, const QString& former) {
+  context.connection.connected = false;
+  context.state.currentPortName = former;
+  ConnectPort(context.settings, context.connection, context.environment);
+  context.connection.connected = true;
+}
+
+}  // namespace
+
+bool ConnectToChosenPort(const DialogContext& context, const QString& port, FailureSentence sentence,
+                         const TitleStatus& titleStatus) {
+  const UnderWay underWay(context.state);
+  const WaitShown wait(context.environment.waitIndicator);
+  const QString former = context.state.currentPortName;
+  titleStatus(QStringLiteral(" Connecting Port ... "));
+  const bool opened = OpenChosen(context, port);
+  if (opened) {
+    context.connection.connected = true;
+    titleStatus(QString());
+    TellConnected(context, port);
+    TakeAsCurrent(context, port);
+  } else {
+    TellFailed(context, port, sentence);
+    ReopenFormer(context, former);
+  }
+  titleStatus(QString());
+  RaiseConnectionRefreshes(context.state.requests);
+  return opened;
+}
+
+void ChooseNoPort(const DialogContext& context) {
+  const UnderWay underWay(context.state);
+  PortConnection& connection = context.connection;
+  if (connection.connected) {
+    ClosePort(connection);
+    context.Messages().ShowInformationMessage(
+        QStringLiteral(": Information"), QString(),
+        QStringLiteral("  \"%1\" has been disconnected.").arg(context.state.currentPortName),
+        QStringLiteral(" COM port is undefined."));
+  } else {
+    context.Messages().ShowInformationMessage(QStringLiteral(": Information"), QString(),
+                                              QStringLiteral("COM port settings have become undefined."),
+                                              QString());
+  }
+  connection.connected = false;
+  TakeAsCurrent(context, NoPort());
+  RaiseConnectionRefreshes(context.state.requests);
+}
+
+}  // namespace quarn

@@ -1,0 +1,48 @@
+#include "dialogs/serial/port_dialog.h"
+
+#include <QCloseEvent>
+
+#include "ui/control.h"
+#include "ui/dialog_button.h"
+#include "ui/dialog_grid.h"
+
+namespace quarn {
+
+PortDialog::PortDialog(QWidget* owner, const DialogContext& context, const QString& name)
+    : PolledDialog(owner), m_context(context) {
+  setObjectName(name);
+  setAttribute(Qt::WA_DeleteOnClose);
+}
+
+void PortDialog::reject() { close(); }
+
+void PortDialog::Perform(const std::function<void()>& operation) {
+  if (IsBusy()) return;
+  {
+    const Busy busy(*this);
+    operation();
+  }
+  CloseIfPutOff();
+}
+
+QPushButton* PortDialog::AddButton(const char* name, const QString& text, int controlId,
+                                   const std::function<void()>& operation) {
+  auto* button = WithControlId(new DialogButton(text, this), controlId);
+  button->setObjectName(QLatin1String(name));
+  button->setAccessibleName(text);
+  button->setMinimumWidth(DialogGrid(*this).Width(DialogGrid::kButtonWidth));
+  connect(button, &QPushButton::clicked, this, [this, operation] { Perform(operation); });
+  return button;
+}
+
+void PortDialog::OnTick(int /*ticks*/) {
+  if (!IsBusy()) Look();
+}
+
+void PortDialog::closeEvent(QCloseEvent* event) {
+  StopTicks();
+  OnClose();
+  event->accept();
+}
+
+}  // namespace quarn

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "dialogs/serial/port_dialog.h"
+
+class QComboBox;
+
+namespace quarn {
+
+/// COM Port Number: picks the port by its number, or none. Follows the ports present.
+class CPortNum final : public PortDialog {
+ public:
+  CPortNum(QWidget* owner, const DialogContext& context);
+
+ protected:
+  void Look() override;
+  void OnClose() override;
+
+ private:
+  void CreateControls();
+  void Fill();
+  /// Shows a choice that is the dialog's own, not the person's.
+  void Show(const PortChoice& choice);
+  void ShowTitle(const QString& status);
+  void ShowListChange();
+  void PickItem();
+  /// The choice as the control shows it.
+  void ReadControls();
+  void Set();
+  void Apply();
+  void PressOk();
+
+  QComboBox* m_ports = nullptr;
+  QPushButton* m_set = nullptr;
+  QPushButton* m_ok = nullptr;
+  QString m_selection;
+  QString m_atRest;
+};
+
+}  // namespace quarn

@@ -1,0 +1,173 @@
+#include "dialogs/serial/port_settings_dialog.h"
+
+#include <QComboBox>
+#include <QGridLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <utility>
+
+#include "settings/store_values.h"
+#include "ui/control.h"
+#include "ui/dialog_grid.h"
+#include "ui/placement.h"
+
+namespace quarn {
+namespace {
+
+constexpr int kDefaultId = 1001;
+constexpr int kXPercent = 50;
+constexpr int kYPercent = 20;
+constexpr int kFieldWidth = 95;  // dialog units; the title is seen whole
+
+struct Field {
+  int controlId;
+  const char* name;
+  const char* label;
+  QString LineValues::*value;
+  QStringList choices;
+};
+
+const std::array<Field, 4>& Fields() {
+  static const std::array<Field, 4> fields{{
+      {1066,
+       "bitsPerSecond",
+       "Bits Per Second:",
+       &LineValues::bps,
+       {"1200", "2400", "4800", "9600", "14400", "19200", "38400", "56000", "57600", "115200", "128000",
+        "256000"}},
+      {1006, "dataBits", "Data Bits:", &LineValues::bits, {"5", "6", "7", "8"}},
+      {1007, "parity", "Parity:", &LineValues::parity, {"Odd", "Even", "None"}},
+      {1008, "stopBits", "Stop Bits:", &LineValues::stop, {"1", "1.5", "2"}},
+  }};
+  return fields;
+}
+
+QString Confirmation() { return QStringLiteral(": Confirmation"); }
+
+}  // namespace
+
+CPortSettings::CPortSettings(QWidget* owner, const DialogContext& context)
+    : PortDialog(owner, context, QStringLiteral("CPortSettings")),
+      m_working(LineValuesOf(context.settings)),
+      m_taken(m_working) {
+  Requests().portSettingsRefresh = false;
+  CreateControls();
+  ShowValues();
+  Put([this] { PlaceOnScreenByPercent(*this, kXPercent, kYPercent); });
+  StartTicks();
+}
+
+void CPortSettings::CreateControls() {
+  const DialogGrid measure(*this);
+  auto* grid = new QGridLayout(this);
+  grid->setSizeConstraint(QLayout::SetFixedSize);
+  const int margin = measure.Width(DialogGrid::kMargin);
+  grid->setContentsMargins(margin, margin, margin, margin);
+  grid->setHorizontalSpacing(measure.Width(DialogGrid::kGap));
+  grid->setVerticalSpacing(measure.Height(DialogGrid::kGap));
+  grid->setColumnMinimumWidth(1, measure.Width(kFieldWidth));
+  grid->setColumnMinimumWidth(2, measure.Width(DialogGrid::kGroupGap) - 2 * grid->horizontalSpacing());
+  int row = 0;
+  for (const Field& field : Fields()) {
+    auto* label = new QLabel(QString::fromLatin1(field.label), this);
+    auto* box = WithControlId(new QComboBox(this), field.controlId);
+    box->setObjectName(QLatin1String(field.name));
+    box->setAccessibleName(QString::fromLatin1(field.label).chopped(1));
+    box->setMaxVisibleItems(static_cast<int>(field.choices.size()));
+    box->addItems(field.choices);
+    label->setBuddy(box);
+    connect(box, &QComboBox::activated, this, [this, row] { PickItem(row); });
+    grid->setRowMinimumHeight(row, measure.Height(DialogGrid::kRowHeight));
+    grid->addWidget(label, row, 0);
+    grid->addWidget(box, row, 1);
+    m_fields[static_cast<std::size_t>(row++)] = box;
+  }
+  CreateButtons();
+}
+
+void CPortSettings::CreateButtons() {
+  auto* grid = static_cast<QGridLayout*>(layout());
+  grid->addWidget(
+      AddButton("defaultButton", QStringLiteral("DEFAULT"), kDefaultId, [this] { RestoreDefaults(); }), 0, 3);
+  grid->addWidget(AddButton("setButton", QStringLiteral("SET"), 1084, [this] { Set(); }), 2, 3);
+  QPushButton* ok = AddButton("okButton", QStringLiteral("OK"), 1002, [this] { PressOk(); });
+  ok->setDefault(true);
+  grid->addWidget(ok, 3, 3);
+}
+
+void CPortSettings::ShowValues() {
+  for (std::size_t i = 0; i < m_fields.size(); ++i) {
+    const QString& value = m_working.*Fields()[i].value;
+    m_fields[i]->setCurrentIndex(m_fields[i]->findText(value, Qt::MatchExactly | Qt::MatchCaseSensitive));
+  }
+  setWindowTitle(PortSettingsTitle(m_working));
+}
+
+void CPortSettings::PickItem(int field) {
+  const auto index = static_cast<std::size_t>(field);
+  if (m_fields[index]->currentIndex() < 0) return;
+  m_working.*Fields()[index].value = m_fields[index]->currentText();
+  ShowValues();
+}
+
+void CPortSettings::Look() {
+  if (!std::exchange(Requests().portSettingsRefresh, false)) return;
+  const LineValues inForce = LineValuesOf(Context().settings);
+  if (inForce != m_taken) m_working = m_taken = inForce;  // another file has been loaded
+  ShowValues();
+}
+
+void CPortSettings::Store() {
+  PutLineValues(m_working, Context().settings);
+  m_taken = m_working;
+  StoreAllSettings(Context().workingSettingsFile, Context().settings, Context().Messages());
+}
+
+bool CPortSettings::Reconnect(const SettingsRecord& settings) {
+  PortConnection& connection = Context().connection;
+  const WaitShown wait(Context().environment.waitIndicator);
+  ClosePort(connection);
+  connection.connected = ConnectPort(settings, connection, Context().environment);
+  RaiseConnectionRefreshes(Requests());
+  return connection.connected;
+}
+
+void CPortSettings::Set() {
+  PutLineValues(m_working, Context().settings);
+  if (Context().connection.connected && !Reconnect(Context().settings)) {
+    Context().Messages().ShowErrorMessage(
+        QStringLiteral(": Error"), QString(),
+        QStringLiteral("  \"%1\" is not available.").arg(Context().state.currentPortName),
+        QStringLiteral("Check \"Detailed COM Port List\"."));
+  }
+  Store();
+}
+
+void CPortSettings::RestoreDefaults() {
+  if (!Context().Messages().AskConfirmation(
+          Confirmation(), QString(),
+          QStringLiteral("Are you sure you want to restore the default settings? "), QString(),
+          AnswerByDefault::Refuse)) {
+    return;
+  }
+  m_working = DefaultLineValues();
+  ShowValues();
+  Store();
+  Reconnect(Context().settings);
+  Context().Messages().ShowTransientMessage(QStringLiteral("Settings have been reset to default values."));
+}
+
+void CPortSettings::PressOk() {
+  if (m_working != LineValuesOf(Context().settings) &&
+      Context().Messages().AskConfirmation(Confirmation(), QString(),
+                                           QStringLiteral("Settings have been changed."),
+                                           QStringLiteral("Is it OK to save this configuration?"))) {
+    SettingsRecord chosen = Context().settings;
+    PutLineValues(m_working, chosen);
+    Reconnect(chosen);
+    Store();
+  }
+  close();
+}
+
+}  // namespace quarn

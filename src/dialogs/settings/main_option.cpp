@@ -1,0 +1,34 @@
+#include "dialogs/settings/main_option.h"
+
+#include <array>
+
+namespace quarn {
+namespace {
+
+constexpr OptionBinding kPosition{&SettingsRecord::mainPos, keys::kMainPos};
+
+constexpr std::array kMainButtons{
+    OptionButton{1073, OptionButton::Radio, "TOP - LEFT", "topLeft", kPosition, u"TL", StoreOption},
+    OptionButton{1074, OptionButton::Radio, "TOP - RIGHT", "topRight", kPosition, u"TR", StoreOption},
+};
+
+constexpr std::array kMainLabels{OptionLabel{keys::kMainPos, "Startup Display Position  ---"}};
+
+const OptionDialogPlan kMainPlan{
+    .className = "CMainOption",
+    .title = "Quarn - Main Dialog Optiom",
+    .leastUnits = {0, 0},
+    .buttons = kMainButtons,
+    .labels = kMainLabels,
+    .okId = 1,
+    .open = &OpenWindows::mainDialogOption,
+    .refresh = &WindowRequests::mainOptionRefresh,
+    .close = &WindowRequests::mainOptionClose,
+};
+
+}  // namespace
+
+CMainOption::CMainOption(QWidget* owner, const DialogContext& context)
+    : OptionDialog(owner, context, kMainPlan) {}
+
+}  // namespace quarn

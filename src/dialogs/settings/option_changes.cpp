@@ -1,0 +1,58 @@
+#include "dialogs/settings/option_changes.h"
+
+#include <utility>
+
+#include "settings/store_values.h"
+
+namespace quarn {
+namespace {
+
+void WriteOption(const DialogContext& context, const OptionBinding& option) {
+  StoreValues(context.workingSettingsFile, {{option.key, option.field.In(context.settings)}},
+              context.Messages());
+}
+
+}  // namespace
+
+void StoreOption(const DialogContext& context, const OptionBinding& option, const QString& value) {
+  option.field.In(context.settings) = value;
+  WriteOption(context, option);
+}
+
+void StoreShownOption(const DialogContext& context, const OptionBinding& option, const QString& value) {
+  context.state.requests.terminalRefresh = true;
+  StoreOption(context, option, value);
+}
+
+void ChangePortSpeed(const DialogContext& context, const OptionBinding& option, const QString& value) {
+  QString& speed = option.field.In(context.settings);
+  if (speed == value) return;
+  const QString former = std::exchange(speed, value);
+  if (context.connection.handle.IsOpen() &&
+      !ReconfigurePort(context.settings, context.connection, context.environment)) {
+    speed = former;
+    context.Messages().ShowErrorMessage(
+        QStringLiteral(": Error"), QString(),
+        QStringLiteral("Failed to configure  \"%1\"").arg(context.state.currentPortName),
+        QStringLiteral("Check COM port state."));
+    return;
+  }
+  WriteOption(context, option);
+}
+
+void ChangeInputMax(const DialogContext& context, const OptionBinding& option, const QString& value) {
+  if (option.field.In(context.settings) == value) return;
+  if (context.state.open.terminalScreen) {
+    if (!context.Messages().AskYesNo(QStringLiteral(": Confirmation"),
+                                     QStringLiteral("Is it OK to clear the operation log ?"), QString(),
+                                     QString(), AnswerByDefault::Refuse)) {
+      return;
+    }
+  }
+  option.field.In(context.settings) = value;
+  context.state.requests.clearLog = context.state.open.terminalScreen;
+  context.state.requests.terminalRefresh = true;
+  WriteOption(context, option);
+}
+
+}  // namespace quarn

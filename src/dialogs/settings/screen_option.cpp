@@ -1,0 +1,58 @@
+#include "dialogs/settings/screen_option.h"
+
+#include <array>
+
+namespace quarn {
+namespace {
+
+constexpr OptionBinding kStart{&SettingsRecord::startDisp, keys::kStartDisp};
+constexpr OptionBinding kClear{&SettingsRecord::autoClr, keys::kAutoClr};
+constexpr OptionBinding kNumbers{&SettingsRecord::lineNum, keys::kLineNum};
+constexpr OptionBinding kFunctionKeys{&SettingsRecord::funcKey, keys::kFuncKey};
+constexpr OptionBinding kEmpty{&SettingsRecord::enblNull, keys::kEnblNull};
+constexpr OptionBinding kLength{&SettingsRecord::inputMax, keys::kInputMax};
+constexpr OptionBinding kColour{&SettingsRecord::bkColor, keys::kBkColor};
+
+using enum OptionButton::Kind;
+
+constexpr std::array kScreenButtons{
+    OptionButton{1070, Check, "Display Terminal Screen at Startup", "displayAtStartup", kStart, nullptr,
+                 StoreOption},
+    OptionButton{1071, Check, "Clear Command Line After Sending", "clearAfterSending", kClear, nullptr,
+                 StoreOption},
+    OptionButton{1072, Check, "Line Number", "lineNumber", kNumbers, nullptr, StoreShownOption},
+    OptionButton{1075, Check, "Show Function Keys", "showFunctionKeys", kFunctionKeys, nullptr,
+                 StoreShownOption},
+    OptionButton{1074, Check, "Allow Sending Empty Command Lines", "allowEmpty", kEmpty, nullptr,
+                 StoreOption},
+    OptionButton{1065, Radio, "N (48)", "length48", kLength, u"N", ChangeInputMax},
+    OptionButton{1066, Radio, "M (56)", "length56", kLength, u"M", ChangeInputMax},
+    OptionButton{1067, Radio, "W (64)", "length64", kLength, u"W", ChangeInputMax},
+    OptionButton{1073, Radio, "Navy", "colourNavy", kColour, u"NAVY", StoreShownOption},
+    OptionButton{1069, Radio, "Black", "colourBlack", kColour, u"BLACK", StoreShownOption},
+    OptionButton{1068, Radio, "System", "colourSystem", kColour, u"SYSTEM", StoreShownOption},
+};
+
+constexpr std::array kScreenLabels{
+    OptionLabel{keys::kInputMax, "Max Command Length  -----"},
+    OptionLabel{keys::kBkColor, "Background Color  -----------"},
+};
+
+const OptionDialogPlan kScreenPlan{
+    .className = "CScreenOption",
+    .title = "Quarn - Terminal Screen Option",
+    .leastUnits = {0, 0},
+    .buttons = kScreenButtons,
+    .labels = kScreenLabels,
+    .okId = 1,
+    .open = &OpenWindows::terminalScreenOption,
+    .refresh = &WindowRequests::screenOptionRefresh,
+    .close = &WindowRequests::screenOptionClose,
+};
+
+}  // namespace
+
+CScreenOption::CScreenOption(QWidget* owner, const DialogContext& context)
+    : OptionDialog(owner, context, kScreenPlan) {}
+
+}  // namespace quarn

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "dialogs/settings/option_dialog.h"
+
+namespace quarn {
+
+/// How the Terminal Screen looks and behaves.
+class CScreenOption final : public OptionDialog {
+ public:
+  CScreenOption(QWidget* owner, const DialogContext& context);
+};
+
+}  // namespace quarn

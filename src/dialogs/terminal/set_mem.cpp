@@ -1,0 +1,325 @@
+#include "dialogs/terminal/set_mem.h"
+
+#include <QCloseEvent>
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+#include <QValidator>
+#include <utility>
+
+#include "settings/store_values.h"
+#include "ui/clipboard_text.h"
+#include "ui/control.h"
+#include "ui/dialog_grid.h"
+#include "ui/paste_field.h"
+#include "ui/placement.h"
+
+namespace quarn {
+namespace {
+
+struct Row {
+  int fieldId;
+  int buttonId;
+};
+
+constexpr std::array<Row, kStoredCommandCount> kRows{{{1082, 1001},
+                                                      {1065, 1002},
+                                                      {1066, 1003},
+                                                      {1067, 1004},
+                                                      {1068, 1005},
+                                                      {1069, 1006},
+                                                      {1078, 1007},
+                                                      {1079, 1008},
+                                                      {1080, 1009},
+                                                      {1081, 1010}}};
+constexpr int kUndoId = 1071;
+constexpr int kSaveId = 1072;
+constexpr int kEditId = 1070;
+constexpr int kOkId = 1073;
+constexpr int kSendId = 1011;
+
+constexpr int kKeyWidth = 28;     // in dialog units
+constexpr int kFieldWidth = 212;  // about 50 characters
+constexpr int kRowGap = 2;
+
+/// Keeps out what a stored command cannot hold, however it comes in.
+class StoredCommandValidator final : public QValidator {
+ public:
+  using QValidator::QValidator;
+  State validate(QString& input, int& position) const override {
+    position = static_cast<int>(AsStoredCommand(input.left(position)).size());
+    input = AsStoredCommand(input);
+    return Acceptable;
+  }
+};
+
+QLineEdit* CreateField(QWidget* parent, PasteField::Source pasted, int index, int controlId) {
+  auto* field = WithControlId(new PasteField(parent, std::move(pasted)), controlId);
+  field->setObjectName(QStringLiteral("MEM%1").arg(index));
+  field->setAccessibleName(field->objectName());
+  field->setAccessibleDescription(QStringLiteral("Stored command of F%1").arg(index + 1));
+  return field;
+}
+
+/// The commands are there to be read, also while they cannot be edited.
+void KeepReadable(QLineEdit& field, const QPalette& desktop) {
+  QPalette colours = field.palette();
+  colours.setColor(QPalette::Disabled, QPalette::Text, desktop.color(QPalette::Active, QPalette::WindowText));
+  field.setPalette(colours);
+}
+
+QPushButton* CreateButton(QWidget* parent, const QString& text, int controlId, QSize size) {
+  auto* button = WithControlId(new QPushButton(text, parent), controlId);
+  button->setObjectName(text);
+  button->setAutoDefault(false);
+  button->setMinimumSize(size);
+  return button;
+}
+
+}  // namespace
+
+CSetMem::CSetMem(QWidget* owner, const FunctionKeyTableContext& context)
+    : PolledDialog(owner), m_context(context), m_table(context.settings) {
+  setObjectName(QStringLiteral("CSetMem"));
+  setWindowTitle(QStringLiteral("Quarn - Function Key Table"));
+  setAttribute(Qt::WA_DeleteOnClose);
+  m_context.state.open.functionKeyTable = true;
+  // What was asked before it was there does not concern it.
+  m_context.state.requests.functionTableReload = false;
+  m_context.state.requests.functionTableClose = false;
+
+  const DialogGrid grid(*this);
+  auto* column = new QVBoxLayout(this);
+  column->setSizeConstraint(QLayout::SetFixedSize);
+  const int margin = grid.Width(DialogGrid::kMargin);
+  column->setContentsMargins(margin, margin, margin, margin);
+  column->setSpacing(grid.Height(kRowGap));
+  CreateRows(*column);
+  column->addSpacing(grid.Height(DialogGrid::kGroupGap - kRowGap));
+  CreateButtons(*column);
+  KeepKeysInTheDialog();
+  ShowTexts();
+  ShowState();
+  Put([this, saved = m_context.savedWindowRect] {
+    if (saved.isEmpty()) {
+      CenterOnScreen(*this);
+    } else {
+      move(saved.topLeft());
+    }
+  });
+  m_ok->setFocus();
+  StartTicks();
+}
+
+void CSetMem::CreateRows(QBoxLayout& column) {
+  const DialogGrid grid(*this);
+  const QSize keySize(grid.Width(kKeyWidth), grid.Height(DialogGrid::kRowHeight));
+  const auto pasted = [this](QClipboard::Mode mode) { return Pasted(mode); };
+  auto* validator = new StoredCommandValidator(this);
+  for (int index = 0; index < kStoredCommandCount; ++index) {
+    const auto i = static_cast<std::size_t>(index);
+    auto* key = CreateButton(this, QStringLiteral("F%1").arg(index + 1), kRows[i].buttonId, keySize);
+    connect(key, &QPushButton::clicked, this, [this, index] { PressFunctionButton(index); });
+    QLineEdit* field = CreateField(this, pasted, index, kRows[i].fieldId);
+    KeepReadable(*field, palette());
+    field->setValidator(validator);
+    field->setFixedWidth(grid.Width(kFieldWidth));
+    field->setMinimumHeight(keySize.height());
+    auto* row = new QHBoxLayout;
+    row->setSpacing(grid.Width(DialogGrid::kGap));
+    row->addWidget(key);
+    row->addWidget(field);
+    column.addLayout(row);
+    m_keys[i] = key;
+    m_fields[i] = field;
+  }
+}
+
+void CSetMem::CreateButtons(QBoxLayout& column) {
+  const DialogGrid grid(*this);
+  const QSize size(grid.Width(DialogGrid::kButtonWidth - DialogGrid::kGap),
+                   grid.Height(DialogGrid::kRowHeight));
+  auto* row = new QHBoxLayout;
+  row->setSpacing(grid.Width(DialogGrid::kGap));
+  const auto add = [&](const char* text, int controlId, void (CSetMem::*pressed)()) {
+    QPushButton* button = CreateButton(this, QString::fromLatin1(text), controlId, size);
+    connect(button, &QPushButton::clicked, this, pressed);
+    row->addWidget(button, 1);
+    return button;
+  };
+  m_undo = add("UNDO", kUndoId, &CSetMem::Undo);
+  m_save = add("SAVE", kSaveId, &CSetMem::Save);
+  m_edit = add("EDIT", kEditId, &CSetMem::ToggleEditing);
+  m_ok = CreateButton(this, QStringLiteral("OK"), kOkId, size);
+  connect(m_ok, &QPushButton::clicked, this, [this] { close(); });
+  row->addWidget(m_ok, 1);
+  m_send = add("SEND", kSendId, &CSetMem::Send);
+  column.addLayout(row);
+}
+
+void CSetMem::KeepKeysInTheDialog() {
+  for (QWidget* child : findChildren<QWidget*>()) child->installEventFilter(this);
+}
+
+void CSetMem::ReadFields() {
+  for (std::size_t i = 0; i < m_fields.size(); ++i) {
+    const QString text = m_fields[i]->text();
+    // Untouched, the text stays as its file had it, with what the field could not show.
+    if (text != AsStoredCommand(m_table.EditText().at(i))) m_table.SetEditText(static_cast<int>(i), text);
+  }
+}
+
+void CSetMem::ShowTexts() {
+  for (std::size_t i = 0; i < m_fields.size(); ++i) {
+    const QString& text = m_table.EditText().at(i);
+    const int limit = m_table.Limit(static_cast<int>(i));
+    // A field with nothing new keeps its cursor, which both calls would move.
+    if (m_fields[i]->maxLength() != limit) m_fields[i]->setMaxLength(limit);
+    if (m_fields[i]->text() == AsStoredCommand(text)) continue;
+    m_fields[i]->setText(text);
+    m_fields[i]->setCursorPosition(0);
+  }
+}
+
+void CSetMem::ShowState() {
+  const FunctionKeyTable::Enabled enabled = m_table.WhatIsEnabled();
+  m_edit->setText(m_table.IsEditing() ? QStringLiteral("ENTER") : QStringLiteral("EDIT"));
+  for (QLineEdit* field : m_fields) field->setEnabled(enabled.fields);
+  for (QPushButton* key : m_keys) key->setEnabled(enabled.functionKeys);
+  m_undo->setEnabled(enabled.undo);
+  m_save->setEnabled(enabled.save);
+  m_ok->setEnabled(enabled.ok);
+  m_send->setEnabled(enabled.send);
+}
+
+void CSetMem::changeEvent(QEvent* event) {
+  PolledDialog::changeEvent(event);
+  if (event->type() != QEvent::PaletteChange) return;
+  for (QLineEdit* field : m_fields) KeepReadable(*field, palette());
+}
+
+bool CSetMem::eventFilter(QObject* receiver, QEvent* event) {
+  if (event->type() == QEvent::KeyPress && HandleKey(static_cast<QKeyEvent&>(*event))) return true;
+  return PolledDialog::eventFilter(receiver, event);
+}
+
+void CSetMem::keyPressEvent(QKeyEvent* event) {
+  if (!HandleKey(*event)) PolledDialog::keyPressEvent(event);
+}
+
+std::optional<QString> CSetMem::Pasted(QClipboard::Mode mode) {
+  if (m_hold.IsHolding()) return std::nullopt;
+  const Busy busy(*this);
+  return ClipboardText(m_hold, mode);
+}
+
+bool CSetMem::HandleKey(const QKeyEvent& event) {
+  // Alt and F4 closes the window; a key with a logo on it is the desktop's.
+  const Qt::KeyboardModifiers modifiers = event.modifiers();
+  const bool alt = modifiers.testFlag(Qt::AltModifier) && !modifiers.testFlag(Qt::ControlModifier);
+  if (alt || modifiers.testFlag(Qt::MetaModifier)) return false;
+  const int key = event.key();
+  if (key >= Qt::Key_F1 && key <= Qt::Key_F10) {
+    // With the Ctrl state of the last button press, whatever is held now.
+    if (!event.isAutoRepeat()) RequestStoredCommand(key - Qt::Key_F1);
+    return true;
+  }
+  if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+    // A key held down sends once.
+    if (!event.isAutoRepeat() && !m_table.IsEditing()) m_context.state.requests.send = true;
+    return true;
+  }
+  return key == Qt::Key_Escape;
+}
+
+void CSetMem::RequestStoredCommand(int index) {
+  m_context.state.requests.functionKey = true;
+  m_context.state.requests.functionKeyIndex = index;
+}
+
+void CSetMem::PressFunctionButton(int index) {
+  RequestStoredCommand(index);
+  m_context.state.requests.functionKeyCtrl =
+      QGuiApplication::keyboardModifiers().testFlag(Qt::ControlModifier);
+  if (m_context.state.open.terminalScreen) m_context.state.requests.focus = true;
+}
+
+void CSetMem::Send() {
+  if (!m_context.state.open.terminalScreen) return;
+  m_context.state.requests.sendAction = true;
+  m_context.state.requests.focus = true;
+}
+
+void CSetMem::ToggleEditing() {
+  if (m_table.IsEditing()) {
+    ReadFields();
+    m_table.FinishEditing();
+    // A long command is read from its start.
+    for (QLineEdit* field : m_fields) field->setCursorPosition(0);
+    m_context.state.requests.terminalRefresh = true;
+  } else {
+    m_table.StartEditing();
+  }
+  ShowTexts();
+  ShowState();
+}
+
+void CSetMem::Undo() {
+  const Busy busy(*this);
+  ReadFields();
+  if (!m_table.CanUndo()) return;
+  if (!m_context.messages.AskSimple(QStringLiteral("OK to discard the updated data ?"),
+                                    AnswerByDefault::Refuse)) {
+    return;
+  }
+  m_table.Undo();
+  m_context.state.requests.terminalRefresh = true;
+  ShowTexts();
+  ShowState();
+}
+
+void CSetMem::Save() {
+  const Busy busy(*this);
+  if (!m_table.CanSave()) return;
+  if (!m_context.messages.AskSimpleYesNo(QStringLiteral("Is it OK to save the updated data ?"))) return;
+  if (!m_table.Save(m_context.workingSettingsFile)) TellSettingsTooLong(m_context.messages);
+  ShowState();  // what was saved is neither to be saved nor to be taken back
+}
+
+int CSetMem::QuietTicks() const {
+  const WindowRequests& requests = m_context.state.requests;
+  return requests.functionTableReload || requests.functionTableClose ? 0 : TickPlan::kUntilWoken;
+}
+
+void CSetMem::OnTick(int /*ticks*/) {
+  // A message box of this window is up: everything waits until it is gone.
+  if (IsBusy()) return;
+  WindowRequests& requests = m_context.state.requests;
+  if (std::exchange(requests.functionTableReload, false)) {
+    m_table.Reload();
+    ShowTexts();
+    ShowState();
+  }
+  if (!HasToStay() && std::exchange(requests.functionTableClose, false)) close();
+}
+
+void CSetMem::closeEvent(QCloseEvent* event) {
+  if (m_table.IsEditing()) {
+    event->ignore();
+    const Busy busy(*this);
+    m_context.messages.ShowInformationMessage(QStringLiteral(": Warning"),
+                                              QStringLiteral("Quit \"EDIT\" mode to close this dialog."),
+                                              QString(), QString());
+    return;
+  }
+  m_context.savedWindowRect = frameGeometry();
+  m_context.state.open.functionKeyTable = false;
+  m_context.state.requests.functionTableClose = false;
+  m_context.state.requests.mainRefresh = true;  // its menu item can be chosen again
+  StopTicks();
+  PolledDialog::closeEvent(event);
+}
+
+}  // namespace quarn

@@ -1,0 +1,120 @@
+#pragma once
+
+#include <QMargins>
+#include <QPushButton>
+#include <QRect>
+#include <array>
+#include <functional>
+#include <vector>
+
+#include "base/message_operations.h"
+#include "dialogs/shared_state.h"
+#include "settings/settings_record.h"
+#include "terminal/execute_command.h"
+#include "terminal/screen_layout.h"
+#include "terminal/terminal_keys.h"
+#include "ui/input_hold.h"
+#include "ui/polled_dialog.h"
+
+class QMenu;
+
+namespace quarn {
+
+class StaticText;
+
+/// What the Terminal Screen works on. All of it outlives the window: log, command line and the window's
+/// last place are there again when it is opened anew.
+struct TerminalScreenContext {
+  SettingsRecord& settings;
+  PortConnection& connection;
+  SharedState& state;
+  TransactionEngine& engine;
+  OperationLog& log;
+  CommandLine& commandLine;
+  MessageOperations& messages;
+  QRect& savedWindowRect;
+  /// Open the dialogs of its menu unless they are open; empty: the item is disabled.
+  std::function<void()> openFunctionKeyTable = {};
+  std::function<void()> openScreenOption = {};
+};
+
+/// The window in which commands are typed and the log is read. Modeless; deletes itself when closed.
+class CTerminalScreen final : public PolledDialog, private TransactionHost {
+ public:
+  CTerminalScreen(QWidget* owner, const TerminalScreenContext& context);
+
+  /// Counts the Enter presses that were accepted.
+  [[nodiscard]] unsigned SendCounter() const { return m_sendCounter; }
+  /// The text last put into screen row 0 to 31, its CR included.
+  [[nodiscard]] const QString& RowText(int row) const;
+  [[nodiscard]] QMenu& ContextMenu() { return *m_menu; }
+
+ protected:
+  void OnTick(int ticks) override;
+  [[nodiscard]] int QuietTicks() const override;
+  bool eventFilter(QObject* receiver, QEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void inputMethodEvent(QInputMethodEvent* event) override;
+  [[nodiscard]] QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
+  void changeEvent(QEvent* event) override;
+  void paintEvent(QPaintEvent* event) override;
+  void wheelEvent(QWheelEvent* event) override;
+  void contextMenuEvent(QContextMenuEvent* event) override;
+  void showEvent(QShowEvent* event) override;
+  void closeEvent(QCloseEvent* event) override;
+
+ private:
+  void CreateControls();
+  void CreateMenu();
+  void ApplyLayout();
+  void ApplyWindowSize();
+  void ApplyColours();
+  void ApplyToolTips();
+  void RefreshAll();
+  void RefreshTitle();
+  void RedrawLogRows();
+  void ShowCommandLine();
+
+  bool HandleKey(const QKeyEvent& event);
+  void TypeText(const QString& text);
+  void LoadStoredCommand(int index, bool append);
+  void CopyToClipboard(const QString& text);
+  void PasteFromClipboard();
+  void SendAction();
+  void SendByEnter();
+  void SendIfTyped();
+  void Transact();
+  void ClearAllLogEntries();
+  void ResetLog();
+  void PerformRequests();
+  void TakeFocus();
+  void PressButton(const TerminalButton& button);
+
+  [[nodiscard]] bool IsPortOpen() const { return m_context.connection.connected; }
+  /// Whether a command can reach a device. Tells the person when it cannot: without a line, or on one that
+  /// has died and whose loss has not been told yet, the answer would be that of an earlier command.
+  bool CanSend();
+  [[nodiscard]] int CommandLimit() const;
+
+  // TransactionHost
+  void BeginWait() override { m_hold.Begin(); }
+  void EndWait() override { m_hold.End(); }
+  void KeepPainting() override { m_hold.Pump(); }
+  void ShowWaitingText(const QString& text) override;
+  [[nodiscard]] int CaretPosition() const override { return m_context.commandLine.CursorPos(); }
+  bool EscapePressed() override;
+
+  TerminalScreenContext m_context;
+  InputHold m_hold;
+  StaticText* m_prompt = nullptr;
+  StaticText* m_commandDisplay = nullptr;
+  std::array<StaticText*, ScreenRowCount> m_rows{};
+  std::array<QPushButton*, kTerminalButtonCount> m_buttons{};
+  QPushButton* m_sendButton = nullptr;
+  QMenu* m_menu = nullptr;
+  ColourScheme m_scheme = ColourScheme::System;
+  QMargins m_frame;
+  unsigned m_sendCounter = 0;
+};
+
+}  // namespace quarn
