@@ -232,6 +232,14 @@ TEST_F(MainDialog, MenuBarThatFitsDoesNotWrap) {
   EXPECT_TRUE(dialog.MenuBarWraps());
 }
 
+TEST_F(MainDialog, TheLogoStandsAboveTheStatusLineAtTheRight) {
+  const auto* logo = dialog.findChild<QLabel*>(QStringLiteral("logo"));
+  const QRect status = Control<QLabel>(1075)->geometry();
+  EXPECT_LT(logo->geometry().bottom(), status.top());
+  EXPECT_EQ(logo->geometry().right(), status.right());
+  EXPECT_LT(Control<QLabel>(1076)->geometry().right(), logo->geometry().left());
+}
+
 TEST(MainDialogBeforeItsFirstShow, KnowsWhetherItsMenuBarWraps) {
   struct Unshown : AppTest {
     void TestBody() override {
@@ -242,6 +250,20 @@ TEST(MainDialogBeforeItsFirstShow, KnowsWhetherItsMenuBarWraps) {
     }
   };
   Unshown().TestBody();
+}
+
+TEST(MainDialogBeforeItsFirstShow, OffersNothingThatCannotBeUsed) {
+  struct Fresh : AppTest {
+    void TestBody() override {
+      const CQuarnDlg dialog(program);
+      QSet<int> disabled;
+      for (const QAction* action : dialog.findChildren<QAction*>()) {
+        if (!action->isEnabled()) disabled.insert(action->property(kControlIdProperty).toInt());
+      }
+      EXPECT_EQ(disabled, (QSet<int>{57603, 32807, 32789, 32801, 32805}));
+    }
+  };
+  Fresh().TestBody();
 }
 
 }  // namespace

@@ -175,5 +175,23 @@ TEST_F(AboutBox, CanBeReadAloud) {
   EXPECT_EQ(name(m_box.findChild<QLabel*>(QStringLiteral("logo"))), QStringLiteral("Quarn"));
 }
 
+TEST_F(AboutBox, TheLinkFollowsALargerFontWhileItIsShown) {
+  ShowActive(m_box);
+  const QSize before = Label(kLink)->sizeHint();
+  const FontScale scale(200);
+  EXPECT_TRUE(QTest::qWaitFor([&] { return Label(kLink)->width() > before.width() * 3 / 2; }));
+  EXPECT_GE(Label(kLink)->height(), before.height() * 3 / 2);
+}
+
+TEST_F(AboutBox, TheLogoHasItsSizeInDialogUnits) {
+  for (const int percent : {100, 150}) {
+    const FontScale scale(percent);
+    const CAboutBox box(m_opener, m_messages);
+    const int side = MapDialogUnits(box.font(), {0, 0, 0, 44}).height();
+    const auto* logo = box.findChild<QLabel*>(QStringLiteral("logo"));
+    EXPECT_EQ(logo->pixmap(Qt::ReturnByValue).deviceIndependentSize().toSize(), QSize(side, side));
+  }
+}
+
 }  // namespace
 }  // namespace quarn::test

@@ -93,5 +93,25 @@ TEST(SplashPage, AnotherTimersTickDoesNotEndIt) {
   EXPECT_TRUE(splash.isVisible());
 }
 
+TEST(SplashPage, ItsContentsStandInItsMiddle) {
+  CSplashPage splash;
+  ShowActive(splash);
+  QRect filled;
+  for (const QLabel* label : splash.findChildren<QLabel*>()) filled |= label->geometry();
+  constexpr int kRounding = 2;
+  EXPECT_NEAR(filled.left(), splash.rect().right() - filled.right(), kRounding);
+  EXPECT_NEAR(filled.top(), splash.rect().bottom() - filled.bottom(), kRounding);
+}
+
+TEST(SplashPage, StaysItsTimeEachTime) {
+  CSplashPage splash(nullptr, 300);
+  EXPECT_EQ(splash.exec(), 1);
+  QTest::qWait(150);  // a timer that went on would be half through
+  QElapsedTimer clock;
+  clock.start();
+  EXPECT_EQ(splash.exec(), 1);
+  EXPECT_GE(clock.elapsed(), 250);
+}
+
 }  // namespace
 }  // namespace quarn::test
