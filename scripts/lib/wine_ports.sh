@@ -1,11 +1,11 @@
 # shellcheck shell=bash
 # COM ports under Wine, with simulated instruments behind them. Sourced after wine.sh.
 
-# What tests/windows_lines/line_server.cpp says about it holds for this folder.
+# What tests/wine/line_server/line_server.cpp says about it holds for this folder.
 LINES=$PLACE/lines
 
 start_line_server() {
-  cmake -S tests/windows_lines -B build/windows/lines -G Ninja -DCMAKE_BUILD_TYPE=Release >build/windows/lines.log
+  cmake -S tests/wine/line_server -B build/windows/lines -G Ninja -DCMAKE_BUILD_TYPE=Release >build/windows/lines.log
   cmake --build build/windows/lines >>build/windows/lines.log || {
     cat build/windows/lines.log
     fail "quarn-line-server does not build"

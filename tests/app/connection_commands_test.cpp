@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "app/app_fixture.h"
-#include "line/scripted_line.h"
+#include "serial/scripted_line.h"
 
 namespace quarn::test {
 namespace {

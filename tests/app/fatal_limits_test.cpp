@@ -4,7 +4,7 @@
 
 #include "app/app_fixture.h"
 #include "base/bounds.h"
-#include "line/scripted_line.h"
+#include "serial/scripted_line.h"
 #include "settings/settings_table.h"
 #include "support/plugged_port.h"
 

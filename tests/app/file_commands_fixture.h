@@ -7,8 +7,8 @@
 #include <memory>
 
 #include "app/file_commands.h"
-#include "line/scripted_line.h"
 #include "serial/port_list.h"
+#include "serial/scripted_line.h"
 #include "settings/key_store.h"
 #include "settings/settings_load_save.h"
 #include "settings/settings_table.h"

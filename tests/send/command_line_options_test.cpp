@@ -1,6 +1,6 @@
 #include "send/command_line_options.h"
 
-#include "line/line_test_support.h"
+#include "serial/line_test_support.h"
 
 namespace quarn::send {
 namespace {

@@ -8,7 +8,7 @@
 #include <map>
 
 #include "settings/settings_table.h"
-#include "transaction/transaction_fixture.h"
+#include "terminal/transaction_fixture.h"
 
 namespace quarn {
 

@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "dialogs/dialog_context.h"
-#include "line/scripted_line.h"
+#include "serial/scripted_line.h"
 #include "settings/key_store.h"
 #include "settings/settings_table.h"
 #include "support/dialog_controls.h"

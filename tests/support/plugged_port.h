@@ -1,22 +1,7 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <QFile>
-#include <QString>
-
-#include "serial/serial_fixtures.h"
-
-namespace quarn::test {
-
-/// Makes the line reachable as this port of the folder.
-inline void PlugPort(const QString& portsFolder, const QString& port, const PseudoTerminal& line) {
-  ASSERT_TRUE(QFile::link(QString::fromStdString(line.Node()), portsFolder + QLatin1Char('/') + port));
-}
-
-/// No line can be reached as this port any more. False when none could.
-inline bool UnplugPort(const QString& portsFolder, const QString& port) {
-  return QFile::remove(portsFolder + QLatin1Char('/') + port);
-}
-
-}  // namespace quarn::test
+#ifdef _WIN32
+#include "wine/support/plugged_port_win32.h"
+#else
+#include "support/plugged_port_posix.h"
+#endif

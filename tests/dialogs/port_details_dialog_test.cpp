@@ -1,0 +1,315 @@
+#include "dialogs/serial/port_details_dialog.h"
+
+#include "dialogs/port_details_fixture.h"
+
+namespace quarn::test {
+namespace {
+
+const QString kApplyQuestion =
+    QStringLiteral("question/: Confirmation//Do you want to apply this configuration?/");
+
+TEST_F(PortDetailsDialog, MarksTheCurrentPort) {
+  Plug("COM3");
+  Plug("COM12");
+  ConnectTo("COM12");
+  program.state.requests.detailedListClose = true;
+  Open();
+  EXPECT_TRUE(program.state.open.detailedPortList);
+  EXPECT_FALSE(program.state.requests.detailedListClose);
+  EXPECT_EQ(Checked(), QList<int>{1});
+  EXPECT_FALSE(Button(kSetId).isEnabled());
+  EXPECT_EQ(window->windowTitle(), "Quarn - Detailed COM Port List  (COM12)  ");
+}
+
+TEST_F(PortDetailsDialog, MarksNothingWithoutACurrentPort) {
+  Plug("COM3");
+  Open();
+  EXPECT_EQ(Checked(), QList<int>());
+  EXPECT_FALSE(Button(kSetId).isEnabled());
+}
+
+TEST_F(PortDetailsDialog, SetIsForTheConfiguredPortWhileItIsNotConnected) {
+  Plug("COM3");
+  Configure("COM3");
+  Open();
+  EXPECT_EQ(window->windowTitle(), "Quarn - Detailed COM Port List  (COM3-NC)  ");
+  EXPECT_TRUE(Button(kSetId).isEnabled());
+  Click(kSetId);
+  EXPECT_EQ(Happened(), (QStringList{"pause 500", ChoiceConnected("COM3")}));
+  EXPECT_FALSE(Button(kSetId).isEnabled());
+}
+
+TEST_F(PortDetailsDialog, ClickedRowIsConnectedBySet) {
+  Plug("COM3");
+  Plug("COM4");
+  ConnectTo("COM3");
+  Open();
+  ClickRadio(1);
+  EXPECT_EQ(Checked(), QList<int>{1});
+  EXPECT_TRUE(Button(kSetId).isEnabled());
+  WaitForATick();
+  EXPECT_EQ(Checked(), QList<int>{1});
+  EXPECT_TRUE(Button(kSetId).isEnabled());
+  QString title;
+  pause.during = [&] { title = window->windowTitle(); };
+  Click(kSetId);
+  EXPECT_EQ(title, "Quarn - Detailed COM Port List  (COM3)   Connecting Port ... ");
+  EXPECT_EQ(Happened(), (QStringList{"pause 500", ChoiceConnected("COM4")}));
+  EXPECT_EQ(WorkingFile(), FileWith({{"COM_PORT", "COM4"}}));
+  EXPECT_EQ(Checked(), QList<int>{1});
+  EXPECT_EQ(window->windowTitle(), "Quarn - Detailed COM Port List  (COM4)  ");
+  EXPECT_FALSE(Button(kSetId).isEnabled());
+}
+
+TEST_F(PortDetailsDialog, ClickOnADescriptionIsAClickOnItsRow) {
+  ListOnly(3);
+  Open();
+  QTest::mouseClick(&Description(2), Qt::LeftButton);
+  EXPECT_EQ(Checked(), QList<int>{2});
+  EXPECT_TRUE(Button(kSetId).isEnabled());
+}
+
+TEST_F(PortDetailsDialog, ArrowKeysGoFromRowToRow) {
+  ListOnly(3);
+  Configure("COM1");
+  Open();
+  Radio(0).setFocus();
+  Press(Qt::Key_Down);
+  EXPECT_EQ(Checked(), QList<int>{1});
+  Press(Qt::Key_Tab);
+  EXPECT_EQ(QApplication::focusWidget(), &Button(kSetId));
+  Press(Qt::Key_Tab);
+  EXPECT_EQ(QApplication::focusWidget(), &Button(kOkId));
+}
+
+TEST_F(PortDetailsDialog, TabReachesTheMarkedRow) {
+  ListOnly(3);
+  Configure("COM2");
+  Open();
+  Button(kOkId).setFocus();
+  Press(Qt::Key_Tab);
+  EXPECT_EQ(QApplication::focusWidget(), &Radio(1));
+}
+
+TEST_F(PortDetailsDialog, ConnectedPortCannotBeSetAgain) {
+  Plug("COM3");
+  ConnectTo("COM3");
+  Open();
+  ClickRadio(0);
+  EXPECT_FALSE(Button(kSetId).isEnabled());
+  WaitForATick();
+  Click(kSetId);
+  EXPECT_EQ(Happened(), QStringList());
+}
+
+TEST_F(PortDetailsDialog, SetDoesNothingForAPortThatHasBeenConnectedMeanwhile) {
+  Plug("COM3");
+  Configure("COM3");
+  Open();
+  ASSERT_TRUE(Button(kSetId).isEnabled());
+  ConnectTo("COM3");
+  const auto line = program.connection.handle.Line();
+  // Nobody has told it: the button is still there to be clicked on.
+  ASSERT_TRUE(Button(kSetId).isEnabled());
+  Click(kSetId);
+  EXPECT_EQ(Happened(), QStringList());
+  EXPECT_EQ(program.connection.handle.Line(), line);
+}
+
+TEST_F(PortDetailsDialog, PortThatVanishesBetweenClickAndSetIsRefused) {
+  Plug("COM3");
+  Plug("COM4");
+  ConnectTo("COM3");
+  Open();
+  ClickRadio(1);
+  Unplug("COM4");
+  Click(kSetId);
+  EXPECT_EQ(Happened(), (QStringList{"pause 500", ChoiceFailed("COM4", "")}));
+  EXPECT_EQ(RowsShown(), 1);
+  EXPECT_TRUE(program.connection.handle.IsOpen());
+}
+
+TEST_F(PortDetailsDialog, ListChangeShowsTheCurrentPortAgain) {
+  Plug("COM3");
+  Plug("COM4");
+  ConnectTo("COM3");
+  Open();
+  ClickRadio(1);
+  AskForTheList();  // the click has been looked at, too
+  EXPECT_EQ(Checked(), QList<int>{1});
+  AskForTheList();
+  EXPECT_EQ(Checked(), QList<int>{0});
+  EXPECT_FALSE(Button(kSetId).isEnabled());
+  Click(kOkId);
+  EXPECT_TRUE(IsGone());
+  EXPECT_EQ(Happened(), QStringList()) << "the current port is what is selected";
+}
+
+TEST_F(PortDetailsDialog, AClickThatWasNotLookedAtSurvivesAListChange) {
+  Plug("COM3");
+  Plug("COM4");
+  Plug("COM5");
+  ConnectTo("COM3");
+  Open();
+  ClickRadio(1);
+  Unplug("COM5");
+  AskForTheList();
+  EXPECT_EQ(RowsShown(), 2);
+  EXPECT_EQ(Checked(), QList<int>{1});
+  EXPECT_TRUE(Button(kSetId).isEnabled());
+  ClickRadio(1);
+  Unplug("COM4");
+  AskForTheList();
+  EXPECT_EQ(RowsShown(), 1);
+  EXPECT_EQ(Checked(), QList<int>()) << "its port is not there any more";
+  EXPECT_FALSE(Button(kSetId).isEnabled());
+}
+
+TEST_F(PortDetailsDialog, AClickThatIsSuppressedSelectsNothing) {
+  Plug("COM3");
+  Plug("COM4");
+  ConnectTo("COM3");
+  Open();
+  program.state.requests.suppressNextClick = true;
+  ClickRadio(1);
+  EXPECT_FALSE(program.state.requests.suppressNextClick);
+  EXPECT_EQ(Checked(), QList<int>{0});
+  EXPECT_FALSE(Button(kSetId).isEnabled());
+  ClickRadio(1);
+  EXPECT_EQ(Checked(), QList<int>{1}) << "one click, no more";
+}
+
+TEST_F(PortDetailsDialog, AListChangeWithASuppressedClickOnlySelectsTheCurrentPort) {
+  Plug("COM3");
+  Plug("COM4");
+  ConnectTo("COM3");
+  Open();
+  ClickRadio(1);
+  WaitForATick();
+  Unplug("COM4");
+  program.state.requests.suppressNextClick = true;
+  AskForTheList();
+  EXPECT_FALSE(program.state.requests.suppressNextClick);
+  EXPECT_EQ(Checked(), QList<int>{0});
+  EXPECT_EQ(RowsShown(), 2) << "the rows are as they were";
+  Click(kOkId);
+  EXPECT_TRUE(IsGone());
+  EXPECT_EQ(Happened(), QStringList());
+}
+
+TEST_F(PortDetailsDialog, WithTheLastPortGoneOnlyTheStatusLineIsLeft) {
+  Plug("COM3");
+  ConnectTo("COM3");
+  Open();
+  Unplug("COM3");
+  AskForTheList();
+  EXPECT_EQ(Status(), "No available COM ports detected.");
+  EXPECT_EQ(RowsShown(), 0);
+  EXPECT_TRUE(BecomesHigh(90)) << OuterSize(*window).height();
+}
+
+TEST_F(PortDetailsDialog, AListChangeIsLeftForTheNextOneWhenItCloses) {
+  ListOnly(2);
+  Open();
+  program.state.requests.detailedListRefresh = true;
+  program.state.requests.detailedListClose = true;
+  EXPECT_TRUE(IsGone());
+  EXPECT_TRUE(program.state.requests.detailedListRefresh);
+  ListOnly(3);
+  Open();
+  EXPECT_TRUE(program.state.requests.detailedListRefresh) << "its first look lowers it";
+  EXPECT_TRUE(QTest::qWaitFor([&] { return !program.state.requests.detailedListRefresh; }));
+  EXPECT_EQ(RowsShown(), 3);
+}
+
+TEST_F(PortDetailsDialog, EachOfThirtyRowsChoosesItsPort) {
+  ListOnly(30);
+  messages.answers = {true};
+  Open();
+  for (int i = 0; i < kPortRowCount; ++i) {
+    ClickRadio(i);
+    EXPECT_EQ(Checked(), QList<int>{i});
+    EXPECT_TRUE(Button(kSetId).isEnabled()) << i;
+  }
+  Click(kOkId);
+  EXPECT_TRUE(IsGone());
+  // There is no device behind the name.
+  EXPECT_EQ(Happened(), (QStringList{kApplyQuestion, "pause 500", ChoiceFailed("COM30", "")}));
+}
+
+TEST_F(PortDetailsDialog, OkWithTheConfiguredPortDoesNotConnectIt) {
+  Plug("COM3");
+  Configure("COM3");
+  Open();
+  EXPECT_EQ(Checked(), QList<int>{0});
+  Click(kOkId);
+  EXPECT_TRUE(IsGone());
+  EXPECT_EQ(Happened(), QStringList());
+  EXPECT_FALSE(program.connection.connected);
+  EXPECT_FALSE(program.connection.handle.IsOpen());
+}
+
+TEST_F(PortDetailsDialog, OkWithoutAChangeClosesWithoutAQuestion) {
+  Plug("COM3");
+  ConnectTo("COM3");
+  Open();
+  Radio(0).setFocus();
+  Press(Qt::Key_Return);
+  EXPECT_TRUE(IsGone());
+  EXPECT_EQ(Happened(), QStringList());
+  EXPECT_FALSE(program.state.open.detailedPortList);
+  EXPECT_TRUE(program.state.requests.mainRefresh);
+}
+
+TEST_F(PortDetailsDialog, OkAsksBeforeItConnects) {
+  Plug("COM3");
+  for (const bool yes : {false, true}) {
+    messages.answers = {yes};
+    Open();
+    ClickRadio(0);
+    Click(kOkId);
+    EXPECT_TRUE(IsGone());
+    EXPECT_EQ(Happened(), yes ? (QStringList{kApplyQuestion, "pause 500", ChoiceConnected("COM3")})
+                              : QStringList{kApplyQuestion});
+    EXPECT_EQ(WorkingFile(), FileWith({{"COM_PORT", yes ? "COM3" : "NONE"}}));
+    EXPECT_EQ(program.connection.connected, yes);
+  }
+}
+
+TEST_F(PortDetailsDialog, ClosesByItsBoxAndByRequest) {
+  for (const int way : {0, 1, 2}) {
+    ListOnly(2);
+    Open();
+    program.state.requests.mainRefresh = false;
+    if (way == 0) Press(Qt::Key_Escape);
+    if (way == 1) window->close();
+    if (way == 2) program.state.requests.detailedListClose = true;
+    EXPECT_TRUE(IsGone()) << way;
+    EXPECT_FALSE(program.state.open.detailedPortList) << way;
+    EXPECT_FALSE(program.state.requests.detailedListClose) << way;
+    EXPECT_EQ(program.state.requests.mainRefresh, way == 2) << way;
+  }
+}
+
+TEST_F(PortDetailsDialog, NothingSlipsIntoAConnectThatIsUnderWay) {
+  Plug("COM3");
+  Plug("COM4");
+  Open();
+  ClickRadio(0);
+  whileShown = [this] {
+    ASSERT_TRUE(window);
+    program.state.requests.detailedListClose = true;
+    Button(kSetId).click();
+    Button(kOkId).click();
+    QTest::keyClick(window, Qt::Key_Escape);
+    WaitForATick();
+    ASSERT_TRUE(window) << "destroyed under its own message";
+    EXPECT_TRUE(window->isVisible());
+  };
+  Click(kSetId);
+  EXPECT_TRUE(IsGone()) << "the close was put off, not forgotten";
+  EXPECT_EQ(Happened(), (QStringList{"pause 500", ChoiceConnected("COM3")}));
+}
+
+}  // namespace
+}  // namespace quarn::test

@@ -1,0 +1,161 @@
+// How the Detailed COM Port List looks: its rows, its height, its texts.
+
+#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
+
+#include "dialogs/port_details_fixture.h"
+#include "dialogs/serial/port_rules.h"
+#include "ui/placement.h"
+
+namespace quarn::test {
+namespace {
+
+TEST_F(PortDetailsDialog, HasThirtyRowsSixteenUnitsApart) {
+  ListOnly(30);
+  Open();
+  EXPECT_EQ(kRadios.size(), 30);
+  EXPECT_EQ(kDescriptions.size(), 30);
+  const int pitch = MapDialogUnits(window->font(), {0, 0, 0, 16}).height();
+  for (int i = 0; i < 30; ++i) {
+    EXPECT_EQ(Radio(i).y(), i * pitch);
+    EXPECT_EQ(Description(i).y(), i * pitch);
+    EXPECT_GT(Description(i).x(), Radio(i).x());
+    EXPECT_EQ(Radio(i).accessibleName(), QStringLiteral("Adapter (COM%1)").arg(i + 1));
+    EXPECT_EQ(Description(i).text(), QStringLiteral("Adapter (COM%1)").arg(i + 1));
+  }
+  EXPECT_EQ(RowsShown(), 30);
+}
+
+TEST_F(PortDetailsDialog, WithoutPortsThereIsOnlyTheStatusLine) {
+  Open();
+  EXPECT_EQ(Status(), "No available COM ports detected.");
+  EXPECT_EQ(RowsShown(), 0);
+  EXPECT_TRUE(BecomesHigh(90)) << OuterSize(*window).height();
+  EXPECT_FALSE(Button(kSetId).isEnabled());
+  EXPECT_FALSE(Button(kSetId).isVisible());
+  EXPECT_FALSE(Button(kOkId).isVisible());
+  EXPECT_FALSE(window->findChild<QScrollArea*>()->isVisible()) << "nothing to be read in it";
+  EXPECT_EQ(window->windowTitle(), "Quarn - Detailed COM Port List  (NONE)  ");
+  QTest::keyClick(window, Qt::Key_Escape);
+  EXPECT_TRUE(IsGone());
+}
+
+TEST_F(PortDetailsDialog, HeightFollowsTheRows) {
+  ListOnly(3);
+  Open();
+  EXPECT_EQ(Status(), "Select a port from the list below.");
+  const auto rowsTop = [this] {
+    return Control<QLabel>(*window, kStatusId)->geometry().bottom() + 1 +
+           MapDialogUnits(window->font(), {0, 0, 0, 4}).height();
+  };
+  const int pitch = MapDialogUnits(window->font(), {0, 0, 0, 16}).height();
+  // The first row that is not shown counts.
+  EXPECT_TRUE(BecomesHigh(rowsTop() + 4 * pitch + 53)) << OuterSize(*window).height();
+  const int width = window->width();
+  ListOnly(5);
+  program.state.requests.detailedListRefresh = true;
+  EXPECT_TRUE(QTest::qWaitFor([&] { return RowsShown() == 5; }));
+  EXPECT_TRUE(BecomesHigh(rowsTop() + 6 * pitch + 53)) << OuterSize(*window).height();
+  EXPECT_EQ(window->width(), width);
+}
+
+TEST_F(PortDetailsDialog, LongDescriptionsAreWholeInTheToolTip) {
+  ports.names = {QStringLiteral("COM1")};
+  List();
+  ports.names = {QString(40, u'W') + QStringLiteral("<b>) - /dev/ttyUSB0 (COM1")};
+  Open();
+  const QString whole = QStringLiteral("Adapter (%1)").arg(ports.names.first());
+  EXPECT_LE(Description(0).sizeHint().width(), Description(0).width());
+  EXPECT_TRUE(Description(0).text().endsWith("(COM1)"));
+  EXPECT_TRUE(Description(0).text().contains(QChar(0x2026)));
+  EXPECT_EQ(Description(0).toolTip(),
+            QStringLiteral("<span style=\"white-space:pre\">%1</span>").arg(whole.toHtmlEscaped()));
+  EXPECT_EQ(Description(0).accessibleName(), whole);
+  EXPECT_TRUE(Description(0).text().endsWith(" - /dev/ttyUSB0 (COM1)")) << "the product gives way first";
+  ports.names = {QString(200, u'W') + QStringLiteral(" (COM1")};
+  program.state.requests.detailedListRefresh = true;
+  ASSERT_TRUE(QTest::qWaitFor([&] { return !program.state.requests.detailedListRefresh; }));
+  EXPECT_TRUE(Description(0).text().endsWith("(COM1)"));
+  EXPECT_LE(Description(0).sizeHint().width(), Description(0).width());
+}
+
+TEST_F(PortDetailsDialog, RowsScrollWhereTheScreenIsTooLow) {
+  ListOnly(30);
+  Configure("COM30");
+  for (const int percent : {100, 150}) {
+    const FontScale scale(percent);
+    Open();
+    EXPECT_EQ(RowsShown(), 30);
+    const QRect available = window->screen()->availableGeometry();
+    EXPECT_LE(OuterSize(*window).height(), available.height());
+    EXPECT_TRUE(window->rect().contains(Button(kOkId).geometry()));
+    auto* scroll = window->findChild<QScrollArea*>();
+    EXPECT_GT(scroll->verticalScrollBar()->maximum(), 0);
+    // The current port is in sight.
+    const QRect row(Radio(29).mapTo(scroll->viewport(), QPoint(0, 0)), Radio(29).size());
+    EXPECT_TRUE(scroll->viewport()->rect().intersects(row));
+    EXPECT_EQ(Button(kOkId).geometry().intersects(scroll->geometry()), false);
+    delete window;
+  }
+}
+
+TEST_F(PortDetailsDialog, NothingIsClippedWithLargerFonts) {
+  for (const int percent : {100, 150}) {
+    const FontScale scale(percent);
+    for (const QStringList& names : {QStringList(), QStringList{"COM88", "COM99"}}) {
+      ports.names = names;
+      List();
+      Open();
+      ExpectNothingClipped(*window);
+      for (int i = 0; i < names.size(); ++i) {
+        EXPECT_EQ(Radio(i).text(), names.at(i));
+        EXPECT_GE(Radio(i).width(), Radio(i).sizeHint().width());
+      }
+      for (const int id : {kSetId, kOkId}) {
+        if (names.isEmpty()) continue;
+        EXPECT_GE(Button(id).width(), Button(id).minimumSizeHint().width());
+        EXPECT_GE(Button(id).height(), Button(id).minimumSizeHint().height());
+        EXPECT_TRUE(window->rect().contains(Button(id).geometry()));
+      }
+      EXPECT_EQ(window->minimumSize(), window->maximumSize());
+      delete window;
+    }
+  }
+}
+
+TEST_F(PortDetailsDialog, TitleIsSeenWholeWithLargerFonts) {
+  ports.names = {QStringLiteral("COM99")};
+  List();
+  Configure("COM99");
+  for (const int percent : {100, 150}) {
+    const FontScale scale(percent);
+    Open();
+    EXPECT_TRUE(TitleFits(*window, window->windowTitle()));
+    EXPECT_TRUE(TitleFits(*window, PortDetailsTitle({QStringLiteral("COM99"), false, {}},
+                                                    QStringLiteral(" Connecting Port ... "))));
+    delete window;
+  }
+}
+
+TEST_F(PortDetailsDialog, TheButtonsStandBelowTheRowsAndNearerToThemThanToTheEdge) {
+  for (const int rows : {1, 3, 7}) {
+    ListOnly(rows);
+    Open();
+    const QRect list = window->findChild<QScrollArea*>()->geometry();
+    EXPECT_EQ(list.height(), rows * MapDialogUnits(window->font(), {0, 0, 0, 16}).height()) << "all are seen";
+    for (const int id : {kSetId, kOkId}) {
+      const QRect button = Button(id).geometry();
+      const int above = button.top() - list.bottom();
+      const int below = window->rect().bottom() - button.bottom();
+      EXPECT_GT(above, 0);
+      EXPECT_LT(above, below);
+      const QMargins frame = FrameOf(*window);
+      EXPECT_EQ(below, (53 - frame.top() - frame.bottom()) * 2 / 3) << "with the frame as without one";
+    }
+    delete window;
+  }
+}
+
+}  // namespace
+}  // namespace quarn::test

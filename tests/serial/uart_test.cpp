@@ -1,0 +1,316 @@
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <memory>
+#include <vector>
+
+#include "device/pseudo_terminal.h"
+#include "serial/fake_uart.h"
+#include "serial/holder.h"
+#include "serial/line_test_support.h"
+#include "serial/noted_surroundings.h"
+#include "serial/open_port.h"
+#include "serial/open_terminal_linux.h"
+#include "serial/port_use_linux.h"
+
+namespace quarn {
+namespace {
+
+using Calls = std::vector<std::string>;
+
+/// A line that echoed: the flag comes back last.
+const Calls kGivenBack{"latency normal", "unmark", "set state", "flush input", "set state", "close"};
+
+/// Flow control holds the line: nothing goes out.
+int Stuck() { return 5; }
+
+/// Takes no other rate than 9600 bps.
+void OnlyKnows9600(termios2& state) {
+  state.c_ispeed = 9600;
+  state.c_ospeed = 9600;
+}
+
+void KnowsNoParity(termios2& state) { state.c_cflag &= ~tcflag_t{PARENB | PARODD}; }
+
+bool SameState(const termios2& a, const termios2& b) {
+  return a.c_iflag == b.c_iflag && a.c_oflag == b.c_oflag && a.c_cflag == b.c_cflag &&
+         a.c_lflag == b.c_lflag && a.c_ispeed == b.c_ispeed && a.c_ospeed == b.c_ospeed &&
+         std::memcmp(a.c_cc, b.c_cc, sizeof a.c_cc) == 0;
+}
+
+class UartTest : public testing::Test {
+ protected:
+  [[nodiscard]] QString Node() const { return QString::fromStdString(m_far.NodePath()); }
+  [[nodiscard]] OpenResult Open() const { return OpenTerminalDeviceAs(Node(), TerminalKind::Uart); }
+  [[nodiscard]] std::shared_ptr<SerialLine> Line() const {
+    const OpenResult opened = Open();
+    EXPECT_TRUE(opened.line) << opened.failure.reason.toStdString();
+    return opened.line;
+  }
+  /// Closes the line and says what that made of the driver.
+  Calls CallsOfClose(SerialLine& line) const {
+    const std::size_t before = m_uart.Calls().size();
+    EXPECT_TRUE(line.Close());
+    const Calls calls = m_uart.Calls();
+    return {calls.begin() + static_cast<std::ptrdiff_t>(before), calls.end()};
+  }
+
+  device::PseudoTerminal m_far;
+  FakeUart m_uart;
+  const termios2 m_former = m_uart.State();
+};
+
+TEST_F(UartTest, OpenMarksTheLineAndCloseGivesEverythingBack) {
+  const auto line = Line();
+  EXPECT_EQ(m_uart.Calls(), (Calls{"set state", "flush", "mark", "latency low"}));
+  EXPECT_EQ(m_uart.State().c_lflag & (ICANON | ECHO), 0U);
+  EXPECT_EQ(CallsOfClose(*line), kGivenBack);
+  EXPECT_TRUE(SameState(m_uart.State(), m_former));
+  EXPECT_FALSE(m_uart.marked);
+}
+
+TEST_F(UartTest, ALineThatAnotherProgramHasMarkedIsInUse) {
+  m_uart.marked = true;
+  const OpenResult opened = Open();
+  EXPECT_FALSE(opened.line);
+  EXPECT_EQ(opened.failure.kind, LineError::InUse);
+  EXPECT_EQ(m_uart.Calls(), Calls{}) << "the mark is the other program's, and so is the line's state";
+}
+
+TEST_F(UartTest, AProgramThatOpensTheDeviceMeanwhileHasIt) {
+  std::unique_ptr<Holder> visitor;
+  // Behind the question who uses it, and before the mark that keeps others out.
+  m_uart.take = [&](termios2&) {
+    if (visitor) return;
+    visitor = std::make_unique<Holder>(Node(), QStringList{QStringLiteral("--plain")});
+    EXPECT_EQ(visitor->Outcome(), QStringLiteral("open"));
+  };
+  const OpenResult opened = Open();
+  ASSERT_TRUE(visitor);
+  EXPECT_FALSE(opened.line);
+  EXPECT_EQ(opened.failure.kind, LineError::InUse);
+  EXPECT_EQ(opened.failure.reason, Node() + QStringLiteral(": ") + visitor->Use());
+  EXPECT_TRUE(SameState(m_uart.State(), m_former));
+  EXPECT_FALSE(m_uart.marked);
+}
+
+TEST_F(UartTest, AFailedOpenTakesTheMarkOffAgain) {
+  m_uart.failingSetState = EIO;
+  EXPECT_EQ(Open().failure.kind, LineError::Disconnected);
+  EXPECT_FALSE(m_uart.marked);
+  m_uart.failingSetState = 0;
+  m_uart.failingMark = EIO;
+  EXPECT_EQ(Open().failure.kind, LineError::Disconnected);
+  EXPECT_TRUE(SameState(m_uart.State(), m_former)) << "the line is not as it was";
+  m_uart.failingMark = 0;
+  m_uart.noEventDescriptors = true;
+  EXPECT_EQ(Open().failure.kind, LineError::Other);
+  EXPECT_FALSE(m_uart.marked);
+  m_uart.noEventDescriptors = false;
+  EXPECT_TRUE(Open().line);
+}
+
+TEST_F(UartTest, ARefusedRateIsNamedTogetherWithTheOneOnOffer) {
+  const auto line = Line();
+  ASSERT_TRUE(line->SetState({.baudRate = 4800, .byteSize = 7, .parity = Parity::Even}));
+  const termios2 earlier = m_uart.State();
+  m_uart.take = [asked = 0](termios2& state) mutable {
+    if (asked++ == 0) OnlyKnows9600(state);
+  };
+  EXPECT_FALSE(line->SetState({.baudRate = 128000}));
+  EXPECT_EQ(line->LastFailure().kind, LineError::Refused);
+  EXPECT_EQ(line->LastFailure().reason,
+            Node() + QStringLiteral(": the driver does not take 128000 bps, 8 data bits, no parity, 1 stop "
+                                    "bit; it offers 9600 bps, 8 data bits, no parity, 1 stop bit"));
+  EXPECT_TRUE(SameState(m_uart.State(), earlier)) << "the line is no longer as it was";
+}
+
+TEST_F(UartTest, ARefusedParityIsNamed) {
+  const auto line = Line();
+  m_uart.take = KnowsNoParity;
+  EXPECT_FALSE(line->SetState({.parity = Parity::Odd}));
+  EXPECT_EQ(line->LastFailure().kind, LineError::Refused);
+  EXPECT_TRUE(line->LastFailure().reason.contains(QStringLiteral("odd parity")));
+  EXPECT_TRUE(line->LastFailure().reason.endsWith(QStringLiteral("no parity, 1 stop bit")));
+  EXPECT_TRUE(line->SetState({}));
+}
+
+TEST_F(UartTest, ADriverThatSaysNoAtOnceRefuses) {
+  const auto line = Line();
+  m_uart.failingSetState = EINVAL;
+  EXPECT_FALSE(line->SetState({.baudRate = 256000}));
+  EXPECT_EQ(line->LastFailure().kind, LineError::Refused);
+}
+
+TEST_F(UartTest, ALineThatHoldsNothingBackAlreadyStaysSo) {
+  m_uart.lowLatency = true;
+  const auto line = Line();
+  EXPECT_FALSE(m_uart.WasCalled("latency low"));
+  line->Close();
+  EXPECT_TRUE(m_uart.lowLatency);
+}
+
+TEST_F(UartTest, ADriverWithoutLowLatencyOpensAllTheSame) {
+  m_uart.knowsLatency = false;
+  EXPECT_TRUE(Line()->Close());
+  m_uart.knowsLatency = true;
+  m_uart.takesLatency = false;
+  const auto line = Line();
+  // What could not be set is not put back either.
+  EXPECT_EQ(CallsOfClose(*line), (Calls{"unmark", "set state", "flush input", "set state", "close"}));
+}
+
+TEST_F(UartTest, CloseDropsWhatDoesNotGoOutInTime) {
+  const auto line = Line();
+  ASSERT_TRUE(line->SetTimeouts({.writeTotalMultiplier = 10, .writeTotalConstant = 50}));
+  m_uart.queued = Stuck;
+  Calls calls;
+  const std::int64_t taken = MillisecondsOf([&] { calls = CallsOfClose(*line); });
+  EXPECT_EQ(calls.front(), "flush output");
+  calls.erase(calls.begin());
+  EXPECT_EQ(calls, kGivenBack);
+  EXPECT_GE(taken, 100) << "the time that a write of the five bytes would have";
+  EXPECT_LT(taken, 10'000);
+}
+
+TEST_F(UartTest, CloseWaitsNoLongerThanASecondWhateverTheTimeouts) {
+  const auto forEver = Line();
+  m_uart.queued = Stuck;
+  const std::int64_t taken = MillisecondsOf([&] { forEver->Close(); });
+  EXPECT_GE(taken, 600);
+  EXPECT_LT(taken, 4'000);
+  const auto patient = Line();
+  ASSERT_TRUE(patient->SetTimeouts({.writeTotalConstant = 40'000}));
+  EXPECT_LT(MillisecondsOf([&] { patient->Close(); }), 4'000);
+  EXPECT_TRUE(m_uart.WasCalled("flush output"));
+}
+
+TEST_F(UartTest, CloseLetsQueuedBytesGoOut) {
+  const auto line = Line();
+  ASSERT_TRUE(line->SetTimeouts({.writeTotalConstant = 900}));
+  int left = 4;
+  m_uart.queued = [&left] { return left > 0 ? left-- : 0; };
+  EXPECT_EQ(CallsOfClose(*line), kGivenBack);
+  EXPECT_EQ(left, 0);
+}
+
+TEST_F(UartTest, CloseDoesNotWaitForADriverThatWaitsForTheLine) {
+  const auto line = Line();
+  m_uart.queued = Stuck;
+  m_uart.holdsClose = true;
+  Calls calls;
+  EXPECT_LT(MillisecondsOf([&] { calls = CallsOfClose(*line); }), 4'000);
+  EXPECT_EQ(calls.back(), "interrupted") << "the driver was left to wait for half a minute";
+  // Bytes that only the chip has are not among those that are queued.
+  m_uart.queued = [] { return 0; };
+  const auto next = Line();
+  EXPECT_LT(MillisecondsOf([&] { calls = CallsOfClose(*next); }), 4'000);
+  EXPECT_EQ(calls.back(), "interrupted");
+}
+
+TEST_F(UartTest, CloseLeavesTheChipTheTimeForTheLastBytes) {
+  const auto line = Line();
+  ASSERT_TRUE(line->SetState({.baudRate = 300}));
+  ASSERT_TRUE(line->SetTimeouts({.writeTotalConstant = 5000}));
+  // Ten characters of twelve bits at most: 400 ms.
+  const std::int64_t taken = MillisecondsOf([&] {
+    EXPECT_EQ(line->Write("0123456789", 10).bytes, 10U);
+    line->Close();
+  });
+  EXPECT_GE(taken, 400);
+  const auto slow = Line();
+  ASSERT_TRUE(slow->SetState({.baudRate = 110}));
+  ASSERT_TRUE(slow->SetTimeouts({.writeTotalConstant = 5000}));
+  EXPECT_EQ(slow->Write(std::string(1000, 'x').data(), 1000).bytes, 1000U);
+  EXPECT_LT(MillisecondsOf([&] { slow->Close(); }), 50'000) << "109 s at this rate";
+}
+
+TEST_F(UartTest, ALineEchoesOnlyUntilItIsRawAndNotBeforeItIsClosed) {
+  const auto line = Line();
+  // Is it marked, what is its state, make it raw.
+  EXPECT_EQ(m_uart.CallsWhileEchoing(), 3);
+  line->Close();
+  EXPECT_EQ(m_uart.CallsWhileEchoing(), 3) << "something was asked of it while it echoed";
+  EXPECT_TRUE(SameState(m_uart.State(), m_former));
+  EXPECT_EQ(m_uart.Calls().back(), "close");
+}
+
+TEST_F(UartTest, ALineThatDidNotEchoIsGivenBackAtOnce) {
+  termios2 silent = m_former;
+  silent.c_lflag &= ~tcflag_t{ECHO};
+  m_uart.Preset(silent);
+  const auto line = Line();
+  EXPECT_EQ(CallsOfClose(*line), (Calls{"latency normal", "unmark", "set state", "close"}));
+  EXPECT_TRUE(SameState(m_uart.State(), silent));
+}
+
+TEST_F(UartTest, LettingGoOfTheLineGivesEverythingBackToo) {
+  { ASSERT_TRUE(Line()); }
+  EXPECT_FALSE(m_uart.marked);
+  EXPECT_FALSE(m_uart.lowLatency);
+  EXPECT_TRUE(SameState(m_uart.State(), m_former));
+}
+
+TEST_F(UartTest, APseudoTerminalIsLeftWithoutMarkAndFlags) {
+  const OpenResult opened = OpenTerminalDeviceAs(Node(), TerminalKind::PseudoTerminal);
+  ASSERT_TRUE(opened.line);
+  // Nobody reads at the far end for as long as it likes; closing is not to wait for that.
+  m_uart.queued = Stuck;
+  EXPECT_TRUE(opened.line->Close());
+  EXPECT_EQ(m_uart.Calls(), (Calls{"set state", "set state", "close"}));
+}
+
+class UartOpener final : public SerialLineOpener {
+ public:
+  explicit UartOpener(QString node) : m_node(std::move(node)) {}
+  OpenResult Open(const QString&) override { return OpenTerminalDeviceAs(m_node, TerminalKind::Uart); }
+
+ private:
+  QString m_node;
+};
+
+TEST_F(UartTest, OpenPortTellsOfARefusalAndKeepsTheLine) {
+  Journal journal;
+  NotedMessages messages(journal);
+  NotedIndicator indicator(journal);
+  UartOpener opener(Node());
+  const PortEnvironment environment{opener, messages, indicator};
+  SettingsRecord settings;
+  settings.comPort = QStringLiteral("COM3");
+  settings.comBps = QStringLiteral("128000");
+  settings.comBits = QStringLiteral("8");
+  settings.comStop = QStringLiteral("1");
+  PortConnection connection;
+  m_uart.take = OnlyKnows9600;
+
+  EXPECT_FALSE(OpenPort(settings, connection, environment));
+  EXPECT_EQ(journal.Entries(), Calls{"plain: Failed to set serial port state"});
+  ASSERT_TRUE(connection.handle.IsOpen());
+  EXPECT_TRUE(m_uart.marked) << "the line stays open";
+  EXPECT_EQ(connection.lastFailure.kind, LineError::Refused);
+  EXPECT_TRUE(connection.lastFailure.reason.contains(QStringLiteral("128000 bps")));
+
+  // The next reset, with a rate that the driver has, closes it and opens it again.
+  settings.comBps = QStringLiteral("9600");
+  connection.portCount = 1;
+  connection.portNames[0] = settings.comPort;
+  EXPECT_TRUE(ResetPort(settings, connection, environment));
+  EXPECT_EQ(connection.lastFailure.kind, LineError::None);
+}
+
+TEST(GroupName, ReadsGroupsWithManyMembers) {
+  const std::string name = GroupName(0);
+  EXPECT_FALSE(name.empty());
+  EXPECT_NE(name, "0");
+  g_smallestGroupBuffer = 200'000;
+  EXPECT_EQ(GroupName(0), name);
+  // As if the group were larger than any group is.
+  g_smallestGroupBuffer = static_cast<std::size_t>(-1);
+  EXPECT_EQ(GroupName(0), "0");
+  g_smallestGroupBuffer = 0;
+}
+
+}  // namespace
+}  // namespace quarn

@@ -1,0 +1,293 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "serial/line_test_support.h"
+#include "serial/noted_surroundings.h"
+#include "serial/open_port.h"
+#include "serial/played_driver_win32.h"
+#include "serial/serial_line_win32.h"
+
+namespace quarn {
+namespace {
+
+using test::PlayedDriver;
+
+/// The line over a driver that does what no real one can be made to do.
+class Win32Driver : public testing::Test {
+ protected:
+  void Open() {
+    const OpenResult opened = Win32LineOpener().Open(QStringLiteral("COM3"));
+    ASSERT_TRUE(opened.line) << opened.failure.reason.toStdString();
+    m_line = opened.line;
+    // A read lasts until it is ended by somebody.
+    ASSERT_TRUE(m_line->SetTimeouts({}));
+  }
+  /// With a read that has reached the driver, and lasts.
+  void OpenAndRead(bool heedsCancelling) {
+    Open();
+    m_driver.Hold(heedsCancelling);
+    m_driver.Receive("old");
+    m_reading = InThread([this] { return Read(); });
+    ASSERT_TRUE(Eventually([this] { return m_driver.Reads() == 1; }));
+  }
+  /// What a read of this line gives: its bytes, or why it failed.
+  std::string Read() const {
+    std::string bytes(100, '\0');
+    const IoResult result = m_line->Read(bytes.data(), bytes.size());
+    bytes.resize(result.bytes);
+    if (result.ok) return bytes;
+    return m_line->LastFailure().kind == LineError::Cancelled ? "cancelled" : "failed";
+  }
+  bool Write(const std::string& bytes) const { return m_line->Write(bytes.data(), bytes.size()).ok; }
+  [[nodiscard]] std::string Reason() const { return m_line->LastFailure().reason.toStdString(); }
+
+  PlayedDriver m_driver;
+  std::shared_ptr<SerialLine> m_line;
+  std::future<std::string> m_reading;
+};
+
+TEST_F(Win32Driver, ThePortIsOpenedForThisProgramAlone) {
+  Open();
+  ASSERT_EQ(m_driver.Openings().size(), 1U);
+  const PlayedDriver::Opening opening = m_driver.Openings().front();
+  EXPECT_EQ(opening.path, L"COM3");
+  EXPECT_EQ(opening.access, DWORD{GENERIC_READ | GENERIC_WRITE});
+  EXPECT_EQ(opening.shareMode, 0U) << "nobody else can open it";
+  EXPECT_FALSE(opening.hasSecurity);
+  EXPECT_EQ(opening.disposition, DWORD{OPEN_EXISTING});
+  EXPECT_EQ(opening.flags, DWORD{FILE_ATTRIBUTE_NORMAL}) << "all input and output is synchronous";
+  EXPECT_FALSE(opening.hasTemplate);
+}
+
+/// A record with every bit of it set or clear.
+DCB Filled(int byte) {
+  DCB state;
+  std::memset(&state, byte, sizeof state);
+  state.DCBlength = sizeof state;
+  return state;
+}
+
+TEST_F(Win32Driver, EverythingButTheFourParametersStaysAsTheDriverHasIt) {
+  Open();
+  for (const int byte : {0x00, 0xFF, 0xA5, 0x5A}) {
+    DCB wanted = Filled(byte);
+    m_driver.Have(wanted);
+    ASSERT_TRUE(m_line->SetState(
+        {.baudRate = 115200, .byteSize = 7, .stopBits = StopBits::Two, .parity = Parity::Even}));
+    wanted.BaudRate = 115200;
+    wanted.ByteSize = 7;
+    wanted.StopBits = TWOSTOPBITS;
+    wanted.Parity = EVENPARITY;
+    const DCB state = m_driver.State();
+    EXPECT_EQ(std::memcmp(&state, &wanted, sizeof state), 0) << "filled with " << byte;
+  }
+}
+
+TEST_F(Win32Driver, WhatTheDriverDoesNotTellIsNotSet) {
+  Open();
+  const DCB before = Filled(0xA5);
+  m_driver.Have(before);
+  m_driver.FailGetState();
+  EXPECT_FALSE(m_line->SetState({}));
+  const DCB after = m_driver.State();
+  EXPECT_EQ(std::memcmp(&after, &before, sizeof after), 0);
+}
+
+TEST_F(Win32Driver, OpeningAPortSetsAllFiveTimeouts) {
+  Journal journal;
+  NotedMessages messages(journal);
+  NotedIndicator indicator(journal);
+  Win32LineOpener opener;
+  PortConnection connection;
+  SettingsRecord settings;
+  settings.comPort = QStringLiteral("COM3");
+  settings.comBps = QStringLiteral("9600");
+  settings.portSpeed = QStringLiteral("LOW");
+  ASSERT_TRUE(OpenPort(settings, connection, {opener, messages, indicator}));
+  const COMMTIMEOUTS timeouts = m_driver.Timeouts();
+  EXPECT_EQ(timeouts.ReadIntervalTimeout, 135U);
+  EXPECT_EQ(timeouts.ReadTotalTimeoutMultiplier, 15U);
+  EXPECT_EQ(timeouts.ReadTotalTimeoutConstant, 75U);
+  EXPECT_EQ(timeouts.WriteTotalTimeoutMultiplier, 15U);
+  EXPECT_EQ(timeouts.WriteTotalTimeoutConstant, 75U);
+}
+
+TEST_F(Win32Driver, EachTimeoutHasItsPlace) {
+  Open();
+  ASSERT_TRUE(m_line->SetTimeouts({.readInterval = 1,
+                                   .readTotalMultiplier = 2,
+                                   .readTotalConstant = 3,
+                                   .writeTotalMultiplier = 4,
+                                   .writeTotalConstant = 5}));
+  const COMMTIMEOUTS timeouts = m_driver.Timeouts();
+  EXPECT_EQ(timeouts.ReadIntervalTimeout, 1U);
+  EXPECT_EQ(timeouts.ReadTotalTimeoutMultiplier, 2U);
+  EXPECT_EQ(timeouts.ReadTotalTimeoutConstant, 3U);
+  EXPECT_EQ(timeouts.WriteTotalTimeoutMultiplier, 4U);
+  EXPECT_EQ(timeouts.WriteTotalTimeoutConstant, 5U);
+}
+
+TEST_F(Win32Driver, APurgeDropsWhatIsToBeSentAndWhatHasCome) {
+  Open();
+  EXPECT_TRUE(m_line->Purge());
+  EXPECT_EQ(m_driver.Purges(), std::vector<DWORD>{PURGE_TXCLEAR | PURGE_RXCLEAR});
+}
+
+TEST_F(Win32Driver, NothingIsReadBeforeSomethingHasCome) {
+  Open();
+  m_driver.Hold(false);
+  auto reading = InThread([this] { return Read(); });
+  EXPECT_TRUE(StillRuns(reading));
+  EXPECT_EQ(m_driver.Reads(), 0) << "a read on a silent line lasts as long as the driver likes";
+  m_line->CancelIo();
+  ASSERT_TRUE(Ends(reading));
+  EXPECT_EQ(reading.get(), "cancelled");
+  m_line->AllowIo();
+  EXPECT_TRUE(m_line->Purge()) << "nothing was left behind";
+}
+
+TEST_F(Win32Driver, WhatComesIsReadInOneCall) {
+  Open();
+  auto reading = InThread([this] { return Read(); });
+  EXPECT_TRUE(StillRuns(reading));
+  m_driver.Receive("SIM-1\r");
+  ASSERT_TRUE(Ends(reading));
+  EXPECT_EQ(reading.get(), "SIM-1\r");
+  EXPECT_EQ(m_driver.Reads(), 1);
+}
+
+TEST_F(Win32Driver, ADriverThatHeedsACancellationIsFreeAtOnce) {
+  OpenAndRead(true);
+  m_line->CancelIo();
+  ASSERT_TRUE(Ends(m_reading));
+  EXPECT_EQ(m_reading.get(), "cancelled");
+  m_line->AllowIo();
+  EXPECT_TRUE(m_line->Purge());
+}
+
+TEST_F(Win32Driver, OneThatDoesNotHoldsNobodyUp) {
+  OpenAndRead(false);
+  auto cancelling = InThread([this] { m_line->CancelIo(); });
+  ASSERT_TRUE(Ends(cancelling));
+  ASSERT_TRUE(Ends(m_reading));
+  EXPECT_EQ(m_reading.get(), "cancelled");
+}
+
+TEST_F(Win32Driver, WhatIsLeftBehindTakesNoAnswerOfAnotherCommand) {
+  OpenAndRead(false);
+  m_line->CancelIo();
+  ASSERT_TRUE(Ends(m_reading));
+  m_line->AllowIo();
+  // Nothing goes out as long as the earlier read would get the answer.
+  LineState state;
+  EXPECT_FALSE(Write("id\r"));
+  EXPECT_EQ(m_driver.Sent(), "");
+  EXPECT_EQ(Read(), "failed");
+  EXPECT_FALSE(m_line->ClearError());
+  EXPECT_FALSE(m_line->GetState(state));
+  EXPECT_FALSE(m_line->SetState(state));
+  EXPECT_FALSE(m_line->SetTimeouts({}));
+  EXPECT_EQ(Reason(), "COM3: the driver has not ended an earlier read or write");
+  EXPECT_EQ(m_driver.Reads(), 1);
+
+  auto purging = InThread([this] { return m_line->Purge(); });
+  EXPECT_TRUE(StillRuns(purging)) << "a command waits for it";
+  m_driver.Release();
+  ASSERT_TRUE(Ends(purging));
+  EXPECT_TRUE(purging.get());
+  EXPECT_TRUE(Write("id\r"));
+  EXPECT_EQ(m_driver.Sent(), "id\r");
+  m_driver.Receive("new");
+  EXPECT_EQ(Read(), "new") << "what the earlier read took is dropped";
+}
+
+TEST_F(Win32Driver, ACommandThatWaitsForItCanBeCancelled) {
+  OpenAndRead(false);
+  m_line->CancelIo();
+  ASSERT_TRUE(Ends(m_reading));
+  EXPECT_FALSE(m_line->Purge()) << "whoever has cancelled does not wait";
+  m_line->AllowIo();
+  auto purging = InThread([this] { return m_line->Purge(); });
+  EXPECT_TRUE(StillRuns(purging));
+  m_line->CancelIo();
+  ASSERT_TRUE(Ends(purging));
+  EXPECT_FALSE(purging.get());
+  EXPECT_TRUE(m_driver.Purges().empty());
+}
+
+TEST_F(Win32Driver, AWriteIsLeftBehindInTheSameWay) {
+  Open();
+  m_driver.Hold(false);
+  auto writing = InThread([this] { return Write("stuck"); });
+  EXPECT_TRUE(StillRuns(writing));
+  m_line->CancelIo();
+  ASSERT_TRUE(Ends(writing));
+  EXPECT_FALSE(writing.get());
+  m_line->AllowIo();
+  EXPECT_FALSE(Write("id\r"));
+  m_driver.Release();
+  EXPECT_TRUE(Eventually([this] { return Write("id\r"); }));
+  EXPECT_EQ(m_driver.Sent(), "stuckid\r");
+}
+
+TEST_F(Win32Driver, WhatIsLeftBehindClosesThePortAtItsEnd) {
+  OpenAndRead(false);
+  auto closing = InThread([this] { return m_line->Close(); });
+  ASSERT_TRUE(Ends(closing));
+  EXPECT_FALSE(closing.get()) << "the system has not closed it";
+  EXPECT_EQ(Reason(), "COM3: the driver has not ended an earlier read or write");
+  ASSERT_TRUE(Ends(m_reading));
+  EXPECT_EQ(m_reading.get(), "failed");
+  EXPECT_FALSE(m_line->Purge());
+  EXPECT_EQ(m_line->LastFailure().kind, LineError::Disconnected);
+  m_line.reset();
+  EXPECT_TRUE(m_driver.IsOpen()) << "nothing is closed under a reader";
+  m_driver.Release();
+  EXPECT_TRUE(Eventually([this] { return !m_driver.IsOpen(); }));
+}
+
+TEST_F(Win32Driver, ALineWithNothingLeftBehindIsClosedAtOnce) {
+  Open();
+  EXPECT_TRUE(m_line->Close());
+  EXPECT_FALSE(m_driver.IsOpen());
+}
+
+TEST_F(Win32Driver, ADeviceThatIsGoneEndsAReadThatWaits) {
+  for (const DWORD error :
+       {DWORD{ERROR_ACCESS_DENIED}, DWORD{ERROR_BAD_COMMAND}, DWORD{ERROR_FILE_NOT_FOUND}}) {
+    m_driver.FailWith(ERROR_SUCCESS);
+    Open();
+    auto reading = InThread([this] { return Read(); });
+    EXPECT_TRUE(StillRuns(reading));
+    m_driver.FailWith(error);
+    ASSERT_TRUE(Ends(reading));
+    EXPECT_EQ(reading.get(), "failed");
+    EXPECT_EQ(m_line->LastFailure().kind, LineError::Disconnected) << error;
+    EXPECT_TRUE(m_line->IsLost()) << error;
+  }
+}
+
+TEST_F(Win32Driver, ALineWhoseDeviceIsGoneIsLostForGood) {
+  Open();
+  EXPECT_FALSE(m_line->IsLost());
+  m_driver.FailWith(ERROR_INVALID_PARAMETER);
+  EXPECT_FALSE(m_line->IsLost()) << "a driver may refuse";
+  m_driver.FailWith(ERROR_GEN_FAILURE);
+  EXPECT_TRUE(m_line->IsLost());
+  m_driver.FailWith(ERROR_SUCCESS);
+  EXPECT_TRUE(m_line->IsLost()) << "another device has its name now";
+  m_line->Close();
+  EXPECT_FALSE(m_line->IsLost()) << "nobody has it any more";
+}
+
+TEST_F(Win32Driver, WhetherItIsLostIsAskedWithoutWaiting) {
+  OpenAndRead(false);
+  EXPECT_FALSE(m_line->IsLost());
+  m_line->CancelIo();
+  ASSERT_TRUE(Ends(m_reading));
+  EXPECT_FALSE(m_line->IsLost()) << "a read that was left behind is not waited for";
+}
+
+}  // namespace
+}  // namespace quarn

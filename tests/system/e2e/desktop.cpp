@@ -1,0 +1,280 @@
+#include "system/e2e/desktop.h"
+
+#include <QCoreApplication>
+#include <QRegularExpression>
+
+#include "settings/key_store.h"
+
+namespace quarn::test {
+namespace {
+
+constexpr int kToolMs = 20000;
+constexpr int kDesktopMs = 60000;
+
+}  // namespace
+
+Desktop::Desktop() {
+  if (!StartServer()) qFatal("no virtual display: %s", m_server.readAllStandardError().constData());
+  m_manager.setProcessEnvironment(Environment());
+  m_manager.setProcessChannelMode(QProcess::MergedChannels);
+  const auto isThere = [this] {
+    // On a loaded machine the manager may give up on a server that is slow to answer: start it again.
+    if (m_manager.state() == QProcess::NotRunning || m_manager.waitForFinished(0)) {
+      m_manager.start(QStringLiteral("openbox"), {QStringLiteral("--sm-disable")});
+      m_manager.waitForStarted(kToolMs);
+    }
+    return Run(QStringLiteral("xprop"), {QStringLiteral("-root"), QStringLiteral("_NET_SUPPORTING_WM_CHECK")})
+        .contains("window id");
+  };
+  if (!Eventually(isThere, kDesktopMs)) qFatal("no window manager: %s", m_manager.readAll().constData());
+}
+
+bool Desktop::StartServer() {
+  // Servers that choose their displays themselves now and then choose the same one when they start at the
+  // same time. Tests that run side by side start from their process's number instead.
+  constexpr qint64 kFirst = 100;
+  constexpr qint64 kSpan = 50000;
+  for (qint64 attempt = 0; attempt < 10; ++attempt) {
+    const qint64 number = kFirst + (QCoreApplication::applicationPid() + attempt * 997) % kSpan;
+    m_display = QLatin1Char(':') + QString::number(number);
+    m_server.start(QStringLiteral("Xvfb"),
+                   {m_display, QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"),
+                    QStringLiteral("0"), QStringLiteral("1280x1024x24"), QStringLiteral("-nolisten"),
+                    QStringLiteral("tcp")});
+    // It says its number when it is ready, and ends at once when the display is taken.
+    QByteArray said;
+    while (!said.endsWith('\n') && m_server.waitForReadyRead(kToolMs))
+      said += m_server.readAllStandardOutput();
+    if (said.endsWith('\n')) return true;
+    End(m_server);
+  }
+  return false;
+}
+
+Desktop::~Desktop() {
+  End(m_manager);
+  End(m_server);
+}
+
+QProcessEnvironment Desktop::Environment() const {
+  QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+  environment.insert(QStringLiteral("DISPLAY"), m_display);
+  environment.remove(QStringLiteral("WAYLAND_DISPLAY"));
+  environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
+  return environment;
+}
+
+QByteArray Desktop::Run(const QString& tool, const QStringList& arguments) const {
+  ChildProcess process;
+  process.setProcessEnvironment(Environment());
+  process.setStandardErrorFile(QProcess::nullDevice());
+  process.start(tool, arguments);
+  process.closeWriteChannel();
+  process.waitForFinished(kToolMs);
+  return process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0
+             ? process.readAllStandardOutput()
+             : QByteArray();
+}
+
+QStringList Desktop::Windows(const QString& titlePattern) const {
+  const QByteArray found = Run(
+      QStringLiteral("xdotool"),
+      {QStringLiteral("search"), QStringLiteral("--onlyvisible"), QStringLiteral("--name"), titlePattern});
+  return QString::fromLatin1(found).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+}
+
+std::optional<QMargins> Desktop::Frame(const QString& window) const {
+  const QByteArray text =
+      Run(QStringLiteral("xprop"), {QStringLiteral("-id"), window, QStringLiteral("_NET_FRAME_EXTENTS")});
+  const QList<QByteArray> sides = text.mid(text.indexOf('=') + 1).trimmed().split(',');
+  if (sides.size() != 4) return std::nullopt;
+  const auto side = [&](qsizetype i) { return sides[i].trimmed().toInt(); };
+  return QMargins(side(0), side(2), side(1), side(3));
+}
+
+std::optional<QRect> Desktop::Outer(const QString& window) const {
+  const std::optional<QMargins> frame = Frame(window);
+  if (!frame) return std::nullopt;
+  const QString text = QString::fromLatin1(Run(QStringLiteral("xwininfo"), {QStringLiteral("-id"), window}));
+  const auto value = [&](const char* name) {
+    const QRegularExpression line(QStringLiteral("%1: +(-?\\d+)").arg(QLatin1String(name)));
+    return line.match(text).captured(1).toInt();
+  };
+  const QRect inner(value("Absolute upper-left X"), value("Absolute upper-left Y"), value("Width"),
+                    value("Height"));
+  return inner.marginsAdded(*frame);
+}
+
+EndToEnd::EndToEnd() : portLinks(config.filePath(QStringLiteral("Halvo/Quarn/ports"))) {
+  QProcessEnvironment environment = desktop.Environment();
+  environment.insert(QStringLiteral("HOME"), home.path());
+  environment.insert(QStringLiteral("XDG_CONFIG_HOME"), config.path());
+  environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), runtime.path());
+  // The session of whoever runs the tests is none of the program's business, and none is started for it.
+  environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"),
+                     QStringLiteral("unix:path=") + runtime.filePath(QStringLiteral("no-session")));
+  environment.remove(QStringLiteral("AT_SPI_BUS_ADDRESS"));
+  program.setProcessEnvironment(environment);
+  program.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+}
+
+EndToEnd::~EndToEnd() { End(program); }
+
+QString EndToEnd::SettingsFile() const { return config.filePath(QStringLiteral("Halvo/Quarn/Quarn.ini")); }
+
+void EndToEnd::WriteSettings(const QList<QPair<QString, QString>>& values) {
+  ASSERT_TRUE(WriteDefaultFile(SettingsFile()));
+  for (const auto& [key, value] : values) {
+    const QString whole = key + QLatin1Char('=');
+    ASSERT_TRUE(UpdateValue(SettingsFile(), SettingsKey(whole), value));
+  }
+}
+
+void EndToEnd::PlugIn(std::string_view rules) {
+  instrument = std::make_unique<ServedInstrument>(rules);
+  ASSERT_TRUE(portLinks.Add(kPort, instrument->NodePath()));
+}
+
+void EndToEnd::UnplugPort() {
+  ASSERT_TRUE(portLinks.Remove(kPort));
+  instrument.reset();
+}
+
+void EndToEnd::StartProgram(const QStringList& arguments) {
+  program.start(QStringLiteral(QUARN_PROGRAM), arguments);
+  ASSERT_TRUE(program.waitForStarted());
+}
+
+std::unique_ptr<ProgramRun> EndToEnd::StartAnother(const QStringList& arguments) const {
+  return std::make_unique<ProgramRun>(QStringLiteral(QUARN_PROGRAM), arguments, program.processEnvironment());
+}
+
+void EndToEnd::StartConnected(std::string_view rules, const QList<QPair<QString, QString>>& values) {
+  WriteSettings(QList<QPair<QString, QString>>{{QStringLiteral("COM_PORT"), kPort}} + values);
+  PlugIn(rules);
+  StartProgram();
+  terminal = WaitForWindow(kTerminal);
+  ASSERT_FALSE(terminal.isEmpty());
+  Focus(terminal);
+}
+
+void EndToEnd::Focus(const QString& window) {
+  const auto isActive = [&] {
+    return desktop.Run(QStringLiteral("xdotool"), {QStringLiteral("getactivewindow")}).trimmed() ==
+           window.toLatin1();
+  };
+  // A window that is just being mapped may miss the first request.
+  EXPECT_TRUE(Eventually([&] {
+    desktop.Run(QStringLiteral("xdotool"), {QStringLiteral("windowactivate"), window});
+    return Eventually(isActive, kOneTryMs);
+  }));
+}
+
+QString EndToEnd::WaitForWindow(const QString& titlePattern) {
+  QStringList found;
+  EXPECT_TRUE(Eventually([&] {
+    found = desktop.Windows(titlePattern);
+    return !found.isEmpty();
+  })) << "no window titled "
+      << titlePattern.toStdString();
+  return found.value(0);
+}
+
+bool EndToEnd::WaitForNoWindow(const QString& titlePattern) {
+  return Eventually([&] { return desktop.Windows(titlePattern).isEmpty(); });
+}
+
+QString EndToEnd::Title(const QString& window) {
+  QString title =
+      QString::fromUtf8(desktop.Run(QStringLiteral("xdotool"), {QStringLiteral("getwindowname"), window}));
+  if (title.endsWith(QLatin1Char('\n'))) title.chop(1);
+  return title;
+}
+
+::testing::AssertionResult EndToEnd::TerminalTitleBecomes(const QString& title) {
+  if (Eventually([&] { return Title(terminal) == title; })) return ::testing::AssertionSuccess();
+  return ::testing::AssertionFailure() << "the title is \"" << Title(terminal).toStdString() << '"';
+}
+
+::testing::AssertionResult EndToEnd::WireBecomes(const std::string& bytes) {
+  if (Eventually([&] { return instrument->Received() == bytes; })) return ::testing::AssertionSuccess();
+  return ::testing::AssertionFailure() << "on the wire: \"" << instrument->Received() << '"';
+}
+
+void EndToEnd::Type(const QString& text) {
+  desktop.Run(QStringLiteral("xdotool"),
+              {QStringLiteral("type"), QStringLiteral("--delay"), QStringLiteral("8"), text});
+}
+
+void EndToEnd::Press(const QStringList& keys) {
+  desktop.Run(QStringLiteral("xdotool"),
+              QStringList{QStringLiteral("key"), QStringLiteral("--delay"), QStringLiteral("8")} + keys);
+}
+
+QByteArray EndToEnd::ClipboardText() {
+  return desktop.Run(QStringLiteral("xclip"),
+                     {QStringLiteral("-o"), QStringLiteral("-selection"), QStringLiteral("clipboard")});
+}
+
+void EndToEnd::SetClipboard(const QByteArray& text) {
+  ChildProcess xclip;
+  xclip.setProcessEnvironment(desktop.Environment());
+  xclip.setStandardOutputFile(QProcess::nullDevice());
+  xclip.start(QStringLiteral("xclip"), {QStringLiteral("-selection"), QStringLiteral("clipboard")});
+  xclip.write(text);
+  xclip.closeWriteChannel();
+  ASSERT_TRUE(xclip.waitForFinished(kToolMs));
+  ASSERT_TRUE(Eventually([&] { return ClipboardText() == text; }));
+}
+
+void EndToEnd::ChooseFromContextMenu(int item) {
+  const auto windows = [this] {
+    return desktop
+        .Run(QStringLiteral("xdotool"), {QStringLiteral("search"), QStringLiteral("--onlyvisible"),
+                                         QStringLiteral("--class"), QStringLiteral("^quarn$")})
+        .count('\n');
+  };
+  Focus(terminal);
+  const qsizetype before = windows();
+  // The menu is a window without a title. A click that comes right after a box has closed may be dropped, as
+  // it is when a person clicks too early: click again.
+  EXPECT_TRUE(Eventually([&] {
+    ClickAt(terminal, QPoint(200, 300), 3);
+    return Eventually([&] { return windows() > before; }, kOneTryMs);
+  }));
+  Press(QStringList(item, QStringLiteral("Down")) + QStringList{QStringLiteral("Return")});
+}
+
+QByteArray EndToEnd::CopiedLog() {
+  const QByteArray mark("nothing copied yet");
+  SetClipboard(mark);
+  ChooseFromContextMenu(2);
+  EXPECT_TRUE(Eventually([&] { return ClipboardText() != mark; }));
+  return ClipboardText();
+}
+
+void EndToEnd::ClickAt(const QString& window, QPoint place, int button) {
+  QStringList steps = {QStringLiteral("mousemove"), QStringLiteral("--window"), window,
+                       QString::number(place.x()), QString::number(place.y())};
+  if (button > 0) steps += {QStringLiteral("click"), QString::number(button)};
+  desktop.Run(QStringLiteral("xdotool"), steps);
+}
+
+void EndToEnd::ClickOnScreen(QPoint place, int button) {
+  desktop.Run(QStringLiteral("xdotool"),
+              {QStringLiteral("mousemove"), QString::number(place.x()), QString::number(place.y()),
+               QStringLiteral("click"), QString::number(button)});
+}
+
+QRect EndToEnd::Geometry(const QString& window) {
+  const QString text = QString::fromLatin1(desktop.Run(
+      QStringLiteral("xdotool"), {QStringLiteral("getwindowgeometry"), QStringLiteral("--shell"), window}));
+  const auto value = [&](const char* name) {
+    const QRegularExpression line(QStringLiteral("^%1=(-?\\d+)$").arg(QLatin1String(name)),
+                                  QRegularExpression::MultilineOption);
+    return line.match(text).captured(1).toInt();
+  };
+  return {value("X"), value("Y"), value("WIDTH"), value("HEIGHT")};
+}
+
+}  // namespace quarn::test

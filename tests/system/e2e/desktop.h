@@ -1,0 +1,105 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QByteArray>
+#include <QMargins>
+#include <QPoint>
+#include <QProcess>
+#include <QRect>
+#include <QString>
+#include <QStringList>
+#include <QTemporaryDir>
+#include <memory>
+#include <optional>
+
+#include "support/served_instrument.h"
+#include "system/e2e/port_links.h"
+#include "system/e2e/processes.h"
+
+namespace quarn::test {
+
+/// A virtual X display with a window manager, both gone with the object.
+class Desktop {
+ public:
+  Desktop();
+  ~Desktop();
+  Desktop(const Desktop&) = delete;
+  Desktop& operator=(const Desktop&) = delete;
+
+  [[nodiscard]] const QString& Display() const { return m_display; }
+  /// Runs a tool on the display and returns what it prints; empty when it fails.
+  QByteArray Run(const QString& tool, const QStringList& arguments) const;
+  /// The ids of the visible windows whose titles match; empty when there is none.
+  QStringList Windows(const QString& titlePattern) const;
+  /// What the window manager has put on each side; nothing while it has not told.
+  [[nodiscard]] std::optional<QMargins> Frame(const QString& window) const;
+  /// Where the window is on the screen, with its frame; nothing while that is not known.
+  [[nodiscard]] std::optional<QRect> Outer(const QString& window) const;
+  [[nodiscard]] QProcessEnvironment Environment() const;
+
+ private:
+  bool StartServer();
+
+  ChildProcess m_server;
+  ChildProcess m_manager;
+  QString m_display;
+};
+
+/// A desktop, an account of its own (home, settings and runtime folders), an instrument as COM3, and the
+/// program.
+class EndToEnd : public ::testing::Test {
+ protected:
+  EndToEnd();
+  ~EndToEnd() override;
+
+  /// Writes the working settings file: the defaults with these values.
+  void WriteSettings(const QList<QPair<QString, QString>>& values);
+  [[nodiscard]] QString SettingsFile() const;
+  /// Makes an instrument with these rules reachable as COM3.
+  void PlugIn(std::string_view rules);
+  /// Takes the instrument and its port away, whatever the program is doing with it; `PlugIn` brings them
+  /// back. The link goes first: the system may give the number of a device that has gone to another one.
+  void UnplugPort();
+  void StartProgram(const QStringList& arguments = {});
+  /// Runs the program once more, in the same account and on the same desktop.
+  [[nodiscard]] std::unique_ptr<ProgramRun> StartAnother(const QStringList& arguments = {}) const;
+  /// Starts with COM3 and waits for the Terminal Screen to have the keyboard.
+  void StartConnected(std::string_view rules, const QList<QPair<QString, QString>>& values = {});
+
+  QString WaitForWindow(const QString& titlePattern);
+  bool WaitForNoWindow(const QString& titlePattern);
+  QString Title(const QString& window);
+  /// Waits until the Terminal Screen's title is this.
+  ::testing::AssertionResult TerminalTitleBecomes(const QString& title);
+  ::testing::AssertionResult WireBecomes(const std::string& bytes);
+
+  void Type(const QString& text);
+  void Press(const QStringList& keys);
+  /// Opens the context menu with the mouse and chooses its item 1, 2, ... with the keyboard.
+  void ChooseFromContextMenu(int item);
+  /// "Copy Log - All " from the context menu, with mouse and keyboard.
+  QByteArray CopiedLog();
+  QByteArray ClipboardText();
+  void SetClipboard(const QByteArray& text);
+  /// Moves the pointer there and presses the button; 0 only moves.
+  void ClickAt(const QString& window, QPoint place, int button = 1);
+  void ClickOnScreen(QPoint place, int button = 1);
+  QRect Geometry(const QString& window);
+  void Focus(const QString& window);
+
+  const QString kTerminal = QStringLiteral("^Quarn - Terminal Screeen");
+  const QString kMain = QStringLiteral("^Quarn   \\(");
+  const QString kPort = QStringLiteral("COM3");
+
+  Desktop desktop;
+  QTemporaryDir home;
+  QTemporaryDir config;
+  QTemporaryDir runtime;
+  PortLinks portLinks;
+  std::unique_ptr<ServedInstrument> instrument;
+  ChildProcess program;
+  QString terminal;
+};
+
+}  // namespace quarn::test

@@ -1,0 +1,286 @@
+#include <unistd.h>
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <filesystem>
+
+#include "device/pseudo_terminal.h"
+#include "serial/fake_uart.h"
+#include "serial/line_failure_posix.h"
+#include "serial/line_test_support.h"
+#include "serial/open_terminal_linux.h"
+#include "serial/serial_line_posix.h"
+#include "system/faults/fault_run.h"
+
+namespace quarn::test {
+namespace {
+
+/// A driver that breaks, a device that went, one that refuses, one that has no room, and a line that is held.
+constexpr std::array kLineErrors = {EIO, ENODEV, EINVAL, ENOMEM, EBUSY};
+
+/// What each of them means on a line that is open.
+LineError Meaning(int error) {
+  switch (error) {
+    case EIO:
+    case ENODEV:
+      return LineError::Disconnected;
+    case EINVAL:
+      return LineError::Refused;
+    case EBUSY:
+      return LineError::InUse;
+    default:
+      return LineError::Other;
+  }
+}
+
+/// And on one that is being opened.
+LineError MeaningAtOpen(int error) { return error == ENODEV ? LineError::NotFound : Meaning(error); }
+
+constexpr LineState kWanted{.baudRate = 19200, .byteSize = 8};
+constexpr LineTimeouts kTimeouts{.readInterval = 20, .readTotalConstant = 500, .writeTotalConstant = 500};
+
+std::ptrdiff_t OpenDescriptors() {
+  const std::filesystem::directory_iterator all("/proc/self/fd");
+  return std::distance(begin(all), end(all));
+}
+
+/// A line as it is opened here and closed again around each fault; as a UART or a pseudo-terminal.
+class LineFaults : public testing::TestWithParam<TerminalKind> {
+ protected:
+  LineFaults() {
+    if (GetParam() != TerminalKind::Uart) return;
+    m_uart.emplace();
+    // A fault comes before the driver has seen the call.
+    m_uart->failing = [](int descriptor) {
+      CallFaults* faults = CallFaults::Current();
+      return faults != nullptr && faults->Concerns(descriptor) ? faults->ErrorOrInterruption("ioctl") : 0;
+    };
+  }
+
+  [[nodiscard]] OpenResult Open() const {
+    return OpenTerminalDeviceAs(QString::fromStdString(m_far.NodePath()), GetParam());
+  }
+  /// A line that is open and set, with nothing under way; before any fault.
+  void OpenAfresh() {
+    CloseWithoutFault();
+    m_line = Open().line;
+    ASSERT_TRUE(m_line);
+    ASSERT_TRUE(m_line->SetState({}));
+    ASSERT_TRUE(m_line->SetTimeouts(kTimeouts));
+    ASSERT_TRUE(m_line->Purge());
+  }
+  void CloseWithoutFault() {
+    if (m_line) m_line->Close();
+    m_line.reset();
+    if (!m_uart) return;
+    // The last descriptor that is closed takes the mark along.
+    m_uart->marked = false;
+    m_uart->lowLatency = false;
+  }
+  /// Plays one operation of an open line; `act` says whether it succeeded.
+  template <class Act>
+  void PlayOnLine(const char* name, const Act& act) {
+    bool done = false;
+    Play(
+        name, [this] { OpenAfresh(); }, [&] { done = act(); },
+        [&](const Fault& fault) {
+          if (done) {
+            EXPECT_TRUE(!fault.struck || GoesOn(fault)) << "a failure was passed over";
+          } else {
+            EXPECT_TRUE(fault.struck);
+            EXPECT_EQ(m_line->LastFailure().kind, Meaning(fault.error));
+            EXPECT_TRUE(m_line->LastFailure().reason.contains(SystemText(fault.error)));
+          }
+          ExpectWorks();
+        });
+  }
+  template <class Arrange, class Act, class Check>
+  void Play(const char* name, const Arrange& arrange, const Act& act, const Check& check) {
+    const std::string what = GetParam() == TerminalKind::Uart ? " (UART)" : " (pseudo-terminal)";
+    OpenAfresh();
+    CloseWithoutFault();
+    const auto descriptors = OpenDescriptors();
+    const auto checkAll = [&](const Fault& fault) {
+      check(fault);
+      CloseWithoutFault();
+      EXPECT_EQ(OpenDescriptors(), descriptors) << "a descriptor was left open";
+    };
+    // The tests' folders and everything else is no concern of these faults.
+    FaultRun run(name + what, m_far.NodePath(), arrange, act, checkAll);
+    run.Play(kLineErrors);
+    run.PlayHeldUp();
+  }
+  /// Whether the call is one whose failure changes nothing: its work is an extra, or done by then.
+  [[nodiscard]] bool GoesOn(const Fault& fault) const { return m_extras.contains(fault.call); }
+
+  /// After the fault the line does its work, or can be closed and opened again to do it.
+  void ExpectWorks() {
+    OpenAfresh();
+    EXPECT_EQ(m_line->Write("ping", 4).bytes, 4U);
+    std::array<char, 4> got{};
+    EXPECT_EQ(::read(m_far.Descriptor(), got.data(), got.size()), 4);
+    EXPECT_EQ(::write(m_far.Descriptor(), "pong", 4), 4);
+    const IoResult answer = m_line->Read(got.data(), got.size());
+    EXPECT_TRUE(answer.ok);
+    EXPECT_EQ(std::string(got.data(), answer.bytes), "pong");
+  }
+
+  device::PseudoTerminal m_far;
+  std::optional<FakeUart> m_uart;
+  std::shared_ptr<SerialLine> m_line;
+  std::set<std::string> m_extras;
+};
+
+TEST_P(LineFaults, Open) {
+  OpenResult opened;
+  int passedOver = 0;
+  Play(
+      "open the line", [&] { CloseWithoutFault(); }, [&] { opened = Open(); },
+      [&](const Fault& fault) {
+        if (opened.line) {
+          // A UART opens without low latency and without having been emptied, and one that does not say
+          // whether it is marked is asked for the mark.
+          if (fault.struck) ++passedOver;
+          EXPECT_TRUE(!fault.struck || (m_uart && fault.call == "ioctl"));
+        } else {
+          EXPECT_TRUE(fault.struck);
+          EXPECT_EQ(opened.failure.kind, MeaningAtOpen(fault.error)) << opened.failure.reason.toStdString();
+          EXPECT_TRUE(opened.failure.reason.startsWith(QString::fromStdString(m_far.NodePath())));
+          EXPECT_FALSE(m_uart && m_uart->marked);
+        }
+        opened.line.reset();
+        ExpectWorks();
+      });
+  EXPECT_EQ(passedOver, m_uart ? 4 * static_cast<int>(kLineErrors.size()) : 0);
+}
+
+TEST_P(LineFaults, GetState) {
+  PlayOnLine("get the state", [this] {
+    LineState state;
+    return m_line->GetState(state);
+  });
+}
+
+TEST_P(LineFaults, SetState) {
+  PlayOnLine("set the state", [this] { return m_line->SetState(kWanted); });
+}
+
+TEST_P(LineFaults, AFailedSetStateLeavesTheLineAsItWas) {
+  LineState state;
+  bool done = false;
+  Play(
+      "set the state and look", [this] { OpenAfresh(); }, [&] { done = m_line->SetState(kWanted); },
+      [&](const Fault&) {
+        ASSERT_TRUE(m_line->GetState(state));
+        EXPECT_EQ(state, done ? kWanted : LineState{});
+      });
+}
+
+TEST_P(LineFaults, SetTimeouts) {
+  PlayOnLine("set the time-outs", [this] { return m_line->SetTimeouts({.readInterval = 1}); });
+}
+
+TEST_P(LineFaults, Purge) {
+  PlayOnLine("purge", [this] { return m_line->Purge(); });
+}
+
+TEST_P(LineFaults, ClearError) {
+  PlayOnLine("clear an error", [this] { return m_line->ClearError(); });
+}
+
+TEST_P(LineFaults, Write) {
+  PlayOnLine("write", [this] {
+    const IoResult result = m_line->Write("command\r", 8);
+    EXPECT_EQ(result.bytes, result.ok ? 8U : 0U);
+    return result.ok;
+  });
+}
+
+TEST_P(LineFaults, Read) {
+  std::array<char, 64> buffer{};
+  std::string got;
+  bool ok = false;
+  Play(
+      "read",
+      [&] {
+        OpenAfresh();
+        ASSERT_EQ(::write(m_far.Descriptor(), "answer", 6), 6);
+      },
+      [&] {
+        const IoResult result = m_line->Read(buffer.data(), buffer.size());
+        ok = result.ok;
+        got.assign(buffer.data(), result.bytes);
+      },
+      [&](const Fault& fault) {
+        EXPECT_TRUE(!fault.struck || m_line->LastFailure().kind == Meaning(fault.error));
+        // What had come by then is handed over, and what had not waits for the next read.
+        EXPECT_EQ(ok, !got.empty());
+        EXPECT_TRUE(fault.struck || ok);
+        if (!ok) got.assign(buffer.data(), m_line->Read(buffer.data(), buffer.size()).bytes);
+        EXPECT_EQ(got, "answer");
+        ExpectWorks();
+      });
+}
+
+TEST_P(LineFaults, CancelAndAllow) {
+  // Neither has a way to fail; an interruption must not keep the line from being used again.
+  OpenAfresh();
+  CloseWithoutFault();
+  FaultPlan plan;
+  plan.interruptions = 3;
+  {
+    CallFaults faults(m_far.NodePath(), plan);
+    m_line = Open().line;
+    ASSERT_TRUE(m_line);
+    m_line->CancelIo();
+    EXPECT_FALSE(m_line->Write("x", 1).ok);
+    EXPECT_EQ(m_line->LastFailure().kind, LineError::Cancelled);
+    m_line->AllowIo();
+    EXPECT_TRUE(m_line->Write("x", 1).ok);
+  }
+  std::array<char, 1> sent{};
+  EXPECT_EQ(::read(m_far.Descriptor(), sent.data(), sent.size()), 1);
+  ExpectWorks();
+}
+
+TEST_P(LineFaults, Close) {
+  bool closed = false;
+  Play(
+      "close the line", [&] { OpenAfresh(); }, [&] { closed = m_line->Close(); },
+      [&](const Fault& fault) {
+        EXPECT_EQ(closed, fault.call != "close");
+        EXPECT_TRUE(closed || m_line->LastFailure().kind == Meaning(fault.error));
+        EXPECT_FALSE(m_line->Purge());
+        EXPECT_EQ(m_line->LastFailure().kind, LineError::Disconnected);
+        ExpectWorks();
+      });
+}
+
+TEST(LineOpenerFaults, OpenByThePortsName) {
+  const device::PseudoTerminal far;
+  const QTemporaryDir ports;
+  ASSERT_TRUE(QFile::link(QString::fromStdString(far.NodePath()), ports.filePath(QStringLiteral("COM3"))));
+  PosixLineOpener opener(ports.path());
+  OpenResult opened;
+  const auto act = [&] { opened = opener.Open(QStringLiteral("COM3")); };
+  const auto check = [&](const Fault& fault) {
+    const bool goesOn = fault.call == "readlink" && fault.error == EINVAL;  // what is there is no link
+    EXPECT_EQ(opened.line == nullptr, fault.struck && !goesOn);
+    // A link that cannot be followed leads nowhere.
+    EXPECT_TRUE(opened.line || opened.failure.kind == LineError::NotFound ||
+                opened.failure.kind == MeaningAtOpen(fault.error));
+    EXPECT_EQ(opened.failure.reason.isEmpty(), opened.line != nullptr);
+    opened.line.reset();
+  };
+  FaultRun run(
+      "open by the port's name", "/", [] {}, act, check);
+  run.Play(kLineErrors);
+}
+
+INSTANTIATE_TEST_SUITE_P(Kinds, LineFaults, testing::Values(TerminalKind::Uart, TerminalKind::PseudoTerminal),
+                         [](const auto& kind) {
+                           return kind.param == TerminalKind::Uart ? "Uart" : "PseudoTerminal";
+                         });
+
+}  // namespace
+}  // namespace quarn::test

@@ -1,0 +1,83 @@
+#include <gtest/gtest.h>
+#include <stdlib.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "system/package/package_files.h"
+
+namespace quarn {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// A folder with ports and files, and a shell that completes there.
+class Completion : public testing::Test {
+ protected:
+  void SetUp() override {
+    std::string folder = testing::TempDir() + "/quarn-completion-XXXXXX";
+    ASSERT_NE(mkdtemp(folder.data()), nullptr);
+    m_home = folder;
+    fs::create_directories(m_home / ".config/Halvo/Quarn/ports");
+    for (const char* port : {"COM3", "COM12"}) {
+      fs::create_symlink("/dev/null", m_home / ".config/Halvo/Quarn/ports" / port);
+    }
+    for (const char* file : {"bench.qrn", "a b.qrn", "notes.txt"}) std::ofstream(m_home / file) << "x\n";
+    fs::create_directory(m_home / "folder");
+  }
+
+  void TearDown() override {
+    if (!m_home.empty()) fs::remove_all(m_home);
+  }
+
+  /// What the last of the words is completed to. The words stand as a shell takes them.
+  [[nodiscard]] std::set<std::string> Complete(const std::string& words) const {
+    // compopt works in a completion only; here it need not.
+    const std::string script =
+        "cd \"$HOME\"; unset XDG_CONFIG_HOME; compopt() { :; }\n"
+        "source '" QUARN_BUILD
+        "/generated/linux/quarn-send.bash'\n"
+        "COMP_WORDS=(quarn-send " +
+        words +
+        "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1))\n"
+        "_quarn_send quarn-send\n"
+        "if ((${#COMPREPLY[@]} > 0)); then printf '%s\\n' \"${COMPREPLY[@]}\"; fi\n";
+    std::ofstream(m_home / "script") << script;
+    const std::vector<std::string> lines =
+        LinesOf(OutputOf("HOME='" + m_home.string() + "' bash '" + (m_home / "script").string() + "'"));
+    return {lines.begin(), lines.end()};
+  }
+
+ private:
+  fs::path m_home;
+};
+
+using Words = std::set<std::string>;
+
+TEST_F(Completion, OffersTheOptionsOfTheProgram) {
+  EXPECT_EQ(Complete("--"), OptionsIn(OutputOfProgram("quarn-send", "--help")));
+}
+
+TEST_F(Completion, CompletesAnOption) {
+  EXPECT_EQ(Complete("--se"), Words{"--settings"});
+  EXPECT_EQ(Complete("--port COM3 --r"), Words{"--raw"});
+}
+
+TEST_F(Completion, OffersThePortsThatHaveNumbers) {
+  EXPECT_EQ(Complete("--port ''"), (Words{"COM3", "COM12"}));
+  EXPECT_EQ(Complete("--port COM1"), Words{"COM12"});
+}
+
+TEST_F(Completion, OffersConfigurationFilesAndFolders) {
+  EXPECT_EQ(Complete("--settings ''"), (Words{"bench.qrn", "a b.qrn", ".config", "folder"}));
+  EXPECT_EQ(Complete("--settings b"), Words{"bench.qrn"});
+}
+
+TEST_F(Completion, LeavesCommandsAlone) {
+  EXPECT_EQ(Complete("''"), Words{});
+  EXPECT_EQ(Complete("-- --se"), Words{});
+  EXPECT_EQ(Complete("--port --settings b"), Words{});
+}
+
+}  // namespace
+}  // namespace quarn

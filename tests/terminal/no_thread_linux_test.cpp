@@ -1,0 +1,49 @@
+#include "serial/scripted_line.h"
+#include "support/no_threads_linux.h"
+#include "terminal/execute_command.h"
+#include "terminal/transaction_fixture.h"
+
+namespace quarn {
+namespace {
+
+/// The log of two commands, the second of which gets no thread; and why.
+QByteArray LogOfTwoCommands(const std::function<bool()>& between) {
+  Journal journal;
+  auto line = std::make_shared<ScriptedLine>(journal);
+  line->read = [](char* buffer, std::size_t) {
+    *buffer = 'A';
+    return IoResult{.ok = true, .bytes = 1};
+  };
+  PortConnection connection;
+  connection.handle = PortHandle(line);
+  TransactionEngine engine(connection);
+  const SettingsRecord settings = PatientSettings();
+  OperationLog log;
+  CommandLine commandLine;
+  ScriptedHost host;
+  const auto execute = [&](const char* command) {
+    return ExecuteCommand({engine, connection, settings, log, commandLine}, host,
+                          QString::fromLatin1(command));
+  };
+  execute("one");
+  if (!engine.WhyNoThread().isEmpty() || !between()) return "no test";
+  const TransactionResult second = execute("two");
+  const TransactionResult third = execute("three");
+  return log.CopyLogAll(QStringLiteral("OFF")).toUtf8().replace('\r', '/') +
+         line->written.replace('\r', '/') + ' ' + QByteArray::number(static_cast<int>(second)) +
+         QByteArray::number(static_cast<int>(third)) + ' ' + QByteArray::number(connection.status) + ' ' +
+         engine.WhyNoThread().toUtf8() + (engine.IsBusy() || host.begun != host.ended ? " busy" : "");
+}
+
+/// What a failed read leaves in the log, and nothing on the line: not the end of the program and of its log.
+TEST(NoThread, IsAFailedRead) {
+  const auto play = [] {
+    std::fputs(LogOfTwoCommands(test::ForbidThreads).constData(), stderr);
+    std::_Exit(0);
+  };
+  EXPECT_EXIT(play(), testing::ExitedWithCode(0),
+              "^\\[one\\]/A/\\[two\\]/A/\\[three\\]/A/one/ 00 -1 Resource temporarily unavailable$");
+}
+
+}  // namespace
+}  // namespace quarn

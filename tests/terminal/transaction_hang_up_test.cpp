@@ -1,0 +1,34 @@
+#include "terminal/transaction.h"
+#include "terminal/transaction_fixture.h"
+
+namespace quarn {
+namespace {
+
+class TransactionHangUp : public TransactionTest {
+ protected:
+  /// A silence of 2880 ms: the hang-up comes first.
+  TransactionHangUp() { m_settings.comBps = QStringLiteral("300"); }
+};
+
+TEST_F(TransactionHangUp, MidAnswerGivesWhatCameAndThenTheFormerBuffer) {
+  Serve("\"id\" -> \"half\" 1000 hangup");
+  EXPECT_EQ(Run("id"), TransactionResult::Received);
+  EXPECT_EQ(Response(), "half");
+  EXPECT_EQ(m_connection.status, 0);
+  EXPECT_EQ(m_connection.byteCount, 3);
+  EXPECT_EQ(Run("again"), TransactionResult::Received);
+  EXPECT_EQ(Response(), "half");
+  EXPECT_EQ(m_connection.status, -1);
+  EXPECT_EQ(m_connection.byteCount, -1);
+}
+
+TEST_F(TransactionHangUp, InsteadOfAnAnswerIsAFailedRead) {
+  Serve("\"unplug\" -> hangup");
+  EXPECT_EQ(Run("unplug"), TransactionResult::InvalidData);
+  EXPECT_EQ(m_connection.status, -1);
+  EXPECT_EQ(m_connection.byteCount, -1);
+  EXPECT_TRUE(ClosePort(m_connection));
+}
+
+}  // namespace
+}  // namespace quarn
