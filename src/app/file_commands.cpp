@@ -8,6 +8,7 @@
 #include "app/connection_commands.h"
 #include "serial/open_port.h"
 #include "settings/key_store.h"
+#include "settings/setting_values.h"
 #include "settings/settings_table.h"
 #include "settings/user_file.h"
 
@@ -30,7 +31,7 @@ QString LoadUserFile(Program& program, const QString& path) {
   if (loaded.isEmpty()) return {};
   CloseConnection(program);
   program.state.currentPortName = program.settings.comPort;
-  if (program.state.currentPortName == u"NONE") {
+  if (program.state.currentPortName == kNoPort) {
     TellPortUndefined(*program.messages);
   } else {
     ConnectWithMessages(program);
@@ -172,7 +173,7 @@ void FileCommands::PutDefaultsInForce() {
 
 void FileCommands::ShowOrHideTerminalScreen() {
   WindowRequests& requests = m_program.state.requests;
-  const bool shown = m_program.settings.startDisp == u"ON";
+  const bool shown = IsOn(m_program.settings.startDisp);
   // A screen that has not yet seen the request to close stays as it is.
   requests.terminalClose = !shown;
   if (!shown) return;

@@ -11,11 +11,11 @@
 #include <QWindow>
 #include <utility>
 
+#include "app/path_display.h"
 #include "dialogs/terminal/set_mem.h"
 #include "dialogs/terminal/terminal_screen.h"
 #include "identity.h"
-#include "settings/path_display.h"
-#include "terminal/terminal_title.h"
+#include "serial/port_names.h"
 #include "ui/control.h"
 #include "ui/escape_key.h"
 #include "ui/pictures.h"

@@ -8,6 +8,7 @@
 #include "app/desktop_link_opener.h"
 #include "app/main_dialog.h"
 #include "app/menu_state.h"
+#include "settings/setting_values.h"
 #include "ui/box.h"
 #include "ui/control.h"
 
@@ -87,7 +88,7 @@ void CQuarnDlg::UpdateMenuState() {
   const MenuFacts facts{
       .userFileInForce = !m_program.userFile.isEmpty(),
       .connected = m_program.connection.connected,
-      .portConfigured = m_program.state.currentPortName != u"NONE",
+      .portConfigured = m_program.state.currentPortName != kNoPort,
       .terminalScreenOpen = m_program.state.open.terminalScreen,
       .functionKeyTableOpen = m_program.state.open.functionKeyTable,
   };

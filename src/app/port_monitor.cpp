@@ -4,6 +4,7 @@
 
 #include "app/connection_commands.h"
 #include "serial/port_list.h"
+#include "settings/setting_values.h"
 #include "settings/settings_table.h"
 #include "settings/store_values.h"
 
@@ -162,7 +163,7 @@ void PortMonitor::OfferToConnect(const QString& port) {
                                     QStringLiteral("Do you want to connect to \"%1\" ?").arg(port), QString(),
                                     AnswerByDefault::AgreeUncalled)) {
     connection.connected = false;
-    current = QStringLiteral("NONE");
+    current = NoPort();
     return;
   }
   RaisePortDialogRefreshes(m_program.state.requests);
@@ -172,7 +173,7 @@ void PortMonitor::OfferToConnect(const QString& port) {
   connection.connected = ConnectPort(settings, connection, m_program.Environment());
   if (!connection.connected) {
     TellPortNotAvailable(*m_program.messages, port);
-    current = QStringLiteral("NONE");
+    current = NoPort();
     return;
   }
   m_program.messages->ShowInformationMessage(QStringLiteral(": Information"), QString(),

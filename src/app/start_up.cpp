@@ -5,6 +5,7 @@
 #include "app/file_commands.h"
 #include "app/qrn_file.h"
 #include "settings/life_cycle.h"
+#include "settings/setting_values.h"
 
 namespace quarn {
 namespace {
@@ -76,7 +77,7 @@ void LoadConfiguration(Program& program, const QString& file) {
 
 void ConnectAtStart(Program& program) {
   program.state.currentPortName = program.settings.comPort;
-  if (program.state.currentPortName == u"NONE") {
+  if (program.state.currentPortName == kNoPort) {
     TellPortUndefined(*program.messages);
     program.connection.connected = false;
     return;
@@ -98,7 +99,7 @@ StartUpResult StartUp(Program& program, StartUpStage& stage) {
   if (program.userFile.isEmpty()) ConnectAtStart(program);
   stage.ShowMainDialog();
   MainWindow& window = stage.Window();
-  if (program.settings.startDisp == u"ON") window.OpenTerminalScreen();
+  if (IsOn(program.settings.startDisp)) window.OpenTerminalScreen();
   window.SetTitle(QString());
   window.ShowUserFile();
   window.UpdateMenuState();

@@ -2,6 +2,8 @@
 
 #include <QString>
 
+#include "settings/setting_values.h"
+
 namespace quarn {
 
 /// What one window asks of another. Whoever wants something raises a flag; the window that owns the flag
@@ -92,7 +94,7 @@ struct OpenWindows {
 
 /// The state that all windows share; one instance for the life of the process.
 struct SharedState {
-  QString currentPortName = QStringLiteral("NONE");  ///< "NONE" when no port is configured
+  QString currentPortName = NoPort();  ///< kNoPort when no port is configured
   bool tooManyPorts = false;
   bool portBeingChosen = false;   ///< from the choice in a port dialog until it is complete
   int displayScalePercent = 100;  ///< 100, 125, 150 or 175

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "base/text_lines.h"
+#include "settings/setting_values.h"
 #include "settings/text_number.h"
 
 namespace quarn {
@@ -77,6 +78,10 @@ bool IsBeyondLastPort(const QString& name) {
   const QString number = name.mid(prefix.size());
   return name.startsWith(prefix) && ToInteger(number) > kLastPort &&
          std::all_of(number.begin(), number.end(), [](QChar each) { return each >= u'0' && each <= u'9'; });
+}
+
+QString PortTitlePart(const QString& portName, bool open) {
+  return open || portName == kNoPort ? portName : portName + QStringLiteral("-NC");
 }
 
 QString DevicePathOf(const QString& portName) {

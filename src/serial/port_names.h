@@ -29,6 +29,10 @@ bool IsPortAvailable(const QString& name, std::int32_t count, const PortNames& n
 /// Whether a name has the form of a port's and a number above 99, which no port here has.
 bool IsBeyondLastPort(const QString& name);
 
+/// How a window's title names the port: its name while it is open, the name and "-NC" while it is not,
+/// kNoPort when there is none.
+QString PortTitlePart(const QString& portName, bool open);
+
 /// The path under which a port is opened: the name itself up to number 9 and for a name without a number,
 /// from number 10 on the name behind the prefix \\.\. A number has two digits at most.
 QString DevicePathOf(const QString& portName);

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "settings/key_store.h"
+#include "settings/setting_values.h"
 #include "settings/settings_table.h"
 
 namespace quarn {
@@ -40,7 +41,7 @@ bool SaveAllSettings(const QString& path, const SettingsRecord& record) {
 
 bool ValidatePortName(const QString& name) {
   const QByteArray bytes = name.toLocal8Bit();
-  if (bytes == "NONE") return true;
+  if (name == kNoPort) return true;
   if (!bytes.startsWith("COM") || bytes.size() < 4 || bytes.size() > 5) return false;
   return std::none_of(bytes.begin() + 3, bytes.end(), [](char c) { return c >= 0x28 && c <= 0x2F; });
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/text_lines.h"
+#include "settings/setting_values.h"
 
 namespace quarn {
 
@@ -28,9 +29,9 @@ constexpr Setting Command(int index, QStringView defaultValue) {
 }
 
 constexpr std::array<Setting, kSettingCount> kSettings{{
-    Text(keys::kAutoClr, u"OFF", &R::autoClr, 1, 6),
+    Text(keys::kAutoClr, kOff, &R::autoClr, 1, 6),
     Text(keys::kBkColor, u"NAVY", &R::bkColor, 13, 11),
-    Text(keys::kComPort, u"NONE", &R::comPort, 2, 7),
+    Text(keys::kComPort, kNoPort, &R::comPort, 2, 7),
     Text(keys::kChkCmd, u"id", &R::chkCmd, 3, 12),
     Text(keys::kDelimiter, u"CR", &R::delimiter, 4, 13),
     Text(keys::kComBits, u"8", &R::comBits, 5, 1),
@@ -38,11 +39,11 @@ constexpr std::array<Setting, kSettingCount> kSettings{{
     Text(keys::kComBuf, u"1K", &R::comBuf, 7, 3),
     Text(keys::kComParity, u"None", &R::comParity, 8, 4),
     Text(keys::kComStop, u"1", &R::comStop, 9, 5),
-    Text(keys::kEnblNull, u"OFF", &R::enblNull, 10, 8),
+    Text(keys::kEnblNull, kOff, &R::enblNull, 10, 8),
     // No slip: a save-all leaves ENBL_NULL's text under FUNC_KEY.
-    {keys::kFuncKey, u"ON", &R::funcKey, &R::enblNull, 11, 9, EmptyValue::Refused},
+    {keys::kFuncKey, kOn, &R::funcKey, &R::enblNull, 11, 9, EmptyValue::Refused},
     Text(keys::kInputMax, u"N", &R::inputMax, 12, 10),
-    Text(keys::kLineNum, u"OFF", &R::lineNum, 14, 14),
+    Text(keys::kLineNum, kOff, &R::lineNum, 14, 14),
     Text(keys::kMainPos, u"TL", &R::mainPos, 18, 15),
     // Part of every fresh file, and of no record.
     {keys::kMarkColor, u"WHITE", {}, {}, 0, 0, EmptyValue::Refused},
@@ -57,8 +58,8 @@ constexpr std::array<Setting, kSettingCount> kSettings{{
     Command(8, u"function-9"),
     Command(9, u"function-10"),
     Text(keys::kPortSpeed, u"HIGH", &R::portSpeed, 16, 17),
-    Text(keys::kRTimeout, u"ON", &R::rTimeout, 17, 18),
-    Text(keys::kStartDisp, u"ON", &R::startDisp, 15, 16),
+    Text(keys::kRTimeout, kOn, &R::rTimeout, 17, 18),
+    Text(keys::kStartDisp, kOn, &R::startDisp, 15, 16),
 }};
 
 /// Puts each setting at its place; a place left out or given twice does not compile.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "settings/setting_values.h"
 #include "terminal/screen_options.h"
 
 namespace quarn {
@@ -34,7 +35,7 @@ constexpr std::array<ScaledHeight, 4> kHeights = {
     {{100, 740, 675}, {125, 750, 680}, {150, 760, 691}, {175, 770, 699}}};
 constexpr ScaledHeight kUnknownHeight = {0, 740, 657};
 
-bool Numbered(const SettingsRecord& settings) { return settings.lineNum == u"ON"; }
+bool Numbered(const SettingsRecord& settings) { return IsOn(settings.lineNum); }
 
 }  // namespace
 
@@ -72,7 +73,7 @@ QRect ButtonRect(int index, const SettingsRecord& settings) {
           kButtonsTop + kButtonRowPitch * (index / kButtonsPerRow), width, kButtonHeight};
 }
 
-bool ButtonsShown(const SettingsRecord& settings) { return settings.funcKey == u"ON"; }
+bool ButtonsShown(const SettingsRecord& settings) { return IsOn(settings.funcKey); }
 
 QSize TerminalWindowSize(const SettingsRecord& settings, int scalePercent) {
   const auto* const found = std::ranges::find(kHeights, scalePercent, &ScaledHeight::percent);

@@ -1,12 +1,9 @@
 #include "terminal/terminal_title.h"
 
+#include "serial/port_names.h"
 #include "terminal/screen_options.h"
 
 namespace quarn {
-
-QString PortTitlePart(const QString& portName, bool open) {
-  return open || portName == u"NONE" ? portName : portName + QStringLiteral("-NC");
-}
 
 QString TerminalTitle(const QString& portName, bool open, const QString& inputMax, bool overwrite,
                       const OperationLog& log) {

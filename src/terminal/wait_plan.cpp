@@ -4,6 +4,7 @@
 #include <array>
 
 #include "serial/line_parameters.h"
+#include "settings/setting_values.h"
 #include "terminal/caret_mark.h"
 
 namespace quarn {
@@ -50,7 +51,7 @@ QString WaitingText(const QString& command, int caret, int refresh) {
 }
 
 WaitPlan::WaitPlan(const SettingsRecord& settings)
-    : m_limit(TimeoutPolls(settings)), m_limited(settings.rTimeout == u"ON") {}
+    : m_limit(TimeoutPolls(settings)), m_limited(IsOn(settings.rTimeout)) {}
 
 WaitPlan::Step WaitPlan::Next() {
   if (m_limited && m_polls > m_limit) return Step::TimedOut;

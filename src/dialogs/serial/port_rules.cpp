@@ -3,11 +3,8 @@
 #include <algorithm>
 
 #include "serial/port_names.h"
-#include "terminal/terminal_title.h"
 
 namespace quarn {
-
-QString NoPort() { return QString::fromUtf16(kNoPort); }
 
 PortSituation SituationOf(const SharedState& state, const PortConnection& connection) {
   PortSituation situation{state.currentPortName, connection.connected, {}};

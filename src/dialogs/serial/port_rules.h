@@ -7,15 +7,12 @@
 #include "dialogs/shared_state.h"
 #include "serial/port_connection.h"
 #include "serial/port_list.h"
+#include "settings/setting_values.h"
 #include "settings/settings_record.h"
 
 // What the port dialogs decide, as values: no window, no line. Pure functions, any thread.
 
 namespace quarn {
-
-/// The current port's name, and the Port Number's first choice, when there is no port.
-inline constexpr char16_t kNoPort[] = u"NONE";
-QString NoPort();
 
 /// What the decisions depend on.
 struct PortSituation {

@@ -4,6 +4,7 @@
 #include <QRadioButton>
 #include <utility>
 
+#include "settings/setting_values.h"
 #include "ui/control.h"
 #include "ui/radio_group.h"
 
@@ -12,7 +13,7 @@ namespace {
 
 QString ValueOf(const OptionButton& option, const QAbstractButton& button) {
   if (option.kind == OptionButton::Radio) return QString::fromUtf16(option.value);
-  return button.isChecked() ? QStringLiteral("ON") : QStringLiteral("OFF");
+  return button.isChecked() ? QString::fromUtf16(kOn) : QString::fromUtf16(kOff);
 }
 
 }  // namespace
@@ -56,7 +57,8 @@ void OptionButtons::Refresh(const SettingsRecord& settings) {
   for (QButtonGroup* group : m_groups) group->setExclusive(false);
   for (std::size_t i = 0; i < m_table.size(); ++i) {
     const OptionButton& option = m_table[i];
-    const QStringView chosen = option.kind == OptionButton::Radio ? QStringView(option.value) : u"ON";
+    const QStringView chosen =
+        option.kind == OptionButton::Radio ? QStringView(option.value) : QStringView(kOn);
     m_buttons[i]->setChecked(option.binding.field.In(settings) == chosen);
   }
   for (QButtonGroup* group : m_groups) {

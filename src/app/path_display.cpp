@@ -1,4 +1,4 @@
-#include "settings/path_display.h"
+#include "app/path_display.h"
 
 #include <QList>
 
