@@ -79,17 +79,24 @@ TEST_P(LinuxPortSourceTest, NoticesTheFolderAndItsLinks) {
 }
 
 TEST_P(LinuxPortSourceTest, APseudoTerminalsEndIsSeenAtTheNextListing) {
-  PseudoTerminal terminal;
   m_scratch.Folder("own");
   LinuxPortSource source(QString::fromStdString(m_scratch.At("own")), {}, GetParam());
-  m_scratch.Link("own/COM57", terminal.Node());
-  EXPECT_NE(NameOf(List(source), kPort), "");
-  terminal.Close();
-  EXPECT_EQ(NameOf(List(source), kPort), "");
-  // The kernel gives the lowest free number again.
-  const PseudoTerminal next;
-  ASSERT_EQ(next.Node(), m_scratch.TargetOf("own/COM57"));
-  EXPECT_NE(NameOf(List(source), kPort), "");
+  constexpr int kMostAttempts = 1000;
+  for (int attempt = 0; attempt < kMostAttempts; ++attempt) {
+    PseudoTerminal terminal;
+    m_scratch.Link("own/COM57", terminal.Node());
+    ASSERT_NE(NameOf(List(source), kPort), "");
+    terminal.Close();
+    ASSERT_EQ(NameOf(List(source), kPort), "");
+    // The kernel gives the lowest free number again, unless another process has asked first.
+    const PseudoTerminal next;
+    if (next.Node() == m_scratch.TargetOf("own/COM57")) {
+      EXPECT_NE(NameOf(List(source), kPort), "");
+      return;
+    }
+    m_scratch.Remove("own/COM57");
+  }
+  FAIL() << "others always were faster";
 }
 
 TEST_P(LinuxPortSourceTest, NoticesAChangeBehindALinkedFolder) {

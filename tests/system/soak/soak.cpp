@@ -40,13 +40,17 @@ namespace {
 
 using device::PseudoTerminal;
 using std::chrono::milliseconds;
+using Clock = std::chrono::steady_clock;
 
 constexpr char kPort[] = "COM7";
+constexpr char kTimeoutLine[] = "Error: Response Timeout Error\r\r";
 /// After the response time-out and the wait for a worker that still reads.
 constexpr milliseconds kLate{1300};
 constexpr milliseconds kBetweenBursts{3};
 /// The silence that ends a response lasts 12 ms at this speed.
 constexpr milliseconds kSurelyTogether{10};
+/// An answer that takes the instrument this long comes too late on a computer that is much too busy.
+constexpr milliseconds kHeldUp{300};
 /// From here on memory has to stay as it is: everything has been used once.
 constexpr int kWarmUp = 200;
 constexpr long kGrowthAllowedKib = 2048;
@@ -93,6 +97,8 @@ class SoakInstrument {
   [[nodiscard]] bool SawAllInOrder() const { return m_inOrder; }
   /// Whether this process was held up between the last two bursts, so that they may count as two responses.
   [[nodiscard]] bool BurstsCameApart() const { return m_burstsApart; }
+  /// Whether this process was held up before the last answer to a command that was sent at `start`.
+  [[nodiscard]] bool WasHeldUp(Clock::time_point start) const { return m_sent.load() - start > kHeldUp; }
 
  private:
   void Lay() {
@@ -125,6 +131,7 @@ class SoakInstrument {
     switch (FateOf(m_seed, number)) {
       case Fate::Answer:
         Send(answer);
+        m_sent = Clock::now();
         break;
       case Fate::Late:
         std::this_thread::sleep_for(kLate);
@@ -165,6 +172,7 @@ class SoakInstrument {
   std::atomic<bool> m_stop = false;
   std::atomic<bool> m_inOrder = true;
   std::atomic<bool> m_burstsApart = false;
+  std::atomic<Clock::time_point> m_sent;
   std::atomic<int> m_served = 0;
   std::thread m_thread;
 };
@@ -242,6 +250,7 @@ class Soak {
     for (std::size_t i = 0; i < m_counts.size(); ++i)
       std::printf("%-14s%d\n", kFateNames.at(i), m_counts.at(i));
     std::printf("parted        %d of the two bursts, by a hold-up of the instrument\n", m_parted);
+    std::printf("too late      %d answers, by a hold-up of the instrument\n", m_heldUp);
     if (m_transactions <= kWarmUp) return true;
     const long grown = ResidentKib() - memory;
     std::printf("descriptors   %ld, then %ld\nmemory        %ld KiB, then %+ld\n", descriptors,
@@ -269,6 +278,7 @@ class Soak {
     if (m_log.LineCount() > LogLineCapacity - 10) m_log.ResetLog();
     m_firstLine = m_log.LineCount();
     const Fate fate = FateOf(m_seed, m_number);
+    m_start = Clock::now();
     const TransactionResult result =
         ExecuteCommand({m_engine, m_connection, m_settings, m_log, m_commandLine}, m_host,
                        QString::fromStdString(CommandOf(m_number)));
@@ -293,12 +303,15 @@ class Soak {
         }
         [[fallthrough]];
       case Fate::Answer:
+        if (m_instrument.WasHeldUp(m_start) && result == TransactionResult::Timeout) {
+          ++m_heldUp;
+          return LoggedText() == head + kTimeoutLine;
+        }
         m_lastAnswer = answer;
         return result == TransactionResult::Received && LoggedText() == head + answer;
       case Fate::Late:
       case Fate::Missing:
-        return result == TransactionResult::Timeout &&
-               LoggedText() == head + "Error: Response Timeout Error\r\r";
+        return result == TransactionResult::Timeout && LoggedText() == head + kTimeoutLine;
       case Fate::HangUp:
         // A failed read has no report of its own: what the buffer held is shown once more.
         return result == TransactionResult::Received ? LoggedText() == head + m_lastAnswer
@@ -329,6 +342,8 @@ class Soak {
   SilentHost m_host;
   std::array<int, kFateNames.size()> m_counts{};
   std::string m_lastAnswer;
+  Clock::time_point m_start;
+  int m_heldUp = 0;
   int m_parted = 0;
   int m_number = 0;
   int m_firstLine = 0;
