@@ -147,7 +147,7 @@ void FileCommands::SetUserFile(const QString& path) {
   m_program.userFile = path;
   m_window.ShowUserFile();
   // The menu follows the user file; the main dialog brings it up to date.
-  m_program.state.requests.mainRefresh = true;
+  m_program.state.requests.refresh.Add(Window::MainDialog);
 }
 
 QString FileCommands::FolderInForce() const {
@@ -175,8 +175,11 @@ void FileCommands::ShowOrHideTerminalScreen() {
   WindowRequests& requests = m_program.state.requests;
   const bool shown = IsOn(m_program.settings.startDisp);
   // A screen that has not yet seen the request to close stays as it is.
-  requests.terminalClose = !shown;
-  if (!shown) return;
+  if (!shown) {
+    requests.close.Add(Window::TerminalScreen);
+    return;
+  }
+  requests.close.Remove(Window::TerminalScreen);
   m_window.OpenTerminalScreen();
   requests.focus = true;
 }

@@ -107,26 +107,29 @@ void CQuarnDlg::CreateControls() {
 }
 
 void CQuarnDlg::ToggleTerminalScreen() {
-  if (!m_program.state.open.terminalScreen) {
+  if (!m_program.state.open.Contains(Window::TerminalScreen)) {
     OpenTerminalScreen();
     return;
   }
-  m_program.state.open.terminalScreen = false;
-  m_program.state.requests.terminalClose = true;
+  m_program.state.open.Remove(Window::TerminalScreen);
+  m_program.state.requests.close.Add(Window::TerminalScreen);
   ShowSwitch();
-  m_program.state.requests.mainRefresh = true;
+  m_program.state.requests.refresh.Add(Window::MainDialog);
 }
 
 void CQuarnDlg::ShowSwitch() {
-  m_switch->setText(m_program.state.open.terminalScreen ? QStringLiteral("OFF") : QStringLiteral("ON"));
+  m_switch->setText(m_program.state.open.Contains(Window::TerminalScreen) ? QStringLiteral("OFF")
+                                                                          : QStringLiteral("ON"));
 }
 
 int CQuarnDlg::QuietTicks() const {
-  return !m_program.state.requests.mainRefresh && m_monitor.IsAtRest() ? TickPlan::kUntilWoken : 0;
+  return !m_program.state.requests.refresh.Contains(Window::MainDialog) && m_monitor.IsAtRest()
+             ? TickPlan::kUntilWoken
+             : 0;
 }
 
 void CQuarnDlg::OnTick(int ticks) {
-  if (std::exchange(m_program.state.requests.mainRefresh, false)) Refresh();
+  if (m_program.state.requests.refresh.Take(Window::MainDialog)) Refresh();
   m_monitor.Tick(ticks);
 }
 
@@ -174,7 +177,7 @@ bool CQuarnDlg::eventFilter(QObject* receiver, QEvent* event) {
   }
   // Neither Enter nor Escape ends the program.
   bool swallow = EndsDialogs(*event);
-  if (m_program.state.open.terminalScreen) {
+  if (m_program.state.open.Contains(Window::TerminalScreen)) {
     m_program.state.requests.focus = true;
     swallow = true;
   }

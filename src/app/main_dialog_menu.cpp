@@ -89,8 +89,8 @@ void CQuarnDlg::UpdateMenuState() {
       .userFileInForce = !m_program.userFile.isEmpty(),
       .connected = m_program.connection.connected,
       .portConfigured = m_program.state.currentPortName != kNoPort,
-      .terminalScreenOpen = m_program.state.open.terminalScreen,
-      .functionKeyTableOpen = m_program.state.open.functionKeyTable,
+      .terminalScreenOpen = m_program.state.open.Contains(Window::TerminalScreen),
+      .functionKeyTableOpen = m_program.state.open.Contains(Window::FunctionKeyTable),
   };
   for (std::size_t i = 0; i < m_actions.size(); ++i) {
     m_actions[i]->setEnabled(IsCommandEnabled(MenuItems()[i].commandId, facts));

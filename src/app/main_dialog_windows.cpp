@@ -19,8 +19,9 @@ namespace quarn {
 namespace {
 
 /// A window that is open comes to the front. False when there is none.
-bool BringToFront(QWidget* window, bool open) {
+bool BringToFront(ModelessWindow* window, bool open) {
   if (window == nullptr || !open) return false;
+  window->WantAgain();
   window->raise();
   window->activateWindow();
   return true;
@@ -39,18 +40,15 @@ DialogContext CQuarnDlg::Context() {
 }
 
 void CQuarnDlg::OpenTerminalScreen() {
-  if (m_program.state.open.terminalScreen) return;
+  if (m_program.state.open.Contains(Window::TerminalScreen)) return;
   // One that was told to close may not have looked yet; where it has to stay it is the one that is wanted.
   if (m_terminalScreen && !m_terminalScreen->close()) {
-    m_terminalScreen->WithdrawClose();
-    m_program.state.open.terminalScreen = true;
-    m_program.state.requests.terminalClose = false;
+    m_terminalScreen->WantAgain();
     ShowSwitch();
     return;
   }
-  m_program.state.open.terminalScreen = true;
   // What was to be loaded or sent while there was no command line to be seen is forgotten.
-  m_program.state.requests.functionKey = false;
+  m_program.state.requests.functionKey.reset();
   m_program.state.requests.send = false;
   m_program.state.requests.sendAction = false;
   TerminalScreenContext context{
@@ -61,21 +59,19 @@ void CQuarnDlg::OpenTerminalScreen() {
   m_terminalScreen = new CTerminalScreen(this, context);
   m_terminalScreen->show();
   ShowSwitch();
-  m_program.state.requests.mainRefresh = true;
+  m_program.state.requests.refresh.Add(Window::MainDialog);
 }
 
 void CQuarnDlg::OpenFunctionKeyTable() {
-  if (BringToFront(m_functionKeyTable, m_program.state.open.functionKeyTable)) return;
+  if (BringToFront(m_functionKeyTable, m_program.state.open.Contains(Window::FunctionKeyTable))) return;
   m_functionKeyTable = new CSetMem(this, {m_program.settings, m_program.workingSettingsFile, m_program.state,
                                           *m_program.messages, m_program.savedFunctionTableRect});
   m_functionKeyTable->show();
-  m_program.state.requests.mainRefresh = true;
+  m_program.state.requests.refresh.Add(Window::MainDialog);
 }
 
 void CQuarnDlg::OpenPortNumber() {
-  // One that was told to close, and has not looked yet, is wanted again.
-  m_program.state.requests.portNumberClose = false;
-  if (BringToFront(m_portNumber, m_program.state.open.portNumber)) return;
+  if (BringToFront(m_portNumber, m_program.state.open.Contains(Window::PortNumber))) return;
   m_portNumber = new CPortNum(this, Context());
   ShowPlaced(*m_portNumber, PlaceBelow);
 }
@@ -88,33 +84,31 @@ void CQuarnDlg::OpenDetailedPortList() {
         QStringLiteral("Select a COM port from the \"COM Port Number\" dialog."));
     return;
   }
-  m_program.state.requests.detailedListClose = false;
-  if (BringToFront(m_portDetails, m_program.state.open.detailedPortList)) return;
+  if (BringToFront(m_portDetails, m_program.state.open.Contains(Window::DetailedPortList))) return;
   m_portDetails = new CPortDetails(this, Context());
   ShowPlaced(*m_portDetails, PlaceUnder);
 }
 
 void CQuarnDlg::OpenPortSettings() {
-  // It has no open flag. A closed one may still be there for a moment.
-  if (QWidget* last = m_portSettings; last != nullptr && BringToFront(last, last->isVisible())) return;
+  if (BringToFront(m_portSettings, m_program.state.open.Contains(Window::PortSettings))) return;
   m_portSettings = new CPortSettings(this, Context());
   m_portSettings->show();
 }
 
 void CQuarnDlg::OpenCommandFormat() {
-  if (BringToFront(m_commandFormat, m_program.state.open.commandFormat)) return;
+  if (BringToFront(m_commandFormat, m_program.state.open.Contains(Window::CommandFormat))) return;
   m_commandFormat = new CCommandFormat(this, Context());
   ShowPlaced(*m_commandFormat, PlaceBeside);
 }
 
 void CQuarnDlg::OpenScreenOption() {
-  if (BringToFront(m_screenOption, m_program.state.open.terminalScreenOption)) return;
+  if (BringToFront(m_screenOption, m_program.state.open.Contains(Window::ScreenOption))) return;
   m_screenOption = new CScreenOption(this, Context());
   ShowPlaced(*m_screenOption, PlaceUnder);
 }
 
 void CQuarnDlg::OpenMainOption() {
-  if (BringToFront(m_mainOption, m_program.state.open.mainDialogOption)) return;
+  if (BringToFront(m_mainOption, m_program.state.open.Contains(Window::MainOption))) return;
   m_mainOption = new CMainOption(this, Context());
   ShowPlaced(*m_mainOption, PlaceUnder);
 }

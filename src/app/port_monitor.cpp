@@ -140,19 +140,19 @@ void PortMonitor::HandleLostLine() {
 }
 
 void PortMonitor::TellTooMany() {
-  if (!m_program.state.open.detailedPortList) return;
+  if (!m_program.state.open.Contains(Window::DetailedPortList)) return;
   m_program.messages->ShowInformationMessage(
       QStringLiteral(": Information"), QString(),
       QStringLiteral("Too many COM ports to display in the detailed list."),
       QStringLiteral("The \"Detailed COM Port List\" will be closed."));
-  m_program.state.requests.detailedListClose = true;
+  m_program.state.requests.close.Add(Window::DetailedPortList);
 }
 
 void PortMonitor::TellVanished(const QString& port) {
   const RestingTimer rest(m_window);
   TellPortNotAvailable(*m_program.messages, port);
   m_program.connection.connected = false;
-  m_program.state.requests.mainRefresh = true;
+  m_program.state.requests.refresh.Add(Window::MainDialog);
 }
 
 void PortMonitor::OfferToConnect(const QString& port) {

@@ -1,96 +1,101 @@
 #pragma once
 
 #include <QString>
+#include <bitset>
+#include <initializer_list>
+#include <optional>
 
 #include "settings/setting_values.h"
 
 namespace quarn {
 
-/// What one window asks of another. Whoever wants something raises a flag; the window that owns the flag
-/// looks at it in its own 100 ms tick, lowers it and acts. User-interface thread only.
+/// The windows that ask things of one another.
+enum class Window {
+  MainDialog,
+  TerminalScreen,
+  FunctionKeyTable,
+  PortNumber,
+  DetailedPortList,
+  PortSettings,
+  CommandFormat,
+  ScreenOption,
+  MainOption,
+};
+inline constexpr std::size_t kWindowCount = 9;
+
+class WindowSet {
+ public:
+  WindowSet() = default;
+  WindowSet(std::initializer_list<Window> windows) {
+    for (const Window each : windows) Add(each);
+  }
+  void Add(Window window) { m_windows.set(PlaceOf(window)); }
+  void Add(const WindowSet& others) { m_windows |= others.m_windows; }
+  void Remove(Window window) { m_windows.reset(PlaceOf(window)); }
+  [[nodiscard]] bool Contains(Window window) const { return m_windows.test(PlaceOf(window)); }
+  /// Removes the window. Whether it was there.
+  bool Take(Window window) {
+    const bool was = Contains(window);
+    Remove(window);
+    return was;
+  }
+  bool operator==(const WindowSet&) const = default;
+
+ private:
+  static std::size_t PlaceOf(Window window) { return static_cast<std::size_t>(window); }
+
+  std::bitset<kWindowCount> m_windows;
+};
+
+/// What one window asks of another. Whoever wants something puts it here. The window that it is for looks at
+/// it in its own 100 ms tick, takes it away and acts. User-interface thread only.
 struct WindowRequests {
-  // Lowered by the Terminal Screen.
-  bool clearLog = false;         ///< empty the log and the command line
-  bool sendAction = false;       ///< as if SEND had been pressed
-  bool terminalRefresh = false;  ///< read every layout setting again
-  bool functionKey = false;      ///< load stored command `functionKeyIndex`, appended with Ctrl
-  int functionKeyIndex = 0;      ///< 0 to 9
-  bool functionKeyCtrl = false;
-  bool send = false;   ///< send the command line unless it is empty
-  bool focus = false;  ///< take the keyboard focus
-  bool terminalClose = false;
+  /// Show again what is shown: the settings, the connection or the ports present have changed.
+  WindowSet refresh;
+  WindowSet close;
 
-  // Lowered by the main dialog.
-  bool mainRefresh = false;
+  // For the Terminal Screen.
+  bool clearLog = false;           ///< empty the log and the command line
+  bool sendAction = false;         ///< as if SEND had been pressed
+  std::optional<int> functionKey;  ///< load this stored command, 0 to 9
+  bool functionKeyCtrl = false;    ///< append it; this stays as the last press of a button had it
+  bool send = false;               ///< send the command line unless it is empty
+  bool focus = false;              ///< take the keyboard focus
 
-  // Lowered by the port dialogs. A refresh tells that the ports present or the connection changed.
-  bool portNumberRefresh = false;
-  bool portNumberClose = false;
-  bool detailedListRefresh = false;
-  bool detailedListClose = false;
-  bool suppressNextClick = false;  ///< the next click on a row of the detailed list is not meant as one
-  bool portSettingsRefresh = false;
+  // For the detailed list.
+  bool suppressNextClick = false;  ///< the next click on a row is not meant as one
 
-  // Lowered by the dialogs that edit settings. A refresh tells that the settings changed underneath.
-  bool commandFormatRefresh = false;
-  bool commandFormatClose = false;
-  bool screenOptionRefresh = false;
-  bool screenOptionClose = false;
-  bool mainOptionRefresh = false;
-  bool mainOptionClose = false;
-  bool functionTableReload = false;
-  bool functionTableClose = false;
+  /// Whether the window has a reason to look.
+  [[nodiscard]] bool IsAnythingFor(Window window) const {
+    const bool content =
+        window == Window::TerminalScreen && (clearLog || sendAction || functionKey || send || focus);
+    return content || refresh.Contains(window) || close.Contains(window);
+  }
 };
 
 inline void RaisePortDialogRefreshes(WindowRequests& requests) {
-  requests.portNumberRefresh = true;
-  requests.detailedListRefresh = true;
-  requests.portSettingsRefresh = true;
+  requests.refresh.Add({Window::PortNumber, Window::DetailedPortList, Window::PortSettings});
 }
 
 /// After the connection or the ports present changed: every window that shows one of them.
 inline void RaiseConnectionRefreshes(WindowRequests& requests) {
-  requests.mainRefresh = true;
-  requests.terminalRefresh = true;
+  requests.refresh.Add({Window::MainDialog, Window::TerminalScreen});
   RaisePortDialogRefreshes(requests);
 }
 
 /// After all settings were replaced: every window that shows any of them.
 inline void RaiseSettingsRefreshes(WindowRequests& requests) {
   RaiseConnectionRefreshes(requests);
-  requests.commandFormatRefresh = true;
-  requests.screenOptionRefresh = true;
-  requests.mainOptionRefresh = true;
-  requests.functionTableReload = true;
+  requests.refresh.Add(
+      {Window::CommandFormat, Window::ScreenOption, Window::MainOption, Window::FunctionKeyTable});
 }
 
-/// Asks every other window of the main dialog to close.
+/// Asks every other window of the main dialog to close, but for the port settings, which have no use for it.
 inline void RaiseCloseRequests(WindowRequests& requests) {
-  requests.terminalClose = true;
-  requests.portNumberClose = true;
-  requests.detailedListClose = true;
-  requests.commandFormatClose = true;
-  requests.screenOptionClose = true;
-  requests.mainOptionClose = true;
-  requests.functionTableClose = true;
+  requests.close.Add({Window::TerminalScreen, Window::FunctionKeyTable, Window::PortNumber,
+                      Window::DetailedPortList, Window::CommandFormat, Window::ScreenOption,
+                      Window::MainOption});
 }
-
-inline bool IsTerminalAsked(const WindowRequests& requests) {
-  return requests.clearLog || requests.sendAction || requests.terminalRefresh || requests.functionKey ||
-         requests.send || requests.focus || requests.terminalClose;
-}
-
-/// One flag per modeless dialog: set when it is created, cleared when it closes. While it is set no
-/// second one is created.
-struct OpenWindows {
-  bool terminalScreen = false;
-  bool functionKeyTable = false;
-  bool portNumber = false;
-  bool detailedPortList = false;
-  bool commandFormat = false;
-  bool terminalScreenOption = false;
-  bool mainDialogOption = false;
-};
 
 /// The state that all windows share; one instance for the life of the process.
 struct SharedState {
@@ -99,7 +104,8 @@ struct SharedState {
   bool portBeingChosen = false;   ///< from the choice in a port dialog until it is complete
   int displayScalePercent = 100;  ///< 100, 125, 150 or 175
   WindowRequests requests;
-  OpenWindows open;
+  /// The modeless windows that are open. While one is, no second one is made.
+  WindowSet open;
 };
 
 }  // namespace quarn

@@ -11,6 +11,7 @@
 #include "identity.h"
 #include "support/dialog_controls.h"
 #include "support/recorded_messages.h"
+#include "support/waits.h"
 #include "support/window_places.h"
 #include "ui/placement.h"
 
@@ -179,7 +180,7 @@ TEST_F(AboutBox, TheLinkFollowsALargerFontWhileItIsShown) {
   ShowActive(m_box);
   const QSize before = Label(kLink)->sizeHint();
   const FontScale scale(200);
-  EXPECT_TRUE(QTest::qWaitFor([&] { return Label(kLink)->width() > before.width() * 3 / 2; }));
+  EXPECT_TRUE(WaitUntil([&] { return Label(kLink)->width() > before.width() * 3 / 2; }));
   EXPECT_GE(Label(kLink)->height(), before.height() * 3 / 2);
 }
 

@@ -1,4 +1,5 @@
 #include "app/about_item.h"
+#include "support/waits.h"
 
 #include <gtest/gtest.h>
 #include <windows.h>
@@ -25,7 +26,7 @@ TEST(AboutItemWin32, StandsBelowALineInTheSystemMenuAndIsChosenThere) {
   QDialog dialog;
   AddWindowMenuItem(dialog, QStringLiteral("Quarnについて(&A)..."), [&chosen] { ++chosen; });
   dialog.show();
-  ASSERT_TRUE(QTest::qWaitForWindowExposed(&dialog));
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(&dialog, test::kLongestWaitMs));
   const HMENU menu = GetSystemMenu(HandleOf(dialog), FALSE);
   const int last = GetMenuItemCount(menu) - 1;
   ASSERT_GT(last, 1);
@@ -34,10 +35,10 @@ TEST(AboutItemWin32, StandsBelowALineInTheSystemMenuAndIsChosenThere) {
   EXPECT_NE(GetMenuState(menu, static_cast<UINT>(last - 1), MF_BYPOSITION) & MF_SEPARATOR, 0U);
 
   PostMessageW(HandleOf(dialog), WM_SYSCOMMAND, kItemId, 0);
-  EXPECT_TRUE(QTest::qWaitFor([&chosen] { return chosen > 0; }));
+  EXPECT_TRUE(test::WaitUntil([&chosen] { return chosen > 0; }));
   // The lowest four bits are the system's own.
   PostMessageW(HandleOf(dialog), WM_SYSCOMMAND, kItemId + 2, 0);
-  EXPECT_TRUE(QTest::qWaitFor([&chosen] { return chosen > 1; }));
+  EXPECT_TRUE(test::WaitUntil([&chosen] { return chosen > 1; }));
   EXPECT_EQ(chosen, 2);
 }
 
@@ -48,14 +49,14 @@ TEST(AboutItemWin32, OtherCommandsAndOtherWindowsAreNotItsOwn) {
   AddWindowMenuItem(dialog, QStringLiteral("About"), [&chosen] { ++chosen; });
   dialog.show();
   other.show();
-  ASSERT_TRUE(QTest::qWaitForWindowExposed(&other));
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(&other, test::kLongestWaitMs));
   SendMessageW(HandleOf(other), WM_SYSCOMMAND, kItemId, 0);
   SendMessageW(HandleOf(dialog), WM_SYSCOMMAND, kItemId * 2, 0);
   SendMessageW(HandleOf(dialog), WM_COMMAND, kItemId, 0);
   QCoreApplication::processEvents();
   EXPECT_EQ(chosen, 0);
   SendMessageW(HandleOf(dialog), WM_SYSCOMMAND, SC_CLOSE, 0);
-  EXPECT_TRUE(QTest::qWaitFor([&dialog] { return !dialog.isVisible(); }));
+  EXPECT_TRUE(test::WaitUntil([&dialog] { return !dialog.isVisible(); }));
 }
 
 }  // namespace

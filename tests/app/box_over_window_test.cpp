@@ -16,6 +16,7 @@
 #include "serial/scripted_line.h"
 #include "settings/settings_table.h"
 #include "support/dialog_controls.h"
+#include "support/waits.h"
 #include "ui/box.h"
 #include "ui/window_messages.h"
 
@@ -37,7 +38,7 @@ class Clock final : public PolledDialog {
 /// Every other window has looked at what is asked of it.
 void LetWindowsTick() {
   const Clock clock;
-  ASSERT_TRUE(QTest::qWaitFor([&] { return clock.ticks >= kFewTicks; }));
+  ASSERT_TRUE(WaitUntil([&] { return clock.ticks >= kFewTicks; }));
 }
 
 /// Waits for a box, calls `during`, and sends it away with Escape, as often as one comes up.
@@ -159,14 +160,14 @@ class BoxStage : public AppTest {
       if (found == nullptr || !found->isVisible() || found->objectName() != QLatin1String(objectName))
         continue;
       ShowActive(*found);
-      EXPECT_TRUE(QTest::qWaitFor([&] { return WindowForBox() == found; }));
+      EXPECT_TRUE(WaitUntil([&] { return WindowForBox() == found; }));
       return found;
     }
     ADD_FAILURE() << "no " << objectName;
     return nullptr;
   }
   static bool Goes(const QPointer<QDialog>& window) {
-    return QTest::qWaitFor([&] { return window.isNull() || !window->isVisible(); });
+    return WaitUntil([&] { return window.isNull() || !window->isVisible(); });
   }
 
   Program real;
@@ -204,12 +205,12 @@ TEST_P(BoxOverWindow, BelongsToNobodyAndStandsInFront) {
         EXPECT_EQ(box.parent(), nullptr);
         EXPECT_EQ(box.windowHandle()->transientParent(), below->windowHandle());
         EXPECT_EQ(box.windowModality(), Qt::ApplicationModal);
-        EXPECT_TRUE(QTest::qWaitFor([&] { return QApplication::activeWindow() == &box; }));
+        EXPECT_TRUE(WaitUntil([&] { return QApplication::activeWindow() == &box; }));
       },
       [](const QPointer<QDialog>& below) {
         ASSERT_FALSE(below.isNull());
         EXPECT_TRUE(below->isVisible());
-        EXPECT_TRUE(QTest::qWaitFor([&] { return QApplication::activeWindow() == below; }));
+        EXPECT_TRUE(WaitUntil([&] { return QApplication::activeWindow() == below; }));
       });
 }
 
@@ -286,11 +287,11 @@ TEST_F(Boxes, TheListThatOnePortTooManyClosesIsThereUntilTheyAreOver) {
     // It stays under its box, and goes as soon as that is over.
     // Closed is enough: the loop in which it has been closed may be the one that this box holds up.
     const auto isClosed = [&] { return list.isNull() || !list->isVisible(); };
-    EXPECT_TRUE(QTest::qWaitFor([&] { return isClosed() == !overTheList; }));
+    EXPECT_TRUE(WaitUntil([&] { return isClosed() == !overTheList; }));
   });
   Present(31);
-  ASSERT_TRUE(QTest::qWaitFor([&] { return list.isNull() && told.size() == 2; }, 20'000));
-  ASSERT_TRUE(QTest::qWaitFor([&] { return !BoxOver::IsOver(*main); }, 20'000));
+  ASSERT_TRUE(WaitUntil([&] { return list.isNull() && told.size() == 2; }));
+  ASSERT_TRUE(WaitUntil([&] { return !BoxOver::IsOver(*main); }));
   EXPECT_EQ(told, (QStringList{QStringLiteral("Too many COM ports to display in the detailed list.\nThe "
                                               "\"Detailed COM Port List\" will be closed."),
                                kText}));
@@ -300,10 +301,10 @@ TEST_F(Boxes, OverAnotherWindowLetARequestThrough) {
   const QPointer<QDialog> terminal = Open(command::kTerminalScreen);
   ASSERT_FALSE(terminal.isNull());
   ShowActive(*main);
-  ASSERT_TRUE(QTest::qWaitFor([&] { return WindowForBox() == main.get(); }));
+  ASSERT_TRUE(WaitUntil([&] { return WindowForBox() == main.get(); }));
   const BoxWatch watch([&](QWidget& box) {
-    real.state.requests.terminalClose = true;
-    EXPECT_TRUE(QTest::qWaitFor([&] { return terminal.isNull(); }));
+    real.state.requests.close.Add(Window::TerminalScreen);
+    EXPECT_TRUE(WaitUntil([&] { return terminal.isNull(); }));
     EXPECT_TRUE(box.isVisible());
   });
   WindowMessages().ShowTransientMessage(kText, {});
@@ -315,7 +316,7 @@ TEST_F(Boxes, OverABoxKeepTheWindowsUnderBoth) {
   ASSERT_FALSE(terminal.isNull());
   int told = 0;
   const BoxWatch watch([&](QWidget& about) {
-    EXPECT_TRUE(QTest::qWaitFor([&] { return WindowForBox() == &about; }));
+    EXPECT_TRUE(WaitUntil([&] { return WindowForBox() == &about; }));
     const BoxWatch inner([&](QWidget& box) {
       ++told;
       EXPECT_EQ(box.windowHandle()->transientParent(), about.windowHandle());
@@ -361,7 +362,7 @@ TEST_P(BusyWindow, EndsWhatItDoesBeforeItCloses) {
   ASSERT_NE(button, nullptr);
   // Another window has the keyboard: the message comes up over that one.
   ShowActive(*main);
-  ASSERT_TRUE(QTest::qWaitFor([&] { return WindowForBox() == main.get(); }));
+  ASSERT_TRUE(WaitUntil([&] { return WindowForBox() == main.get(); }));
   button->click();
   EXPECT_GE(watch.came, 1);
   ASSERT_FALSE(below.isNull());
@@ -396,7 +397,7 @@ INSTANTIATE_TEST_SUITE_P(
              "setButton"},
         Deed{"PortSettingsDefault", command::kPortSettings, Nothing, "defaultButton"},
         Deed{"ScreenOptionInputMax", command::kScreenOption,
-             [](Program& program, QDialog&) { program.state.open.terminalScreen = true; }, "length56"}),
+             [](Program& program, QDialog&) { program.state.open.Add(Window::TerminalScreen); }, "length56"}),
     [](const auto& each) { return std::string(each.param.name); });
 
 TEST_F(Boxes, TheMainDialogEndsTheProgramOnlyWhenTheyAreOver) {
@@ -410,7 +411,7 @@ TEST_F(Boxes, TheMainDialogEndsTheProgramOnlyWhenTheyAreOver) {
   });
   WindowMessages().ShowErrorMessage(kSuffix, kText, {}, {});
   EXPECT_EQ(watch.came, 1);
-  EXPECT_TRUE(QTest::qWaitFor([&] { return !main->isVisible(); }));
+  EXPECT_TRUE(WaitUntil([&] { return !main->isVisible(); }));
 }
 
 TEST_F(Boxes, TheChoiceOfAFileKeepsTheMainDialog) {
@@ -419,12 +420,12 @@ TEST_F(Boxes, TheChoiceOfAFileKeepsTheMainDialog) {
     EXPECT_TRUE(BoxOver::IsOver(*main));
     EXPECT_FALSE(main->close());
     // A message over it belongs to nobody either.
-    EXPECT_TRUE(QTest::qWaitFor([&] { return WindowForBox() == &box; }));
+    EXPECT_TRUE(WaitUntil([&] { return WindowForBox() == &box; }));
   });
   EXPECT_EQ(chooser.AskOpenFile({kText, {QStringLiteral("All (*)")}, QStringLiteral("qrn"), {}, m_folder}),
             QString());
   EXPECT_EQ(watch.came, 1);
-  EXPECT_TRUE(QTest::qWaitFor([&] { return !main->isVisible(); }));
+  EXPECT_TRUE(WaitUntil([&] { return !main->isVisible(); }));
 }
 
 TEST(BoxWithoutWindows, APlainMessageStandsInFrontOfOtherPrograms) {

@@ -51,11 +51,11 @@ TEST_F(ConnectionCommands, ConnectTells) {
   Connect(program);
   EXPECT_EQ(Happened(), QStringList{Connected("COM3")});
   EXPECT_TRUE(program.connection.connected);
-  EXPECT_TRUE(program.state.requests.mainRefresh);
-  EXPECT_TRUE(program.state.requests.terminalRefresh);
-  EXPECT_TRUE(program.state.requests.portNumberRefresh);
-  EXPECT_TRUE(program.state.requests.detailedListRefresh);
-  EXPECT_TRUE(program.state.requests.portSettingsRefresh);
+  EXPECT_TRUE(program.state.requests.refresh.Contains(Window::MainDialog));
+  EXPECT_TRUE(program.state.requests.refresh.Contains(Window::TerminalScreen));
+  EXPECT_TRUE(program.state.requests.refresh.Contains(Window::PortNumber));
+  EXPECT_TRUE(program.state.requests.refresh.Contains(Window::DetailedPortList));
+  EXPECT_TRUE(program.state.requests.refresh.Contains(Window::PortSettings));
 }
 
 TEST_F(ConnectionCommands, ConnectToAMissingPortTells) {
@@ -77,8 +77,8 @@ TEST_F(ConnectionCommands, DisconnectAsksAndKeepsThePort) {
   EXPECT_FALSE(program.connection.connected);
   EXPECT_TRUE(program.connection.handle.IsNull());
   EXPECT_EQ(program.state.currentPortName, QStringLiteral("COM3"));
-  EXPECT_TRUE(program.state.requests.mainRefresh);
-  EXPECT_TRUE(program.state.requests.terminalRefresh);
+  EXPECT_TRUE(program.state.requests.refresh.Contains(Window::MainDialog));
+  EXPECT_TRUE(program.state.requests.refresh.Contains(Window::TerminalScreen));
   Connect(program);
   EXPECT_TRUE(program.connection.connected);
 }
@@ -102,7 +102,7 @@ TEST_F(ConnectionCommands, DisconnectAnsweredNoChangesNothing) {
   Disconnect(program);
   EXPECT_TRUE(program.connection.connected);
   EXPECT_EQ(program.connection.handle.Line(), line);
-  EXPECT_FALSE(program.state.requests.mainRefresh);
+  EXPECT_FALSE(program.state.requests.refresh.Contains(Window::MainDialog));
   EXPECT_EQ(Happened().size(), 1);
 }
 

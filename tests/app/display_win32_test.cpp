@@ -5,6 +5,7 @@
 #include <QTest>
 
 #include "app/display.h"
+#include "support/waits.h"
 
 namespace quarn {
 namespace {
@@ -13,7 +14,7 @@ TEST(DisplayWin32, AWindowHasTheDotsPerInchThatTheSystemGivesIt) {
   QDialog window;
   EXPECT_EQ(WindowDpi(window), 0) << "there is no window yet";
   window.show();
-  ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(&window, kLongestWaitMs));
   EXPECT_EQ(WindowDpi(window), 96);
 }
 

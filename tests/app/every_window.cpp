@@ -10,6 +10,7 @@
 #include "serial/port_list.h"
 #include "settings/settings_table.h"
 #include "support/dialog_controls.h"
+#include "support/waits.h"
 #include "ui/message_dialogs.h"
 #include "ui/window_messages.h"
 
@@ -157,7 +158,7 @@ void EveryWindow::FromMenu(int item, const char* name, const Look& look) {
   Own(opened, look);
   opened.close();
   // A window that deletes itself does so in the event loop.
-  ASSERT_TRUE(QTest::qWaitFor([&] { return Shown(name).isEmpty(); }));
+  ASSERT_TRUE(WaitUntil([&] { return Shown(name).isEmpty(); }));
 }
 
 void EveryWindow::ModalFromMenu(int item, const Look& look) {
@@ -167,7 +168,7 @@ void EveryWindow::ModalFromMenu(int item, const Look& look) {
 void EveryWindow::Own(QDialog& window, const Look& look) {
   ASSERT_NO_FATAL_FAILURE(ShowActive(window));
   // A window counts as active while its owner is; the keyboard is in one of them.
-  ASSERT_TRUE(QTest::qWaitFor([&] { return QApplication::activeWindow() == &window; }));
+  ASSERT_TRUE(WaitUntil([&] { return QApplication::activeWindow() == &window; }));
   look(window);
 }
 
@@ -186,7 +187,7 @@ void EveryWindow::Modal(const std::function<void()>& call, const Look& look) {
 
 void EveryWindow::Menu(QWidget& window, QMenu& menu, const Look& look) {
   menu.popup(window.mapToGlobal(QPoint(20, 20)));
-  ASSERT_TRUE(QTest::qWaitForWindowExposed(&menu));
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(&menu, kLongestWaitMs));
   look(menu);
   menu.close();
 }

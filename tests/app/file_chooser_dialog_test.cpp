@@ -1,4 +1,5 @@
 #include "app/file_chooser_dialog.h"
+#include "support/waits.h"
 
 #include <gtest/gtest.h>
 
@@ -85,7 +86,7 @@ class FileChooserDialogs : public ::testing::Test {
       names.sort();
       return names.contains(awaited);
     };
-    EXPECT_TRUE(QTest::qWaitFor(list, 10000)) << awaited.toStdString();
+    EXPECT_TRUE(WaitUntil(list)) << awaited.toStdString();
     return names;
   }
 

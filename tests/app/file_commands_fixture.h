@@ -133,9 +133,11 @@ class FileCommandsTest : public SettingsFileTest {
   [[nodiscard]] WindowRequests& Requests() const { return program->state.requests; }
   [[nodiscard]] bool AllWindowsAreToldOfTheSettings() const {
     const WindowRequests& asked = Requests();
-    return asked.mainRefresh && asked.terminalRefresh && asked.portNumberRefresh &&
-           asked.detailedListRefresh && asked.portSettingsRefresh && asked.commandFormatRefresh &&
-           asked.screenOptionRefresh && asked.mainOptionRefresh && asked.functionTableReload;
+    return asked.refresh.Contains(Window::MainDialog) && asked.refresh.Contains(Window::TerminalScreen) &&
+           asked.refresh.Contains(Window::PortNumber) && asked.refresh.Contains(Window::DetailedPortList) &&
+           asked.refresh.Contains(Window::PortSettings) && asked.refresh.Contains(Window::CommandFormat) &&
+           asked.refresh.Contains(Window::ScreenOption) && asked.refresh.Contains(Window::MainOption) &&
+           asked.refresh.Contains(Window::FunctionKeyTable);
   }
 
   Journal journal;

@@ -93,7 +93,7 @@ TEST_F(FileCommandsTest, NoAbandonsEveryCommandThatWouldLoseChanges) {
   EXPECT_EQ(BytesOf(inForce), user);
   EXPECT_EQ(program->settings.comPort, QStringLiteral("COM7"));
   EXPECT_TRUE(program->connection.connected);
-  EXPECT_FALSE(Requests().terminalClose);
+  EXPECT_FALSE(Requests().close.Contains(Window::TerminalScreen));
   EXPECT_EQ(window->calls, QStringList());
 }
 
@@ -165,7 +165,7 @@ TEST_F(FileCommandsTest, SaveAsCopiesWithoutAFurtherQuestionAndPutsTheFileInForc
   EXPECT_EQ(BytesOf(chooser.answer), WorkingBytes());
   EXPECT_EQ(program->userFile, chooser.answer);
   EXPECT_EQ(window->calls, QStringList{QStringLiteral("status ") + chooser.answer});
-  EXPECT_TRUE(Requests().mainRefresh);
+  EXPECT_TRUE(Requests().refresh.Contains(Window::MainDialog));
 }
 
 TEST_F(FileCommandsTest, SaveAsProposesTheFileInForceAndAsksNothingAboutChanges) {
@@ -248,16 +248,18 @@ TEST_F(FileCommandsTest, RestoreDefaultsAsksEveryOtherWindowToCloseButShowsTheTe
   messages->answers = {true};
   messages->whileShown = [this] {
     if (messages->shown.last() != kRestored) return;
-    EXPECT_TRUE(Requests().terminalClose);
+    EXPECT_TRUE(Requests().close.Contains(Window::TerminalScreen));
     // As the Terminal Screen does in its tick.
-    Requests().terminalClose = false;
+    Requests().close.Remove(Window::TerminalScreen);
   };
   commands->RestoreDefaults();
   const WindowRequests& requests = Requests();
-  EXPECT_TRUE(requests.portNumberClose && requests.detailedListClose && requests.commandFormatClose &&
-              requests.screenOptionClose && requests.mainOptionClose && requests.functionTableClose);
+  EXPECT_TRUE(
+      requests.close.Contains(Window::PortNumber) && requests.close.Contains(Window::DetailedPortList) &&
+      requests.close.Contains(Window::CommandFormat) && requests.close.Contains(Window::ScreenOption) &&
+      requests.close.Contains(Window::MainOption) && requests.close.Contains(Window::FunctionKeyTable));
   EXPECT_TRUE(AllWindowsAreToldOfTheSettings());
-  EXPECT_FALSE(requests.terminalClose);
+  EXPECT_FALSE(requests.close.Contains(Window::TerminalScreen));
   EXPECT_TRUE(requests.focus);
 }
 
@@ -267,7 +269,7 @@ TEST_F(FileCommandsTest, RestoreDefaultsWithAScreenThatIsNotWantedAsksItToClose)
     if (messages->shown.last() == kUndefined) program->settings.startDisp = QStringLiteral("OFF");
   };
   commands->RestoreDefaults();
-  EXPECT_TRUE(Requests().terminalClose);
+  EXPECT_TRUE(Requests().close.Contains(Window::TerminalScreen));
   EXPECT_FALSE(Requests().focus);
   EXPECT_EQ(window->calls, QStringList{QStringLiteral("status ")});
 }

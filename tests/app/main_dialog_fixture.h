@@ -6,6 +6,7 @@
 
 #include "app/app_fixture.h"
 #include "app/main_dialog.h"
+#include "support/waits.h"
 #include "ui/control.h"
 
 namespace quarn::test {
@@ -20,7 +21,7 @@ class MainDialog : public AppTest {
     dialog.UpdateMenuState();
     dialog.ShowUserFile();
     dialog.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&dialog));
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&dialog, kLongestWaitMs));
   }
   QAction* Action(int id) {
     for (QAction* action : dialog.findChildren<QAction*>()) {

@@ -8,6 +8,7 @@
 #include "serial/port_list.h"
 #include "settings/settings_table.h"
 #include "support/dialog_controls.h"
+#include "support/waits.h"
 #include "support/window_places.h"
 
 namespace quarn::test {
@@ -36,8 +37,8 @@ class MainDialogLive : public MainDialog {
   /// The main dialog has looked three times at what is asked of it.
   void LetItTick() {
     for (int i = 0; i < 3; ++i) {
-      program.state.requests.mainRefresh = true;
-      ASSERT_TRUE(QTest::qWaitFor([this] { return !program.state.requests.mainRefresh; }));
+      program.state.requests.refresh.Add(Window::MainDialog);
+      ASSERT_TRUE(WaitUntil([this] { return !program.state.requests.refresh.Contains(Window::MainDialog); }));
     }
   }
 };
@@ -67,14 +68,14 @@ class Clock final : public PolledDialog {
 TEST_F(MainDialogLive, SleepsUntilThePortsChange) {
   const PseudoTerminal port;
   ports.revision = 1;
-  ASSERT_TRUE(QTest::qWaitFor([this] { return dialog.Monitor().IsAtRest(); }, 10'000));
+  ASSERT_TRUE(WaitUntil([this] { return dialog.Monitor().IsAtRest(); }));
   const std::uint32_t before = dialog.Monitor().TickCount();
   const Clock clock;
-  ASSERT_TRUE(QTest::qWaitFor([&] { return clock.ticks >= 5; }));
+  ASSERT_TRUE(WaitUntil([&] { return clock.ticks >= 5; }));
   EXPECT_EQ(dialog.Monitor().TickCount(), before);
   PlugIn(QStringLiteral("COM3"), port);
   ports.revision = 2;
-  EXPECT_TRUE(QTest::qWaitFor([&] { return program.connection.portCount == 1; }));
+  EXPECT_TRUE(WaitUntil([&] { return program.connection.portCount == 1; }));
   EXPECT_EQ(Happened(), QStringList{"transient/COM port list has been updated."});
   EXPECT_GE(dialog.Monitor().TickCount(), before + 5) << "those that were slept over count";
 }
@@ -95,16 +96,16 @@ TEST_F(MainDialogLive, TheListFollowsAChoiceByNumber) {
   ASSERT_EQ(choices->currentText(), QStringLiteral("COM4"));
   Hit(number, 1006);
   EXPECT_EQ(Happened(), QStringList{"information/: Information//Successfully connected to  \"COM4\"/"});
-  EXPECT_TRUE(QTest::qWaitFor([&] { return row->isChecked(); }));
+  EXPECT_TRUE(WaitUntil([&] { return row->isChecked(); }));
   EXPECT_EQ(list.windowTitle(), QStringLiteral("Quarn - Detailed COM Port List  (COM4)  "));
   EXPECT_FALSE(set->isEnabled()) << "it is connected already";
-  EXPECT_TRUE(QTest::qWaitFor([&] { return dialog.windowTitle() == QStringLiteral("Quarn   (COM4)"); }));
+  EXPECT_TRUE(WaitUntil([&] { return dialog.windowTitle() == QStringLiteral("Quarn   (COM4)"); }));
   // And the other way round.
   Hit(list, 1031);
   EXPECT_TRUE(set->isEnabled());
   Hit(list, 1062);
   EXPECT_EQ(Happened(), QStringList{"information/: Information//Successfully connected to  \"COM3\"/"});
-  EXPECT_TRUE(QTest::qWaitFor([&] { return choices->currentText() == QStringLiteral("COM3"); }));
+  EXPECT_TRUE(WaitUntil([&] { return choices->currentText() == QStringLiteral("COM3"); }));
   EXPECT_EQ(number.windowTitle(), QStringLiteral("Quarn - COM Port Number (COM3)  "));
 }
 
@@ -117,10 +118,10 @@ TEST_F(MainDialogLive, RestoredDefaultsReachThePortDialogs) {
   ASSERT_EQ(rate->currentText(), QStringLiteral("19200"));
   messages.answers = {true};
   Action(32799)->trigger();
-  EXPECT_TRUE(
-      QTest::qWaitFor([&] { return Shown("CPortNum").isEmpty() && Shown("CPortDetails").isEmpty(); }));
-  EXPECT_FALSE(program.state.open.portNumber || program.state.open.detailedPortList);
-  EXPECT_TRUE(QTest::qWaitFor([&] { return rate->currentText() == QStringLiteral("9600"); }));
+  EXPECT_TRUE(WaitUntil([&] { return Shown("CPortNum").isEmpty() && Shown("CPortDetails").isEmpty(); }));
+  EXPECT_FALSE(program.state.open.Contains(Window::PortNumber) ||
+               program.state.open.Contains(Window::DetailedPortList));
+  EXPECT_TRUE(WaitUntil([&] { return rate->currentText() == QStringLiteral("9600"); }));
   EXPECT_TRUE(settings.isVisible());
   EXPECT_EQ(settings.windowTitle(), QStringLiteral("Quarn - COM Port Settings  (9600, 8, None, 1)"));
 }

@@ -7,6 +7,7 @@
 #include <QTimer>
 
 #include "app/main_dialog_fixture.h"
+#include "support/waits.h"
 #include "support/window_places.h"
 #include "ui/placement.h"
 
@@ -75,7 +76,7 @@ TEST_F(MainDialog, EnablesWhatCanBeUsed) {
   program.state.currentPortName = QStringLiteral("COM3");
   check({"closed", "user file", "port"});
   program.connection.connected = true;
-  program.state.open.terminalScreen = true;
+  program.state.open.Add(Window::TerminalScreen);
   check({"user file", "connected"});
 }
 
@@ -120,7 +121,7 @@ TEST_F(MainDialog, HeadingIsBold) {
 TEST_F(MainDialog, SwitchActsOnlyWithTheFocus) {
   Switch().clearFocus();
   Switch().click();
-  EXPECT_FALSE(program.state.open.terminalScreen);
+  EXPECT_FALSE(program.state.open.Contains(Window::TerminalScreen));
 }
 
 TEST_F(MainDialog, EnterAndEscapeDoNothing) {
@@ -129,24 +130,24 @@ TEST_F(MainDialog, EnterAndEscapeDoNothing) {
     Switch().setFocus();
     QTest::keyClick(&Switch(), key);
     EXPECT_TRUE(dialog.isVisible());
-    EXPECT_FALSE(program.state.open.terminalScreen);
+    EXPECT_FALSE(program.state.open.Contains(Window::TerminalScreen));
   }
 }
 
 TEST_F(MainDialog, SpaceOnTheSwitchOpensTheTerminalScreen) {
   Switch().setFocus();
   QTest::keyClick(dialog.windowHandle(), Qt::Key_Space);
-  EXPECT_TRUE(program.state.open.terminalScreen);
+  EXPECT_TRUE(program.state.open.Contains(Window::TerminalScreen));
 }
 
 TEST_F(MainDialog, KeysGoToTheTerminalScreenWhileItIsOpen) {
-  program.state.open.terminalScreen = true;
+  program.state.open.Add(Window::TerminalScreen);
   Switch().setFocus();
   for (const auto key : {Qt::Key_Space, Qt::Key_A, Qt::Key_Return, Qt::Key_F1}) {
     program.state.requests.focus = false;
     QTest::keyClick(dialog.windowHandle(), key);
     EXPECT_TRUE(program.state.requests.focus) << key;
-    EXPECT_TRUE(program.state.open.terminalScreen) << "the switch saw key " << key;
+    EXPECT_TRUE(program.state.open.Contains(Window::TerminalScreen)) << "the switch saw key " << key;
   }
   program.state.requests.focus = false;
   QTest::keyClick(dialog.windowHandle(), Qt::Key_F, Qt::AltModifier);
@@ -169,7 +170,7 @@ TEST_F(MainDialog, TheMenuKeyGoesToTheTerminalScreenWhileItIsOpen) {
     QApplication::sendEvent(dialog.windowHandle(), &event);
     QCoreApplication::processEvents();
   };
-  program.state.open.terminalScreen = true;
+  program.state.open.Add(Window::TerminalScreen);
   ask(QContextMenuEvent::Keyboard);
   EXPECT_TRUE(program.state.requests.focus);
   EXPECT_EQ(menus, 0);
@@ -191,8 +192,8 @@ TEST_F(MainDialog, RefreshRequestIsHandledAtTheNextTick) {
   dialog.StartTimer();
   program.state.currentPortName = QStringLiteral("COM7");
   program.userFile = QStringLiteral("/x.qrn");
-  program.state.requests.mainRefresh = true;
-  EXPECT_TRUE(QTest::qWaitFor([&] { return !program.state.requests.mainRefresh; }));
+  program.state.requests.refresh.Add(Window::MainDialog);
+  EXPECT_TRUE(WaitUntil([&] { return !program.state.requests.refresh.Contains(Window::MainDialog); }));
   EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Quarn   (COM7-NC)"));
   EXPECT_TRUE(Action(32805)->isEnabled());
   EXPECT_EQ(Control<QLabel>(1075)->text(), QDir::toNativeSeparators(QStringLiteral("( /x.qrn )")));

@@ -7,6 +7,7 @@
 #include "app/dialog_placement.h"
 #include "app/main_dialog_fixture.h"
 #include "dialogs/terminal/terminal_screen.h"
+#include "support/waits.h"
 #include "support/window_places.h"
 #include "ui/placement.h"
 
@@ -22,17 +23,17 @@ TEST_F(MainDialog, OpensEachDialogOfThePortMenuOnce) {
     ASSERT_EQ(Shown(name).size(), 1) << name;
     QWidget* first = Shown(name).first();
     dialog.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog, kLongestWaitMs));
     Action(id)->trigger();
     EXPECT_EQ(Shown(name), QList<QWidget*>{first}) << name;
-    EXPECT_TRUE(QTest::qWaitForWindowActive(first)) << name;
+    EXPECT_TRUE(QTest::qWaitForWindowActive(first, kLongestWaitMs)) << name;
     first->close();
-    ASSERT_TRUE(QTest::qWaitFor([&, name = name] { return Shown(name).isEmpty(); })) << name;
+    ASSERT_TRUE(WaitUntil([&, name = name] { return Shown(name).isEmpty(); })) << name;
     Action(id)->trigger();
     EXPECT_EQ(Shown(name).size(), 1) << name;
   }
-  EXPECT_TRUE(program.state.open.portNumber);
-  EXPECT_TRUE(program.state.open.detailedPortList);
+  EXPECT_TRUE(program.state.open.Contains(Window::PortNumber));
+  EXPECT_TRUE(program.state.open.Contains(Window::DetailedPortList));
 }
 
 TEST_F(MainDialog, PortNumberDialogComesUpBelow) {
@@ -48,8 +49,8 @@ TEST_F(MainDialog, PortNumberDialogComesUpBelow) {
 TEST_F(MainDialog, PortDialogThatWasToldToCloseStaysWhenItIsWantedAgain) {
   for (const auto& [id, name] : {std::pair{32791, "CPortNum"}, {32792, "CPortDetails"}}) {
     Action(id)->trigger();
-    program.state.requests.portNumberClose = true;
-    program.state.requests.detailedListClose = true;
+    program.state.requests.close.Add(Window::PortNumber);
+    program.state.requests.close.Add(Window::DetailedPortList);
     Action(id)->trigger();
     QTest::qWait(2 * PolledDialog::kTickMs);
     EXPECT_EQ(Shown(name).size(), 1) << name;
@@ -63,26 +64,26 @@ TEST_F(MainDialog, DetailedListDoesNotOpenForTooManyPorts) {
             QStringList{"information/: Information//Too many COM ports to display in the detailed list. "
                         "/Select a COM port from the \"COM Port Number\" dialog."});
   EXPECT_TRUE(Shown("CPortDetails").isEmpty());
-  EXPECT_FALSE(program.state.open.detailedPortList);
+  EXPECT_FALSE(program.state.open.Contains(Window::DetailedPortList));
 }
 
 TEST_F(MainDialog, SwitchOpensAndClosesTheTerminalScreen) {
   EXPECT_EQ(Switch().text(), QStringLiteral("ON"));
   QTest::mouseClick(&Switch(), Qt::LeftButton);
-  EXPECT_TRUE(program.state.open.terminalScreen);
+  EXPECT_TRUE(program.state.open.Contains(Window::TerminalScreen));
   ASSERT_NE(TerminalScreen(), nullptr);
   EXPECT_EQ(Switch().text(), QStringLiteral("OFF"));
-  EXPECT_TRUE(program.state.requests.mainRefresh);
+  EXPECT_TRUE(program.state.requests.refresh.Contains(Window::MainDialog));
   QTest::mouseClick(&Switch(), Qt::LeftButton);
-  EXPECT_FALSE(program.state.open.terminalScreen);
+  EXPECT_FALSE(program.state.open.Contains(Window::TerminalScreen));
   EXPECT_EQ(Switch().text(), QStringLiteral("ON"));
-  EXPECT_TRUE(QTest::qWaitFor([&] { return TerminalScreen() == nullptr; }));
+  EXPECT_TRUE(WaitUntil([&] { return TerminalScreen() == nullptr; }));
 }
 
 TEST_F(MainDialog, TwoQuickClicksLeaveOneTerminalScreen) {
   for (int i = 0; i < 3; ++i) QTest::mouseClick(&Switch(), Qt::LeftButton);  // open, close, open
-  EXPECT_TRUE(program.state.open.terminalScreen);
-  EXPECT_TRUE(QTest::qWaitFor([&] {
+  EXPECT_TRUE(program.state.open.Contains(Window::TerminalScreen));
+  EXPECT_TRUE(WaitUntil([&] {
     int visible = 0;
     for (QWidget* widget : QApplication::topLevelWidgets()) {
       if (widget->isVisible() && widget->windowTitle().startsWith("Quarn - Terminal")) ++visible;
@@ -91,7 +92,7 @@ TEST_F(MainDialog, TwoQuickClicksLeaveOneTerminalScreen) {
   }));
   QTest::qWait(3 * PolledDialog::kTickMs);  // nothing that was asked of the first one hits the second
   EXPECT_NE(TerminalScreen(), nullptr);
-  EXPECT_TRUE(program.state.open.terminalScreen);
+  EXPECT_TRUE(program.state.open.Contains(Window::TerminalScreen));
 }
 
 TEST_F(MainDialog, OpensTheFunctionKeyTableOnce) {
@@ -99,16 +100,16 @@ TEST_F(MainDialog, OpensTheFunctionKeyTableOnce) {
   QAction* item = Action(32777);
   EXPECT_TRUE(item->isEnabled());
   item->trigger();
-  EXPECT_TRUE(program.state.open.functionKeyTable);
-  EXPECT_TRUE(program.state.requests.mainRefresh);
+  EXPECT_TRUE(program.state.open.Contains(Window::FunctionKeyTable));
+  EXPECT_TRUE(program.state.requests.refresh.Contains(Window::MainDialog));
   QWidget* table = FunctionKeyTable();
   ASSERT_NE(table, nullptr);
-  EXPECT_TRUE(QTest::qWaitFor([&] { return !item->isEnabled(); }));
+  EXPECT_TRUE(WaitUntil([&] { return !item->isEnabled(); }));
   ASSERT_TRUE(FrameIsThere(*table));
   table->move(150, 90);
   ASSERT_TRUE(StandsAt(*table, [] { return QPoint(150, 90); }));
   table->close();
-  EXPECT_TRUE(QTest::qWaitFor([&] { return item->isEnabled() && FunctionKeyTable() == nullptr; }));
+  EXPECT_TRUE(WaitUntil([&] { return item->isEnabled() && FunctionKeyTable() == nullptr; }));
   item->trigger();
   ASSERT_NE(FunctionKeyTable(), nullptr);
   EXPECT_TRUE(StandsAt(*FunctionKeyTable(), [] { return QPoint(150, 90); }));
@@ -142,8 +143,7 @@ TEST_F(MainDialog, EndsWithoutAWordFromAFunctionKeyTableInEditMode) {
 
 TEST_F(MainDialog, ANewTerminalScreenForgetsWhatWasAskedBefore) {
   program.settings.mem[4] = QStringLiteral("stored");
-  program.state.requests.functionKey = true;
-  program.state.requests.functionKeyIndex = 4;
+  program.state.requests.functionKey = 4;
   program.state.requests.send = true;
   program.state.requests.sendAction = true;
   dialog.OpenTerminalScreen();
@@ -164,10 +164,10 @@ TEST_F(MainDialog, TheOptionMenuOpensEachDialogOnce) {
     const QList<QWidget*> first = Windows(title);
     ASSERT_EQ(first.size(), 1);
     dialog.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog, kLongestWaitMs));
     Action(id)->trigger();
     EXPECT_EQ(Windows(title), first);
-    EXPECT_TRUE(QTest::qWaitForWindowActive(first.front()));
+    EXPECT_TRUE(QTest::qWaitForWindowActive(first.front(), kLongestWaitMs));
     first.front()->close();
     EXPECT_TRUE(Windows(title).isEmpty());
     Action(id)->trigger();
@@ -186,8 +186,8 @@ TEST_F(MainDialog, CommandFormatStandsBesideIt) {
   EXPECT_TRUE(StandsAt(*format, [&] {
     return PlaceBeside({dialog.pos(), OuterSize(dialog)}, OuterSize(*format), screen);
   }));
-  program.state.requests.commandFormatClose = true;
-  EXPECT_TRUE(QTest::qWaitFor([&] { return !program.state.open.commandFormat; }));
+  program.state.requests.close.Add(Window::CommandFormat);
+  EXPECT_TRUE(WaitUntil([&] { return !program.state.open.Contains(Window::CommandFormat); }));
 }
 
 TEST_F(MainDialog, ListAndOptionsLeaveItsMenusInReach) {

@@ -24,8 +24,9 @@ class PortMonitorTest : public AppTest {
   }
   bool ConnectionRefreshesRaised() {
     const WindowRequests& asked = program.state.requests;
-    return asked.mainRefresh && asked.terminalRefresh && asked.portNumberRefresh &&
-           asked.detailedListRefresh && asked.portSettingsRefresh;
+    return asked.refresh.Contains(Window::MainDialog) && asked.refresh.Contains(Window::TerminalScreen) &&
+           asked.refresh.Contains(Window::PortNumber) && asked.refresh.Contains(Window::DetailedPortList) &&
+           asked.refresh.Contains(Window::PortSettings);
   }
 
   PortMonitor monitor{program, window};

@@ -112,7 +112,7 @@ TEST_F(PortMonitorTest, ComparesTheCountAlone) {
   monitor.Tick();
   EXPECT_EQ(Happened(), QStringList());
   EXPECT_EQ(program.connection.portNames[1], QStringLiteral("COM3"));
-  EXPECT_FALSE(program.state.requests.mainRefresh);
+  EXPECT_FALSE(program.state.requests.refresh.Contains(Window::MainDialog));
 }
 
 TEST_F(PortMonitorTest, KeepsTheListWhenItCannotBeHad) {
@@ -231,14 +231,14 @@ TEST_F(PortMonitorTest, ThirtyOnePortsCloseTheDetailedList) {
   ports.names = Ports(30);
   StartMonitor();
   EXPECT_FALSE(program.state.tooManyPorts);
-  program.state.open.detailedPortList = true;
+  program.state.open.Add(Window::DetailedPortList);
   ports.names = Ports(31);
   monitor.Tick();
   EXPECT_EQ(Happened(),
             QStringList{"information/: Information//Too many COM ports to display in the detailed "
                         "list./The \"Detailed COM Port List\" will be closed."});
   EXPECT_TRUE(program.state.tooManyPorts);
-  EXPECT_TRUE(program.state.requests.detailedListClose);
+  EXPECT_TRUE(program.state.requests.close.Contains(Window::DetailedPortList));
   EXPECT_EQ(program.connection.portCount, 31);
   EXPECT_TRUE(ConnectionRefreshesRaised());
   EXPECT_EQ(indicator.depth, 0);
@@ -255,7 +255,7 @@ TEST_F(PortMonitorTest, ThirtyOnePortsAreListedSilentlyWithoutTheDetailedList) {
   monitor.Tick();
   EXPECT_EQ(Happened(), QStringList());
   EXPECT_TRUE(program.state.tooManyPorts);
-  EXPECT_FALSE(program.state.requests.detailedListClose);
+  EXPECT_FALSE(program.state.requests.close.Contains(Window::DetailedPortList));
 }
 
 TEST_F(PortMonitorTest, ListsTooManyAtTheStart) {

@@ -97,7 +97,7 @@ TEST_F(CommandFormat, ARefusedSpeedStaysWhatItWas) {
   Open();
   messages.whileShown = [&] {
     // The dialog waits with all that is asked of it until the message is gone.
-    state.requests.commandFormatClose = true;
+    state.requests.close.Add(Window::CommandFormat);
     QTest::qWait(3 * PolledDialog::kTickMs);
     EXPECT_TRUE(dialog);
   };
@@ -120,8 +120,8 @@ TEST_F(CommandFormat, ShowsTheSettingsAndAgainOnRequest) {
   settings.portSpeed = QStringLiteral("LOW");
   settings.rTimeout = QStringLiteral("ON");
   dialog->setWindowTitle(QString());
-  state.requests.commandFormatRefresh = true;
-  EXPECT_TRUE(Until([&] { return !state.requests.commandFormatRefresh; }));
+  state.requests.refresh.Add(Window::CommandFormat);
+  EXPECT_TRUE(Until([&] { return !state.requests.refresh.Contains(Window::CommandFormat); }));
   EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Quarn - Command Format"));
   EXPECT_EQ(Checked(), (QList<int>{1018, 1020, 1087, 1088}));
   EXPECT_FALSE(Written());
@@ -153,9 +153,7 @@ TEST_F(CommandFormat, KeysChooseAsTheMouseDoes) {
   EXPECT_NE(settings.rTimeout, former);
 }
 
-TEST_F(CommandFormat, ClosesInEveryWay) {
-  ExpectClosing(&OpenWindows::commandFormat, &WindowRequests::commandFormatClose, 1013);
-}
+TEST_F(CommandFormat, ClosesInEveryWay) { ExpectClosing(Window::CommandFormat, 1013); }
 
 TEST_F(CommandFormat, ClipsNothingWithAnyFont) {
   for (const int percent : {100, 150}) {

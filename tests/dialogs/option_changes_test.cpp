@@ -78,23 +78,23 @@ TEST_F(OptionChanges, WhatAFailedOpenLeftBehindIsNoOpenPort) {
 }
 
 TEST_F(OptionChanges, TheLengthInForceAsksNothing) {
-  state.open.terminalScreen = true;
+  state.open.Add(Window::TerminalScreen);
   settings.inputMax = QStringLiteral("M");
   Length("M");
   EXPECT_TRUE(messages.shown.isEmpty());
   EXPECT_FALSE(Written());
-  EXPECT_FALSE(state.requests.terminalRefresh);
+  EXPECT_FALSE(state.requests.refresh.Contains(Window::TerminalScreen));
 }
 
 TEST_F(OptionChanges, YesSetsTheLengthClearsTheLogAndRebuilds) {
-  state.open.terminalScreen = true;
+  state.open.Add(Window::TerminalScreen);
   settings.inputMax = QStringLiteral("N");
   messages.answers = {true};
   Length("W");
   EXPECT_EQ(messages.shown.size(), 1);
   EXPECT_EQ(settings.inputMax, QStringLiteral("W"));
   EXPECT_TRUE(state.requests.clearLog);
-  EXPECT_TRUE(state.requests.terminalRefresh);
+  EXPECT_TRUE(state.requests.refresh.Contains(Window::TerminalScreen));
   EXPECT_EQ(ReadValue(Context().workingSettingsFile, keys::kInputMax), QStringLiteral("W"));
 }
 
@@ -112,7 +112,7 @@ TEST_F(OptionChanges, WhatTheNextStartCouldNotReadIsNotWritten) {
   Fill(SoundFileOfSize(16384));
   messages.whileShown = [&] {
     EXPECT_EQ(settings.bkColor, QStringLiteral("SYSTEM"));
-    EXPECT_TRUE(state.requests.terminalRefresh);
+    EXPECT_TRUE(state.requests.refresh.Contains(Window::TerminalScreen));
   };
   StoreShownOption(Context(), kColour, QStringLiteral("SYSTEM"));
   EXPECT_EQ(messages.shown, QStringList{kTooLong});

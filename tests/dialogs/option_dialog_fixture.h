@@ -79,20 +79,23 @@ class OptionDialogFixture : public DialogFixture {
     return order;
   }
   /// OK, Enter, Escape, the close box and a request each close it and clear its flag.
-  void ExpectClosing(bool OpenWindows::*open, bool WindowRequests::*close, int okId) {
+  void ExpectClosing(Window window, int okId) {
     const std::vector<std::function<void()>> ways{
-        [&] { Click(okId); },     [&] { Press(Qt::Key_Return); },        [&] { Press(Qt::Key_Escape); },
-        [&] { dialog->close(); }, [&] { state.requests.*close = true; },
+        [&] { Click(okId); },
+        [&] { Press(Qt::Key_Return); },
+        [&] { Press(Qt::Key_Escape); },
+        [&] { dialog->close(); },
+        [&] { state.requests.close.Add(window); },
     };
     for (const auto& way : ways) {
-      state.requests.*close = true;  // meant for an earlier one
+      state.requests.close.Add(window);  // meant for an earlier one
       Open();
-      EXPECT_TRUE(state.open.*open);
-      EXPECT_FALSE(state.requests.*close);
+      EXPECT_TRUE(state.open.Contains(window));
+      EXPECT_FALSE(state.requests.close.Contains(window));
       way();
       EXPECT_TRUE(Until([&] { return dialog.isNull(); }));
-      EXPECT_FALSE(state.open.*open);
-      EXPECT_FALSE(state.requests.*close);
+      EXPECT_FALSE(state.open.Contains(window));
+      EXPECT_FALSE(state.requests.close.Contains(window));
     }
     EXPECT_FALSE(Written());
   }

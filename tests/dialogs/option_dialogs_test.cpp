@@ -41,10 +41,10 @@ TEST_F(ScreenOption, EveryBoxWritesItsKey) {
     const bool on = settings.*box.field == u"ON";
     const QByteArray line = QByteArray(box.key) + (settings.*box.field).toLatin1();
     EXPECT_EQ(Button(box.id).isChecked(), on) << box.text;
-    state.requests.terminalRefresh = false;
+    state.requests.refresh.Remove(Window::TerminalScreen);
     ExpectChoice({box.id, box.text, line, box.key + QByteArray(on ? "OFF" : "ON")});
     EXPECT_EQ(settings.*box.field, on ? QStringLiteral("OFF") : QStringLiteral("ON"));
-    EXPECT_EQ(state.requests.terminalRefresh, box.shown) << box.text;
+    EXPECT_EQ(state.requests.refresh.Contains(Window::TerminalScreen), box.shown) << box.text;
     Click(box.id);
     EXPECT_EQ(File(), before);
   }
@@ -81,9 +81,9 @@ TEST_F(ScreenOption, AColourRepaintsTheTerminalScreen) {
            {1068, "System", "BK_COLOR=NAVY", "BK_COLOR=SYSTEM"},
            {1073, "Navy", "BK_COLOR=NAVY", "BK_COLOR=NAVY"},
        }) {
-    state.requests.terminalRefresh = false;
+    state.requests.refresh.Remove(Window::TerminalScreen);
     ExpectChoice(choice);
-    EXPECT_TRUE(state.requests.terminalRefresh);
+    EXPECT_TRUE(state.requests.refresh.Contains(Window::TerminalScreen));
     EXPECT_EQ("BK_COLOR=" + settings.bkColor.toLatin1(), choice.chosen);
     for (const int id : {1068, 1069, 1073}) EXPECT_EQ(Button(id).isChecked(), id == choice.id) << id;
   }
@@ -101,12 +101,12 @@ TEST_F(ScreenOption, LengthsAreWrittenWithoutAQuestionWhileTheTerminalScreenIsCl
   EXPECT_EQ(settings.inputMax, QStringLiteral("N"));
   EXPECT_TRUE(messages.shown.isEmpty());
   EXPECT_FALSE(state.requests.clearLog);
-  EXPECT_TRUE(state.requests.terminalRefresh);
+  EXPECT_TRUE(state.requests.refresh.Contains(Window::TerminalScreen));
 }
 
 TEST_F(ScreenOption, NoLeavesTheLengthAsItWas) {
   settings.inputMax = QStringLiteral("N");
-  state.open.terminalScreen = true;
+  state.open.Add(Window::TerminalScreen);
   Open();
   messages.whileShown = [&] {
     EXPECT_TRUE(Button(1067).isChecked());
@@ -121,12 +121,12 @@ TEST_F(ScreenOption, NoLeavesTheLengthAsItWas) {
   EXPECT_FALSE(Button(1067).isChecked());
   EXPECT_EQ(dialog->focusWidget(), &Button(1065)) << "the focus is on the button that is checked";
   EXPECT_FALSE(state.requests.clearLog);
-  EXPECT_FALSE(state.requests.terminalRefresh);
+  EXPECT_FALSE(state.requests.refresh.Contains(Window::TerminalScreen));
 }
 
 TEST_F(ScreenOption, NoToAKeyLeavesTheLengthAsItWas) {
   settings.inputMax = QStringLiteral("N");
-  state.open.terminalScreen = true;
+  state.open.Add(Window::TerminalScreen);
   Open();
   const QList<int> checked = Checked();
   Button(1065).setFocus();
@@ -140,7 +140,7 @@ TEST_F(ScreenOption, NoToAKeyLeavesTheLengthAsItWas) {
 
 TEST_F(ScreenOption, NoLeavesALengthThatNoButtonStandsFor) {
   settings.inputMax = QStringLiteral("?");
-  state.open.terminalScreen = true;
+  state.open.Add(Window::TerminalScreen);
   Open();
   const QList<int> checked = Checked();
   Click(1066);
@@ -153,10 +153,10 @@ TEST_F(ScreenOption, NoLeavesALengthThatNoButtonStandsFor) {
 
 TEST_F(ScreenOption, ACloseRequestWaitsForTheAnswer) {
   settings.inputMax = QStringLiteral("N");
-  state.open.terminalScreen = true;
+  state.open.Add(Window::TerminalScreen);
   Open();
   messages.whileShown = [&] {
-    state.requests.screenOptionClose = true;
+    state.requests.close.Add(Window::ScreenOption);
     QTest::qWait(3 * PolledDialog::kTickMs);
     EXPECT_TRUE(dialog);
   };
@@ -170,8 +170,8 @@ TEST_F(ScreenOption, ShowsTheSettingsAndAgainOnRequest) {
   settings.lineNum = QStringLiteral("ON");
   settings.inputMax = QStringLiteral("M");
   settings.bkColor = QStringLiteral("SYSTEM");
-  state.requests.screenOptionRefresh = true;
-  EXPECT_TRUE(Until([&] { return !state.requests.screenOptionRefresh; }));
+  state.requests.refresh.Add(Window::ScreenOption);
+  EXPECT_TRUE(Until([&] { return !state.requests.refresh.Contains(Window::ScreenOption); }));
   EXPECT_EQ(Checked(), (QList<int>{1066, 1068, 1072}));
   EXPECT_FALSE(Written());
 }
@@ -182,9 +182,7 @@ TEST_F(ScreenOption, TabFollowsTheReadingOrder) {
   EXPECT_EQ(TabOrder(), (QList<int>{1070, 1071, 1072, 1075, 1074, 1065, 1073, 1}));
 }
 
-TEST_F(ScreenOption, ClosesInEveryWay) {
-  ExpectClosing(&OpenWindows::terminalScreenOption, &WindowRequests::screenOptionClose, 1);
-}
+TEST_F(ScreenOption, ClosesInEveryWay) { ExpectClosing(Window::ScreenOption, 1); }
 
 TEST_F(ScreenOption, ClipsNothingWithAnyFont) {
   for (const int percent : {100, 150}) {
@@ -207,7 +205,7 @@ TEST_F(MainOption, WritesThePosition) {
   EXPECT_EQ(Checked(), QList<int>{1074});
   ExpectChoice({1073, "TOP - LEFT", "MAIN_POS=TL", "MAIN_POS=TL"});
   EXPECT_EQ(Checked(), QList<int>{1073});
-  EXPECT_FALSE(state.requests.mainRefresh);
+  EXPECT_FALSE(state.requests.refresh.Contains(Window::MainDialog));
 }
 
 TEST_F(MainOption, TabReachesTheChosenButton) {
@@ -215,8 +213,8 @@ TEST_F(MainOption, TabReachesTheChosenButton) {
   Open();
   EXPECT_EQ(TabOrder(), (QList<int>{1074, 1}));
   settings.mainPos = QStringLiteral("TL");
-  state.requests.mainOptionRefresh = true;
-  EXPECT_TRUE(Until([&] { return !state.requests.mainOptionRefresh; }));
+  state.requests.refresh.Add(Window::MainOption);
+  EXPECT_TRUE(Until([&] { return !state.requests.refresh.Contains(Window::MainOption); }));
   Button(1).setFocus();
   EXPECT_EQ(TabOrder(), (QList<int>{1073, 1}));
 }
@@ -237,14 +235,12 @@ TEST_F(MainOption, ShowsTheSettingsAgainOnRequest) {
   Open();
   EXPECT_EQ(Checked(), QList<int>{1073});
   settings.mainPos = QStringLiteral("TR");
-  state.requests.mainOptionRefresh = true;
-  EXPECT_TRUE(Until([&] { return !state.requests.mainOptionRefresh; }));
+  state.requests.refresh.Add(Window::MainOption);
+  EXPECT_TRUE(Until([&] { return !state.requests.refresh.Contains(Window::MainOption); }));
   EXPECT_EQ(Checked(), QList<int>{1074});
 }
 
-TEST_F(MainOption, ClosesInEveryWay) {
-  ExpectClosing(&OpenWindows::mainDialogOption, &WindowRequests::mainOptionClose, 1);
-}
+TEST_F(MainOption, ClosesInEveryWay) { ExpectClosing(Window::MainOption, 1); }
 
 TEST_F(MainOption, ClipsNothingWithAnyFont) {
   for (const int percent : {100, 150}) {

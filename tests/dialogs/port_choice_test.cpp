@@ -16,8 +16,11 @@ class PortChoiceTest : public PortDialogTest {
   }
   bool AllRefreshesAreRaised() {
     const WindowRequests& requests = program.state.requests;
-    return requests.mainRefresh && requests.terminalRefresh && requests.portNumberRefresh &&
-           requests.detailedListRefresh && requests.portSettingsRefresh;
+    return requests.refresh.Contains(Window::MainDialog) &&
+           requests.refresh.Contains(Window::TerminalScreen) &&
+           requests.refresh.Contains(Window::PortNumber) &&
+           requests.refresh.Contains(Window::DetailedPortList) &&
+           requests.refresh.Contains(Window::PortSettings);
   }
 };
 

@@ -1,6 +1,7 @@
 #include "dialogs/serial/port_details_dialog.h"
 
 #include "dialogs/port_details_fixture.h"
+#include "support/waits.h"
 
 namespace quarn::test {
 namespace {
@@ -12,10 +13,10 @@ TEST_F(PortDetailsDialog, MarksTheCurrentPort) {
   Plug("COM3");
   Plug("COM12");
   ConnectTo("COM12");
-  program.state.requests.detailedListClose = true;
+  program.state.requests.close.Add(Window::DetailedPortList);
   Open();
-  EXPECT_TRUE(program.state.open.detailedPortList);
-  EXPECT_FALSE(program.state.requests.detailedListClose);
+  EXPECT_TRUE(program.state.open.Contains(Window::DetailedPortList));
+  EXPECT_FALSE(program.state.requests.close.Contains(Window::DetailedPortList));
   EXPECT_EQ(Checked(), QList<int>{1});
   EXPECT_FALSE(Button(kSetId).isEnabled());
   EXPECT_EQ(window->windowTitle(), "Quarn - Detailed COM Port List  (COM12)  ");
@@ -211,14 +212,15 @@ TEST_F(PortDetailsDialog, WithTheLastPortGoneOnlyTheStatusLineIsLeft) {
 TEST_F(PortDetailsDialog, AListChangeIsLeftForTheNextOneWhenItCloses) {
   ListOnly(2);
   Open();
-  program.state.requests.detailedListRefresh = true;
-  program.state.requests.detailedListClose = true;
+  program.state.requests.refresh.Add(Window::DetailedPortList);
+  program.state.requests.close.Add(Window::DetailedPortList);
   EXPECT_TRUE(IsGone());
-  EXPECT_TRUE(program.state.requests.detailedListRefresh);
+  EXPECT_TRUE(program.state.requests.refresh.Contains(Window::DetailedPortList));
   ListOnly(3);
   Open();
-  EXPECT_TRUE(program.state.requests.detailedListRefresh) << "its first look lowers it";
-  EXPECT_TRUE(QTest::qWaitFor([&] { return !program.state.requests.detailedListRefresh; }));
+  EXPECT_TRUE(program.state.requests.refresh.Contains(Window::DetailedPortList))
+      << "its first look lowers it";
+  EXPECT_TRUE(WaitUntil([&] { return !program.state.requests.refresh.Contains(Window::DetailedPortList); }));
   EXPECT_EQ(RowsShown(), 3);
 }
 
@@ -257,8 +259,8 @@ TEST_F(PortDetailsDialog, OkWithoutAChangeClosesWithoutAQuestion) {
   Press(Qt::Key_Return);
   EXPECT_TRUE(IsGone());
   EXPECT_EQ(Happened(), QStringList());
-  EXPECT_FALSE(program.state.open.detailedPortList);
-  EXPECT_TRUE(program.state.requests.mainRefresh);
+  EXPECT_FALSE(program.state.open.Contains(Window::DetailedPortList));
+  EXPECT_TRUE(program.state.requests.refresh.Contains(Window::MainDialog));
 }
 
 TEST_F(PortDetailsDialog, OkAsksBeforeItConnects) {
@@ -280,14 +282,14 @@ TEST_F(PortDetailsDialog, ClosesByItsBoxAndByRequest) {
   for (const int way : {0, 1, 2}) {
     ListOnly(2);
     Open();
-    program.state.requests.mainRefresh = false;
+    program.state.requests.refresh.Remove(Window::MainDialog);
     if (way == 0) Press(Qt::Key_Escape);
     if (way == 1) window->close();
-    if (way == 2) program.state.requests.detailedListClose = true;
+    if (way == 2) program.state.requests.close.Add(Window::DetailedPortList);
     EXPECT_TRUE(IsGone()) << way;
-    EXPECT_FALSE(program.state.open.detailedPortList) << way;
-    EXPECT_FALSE(program.state.requests.detailedListClose) << way;
-    EXPECT_EQ(program.state.requests.mainRefresh, way == 2) << way;
+    EXPECT_FALSE(program.state.open.Contains(Window::DetailedPortList)) << way;
+    EXPECT_FALSE(program.state.requests.close.Contains(Window::DetailedPortList)) << way;
+    EXPECT_EQ(program.state.requests.refresh.Contains(Window::MainDialog), way == 2) << way;
   }
 }
 
@@ -298,7 +300,7 @@ TEST_F(PortDetailsDialog, NothingSlipsIntoAConnectThatIsUnderWay) {
   ClickRadio(0);
   whileShown = [this] {
     ASSERT_TRUE(window);
-    program.state.requests.detailedListClose = true;
+    program.state.requests.close.Add(Window::DetailedPortList);
     Button(kSetId).click();
     Button(kOkId).click();
     QTest::keyClick(window, Qt::Key_Escape);

@@ -4,6 +4,7 @@
 
 #include "dialogs/port_dialog_fixture.h"
 #include "dialogs/serial/port_details_dialog.h"
+#include "support/waits.h"
 #include "ui/placement.h"
 
 namespace quarn::test {
@@ -31,7 +32,7 @@ class PortDetailsDialog : public PortDialogTest {
   QString Status() { return Control<QLabel>(*window, kStatusId)->text(); }
   /// The window manager tells the frame after a while only.
   bool BecomesHigh(int height) {
-    return QTest::qWaitFor([&] { return OuterSize(*window).height() == height; });
+    return WaitUntil([&] { return OuterSize(*window).height() == height; });
   }
   int RowsShown() {
     int shown = 0;
@@ -47,8 +48,9 @@ class PortDetailsDialog : public PortDialogTest {
   }
   /// Tells it that the list has changed, and waits until it has looked.
   void AskForTheList() {
-    program.state.requests.detailedListRefresh = true;
-    ASSERT_TRUE(QTest::qWaitFor([this] { return !program.state.requests.detailedListRefresh; }));
+    program.state.requests.refresh.Add(Window::DetailedPortList);
+    ASSERT_TRUE(
+        WaitUntil([this] { return !program.state.requests.refresh.Contains(Window::DetailedPortList); }));
   }
   void ClickRadio(int row) {
     QTest::mouseClick(&Radio(row), Qt::LeftButton, {}, QPoint(8, Radio(row).height() / 2));

@@ -6,6 +6,7 @@
 
 #include "dialogs/port_details_fixture.h"
 #include "dialogs/serial/port_rules.h"
+#include "support/waits.h"
 #include "ui/placement.h"
 
 namespace quarn::test {
@@ -54,8 +55,8 @@ TEST_F(PortDetailsDialog, HeightFollowsTheRows) {
   EXPECT_TRUE(BecomesHigh(rowsTop() + 4 * pitch + 53)) << OuterSize(*window).height();
   const int width = window->width();
   ListOnly(5);
-  program.state.requests.detailedListRefresh = true;
-  EXPECT_TRUE(QTest::qWaitFor([&] { return RowsShown() == 5; }));
+  program.state.requests.refresh.Add(Window::DetailedPortList);
+  EXPECT_TRUE(WaitUntil([&] { return RowsShown() == 5; }));
   EXPECT_TRUE(BecomesHigh(rowsTop() + 6 * pitch + 53)) << OuterSize(*window).height();
   EXPECT_EQ(window->width(), width);
 }
@@ -74,8 +75,8 @@ TEST_F(PortDetailsDialog, LongDescriptionsAreWholeInTheToolTip) {
   EXPECT_EQ(Description(0).accessibleName(), whole);
   EXPECT_TRUE(Description(0).text().endsWith(" - /dev/ttyUSB0 (COM1)")) << "the product gives way first";
   ports.names = {QString(200, u'W') + QStringLiteral(" (COM1")};
-  program.state.requests.detailedListRefresh = true;
-  ASSERT_TRUE(QTest::qWaitFor([&] { return !program.state.requests.detailedListRefresh; }));
+  program.state.requests.refresh.Add(Window::DetailedPortList);
+  ASSERT_TRUE(WaitUntil([&] { return !program.state.requests.refresh.Contains(Window::DetailedPortList); }));
   EXPECT_TRUE(Description(0).text().endsWith("(COM1)"));
   EXPECT_LE(Description(0).sizeHint().width(), Description(0).width());
 }

@@ -11,6 +11,7 @@
 #include "serial/port_list.h"
 #include "settings/settings_table.h"
 #include "support/dialog_controls.h"
+#include "support/waits.h"
 #include "ui/polled_dialog.h"
 
 namespace quarn::test {
@@ -93,7 +94,7 @@ class PortDialogTest : public AppTest {
     if (window) QTest::mouseClick(&Button(id), Qt::LeftButton);
   }
   bool IsGone() {
-    return QTest::qWaitFor([this] { return window.isNull(); });
+    return WaitUntil([this] { return window.isNull(); });
   }
   /// At least one look of the dialog's at its surroundings.
   void WaitForATick() { QTest::qWait(PolledDialog::kTickMs * 3 / 2); }

@@ -16,7 +16,7 @@ TEST_F(PortNumberDialog, NothingSlipsIntoAConnectThatIsUnderWay) {
   Pick("COM3");
   whileShown = [this] {
     ASSERT_TRUE(window);
-    program.state.requests.portNumberClose = true;
+    program.state.requests.close.Add(Window::PortNumber);
     Button(kSetNumber).click();
     Button(kOkNumber).click();
     window->close();
@@ -27,7 +27,7 @@ TEST_F(PortNumberDialog, NothingSlipsIntoAConnectThatIsUnderWay) {
   Click(kSetNumber);
   EXPECT_TRUE(IsGone()) << "the close was put off, not forgotten";
   EXPECT_EQ(Happened(), (QStringList{"pause 500", ChoiceConnected("COM3")}));
-  EXPECT_FALSE(program.state.open.portNumber);
+  EXPECT_FALSE(program.state.open.Contains(Window::PortNumber));
 }
 
 TEST_F(PortNumberDialog, TitleTellsWhileItConnects) {
@@ -80,7 +80,7 @@ TEST_F(PortNumberDialog, ItsMessageIsInFrontOfItAndOutlivedByIt) {
     QWidget* box = QApplication::activeModalWidget();
     ASSERT_NE(box, nullptr);
     seen = box->windowHandle()->transientParent() == window->windowHandle();
-    program.state.requests.portNumberClose = true;
+    program.state.requests.close.Add(Window::PortNumber);
     QTest::mouseClick(window->windowHandle(), Qt::LeftButton, {}, Button(kSetNumber).geometry().center());
     QTest::qWait(2 * PolledDialog::kTickMs);
     ASSERT_TRUE(window);

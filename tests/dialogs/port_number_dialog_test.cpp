@@ -1,6 +1,7 @@
 #include <QElapsedTimer>
 
 #include "dialogs/port_number_fixture.h"
+#include "support/waits.h"
 
 namespace quarn::test {
 namespace {
@@ -9,10 +10,10 @@ TEST_F(PortNumberDialog, OpensWithTheConnectedPort) {
   Plug("COM3");
   Plug("COM12");
   ConnectTo("COM3");
-  program.state.requests.portNumberClose = true;
+  program.state.requests.close.Add(Window::PortNumber);
   Open();
-  EXPECT_TRUE(program.state.open.portNumber);
-  EXPECT_FALSE(program.state.requests.portNumberClose);
+  EXPECT_TRUE(program.state.open.Contains(Window::PortNumber));
+  EXPECT_FALSE(program.state.requests.close.Contains(Window::PortNumber));
   EXPECT_EQ(Items(), (QStringList{"NONE", "COM3", "COM12"}));
   EXPECT_EQ(Ports().currentText(), "COM3");
   EXPECT_EQ(window->windowTitle(), "Quarn - COM Port Number (COM3)  ");
@@ -43,7 +44,7 @@ TEST_F(PortNumberDialog, WithoutPortsSetTellsSoAndNothingElseChanges) {
   const std::string before = WorkingFile();
   Open();
   EXPECT_FALSE(Ports().isEnabled());
-  ASSERT_TRUE(QTest::qWaitFor([&] { return Button(kSetNumber).isEnabled(); }));
+  ASSERT_TRUE(WaitUntil([&] { return Button(kSetNumber).isEnabled(); }));
   Click(kSetNumber);
   EXPECT_EQ(Happened(), QStringList{"error/: Error//Port Sellection Error/No available COM ports detected."});
   EXPECT_EQ(WorkingFile(), before);
@@ -64,7 +65,7 @@ TEST_F(PortNumberDialog, PickedPortIsConnectedBySet) {
   EXPECT_TRUE(program.connection.handle.IsOpen());
   EXPECT_EQ(WorkingFile(), FileWith({{"COM_PORT", "COM4"}}));
   EXPECT_EQ(window->windowTitle(), "Quarn - COM Port Number (COM4)  ");
-  ASSERT_TRUE(QTest::qWaitFor([&] { return !program.state.requests.portNumberRefresh; }));
+  ASSERT_TRUE(WaitUntil([&] { return !program.state.requests.refresh.Contains(Window::PortNumber); }));
   WaitForATick();
   EXPECT_EQ(Ports().currentText(), "COM4");
   EXPECT_FALSE(Button(kSetNumber).isEnabled());
@@ -77,7 +78,7 @@ TEST_F(PortNumberDialog, WhileConnectedTheNextLookEnablesSet) {
   Open();
   Pick("COM4");
   EXPECT_FALSE(Button(kSetNumber).isEnabled());
-  EXPECT_TRUE(QTest::qWaitFor([&] { return Button(kSetNumber).isEnabled(); }));
+  EXPECT_TRUE(WaitUntil([&] { return Button(kSetNumber).isEnabled(); }));
 }
 
 TEST_F(PortNumberDialog, SetWithNoneDisconnects) {
@@ -85,7 +86,7 @@ TEST_F(PortNumberDialog, SetWithNoneDisconnects) {
   ConnectTo("COM3");
   Open();
   Pick("NONE");
-  ASSERT_TRUE(QTest::qWaitFor([&] { return Button(kSetNumber).isEnabled(); }));
+  ASSERT_TRUE(WaitUntil([&] { return Button(kSetNumber).isEnabled(); }));
   Click(kSetNumber);
   EXPECT_EQ(
       Happened(),
@@ -100,7 +101,7 @@ TEST_F(PortNumberDialog, PortThatVanishesBetweenChoiceAndSetIsRefused) {
   ConnectTo("COM3");
   Open();
   Pick("COM4");
-  ASSERT_TRUE(QTest::qWaitFor([&] { return Button(kSetNumber).isEnabled(); }));
+  ASSERT_TRUE(WaitUntil([&] { return Button(kSetNumber).isEnabled(); }));
   Unplug("COM4");
   Click(kSetNumber);
   EXPECT_EQ(Happened(), (QStringList{"pause 500", ChoiceFailed("COM4", ".")}));
@@ -117,12 +118,12 @@ TEST_F(PortNumberDialog, FollowsTheListWithinATick) {
   ConnectTo("COM3");
   Open();
   Unplug("COM4");
-  program.state.requests.portNumberRefresh = true;
-  EXPECT_TRUE(QTest::qWaitFor([&] { return Items() == QStringList{"NONE", "COM3"}; }));
+  program.state.requests.refresh.Add(Window::PortNumber);
+  EXPECT_TRUE(WaitUntil([&] { return Items() == QStringList{"NONE", "COM3"}; }));
   EXPECT_EQ(Ports().currentText(), "COM3");
   Unplug("COM3");
-  program.state.requests.portNumberRefresh = true;
-  EXPECT_TRUE(QTest::qWaitFor([&] { return Items() == QStringList{"NONE"}; }));
+  program.state.requests.refresh.Add(Window::PortNumber);
+  EXPECT_TRUE(WaitUntil([&] { return Items() == QStringList{"NONE"}; }));
   EXPECT_FALSE(Ports().isEnabled());
 }
 
@@ -133,8 +134,8 @@ TEST_F(PortNumberDialog, LooksTenTimesASecond) {
   QElapsedTimer time;
   time.start();
   for (int i = 0; i < 10; ++i) {
-    program.state.requests.portNumberRefresh = true;
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !program.state.requests.portNumberRefresh; }));
+    program.state.requests.refresh.Add(Window::PortNumber);
+    ASSERT_TRUE(WaitUntil([&] { return !program.state.requests.refresh.Contains(Window::PortNumber); }));
   }
   // The first look may come at once, and a busy machine may keep it waiting.
   EXPECT_GE(time.elapsed(), 700);
@@ -144,9 +145,9 @@ TEST_F(PortNumberDialog, LooksTenTimesASecond) {
 TEST_F(PortNumberDialog, AListChangeFromBeforeItWasOpenedIsSeen) {
   Plug("COM3");
   Configure("COM3");
-  program.state.requests.portNumberRefresh = true;
+  program.state.requests.refresh.Add(Window::PortNumber);
   Open();
-  ASSERT_TRUE(QTest::qWaitFor([&] { return !program.state.requests.portNumberRefresh; }));
+  ASSERT_TRUE(WaitUntil([&] { return !program.state.requests.refresh.Contains(Window::PortNumber); }));
   EXPECT_EQ(Ports().currentText(), "COM3");
   EXPECT_TRUE(Button(kSetNumber).isEnabled());
 }
@@ -157,16 +158,16 @@ TEST_F(PortNumberDialog, PortsThatComeAndGoEnableTheList) {
   EXPECT_EQ(Items(), QStringList{"NONE"});
   Plug("COM3");
   Configure("COM3");
-  program.state.requests.portNumberRefresh = true;
-  ASSERT_TRUE(QTest::qWaitFor([&] { return !program.state.requests.portNumberRefresh; }));
+  program.state.requests.refresh.Add(Window::PortNumber);
+  ASSERT_TRUE(WaitUntil([&] { return !program.state.requests.refresh.Contains(Window::PortNumber); }));
   EXPECT_TRUE(Ports().isEnabled());
   EXPECT_EQ(Items(), (QStringList{"NONE", "COM3"}));
   EXPECT_EQ(Ports().currentText(), "COM3");
   EXPECT_TRUE(Button(kSetNumber).isEnabled());
   EXPECT_EQ(window->windowTitle(), "Quarn - COM Port Number (COM3-NC)  ");
   Unplug("COM3");
-  program.state.requests.portNumberRefresh = true;
-  ASSERT_TRUE(QTest::qWaitFor([&] { return !program.state.requests.portNumberRefresh; }));
+  program.state.requests.refresh.Add(Window::PortNumber);
+  ASSERT_TRUE(WaitUntil([&] { return !program.state.requests.refresh.Contains(Window::PortNumber); }));
   EXPECT_FALSE(Ports().isEnabled());
   EXPECT_EQ(Ports().currentText(), "NONE");
 }
@@ -178,7 +179,7 @@ TEST_F(PortNumberDialog, KeysPickAPort) {
   Ports().setFocus();
   Press(Qt::Key_Down, Qt::AltModifier);
   QAbstractItemView& list = *Ports().view();
-  ASSERT_TRUE(QTest::qWaitForWindowExposed(list.window()));
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(list.window(), kLongestWaitMs));
   QTest::keyClick(&list, Qt::Key_Down);
   QTest::keyClick(&list, Qt::Key_Return);
   EXPECT_EQ(Ports().currentText(), "COM3");
@@ -196,9 +197,9 @@ TEST_F(PortNumberDialog, OkWithoutAChangeClosesWithoutAQuestion) {
   Press(Qt::Key_Return);
   EXPECT_TRUE(IsGone());
   EXPECT_EQ(Happened(), QStringList());
-  EXPECT_FALSE(program.state.open.portNumber);
-  EXPECT_TRUE(program.state.requests.mainRefresh);
-  EXPECT_TRUE(program.state.requests.terminalRefresh);
+  EXPECT_FALSE(program.state.open.Contains(Window::PortNumber));
+  EXPECT_TRUE(program.state.requests.refresh.Contains(Window::MainDialog));
+  EXPECT_TRUE(program.state.requests.refresh.Contains(Window::TerminalScreen));
 }
 
 TEST_F(PortNumberDialog, OkAppliesAChangeThatIsConfirmed) {
@@ -210,7 +211,7 @@ TEST_F(PortNumberDialog, OkAppliesAChangeThatIsConfirmed) {
   EXPECT_TRUE(IsGone());
   EXPECT_EQ(Happened(), (QStringList{kApplyChoice, "pause 500", ChoiceConnected("COM3")}));
   EXPECT_EQ(WorkingFile(), FileWith({{"COM_PORT", "COM3"}}));
-  EXPECT_FALSE(program.state.open.portNumber);
+  EXPECT_FALSE(program.state.open.Contains(Window::PortNumber));
 }
 
 TEST_F(PortNumberDialog, OkLeavesAChangeThatIsNotConfirmed) {
@@ -241,15 +242,15 @@ TEST_F(PortNumberDialog, OkWithNoneDisconnectsWhenConfirmed) {
 
 TEST_F(PortNumberDialog, ClosesByEscapeByItsBoxAndByRequest) {
   for (const int way : {0, 1, 2}) {
-    program.state.requests.portNumberRefresh = false;
+    program.state.requests.refresh.Remove(Window::PortNumber);
     Open();
     if (way == 0) Press(Qt::Key_Escape);
     if (way == 1) window->close();
-    if (way == 2) program.state.requests.portNumberClose = true;
+    if (way == 2) program.state.requests.close.Add(Window::PortNumber);
     EXPECT_TRUE(IsGone()) << way;
-    EXPECT_FALSE(program.state.open.portNumber) << way;
-    EXPECT_FALSE(program.state.requests.portNumberClose) << way;
-    EXPECT_EQ(program.state.requests.portNumberRefresh, way == 2) << way;
+    EXPECT_FALSE(program.state.open.Contains(Window::PortNumber)) << way;
+    EXPECT_FALSE(program.state.requests.close.Contains(Window::PortNumber)) << way;
+    EXPECT_EQ(program.state.requests.refresh.Contains(Window::PortNumber), way == 2) << way;
   }
   EXPECT_EQ(Happened(), QStringList());
 }
@@ -259,18 +260,18 @@ TEST_F(PortNumberDialog, ClosedByRequestTheNextOneShowsTheCurrentPort) {
   Configure("COM3");
   Open();
   EXPECT_EQ(Ports().currentText(), "NONE");
-  program.state.requests.portNumberClose = true;
+  program.state.requests.close.Add(Window::PortNumber);
   EXPECT_TRUE(IsGone());
   Open();
-  EXPECT_TRUE(QTest::qWaitFor([&] { return Ports().currentText() == "COM3"; }));
-  EXPECT_FALSE(program.state.requests.portNumberRefresh);
+  EXPECT_TRUE(WaitUntil([&] { return Ports().currentText() == "COM3"; }));
+  EXPECT_FALSE(program.state.requests.refresh.Contains(Window::PortNumber));
 }
 
 TEST_F(PortNumberDialog, TabFollowsTheReadingOrder) {
   Plug("COM3");
   Configure("COM3");
   Open();
-  ASSERT_TRUE(QTest::qWaitFor([&] { return Button(kSetNumber).isEnabled(); }));
+  ASSERT_TRUE(WaitUntil([&] { return Button(kSetNumber).isEnabled(); }));
   Press(Qt::Key_Tab);
   EXPECT_EQ(QApplication::focusWidget(), &Ports());
   Press(Qt::Key_Tab);

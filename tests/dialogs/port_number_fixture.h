@@ -5,6 +5,7 @@
 
 #include "dialogs/port_dialog_fixture.h"
 #include "dialogs/serial/port_number_dialog.h"
+#include "support/waits.h"
 
 namespace quarn::test {
 
@@ -28,9 +29,9 @@ class PortNumberDialog : public PortDialogTest {
   void Pick(const QString& item) {
     QTest::mouseClick(&Ports(), Qt::LeftButton);
     QAbstractItemView& view = *Ports().view();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(view.window()));
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(view.window(), kLongestWaitMs));
     // For a while the list takes a release for that of the very click that opened it, and stays open.
-    EXPECT_TRUE(QTest::qWaitFor([&] {
+    EXPECT_TRUE(WaitUntil([&] {
       const QModelIndex index = view.model()->index(Ports().findText(item), 0);
       if (view.isVisible())
         QTest::mouseClick(view.viewport(), Qt::LeftButton, {}, view.visualRect(index).center());

@@ -20,7 +20,7 @@ TEST_F(PortSettingsDialog, SetStoresAndReopensTheConnectedPort) {
   EXPECT_NE(program.connection.handle.Line(), former);
   EXPECT_EQ(OpenLineState().baudRate, 19200U);
   EXPECT_EQ(OpenLineState().stopBits, StopBits::Two);
-  EXPECT_TRUE(program.state.requests.mainRefresh);
+  EXPECT_TRUE(program.state.requests.refresh.Contains(Window::MainDialog));
   EXPECT_TRUE(window->isVisible());
 }
 
@@ -52,7 +52,7 @@ TEST_F(PortSettingsDialog, FailedReopenAfterSetIsReportedAndTheSettingsAreStored
   EXPECT_FALSE(program.connection.connected);
   EXPECT_FALSE(program.connection.handle.IsOpen());
   EXPECT_EQ(WorkingFile(), SavedFile({{"COM_PORT", "COM3"}, {"COM_BPS", "19200"}}));
-  EXPECT_TRUE(program.state.requests.mainRefresh);
+  EXPECT_TRUE(program.state.requests.refresh.Contains(Window::MainDialog));
 }
 
 TEST_F(PortSettingsDialog, WhatTheNextStartCouldNotReadIsNotStored) {
@@ -93,7 +93,7 @@ TEST_F(PortSettingsDialog, DefaultAnsweredWithNoChangesNothing) {
   EXPECT_EQ(OpenLineState().baudRate, 1200U);
   EXPECT_EQ(OpenLineState().stopBits, StopBits::One);
   EXPECT_TRUE(program.connection.connected);
-  EXPECT_FALSE(program.state.requests.mainRefresh);
+  EXPECT_FALSE(program.state.requests.refresh.Contains(Window::MainDialog));
 }
 
 TEST_F(PortSettingsDialog, DefaultRestoresStoresAndReconnects) {
@@ -164,7 +164,7 @@ TEST_F(PortSettingsDialog, OkConnectsThePortThatWasNotConnected) {
   EXPECT_EQ(Happened(), QStringList{kSaveQuestion});
   EXPECT_TRUE(program.connection.connected);
   EXPECT_EQ(OpenLineState().baudRate, 19200U);
-  EXPECT_TRUE(program.state.requests.mainRefresh);
+  EXPECT_TRUE(program.state.requests.refresh.Contains(Window::MainDialog));
 }
 
 TEST_F(PortSettingsDialog, DefaultConnectsThePortThatWasNotConnected) {
@@ -177,7 +177,7 @@ TEST_F(PortSettingsDialog, DefaultConnectsThePortThatWasNotConnected) {
   EXPECT_EQ(Happened(), (QStringList{kDefaultQuestion, kReset}));
   EXPECT_TRUE(program.connection.connected);
   EXPECT_EQ(OpenLineState().baudRate, 9600U);
-  EXPECT_TRUE(program.state.requests.mainRefresh);
+  EXPECT_TRUE(program.state.requests.refresh.Contains(Window::MainDialog));
 }
 
 TEST_F(PortSettingsDialog, RateThatIsNotOfferedIsThatOfTheLine) {

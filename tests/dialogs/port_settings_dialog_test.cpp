@@ -2,6 +2,7 @@
 #include <QScreen>
 
 #include "dialogs/port_settings_fixture.h"
+#include "support/waits.h"
 #include "support/window_places.h"
 #include "ui/placement.h"
 
@@ -55,7 +56,7 @@ TEST_F(PortSettingsDialog, TheCloseBoxLeavesWhatWasPickedWithTheMouse) {
   Open();
   QTest::mouseClick(&Box(kParity), Qt::LeftButton);
   QAbstractItemView& list = *Box(kParity).view();
-  ASSERT_TRUE(QTest::qWaitForWindowExposed(list.window()));
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(list.window(), kLongestWaitMs));
   // The list takes the release of the very click that opened it for no choice.
   QTest::qWait(QApplication::doubleClickInterval() + 50);
   QTest::mouseClick(list.viewport(), Qt::LeftButton, {},
@@ -113,8 +114,8 @@ TEST_F(PortSettingsDialog, WhatOtherDialogsSetMeanwhileStays) {
 TEST_F(PortSettingsDialog, RefreshKeepsWhatIsBeingEdited) {
   Open();
   Pick(kBps, "57600");
-  program.state.requests.portSettingsRefresh = true;
-  ASSERT_TRUE(QTest::qWaitFor([&] { return !program.state.requests.portSettingsRefresh; }));
+  program.state.requests.refresh.Add(Window::PortSettings);
+  ASSERT_TRUE(WaitUntil([&] { return !program.state.requests.refresh.Contains(Window::PortSettings); }));
   EXPECT_EQ(Shown(), (QStringList{"57600", "8", "None", "1"}));
 }
 
@@ -123,8 +124,8 @@ TEST_F(PortSettingsDialog, RefreshTakesTheValuesOfAnotherFile) {
   Pick(kBps, "57600");
   program.settings.comBps = QStringLiteral("2400");
   program.settings.comParity = QStringLiteral("Even");
-  program.state.requests.portSettingsRefresh = true;
-  ASSERT_TRUE(QTest::qWaitFor([&] { return Box(kBps).currentText() == "2400"; }));
+  program.state.requests.refresh.Add(Window::PortSettings);
+  ASSERT_TRUE(WaitUntil([&] { return Box(kBps).currentText() == "2400"; }));
   EXPECT_EQ(window->windowTitle(), "Quarn - COM Port Settings  (2400, 8, Even, 1)");
   Click(kOkLine);
   EXPECT_EQ(Happened(), QStringList());

@@ -3,6 +3,7 @@
 #include "dialogs/option_dialog_fixture.h"
 #include "dialogs/settings/screen_option.h"
 #include "dialogs/terminal/terminal_screen.h"
+#include "support/waits.h"
 #include "ui/placement.h"
 
 namespace quarn::test {
@@ -12,11 +13,11 @@ class ScreenOptionEffects : public OptionDialogFixture<CScreenOption> {
  protected:
   ~ScreenOptionEffects() override { delete screen.data(); }
   void OpenBoth() {
-    state.open.terminalScreen = true;
+    state.open.Add(Window::TerminalScreen);
     screen = new CTerminalScreen(
         nullptr, {settings, connection, state, m_engine, log, m_commandLine, messages, m_savedRect});
     screen->show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(screen));
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(screen, kLongestWaitMs));
     Open();
   }
   bool BackgroundBecomes(QRgb colour) {
@@ -51,7 +52,7 @@ TEST_F(ScreenOptionEffects, ALengthThatIsAllowedEmptiesTheLogAndWidensTheWindow)
   OpenBoth();
   ASSERT_TRUE(Until([this] { return OuterSize(*screen).width() == 460; }));
   Click(1067);
-  EXPECT_FALSE(state.requests.clearLog || state.requests.terminalRefresh);
+  EXPECT_FALSE(state.requests.clearLog || state.requests.refresh.Contains(Window::TerminalScreen));
   EXPECT_EQ(log.LineCount(), 1);
   EXPECT_TRUE(Until([this] { return OuterSize(*screen).width() == 460; }));
   Click(1067);

@@ -20,15 +20,14 @@ class SetMemKeys : public SetMemFixture {
 TEST_F(SetMemKeys, ButtonsRequestTheStoredCommand) {
   OpenTable();
   for (int number = 1; number <= 10; ++number) {
-    state.requests.functionKey = false;
+    state.requests.functionKey.reset();
     const bool control = number % 2 == 0;
     ClickOn(Key(number), control ? Qt::ControlModifier : Qt::NoModifier);
-    EXPECT_TRUE(state.requests.functionKey);
-    EXPECT_EQ(state.requests.functionKeyIndex, number - 1);
+    EXPECT_EQ(state.requests.functionKey, number - 1);
     EXPECT_EQ(state.requests.functionKeyCtrl, control) << number;
   }
   EXPECT_FALSE(state.requests.focus) << "no Terminal Screen is open";
-  state.open.terminalScreen = true;
+  state.open.Add(Window::TerminalScreen);
   ClickOn(Key(1));
   EXPECT_TRUE(state.requests.focus);
 }
@@ -38,10 +37,9 @@ TEST_F(SetMemKeys, KeysRequestTheStoredCommandWithTheRecordedCtrlState) {
   for (const bool recorded : {false, true}) {
     ClickOn(Key(1), recorded ? Qt::ControlModifier : Qt::NoModifier);
     for (int i = 0; i < 10; ++i) {
-      state.requests.functionKey = false;
+      state.requests.functionKey.reset();
       quarn::test::Press(Qt::Key(Qt::Key_F1 + i), recorded ? Qt::NoModifier : Qt::ControlModifier);
-      EXPECT_TRUE(state.requests.functionKey);
-      EXPECT_EQ(state.requests.functionKeyIndex, i);
+      EXPECT_EQ(state.requests.functionKey, i);
       EXPECT_EQ(state.requests.functionKeyCtrl, recorded);
     }
   }
@@ -55,8 +53,7 @@ TEST_F(SetMemKeys, KeysWorkInAFieldToo) {
   ClickOn(Field(6));
   ASSERT_EQ(QApplication::focusWidget(), &Field(6));
   quarn::test::Press(Qt::Key_F10);
-  EXPECT_TRUE(state.requests.functionKey);
-  EXPECT_EQ(state.requests.functionKeyIndex, 9);
+  EXPECT_EQ(state.requests.functionKey, 9);
   for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Escape}) quarn::test::Press(key);
   EXPECT_FALSE(state.requests.send);
   EXPECT_TRUE(dialog->isVisible());
@@ -96,7 +93,7 @@ TEST_F(SetMemKeys, EscapeDoesNothing) {
   quarn::test::Press(Qt::Key_Escape);
   QTest::keyClick(dialog, Qt::Key_Escape);
   EXPECT_TRUE(dialog->isVisible());
-  EXPECT_TRUE(state.open.functionKeyTable);
+  EXPECT_TRUE(state.open.Contains(Window::FunctionKeyTable));
 }
 
 TEST_F(SetMemKeys, AKeyHeldDownAsksOnce) {
@@ -123,7 +120,7 @@ TEST_F(SetMemKeys, SendNeedsAnOpenTerminalScreen) {
   ClickCommand(kSend);
   EXPECT_FALSE(state.requests.sendAction);
   EXPECT_FALSE(state.requests.focus);
-  state.open.terminalScreen = true;
+  state.open.Add(Window::TerminalScreen);
   ClickCommand(kSend);
   EXPECT_TRUE(state.requests.sendAction);
   EXPECT_TRUE(state.requests.focus);
@@ -170,7 +167,7 @@ TEST_F(SetMemKeys, EditedCommandLoadsBeforeItIsSaved) {
   Open();
   OpenTable();
   Edit(3, "fresh");
-  EXPECT_TRUE(Until([this] { return !state.requests.terminalRefresh; }));
+  EXPECT_TRUE(Until([this] { return !state.requests.refresh.Contains(Window::TerminalScreen); }));
   EXPECT_EQ(Button("F 4").toolTip(), QStringLiteral("fresh"));
   ClickOn(Key(4));
   EXPECT_TRUE(Until([this] { return commandLine.Text() == QStringLiteral("fresh"); }));

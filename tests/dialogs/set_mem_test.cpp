@@ -19,7 +19,7 @@ TEST_F(SetMem, OpensWithTheStoredCommands) {
   settings.mem[4] = QString();
   OpenTable();
   EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Quarn - Function Key Table"));
-  EXPECT_TRUE(state.open.functionKeyTable);
+  EXPECT_TRUE(state.open.Contains(Window::FunctionKeyTable));
   EXPECT_FALSE(dialog->isModal());
   EXPECT_TRUE(dialog->testAttribute(Qt::WA_DeleteOnClose));
   EXPECT_EQ(ShownTexts(), Listed(settings.mem));
@@ -35,11 +35,11 @@ TEST_F(SetMem, EditSwitchesTheMode) {
   ClickCommand(kEdit);
   EXPECT_EQ(Command(kEdit).text(), QStringLiteral("ENTER"));
   EXPECT_EQ(EnabledControls(), "fields UNDO ");
-  EXPECT_FALSE(state.requests.terminalRefresh);
+  EXPECT_FALSE(state.requests.refresh.Contains(Window::TerminalScreen));
   ClickCommand(kEdit);
   EXPECT_EQ(Command(kEdit).text(), QStringLiteral("EDIT"));
   EXPECT_EQ(EnabledControls(), "keys OK SEND ");
-  EXPECT_TRUE(state.requests.terminalRefresh);
+  EXPECT_TRUE(state.requests.refresh.Contains(Window::TerminalScreen));
 }
 
 TEST_F(SetMem, EditsAreInForceAtOnceAndUndoTakesThemBack) {
@@ -50,16 +50,16 @@ TEST_F(SetMem, EditsAreInForceAtOnceAndUndoTakesThemBack) {
   EXPECT_EQ(FileBytes(), before);
   EXPECT_EQ(EnabledControls(), "keys UNDO SAVE OK SEND ");
   messages.answers = {false, true};
-  state.requests.terminalRefresh = false;
+  state.requests.refresh.Remove(Window::TerminalScreen);
   ClickCommand(kUndo);
   EXPECT_EQ(Shown(), QStringList{kUndoQuestion});
   EXPECT_EQ(settings.mem[3], QStringLiteral("new text"));
-  EXPECT_FALSE(state.requests.terminalRefresh);
+  EXPECT_FALSE(state.requests.refresh.Contains(Window::TerminalScreen));
   ClickCommand(kUndo);
   EXPECT_EQ(Shown(), QStringList{kUndoQuestion});
   EXPECT_EQ(settings.mem[3], QStringLiteral("function-4"));
   EXPECT_EQ(Field(3).text(), QStringLiteral("function-4"));
-  EXPECT_TRUE(state.requests.terminalRefresh);
+  EXPECT_TRUE(state.requests.refresh.Contains(Window::TerminalScreen));
   EXPECT_EQ(EnabledControls(), "keys OK SEND ") << "nothing is left to undo or to save";
   EXPECT_EQ(FileBytes(), before);
 }
@@ -178,8 +178,8 @@ TEST_F(SetMem, OkClosesAndTheNextOneStandsInItsPlace) {
   ASSERT_TRUE(StandsAt(*dialog, [] { return QPoint(120, 80); }));
   const QRect place = dialog->frameGeometry();
   ClickCommand(kOk);
-  EXPECT_FALSE(state.open.functionKeyTable);
-  EXPECT_TRUE(state.requests.mainRefresh);
+  EXPECT_FALSE(state.open.Contains(Window::FunctionKeyTable));
+  EXPECT_TRUE(state.requests.refresh.Contains(Window::MainDialog));
   EXPECT_EQ(tableRect, place);
   EXPECT_TRUE(Until([this] { return dialog.isNull(); }));
   OpenTable();
@@ -193,36 +193,36 @@ TEST_F(SetMem, RefusesToCloseInEditMode) {
   dialog->close();
   EXPECT_EQ(Shown(), QStringList{kWarning});
   EXPECT_TRUE(dialog->isVisible());
-  EXPECT_TRUE(state.open.functionKeyTable);
+  EXPECT_TRUE(state.open.Contains(Window::FunctionKeyTable));
   EXPECT_TRUE(tableRect.isNull());
   ClickCommand(kEdit);
   dialog->close();
   EXPECT_EQ(Shown(), QStringList());
-  EXPECT_FALSE(state.open.functionKeyTable);
+  EXPECT_FALSE(state.open.Contains(Window::FunctionKeyTable));
 }
 
 TEST_F(SetMem, ClosesOnRequestButNotInEditMode) {
   OpenTable();
   ClickCommand(kEdit);
-  state.requests.functionTableClose = true;
+  state.requests.close.Add(Window::FunctionKeyTable);
   ASSERT_TRUE(Until([this] { return !messages.shown.isEmpty(); }));
   EXPECT_EQ(Shown(), QStringList{kWarning});
   Tick();
   EXPECT_EQ(Shown(), QStringList()) << "it warns once for each request";
   EXPECT_TRUE(dialog->isVisible());
   ClickCommand(kEdit);
-  state.requests.functionTableClose = true;
+  state.requests.close.Add(Window::FunctionKeyTable);
   ASSERT_TRUE(Until([this] { return dialog.isNull(); }));
-  EXPECT_FALSE(state.requests.functionTableClose);
-  EXPECT_FALSE(state.open.functionKeyTable);
+  EXPECT_FALSE(state.requests.close.Contains(Window::FunctionKeyTable));
+  EXPECT_FALSE(state.open.Contains(Window::FunctionKeyTable));
 }
 
 TEST_F(SetMem, ReloadsOnRequest) {
   OpenTable();
   Edit(1, "mine");
   settings.mem.fill(QStringLiteral("new"));
-  state.requests.functionTableReload = true;
-  ASSERT_TRUE(Until([this] { return !state.requests.functionTableReload; }));
+  state.requests.refresh.Add(Window::FunctionKeyTable);
+  ASSERT_TRUE(Until([this] { return !state.requests.refresh.Contains(Window::FunctionKeyTable); }));
   EXPECT_EQ(ShownTexts(), Listed(settings.mem));
   EXPECT_EQ(EnabledControls(), "keys OK SEND ");
 }
@@ -232,8 +232,8 @@ TEST_F(SetMem, ReloadReplacesWhatIsBeingTyped) {
   ClickCommand(kEdit);
   Retype(1, "mine");
   settings.mem.fill(QStringLiteral("new"));
-  state.requests.functionTableReload = true;
-  ASSERT_TRUE(Until([this] { return !state.requests.functionTableReload; }));
+  state.requests.refresh.Add(Window::FunctionKeyTable);
+  ASSERT_TRUE(Until([this] { return !state.requests.refresh.Contains(Window::FunctionKeyTable); }));
   EXPECT_EQ(ShownTexts(), Listed(settings.mem));
   EXPECT_EQ(EnabledControls(), "fields UNDO ");
   ClickCommand(kEdit);
@@ -241,8 +241,8 @@ TEST_F(SetMem, ReloadReplacesWhatIsBeingTyped) {
 }
 
 TEST_F(SetMem, RequestsFromBeforeItWasOpenedDoNotConcernIt) {
-  state.requests.functionTableClose = true;
-  state.requests.functionTableReload = true;
+  state.requests.close.Add(Window::FunctionKeyTable);
+  state.requests.refresh.Add(Window::FunctionKeyTable);
   OpenTable();
   Tick();
   EXPECT_TRUE(dialog && dialog->isVisible());
@@ -253,7 +253,7 @@ TEST_F(SetMem, RequestsWaitUntilItsMessageIsGone) {
   Edit(0, "mine");
   messages.answers = {true};
   messages.whileShown = [this] {
-    state.requests.functionTableClose = true;
+    state.requests.close.Add(Window::FunctionKeyTable);
     Tick();
     EXPECT_TRUE(dialog && dialog->isVisible());
     dialog->close();
@@ -271,7 +271,7 @@ TEST_F(SetMem, TheWarningIsShownOnce) {
   ClickCommand(kEdit);
   messages.whileShown = [this] {
     messages.whileShown = nullptr;
-    state.requests.functionTableClose = true;
+    state.requests.close.Add(Window::FunctionKeyTable);
     dialog->close();
     Tick();
     EXPECT_EQ(messages.shown.size(), 1);

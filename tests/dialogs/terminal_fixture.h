@@ -14,6 +14,7 @@
 #include "settings/settings_table.h"
 #include "support/recorded_messages.h"
 #include "support/served_instrument.h"
+#include "support/waits.h"
 #include "ui/control.h"
 #include "ui/static_text.h"
 
@@ -48,12 +49,12 @@ class TerminalFixture : public ::testing::Test {
   }
 
   CTerminalScreen& Open() {
-    state.open.terminalScreen = true;
+    state.open.Add(Window::TerminalScreen);
     window = new CTerminalScreen(
         nullptr, {settings, connection, state, engine, log, commandLine, messages, savedRect});
     window->show();
     window->activateWindow();
-    EXPECT_TRUE(QTest::qWaitForWindowActive(window));
+    EXPECT_TRUE(QTest::qWaitForWindowActive(window, kLongestWaitMs));
     return *window;
   }
 
@@ -83,7 +84,7 @@ class TerminalFixture : public ::testing::Test {
   void Tick() { QTest::qWait(PolledDialog::kTickMs + PolledDialog::kTickMs / 2); }
   /// Lets ticks run until the condition holds.
   template <typename Condition>
-  static bool Until(Condition condition, int limitMs = 10000) {
+  static bool Until(Condition condition, int limitMs = kLongestWaitMs) {
     return QTest::qWaitFor(condition, limitMs);
   }
   QString Clipboard() const { return QApplication::clipboard()->text(); }

@@ -183,7 +183,7 @@ TEST_F(TerminalKeys, FunctionKeysLoadAndDoNotSend) {
     Press(static_cast<Qt::Key>(Qt::Key_F1 + n));
     EXPECT_EQ(commandLine.Text(), QStringLiteral("mem%1").arg(n));
     EXPECT_EQ(commandLine.CursorPos(), 4);
-    EXPECT_TRUE(state.requests.terminalRefresh);
+    EXPECT_TRUE(state.requests.refresh.Contains(Window::TerminalScreen));
   }
   Press(Qt::Key_F3, Qt::ControlModifier);
   EXPECT_EQ(commandLine.Text(), QStringLiteral("mem9mem2"));

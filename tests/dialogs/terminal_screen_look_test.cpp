@@ -57,7 +57,7 @@ TEST_F(TerminalLook, TheFixedSizeLeavesRoomForTheFrame) {
   settings.lineNum = QStringLiteral("ON");
   settings.funcKey = QStringLiteral("OFF");
   state.displayScalePercent = 150;
-  state.requests.terminalRefresh = true;
+  state.requests.refresh.Add(Window::TerminalScreen);
   EXPECT_TRUE(Until([this] { return OuterSize(*window) == QSize(630, 691); }));
   EXPECT_EQ(window->minimumSize(), window->maximumSize());
 }
@@ -67,7 +67,7 @@ TEST_F(TerminalLook, ButtonsAreHiddenUnlessFunctionKeysAreOn) {
   Open();
   for (const QPushButton* each : window->findChildren<QPushButton*>()) EXPECT_FALSE(each->isVisible());
   settings.funcKey = QStringLiteral("ON");
-  state.requests.terminalRefresh = true;
+  state.requests.refresh.Add(Window::TerminalScreen);
   ASSERT_TRUE(Until([this] { return Button("SEND").isVisible(); }));
   for (const QPushButton* each : window->findChildren<QPushButton*>()) EXPECT_TRUE(each->isVisible());
 }
@@ -76,7 +76,7 @@ TEST_F(TerminalLook, TypingGoesOnWhenTheButtonWithTheFocusIsHidden) {
   Open();
   ASSERT_TRUE(Button("SEND").hasFocus());
   settings.funcKey = QStringLiteral("OFF");
-  state.requests.terminalRefresh = true;
+  state.requests.refresh.Add(Window::TerminalScreen);
   ASSERT_TRUE(Until([this] { return !Button("SEND").isVisible(); }));
   QTest::keyClick(window->windowHandle(), 'a');
   EXPECT_EQ(commandLine.Text(), QStringLiteral("a"));
@@ -90,10 +90,10 @@ TEST_F(TerminalLook, BackgroundColours) {
     EXPECT_EQ(Text(name)->palette().color(QPalette::WindowText), QColor(255, 255, 255)) << name;
   }
   settings.bkColor = QStringLiteral("BLACK");
-  state.requests.terminalRefresh = true;
+  state.requests.refresh.Add(Window::TerminalScreen);
   ASSERT_TRUE(Until([this] { return BackgroundPixel() == qRgb(0, 0, 0); }));
   settings.bkColor = QStringLiteral("GRAY");
-  state.requests.terminalRefresh = true;
+  state.requests.refresh.Add(Window::TerminalScreen);
   const QPalette system = QApplication::palette();
   ASSERT_TRUE(Until([&] { return BackgroundPixel() == system.color(QPalette::Button).rgb(); }));
   EXPECT_EQ(Text("prompt")->palette().color(QPalette::WindowText), system.color(QPalette::WindowText));
@@ -105,7 +105,7 @@ TEST_F(TerminalLook, RowsAreDrawnWithoutTheirCr) {
   const QImage withCr = window->grab(QRect(22, 35, 100, 18)).toImage();
   log.ResetLog();
   log.AppendLogText("X");
-  state.requests.terminalRefresh = true;
+  state.requests.refresh.Add(Window::TerminalScreen);
   ASSERT_TRUE(Until([this] { return window->RowText(0) == u"X"; }));
   EXPECT_EQ(window->grab(QRect(22, 35, 100, 18)).toImage(), withCr);
 }
@@ -173,7 +173,7 @@ TEST_F(TerminalLook, ToolTipsShowTheStoredCommands) {
   EXPECT_EQ(Button("F 10").toolTip(),
             QStringLiteral("<span style=\"white-space:pre\">&lt;b&gt;bold&lt;/b&gt;</span>"));
   settings.mem[0] = QStringLiteral("new");
-  state.requests.terminalRefresh = true;
+  state.requests.refresh.Add(Window::TerminalScreen);
   EXPECT_TRUE(Until([this] { return Button("F 1").toolTip() == u"new"; }));
 }
 

@@ -1,5 +1,6 @@
 #include "dialogs/terminal_fixture.h"
 #include "serial/scripted_line.h"
+#include "support/waits.h"
 #include "support/window_places.h"
 #include "ui/placement.h"
 
@@ -93,7 +94,7 @@ TEST_F(TerminalRequests, ClosingComesLast) {
   Connect("* -> line \"OK\"");
   Open();
   Type("id");
-  state.requests.terminalClose = true;
+  state.requests.close.Add(Window::TerminalScreen);
   state.requests.send = true;
   ASSERT_TRUE(Until([this] { return window.isNull(); }));
   EXPECT_EQ(instrument->Received(), "id\r");
@@ -103,11 +104,10 @@ TEST_F(TerminalRequests, ClosingComesLast) {
 TEST_F(TerminalRequests, AFunctionKeyIsLoadedAndAppendedWithCtrl) {
   settings.mem[4] = QStringLiteral("five");
   Open();
-  state.requests.functionKeyIndex = 4;
-  state.requests.functionKey = true;
+  state.requests.functionKey = 4;
   ASSERT_TRUE(Until([this] { return commandLine.Text() == u"five"; }));
   state.requests.functionKeyCtrl = true;
-  state.requests.functionKey = true;
+  state.requests.functionKey = 4;
   ASSERT_TRUE(Until([this] { return commandLine.Text() == u"fivefive"; }));
   EXPECT_FALSE(state.requests.functionKey);
 }
@@ -117,8 +117,8 @@ TEST_F(TerminalRequests, RefreshReadsEverySettingAgain) {
   Open();
   settings.lineNum = QStringLiteral("ON");
   settings.inputMax = QStringLiteral("M");
-  state.requests.terminalRefresh = true;
-  ASSERT_TRUE(Until([this] { return !state.requests.terminalRefresh; }));
+  state.requests.refresh.Add(Window::TerminalScreen);
+  ASSERT_TRUE(Until([this] { return !state.requests.refresh.Contains(Window::TerminalScreen); }));
   EXPECT_EQ(window->RowText(0), QStringLiteral("   1|  1\r"));
   EXPECT_TRUE(Until([this] { return OuterSize(*window).width() == 570; }));
   EXPECT_TRUE(window->windowTitle().contains(QStringLiteral("  M- INS")));
@@ -141,7 +141,7 @@ TEST_F(TerminalRequests, SeveralRequestsActInTheirOrder) {
   Type("typed");
   // The log and the line are emptied first, then the stored command is loaded, then the line is sent.
   state.requests.send = true;
-  state.requests.functionKey = true;
+  state.requests.functionKey = 0;
   state.requests.clearLog = true;
   ASSERT_TRUE(Until([this] { return log.LineCount() == 2; }));
   EXPECT_EQ(instrument->Received(), "mem\r");
@@ -161,14 +161,14 @@ TEST_F(TerminalRequests, TheSendActionComesAfterFocusAndEmptyingAndBeforeTheRest
     EXPECT_EQ(log.LineCount(), 0);
     EXPECT_EQ(commandLine.Text(), QString());
     EXPECT_FALSE(state.requests.sendAction);
-    EXPECT_TRUE(state.requests.terminalRefresh);
+    EXPECT_TRUE(state.requests.refresh.Contains(Window::TerminalScreen));
     EXPECT_TRUE(state.requests.functionKey);
   };
   state.requests.focus = true;
   state.requests.clearLog = true;
   state.requests.sendAction = true;
-  state.requests.terminalRefresh = true;
-  state.requests.functionKey = true;
+  state.requests.refresh.Add(Window::TerminalScreen);
+  state.requests.functionKey = 0;
   ASSERT_TRUE(Until([this] { return commandLine.Text() == u"mem"; }));
   EXPECT_TRUE(told);
 }
@@ -180,8 +180,8 @@ TEST_F(TerminalRequests, TheRefreshComesBeforeTheFunctionKey) {
   QStringList atRefresh;
   QObject::connect(window, &QWidget::windowTitleChanged, window,
                    [&] { atRefresh.append(commandLine.Text()); });
-  state.requests.functionKey = true;
-  state.requests.terminalRefresh = true;
+  state.requests.functionKey = 0;
+  state.requests.refresh.Add(Window::TerminalScreen);
   ASSERT_TRUE(Until([this] { return commandLine.Text() == u"mem"; }));
   EXPECT_EQ(atRefresh, QStringList{QString()});
 }
@@ -193,12 +193,12 @@ TEST_F(TerminalRequests, CloseKeepsLogAndCommandLineForTheNextTime) {
   ASSERT_TRUE(FrameIsThere(*window));
   window->move(40, 30);
   ASSERT_TRUE(StandsAt(*window, [] { return QPoint(40, 30); }));
-  state.requests.terminalClose = true;
+  state.requests.close.Add(Window::TerminalScreen);
   ASSERT_TRUE(Until([this] { return window.isNull(); }));
-  EXPECT_FALSE(state.open.terminalScreen);
-  EXPECT_FALSE(state.requests.terminalClose);
-  EXPECT_TRUE(state.requests.terminalRefresh);
-  EXPECT_TRUE(state.requests.mainRefresh);
+  EXPECT_FALSE(state.open.Contains(Window::TerminalScreen));
+  EXPECT_FALSE(state.requests.close.Contains(Window::TerminalScreen));
+  EXPECT_TRUE(state.requests.refresh.Contains(Window::TerminalScreen));
+  EXPECT_TRUE(state.requests.refresh.Contains(Window::MainDialog));
   Open();
   EXPECT_TRUE(StandsAt(*window, [] { return QPoint(40, 30); }));
   EXPECT_EQ(window->RowText(0), QStringLiteral("1\r"));
@@ -208,8 +208,8 @@ TEST_F(TerminalRequests, CloseKeepsLogAndCommandLineForTheNextTime) {
 TEST_F(TerminalRequests, TheCloseBoxClosesTheSameWay) {
   Open();
   window->close();
-  EXPECT_FALSE(state.open.terminalScreen);
-  EXPECT_TRUE(state.requests.mainRefresh);
+  EXPECT_FALSE(state.open.Contains(Window::TerminalScreen));
+  EXPECT_TRUE(state.requests.refresh.Contains(Window::MainDialog));
   EXPECT_FALSE(savedRect.isNull());
   EXPECT_TRUE(Until([this] { return window.isNull(); }));
 }
@@ -218,7 +218,7 @@ TEST_F(TerminalRequests, AMessageOfTheWindowHoldsTheRequestsBack) {
   Open();
   Type("id");
   messages.whileShown = [this] {
-    state.requests.terminalClose = true;
+    state.requests.close.Add(Window::TerminalScreen);
     state.requests.clearLog = true;
     QTest::qWait(3 * PolledDialog::kTickMs);
     ASSERT_TRUE(window);
@@ -239,7 +239,7 @@ TEST_F(TerminalRequests, TheCursorBlinksInTheForegroundOnly) {
   QDialog other;
   other.show();
   other.activateWindow();
-  ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&other, kLongestWaitMs));
   const QString shown = DisplayedCommand();
   bool changed = false;
   const auto watch = [&] { return changed = changed || DisplayedCommand() != shown; };

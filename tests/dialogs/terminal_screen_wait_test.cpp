@@ -4,6 +4,7 @@
 #include <QWindow>
 
 #include "dialogs/terminal_fixture.h"
+#include "support/waits.h"
 
 namespace quarn::test {
 namespace {
@@ -245,10 +246,10 @@ TEST_F(TerminalWait, NoTimerOfAnotherWindowRunsAndWindowsStillPaint) {
   Open();
   CountingDialog other;
   other.show();
-  ASSERT_TRUE(QTest::qWaitForWindowExposed(&other));
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(&other, kLongestWaitMs));
   ASSERT_TRUE(Until([&] { return other.ticks > 0; }));
   window->activateWindow();
-  ASSERT_TRUE(QTest::qWaitForWindowActive(window));
+  ASSERT_TRUE(QTest::qWaitForWindowActive(window, kLongestWaitMs));
   Type("slow");
   int before = 0;
   OnceReceived("slow\r", [&] {

@@ -8,6 +8,7 @@
 #include <QLabel>
 #include <QTest>
 
+#include "support/waits.h"
 #include "ui/control.h"
 
 namespace quarn::test {
@@ -25,7 +26,7 @@ Widget* Control(const QWidget& dialog, int controlId) {
 inline void ShowActive(QWidget& dialog) {
   dialog.show();
   dialog.activateWindow();
-  ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog));
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog, kLongestWaitMs));
 }
 
 /// A key for the control that has the focus.

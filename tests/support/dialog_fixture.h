@@ -17,6 +17,7 @@
 #include "settings/settings_table.h"
 #include "support/dialog_controls.h"
 #include "support/recorded_messages.h"
+#include "support/waits.h"
 #include "ui/polled_dialog.h"
 
 namespace quarn::test {
@@ -69,7 +70,7 @@ class DialogFixture : public ::testing::Test {
   }
   template <typename Condition>
   static bool Until(Condition condition) {
-    return QTest::qWaitFor(condition, 10000);
+    return WaitUntil(condition);
   }
 
   SettingsRecord settings;

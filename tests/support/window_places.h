@@ -9,20 +9,21 @@
 #include <QTest>
 #include <QWidget>
 
+#include "support/waits.h"
 #include "ui/placement.h"
 
 namespace quarn::test {
 
 /// The frame comes when the system has time for it; places that count it are looked at after that only.
 inline bool FrameIsThere(const QWidget& window) {
-  return QTest::qWaitFor([&] { return IsFrameKnown(window); });
+  return WaitUntil([&] { return IsFrameKnown(window); });
 }
 
 /// Waits until the window, with its frame, stands where `place` says it belongs; `place` is asked again and
 /// again, as the frame may change it.
 template <typename Place>
 ::testing::AssertionResult StandsAt(const QWidget& window, Place place) {
-  if (QTest::qWaitFor([&] { return IsFrameKnown(window) && window.pos() == place(); })) {
+  if (WaitUntil([&] { return IsFrameKnown(window) && window.pos() == place(); })) {
     return ::testing::AssertionSuccess();
   }
   return ::testing::AssertionFailure()

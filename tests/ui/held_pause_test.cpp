@@ -1,4 +1,5 @@
 #include "ui/held_pause.h"
+#include "support/waits.h"
 
 #include <gtest/gtest.h>
 
@@ -18,7 +19,7 @@ class Listener final : public QWidget {
   Listener() {
     resize(100, 100);
     show();
-    EXPECT_TRUE(QTest::qWaitForWindowExposed(this));
+    EXPECT_TRUE(QTest::qWaitForWindowExposed(this, kLongestWaitMs));
   }
   QString typed;
   int timers = 0;
@@ -52,7 +53,7 @@ TEST(HeldPause, WindowsPaintAndNothingElse) {
   EXPECT_GE(window.paints, 1);
   EXPECT_EQ(window.timers, 0);
   EXPECT_EQ(window.typed, QString());
-  EXPECT_TRUE(QTest::qWaitFor([&] { return window.typed == QStringLiteral("ab") && window.timers > 0; }));
+  EXPECT_TRUE(WaitUntil([&] { return window.typed == QStringLiteral("ab") && window.timers > 0; }));
 }
 
 TEST(HeldPause, CanBeUsedAgain) {
@@ -63,7 +64,7 @@ TEST(HeldPause, CanBeUsedAgain) {
                                 new QKeyEvent(QEvent::KeyPress, 0, Qt::NoModifier, key));
     pause.For(1);
   }
-  EXPECT_TRUE(QTest::qWaitFor([&] { return window.typed == QStringLiteral("abc"); }));
+  EXPECT_TRUE(WaitUntil([&] { return window.typed == QStringLiteral("abc"); }));
 }
 
 }  // namespace

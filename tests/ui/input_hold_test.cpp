@@ -1,4 +1,5 @@
 #include "ui/input_hold.h"
+#include "support/waits.h"
 
 #include <gtest/gtest.h>
 
@@ -23,7 +24,7 @@ class Recorder final : public QWidget {
     resize(100, 100);
     show();
     activateWindow();
-    EXPECT_TRUE(QTest::qWaitForWindowActive(this));
+    EXPECT_TRUE(QTest::qWaitForWindowActive(this, kLongestWaitMs));
   }
   QStringList events;
   int timers = 0;
@@ -89,7 +90,7 @@ TEST(InputHold, PaintsButRunsNoTimer) {
   hold.Begin();
   window.paints = 0;
   window.update();
-  EXPECT_TRUE(QTest::qWaitFor([&] {
+  EXPECT_TRUE(WaitUntil([&] {
     hold.Pump();
     return window.paints > 0;
   }));
@@ -100,7 +101,7 @@ TEST(InputHold, PaintsButRunsNoTimer) {
   }
   EXPECT_EQ(window.timers, 0);
   hold.End();
-  EXPECT_TRUE(QTest::qWaitFor([&] { return window.timers > 0; }));
+  EXPECT_TRUE(WaitUntil([&] { return window.timers > 0; }));
 }
 
 /// A key on its way down or up, as the system tells of it.
@@ -147,7 +148,7 @@ TEST(InputHold, AUsedEscapeLeavesCloseRequestsAndTheEndOfWhatBeganBefore) {
   window.windowHandle()->close();
   hold.UseEscape();
   hold.End();
-  EXPECT_TRUE(QTest::qWaitFor([&] { return !window.isVisible(); }));
+  EXPECT_TRUE(WaitUntil([&] { return !window.isVisible(); }));
   EXPECT_EQ(window.events.join(u','), QStringLiteral("press,release,close"));
 }
 
@@ -207,13 +208,13 @@ TEST(InputHold, AnEscapeThatIsHandedOnIsNotTakenForAKeyThatIsDown) {
   QPointer<Short> window = new Short;
   window->show();
   window->activateWindow();
-  ASSERT_TRUE(QTest::qWaitForWindowActive(window));
+  ASSERT_TRUE(QTest::qWaitForWindowActive(window, kLongestWaitMs));
   Recorder other;
   InputHold hold;
   hold.Begin();
   QTest::keyClick(window->windowHandle(), Qt::Key_Escape);
   hold.End();
-  ASSERT_TRUE(QTest::qWaitFor([&] { return window.isNull(); }));
+  ASSERT_TRUE(WaitUntil([&] { return window.isNull(); }));
   hold.Begin();
   EXPECT_FALSE(hold.EscapePressed());
   hold.End();
@@ -241,7 +242,7 @@ TEST(InputHold, AnEscapeTypedBehindTheKeyThatBeginsTheNextHoldCountsForIt) {
   hold.Begin();
   for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Escape}) QTest::keyClick(window.windowHandle(), key);
   hold.End();
-  ASSERT_TRUE(QTest::qWaitFor([&] { return hold.IsHolding(); }));
+  ASSERT_TRUE(WaitUntil([&] { return hold.IsHolding(); }));
   EXPECT_TRUE(hold.EscapePressed());
   hold.End();
   QCoreApplication::processEvents();
@@ -269,7 +270,7 @@ TEST(InputHold, ACloseWaits) {
   hold.Pump();
   EXPECT_TRUE(window.isVisible());
   hold.End();
-  EXPECT_TRUE(QTest::qWaitFor([&] { return !window.isVisible(); }));
+  EXPECT_TRUE(WaitUntil([&] { return !window.isVisible(); }));
   EXPECT_TRUE(window.events.contains(QStringLiteral("close")));
 }
 

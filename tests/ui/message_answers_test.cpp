@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "support/dialog_controls.h"
+#include "support/waits.h"
 #include "ui/message_dialogs.h"
 
 namespace quarn::test {
@@ -128,7 +129,7 @@ TEST(MessageAnswers, AQuestionThatComesByItselfTakesNoLetterOfWhoIsTyping) {
   Press(Qt::Key_N);
   Press(Qt::Key_Y);
   // Once it can have been read.
-  EXPECT_TRUE(QTest::qWaitFor([&] {
+  EXPECT_TRUE(WaitUntil([&] {
     if (box->isVisible()) Press(Qt::Key_N);
     return !box->isVisible();
   }));
@@ -225,7 +226,7 @@ TEST(MessageAnswers, ATransientMessageGoesByItself) {
   COneshotMsgPos box(nullptr, kText, std::nullopt, 50);
   ShowActive(box);
   EXPECT_EQ(Control<QLabel>(box, 1067)->text(), kText);
-  EXPECT_TRUE(QTest::qWaitFor([&] { return !box.isVisible(); }));
+  EXPECT_TRUE(WaitUntil([&] { return !box.isVisible(); }));
 }
 
 TEST(MessageAnswers, ATransientMessageStaysTwoSecondsFromWhenItIsShown) {

@@ -8,6 +8,7 @@
 #include <QScrollBar>
 
 #include "support/dialog_controls.h"
+#include "support/waits.h"
 #include "support/window_places.h"
 #include "ui/message_dialogs.h"
 #include "ui/placement.h"
@@ -21,7 +22,7 @@ const QString kLongPath = QStringLiteral("/a") + QString(4000, u'W') + QStringLi
 void ExpectOnScreen(const QWidget& box) {
   const QRect screen = QGuiApplication::primaryScreen()->geometry();
   EXPECT_TRUE(FrameIsThere(box));
-  EXPECT_TRUE(QTest::qWaitFor([&] { return screen.contains(QRect(box.pos(), OuterSize(box))); }));
+  EXPECT_TRUE(WaitUntil([&] { return screen.contains(QRect(box.pos(), OuterSize(box))); }));
 }
 
 TEST(MessageText, OneLineStaysOneLine) {

@@ -10,6 +10,7 @@
 #include <QWidget>
 #include <QWindow>
 
+#include "support/waits.h"
 #include "ui/placed_dialog.h"
 #include "ui/window_place.h"
 
@@ -19,7 +20,7 @@ namespace {
 /// Shown, and its frame is known.
 void ShowWithFrame(QWidget& window) {
   window.show();
-  ASSERT_TRUE(QTest::qWaitFor([&] { return IsFrameKnown(window); }));
+  ASSERT_TRUE(test::WaitUntil([&] { return IsFrameKnown(window); }));
 }
 
 TEST(Placement, CentresALittleAboveTheMiddle) {
@@ -114,10 +115,10 @@ TEST(Placement, ADialogIsPlacedEachTimeItAppears) {
   const QSize screen = QGuiApplication::primaryScreen()->geometry().size();
   for (int times = 0; times < 2; ++times) {
     dialog.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&dialog));
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&dialog, test::kLongestWaitMs));
     // A window manager takes its time, and may tell of an earlier place meanwhile.
     const auto isAt = [&dialog](const QPoint& place) {
-      return QTest::qWaitFor([&] { return dialog.pos() == place; });
+      return test::WaitUntil([&] { return dialog.pos() == place; });
     };
     EXPECT_TRUE(isAt(CentredPosition(screen, OuterSize(dialog))));
     dialog.move(5, 6);
@@ -155,14 +156,14 @@ TEST(Placement, NobodyLooksForAFrameThatIsThere) {
   TimerCount looks(place);
   place.Put([&] { window.move(40, 50); });
   ShowWithFrame(window);
-  ASSERT_TRUE(QTest::qWaitFor([&] { return looks.count > 0; }));
+  ASSERT_TRUE(test::WaitUntil([&] { return looks.count > 0; }));
   // Twenty looks would fit in.
   const auto rests = [&] {
     const int before = looks.count;
     QTest::qWait(200);
     return looks.count == before;
   };
-  EXPECT_TRUE(QTest::qWaitFor(rests, 4000));
+  EXPECT_TRUE(test::WaitUntil(rests));
   EXPECT_EQ(FrameOf(window), window.windowHandle()->frameMargins());
 }
 

@@ -4,6 +4,7 @@
 
 #include <QTest>
 
+#include "support/waits.h"
 #include "ui/held_pause.h"
 
 namespace quarn::test {
@@ -90,7 +91,7 @@ class Sleeper final : public PolledDialog {
 };
 
 bool WaitForTicks(const Sleeper& dialog, std::size_t count) {
-  return QTest::qWaitFor([&] { return dialog.ticks.size() >= count; }, 10'000);
+  return WaitUntil([&] { return dialog.ticks.size() >= count; });
 }
 
 TEST(PolledDialog, SleepsWhileItHasNothingToDo) {

@@ -47,9 +47,7 @@ QString FittingDescription(const QString& description, const QFontMetrics& metri
 }  // namespace
 
 CPortDetails::CPortDetails(QWidget* owner, const DialogContext& context)
-    : PortDialog(owner, context, QStringLiteral("CPortDetails")) {
-  context.state.open.detailedPortList = true;
-  Requests().detailedListClose = false;
+    : PortDialog(owner, context, Window::DetailedPortList, QStringLiteral("CPortDetails")) {
   CreateControls();
   ShowList();
   StartTicks();
@@ -182,27 +180,29 @@ bool CPortDetails::eventFilter(QObject* receiver, QEvent* event) {
   return PortDialog::eventFilter(receiver, event);
 }
 
-void CPortDetails::Look() {
+bool CPortDetails::HasToLook() const { return m_rowClicked || FrameOf(*this) != m_frame; }
+
+void CPortDetails::Look(int /*ticks*/) {
   if (FrameOf(*this) != m_frame) {
     LayOut();
     ShowMarkedRow();
   }
-  WindowRequests& requests = Requests();
-  if (!requests.detailedListClose && std::exchange(requests.detailedListRefresh, false)) {
-    if (std::exchange(requests.suppressNextClick, false)) {
+  if (!IsCloseAsked() && IsRefreshTaken()) {
+    if (std::exchange(Requests().suppressNextClick, false)) {
       ShowCurrentPort();
     } else {
       ShowList();
     }
   }
-  if (std::exchange(m_rowClicked, false) && !requests.detailedListClose) {
+  if (std::exchange(m_rowClicked, false) && !IsCloseAsked()) {
     Mark(m_selected);
     ApplySetRule(m_selected);
   }
-  if (requests.detailedListClose && !HasToStay()) {
-    requests.mainRefresh = true;
-    close();
-  }
+}
+
+void CPortDetails::CloseOnRequest() {
+  Requests().refresh.Add(Window::MainDialog);
+  close();
 }
 
 void CPortDetails::Connect() {
@@ -227,11 +227,6 @@ void CPortDetails::PressOk() {
   }
   RaiseConnectionRefreshes(Requests());
   close();
-}
-
-void CPortDetails::OnClose() {
-  Context().state.open.detailedPortList = false;
-  Requests().detailedListClose = false;
 }
 
 }  // namespace quarn

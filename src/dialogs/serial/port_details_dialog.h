@@ -19,8 +19,9 @@ class CPortDetails final : public PortDialog {
   CPortDetails(QWidget* owner, const DialogContext& context);
 
  protected:
-  void Look() override;
-  void OnClose() override;
+  void Look(int ticks) override;
+  [[nodiscard]] bool HasToLook() const override;
+  void CloseOnRequest() override;
   bool eventFilter(QObject* receiver, QEvent* event) override;
   void showEvent(QShowEvent* event) override;
 

@@ -8,11 +8,8 @@
 
 namespace quarn {
 
-PortDialog::PortDialog(QWidget* owner, const DialogContext& context, const QString& name)
-    : PolledDialog(owner), m_context(context) {
-  setObjectName(name);
-  setAttribute(Qt::WA_DeleteOnClose);
-}
+PortDialog::PortDialog(QWidget* owner, const DialogContext& context, Window window, const QString& name)
+    : ModelessWindow(owner, context.state, window, name), m_context(context) {}
 
 void PortDialog::reject() { close(); }
 
@@ -35,13 +32,8 @@ QPushButton* PortDialog::AddButton(const char* name, const QString& text, int co
   return button;
 }
 
-void PortDialog::OnTick(int /*ticks*/) {
-  if (!IsBusy()) Look();
-}
-
 void PortDialog::closeEvent(QCloseEvent* event) {
-  StopTicks();
-  OnClose();
+  MarkClosed();
   event->accept();
 }
 

@@ -20,9 +20,7 @@ constexpr int kWidthUnits = 190;  // the title is seen whole
 }  // namespace
 
 CPortNum::CPortNum(QWidget* owner, const DialogContext& context)
-    : PortDialog(owner, context, QStringLiteral("CPortNum")) {
-  context.state.open.portNumber = true;
-  Requests().portNumberClose = false;
+    : PortDialog(owner, context, Window::PortNumber, QStringLiteral("CPortNum")) {
   CreateControls();
   Fill();
   Show(ChoiceAtOpening(Situation()));
@@ -95,14 +93,20 @@ void CPortNum::PickItem() {
 
 void CPortNum::ReadControls() { m_selection = m_ports->currentText(); }
 
-void CPortNum::Look() {
+bool CPortNum::HasToLook() const {
+  return m_selection != m_ports->currentText() ||
+         m_set->isEnabled() != IsSetEnabled(Situation(), m_selection);
+}
+
+void CPortNum::Look(int /*ticks*/) {
   ReadControls();
   m_set->setEnabled(IsSetEnabled(Situation(), m_selection));
-  if (std::exchange(Requests().portNumberRefresh, false)) ShowListChange();
-  if (Requests().portNumberClose && !HasToStay()) {
-    Requests().portNumberRefresh = true;
-    close();
-  }
+  if (IsRefreshTaken()) ShowListChange();
+}
+
+void CPortNum::CloseOnRequest() {
+  Requests().refresh.Add(Window::PortNumber);
+  close();
 }
 
 void CPortNum::Set() {
@@ -117,7 +121,7 @@ void CPortNum::Set() {
   ShowListChange();
   // Nothing is left to set, and a click that was held back must not do it again.
   m_set->setEnabled(IsSetEnabled(Situation(), m_selection));
-  Requests().portNumberRefresh = true;
+  Requests().refresh.Add(Window::PortNumber);
 }
 
 void CPortNum::Apply() {
@@ -139,11 +143,6 @@ void CPortNum::PressOk() {
   }
   RaiseConnectionRefreshes(Requests());
   close();
-}
-
-void CPortNum::OnClose() {
-  Context().state.open.portNumber = false;
-  Requests().portNumberClose = false;
 }
 
 }  // namespace quarn

@@ -12,8 +12,9 @@ class CPortNum final : public PortDialog {
   CPortNum(QWidget* owner, const DialogContext& context);
 
  protected:
-  void Look() override;
-  void OnClose() override;
+  void Look(int ticks) override;
+  [[nodiscard]] bool HasToLook() const override;
+  void CloseOnRequest() override;
 
  private:
   void CreateControls();

@@ -47,10 +47,10 @@ QString Confirmation() { return QStringLiteral(": Confirmation"); }
 }  // namespace
 
 CPortSettings::CPortSettings(QWidget* owner, const DialogContext& context)
-    : PortDialog(owner, context, QStringLiteral("CPortSettings")),
+    : PortDialog(owner, context, Window::PortSettings, QStringLiteral("CPortSettings")),
       m_working(LineValuesOf(context.settings)),
       m_taken(m_working) {
-  Requests().portSettingsRefresh = false;
+  Requests().refresh.Remove(Window::PortSettings);
   CreateControls();
   ShowValues();
   Put([this] { PlaceOnScreenByPercent(*this, kXPercent, kYPercent); });
@@ -110,8 +110,8 @@ void CPortSettings::PickItem(int field) {
   ShowValues();
 }
 
-void CPortSettings::Look() {
-  if (!std::exchange(Requests().portSettingsRefresh, false)) return;
+void CPortSettings::Look(int /*ticks*/) {
+  if (!IsRefreshTaken()) return;
   const LineValues inForce = LineValuesOf(Context().settings);
   if (inForce != m_taken) m_working = m_taken = inForce;  // another file has been loaded
   ShowValues();

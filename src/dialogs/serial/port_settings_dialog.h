@@ -15,8 +15,7 @@ class CPortSettings final : public PortDialog {
   CPortSettings(QWidget* owner, const DialogContext& context);
 
  protected:
-  void Look() override;
-  void OnClose() override {}
+  void Look(int ticks) override;
 
  private:
   static constexpr int kFieldCount = 4;

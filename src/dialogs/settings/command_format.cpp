@@ -38,9 +38,7 @@ const OptionDialogPlan kFormatPlan{
     .buttons = kFormatButtons,
     .labels = kFormatLabels,
     .okId = 1013,
-    .open = &OpenWindows::commandFormat,
-    .refresh = &WindowRequests::commandFormatRefresh,
-    .close = &WindowRequests::commandFormatClose,
+    .window = Window::CommandFormat,
 };
 
 }  // namespace

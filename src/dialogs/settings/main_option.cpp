@@ -21,9 +21,7 @@ const OptionDialogPlan kMainPlan{
     .buttons = kMainButtons,
     .labels = kMainLabels,
     .okId = 1,
-    .open = &OpenWindows::mainDialogOption,
-    .refresh = &WindowRequests::mainOptionRefresh,
-    .close = &WindowRequests::mainOptionClose,
+    .window = Window::MainOption,
 };
 
 }  // namespace

@@ -20,7 +20,7 @@ void StoreOption(const DialogContext& context, const OptionBinding& option, cons
 }
 
 void StoreShownOption(const DialogContext& context, const OptionBinding& option, const QString& value) {
-  context.state.requests.terminalRefresh = true;
+  context.state.requests.refresh.Add(Window::TerminalScreen);
   StoreOption(context, option, value);
 }
 
@@ -42,7 +42,7 @@ void ChangePortSpeed(const DialogContext& context, const OptionBinding& option, 
 
 void ChangeInputMax(const DialogContext& context, const OptionBinding& option, const QString& value) {
   if (option.field.In(context.settings) == value) return;
-  if (context.state.open.terminalScreen) {
+  if (context.state.open.Contains(Window::TerminalScreen)) {
     if (!context.Messages().AskYesNo(QStringLiteral(": Confirmation"),
                                      QStringLiteral("Is it OK to clear the operation log ?"), QString(),
                                      QString(), AnswerByDefault::Refuse)) {
@@ -50,8 +50,8 @@ void ChangeInputMax(const DialogContext& context, const OptionBinding& option, c
     }
   }
   option.field.In(context.settings) = value;
-  context.state.requests.clearLog = context.state.open.terminalScreen;
-  context.state.requests.terminalRefresh = true;
+  context.state.requests.clearLog = context.state.open.Contains(Window::TerminalScreen);
+  context.state.requests.refresh.Add(Window::TerminalScreen);
   WriteOption(context, option);
 }
 

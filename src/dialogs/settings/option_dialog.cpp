@@ -3,7 +3,6 @@
 #include <QAbstractButton>
 #include <QGridLayout>
 #include <QLabel>
-#include <utility>
 
 #include "ui/control.h"
 #include "ui/dialog_button.h"
@@ -23,17 +22,12 @@ QString WordsOf(QString label) {
 }  // namespace
 
 OptionDialog::OptionDialog(QWidget* owner, const DialogContext& context, const OptionDialogPlan& plan)
-    : PolledDialog(owner),
+    : ModelessWindow(owner, context.state, plan.window, QString::fromLatin1(plan.className)),
       m_context(context),
       m_plan(plan),
       m_buttons(*this, plan.buttons,
                 [this](const OptionButton& option, const QString& value) { Change(option, value); }) {
-  setObjectName(QString::fromLatin1(m_plan.className));
-  setAttribute(Qt::WA_DeleteOnClose);
-  m_context.state.open.*m_plan.open = true;
-  // What was asked of one that is gone is not meant for this one.
-  m_context.state.requests.*m_plan.refresh = false;
-  m_context.state.requests.*m_plan.close = false;
+  Requests().refresh.Remove(m_plan.window);
   CreateLayout();
   Refresh();
   StartTicks();
@@ -131,25 +125,13 @@ void OptionDialog::Refresh() {
   m_buttons.Refresh(m_context.settings);
 }
 
-int OptionDialog::QuietTicks() const {
-  const WindowRequests& requests = m_context.state.requests;
-  return requests.*m_plan.refresh || requests.*m_plan.close ? 0 : TickPlan::kUntilWoken;
-}
-
-void OptionDialog::OnTick(int /*ticks*/) {
-  if (IsBusy()) return;
-  WindowRequests& requests = m_context.state.requests;
-  if (std::exchange(requests.*m_plan.refresh, false)) Refresh();
-  if (requests.*m_plan.close && !HasToStay()) reject();
+void OptionDialog::Look(int /*ticks*/) {
+  if (IsRefreshTaken()) Refresh();
 }
 
 void OptionDialog::done(int result) {
-  if (!HasToStay()) {
-    StopTicks();
-    m_context.state.open.*m_plan.open = false;
-    m_context.state.requests.*m_plan.close = false;
-  }
-  PolledDialog::done(result);
+  if (!HasToStay()) MarkClosed();
+  ModelessWindow::done(result);
 }
 
 }  // namespace quarn

@@ -6,8 +6,8 @@
 #include <span>
 
 #include "dialogs/dialog_context.h"
+#include "dialogs/modeless_window.h"
 #include "dialogs/settings/option_buttons.h"
-#include "ui/polled_dialog.h"
 
 class QGridLayout;
 class QPushButton;
@@ -28,22 +28,18 @@ struct OptionDialogPlan {
   std::span<const OptionButton> buttons;
   std::span<const OptionLabel> labels;
   int okId;
-  bool OpenWindows::*open;
-  bool WindowRequests::*refresh;
-  bool WindowRequests::*close;
+  Window window;
 };
 
-/// A dialog in which every click takes effect at once and OK only closes. Modeless; deletes itself when
-/// closed. Marks itself as open for as long as it is.
-class OptionDialog : public PolledDialog {
+/// A dialog in which every click takes effect at once and OK only closes.
+class OptionDialog : public ModelessWindow {
  public:
   void done(int result) override;
 
  protected:
   /// The plan's tables are not copied.
   OptionDialog(QWidget* owner, const DialogContext& context, const OptionDialogPlan& plan);
-  void OnTick(int ticks) override;
-  [[nodiscard]] int QuietTicks() const override;
+  void Look(int ticks) override;
 
  private:
   void CreateLayout();

@@ -45,9 +45,7 @@ const OptionDialogPlan kScreenPlan{
     .buttons = kScreenButtons,
     .labels = kScreenLabels,
     .okId = 1,
-    .open = &OpenWindows::terminalScreenOption,
-    .refresh = &WindowRequests::screenOptionRefresh,
-    .close = &WindowRequests::screenOptionClose,
+    .window = Window::ScreenOption,
 };
 
 }  // namespace

@@ -81,14 +81,11 @@ QPushButton* CreateButton(QWidget* parent, const QString& text, int controlId, Q
 }  // namespace
 
 CSetMem::CSetMem(QWidget* owner, const FunctionKeyTableContext& context)
-    : PolledDialog(owner), m_context(context), m_table(context.settings) {
-  setObjectName(QStringLiteral("CSetMem"));
+    : ModelessWindow(owner, context.state, Window::FunctionKeyTable, QStringLiteral("CSetMem")),
+      m_context(context),
+      m_table(context.settings) {
   setWindowTitle(QStringLiteral("Quarn - Function Key Table"));
-  setAttribute(Qt::WA_DeleteOnClose);
-  m_context.state.open.functionKeyTable = true;
-  // What was asked before it was there does not concern it.
-  m_context.state.requests.functionTableReload = false;
-  m_context.state.requests.functionTableClose = false;
+  Requests().refresh.Remove(Window::FunctionKeyTable);
 
   const DialogGrid grid(*this);
   auto* column = new QVBoxLayout(this);
@@ -195,18 +192,18 @@ void CSetMem::ShowState() {
 }
 
 void CSetMem::changeEvent(QEvent* event) {
-  PolledDialog::changeEvent(event);
+  ModelessWindow::changeEvent(event);
   if (event->type() != QEvent::PaletteChange) return;
   for (QLineEdit* field : m_fields) KeepReadable(*field, palette());
 }
 
 bool CSetMem::eventFilter(QObject* receiver, QEvent* event) {
   if (event->type() == QEvent::KeyPress && HandleKey(static_cast<QKeyEvent&>(*event))) return true;
-  return PolledDialog::eventFilter(receiver, event);
+  return ModelessWindow::eventFilter(receiver, event);
 }
 
 void CSetMem::keyPressEvent(QKeyEvent* event) {
-  if (!HandleKey(*event)) PolledDialog::keyPressEvent(event);
+  if (!HandleKey(*event)) ModelessWindow::keyPressEvent(event);
 }
 
 std::optional<QString> CSetMem::Pasted(QClipboard::Mode mode) {
@@ -228,28 +225,24 @@ bool CSetMem::HandleKey(const QKeyEvent& event) {
   }
   if (key == Qt::Key_Return || key == Qt::Key_Enter) {
     // A key held down sends once.
-    if (!event.isAutoRepeat() && !m_table.IsEditing()) m_context.state.requests.send = true;
+    if (!event.isAutoRepeat() && !m_table.IsEditing()) Requests().send = true;
     return true;
   }
   return key == Qt::Key_Escape;
 }
 
-void CSetMem::RequestStoredCommand(int index) {
-  m_context.state.requests.functionKey = true;
-  m_context.state.requests.functionKeyIndex = index;
-}
+void CSetMem::RequestStoredCommand(int index) { Requests().functionKey = index; }
 
 void CSetMem::PressFunctionButton(int index) {
   RequestStoredCommand(index);
-  m_context.state.requests.functionKeyCtrl =
-      QGuiApplication::keyboardModifiers().testFlag(Qt::ControlModifier);
-  if (m_context.state.open.terminalScreen) m_context.state.requests.focus = true;
+  Requests().functionKeyCtrl = QGuiApplication::keyboardModifiers().testFlag(Qt::ControlModifier);
+  if (State().open.Contains(Window::TerminalScreen)) Requests().focus = true;
 }
 
 void CSetMem::Send() {
-  if (!m_context.state.open.terminalScreen) return;
-  m_context.state.requests.sendAction = true;
-  m_context.state.requests.focus = true;
+  if (!State().open.Contains(Window::TerminalScreen)) return;
+  Requests().sendAction = true;
+  Requests().focus = true;
 }
 
 void CSetMem::ToggleEditing() {
@@ -258,7 +251,7 @@ void CSetMem::ToggleEditing() {
     m_table.FinishEditing();
     // A long command is read from its start.
     for (QLineEdit* field : m_fields) field->setCursorPosition(0);
-    m_context.state.requests.terminalRefresh = true;
+    Requests().refresh.Add(Window::TerminalScreen);
   } else {
     m_table.StartEditing();
   }
@@ -275,7 +268,7 @@ void CSetMem::Undo() {
     return;
   }
   m_table.Undo();
-  m_context.state.requests.terminalRefresh = true;
+  Requests().refresh.Add(Window::TerminalScreen);
   ShowTexts();
   ShowState();
 }
@@ -288,21 +281,11 @@ void CSetMem::Save() {
   ShowState();  // what was saved is neither to be saved nor to be taken back
 }
 
-int CSetMem::QuietTicks() const {
-  const WindowRequests& requests = m_context.state.requests;
-  return requests.functionTableReload || requests.functionTableClose ? 0 : TickPlan::kUntilWoken;
-}
-
-void CSetMem::OnTick(int /*ticks*/) {
-  // A message box of this window is up: everything waits until it is gone.
-  if (IsBusy()) return;
-  WindowRequests& requests = m_context.state.requests;
-  if (std::exchange(requests.functionTableReload, false)) {
-    m_table.Reload();
-    ShowTexts();
-    ShowState();
-  }
-  if (!HasToStay() && std::exchange(requests.functionTableClose, false)) close();
+void CSetMem::Look(int /*ticks*/) {
+  if (!IsRefreshTaken()) return;
+  m_table.Reload();
+  ShowTexts();
+  ShowState();
 }
 
 void CSetMem::closeEvent(QCloseEvent* event) {
@@ -315,11 +298,9 @@ void CSetMem::closeEvent(QCloseEvent* event) {
     return;
   }
   m_context.savedWindowRect = frameGeometry();
-  m_context.state.open.functionKeyTable = false;
-  m_context.state.requests.functionTableClose = false;
-  m_context.state.requests.mainRefresh = true;  // its menu item can be chosen again
-  StopTicks();
-  PolledDialog::closeEvent(event);
+  MarkClosed();
+  Requests().refresh.Add(Window::MainDialog);  // its menu item can be chosen again
+  ModelessWindow::closeEvent(event);
 }
 
 }  // namespace quarn

@@ -7,11 +7,10 @@
 #include <optional>
 
 #include "base/message_operations.h"
-#include "dialogs/shared_state.h"
+#include "dialogs/modeless_window.h"
 #include "settings/settings_record.h"
 #include "terminal/function_key_table.h"
 #include "ui/input_hold.h"
-#include "ui/polled_dialog.h"
 
 class QBoxLayout;
 class QKeyEvent;
@@ -30,14 +29,12 @@ struct FunctionKeyTableContext {
 };
 
 /// The ten stored commands: shown, edited, saved, and handed to the Terminal Screen through its requests.
-/// Modeless; deletes itself when closed. It sets and clears its open flag.
-class CSetMem final : public PolledDialog {
+class CSetMem final : public ModelessWindow {
  public:
   CSetMem(QWidget* owner, const FunctionKeyTableContext& context);
 
  protected:
-  void OnTick(int ticks) override;
-  [[nodiscard]] int QuietTicks() const override;
+  void Look(int ticks) override;
   bool eventFilter(QObject* receiver, QEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void changeEvent(QEvent* event) override;

@@ -52,9 +52,8 @@ QFont FontThatFits(const QPushButton& button, QSize size) {
 }  // namespace
 
 CTerminalScreen::CTerminalScreen(QWidget* owner, const TerminalScreenContext& context)
-    : PolledDialog(owner), m_context(context) {
-  setObjectName(QStringLiteral("CTerminalScreen"));
-  setAttribute(Qt::WA_DeleteOnClose);
+    : ModelessWindow(owner, context.state, Window::TerminalScreen, QStringLiteral("CTerminalScreen")),
+      m_context(context) {
   setAttribute(Qt::WA_OpaquePaintEvent);
   // Dead keys and input methods come as committed text.
   setAttribute(Qt::WA_InputMethodEnabled);
@@ -202,7 +201,7 @@ void CTerminalScreen::ShowCommandLine() {
 void CTerminalScreen::ShowWaitingText(const QString& text) { m_commandDisplay->SetText(text); }
 
 void CTerminalScreen::changeEvent(QEvent* event) {
-  PolledDialog::changeEvent(event);
+  ModelessWindow::changeEvent(event);
   // The desktop's colours have changed; some of them are in the palettes of the lines.
   if (event->type() == QEvent::PaletteChange) ApplyColours();
 }
@@ -212,18 +211,15 @@ void CTerminalScreen::paintEvent(QPaintEvent* event) {
 }
 
 void CTerminalScreen::showEvent(QShowEvent* event) {
-  PolledDialog::showEvent(event);
+  ModelessWindow::showEvent(event);
   if (!event->spontaneous()) TakeFocus();
 }
 
 void CTerminalScreen::closeEvent(QCloseEvent* event) {
   m_context.savedWindowRect = frameGeometry();
-  m_context.state.open.terminalScreen = false;
-  m_context.state.requests.terminalClose = false;
-  m_context.state.requests.terminalRefresh = true;
-  m_context.state.requests.mainRefresh = true;
-  StopTicks();
-  PolledDialog::closeEvent(event);
+  MarkClosed();
+  Requests().refresh.Add({Window::TerminalScreen, Window::MainDialog});
+  ModelessWindow::closeEvent(event);
 }
 
 }  // namespace quarn

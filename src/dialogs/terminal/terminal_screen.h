@@ -8,13 +8,12 @@
 #include <vector>
 
 #include "base/message_operations.h"
-#include "dialogs/shared_state.h"
+#include "dialogs/modeless_window.h"
 #include "settings/settings_record.h"
 #include "terminal/execute_command.h"
 #include "terminal/screen_layout.h"
 #include "terminal/terminal_keys.h"
 #include "ui/input_hold.h"
-#include "ui/polled_dialog.h"
 
 class QMenu;
 
@@ -38,8 +37,8 @@ struct TerminalScreenContext {
   std::function<void()> openScreenOption = {};
 };
 
-/// The window in which commands are typed and the log is read. Modeless; deletes itself when closed.
-class CTerminalScreen final : public PolledDialog, private TransactionHost {
+/// The window in which commands are typed and the log is read.
+class CTerminalScreen final : public ModelessWindow, private TransactionHost {
  public:
   CTerminalScreen(QWidget* owner, const TerminalScreenContext& context);
 
@@ -50,7 +49,8 @@ class CTerminalScreen final : public PolledDialog, private TransactionHost {
   [[nodiscard]] QMenu& ContextMenu() { return *m_menu; }
 
  protected:
-  void OnTick(int ticks) override;
+  void Look(int ticks) override;
+  [[nodiscard]] bool HasToLook() const override;
   [[nodiscard]] int QuietTicks() const override;
   bool eventFilter(QObject* receiver, QEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;

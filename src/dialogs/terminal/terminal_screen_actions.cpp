@@ -6,6 +6,8 @@
 #include <QKeyEvent>
 #include <QMenu>
 #include <QWheelEvent>
+#include <algorithm>
+#include <optional>
 #include <utility>
 
 #include "dialogs/terminal/terminal_screen.h"
@@ -45,7 +47,7 @@ bool CTerminalScreen::eventFilter(QObject* receiver, QEvent* event) {
     default:
       break;
   }
-  return PolledDialog::eventFilter(receiver, event);
+  return ModelessWindow::eventFilter(receiver, event);
 }
 
 void CTerminalScreen::inputMethodEvent(QInputMethodEvent* event) {
@@ -56,7 +58,7 @@ void CTerminalScreen::inputMethodEvent(QInputMethodEvent* event) {
 QVariant CTerminalScreen::inputMethodQuery(Qt::InputMethodQuery query) const {
   if (query == Qt::ImEnabled) return true;
   if (query == Qt::ImCursorRectangle) return CommandDisplayRect(m_context.settings);
-  return PolledDialog::inputMethodQuery(query);
+  return ModelessWindow::inputMethodQuery(query);
 }
 
 void CTerminalScreen::TypeText(const QString& text) {
@@ -74,7 +76,7 @@ void CTerminalScreen::keyPressEvent(QKeyEvent* event) {
   // A key that a button passed up has been looked at already; only the window's own keys are new here.
   const bool own = QApplication::focusWidget() == nullptr || QApplication::focusWidget() == this;
   if (own && HandleKey(*event)) return;
-  if (event->key() != Qt::Key_Escape) PolledDialog::keyPressEvent(event);
+  if (event->key() != Qt::Key_Escape) ModelessWindow::keyPressEvent(event);
 }
 
 bool CTerminalScreen::HandleKey(const QKeyEvent& event) {
@@ -143,7 +145,7 @@ bool CTerminalScreen::HandleKey(const QKeyEvent& event) {
 
 void CTerminalScreen::LoadStoredCommand(int index, bool append) {
   m_context.commandLine.LoadStored(m_context.settings.mem[static_cast<std::size_t>(index)], append);
-  m_context.state.requests.terminalRefresh = true;
+  Requests().refresh.Add(Window::TerminalScreen);
   ShowCommandLine();
 }
 
@@ -208,8 +210,8 @@ void CTerminalScreen::Transact() {
   RedrawLogRows();
   if (result == TransactionResult::Aborted) {
     // What another window asked to send before is typed ahead as well.
-    m_context.state.requests.send = false;
-    m_context.state.requests.sendAction = false;
+    Requests().send = false;
+    Requests().sendAction = false;
   }
   if (result != TransactionResult::LogFull) return;
   m_context.messages.ShowTransientMessage(QStringLiteral("Error: No remaining memory for log buffer"), {});
@@ -246,24 +248,23 @@ void CTerminalScreen::TakeFocus() {
   }
 }
 
+bool CTerminalScreen::HasToLook() const { return FrameOf(*this) != m_frame; }
+
 int CTerminalScreen::QuietTicks() const {
   if (IsBusy()) return TickPlan::kUntilWoken;
-  if (IsTerminalAsked(m_context.state.requests) || FrameOf(*this) != m_frame) return 0;
-  return isActiveWindow() ? m_context.commandLine.TicksToBlink() - 1 : TickPlan::kUntilWoken;
+  const int untilAsked = ModelessWindow::QuietTicks();
+  return isActiveWindow() ? std::min(untilAsked, m_context.commandLine.TicksToBlink() - 1) : untilAsked;
 }
 
-void CTerminalScreen::OnTick(int ticks) {
-  // A message box or a transaction of this window is under way: everything waits until it is over.
-  if (IsBusy()) return;
+void CTerminalScreen::Look(int ticks) {
   const bool foreground = isActiveWindow();
   PerformRequests();
   if (foreground && m_context.commandLine.Tick(ticks)) ShowCommandLine();
   if (FrameOf(*this) != m_frame) ApplyWindowSize();
-  if (!HasToStay() && Take(m_context.state.requests.terminalClose)) close();
 }
 
 void CTerminalScreen::PerformRequests() {
-  WindowRequests& requests = m_context.state.requests;
+  WindowRequests& requests = Requests();
   if (Take(requests.focus)) TakeFocus();
   if (Take(requests.clearLog)) {
     m_context.commandLine.Reset();
@@ -271,9 +272,9 @@ void CTerminalScreen::PerformRequests() {
     ShowCommandLine();
   }
   if (Take(requests.sendAction)) SendAction();
-  if (Take(requests.terminalRefresh)) RefreshAll();
-  if (Take(requests.functionKey)) {
-    LoadStoredCommand(requests.functionKeyIndex, requests.functionKeyCtrl);
+  if (IsRefreshTaken()) RefreshAll();
+  if (const std::optional<int> index = std::exchange(requests.functionKey, std::nullopt)) {
+    LoadStoredCommand(*index, requests.functionKeyCtrl);
   }
   if (Take(requests.send)) SendIfTyped();
 }
@@ -281,7 +282,7 @@ void CTerminalScreen::PerformRequests() {
 void CTerminalScreen::wheelEvent(QWheelEvent* event) {
   m_context.log.ScrollByWheel(event->angleDelta().y());
   RedrawLogRows();
-  PolledDialog::wheelEvent(event);
+  ModelessWindow::wheelEvent(event);
 }
 
 void CTerminalScreen::contextMenuEvent(QContextMenuEvent* event) {
