@@ -282,7 +282,9 @@ TEST_F(Boxes, TheListThatOnePortTooManyClosesIsThereUntilTheyAreOver) {
     Present(30);
     LetWindowsTick();
     // It stays under its box, and goes as soon as that is over.
-    EXPECT_TRUE(QTest::qWaitFor([&] { return list.isNull() == !overTheList; }));
+    // Closed is enough: the loop in which it has been closed may be the one that this box holds up.
+    const auto isClosed = [&] { return list.isNull() || !list->isVisible(); };
+    EXPECT_TRUE(QTest::qWaitFor([&] { return isClosed() == !overTheList; }));
   });
   Present(31);
   ASSERT_TRUE(QTest::qWaitFor([&] { return list.isNull() && told.size() == 2; }, 20'000));
