@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
+#include <QMessageBox>
 #include <QRadioButton>
 #include <QSet>
 
@@ -127,6 +128,22 @@ TEST_P(EveryWindowsNames, ReachEachItemOfAMenu) {
     }
     EXPECT_FALSE(texts.isEmpty());
     EXPECT_EQ(names, texts);
+  });
+}
+
+TEST_P(EveryWindowsNames, LetATestFindEachControl) {
+  Visit([](QWidget& shown) {
+    if (qobject_cast<QMessageBox*>(&shown) != nullptr) return;  // the toolkit's own
+    QSet<QString> found;
+    for (const QWidget* widget : shown.findChildren<QWidget*>()) {
+      const std::optional<QAccessible::Role> role = RoleOfKind(*widget);
+      if (!role || !IsInteractive(*role) || widget->window() != &shown) continue;
+      const QString name = widget->objectName();
+      EXPECT_NE(name, QString()) << qAccessibleRoleString(*role) << " of "
+                                 << shown.objectName().toStdString();
+      EXPECT_FALSE(found.contains(name)) << "two are called " << name.toStdString();
+      found.insert(name);
+    }
   });
 }
 
