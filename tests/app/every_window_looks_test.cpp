@@ -9,6 +9,7 @@
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QRadioButton>
+#include <QSet>
 #include <QStyleOptionButton>
 #include <QStyleOptionComboBox>
 #include <QTransform>
@@ -17,6 +18,7 @@
 #include "app/display.h"
 #include "app/every_window.h"
 #include "support/dialog_controls.h"
+#include "ui/dialog_grid.h"
 #include "ui/static_text.h"
 
 namespace quarn::test {
@@ -181,6 +183,30 @@ void ExpectReadable(QWidget& window, const char* desktop) {
         << each.control << " on a " << desktop << " desktop";
   }
   EXPECT_GT(read, 0);
+}
+
+/// Whether the window is laid out as the dialogs are. The main dialog, the Terminal Screen and the splash
+/// have their own measures, the detailed list keeps its button in a row below, and what has no name is the
+/// toolkit's.
+bool KeepsTheDialogsMargins(const QWidget& window) {
+  static const QSet<QString> others{QString(), "CQuarnDlg", "CTerminalScreen", "CSplashPage", "CPortDetails"};
+  return !others.contains(window.objectName());
+}
+
+TEST_P(EveryWindowsLooks, KeepTheSameMarginOnEverySide) {
+  Visit([](QWidget& shown) {
+    if (!KeepsTheDialogsMargins(shown)) return;
+    QRect filled;
+    for (const QWidget* each : shown.findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly)) {
+      if (each->isVisible() && each->window() == &shown) filled |= each->geometry();
+    }
+    const int margin = DialogGrid(shown).Width(DialogGrid::kMargin);
+    constexpr int kRounding = 2;
+    EXPECT_NEAR(filled.left(), margin, kRounding);
+    EXPECT_NEAR(filled.top(), margin, kRounding);
+    EXPECT_NEAR(shown.rect().right() - filled.right(), margin, kRounding);
+    EXPECT_NEAR(shown.rect().bottom() - filled.bottom(), margin, kRounding);
+  });
 }
 
 TEST_P(EveryWindowsLooks, ReadWellOnABrightDesktop) {

@@ -136,6 +136,19 @@ TEST(LongMessages, TheScrolledTextCanBeReachedWithKeysAlone) {
   EXPECT_FALSE(box.isVisible()) << "Enter still presses the default button";
 }
 
+TEST(LongMessages, EnterInTheTextGivesTheAnswerByDefault) {
+  for (const AnswerByDefault byDefault : {AnswerByDefault::Agree, AnswerByDefault::Refuse}) {
+    CConfirmYesNo box(nullptr, kErrorSuffix, kLongPath + kLongPath, QString(), QString(), byDefault);
+    ShowActive(box);
+    auto* scroll = box.findChild<QScrollArea*>();
+    ASSERT_NE(scroll, nullptr);
+    scroll->setFocus();
+    Press(Qt::Key_Return);
+    EXPECT_FALSE(box.isVisible());
+    EXPECT_EQ(box.Answer(), byDefault == AnswerByDefault::Agree ? 1 : 0);
+  }
+}
+
 TEST(LongMessages, ManyLineBreaksScrollToo) {
   CConfirmOK box(nullptr, kErrorSuffix, QStringLiteral("line\t\n").repeated(500), QString(), QString());
   ShowActive(box);
