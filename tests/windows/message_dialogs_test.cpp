@@ -3,11 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <QAccessible>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QScreen>
+#include <QVBoxLayout>
 
 #include "support/dialog_controls.h"
 #include "support/window_places.h"
+#include "ui/dialog_button.h"
 #include "ui/placement.h"
 
 namespace quarn::test {
@@ -174,6 +177,35 @@ TEST(MessageDialogs, StandCentredOrWhereTheyWerePut) {
   COneshotMsgPos unplaced(nullptr, kA, std::nullopt);
   ShowActive(unplaced);
   EXPECT_TRUE(StandsAt(unplaced, [&] { return CentredPosition(screen, OuterSize(unplaced)); }));
+}
+
+/// A button of this kind in a dialog that has the keyboard, as it looks.
+template <typename Button>
+QImage LookOf(bool hasFocus, bool isDefault) {
+  QDialog dialog;
+  auto* column = new QVBoxLayout(&dialog);
+  auto* other = new QLineEdit(&dialog);
+  auto* button = new Button(QStringLiteral("OK"), &dialog);
+  button->setAutoDefault(false);
+  button->setDefault(isDefault);
+  column->addWidget(other);
+  column->addWidget(button);
+  ShowActive(dialog);
+  other->setFocus();
+  // Focus that a key has moved is shown.
+  if (hasFocus) Press(Qt::Key_Tab);
+  EXPECT_EQ(button->hasFocus(), hasFocus);
+  return button->grab().toImage();
+}
+
+TEST(DialogButtons, AFurtherLineShowsThatTheDefaultButtonHasTheFocus) {
+  for (const bool hasFocus : {false, true}) {
+    for (const bool isDefault : {false, true}) {
+      const bool asAnyButton =
+          LookOf<DialogButton>(hasFocus, isDefault) == LookOf<QPushButton>(hasFocus, isDefault);
+      EXPECT_EQ(asAnyButton, !(hasFocus && isDefault)) << hasFocus << isDefault;
+    }
+  }
 }
 
 }  // namespace
