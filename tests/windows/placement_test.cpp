@@ -136,5 +136,35 @@ TEST(Placement, DialogUnitsGrowWithTheFont) {
   EXPECT_GT(twice.height(), normal.height() * 3 / 2);
 }
 
+/// How often something looked at by a timer of its own has looked.
+class TimerCount : public QObject {
+ public:
+  explicit TimerCount(QObject& looking) { looking.installEventFilter(this); }
+  int count = 0;
+
+ protected:
+  bool eventFilter(QObject* /*watched*/, QEvent* event) override {
+    if (event->type() == QEvent::Timer) ++count;
+    return false;
+  }
+};
+
+TEST(Placement, NobodyLooksForAFrameThatIsThere) {
+  QWidget window;
+  WindowPlace place(window);
+  TimerCount looks(place);
+  place.Put([&] { window.move(40, 50); });
+  ShowWithFrame(window);
+  ASSERT_TRUE(QTest::qWaitFor([&] { return looks.count > 0; }));
+  // Twenty looks would fit in.
+  const auto rests = [&] {
+    const int before = looks.count;
+    QTest::qWait(200);
+    return looks.count == before;
+  };
+  EXPECT_TRUE(QTest::qWaitFor(rests, 4000));
+  EXPECT_EQ(FrameOf(window), window.windowHandle()->frameMargins());
+}
+
 }  // namespace
 }  // namespace quarn
