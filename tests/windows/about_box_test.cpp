@@ -176,5 +176,13 @@ TEST_F(AboutBox, CanBeReadAloud) {
   EXPECT_EQ(name(m_box.findChild<QLabel*>(QStringLiteral("logo"))), QStringLiteral("Quarn"));
 }
 
+TEST_F(AboutBox, TheLinkFollowsALargerFontWhileItIsShown) {
+  ShowActive(m_box);
+  const QSize before = Label(kLink)->sizeHint();
+  const FontScale scale(200);
+  EXPECT_TRUE(QTest::qWaitFor([&] { return Label(kLink)->width() > before.width() * 3 / 2; }));
+  EXPECT_GE(Label(kLink)->height(), before.height() * 3 / 2);
+}
+
 }  // namespace
 }  // namespace quarn::test

@@ -94,5 +94,15 @@ TEST(SplashPage, AnotherTimersTickDoesNotEndIt) {
   EXPECT_TRUE(splash.isVisible());
 }
 
+TEST(SplashPage, ItsContentsStandInItsMiddle) {
+  CSplashPage splash;
+  ShowActive(splash);
+  QRect filled;
+  for (const QLabel* label : splash.findChildren<QLabel*>()) filled |= label->geometry();
+  constexpr int kRounding = 2;
+  EXPECT_NEAR(filled.left(), splash.rect().right() - filled.right(), kRounding);
+  EXPECT_NEAR(filled.top(), splash.rect().bottom() - filled.bottom(), kRounding);
+}
+
 }  // namespace
 }  // namespace quarn::test
