@@ -232,6 +232,14 @@ TEST_F(MainDialog, MenuBarThatFitsDoesNotWrap) {
   EXPECT_TRUE(dialog.MenuBarWraps());
 }
 
+TEST_F(MainDialog, TheLogoStandsAboveTheStatusLineAtTheRight) {
+  const auto* logo = dialog.findChild<QLabel*>(QStringLiteral("logo"));
+  const QRect status = Control<QLabel>(1075)->geometry();
+  EXPECT_LT(logo->geometry().bottom(), status.top());
+  EXPECT_EQ(logo->geometry().right(), status.right());
+  EXPECT_LT(Control<QLabel>(1076)->geometry().right(), logo->geometry().left());
+}
+
 TEST(MainDialogBeforeItsFirstShow, KnowsWhetherItsMenuBarWraps) {
   struct Unshown : AppTest {
     void TestBody() override {
