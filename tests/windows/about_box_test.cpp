@@ -184,5 +184,15 @@ TEST_F(AboutBox, TheLinkFollowsALargerFontWhileItIsShown) {
   EXPECT_GE(Label(kLink)->height(), before.height() * 3 / 2);
 }
 
+TEST_F(AboutBox, TheLogoHasItsSizeInDialogUnits) {
+  for (const int percent : {100, 150}) {
+    const FontScale scale(percent);
+    const CAboutBox box(m_opener, m_messages);
+    const int side = MapDialogUnits(box.font(), {0, 0, 0, 44}).height();
+    const auto* logo = box.findChild<QLabel*>(QStringLiteral("logo"));
+    EXPECT_EQ(logo->pixmap(Qt::ReturnByValue).deviceIndependentSize().toSize(), QSize(side, side));
+  }
+}
+
 }  // namespace
 }  // namespace quarn::test
