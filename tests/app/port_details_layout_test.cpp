@@ -35,6 +35,7 @@ TEST_F(PortDetailsDialog, WithoutPortsThereIsOnlyTheStatusLine) {
   EXPECT_FALSE(Button(kSetId).isEnabled());
   EXPECT_FALSE(Button(kSetId).isVisible());
   EXPECT_FALSE(Button(kOkId).isVisible());
+  EXPECT_FALSE(window->findChild<QScrollArea*>()->isVisible()) << "nothing to be read in it";
   EXPECT_EQ(window->windowTitle(), "Quarn - Detailed COM Port List  (NONE)  ");
   QTest::keyClick(window, Qt::Key_Escape);
   EXPECT_TRUE(IsGone());
@@ -133,6 +134,25 @@ TEST_F(PortDetailsDialog, TitleIsSeenWholeWithLargerFonts) {
     EXPECT_TRUE(TitleFits(*window, window->windowTitle()));
     EXPECT_TRUE(TitleFits(*window, PortDetailsTitle({QStringLiteral("COM99"), false, {}},
                                                     QStringLiteral(" Connecting Port ... "))));
+    delete window;
+  }
+}
+
+TEST_F(PortDetailsDialog, TheButtonsStandBelowTheRowsAndNearerToThemThanToTheEdge) {
+  for (const int rows : {1, 3, 7}) {
+    ListOnly(rows);
+    Open();
+    const QRect list = window->findChild<QScrollArea*>()->geometry();
+    EXPECT_EQ(list.height(), rows * MapDialogUnits(window->font(), {0, 0, 0, 16}).height()) << "all are seen";
+    for (const int id : {kSetId, kOkId}) {
+      const QRect button = Button(id).geometry();
+      const int above = button.top() - list.bottom();
+      const int below = window->rect().bottom() - button.bottom();
+      EXPECT_GT(above, 0);
+      EXPECT_LT(above, below);
+      const QMargins frame = FrameOf(*window);
+      EXPECT_EQ(below, (53 - frame.top() - frame.bottom()) * 2 / 3) << "with the frame as without one";
+    }
     delete window;
   }
 }
