@@ -72,6 +72,20 @@ TEST(WrongOption, IsAWordWithADashThatNobodyKnows) {
   }
 }
 
+TEST(WrongOption, IsNoValueOfAnOptionThatTakesOne) {
+  const QString wrong = u"--foo"_s;
+  for (const char* name :
+       {"display", "geometry", "icon", "platform", "platformpluginpath", "platformtheme", "plugin",
+        "qwindowgeometry", "qwindowicon", "qwindowtitle", "session", "style", "stylesheet", "title"}) {
+    const QString option = QLatin1Char('-') + QLatin1String(name);
+    EXPECT_EQ(WrongOption({u"quarn"_s, option, wrong}), QString()) << name;
+    EXPECT_EQ(WrongOption({u"quarn"_s, option + u"=x"_s, wrong}), wrong) << name;
+  }
+  for (const char* name : {"dograb", "nograb", "reverse", "widgetcount"}) {
+    EXPECT_EQ(WrongOption({u"quarn"_s, QLatin1Char('-') + QLatin1String(name), wrong}), wrong) << name;
+  }
+}
+
 TEST(AnswerAtOnce, IsForThoseWhoNeedNoWindow) {
   EXPECT_EQ(AnswerAtOnce({u"quarn"_s, u"a.qrn"_s}), std::nullopt);
   EXPECT_EQ(AnswerAtOnce({u"quarn"_s, u"--foo"_s}), 64);

@@ -75,11 +75,13 @@ TEST_F(QrnFile, AnyOtherIsReportedAndNotReturned) {
   EXPECT_EQ(messages.shown, (QStringList{kNotFound, kInvalid, kInvalid}));
 }
 
-TEST_F(QrnFile, EveryPositiveCodeHasOneTextAndOtherNegativeOnesHaveNone) {
+TEST_F(QrnFile, EveryPositiveCodeHasOneTextAndOtherOnesHaveNone) {
   RecordedMessages messages;
   TellQrnFailure(1, messages);
   TellQrnFailure(-2, messages);
-  EXPECT_EQ(messages.shown, (QStringList{kInvalid, QStringLiteral("error/: Error///")}));
+  TellQrnFailure(0, messages);
+  const QString noText = QStringLiteral("error/: Error///");
+  EXPECT_EQ(messages.shown, (QStringList{kInvalid, noText, noText}));
 }
 
 }  // namespace
