@@ -252,5 +252,19 @@ TEST(MainDialogBeforeItsFirstShow, KnowsWhetherItsMenuBarWraps) {
   Unshown().TestBody();
 }
 
+TEST(MainDialogBeforeItsFirstShow, OffersNothingThatCannotBeUsed) {
+  struct Fresh : AppTest {
+    void TestBody() override {
+      const CQuarnDlg dialog(program);
+      QSet<int> disabled;
+      for (const QAction* action : dialog.findChildren<QAction*>()) {
+        if (!action->isEnabled()) disabled.insert(action->property(kControlIdProperty).toInt());
+      }
+      EXPECT_EQ(disabled, (QSet<int>{57603, 32807, 32789, 32801, 32805}));
+    }
+  };
+  Fresh().TestBody();
+}
+
 }  // namespace
 }  // namespace quarn::test

@@ -104,5 +104,15 @@ TEST(SplashPage, ItsContentsStandInItsMiddle) {
   EXPECT_NEAR(filled.top(), splash.rect().bottom() - filled.bottom(), kRounding);
 }
 
+TEST(SplashPage, StaysItsTimeEachTime) {
+  CSplashPage splash(nullptr, 300);
+  EXPECT_EQ(splash.exec(), 1);
+  QTest::qWait(150);  // a timer that went on would be half through
+  QElapsedTimer clock;
+  clock.start();
+  EXPECT_EQ(splash.exec(), 1);
+  EXPECT_GE(clock.elapsed(), 250);
+}
+
 }  // namespace
 }  // namespace quarn::test
