@@ -73,6 +73,21 @@ TEST_F(LostLineTest, AnsweredNoForgetsThePort) {
   EXPECT_EQ(program.state.currentPortName, QStringLiteral("NONE"));
 }
 
+TEST_F(LostLineTest, EveryWindowIsToldBeforeTheOfferAndAfterItsAnswer) {
+  AwayAndBack();
+  messages.answers = {false};
+  bool toldBefore = false;
+  whileShown = [&] {
+    if (messages.shown.last() != kOffer) return;
+    toldBefore = ConnectionRefreshesRaised();
+    // The windows look at what is asked of them while the question is up.
+    program.state.requests = {};
+  };
+  Ticks(5);
+  EXPECT_TRUE(toldBefore);
+  EXPECT_TRUE(ConnectionRefreshesRaised());
+}
+
 TEST_F(LostLineTest, IsSeenAfterTheMessageAboutAnotherPort) {
   ports.names.append("COM9");
   messages.answers = {false};
