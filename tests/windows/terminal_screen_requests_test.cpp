@@ -246,5 +246,15 @@ TEST_F(TerminalRequests, TheCursorBlinksInTheForegroundOnly) {
   EXPECT_FALSE(Until(watch, 1500));
 }
 
+TEST_F(TerminalRequests, FocusIsTakenFromAnotherWindow) {
+  Open();
+  QDialog other;
+  other.show();
+  other.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+  state.requests.focus = true;
+  EXPECT_TRUE(Until([this] { return window->isActiveWindow(); }));
+}
+
 }  // namespace
 }  // namespace quarn::test
