@@ -313,5 +313,22 @@ TEST_F(PortDetailsDialog, NothingSlipsIntoAConnectThatIsUnderWay) {
   EXPECT_EQ(Happened(), (QStringList{"pause 500", ChoiceConnected("COM3")}));
 }
 
+TEST_F(PortDetailsDialog, AfterARefusalTheCurrentPortIsTheOneThatIsSelected) {
+  Plug("COM3");
+  Plug("COM4");
+  ConnectTo("COM3");
+  Open();
+  ClickRadio(1);
+  Unplug("COM4");
+  Click(kSetId);
+  EXPECT_EQ(Happened(), (QStringList{"pause 500", ChoiceFailed("COM4", "")}));
+  EXPECT_EQ(Checked(), QList<int>{0});
+  WaitForATick();
+  EXPECT_EQ(Checked(), QList<int>{0});
+  Click(kOkId);
+  EXPECT_TRUE(IsGone());
+  EXPECT_EQ(Happened(), QStringList());
+}
+
 }  // namespace
 }  // namespace quarn::test

@@ -158,5 +158,17 @@ TEST_F(PortDetailsDialog, TheButtonsStandBelowTheRowsAndNearerToThemThanToTheEdg
   }
 }
 
+TEST_F(PortDetailsDialog, MovesUpWhenMoreRowsWouldNotFitBelow) {
+  ListOnly(1);
+  Open();
+  const QRect available = window->screen()->availableGeometry();
+  const auto bottom = [this] { return window->y() + OuterSize(*window).height(); };
+  window->move(window->x(), available.bottom() + 1 - OuterSize(*window).height());
+  ASSERT_TRUE(WaitUntil([&] { return bottom() == available.bottom() + 1; }));
+  ListOnly(20);
+  AskForTheList();
+  EXPECT_TRUE(WaitUntil([&] { return RowsShown() == 20 && bottom() <= available.bottom() + 1; }));
+}
+
 }  // namespace
 }  // namespace quarn::test

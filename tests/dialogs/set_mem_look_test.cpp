@@ -73,5 +73,12 @@ TEST_F(SetMemLook, ClipsNothingInAnyMode) {
   }
 }
 
+TEST_F(SetMemLook, EachFieldSaysWhichKeyItBelongsTo) {
+  OpenTable();
+  for (int i = 0; i < 10; ++i) {
+    EXPECT_EQ(Field(i).accessibleDescription(), QStringLiteral("Stored command of F%1").arg(i + 1));
+  }
+}
+
 }  // namespace
 }  // namespace quarn::test

@@ -246,5 +246,27 @@ TEST_F(TerminalRequests, TheCursorBlinksInTheForegroundOnly) {
   EXPECT_FALSE(Until(watch, 1500));
 }
 
+TEST_F(TerminalRequests, FocusIsTakenFromAnotherWindow) {
+  Open();
+  QDialog other;
+  other.show();
+  other.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+  state.requests.focus = true;
+  EXPECT_TRUE(Until([this] { return window->isActiveWindow(); }));
+}
+
+TEST_F(TerminalRequests, TheLineThatIsClearedIsSeenEmptyInTheBackgroundToo) {
+  Open();
+  Type("ab");
+  ASSERT_TRUE(Until([this] { return DisplayedCommand().startsWith(u"ab"); }));
+  QDialog other;
+  other.show();
+  other.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+  state.requests.clearLog = true;
+  EXPECT_TRUE(Until([this] { return !DisplayedCommand().contains(u"ab"); }));
+}
+
 }  // namespace
 }  // namespace quarn::test

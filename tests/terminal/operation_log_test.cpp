@@ -250,5 +250,14 @@ TEST(OperationLog, CommandsWithOtherLettersAreShownAsTyped) {
   EXPECT_EQ(log.RowText(0, kOff), QStringLiteral("[µ5]\r"));
 }
 
+TEST(OperationLog, AnEmptyLineMayComeFirst) {
+  OperationLog log;
+  log.AppendLogText("\ra\rb\r");
+  ASSERT_EQ(log.LineCount(), 3);
+  EXPECT_EQ(log.Line(0), QByteArray("\r"));
+  EXPECT_EQ(log.Line(1), QByteArray("a\r"));
+  EXPECT_EQ(log.Line(2), QByteArray("b\r"));
+}
+
 }  // namespace
 }  // namespace quarn
