@@ -308,7 +308,9 @@ TEST(LinuxPortSource, CachesAndTellsThatTheFolderMayNotBeRead) {
 TEST(LinuxPortSource, NotesWhenALinkWasLastSeen) {
   const ScratchFolder scratch;
   PseudoTerminal terminal;
-  scratch.Link("COM57", terminal.Node());
+  // By way of a name of its own: another process may get the terminal's number.
+  scratch.Link("device", terminal.Node());
+  scratch.Link("COM57", "device");
   scratch.Link("COM58", "nowhere");
   const timespec longAgo[2] = {{1000, 0}, {1000, 0}};
   const auto makeOld = [&](const char* name) {
@@ -328,6 +330,7 @@ TEST(LinuxPortSource, NotesWhenALinkWasLastSeen) {
   // It may have been there for long since the last listing; absent it is only from now on.
   makeOld("COM57");
   terminal.Close();
+  scratch.Remove("device");
   EXPECT_EQ(NameOf(List(source), kPort), "");
   EXPECT_GT(secondsOf("COM57"), 1000);
   makeOld("COM57");

@@ -210,35 +210,5 @@ TEST(DialogButtons, OnlyTheDefaultButtonWithTheFocusHasALineOfItsOwn) {
   EXPECT_NE(LookOf<DialogButton>(true, true), LookOf<DialogButton>(false, true));
 }
 
-/// A button of this kind in a dialog that has the keyboard, as it looks.
-template <typename Button>
-QImage LookOf(bool hasFocus, bool isDefault) {
-  QDialog dialog;
-  auto* column = new QVBoxLayout(&dialog);
-  auto* other = new QLineEdit(&dialog);
-  auto* button = new Button(QStringLiteral("OK"), &dialog);
-  button->setAutoDefault(false);
-  button->setDefault(isDefault);
-  column->addWidget(other);
-  column->addWidget(button);
-  ShowActive(dialog);
-  other->setFocus();
-  // Focus that a key has moved is shown.
-  if (hasFocus) Press(Qt::Key_Tab);
-  EXPECT_EQ(button->hasFocus(), hasFocus);
-  return button->grab().toImage();
-}
-
-TEST(DialogButtons, OnlyTheDefaultButtonWithTheFocusHasALineOfItsOwn) {
-  for (const bool hasFocus : {false, true}) {
-    for (const bool isDefault : {false, true}) {
-      if (hasFocus && isDefault) continue;
-      EXPECT_EQ(LookOf<DialogButton>(hasFocus, isDefault), LookOf<QPushButton>(hasFocus, isDefault))
-          << hasFocus << isDefault;
-    }
-  }
-  EXPECT_NE(LookOf<DialogButton>(true, true), LookOf<DialogButton>(false, true));
-}
-
 }  // namespace
 }  // namespace quarn::test
