@@ -82,10 +82,9 @@ QString AnswerOnTerminal(const QStringList& arguments) {
                "\n"
                "%2"
                "\n"
-               "  FILE       configuration file (.qrn) to start with; without it the settings that\n"
-               "             were in force last time\n"
-               "  --help     this text\n"
-               "  --version  name, version and build date\n")
+               "  FILE       configuration file (.qrn) to start with; default: the last settings\n"
+               "  --help     print this text\n"
+               "  --version  print name, version and build date\n")
         .arg(name, Usage());
   }
   if (arguments.contains(QStringLiteral("--version"))) {
