@@ -6,11 +6,11 @@
 
 namespace quarn {
 
-/// How a window's title names the port: its name while it is open, the name and "-NC" while it is not,
-/// "NONE" when there is none.
+/// The port in a window's title: its name while it is open, the name and "-NC" while it is not, "NONE" if
+/// there is none.
 QString PortTitlePart(const QString& portName, bool open);
 
-/// The Terminal Screen's title, "Screeen" being its own spelling.
+/// The Terminal Screen's title; the spelling "Screeen" is intended.
 QString TerminalTitle(const QString& portName, bool open, const QString& inputMax, bool overwrite,
                       const OperationLog& log);
 
