@@ -4,10 +4,10 @@
 
 namespace quarn {
 
-/// What one window asks of another. Whoever wants something raises a flag; the window that owns the flag
-/// looks at it in its own 100 ms tick, lowers it and acts. User-interface thread only.
+/// Requests between windows. A window that wants something sets a flag; the window that owns the flag checks
+/// it in its 100 ms tick, clears it and acts. User-interface thread only.
 struct WindowRequests {
-  // Lowered by the Terminal Screen.
+  // Cleared by the Terminal Screen.
   bool clearLog = false;         ///< empty the log and the command line
   bool sendAction = false;       ///< as if SEND had been pressed
   bool terminalRefresh = false;  ///< read every layout setting again
@@ -18,18 +18,18 @@ struct WindowRequests {
   bool focus = false;  ///< take the keyboard focus
   bool terminalClose = false;
 
-  // Lowered by the main dialog.
+  // Cleared by the main dialog.
   bool mainRefresh = false;
 
-  // Lowered by the port dialogs. A refresh tells that the ports present or the connection changed.
+  // Cleared by the port dialogs. A refresh means that the ports present or the connection changed.
   bool portNumberRefresh = false;
   bool portNumberClose = false;
   bool detailedListRefresh = false;
   bool detailedListClose = false;
-  bool suppressNextClick = false;  ///< the next click on a row of the detailed list is not meant as one
+  bool suppressNextClick = false;  ///< ignore the next click on a row of the detailed list
   bool portSettingsRefresh = false;
 
-  // Lowered by the dialogs that edit settings. A refresh tells that the settings changed underneath.
+  // Cleared by the dialogs that edit settings. A refresh means that the settings changed.
   bool commandFormatRefresh = false;
   bool commandFormatClose = false;
   bool screenOptionRefresh = false;
@@ -46,14 +46,14 @@ inline void RaisePortDialogRefreshes(WindowRequests& requests) {
   requests.portSettingsRefresh = true;
 }
 
-/// After the connection or the ports present changed: every window that shows one of them.
+/// For changes of the connection or of the ports present: every window that shows one of them.
 inline void RaiseConnectionRefreshes(WindowRequests& requests) {
   requests.mainRefresh = true;
   requests.terminalRefresh = true;
   RaisePortDialogRefreshes(requests);
 }
 
-/// After all settings were replaced: every window that shows any of them.
+/// For a replacement of all settings: every window that shows any of them.
 inline void RaiseSettingsRefreshes(WindowRequests& requests) {
   RaiseConnectionRefreshes(requests);
   requests.commandFormatRefresh = true;
@@ -78,8 +78,8 @@ inline bool IsTerminalAsked(const WindowRequests& requests) {
          requests.send || requests.focus || requests.terminalClose;
 }
 
-/// One flag per modeless dialog: set when it is created, cleared when it closes. While it is set no
-/// second one is created.
+/// One flag per modeless dialog: set when it is created, cleared when it closes. While it is set no second
+/// one is created.
 struct OpenWindows {
   bool terminalScreen = false;
   bool functionKeyTable = false;

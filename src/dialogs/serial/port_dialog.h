@@ -10,22 +10,22 @@ class QPushButton;
 
 namespace quarn {
 
-/// What the port dialogs have in common: they are modeless, delete themselves when closed, and do one thing
-/// at a time. What they do may run an event loop (a message, the wait for the line); until it is over their
-/// tick rests, a second command is dropped and a close is put off.
+/// Common behaviour of the port dialogs: they are modeless, delete themselves when closed, and do one thing
+/// at a time. An operation may run an event loop (a message, the wait for the line); until it ends the tick
+/// is paused, a second command is dropped and a close is delayed.
 class PortDialog : public PolledDialog {
  public:
-  /// Escape is the close box.
+  /// Escape acts like the close box.
   void reject() final;
 
  protected:
   PortDialog(QWidget* owner, const DialogContext& context, const QString& name);
 
-  /// Runs the operation unless one is under way. A close that was asked for meanwhile follows it.
+  /// Runs the operation unless one is running. A close requested meanwhile follows it.
   void Perform(const std::function<void()>& operation);
-  /// Every 100 ms while no operation is under way.
+  /// Called every 100 ms while no operation is running.
   virtual void Look() = 0;
-  /// The dialog closes: its flags fall.
+  /// Called when the dialog closes: clears its flags.
   virtual void OnClose() = 0;
 
   QPushButton* AddButton(const char* name, const QString& text, int controlId,

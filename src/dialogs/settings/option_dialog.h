@@ -14,13 +14,13 @@ class QPushButton;
 
 namespace quarn {
 
-/// What stands left of the radio buttons of one key.
+/// The label left of the radio buttons of one key.
 struct OptionLabel {
   SettingsKey key;
   const char* text;
 };
 
-/// Everything that tells one dialog of settings from another.
+/// Everything in which the option dialogs differ.
 struct OptionDialogPlan {
   const char* className;
   const char* title;
@@ -34,7 +34,7 @@ struct OptionDialogPlan {
 };
 
 /// A dialog in which every click takes effect at once and OK only closes. Modeless; deletes itself when
-/// closed. Marks itself as open for as long as it is.
+/// closed. Its open flag is set while it exists.
 class OptionDialog : public PolledDialog {
  public:
   void done(int result) override;

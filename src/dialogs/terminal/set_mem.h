@@ -20,7 +20,7 @@ class QPushButton;
 
 namespace quarn {
 
-/// What the Function Key Table works on. All of it outlives the window.
+/// The objects that the Function Key Table uses. All of them outlive the window.
 struct FunctionKeyTableContext {
   SettingsRecord& settings;
   const QString& workingSettingsFile;
@@ -29,8 +29,8 @@ struct FunctionKeyTableContext {
   QRect& savedWindowRect;
 };
 
-/// The ten stored commands: shown, edited, saved, and handed to the Terminal Screen through its requests.
-/// Modeless; deletes itself when closed. It sets and clears its open flag.
+/// The ten stored commands: shows, edits and saves them, and passes them to the Terminal Screen through its
+/// requests. Modeless; deletes itself when closed. It sets and clears its open flag.
 class CSetMem final : public PolledDialog {
  public:
   CSetMem(QWidget* owner, const FunctionKeyTableContext& context);
