@@ -78,7 +78,7 @@ sigset_t BlockEndingSignals() {
   return signals;
 }
 
-/// What a message repeats from the command line or a file steers no terminal.
+/// Text from the command line or a file must not control the terminal.
 std::string SpelledOut(std::string_view text) {
   std::string spelled;
   for (const char each : text) {

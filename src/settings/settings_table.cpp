@@ -39,12 +39,12 @@ constexpr std::array<Setting, kSettingCount> kSettings{{
     Text(keys::kComParity, u"None", &R::comParity, 8, 4),
     Text(keys::kComStop, u"1", &R::comStop, 9, 5),
     Text(keys::kEnblNull, u"OFF", &R::enblNull, 10, 8),
-    // No slip: a save-all leaves ENBL_NULL's text under FUNC_KEY.
+    // Intended: a save-all writes ENBL_NULL's text under FUNC_KEY.
     {keys::kFuncKey, u"ON", &R::funcKey, &R::enblNull, 11, 9, EmptyValue::Refused},
     Text(keys::kInputMax, u"N", &R::inputMax, 12, 10),
     Text(keys::kLineNum, u"OFF", &R::lineNum, 14, 14),
     Text(keys::kMainPos, u"TL", &R::mainPos, 18, 15),
-    // Part of every fresh file, and of no record.
+    // In every new file, but not in the record.
     {keys::kMarkColor, u"WHITE", {}, {}, 0, 0, EmptyValue::Refused},
     Command(0, u"function-1"),
     Command(1, u"function-2"),
@@ -61,7 +61,7 @@ constexpr std::array<Setting, kSettingCount> kSettings{{
     Text(keys::kStartDisp, u"ON", &R::startDisp, 15, 16),
 }};
 
-/// Puts each setting at its place; a place left out or given twice does not compile.
+/// Puts each setting at its place; a missing or repeated place does not compile.
 constexpr std::array<const Setting*, kLoadedSettingCount> InOrderOf(int Setting::*place) {
   std::array<const Setting*, kLoadedSettingCount> ordered{};
   for (const Setting& setting : kSettings) {
