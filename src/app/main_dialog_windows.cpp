@@ -1,4 +1,4 @@
-// The windows that the menu opens, each there once.
+// The windows that the menu opens; each exists once.
 
 #include <QScreen>
 
@@ -18,7 +18,7 @@
 namespace quarn {
 namespace {
 
-/// A window that is open comes to the front. False when there is none.
+/// Brings an open window to the front. False if there is none.
 bool BringToFront(QWidget* window, bool open) {
   if (window == nullptr || !open) return false;
   window->raise();
@@ -40,7 +40,7 @@ DialogContext CQuarnDlg::Context() {
 
 void CQuarnDlg::OpenTerminalScreen() {
   if (m_program.state.open.terminalScreen) return;
-  // One that was told to close may not have looked yet; where it has to stay it is the one that is wanted.
+  // A window that was asked to close may not have checked yet; if it must stay, it is used again.
   if (m_terminalScreen && !m_terminalScreen->close()) {
     m_terminalScreen->WithdrawClose();
     m_program.state.open.terminalScreen = true;
@@ -49,7 +49,7 @@ void CQuarnDlg::OpenTerminalScreen() {
     return;
   }
   m_program.state.open.terminalScreen = true;
-  // What was to be loaded or sent while there was no command line to be seen is forgotten.
+  // Requests to load or send from the time without a command line are dropped.
   m_program.state.requests.functionKey = false;
   m_program.state.requests.send = false;
   m_program.state.requests.sendAction = false;
@@ -73,7 +73,7 @@ void CQuarnDlg::OpenFunctionKeyTable() {
 }
 
 void CQuarnDlg::OpenPortNumber() {
-  // One that was told to close, and has not looked yet, is wanted again.
+  // A window that was asked to close, and has not checked yet, is wanted again.
   m_program.state.requests.portNumberClose = false;
   if (BringToFront(m_portNumber, m_program.state.open.portNumber)) return;
   m_portNumber = new CPortNum(this, Context());
@@ -95,7 +95,7 @@ void CQuarnDlg::OpenDetailedPortList() {
 }
 
 void CQuarnDlg::OpenPortSettings() {
-  // It has no open flag. A closed one may still be there for a moment.
+  // It has no open flag. A closed one may still exist for a moment.
   if (QWidget* last = m_portSettings; last != nullptr && BringToFront(last, last->isVisible())) return;
   m_portSettings = new CPortSettings(this, Context());
   m_portSettings->show();
@@ -127,7 +127,7 @@ void CQuarnDlg::ShowPlaced(PolledDialog& dialog, PlaceRule rule) {
 }
 
 QPoint CQuarnDlg::PlaceOf(const QWidget& dialog, PlaceRule rule) const {
-  // The rules reckon from the corner of the screen on which the main dialog is.
+  // The rules count from the corner of the screen with the main dialog.
   const QRect whole = screen()->geometry();
   const QRect here(pos() - whole.topLeft(), OuterSize(*this));
   return whole.topLeft() + rule(here, OuterSize(dialog), whole.size());

@@ -44,7 +44,7 @@ constexpr int kKeyWidth = 28;     // in dialog units
 constexpr int kFieldWidth = 212;  // about 50 characters
 constexpr int kRowGap = 2;
 
-/// Keeps out what a stored command cannot hold, however it comes in.
+/// Rejects characters that a stored command cannot have, from any kind of input.
 class StoredCommandValidator final : public QValidator {
  public:
   using QValidator::QValidator;
@@ -63,7 +63,7 @@ QLineEdit* CreateField(QWidget* parent, PasteField::Source pasted, int index, in
   return field;
 }
 
-/// The commands are there to be read, also while they cannot be edited.
+/// The commands must be readable, also while they cannot be edited.
 void KeepReadable(QLineEdit& field, const QPalette& desktop) {
   QPalette colours = field.palette();
   colours.setColor(QPalette::Disabled, QPalette::Text, desktop.color(QPalette::Active, QPalette::WindowText));
@@ -86,7 +86,7 @@ CSetMem::CSetMem(QWidget* owner, const FunctionKeyTableContext& context)
   setWindowTitle(QStringLiteral("Quarn - Function Key Table"));
   setAttribute(Qt::WA_DeleteOnClose);
   m_context.state.open.functionKeyTable = true;
-  // What was asked before it was there does not concern it.
+  // Requests from before it existed are not meant for it.
   m_context.state.requests.functionTableReload = false;
   m_context.state.requests.functionTableClose = false;
 
@@ -166,7 +166,7 @@ void CSetMem::KeepKeysInTheDialog() {
 void CSetMem::ReadFields() {
   for (std::size_t i = 0; i < m_fields.size(); ++i) {
     const QString text = m_fields[i]->text();
-    // Untouched, the text stays as its file had it, with what the field could not show.
+    // If unchanged, the text stays as in its file, with characters that the field cannot show.
     if (text != AsStoredCommand(m_table.EditText().at(i))) m_table.SetEditText(static_cast<int>(i), text);
   }
 }
@@ -175,7 +175,7 @@ void CSetMem::ShowTexts() {
   for (std::size_t i = 0; i < m_fields.size(); ++i) {
     const QString& text = m_table.EditText().at(i);
     const int limit = m_table.Limit(static_cast<int>(i));
-    // A field with nothing new keeps its cursor, which both calls would move.
+    // An unchanged field keeps its cursor, which both calls would move.
     if (m_fields[i]->maxLength() != limit) m_fields[i]->setMaxLength(limit);
     if (m_fields[i]->text() == AsStoredCommand(text)) continue;
     m_fields[i]->setText(text);
@@ -216,18 +216,18 @@ std::optional<QString> CSetMem::Pasted(QClipboard::Mode mode) {
 }
 
 bool CSetMem::HandleKey(const QKeyEvent& event) {
-  // Alt and F4 closes the window; a key with a logo on it is the desktop's.
+  // Alt+F4 closes the window; the logo key belongs to the desktop.
   const Qt::KeyboardModifiers modifiers = event.modifiers();
   const bool alt = modifiers.testFlag(Qt::AltModifier) && !modifiers.testFlag(Qt::ControlModifier);
   if (alt || modifiers.testFlag(Qt::MetaModifier)) return false;
   const int key = event.key();
   if (key >= Qt::Key_F1 && key <= Qt::Key_F10) {
-    // With the Ctrl state of the last button press, whatever is held now.
+    // Uses the Ctrl state of the last button press, not the present one.
     if (!event.isAutoRepeat()) RequestStoredCommand(key - Qt::Key_F1);
     return true;
   }
   if (key == Qt::Key_Return || key == Qt::Key_Enter) {
-    // A key held down sends once.
+    // A held key sends only once.
     if (!event.isAutoRepeat() && !m_table.IsEditing()) m_context.state.requests.send = true;
     return true;
   }
@@ -256,7 +256,7 @@ void CSetMem::ToggleEditing() {
   if (m_table.IsEditing()) {
     ReadFields();
     m_table.FinishEditing();
-    // A long command is read from its start.
+    // Show a long command from its start.
     for (QLineEdit* field : m_fields) field->setCursorPosition(0);
     m_context.state.requests.terminalRefresh = true;
   } else {
@@ -285,7 +285,7 @@ void CSetMem::Save() {
   if (!m_table.CanSave()) return;
   if (!m_context.messages.AskSimpleYesNo(QStringLiteral("Is it OK to save the updated data ?"))) return;
   if (!m_table.Save(m_context.workingSettingsFile)) TellSettingsTooLong(m_context.messages);
-  ShowState();  // what was saved is neither to be saved nor to be taken back
+  ShowState();  // saved commands need neither SAVE nor UNDO
 }
 
 int CSetMem::QuietTicks() const {
@@ -294,7 +294,7 @@ int CSetMem::QuietTicks() const {
 }
 
 void CSetMem::OnTick(int /*ticks*/) {
-  // A message box of this window is up: everything waits until it is gone.
+  // A message box of this window is open: everything waits until it is closed.
   if (IsBusy()) return;
   WindowRequests& requests = m_context.state.requests;
   if (std::exchange(requests.functionTableReload, false)) {
@@ -317,7 +317,7 @@ void CSetMem::closeEvent(QCloseEvent* event) {
   m_context.savedWindowRect = frameGeometry();
   m_context.state.open.functionKeyTable = false;
   m_context.state.requests.functionTableClose = false;
-  m_context.state.requests.mainRefresh = true;  // its menu item can be chosen again
+  m_context.state.requests.mainRefresh = true;  // its menu item is available again
   StopTicks();
   PolledDialog::closeEvent(event);
 }
