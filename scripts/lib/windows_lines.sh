@@ -1,13 +1,13 @@
 # shellcheck shell=bash
-# The line scripts of tests/line_scripts, played on this system's line and on the Windows one under Wine, and
-# compared. Sourced after wine_ports.sh.
+# Runs the line scripts of tests/line_scripts on the Linux line and on the Windows line under Wine, and compares the
+# results. Source it after wine_ports.sh.
 
 LINE_SCRIPTS=tests/line_scripts/line_scripts.rules
-# How far the two ends of a script may lie apart. Both systems wait in whole milliseconds and wake up a little
-# late; a pause that is taken for its neighbour is at least 40 ms off.
+# The allowed difference between the two ends of a script. Both systems wait in whole milliseconds and wake slightly
+# late; a pause that is taken for its neighbour differs by at least 40 ms.
 LINE_TOLERANCE_MS=30
 
-# instrument_at FOLDER PORT: one that answers by the scripts, anew.
+# instrument_at FOLDER PORT: starts a new instrument that answers by the scripts.
 instrument_at() {
   rm -f "$1/port-$2.rules"
   wait_until 20 "the instrument at $2 to go" eval '[[ ! -f '"'$1/port-$2.ready'"' ]]'
@@ -17,7 +17,7 @@ instrument_at() {
   [[ ! -s $1/port-$2.ready ]] || fail "no instrument at $2: $(<"$1/port-$2.ready")"
 }
 
-# play_both [NAME...]: what the lines did, in here.txt and wine.txt. At the same time: mostly they wait.
+# play_both [NAME...]: runs both lines at the same time, because they mostly wait; results in here.txt and wine.txt.
 play_both() {
   local here=$PLACE/native_lines
   instrument_at "$here" COM8
@@ -28,7 +28,7 @@ play_both() {
   wait "$player"
 }
 
-# What differs without a reason that the scripts give: a name to a line, with both outcomes.
+# The differences without a reason in the scripts: one name per line, with both outcomes.
 differing() { outcomes | grep -vF -f <(known_differences | sed 's/$/|/') | awk "${1:-$DIFFERS}" || true; }
 
 outcomes() { paste -d '|' "$PLACE/here.txt" "$PLACE/wine.txt"; }
@@ -45,11 +45,11 @@ furthest_apart() {
     END { print most + 0 }'
 }
 
-# A difference that is gone wants to be known, too.
+# A known difference that no longer occurs is reported, too.
 check_known_differences() {
   local name
   while read -r name; do
-    outcomes | grep "^$name|" | awk "$DIFFERS" | grep -q . || fail "$name no longer differs; its mark in $LINE_SCRIPTS can go"
+    outcomes | grep "^$name|" | awk "$DIFFERS" | grep -q . || fail "$name no longer differs; remove its mark in $LINE_SCRIPTS"
     grep "^#~ $name:" "$LINE_SCRIPTS"
   done < <(known_differences)
 }
@@ -66,7 +66,7 @@ compare_line_scripts() {
     fail "not all $count line scripts were played; see $PLACE/here.txt and $PLACE/wine.txt"
   echo "$count line scripts, their ends at most $(furthest_apart) ms apart"
   check_known_differences
-  # A busy computer makes a pause longer than it is. What is different for another reason stays different.
+  # A busy computer lengthens pauses. Differences with other reasons remain.
   for _ in 1 2 3; do
     mapfile -t names < <(differing | cut -d '|' -f 1)
     ((${#names[@]} > 0)) || return 0
