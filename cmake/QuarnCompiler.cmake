@@ -1,11 +1,11 @@
-# Warnings are errors in every configuration; sanitizers apply to every target alike.
+# Warnings are errors in every configuration; sanitizers apply to all targets.
 add_library(quarn_compiler INTERFACE)
 target_compile_options(quarn_compiler INTERFACE
   -Wall -Wextra -Wpedantic -Werror -Wshadow -Wconversion -Wsign-conversion
   -Wnon-virtual-dtor -Wold-style-cast -Wcast-align -Wunused -Woverloaded-virtual
   -Wnull-dereference -Wdouble-promotion -Wformat=2)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
-  # Optimising, GCC 12 takes `"c" + std::to_string(n)` for a copy onto itself (its bug 105651).
+  # With optimisation GCC 12 takes `"c" + std::to_string(n)` for a copy onto itself (its bug 105651).
   target_compile_options(quarn_compiler INTERFACE -Wno-restrict)
 endif()
 target_compile_definitions(quarn_compiler INTERFACE
@@ -13,8 +13,8 @@ target_compile_definitions(quarn_compiler INTERFACE
 target_include_directories(quarn_compiler INTERFACE ${CMAKE_SOURCE_DIR}/src ${CMAKE_BINARY_DIR}/generated)
 configure_file(${CMAKE_SOURCE_DIR}/cmake/identity.h.in ${CMAKE_BINARY_DIR}/generated/identity.h @ONLY)
 
-# What turns a mistake into an end rather than a way in. The sanitizers and the fuzzer look at more, and at
-# their own places.
+# Hardening: an error ends the program instead of being exploitable. The sanitizers and the fuzzer use checks of their
+# own.
 if(NOT QUARN_SANITIZE AND NOT QUARN_FUZZ AND CMAKE_SYSTEM_NAME STREQUAL "Linux")
   target_compile_definitions(quarn_compiler INTERFACE _GLIBCXX_ASSERTIONS)
   target_compile_options(quarn_compiler INTERFACE -fstack-protector-strong -fstack-clash-protection
@@ -33,6 +33,6 @@ if(QUARN_SANITIZE)
   if("address" IN_LIST _sanitizers)
     add_compile_options(-fno-sanitize-recover=all)
   endif()
-  # The sanitizers' own instrumentation makes GCC see null paths and leftovers that are not there.
+  # With the sanitizers' instrumentation GCC gives false warnings about null and uninitialised values.
   target_compile_options(quarn_compiler INTERFACE -Wno-null-dereference -Wno-maybe-uninitialized)
 endif()

@@ -1,6 +1,6 @@
-# quarn_room(NAME SOURCES... [LINK targets...]) makes one layer of the program: a static library that
-# links only the layers it names; what it may include is in cmake/rooms.txt. The headers beside its sources are
-# its own, and each compiles alone (target all_verify_interface_header_sets).
+# quarn_room(NAME SOURCES... [LINK targets...]) makes one room of the program: a static library that
+# links only the named rooms; cmake/rooms.txt says what it may include. The headers beside its sources belong to it,
+# and each must compile alone (target all_verify_interface_header_sets).
 function(quarn_room NAME)
   cmake_parse_arguments(ROOM "" "" "SOURCES;LINK" ${ARGN})
   add_library(${NAME} STATIC ${ROOM_SOURCES})
@@ -27,13 +27,12 @@ function(quarn_room NAME)
 endfunction()
 
 # quarn_test(NAME SOURCES... LABELS room... [LINK targets...] [WIDGETS] [SERIAL] [SHARDS n] [TIMEOUT s] [COST n])
-# makes one GoogleTest program and registers it with CTest: its cases run in one process, or in SHARDS processes
-# beside one another, named NAME.1 to NAME.n. A run has failed too when a case was skipped or is disabled. LABELS is
-# the room that is tested; each room that the program links adds uses-ROOM. WIDGETS runs it on the offscreen
-# platform; on Windows, where that is what the program is made for, on the real one. SERIAL: nothing else runs beside
-# it. COST: the higher it is, the earlier it starts; for those that take long.
+# makes one GoogleTest program and registers it with CTest. Its cases run in one process, or in SHARDS parallel
+# processes named NAME.1 to NAME.n. A skipped or disabled case fails the run. LABELS is the tested room; each room that
+# the program links adds uses-ROOM. WIDGETS runs it on the offscreen platform; on Windows on the real one. SERIAL:
+# nothing else runs at the same time. COST: programs with a higher value start earlier; for slow ones.
 #
-# One process per case would spend more time on starting than on testing.
+# One process per case would need more time for starting than for testing.
 function(quarn_test NAME)
   cmake_parse_arguments(T "WIDGETS;SERIAL" "TIMEOUT;SHARDS;COST" "SOURCES;LINK;LABELS" ${ARGN})
   if(NOT T_LABELS)
@@ -65,14 +64,14 @@ function(quarn_test NAME)
   quarn_test_run(${NAME} ${NAME} ${_options})
 endfunction()
 
-# quarn_test_run(NAME PROGRAM LABELS ... [FILTER f] [ENVIRONMENT ...]) registers one more way to run a program of
+# quarn_test_run(NAME PROGRAM LABELS ... [FILTER f] [ENVIRONMENT ...]) registers another run of a program of
 # quarn_test.
 function(quarn_test_run NAME PROGRAM)
   cmake_parse_arguments(T "WIDGETS;SERIAL" "TIMEOUT;SHARDS;COST;FILTER" "LABELS;ENVIRONMENT;EMULATOR" ${ARGN})
   if(NOT T_TIMEOUT)
     set(T_TIMEOUT 600)
   endif()
-  # Programs for another system take turns on its ports.
+  # Programs for another system share its ports, so they run one at a time.
   if(NOT T_SHARDS OR CMAKE_CROSSCOMPILING)
     set(T_SHARDS 1)
   endif()
@@ -117,19 +116,19 @@ function(quarn_test_run NAME PROGRAM)
   endforeach()
 endfunction()
 
-# quarn_note_test(PROGRAM LABELS...): a program that has to be built for the tests with these labels.
+# quarn_note_test(PROGRAM LABELS...): notes a program that is needed for the tests with these labels.
 function(quarn_note_test PROGRAM)
   list(JOIN ARGN " " _labels)
   set_property(GLOBAL APPEND_STRING PROPERTY QUARN_TEST_LINES "${PROGRAM} ${_labels}\n")
 endfunction()
 
-# quarn_write_tests(FILE): a line for each of them, with its labels.
+# quarn_write_tests(FILE): writes one line per noted program, with its labels.
 function(quarn_write_tests FILE)
   get_property(_lines GLOBAL PROPERTY QUARN_TEST_LINES)
   file(CONFIGURE OUTPUT ${FILE} CONTENT "${_lines}" @ONLY)
 endfunction()
 
-# quarn_uses(VARIABLE TARGETS...): uses-ROOM for each room that the targets are or link.
+# quarn_uses(VARIABLE TARGETS...): sets VARIABLE to uses-ROOM for each room that the targets are or link.
 function(quarn_uses VARIABLE)
   set(_found)
   set(_open ${ARGN})
@@ -151,11 +150,11 @@ function(quarn_uses VARIABLE)
 endfunction()
 
 if(QUARN_TESTS)
-  # Linked last, so that it has the last word (an option of the test's own would come first, and lose).
-  # Tests reach for what must be there and crash where it is not; that is a failure, not a hazard.
+  # Linked last, so that its options win over those of the test.
+  # Tests may dereference values that must exist. If one is missing the test crashes, which is a failure.
   add_library(quarn_test_compiler INTERFACE)
   target_compile_options(quarn_test_compiler INTERFACE -Wno-null-dereference)
-  # What is tested is optimised; the tests themselves would only take twice as long to build.
+  # The tested code is optimised. Optimising the tests would only double their build time.
   if(CMAKE_BUILD_TYPE STREQUAL "Release" AND NOT WIN32)
     target_compile_options(quarn_test_compiler INTERFACE -O0)
   endif()

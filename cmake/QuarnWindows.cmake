@@ -18,9 +18,9 @@ function(quarn_windows_resource TARGET DESCRIPTION)
     "${CMAKE_SOURCE_DIR}/res/windows/quarn.ico;${CMAKE_SOURCE_DIR}/res/windows/program.manifest")
 endfunction()
 
-# quarn_windows_runtime() puts what the programs load beside them, and says what a package holds.
+# quarn_windows_runtime() copies the DLLs beside the programs, and defines the content of a package.
 function(quarn_windows_runtime)
-  # Everywhere, so that it can be compared with the rest of the identity.
+  # On every system, so that it can be compared with the rest of the identity.
   configure_file(${CMAKE_SOURCE_DIR}/packaging/windows/identity.nsh.in
     ${CMAKE_BINARY_DIR}/generated/identity.nsh @ONLY)
   if(NOT WIN32)

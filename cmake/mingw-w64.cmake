@@ -1,4 +1,4 @@
-# The Windows program from Linux: Debian's MinGW-w64 with the C++ library's own threads.
+# Builds the Windows program on Linux: Debian's MinGW-w64 with the C++ library's own threads.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
 set(_triple x86_64-w64-mingw32)
@@ -6,7 +6,7 @@ set(CMAKE_C_COMPILER ${_triple}-gcc-posix)
 set(CMAKE_CXX_COMPILER ${_triple}-g++-posix)
 set(CMAKE_RC_COMPILER ${_triple}-windres)
 
-# Libraries come from the compiler's own folder and from where the caller points, programs from this system.
+# Libraries are found in the compiler's folder and in those set by the caller, programs on this system.
 set(CMAKE_FIND_ROOT_PATH /usr/${_triple} ${CMAKE_PREFIX_PATH})
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)

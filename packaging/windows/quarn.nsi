@@ -1,12 +1,12 @@
-; The installer of the Windows program. It installs for the one user who runs it, and so asks for no
-; administrator. Settings are the program's own and stay when it goes.
+; The installer of the Windows program. It installs for the current user only, so it needs no administrator.
+; Uninstalling keeps the settings.
 ;
-; Given on the command line: IDENTITY (identity.nsh), FILES (what is installed), LISTS (files.nsh, which says
-; what that is), SIZE (in KiB) and OUTPUT.
+; Values on the command line: IDENTITY (identity.nsh), FILES (the folder to install), LISTS (files.nsh, the list
+; of its files), SIZE (in KiB) and OUTPUT.
 ;
-; How a silent run ends: 0 done; 3 a program of it runs, or a file is in use; 4 it is installed in another
-; folder; 5 a file could not be written or deleted. With 3 and 4 nothing has been changed. (The uninstaller works
-; through a copy of itself. Who wants to know how it ends starts it with _?=FOLDER as its last argument.)
+; Exit codes of a silent run: 0 done; 3 a program of Quarn is running, or a file is in use; 4 Quarn is installed in
+; another folder; 5 a file could not be written or deleted. With 3 and 4 nothing is changed. (The uninstaller runs a
+; copy of itself. To get its exit code, start it with _?=FOLDER as its last argument.)
 
 Unicode true
 Target amd64-unicode
@@ -19,7 +19,7 @@ SetCompressor /SOLID lzma
 !define UNINSTALL_KEY "Software\Microsoft\Windows\CurrentVersion\Uninstall\${NAME}"
 !define CLASSES "Software\Classes"
 !define DOCUMENT "${NAME}.Configuration"
-; What a running program holds.
+; A running program holds this mutex.
 !define MUTEX "Quarn.exe"
 !define SYNCHRONIZE 0x00100000
 !define GENERIC_READ_WRITE 0xC0000000
@@ -62,7 +62,7 @@ VIAddVersionKey "LegalCopyright" "MIT License, (c) 2026 ${MAKER}"
   Quit
 !macroend
 
-; Opens an installed file for nobody else: $1 is its handle, or -1 for one that is in use. $2 counts those on the
+; Opens an installed file exclusively: $1 is its handle, or -1 if it is in use. $2 counts the handles on the
 ; stack.
 !macro HoldFile FILE
   ${If} $1 != -1
@@ -75,7 +75,7 @@ VIAddVersionKey "LegalCopyright" "MIT License, (c) 2026 ${MAKER}"
   ${EndIf}
 !macroend
 
-; The files of a program that runs cannot be replaced or deleted, and one that is held cannot be started.
+; The files of a running program cannot be replaced or deleted, and a program whose file is held cannot be started.
 !macro Hold FILES
   StrCpy $1 0
   StrCpy $2 0
@@ -94,7 +94,7 @@ VIAddVersionKey "LegalCopyright" "MIT License, (c) 2026 ${MAKER}"
   ${EndWhile}
 !macroend
 
-; A portable one counts, too: it has the same settings.
+; A portable program counts too: it has the same settings.
 !macro RequireNotRunning
   System::Call 'kernel32::OpenMutexW(i ${SYNCHRONIZE}, i 0, w "${MUTEX}") p .r0'
   ${If} $0 P<> 0
@@ -113,13 +113,13 @@ VIAddVersionKey "LegalCopyright" "MIT License, (c) 2026 ${MAKER}"
   RMDir "$INSTDIR\${FOLDER}"
 !macroend
 
-; The desktop learns that files of this kind have another program now.
+; Tells the desktop that this file type has another program now.
 !macro TellAssociations
   System::Call 'shell32::SHChangeNotify(i 0x08000000, i 0, p 0, p 0)'
 !macroend
 
-; Two installations would share one entry in the list of programs, and only one could be removed again. $3 is
-; the other one, or empty.
+; Two installations would share one entry in the list of programs, and only one could be uninstalled. $3 is the other
+; one, or empty.
 Function FindAnother
   ReadRegStr $3 HKCU "${UNINSTALL_KEY}" "InstallLocation"
   ${If} $3 == ""
@@ -127,7 +127,7 @@ Function FindAnother
   ${EndIf}
   GetFullPathName $3 "$3"
   GetFullPathName $4 "$INSTDIR"
-  ; A folder that is not there yet has no full name.
+  ; A folder that does not exist yet has no full name.
   ${If} $4 == ""
     StrCpy $4 "$INSTDIR"
   ${EndIf}
@@ -164,9 +164,9 @@ Function un.onInit
 FunctionEnd
 
 Section "Install"
-  ; The folder is the one that was chosen, and time has passed.
+  ; The user has selected the folder, and time has passed.
   !insertmacro RequireNotRunning
-  ; Half old and half new they must not be started: the programs are held until the rest is there.
+  ; A mix of old and new files must not be started: the programs are held until all files are there.
   !insertmacro Hold EachProgram
   ClearErrors
   SetOutPath "$INSTDIR"
@@ -178,7 +178,7 @@ Section "Install"
     !insertmacro EndWith 5 "Not all files of ${NAME} could be written."
   ${EndIf}
   WriteUninstaller "$INSTDIR\uninstall.exe"
-  ; Where the settings will be. A first start by a double click on a file finds the place to copy it to.
+  ; The folder for the settings. A first start by a double click on a file copies the file there.
   CreateDirectory "$APPDATA\${MAKER}\${NAME}"
   CreateShortcut "$SMPROGRAMS\${NAME}.lnk" "$INSTDIR\quarn.exe" "" "$INSTDIR\quarn.exe" 0 SW_SHOWNORMAL "" "${DESCRIPTION}"
 
@@ -204,20 +204,20 @@ SectionEnd
 
 Section "Uninstall"
   !insertmacro RequireNotRunning
-  ; The programs first: as long as one of them is there, everything that it needs is, and this is, too.
+  ; The programs first: as long as one of them exists, all files that it needs and the uninstaller exist too.
   ClearErrors
   !insertmacro EachProgram DeleteFile
   ${If} ${Errors}
     !insertmacro EndWith 5 "Not all files of ${NAME} could be deleted."
   ${EndIf}
-  ; Just what was installed: whatever else somebody keeps in that folder is not the program's to delete.
+  ; Only installed files: other files in that folder are not deleted.
   !insertmacro EachFile DeleteFile
   !insertmacro EachFolder RemoveFolder
   Delete "$INSTDIR\uninstall.exe"
   SetOutPath "$TEMP"
   RMDir "$INSTDIR"
   Delete "$SMPROGRAMS\${NAME}.lnk"
-  ; Goes only if no settings are in it.
+  ; Removed only if it has no settings.
   RMDir "$APPDATA\${MAKER}\${NAME}"
   RMDir "$APPDATA\${MAKER}"
 

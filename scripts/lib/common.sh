@@ -1,10 +1,10 @@
 # shellcheck shell=bash
-# What the scripts here share. It is sourced, and leaves the shell at the top of the source tree.
+# Shared by the scripts. Source it; it changes to the top of the source tree.
 #
-# Understood from outside:
-#   QUARN_INSTALL=no               install no packages; what is missing shows when it is used
-#   CMAKE_BUILD_PARALLEL_LEVEL=N   jobs at a time, for tests and lint too (default: one per processor)
-#   CMAKE_CXX_COMPILER_LAUNCHER=X  default: ccache where there is one, else none
+# Environment variables:
+#   QUARN_INSTALL=no               install no packages; a missing one causes an error when it is used
+#   CMAKE_BUILD_PARALLEL_LEVEL=N   parallel jobs, for tests and lint too (default: one per processor)
+#   CMAKE_CXX_COMPILER_LAUNCHER=X  default: ccache if installed, else none
 
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/../.."
@@ -47,12 +47,12 @@ as_root() {
 
 apt() { as_root env DEBIAN_FRONTEND=noninteractive apt-get -qq -o DPkg::Lock::Timeout=600 -o Acquire::Retries=3 "$@"; }
 
-# Installs those of the packages that are missing.
+# Installs the missing ones of the packages.
 install_packages() {
   [[ ${QUARN_INSTALL:-yes} != no ]] || return 0
   local package missing=()
   command -v apt-get >/dev/null ||
-    fail "packages are installed on Debian and its relatives only. With QUARN_INSTALL=no this script uses what is there; here it takes what these packages hold: $*"
+    fail "packages can be installed only on Debian and related systems. Install the content of these packages yourself and set QUARN_INSTALL=no: $*"
   for package in "$@"; do is_installed "$package" || missing+=("$package"); done
   ((${#missing[@]} > 0)) || return 0
   echo "installing ${missing[*]}"
@@ -60,7 +60,7 @@ install_packages() {
   apt install --yes --no-install-recommends "${missing[@]}" >/dev/null
 }
 
-# need GROUP...: sees to it that the packages of these groups are there.
+# need GROUP...: installs the packages of these groups if they are missing.
 need() {
   local group packages=()
   for group in "$@"; do
@@ -89,7 +89,7 @@ need() {
   if [[ " $* " == *" fuzz "* ]]; then install_packages "libclang-rt-$(clang++ -dumpversion | cut -d. -f1)-dev"; fi
 }
 
-# Where this system gets Debian's main packages from: the address and the release, one pair a line.
+# This system's sources of Debian's main packages: address and release, one pair per line.
 # shellcheck disable=SC2016  # the names in brackets are apt's
 debian_mirrors() {
   apt-get indextargets --format '$(IDENTIFIER)|$(ORIGIN)|$(COMPONENT)|$(REPO_URI) $(RELEASE)' |
@@ -108,7 +108,7 @@ debian_sources() {
   awk -v type="$1" '{ print type, $0, "main" }' <<<"$mirrors"
 }
 
-# configure PRESET [OPTION...]: what CMake has to say is shown only when it fails.
+# configure PRESET [OPTION...]: shows CMake's output only if it fails.
 configure() {
   local log=build/$1.configure.log
   cmake --preset "$@" >"$log" 2>&1 || {
@@ -117,7 +117,7 @@ configure() {
   }
 }
 
-# build PRESET [TARGET...]: configures and builds, all without targets.
+# build PRESET [TARGET...]: configures and builds the targets, or all.
 build() {
   local preset=$1 targets=()
   shift
@@ -136,8 +136,8 @@ build_programs() {
   cmake --build --preset release --target quarn quarn-send quarn-device
 }
 
-# Runs a command without address-space randomisation: with the many random bits of newer kernels the
-# sanitizers now and then find the room for their shadow memory taken.
+# Runs a command without address-space randomisation: with the many random bits of newer kernels a library sometimes
+# occupies the sanitizers' shadow memory.
 without_randomisation() {
   if setarch -R true 2>/dev/null; then
     setarch -R "$@"

@@ -1,7 +1,6 @@
 # shellcheck shell=bash
-# Programs in the background, a virtual display, and the windows on it. Sourced after common.sh. Whoever sources
-# it first sets PLACE to the absolute path of a folder for logs and sockets, which is there before `start`
-# is used.
+# Programs in the background, a virtual display, and the windows on it. Source it after common.sh. First set
+# PLACE to the absolute path of a folder for logs and sockets; the folder must exist before `start` is used.
 
 : "${PLACE:?}"
 started=()
@@ -15,7 +14,7 @@ stop_all() {
 trap stop_all EXIT
 trap 'exit 130' INT TERM HUP
 
-# start NAME COMMAND...: in the background, output to $PLACE/NAME.log; sets $last to its process id.
+# start NAME COMMAND...: runs it in the background with output to $PLACE/NAME.log; sets $last to its process id.
 start() {
   local name=$1
   shift
@@ -24,7 +23,7 @@ start() {
   started+=("$last")
 }
 
-# stop PID: ends one of them, and waits until it has ended.
+# stop PID: ends one of them and waits for its end.
 stop() {
   local i
   kill "$1" 2>/dev/null || true
@@ -38,7 +37,7 @@ stop() {
 # Names of ports and files may be in any script.
 use_utf8() { [[ ${LC_ALL:-${LC_CTYPE:-${LANG:-}}} == *[Uu][Tt][Ff]* ]] || export LC_ALL=C.UTF-8; }
 
-# start_instrument LINK: a simulated instrument that is reachable under LINK; sets $instrument to its
+# start_instrument LINK: starts a simulated instrument with the link LINK; sets $instrument to its
 # process id.
 start_instrument() {
   : >"$PLACE/instrument.log"
@@ -53,7 +52,7 @@ start_instrument() {
 
 # start_display WIDTH HEIGHT
 start_display() {
-  # A folder of its own for locks and sockets, so that a Quarn of the same user is not in the way.
+  # A separate folder for locks and sockets, so that a running Quarn of the same user does not interfere.
   export XDG_RUNTIME_DIR=$PLACE/runtime
   mkdir -m 700 "$XDG_RUNTIME_DIR"
   export QT_QPA_PLATFORM=xcb
@@ -69,7 +68,7 @@ start_display() {
 
 window_manager_is_there() { xprop -root _NET_SUPPORTING_WM_CHECK | grep -q '# 0x'; }
 
-# Away from everything that changes its looks under the pointer.
+# Moves the pointer away from everything that changes under it.
 rest_pointer() {
   # shellcheck disable=SC2086  # two numbers
   xdotool mousemove $display_corner
@@ -89,7 +88,7 @@ window_is_active() { [[ $(xdotool getactivewindow 2>/dev/null) == "$1" ]]; }
 
 visible_windows() { { xdotool search --onlyvisible --class quarn 2>/dev/null || true; } | sort; }
 
-# A window without a title, a menu for instance, is known by not having been there before.
+# A window without a title, for example a menu, is recognised because it is new.
 remember_windows() { windows_before=$(visible_windows); }
 
 new_window_is_there() {
@@ -121,7 +120,7 @@ outer_geometry() {
     "$((y + $(number_after Height "$facts") + bottom))"
 }
 
-# picture FILE WINDOW...: what the screen shows of the windows with their frames, as one picture.
+# picture FILE WINDOW...: one picture of the windows with their frames, as shown on the screen.
 picture() {
   local file=$1 window left top right bottom place=()
   shift

@@ -1,13 +1,13 @@
 # shellcheck shell=bash
-# Running the tests of a preset. Sourced after common.sh.
+# Runs the tests of a preset. Source it after common.sh.
 
-# run_tests PRESET [LAUNCHER [CTEST-OPTION...]]: a test that did not run fails them too.
+# run_tests PRESET [LAUNCHER [CTEST-OPTION...]]: also fails if a test did not run.
 run_tests() {
   local preset=$1 launcher=${2:-} report=$TOP/build/$1/tests.xml log=$TOP/build/$1/tests.log
   shift
   if (($# > 0)); then shift; fi
   rm -rf "$report" "$log" "build/$preset/reports"
-  # Most of the time the tests wait: for a splash to go, for a line to fall silent.
+  # The tests mostly wait: for a splash to close, for a line to fall silent.
   $launcher ctest --preset "$preset" --parallel "$((5 * JOBS))" --no-tests=error --output-junit "$report" --output-log "$log" "$@"
   # CTest calls a run with skipped tests a success.
   local unrun
@@ -18,7 +18,7 @@ run_tests() {
 # From the line "100% tests passed" to the end.
 summary_of() { sed -n '/% tests passed/,$p' "build/$1/tests.log"; }
 
-# cases_of PRESET: what the test programs reported, a case a line: "SECONDS NAME".
+# cases_of PRESET: the cases reported by the test programs, one per line: "SECONDS NAME".
 cases_of() {
   sed -n 's/.*<testcase name="\([^"]*\)".* status="run".* time="\([0-9.]*\)".* classname="\([^"]*\)".*/\2 \3.\1/p' \
     "build/$1"/reports/*.xml

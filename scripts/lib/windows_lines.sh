@@ -7,7 +7,7 @@ LINE_SCRIPTS=tests/wine/line_scripts/line_scripts.rules
 # late; a pause that is taken for its neighbour is at least 40 ms off.
 LINE_TOLERANCE_MS=30
 
-# instrument_at FOLDER PORT: one that answers by the scripts, anew.
+# instrument_at FOLDER PORT: starts a new instrument that answers by the scripts.
 instrument_at() {
   rm -f "$1/port-$2.rules"
   wait_until 20 "the instrument at $2 to go" eval '[[ ! -f '"'$1/port-$2.ready'"' ]]'
@@ -17,7 +17,7 @@ instrument_at() {
   [[ ! -s $1/port-$2.ready ]] || fail "no instrument at $2: $(<"$1/port-$2.ready")"
 }
 
-# play_both [NAME...]: what the lines did, in here.txt and wine.txt. At the same time: mostly they wait.
+# play_both [NAME...]: runs both lines at the same time, because they mostly wait; results in here.txt and wine.txt.
 play_both() {
   local here=$PLACE/native_lines
   instrument_at "$here" COM8
@@ -28,7 +28,7 @@ play_both() {
   wait "$player"
 }
 
-# What differs without a reason that the scripts give: a name to a line, with both outcomes.
+# The differences without a reason in the scripts: one name per line, with both outcomes.
 differing() { outcomes | grep -vF -f <(known_differences | sed 's/$/|/') | awk "${1:-$DIFFERS}" || true; }
 
 outcomes() { paste -d '|' "$PLACE/here.txt" "$PLACE/wine.txt"; }

@@ -1,9 +1,9 @@
 # shellcheck shell=bash
-# The installer and the portable zip. Sourced after common.sh, windows_qt.sh and wine.sh.
+# The installer and the portable zip. Source it after common.sh, windows_qt.sh and wine.sh.
 
 PACKAGE=$TOP/build/windows/package
 
-# identity NAME: one of the values that CMakeLists.txt has for everybody.
+# identity NAME: prints one of the shared values of CMakeLists.txt.
 identity() { sed -n "s/^!define $1 \"\(.*\)\"/\1/p" build/windows/generated/identity.nsh; }
 
 with_windows_line_ends() { sed 's/\r*$/\r/' "$1" >"$2"; }
@@ -20,7 +20,7 @@ add_licences() {
   with_windows_line_ends "$texts/GPL-3" "$place/GPL-3.txt"
 }
 
-# A macro for the installer that does something for each line of its input.
+# Writes a macro for the installer that does something for each line of its input.
 for_each() {
   echo "!macro $1 DO"
   # shellcheck disable=SC1003,SC2016  # a backslash, and the installer's own variable
@@ -28,8 +28,7 @@ for_each() {
   echo '!macroend'
 }
 
-# list_for_installer FOLDER: every file that is installed, the programs among them, and the folders, the inner ones
-# first.
+# list_for_installer FOLDER: lists every installed file, the programs among them, and the folders, inner ones first.
 list_for_installer() {
   (cd "$1" && find . -type f -printf '%P\n' | sort | for_each EachFile)
   (cd "$1" && find . -maxdepth 1 -type f \( -name '*.exe' -o -name '*.com' \) -printf '%P\n' | sort | for_each EachProgram)
@@ -46,7 +45,7 @@ pack_windows() {
   SETUP=$TOP/build/windows/quarn-$version-setup.exe
   rm -rf "$PACKAGE" "$ZIP" "$SETUP"
   cmake --install build/windows --prefix "$PACKAGE/$name" --strip >build/windows/install.log
-  # What came from the compiler has its debugging information still.
+  # Files from the compiler still have their debugging information.
   find "$PACKAGE/$name" -name '*.dll' -exec x86_64-w64-mingw32-strip --strip-unneeded {} +
   add_licences "$PACKAGE/$name"
   (cd "$PACKAGE" && zip -q -9 -X -r "$ZIP" "$name")

@@ -1,14 +1,14 @@
 # shellcheck shell=bash
-# Qt for Windows, built from Debian's own source package. Sourced after common.sh.
+# Qt for Windows, built from Debian's source package. Source it after common.sh.
 #
-# Understood from outside:
-#   QUARN_WINDOWS_QT=FOLDER   where it is kept (default: in the user's cache folder, one folder for each source,
+# Environment variable:
+#   QUARN_WINDOWS_QT=FOLDER   its folder (default: in the user's cache folder, one folder for each source,
 #                             compiler and set of options, and shared by all clones)
 
 QT_TOOLCHAIN=$TOP/cmake/mingw-w64.cmake
 
-# What Quarn does not use stays out: it would be built, shipped and loaded for nothing. The source package
-# lacks a header for tablets, and what it calls directwrite3 does not link with this compiler.
+# Parts that Quarn does not use are left out, so that they are not built, shipped and loaded. The source package lacks
+# a header for tablets, and directwrite3 does not link with this compiler.
 QT_WITHOUT=(
   sql network dbus xml printsupport opengl vulkan concurrent icu zstd jpeg gif
   tabletevent direct2d directwrite3
@@ -25,10 +25,10 @@ qt_options() {
   for feature in "${QT_WITHOUT[@]}"; do echo "-DFEATURE_$feature=OFF"; done
 }
 
-# The source has to be that of the tools of this system, which take part in the build.
+# The source must have the version of this system's Qt tools, which the build uses.
 qt_version() { dpkg-query -W -f='${source:Version}' qt6-base-dev; }
 
-# What a finished build depends on.
+# The values that a finished build depends on.
 qt_key() {
   printf 'qt6-base %s\ncompiler %s\n' "$(qt_version)" \
     "$(dpkg-query -W -f='${Version}' g++-mingw-w64-x86-64-posix)"
@@ -42,12 +42,12 @@ default_qt_folder() {
   echo "${XDG_CACHE_HOME:-$HOME/.cache}/quarn/windows-qt-${key:0:16}"
 }
 
-# Sets $QT, absolute wherever the caller stands.
+# Sets $QT to an absolute path.
 find_qt_folder() { QT=$(realpath -m "${QUARN_WINDOWS_QT:-$(default_qt_folder)}"); }
 
 qt_is_there() { [[ -f $QT/quarn-key && $(<"$QT/quarn-key") == "$(qt_key)" ]]; }
 
-# fetch_qt FOLDER: the unpacked source in FOLDER/source. The machine's own lists of packages stay as they are.
+# fetch_qt FOLDER: unpacks the source into FOLDER/source. Does not change this system's package lists.
 fetch_qt() {
   local place=$1 version options
   version=$(qt_version)
@@ -55,17 +55,17 @@ fetch_qt() {
   debian_sources deb-src >"$place/sources.list"
   options=(-qq -o "Dir::Etc::SourceList=$place/sources.list" -o Dir::Etc::SourceParts=/dev/null
     -o "Dir::State::Lists=$place/lists" -o APT::Get::List-Cleanup=0 -o APT::Sandbox::User= -o Acquire::Retries=3)
-  # Written into that folder alone, and so without any special right.
+  # Written only to that folder, so no special permission is needed.
   apt-get "${options[@]}" -o Dir::Cache::srcpkgcache= -o Dir::Cache::pkgcache= update
   (cd "$place" && apt-get "${options[@]}" -o Dir::Cache::srcpkgcache= -o Dir::Cache::pkgcache= \
     --download-only source "qt6-base=$version")
   dpkg-source --no-check --extract "$place"/qt6-base_*.dsc "$place/source" >"$place/unpack.log" 2>&1 || {
     cat "$place/unpack.log"
-    fail "the source of Qt does not unpack"
+    fail "the source of Qt cannot be unpacked"
   }
 }
 
-# build_qt FOLDER: fetched, built in that folder and left there in root, below the name it is going to have.
+# build_qt FOLDER: fetches and builds it in that folder; the result is in its subfolder root, under its final path.
 build_qt() {
   local place=$1 options
   headline "Fetching the source of Qt $(qt_version)"
@@ -79,14 +79,14 @@ build_qt() {
   }
   cmake --build "$place/build" >"$place/build.log" || {
     tail -n 100 "$place/build.log"
-    fail "Qt does not build"
+    fail "Qt cannot be built"
   }
   DESTDIR=$place/root cmake --install "$place/build" --strip >"$place/install.log"
   qt_key >"$place/root$QT/quarn-key"
 }
 
-# Sets $QT and builds it unless it is there. Of several that want the same one builds and the others wait; and it
-# gets its name when it is finished, so that half a build is never taken for one.
+# Sets $QT and builds it if it is missing. If several processes need it, one builds and the others wait. It gets its
+# name when it is complete, so an unfinished build is never used.
 provide_qt() {
   local making lock
   find_qt_folder

@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# COM ports under Wine, with simulated instruments behind them. Sourced after wine.sh.
+# COM ports under Wine, with simulated instruments behind them. Source it after wine.sh.
 
 # What tests/wine/line_server/line_server.cpp says about it holds for this folder.
 LINES=$PLACE/lines
@@ -28,7 +28,7 @@ COM_PORTS='{86e0d1e0-8089-11d0-9ce4-08003e301f73}'
 # shellcheck disable=SC2028  # the backslashes are the registry's
 device_class() { echo "System\\CurrentControlSet\\Control\\DeviceClasses\\$COM_PORTS\\##?#ROOT#QUARN${1^^}#0000#$COM_PORTS"; }
 
-# list_device com3 NAME: a device that the system takes for a COM port, under that name, with nothing behind it.
+# list_device com3 NAME: adds a device that the system lists as a COM port with that name, without an instrument.
 list_device() {
   local device="ROOT\\\\QUARN${1^^}\\\\0000" path="ROOT#QUARN${1^^}#0000#$COM_PORTS" class
   class=HKEY_LOCAL_MACHINE\\$(device_class "$1")
@@ -57,7 +57,7 @@ drop_device() {
   drop_registry "HKLM\\System\\CurrentControlSet\\Enum\\ROOT\\QUARN${1^^}"
 }
 
-# plug_port com3 NAME: an instrument, and the device that the system lists for it.
+# plug_port com3 NAME: adds an instrument, and the device that the system lists for it.
 plug_port() {
   local port=$1
   printf 'built-in' >"$LINES/port-$port.new"
@@ -67,7 +67,7 @@ plug_port() {
   list_device "$port" "$2 (${port^^})"
 }
 
-# unplug_port com3: first the device, then what was behind it.
+# unplug_port com3: removes first the device, then the instrument.
 unplug_port() {
   drop_device "$1"
   rm "$LINES/port-$1.rules"

@@ -22,7 +22,7 @@ constexpr int kMarginUnits = 11;
 constexpr int kGapUnits = 4;
 constexpr int kButtonWidthUnits = 50;
 constexpr int kLogoUnits = 44;
-/// Wide enough for the long caption beside the buttons that window managers put there.
+/// Wide enough for the long caption beside the window manager's buttons.
 constexpr int kLeastWidthUnits = 200;
 
 }  // namespace

@@ -10,8 +10,8 @@ namespace quarn {
 class LinkOpener;
 class MessageOperations;
 
-/// Says what the program is, who made it and where more is to be read. Modal; OK, Enter, Escape and the
-/// close box end it. The address shown and the page opened differ on purpose.
+/// Shows what the program is, who made it, and its web page. Modal; OK, Enter, Escape and the close box close
+/// it. The address shown and the page opened differ on purpose.
 class CAboutBox final : public PlacedDialog {
  public:
   static constexpr int kLinkId = 1170;

@@ -25,7 +25,7 @@ class SystemMenuItem final : public QObject, public QAbstractNativeEventFilter {
     if (event.hwnd != m_window || event.message != WM_SYSCOMMAND || (event.wParam & 0xFFF0) != kItemId) {
       return false;
     }
-    // Once the system is done with its menu.
+    // Delayed until the system has finished with its menu.
     QMetaObject::invokeMethod(this, m_chosen, Qt::QueuedConnection);
     if (result != nullptr) *result = 0;
     return true;

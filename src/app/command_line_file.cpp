@@ -19,8 +19,7 @@ struct QtOption {
   const char16_t* name;  ///< behind one dash or two
   bool takesValue;
 };
-/// What the application object takes out of the command line for itself; the session manager gives one of
-/// them.
+/// Options that Qt's application object takes from the command line; the session manager passes one of them.
 constexpr std::array<QtOption, 18> kQtOptions = {{{u"display", true},
                                                   {u"dograb", false},
                                                   {u"geometry", true},
@@ -40,7 +39,7 @@ constexpr std::array<QtOption, 18> kQtOptions = {{{u"display", true},
                                                   {u"title", true},
                                                   {u"widgetcount", false}}};
 
-/// How many words the option is that begins here; 0 when it is none of Qt's.
+/// The number of words of the option that starts here; 0 if it is not one of Qt's.
 qsizetype WordsOfQtOption(QStringView word) {
   const QStringView name = word.mid(word.startsWith(u"--") ? 2 : 1);
   const qsizetype equals = name.indexOf(u'=');
@@ -82,10 +81,9 @@ QString AnswerOnTerminal(const QStringList& arguments) {
                "\n"
                "%2"
                "\n"
-               "  FILE       configuration file (.qrn) to start with; without it the settings that\n"
-               "             were in force last time\n"
-               "  --help     this text\n"
-               "  --version  name, version and build date\n")
+               "  FILE       configuration file (.qrn) to start with; default: the last settings\n"
+               "  --help     print this text\n"
+               "  --version  print name, version and build date\n")
         .arg(name, Usage());
   }
   if (arguments.contains(QStringLiteral("--version"))) {

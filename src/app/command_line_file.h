@@ -7,27 +7,26 @@
 
 namespace quarn {
 
-/// The configuration file that the program was asked to open at its start, or empty. `arguments` are the
-/// process's own, the program first; where the system gives the command line as one text, that counts. A
-/// name of 259 or more characters ends the program: it does not fit the 260 that a path may take with its
-/// end.
+/// The configuration file named on the command line, or an empty text. `arguments` are the process's own,
+/// with the program first; if the system provides the command line as one text, that is used. A name of 259
+/// or more characters ends the program: with its end it does not fit into the 260 of a path.
 QString ReadCommandLineFile(const QStringList& arguments);
 
-/// What stands behind the quoted program path and one separator; without its own quotes, if it has them.
+/// The text after the quoted program path and one separator, without its own quotes, if any.
 QString FileOfCommandLine(QStringView commandLine);
 
-/// The name, after the check of its length.
+/// Returns the name after checking its length.
 QString WithinPathLimit(QString name);
 
-/// The answer to --help or --version, which need no window; empty without either.
+/// The output of --help or --version, which need no window; empty without either.
 QString AnswerOnTerminal(const QStringList& arguments);
 
-/// The word before the file that begins with "-" and is no option, neither of the program nor of Qt; empty
-/// without one. A file whose name begins so is given with its folder.
+/// The first word that begins with "-" and is not an option of the program or of Qt; empty if there is none.
+/// A file with such a name must be given with its folder.
 QString WrongOption(const QStringList& arguments);
 
-/// Answers what needs no window, on the terminal, and gives the exit status; nothing when there is a window
-/// to show.
+/// Handles options that need no window, on the terminal, and returns the exit status; nullopt if a window
+/// must be shown.
 std::optional<int> AnswerAtOnce(const QStringList& arguments);
 
 }  // namespace quarn

@@ -6,21 +6,21 @@
 
 namespace quarn {
 
-/// That no port is configured.
+/// Shows that no port is configured.
 void TellPortUndefined(MessageOperations& messages);
-/// That the configured port cannot be opened or is gone.
+/// Shows that the configured port cannot be opened or is gone.
 void TellPortNotAvailable(MessageOperations& messages, const QString& port);
 
-/// Connects to the port that the settings name and tells how it went. Sets the connected flag.
+/// Connects to the port in the settings and shows the result. Sets the connected flag.
 bool ConnectWithMessages(Program& program);
 
-// The commands of the Port menu. User-interface thread; each returns when its messages are gone.
+// The commands of the Port menu. User-interface thread; each returns when its messages are closed.
 
 void Connect(Program& program);
 /// Asks first. Closes the line without a purge; the port stays the configured one.
 void Disconnect(Program& program);
-/// Closes the line and opens it again, with a word about it in the title meanwhile. After a
-/// failure there is no connection.
+/// Closes the line and opens it again, with a status in the title meanwhile. After a failure there is no
+/// connection.
 void Reset(Program& program, MainWindow& window, Pause& pause);
 
 }  // namespace quarn

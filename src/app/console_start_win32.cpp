@@ -1,6 +1,6 @@
-// quarn.com, which is what a console starts for the word "quarn": it looks for .com before .exe. A program
-// with windows is not waited for, and what it says without one would stand behind the next prompt. This one
-// starts the program beside it and waits for what is said in the console; not for windows.
+// quarn.com: a console starts it for the word "quarn", because it looks for .com before .exe. A console does
+// not wait for a program with windows, whose output would come after the next prompt. This program starts
+// quarn.exe and waits until its output in the console is complete, but not for its windows.
 
 #include <windows.h>
 //
@@ -33,8 +33,8 @@ class Handle {
   HANDLE m_handle = nullptr;
 };
 
-/// Where the program's output goes: to this one's own, or through a pipe into the console, which a program
-/// with windows cannot write to.
+/// The destination of the program's output: this program's own, or through a pipe the console, which a
+/// program with windows cannot write to.
 class Output {
  public:
   explicit Output(DWORD which) : m_own(GetStdHandle(which)) {
@@ -48,7 +48,7 @@ class Output {
     }
   }
   [[nodiscard]] HANDLE ForProgram() const { return m_write.Get() != nullptr ? m_write.Get() : m_own; }
-  /// Once the program has been started: writes on the console until the program says nothing any more.
+  /// After the program was started: writes to the console until the program's output ends.
   void Pass() {
     if (m_read.Get() == nullptr) return;
     m_write.Close();
@@ -58,7 +58,7 @@ class Output {
     while (ReadFile(m_read.Get(), part.data(), static_cast<DWORD>(part.size()), &count, nullptr) != FALSE) {
       text.append(part.data(), count);
     }
-    // The console's own code page is another one.
+    // The console has a different code page.
     const int size = static_cast<int>(text.size());
     std::wstring wide(text.size(), L'\0');
     const int units = MultiByteToWideChar(CP_ACP, 0, text.data(), size, wide.data(), size);
@@ -78,7 +78,7 @@ std::wstring OwnFolder() {
   return path.substr(0, path.find_last_of(L'\\') + 1);
 }
 
-/// What stands behind this program's name on the command line.
+/// The part of the command line after this program's name.
 std::wstring_view Arguments() {
   std::wstring_view line(GetCommandLineW());
   const bool quoted = line.starts_with(L'"');
@@ -120,7 +120,7 @@ bool Start(const std::wstring& program, STARTUPINFOW& how, bool inherits, Starte
   return true;
 }
 
-/// Starts the program, passes on what it says and gives its exit status.
+/// Starts the program, passes on its output and returns its exit status.
 int Answer(const std::wstring& program) {
   Output output(STD_OUTPUT_HANDLE);
   Output error(STD_ERROR_HANDLE);
@@ -148,7 +148,7 @@ int main() {
   how.cb = sizeof how;
   Started started;
   if (!Start(program, how, false, started)) return EXIT_FAILURE;
-  // Its windows come to the front, as they do without this program between.
+  // Lets its windows come to the front, as without this program in between.
   AllowSetForegroundWindow(started.id);
   return EXIT_SUCCESS;
 }

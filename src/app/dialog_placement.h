@@ -6,15 +6,15 @@
 
 namespace quarn {
 
-// Where a dialog of the main dialog's menu comes up. Rectangles and sizes are outer ones, frame included.
+// The places of the dialogs in the main dialog's menu. Rectangles and sizes include the frame.
 
-/// Under the main dialog's left edge; above it where there is no room below.
+/// Under the main dialog's left edge; above it if there is no room below.
 QPoint PlaceBelow(const QRect& mainDialog, QSize dialog, QSize screen);
 
-/// Beside the main dialog's top right corner; left of it where there is no room to the right.
+/// Beside the main dialog's top right corner; left of it if there is no room to the right.
 QPoint PlaceBeside(const QRect& mainDialog, QSize dialog, QSize screen);
 
-/// Under the main dialog's left edge, and no further down or to the right than the screen goes.
+/// Under the main dialog's left edge, but within the screen at the bottom and on the right.
 QPoint PlaceUnder(const QRect& mainDialog, QSize dialog, QSize screen);
 
 }  // namespace quarn

@@ -11,7 +11,7 @@ namespace quarn {
 int WindowDpi(const QWidget& window) {
   const QScreen* screen = window.screen();
   if (screen == nullptr) return 0;
-  // What the desktop asks for reaches a window partly as larger fonts, partly as larger pixels.
+  // A desktop scales windows partly by larger fonts, partly by larger pixels.
   return static_cast<int>(std::lround(screen->logicalDotsPerInch() * screen->devicePixelRatio()));
 }
 

@@ -13,7 +13,7 @@ namespace {
 
 Program* g_program = nullptr;
 
-/// A long name in pieces between which a box may begin a new line.
+/// Splits a long name into pieces between which a box may break the line.
 QString Breakable(const QString& name) {
   constexpr qsizetype kPiece = 80;
   constexpr char16_t kZeroWidthSpace = 0x200B;
@@ -36,12 +36,12 @@ QString TextOf(PassedLimit passed) {
 
 void TellBeforeTheEnd(const PassedLimit& passed) {
   if (QThread::currentThread() != QCoreApplication::instance()->thread()) return;
-  // Once: another one that is met while the box is up ends the program at once.
+  // Only once: another limit passed while the box is open ends the program at once.
   Program* program = std::exchange(g_program, nullptr);
   if (program == nullptr) return;
   ClosePort(program->connection);
   program->connection.connected = false;
-  // No port is looked for, and none connected to, behind the box.
+  // Behind the box no ports are listed and none is connected.
   program->state.portBeingChosen = true;
   program->messages->ShowPlainMessage(TextOf(passed));
 }

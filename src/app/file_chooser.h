@@ -5,24 +5,24 @@
 
 namespace quarn {
 
-/// What a file dialog shows. A filter reads "what is displayed (patterns)": the last pair of brackets
-/// holds the patterns that count and is not displayed.
+/// The content of a file dialog. A filter has the form "displayed text (patterns)": the last pair of brackets
+/// has the patterns and is not displayed.
 struct FileQuestion {
   QString title;
   QStringList filters;
-  QString suffix;       ///< given to a typed name that has none
+  QString suffix;       ///< added to a typed name that has none
   QString initialName;  ///< a path or a bare name; may be empty
-  QString folder;       ///< where to begin; empty: where the last file was chosen
+  QString folder;       ///< the first folder; empty: the folder used last
 };
 
-/// Asks the person for a file, on the user-interface thread. An empty text means that they cancelled.
+/// Asks the user for a file, on the user-interface thread. An empty text means that they cancelled.
 class FileChooser {
  public:
   virtual ~FileChooser() = default;
 
-  /// A file that is there.
+  /// An existing file.
   virtual QString AskOpenFile(const FileQuestion& question) = 0;
-  /// A file that may be written: one that is there only after the person agreed to overwrite it.
+  /// A file to write; an existing one only after the user agreed to overwrite it.
   virtual QString AskSaveFile(const FileQuestion& question) = 0;
 };
 

@@ -21,7 +21,7 @@ namespace {
 /// Room for every column of Qt's own dialog.
 constexpr QRect kChooserUnits{0, 0, 440, 240};
 
-/// Gives the columns of Qt's own dialog, behind the names, the width that their texts need.
+/// Sets the width of the columns of Qt's own dialog, after the names, to that of their texts.
 void FitColumns(QFileDialog& dialog) {
   const auto* files = dialog.findChild<QTreeView*>(QStringLiteral("treeView"));
   if (files == nullptr) return;  // the system's dialog
@@ -37,7 +37,7 @@ void FitColumns(QFileDialog& dialog) {
   dialog.resize(MapDialogUnits(dialog.font(), kChooserUnits).size());
 }
 
-/// A program that its shortcut starts stands in its own folder, where nobody looks for files.
+/// A program started by its shortcut runs in its own folder, where nobody keeps files.
 QString FolderAtFirst() {
   QString working = QDir::currentPath();
   if (QDir(working) != QDir(QCoreApplication::applicationDirPath())) return working;
@@ -51,7 +51,7 @@ void PutQuestion(QFileDialog& dialog, const FileQuestion& question, const QStrin
   dialog.setDefaultSuffix(question.suffix);
   FitColumns(dialog);
   dialog.setDirectory(folder);
-  // With the folder told apart: some systems' own dialogs take only the name out of a selected path.
+  // With the folder given separately: some systems' dialogs use only the name of a selected path.
   if (!question.initialName.isEmpty()) {
     dialog.selectFile(QDir(folder).filePath(QFileInfo(question.initialName).fileName()));
   }
@@ -67,7 +67,7 @@ QString FileChooserDialog::Ask(QFileDialog& dialog, const FileQuestion& question
   if (folder.isEmpty()) folder = m_lastFolder;
   if (folder.isEmpty()) folder = FolderAtFirst();
   PutQuestion(dialog, question, folder);
-  // The system's own dialog needs a parent to stand in front of. The owner cannot go meanwhile.
+  // The system's own dialog needs a parent to be in front of. The owner cannot be deleted meanwhile.
   const BoxOver over(m_owner);
   if (dialog.exec() != QDialog::Accepted) return {};
   QString path = dialog.selectedFiles().value(0);
@@ -79,7 +79,7 @@ QString FileChooserDialog::AskOpenFile(const FileQuestion& question) {
   QFileDialog dialog(m_owner, question.title);
   dialog.setAcceptMode(QFileDialog::AcceptOpen);
   dialog.setFileMode(QFileDialog::ExistingFile);
-  // A file without a suffix that was picked from the list is meant as it stands.
+  // A file without a suffix that was selected from the list is used unchanged.
   QObject::connect(&dialog, &QFileDialog::currentChanged, &dialog, [&](const QString& path) {
     const QFileInfo info(path);
     const bool bare = info.isFile() && !info.fileName().contains(u'.');

@@ -7,9 +7,9 @@ class QWidget;
 
 namespace quarn {
 
-/// The system's file dialog where it has one, or Qt's. It begins in the question's folder, else where the
-/// last file was chosen, else in the working folder, or, for a program that was started in its own folder, in
-/// that of the person's documents.
+/// The system's file dialog if there is one, otherwise Qt's. It starts in the requested folder, else in the
+/// folder used last, else in the working folder, or, for a program that was started in its own folder, in the
+/// user's documents folder.
 class FileChooserDialog final : public FileChooser {
  public:
   /// The dialogs are modal to the window `owner` (not owned; may be null), which outlives them.

@@ -36,7 +36,7 @@ QString LoadUserFile(Program& program, const QString& path) {
   } else {
     ConnectWithMessages(program);
   }
-  // Last, for windows may have looked while a message was up, before the connection was decided.
+  // Last, because windows may have checked while a message was shown, before the connection was decided.
   RaiseSettingsRefreshes(program.state.requests);
   return loaded;
 }
@@ -51,7 +51,7 @@ void FileCommands::Open() {
                                                 FolderInForce()});
     if (path.isEmpty()) return;
     if (!LoadUserFile(m_program, path).isEmpty()) m_program.fileLoaded = true;
-    // Also the file that could not be loaded: saving is how its owner mends it.
+    // Also a file that could not be loaded: the user can repair it by saving.
     SetUserFile(path);
     m_window.UpdateMenuState();
     QThread::yieldCurrentThread();
@@ -164,7 +164,7 @@ bool FileCommands::CopyTo(const QString& path) {
 
 void FileCommands::PutDefaultsInForce() {
   WriteDefaultFile(m_program.workingSettingsFile);
-  // The program's own, not the file's: where nothing can be written the old ones still stand there.
+  // The program's defaults, not the file's: if nothing can be written, the file still has the old values.
   SettingsRecord defaults = DefaultSettings();
   defaults.loadedMarker = m_program.settings.loadedMarker;
   m_program.settings = std::move(defaults);

@@ -10,14 +10,14 @@
 
 namespace quarn {
 
-/// Loads a user's configuration file into the settings in force and connects to the port that it names,
-/// telling how each went. Returns the path, or nothing when it was not loaded; then the connection is what
-/// it was. The user file in force is left to the caller.
+/// Loads a user's configuration file into the current settings and connects to its port, and shows the
+/// results. Returns the path, or an empty text if it was not loaded; then the connection is unchanged. The
+/// caller sets the open user file.
 QString LoadUserFile(Program& program, const QString& path);
 
-/// What the File menu does, and the drop of a file. User-interface thread only.
+/// The commands of the File menu, and dropping a file. User-interface thread only.
 ///
-/// A command that comes while another one is still asking or telling something is ignored.
+/// A command is ignored while another one shows a question or a message.
 class FileCommands {
  public:
   FileCommands(Program& program, MainWindow& window, FileChooser& chooser)
@@ -27,23 +27,23 @@ class FileCommands {
   /// Does nothing in the internal configuration state.
   void Save();
   void SaveAs();
-  /// Leaves the settings in force, the working file and the connection as they are.
+  /// Does not change the current settings, the working file and the connection.
   void CloseFile();
   void RestoreDefaults();
   /// Loads the first of the dropped files.
   void DropFiles(const QStringList& paths);
-  /// Whether the program may end. Asks when the settings differ from the user file in force.
+  /// Whether the program may end. Asks if the settings differ from the open user file.
   [[nodiscard]] bool MayExit();
 
  private:
-  /// Runs a command unless another one runs.
+  /// Runs a command unless another one is running.
   void Run(const std::function<void()>& command);
   [[nodiscard]] bool HaveSettingsChanged() const;
   bool AskAboutChanges(const QString& question);
-  /// True when nothing would be lost, or when the person agrees to it.
+  /// True if nothing would be lost, or if the user agrees.
   bool MayLoseChanges();
   void SetUserFile(const QString& path);
-  /// The folder of the user file, or nothing without one.
+  /// The folder of the user file; empty if there is none.
   [[nodiscard]] QString FolderInForce() const;
   bool CopyTo(const QString& path);
   void PutDefaultsInForce();

@@ -7,13 +7,13 @@ class QWidget;
 
 namespace quarn {
 
-/// The labels in which the about box and the splash say what the program is, by control number.
+/// The labels of the about box and the splash that describe the program, by control number.
 inline constexpr int kNameLabelId = 1165;
 inline constexpr int kDescriptionLabelId = 1166;
 inline constexpr int kMakerLabelId = 1168;
 inline constexpr int kBuildLabelId = 1169;
 
-/// Each makes a child of `parent`; the name is bold.
+/// Each creates a child of `parent`; the name is bold.
 QLabel* CreateNameLabel(QWidget& parent);
 QLabel* CreateDescriptionLabel(QWidget& parent);
 QLabel* CreateBuildLabel(QWidget& parent);

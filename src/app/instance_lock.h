@@ -6,9 +6,8 @@ namespace quarn {
 
 enum class InstanceLock { Taken, TakenByAnother, Failed };
 
-/// Takes the lock that only one running program of a user can have, named "Quarn.exe". Once taken it is
-/// kept until the process ends, however it ends; there is nothing to release. When it fails, `reason` says
-/// why, in the system's words.
+/// Takes the lock for one running program per user, named "Quarn.exe". It is kept until the process ends, in
+/// any way; it cannot be released. If it fails, `reason` gives the system's text.
 InstanceLock TakeInstanceLock(QString& reason);
 
 }  // namespace quarn

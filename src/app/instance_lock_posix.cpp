@@ -18,14 +18,14 @@ namespace {
 constexpr mode_t kPrivateFolder = 0700;
 constexpr mode_t kPrivateFile = 0600;
 
-/// Whether nobody else could have put something there.
+/// Whether only this user can have put something there.
 bool IsThisUsersAlone(const QString& folder) {
   struct stat info {};
   return ::lstat(QFile::encodeName(folder).constData(), &info) == 0 && S_ISDIR(info.st_mode) &&
          info.st_uid == ::geteuid() && (info.st_mode & (S_IWGRP | S_IWOTH)) == 0;
 }
 
-/// The session's own folder, gone with the session, where the system sets one up; empty where it does not.
+/// The session's runtime folder, deleted with the session; empty if the system provides none.
 QString SessionFolder() {
   QString session = QDir::cleanPath(qEnvironmentVariable("XDG_RUNTIME_DIR"));
   if (!QDir::isAbsolutePath(session)) return {};
@@ -33,7 +33,7 @@ QString SessionFolder() {
   return IsThisUsersAlone(session) ? session : QString();
 }
 
-/// The folder of the settings: no place that another user could take first.
+/// The folder of the settings, in which another user cannot take the name first.
 QString SettingsFolder() {
   QString settings = DataFolder();
   if (!settings.isEmpty()) MakeDataFolder(settings);
@@ -65,9 +65,8 @@ InstanceLock LockIn(const QString& folder, QString& reason) {
 
 }  // namespace
 
-// The settings are what the lock is for, and everybody who uses them sees a lock beside them: also somebody
-// who came by a way that sets up no session. The session's folder is for those whose settings cannot be
-// written.
+// The lock protects the settings, and all programs that use them see a lock beside them, also those in
+// sessions without a runtime folder. The lock in the session's folder covers settings that cannot be written.
 InstanceLock TakeInstanceLock(QString& reason) {
   const QString session = SessionFolder();
   const InstanceLock first = session.isEmpty() ? InstanceLock::Taken : LockIn(session, reason);

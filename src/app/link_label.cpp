@@ -16,7 +16,7 @@ namespace {
 
 constexpr QRgb kLinkColour = qRgb(0x00, 0x00, 0xFF);
 
-/// What assistive tools see of it: a link that can be pressed.
+/// The interface for assistive tools: a link that can be pressed.
 class AccessibleLink final : public QAccessibleWidget {
  public:
   explicit AccessibleLink(LinkLabel* link) : QAccessibleWidget(link, QAccessible::Link) {}
@@ -42,7 +42,7 @@ class AccessibleLink final : public QAccessibleWidget {
 
 LinkLabel::LinkLabel(const QString& text, std::function<void()> activate, QWidget* parent)
     : QLabel(parent), m_activate(std::move(activate)) {
-  // First of all: whoever listens is told of the text, and asks at once what it stands in.
+  // This comes first: listeners are notified of the text, and immediately ask for its interface.
   MakeAccessibleAs<LinkLabel, AccessibleLink>();
   setTextFormat(Qt::PlainText);
   setText(text);
@@ -58,7 +58,7 @@ LinkLabel::LinkLabel(const QString& text, std::function<void()> activate, QWidge
 void LinkLabel::ApplyColour() {
   QPalette colours = palette();
   const QColor colour = ReadableOn(colours.color(backgroundRole()), kLinkColour);
-  // A change comes back as an event.
+  // The change causes another event of this kind.
   if (colours.color(QPalette::WindowText) == colour) return;
   colours.setColor(QPalette::WindowText, colour);
   setPalette(colours);
@@ -73,7 +73,7 @@ void LinkLabel::mousePressEvent(QMouseEvent* event) { m_pressed = event->button(
 
 void LinkLabel::mouseReleaseEvent(QMouseEvent* event) {
   if (event->button() != Qt::LeftButton || !std::exchange(m_pressed, false)) return;
-  // As with a button, whoever slides off before letting go has changed their mind.
+  // As with a button, moving off before the release cancels the click.
   if (rect().contains(event->position().toPoint())) m_activate();
 }
 

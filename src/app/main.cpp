@@ -28,7 +28,7 @@ int main(int argc, char* argv[]) {
   if (const auto status = quarn::AnswerAtOnce(ArgumentsOf(argc, argv))) return *status;
   const QApplication application(argc, argv);
   QApplication::setWindowIcon(quarn::ApplicationIcon());
-  // Message boxes come and go before the main dialog is there, and their end is not the program's.
+  // Message boxes close before the main dialog exists, and this must not end the program.
   QApplication::setQuitOnLastWindowClosed(false);
   const QString folder = quarn::DataFolder();
   if (folder.isEmpty()) {

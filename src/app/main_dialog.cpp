@@ -31,7 +31,7 @@ constexpr int kHeadingId = 1076;
 constexpr QRect kDialogUnits{7, 4, 205, 70};  // margins and size
 constexpr int kLogoUnits = 36;
 
-/// The Menu key is a key as well, whatever it comes as.
+/// The Menu key counts as a key too, whatever event it causes.
 bool IsKey(const QEvent& event) {
   if (event.type() == QEvent::ContextMenu) {
     return static_cast<const QContextMenuEvent&>(event).reason() == QContextMenuEvent::Keyboard;
@@ -50,7 +50,7 @@ bool EndsDialogs(const QEvent& event) {
 CQuarnDlg::CQuarnDlg(Program& program)
     : m_program(program), m_chooser(this), m_files(program, *this, m_chooser), m_monitor(program, *this) {
   setObjectName(QStringLiteral("CQuarnDlg"));
-  // A program that is open all day is put away between two measurements.
+  // A program that is open all day is often minimised between two measurements.
   setWindowFlag(Qt::WindowMinimizeButtonHint);
   CreateControls();
   CreateMenus();
@@ -88,7 +88,7 @@ void CQuarnDlg::CreateControls() {
   m_status = WithControlId(new QLabel(QStringLiteral("Internal Configuration State"), this), kStatusId);
   m_status->setObjectName(QStringLiteral("status"));
   m_status->setTextFormat(Qt::PlainText);
-  // "ON" alone says little to those who hear it.
+  // For screen reader users "ON" alone is not clear.
   auto* switchLabel = new QLabel(QStringLiteral("Terminal Screen  ---"), this);
   switchLabel->setBuddy(m_switch);
   m_switch->setAccessibleDescription(QStringLiteral("Terminal Screen"));
@@ -102,7 +102,7 @@ void CQuarnDlg::CreateControls() {
   grid->addWidget(m_switch, 1, 1, Qt::AlignLeft);
   grid->addWidget(logo, 0, 3, 2, 1, Qt::AlignRight | Qt::AlignVCenter);
   grid->addWidget(m_status, 2, 0, 1, 4);
-  // The width is the dialog's, whatever the status line says.
+  // The dialog sets the width, not the status line.
   m_status->setFixedWidth(size.width() - 2 * size.x());
 }
 
@@ -155,10 +155,10 @@ void CQuarnDlg::ShowUserFile() {
   const auto fits = [&](const QString& path) {
     return m_status->fontMetrics().horizontalAdvance(status(path)) <= m_status->width();
   };
-  // As the system writes it; the file dialogs write other separators.
+  // With the system's separators; the file dialogs use others.
   const QString path = QDir::toNativeSeparators(m_program.userFile);
   m_status->setText(status(ShortenPath(path, fits)));
-  // A path says most at its two ends.
+  // The most important parts of a path are its two ends.
   SetPlainToolTip(*m_status, path, Qt::ElideMiddle);
 }
 
@@ -192,7 +192,7 @@ void CQuarnDlg::closeEvent(QCloseEvent* event) {
   }
   PolledDialog::closeEvent(event);
   if (!event->isAccepted()) return;
-  // The end asks every window that is shown to close; one in edit mode would only say no.
+  // Ending the program asks every visible window to close; one in edit mode would only refuse.
   if (m_functionKeyTable) m_functionKeyTable->hide();
   QApplication::quit();
 }
@@ -208,7 +208,7 @@ void CQuarnDlg::dropEvent(QDropEvent* event) {
   }
   if (files.isEmpty()) return;
   event->acceptProposedAction();
-  // The other program waits for the drop's end: the messages come after it.
+  // The other program waits for the end of the drop, so messages come after it.
   QMetaObject::invokeMethod(
       this, [this, files] { m_files.DropFiles(files); }, Qt::QueuedConnection);
 }

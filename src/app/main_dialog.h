@@ -35,9 +35,9 @@ class CQuarnDlg final : public PolledDialog, public MainWindow {
   ~CQuarnDlg() override;
 
   [[nodiscard]] PortMonitor& Monitor() { return m_monitor; }
-  /// Whether File and Help do not stand on one line of the menu bar.
+  /// Whether File and Help are on different lines of the menu bar.
   [[nodiscard]] bool MenuBarWraps();
-  /// Moves the window to this share of the screen's free space, and once more when its frame is known.
+  /// Moves the window to this share of the screen's free space, and again when its frame is known.
   void PlaceByPercent(int xPercent, int yPercent);
 
   void SetTitle(const QString& suffix) override;

@@ -65,7 +65,7 @@ const std::vector<CQuarnDlg::MenuItem>& CQuarnDlg::MenuItems() {
 
 void CQuarnDlg::CreateMenus() {
   m_menuBar = new QMenuBar(this);
-  // In the window, also where the desktop would show it elsewhere: its width is part of the start's checks.
+  // In the window, even if the desktop would show it elsewhere: the start checks its width.
   m_menuBar->setNativeMenuBar(false);
   std::vector<QMenu*> menus;
   for (const char* title : {"&File", "&Port", "&Tools", "&Option", "&Help"}) {
@@ -102,7 +102,7 @@ bool CQuarnDlg::MenuBarWraps() {
   const QList<QAction*> titles = m_menuBar->actions();
   const QRect first = m_menuBar->actionGeometry(titles.first());
   const QRect last = m_menuBar->actionGeometry(titles.last());
-  // What does not fit on the line is not shown on it.
+  // A hidden item does not fit on the line.
   const bool cutOff = !m_menuBar->rect().contains(last.center()) || last.isNull();
   return cutOff || first.top() != last.top();
 }

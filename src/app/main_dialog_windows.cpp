@@ -1,4 +1,4 @@
-// The windows that the menu opens, each there once.
+// The windows that the menu opens; each exists once.
 
 #include <QScreen>
 
@@ -121,7 +121,7 @@ void CQuarnDlg::ShowPlaced(PolledDialog& dialog, PlaceRule rule) {
 }
 
 QPoint CQuarnDlg::PlaceOf(const QWidget& dialog, PlaceRule rule) const {
-  // The rules reckon from the corner of the screen on which the main dialog is.
+  // The rules count from the corner of the screen with the main dialog.
   const QRect whole = screen()->geometry();
   const QRect here(pos() - whole.topLeft(), OuterSize(*this));
   return whole.topLeft() + rule(here, OuterSize(dialog), whole.size());

@@ -9,15 +9,15 @@ class MainWindow {
  public:
   virtual ~MainWindow() = default;
 
-  /// The title from the connected flag and the current port name, with `suffix` behind it.
+  /// Sets the title from the connected flag and the current port name, followed by `suffix`.
   virtual void SetTitle(const QString& suffix) = 0;
-  /// Enables the menu items that can be used now.
+  /// Enables the menu items that are available now.
   virtual void UpdateMenuState() = 0;
-  /// Brings the status line up to date with the user file in force.
+  /// Updates the status line with the open user file.
   virtual void ShowUserFile() = 0;
   /// Opens the Terminal Screen unless it is open.
   virtual void OpenTerminalScreen() = 0;
-  /// The 100 ms tick. It rests while the port monitor has a question or an error on the screen.
+  /// The 100 ms tick. It is paused while the port monitor shows a question or an error.
   virtual void StartTimer() = 0;
   virtual void StopTimer() = 0;
 };

@@ -24,7 +24,7 @@ inline constexpr int kMainOption = 32790;
 inline constexpr int kAbout = 57667;
 }  // namespace command
 
-/// What the enabling of the menu depends on.
+/// The state that decides which menu items are enabled.
 struct MenuFacts {
   bool userFileInForce = false;
   bool connected = false;
@@ -33,7 +33,7 @@ struct MenuFacts {
   bool functionKeyTableOpen = false;
 };
 
-/// Whether the command can be used now; a command that is not named here always can.
+/// Whether the command is enabled; a command that is not listed always is.
 bool IsCommandEnabled(int commandId, const MenuFacts& facts);
 
 }  // namespace quarn

@@ -11,7 +11,7 @@ bool IsSeparator(QChar character, PathStyle style) {
   return character == u'/' || (character == u'\\' && style == PathStyle::SlashesAndBackslashes);
 }
 
-/// Where parts end: every separator but those that the path begins with.
+/// The ends of the parts: every separator except those at the start of the path.
 QList<qsizetype> PartEnds(const QString& path, PathStyle style) {
   qsizetype at = 0;
   while (at < path.size() && IsSeparator(path[at], style)) ++at;
@@ -22,7 +22,7 @@ QList<qsizetype> PartEnds(const QString& path, PathStyle style) {
   return ends;
 }
 
-/// The name without `dropped` characters of its middle; no pair of surrogates is parted.
+/// The name without `dropped` characters in its middle; never splits a surrogate pair.
 QString WithoutMiddle(const QString& name, qsizetype dropped) {
   const qsizetype kept = name.size() - dropped;
   qsizetype left = kept - kept / 2;

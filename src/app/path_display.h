@@ -16,10 +16,9 @@ inline constexpr PathStyle kNativePaths = PathStyle::SlashesAndBackslashes;
 inline constexpr PathStyle kNativePaths = PathStyle::Slashes;
 #endif
 
-/// A path for a place where not every text fits: whole, or else its first folder, "..." and as many of
-/// its last parts as fit, or "..." and the file name, or the file name alone, with "..." in its middle
-/// where it must be. When nothing fits at all: "...". `fits` says yes to a text that is shorter than one
-/// it said yes to.
+/// A path shortened to fit: complete; or its first folder, "..." and as many of its last parts as fit; or
+/// "..." and the file name; or the file name alone, with "..." in its middle if necessary; or "..." if
+/// nothing fits. If `fits` accepts a text, it must accept every shorter one.
 [[nodiscard]] QString ShortenPath(const QString& path, const std::function<bool(const QString&)>& fits,
                                   PathStyle style = kNativePaths);
 

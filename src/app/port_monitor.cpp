@@ -11,8 +11,8 @@
 namespace quarn {
 namespace {
 
-/// A dead line is acted upon at this tick. A port that is unplugged goes from the list a moment later than
-/// its line dies, and that is told in another way.
+/// A dead line is handled at this tick. An unplugged port disappears from the list slightly later than its
+/// line dies, and that has a different message.
 constexpr int kLossSettled = 3;
 
 bool IsListed(const PortList& list, const QString& port) {
@@ -20,7 +20,7 @@ bool IsListed(const PortList& list, const QString& port) {
   return std::find(list.names.begin(), end, port) != end;
 }
 
-/// The tick rests while this is there.
+/// The tick is paused while this exists.
 class RestingTimer {
  public:
   explicit RestingTimer(MainWindow& window) : m_window(window) { m_window.StopTimer(); }
@@ -58,8 +58,8 @@ bool PortMonitor::IsAtRest() const {
 }
 
 void PortMonitor::Tick(int ticks) {
-  // A message of the last change may still be up, or that of a port being chosen: what changed since is seen
-  // when it is gone.
+  // A message of the last change may still be shown, or one of a port being chosen: later changes are seen
+  // when it is closed.
   if (m_updating || m_program.state.portBeingChosen) return;
   if (m_startDelay > 0) {
     --m_startDelay;
@@ -84,7 +84,7 @@ PortEvent PortMonitor::Update() {
   const bool listed = RefreshPortList(*m_program.portSource, connection);
   m_program.waitIndicator->Restore();
   if (!listed) return PortEvent::None;
-  // What is decided on is what was listed, whatever happens to the ports while a message is up.
+  // The decision uses the listed ports, even if they change while a message is shown.
   const PortList now{connection.portCount, connection.portNames};
   m_program.state.tooManyPorts = now.count >= kTooManyPorts;
   PortEvent event = PortEvent::None;
@@ -111,7 +111,7 @@ PortEvent PortMonitor::Update() {
 
 bool PortMonitor::IsLineLost() const {
   const PortConnection& connection = m_program.connection;
-  // A port that could not be opened again after another was refused counts as connected, and has no line.
+  // A port that could not be reopened after another was refused counts as connected, without a line.
   return connection.connected && (!connection.handle.IsOpen() || connection.handle.Line()->IsLost());
 }
 
@@ -129,7 +129,7 @@ void PortMonitor::HandleLostLine() {
   if (count != connection.portCount) {
     event = Update();
   } else {
-    // As many as before is no change that is told; but what is offered must be there now.
+    // An equal count is not reported as a change, but a port that is offered must exist now.
     ListPorts();
     RaiseConnectionRefreshes(m_program.state.requests);
   }

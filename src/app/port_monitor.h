@@ -9,10 +9,10 @@
 
 namespace quarn {
 
-/// From this many ports on the detailed list cannot show them all.
+/// With this many ports the detailed list cannot show them all.
 inline constexpr int kTooManyPorts = 31;
 
-/// The ports present at one moment: the first `count` names count.
+/// The ports present at one moment: the first `count` names.
 struct PortList {
   std::int32_t count = 0;
   PortNames names;
@@ -24,22 +24,22 @@ enum class PortEvent {
   Returned,  ///< the configured port is there again, and not connected
 };
 
-/// What a change of the ports present means. A port that was added is looked for at the first position at
-/// which the two lists differ, and nowhere else.
+/// The meaning of a change of the ports present. An added port is looked for only at the first position where
+/// the two lists differ.
 PortEvent DecideOnPorts(const PortList& before, const PortList& now, bool connected,
                         const QString& currentPortName);
 
-/// Watches the ports present, and acts when the connected one disappears or the configured one comes back.
-/// Only their count is compared: a port exchanged for another goes unnoticed. Not so the connected line: when
-/// it has died it is lost, also where its port was back before anybody looked. User-interface thread only.
+/// Watches the ports present, and reacts when the connected one disappears or the configured one returns.
+/// Only their number is compared: replacing one port by another is not noticed. The connected line is checked
+/// too: if it is dead it is lost, even if its port is back by then. User-interface thread only.
 class PortMonitor {
  public:
   PortMonitor(Program& program, MainWindow& window) : m_program(program), m_window(window) {}
 
-  /// Lists the ports present and remembers them as what the next change is compared with.
+  /// Lists the ports present and remembers them for comparison with the next change.
   void ListPorts();
-  /// One tick of 100 ms, or the last of so many of which the others had nothing to do. The first ten are let
-  /// pass.
+  /// One tick of 100 ms, or the last of several, of which the others had nothing to do. The first ten are
+  /// ignored.
   void Tick(int ticks = 1);
   /// Whether the next ticks have nothing to do until this thread's event loop wakes.
   [[nodiscard]] bool IsAtRest() const;

@@ -17,8 +17,8 @@
 
 namespace quarn {
 
-/// The one instance of everything that lives as long as the process. Handed to whoever needs it, never
-/// reached for.
+/// All objects that live as long as the process; one instance. It is passed to the code that needs it; there
+/// is no global access.
 struct Program {
   Program(QString folder, std::unique_ptr<SerialLineOpener> lineOpener, std::unique_ptr<PortSource> source,
           std::unique_ptr<MessageOperations> messageOperations, std::unique_ptr<WaitIndicator> indicator);
@@ -27,7 +27,7 @@ struct Program {
 
   const QString dataFolder;  ///< ends with a separator
   const QString workingSettingsFile;
-  /// The user's configuration file in force; empty in the internal configuration state.
+  /// The open configuration file of the user; empty in the internal configuration state.
   QString userFile;
   bool fileLoaded = false;  ///< a user file has been loaded by Open or by a drop
 
@@ -43,7 +43,7 @@ struct Program {
   const std::unique_ptr<PortSource> portSource;
   const std::unique_ptr<MessageOperations> messages;
   const std::unique_ptr<WaitIndicator> waitIndicator;
-  TransactionEngine engine;  ///< last: its worker must be gone before anything that it uses
+  TransactionEngine engine;  ///< last, because its worker must end before anything that it uses
 };
 
 }  // namespace quarn

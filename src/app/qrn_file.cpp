@@ -20,7 +20,7 @@ int CheckQrnFile(const QString& path) {
   if (kind == PathKind::File && QFileInfo(path).size() > kLargestQrnFile) return kQrnTooLarge;
   QFile file(path);
   if (kind == PathKind::Folder || !file.open(QIODevice::ReadOnly)) return kQrnNoFormat;
-  // One byte more than may be there: the file may have grown since it was measured.
+  // One byte more than allowed: the file may have grown since it was measured.
   const QByteArray bytes = file.read(kLargestQrnFile + 1);
   if (bytes.size() > kLargestQrnFile) return kQrnTooLarge;
   const std::optional<QString> text = DecodeSettingsText(bytes);

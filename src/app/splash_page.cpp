@@ -44,7 +44,7 @@ CSplashPage::CSplashPage(QWidget* owner, int displayMs)
   column->addStretch();
   row->addLayout(column);
   row->addStretch();
-  // Never smaller than its texts, should a font be out of proportion to its dialog units.
+  // Never smaller than its texts, in case a font does not match its dialog units.
   setFixedSize(MapDialogUnits(font(), kUnits).size().expandedTo(row->sizeHint()));
 }
 
@@ -66,8 +66,7 @@ void CSplashPage::closeEvent(QCloseEvent* event) { event->ignore(); }
 void CSplashPage::keyPressEvent(QKeyEvent* /*event*/) {}
 
 void CSplashPage::paintEvent(QPaintEvent* /*event*/) {
-  // Without a frame of its own its edge would be lost on a bright desktop.
-  // Areas, not a line: at 150 per cent a line would leave a strip outside.
+  // Without a frame of its own its edge would be invisible on a bright desktop.
   QPainter painter(this);
   const QColor colour = palette().color(QPalette::Mid);
   const QRegion edge = QRegion(rect()) - rect().adjusted(1, 1, -1, -1);

@@ -6,8 +6,8 @@
 
 namespace quarn {
 
-/// What is starting, for two seconds; then it goes by itself, with result 1. Modal and on top; neither keys
-/// nor clicks nor a close request end it earlier.
+/// The splash: shows the program's name for two seconds, then closes automatically with result 1. Modal and
+/// on top; keys, clicks and close requests do not end it earlier.
 class CSplashPage final : public PlacedDialog {
  public:
   static constexpr int kDisplayMs = 2000;
@@ -15,7 +15,7 @@ class CSplashPage final : public PlacedDialog {
 
   explicit CSplashPage(QWidget* owner = nullptr, int displayMs = kDisplayMs);
 
-  /// Escape and the window manager come here; they do nothing.
+  /// Called for Escape and by the window manager; does nothing.
   void reject() override {}
 
  protected:

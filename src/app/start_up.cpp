@@ -51,7 +51,7 @@ void TellInternalConfiguration(Program& program) {
   program.messages->ShowTransientMessage(QStringLiteral("Starting in internal configuration mode."), {});
 }
 
-/// The file named on the command line, when there is one and it looks like one of ours.
+/// The file named on the command line, if there is one and it looks like a configuration file.
 QString FileToLoad(Program& program, StartUpStage& stage) {
   const QString named = stage.CommandLineFile();
   if (named.isEmpty()) return {};

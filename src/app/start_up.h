@@ -9,18 +9,18 @@
 
 namespace quarn {
 
-/// What start-up asks of the process and the screen, one call a step.
+/// What start-up asks of the process and the screen, one call per step.
 class StartUpStage {
  public:
   virtual ~StartUpStage() = default;
 
-  /// When it fails, `reason` says why.
+  /// If it fails, `reason` says why.
   virtual InstanceLock TakeLock(QString& reason) = 0;
-  /// Returns when the splash is gone. From then on there is a main dialog, not yet on the screen.
+  /// Returns when the splash is closed. Then a main dialog exists, not yet shown.
   virtual void ShowSplash() = 0;
   virtual MainWindow& Window() = 0;
   virtual PortMonitor& Monitor() = 0;
-  /// Of the main dialog's screen; 0 when there is none.
+  /// Of the main dialog's screen; 0 if there is none.
   virtual int Dpi() = 0;
   /// Whether the menu bar's items do not fit on one line.
   virtual bool MenuBarWraps() = 0;
@@ -35,12 +35,12 @@ class StartUpStage {
 
 enum class StartUpResult {
   Running,
-  NotAlone,  ///< another one runs, or nobody could tell
+  NotAlone,  ///< another one runs, or this could not be determined
   DisplayRefused,
 };
 
-/// From the program's objects to a polling main dialog: lock, splash, display, settings, ports, connection,
-/// windows. Messages appear on the way and each is over before the next step.
+/// Runs the whole start, up to a running main dialog: lock, splash, display, settings, ports, connection,
+/// windows. The messages of a step are closed before the next step.
 StartUpResult StartUp(Program& program, StartUpStage& stage);
 
 }  // namespace quarn

@@ -6,8 +6,8 @@ namespace quarn {
 
 enum class TerminalStream { Output, Error };
 
-/// Writes the text where whoever started the program sees it: on standard output, or on standard error. False
-/// when that fails, and for standard output the reason is then told on standard error.
+/// Writes the text to standard output or standard error, visible to the user who started the program. Returns
+/// false if that fails; for standard output the reason is then printed on standard error.
 bool WriteOnTerminal(const QString& text, TerminalStream stream);
 
 }  // namespace quarn

@@ -5,7 +5,7 @@
 namespace quarn {
 namespace {
 
-/// A program with windows has standard output only where somebody has redirected it.
+/// A program with windows has standard output only if it was redirected.
 bool WriteRedirected(const QByteArray& bytes, TerminalStream stream) {
   const HANDLE output = GetStdHandle(stream == TerminalStream::Output ? STD_OUTPUT_HANDLE : STD_ERROR_HANDLE);
   DWORD written = 0;
@@ -28,10 +28,10 @@ bool WriteOnConsole(const QString& text) {
 
 bool WriteOnTerminal(const QString& text, TerminalStream stream) {
   if (WriteRedirected(text.toLocal8Bit(), stream)) return true;
-  // The console belongs to whoever started the program; it is left again at once, so that neither Ctrl+C nor
-  // the closing of that window ends this process.
+  // The console belongs to the program that started this one. It is released at once, so that neither Ctrl+C
+  // nor closing that window ends this process.
   if (AttachConsole(ATTACH_PARENT_PROCESS) == FALSE) return false;
-  // The shell has written its next prompt already: it does not wait for a program with windows.
+  // The shell has already printed its next prompt: it does not wait for a program with windows.
   const bool done = WriteOnConsole(QLatin1Char('\n') + text);
   FreeConsole();
   return done;

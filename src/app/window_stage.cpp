@@ -20,8 +20,8 @@ void WindowStage::ShowSplash() {
   splash.exec();
 }
 
-/// What takes a while, and the splash's two seconds have time for: the main dialog, and the first look at the
-/// system's devices.
+/// Slow steps, done during the splash's two seconds: the main dialog, and the first look at the system's
+/// devices.
 void WindowStage::PrepareUnderSplash() {
   m_dialog = std::make_unique<CQuarnDlg>(m_program);
   QStringList names;

@@ -6,19 +6,18 @@
 
 namespace quarn {
 
-/// The answer that Enter gives to a question unless its person chooses the other: the one that loses nothing.
+/// The answer to a question that Enter gives by default: the one that loses nothing.
 enum class AnswerByDefault {
   Agree,
-  Refuse,         ///< agreeing can lose something
-  AgreeUncalled,  ///< the question comes by itself: a letter in its first half second is no answer to it
+  Refuse,         ///< agreeing can lose data
+  AgreeUncalled,  ///< opens without a user action: letters in the first half second do not answer it
 };
 
-/// Everything the program ever tells or asks its user in a box of its own. Plain Qt Core, so that every
-/// layer may call it and every test may answer it. All calls are made on the user-interface thread and
-/// return when the box is gone.
+/// All messages and questions that the program shows in boxes. Plain Qt Core, so that every layer may call it
+/// and every test may answer it. Call on the user-interface thread; calls return when the box is closed.
 ///
-/// A caption is made of the program's name, one blank and `captionSuffix` (": Error", ": Information",
-/// ": Warning", ": Confirmation"). On screen the lines stand in the order line1, line0, line2.
+/// A caption is the program's name, one blank and `captionSuffix` (": Error", ": Information", ": Warning",
+/// ": Confirmation"). The lines are shown in the order line1, line0, line2.
 class MessageOperations {
  public:
   virtual ~MessageOperations() = default;
@@ -37,7 +36,7 @@ class MessageOperations {
   virtual bool AskSimple(const QString& text, AnswerByDefault byDefault = AnswerByDefault::Agree) = 0;
   /// One line with YES and NO, under a caption of its own. True only when YES was pressed.
   virtual bool AskSimpleYesNo(const QString& text, AnswerByDefault byDefault = AnswerByDefault::Agree) = 0;
-  /// One line that goes away by itself after 2000 ms; centred, or at `position` (screen coordinates).
+  /// One line that closes automatically after 2000 ms; centred, or at `position` (screen coordinates).
   virtual void ShowTransientMessage(const QString& text, std::optional<QPoint> position = {}) = 0;
   /// A plain box with the program's name as caption and one OK button.
   virtual void ShowPlainMessage(const QString& text) = 0;

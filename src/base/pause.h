@@ -2,7 +2,7 @@
 
 namespace quarn {
 
-/// A short wait of the user-interface thread, as while a device comes to rest.
+/// A short wait of the user-interface thread, for example until a device is ready.
 class Pause {
  public:
   virtual ~Pause() = default;

@@ -5,17 +5,18 @@
 
 namespace quarn {
 
-/// A list of lines, file entries or port names holds at most this many unless its owner says less.
+/// The maximum number of entries in a list of lines, file entries or port names, unless its owner sets a
+/// lower one.
 inline constexpr qsizetype kMaxLines = 1024;
-/// A line being split off, in 16-bit characters; one more is a fatal bounds error.
+/// The longest line that can be split off, in 16-bit characters; a longer one is a fatal bounds error.
 inline constexpr qsizetype kMaxLineCharacters = 1023;
 
-/// Cuts a text of any length after every terminator and drops the terminators; what follows the last one is a
-/// line too unless it is empty. Lines beyond the first kMaxLines are not seen.
+/// Splits a text of any length after each terminator and removes the terminators. Text after the last
+/// terminator is a line too, unless it is empty. Lines beyond the first kMaxLines are ignored.
 [[nodiscard]] QStringList SplitTextLines(QStringView text, QChar terminator = u'\n');
 
-/// Drops the empty entries and sorts the rest in ascending order of 16-bit code units, whatever the
-/// locale. A list of more than `capacity` entries is left as it is.
+/// Removes empty entries and sorts the rest in ascending order of 16-bit code units, in any locale. A list of
+/// more than `capacity` entries is not changed.
 void SortTextList(QStringList& list, qsizetype capacity = kMaxLines);
 
 }  // namespace quarn

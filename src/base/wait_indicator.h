@@ -2,7 +2,7 @@
 
 namespace quarn {
 
-/// Shows the person that the program works (the hourglass cursor). Plain, so that every layer may use it.
+/// Shows that the program is busy (the hourglass cursor). Plain, so that every layer may use it.
 class WaitIndicator {
  public:
   virtual ~WaitIndicator() = default;
@@ -10,7 +10,7 @@ class WaitIndicator {
   virtual void Restore() = 0;
 };
 
-/// Shows the indicator for as long as it lives.
+/// Shows the indicator while the object exists.
 class WaitShown {
  public:
   explicit WaitShown(WaitIndicator& indicator) : m_indicator(indicator) { m_indicator.Show(); }
@@ -22,7 +22,7 @@ class WaitShown {
   WaitIndicator& m_indicator;
 };
 
-/// Takes the indicator away again for as long as it lives: while the program waits for the person.
+/// Hides the indicator while the object exists, because the program waits for the user.
 class WaitInterrupted {
  public:
   explicit WaitInterrupted(WaitIndicator& indicator) : m_indicator(indicator) { m_indicator.Restore(); }

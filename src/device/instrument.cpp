@@ -81,7 +81,7 @@ bool Instrument::WaitMs(int ms) {
 
 void Instrument::ReadWhatCame() {
   std::array<char, 4096> buffer{};
-  // Once: what has come is looked through before there is more of it.
+  // Only once: process what has arrived before reading more.
   const ssize_t count = ::read(m_line.Descriptor(), buffer.data(), buffer.size());
   if (count > 0) {
     const std::string_view bytes(buffer.data(), static_cast<std::size_t>(count));
@@ -89,7 +89,7 @@ void Instrument::ReadWhatCame() {
     const std::lock_guard guard(m_mutex);
     if (m_keepsRecord) m_received += bytes;
   }
-  // The near side is held open here, so anything but "nothing there now" is the end of the line.
+  // The near side is kept open here, so any result except "nothing there now" means the end of the line.
   if (count < 0 && errno != EAGAIN && errno != EINTR) m_running = false;
 }
 
@@ -140,7 +140,7 @@ bool Instrument::Send(std::string_view bytes) {
 void Instrument::SendFlood() {
   constexpr int kPaceMs = 1;
   const std::string chunk(64, 'F');
-  // A full line just drops the chunk: nobody listens at the moment.
+  // A full line drops the chunk: nobody is reading at the moment.
   while (m_running && WaitMs(kPaceMs)) {
     [[maybe_unused]] const ssize_t count = ::write(m_line.Descriptor(), chunk.data(), chunk.size());
   }

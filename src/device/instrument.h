@@ -12,22 +12,22 @@
 
 namespace quarn::device {
 
-/// A command as it came: its text, and the framing that its answer gets too.
+/// A received command: its text, and the framing, which its answer uses too.
 struct Command {
   std::string text;
   std::string before;  ///< STX or nothing
   std::string after;   ///< CR, LF, CR LF or ETX
 };
 
-/// A command that has no end by then is dropped; those who send to instruments keep well below it.
+/// A longer unfinished command is dropped; real commands are much shorter.
 inline constexpr std::size_t kLongestCommandBytes = 4096;
 
-/// Takes complete commands off the front of `received`: those that end in CR, LF, CR LF, or stand between
-/// STX and ETX. An STX starts anew, whatever came before it. Leaves at most kLongestCommandBytes.
+/// Removes complete commands from the front of `received`: those that end in CR, LF, CR LF, or are framed by
+/// STX and ETX. An STX starts a new command, whatever came before it. Leaves at most kLongestCommandBytes.
 std::vector<Command> TakeCommands(std::string& received);
 
-/// A simulated instrument on a pseudo-terminal. Run serves it in the calling thread until Stop, from any
-/// thread, or until a rule hangs up.
+/// A simulated instrument on a pseudo-terminal. Run serves it in the calling thread until Stop is called,
+/// from any thread, or until a rule hangs up.
 class Instrument {
  public:
   explicit Instrument(Rules rules);
@@ -38,15 +38,15 @@ class Instrument {
   [[nodiscard]] const std::string& NodePath() const { return m_line.NodePath(); }
   void Run();
   void Stop();
-  /// From now on everything that arrives is kept for Received. Before Run.
+  /// Keeps all received bytes from now on for Received. Call before Run.
   void KeepRecord() { m_keepsRecord = true; }
-  /// Everything that has arrived since KeepRecord, byte for byte. Any thread.
+  /// All bytes received since KeepRecord. Any thread.
   [[nodiscard]] std::string Received() const;
-  /// Called in Run's thread right after the last byte of an answer has been written.
+  /// Called in Run's thread right after the last byte of an answer is written.
   void OnAnswered(std::function<void()> callback) { m_onAnswered = std::move(callback); }
 
  private:
-  /// False when the instrument was stopped or more came in the meantime.
+  /// False if the instrument was stopped or more bytes arrived meanwhile.
   bool WaitMs(int ms);
   void ReadWhatCame();
   void Answer(const Command& command);

@@ -29,13 +29,13 @@ constexpr char kUsage[] =
     "A simulated instrument on a pseudo-terminal. Prints the device node to open, answers\n"
     "commands until it is interrupted, and removes its link at the end.\n"
     "\n"
-    "  --link PATH    also reachable under PATH, for instance .../ports/COM7\n"
-    "  --rules FILE   answers from FILE, one rule a line:\n"
-    "                   \"id\"   -> line \"SIM-1\"         framed as the command was\n"
+    "  --link PATH    create the link PATH to the device, for example .../ports/COM7\n"
+    "  --rules FILE   read the answers from FILE, one rule per line:\n"
+    "                   \"id\"   -> line \"SIM-1\"         framed like the command\n"
     "                   \"slow\" -> \"one \" 30 \"two\\r\"    bytes, a pause in ms, bytes\n"
-    "                   \"big\"  -> \"x\" * 1500 \"\\r\"     bytes repeated\n"
+    "                   \"big\"  -> \"x\" * 1500 \"\\r\"     repeated bytes\n"
     "                   \"e\"    -> echo                 also: silence, flood, hangup\n"
-    "                   *      -> line \"ERR\"           every other command\n"
+    "                   *      -> line \"ERR\"           all other commands\n"
     "  --help, --version\n";
 
 struct Options {
@@ -78,7 +78,7 @@ sigset_t BlockEndingSignals() {
   return signals;
 }
 
-/// What a message repeats from the command line or a file steers no terminal.
+/// Text from the command line or a file must not control the terminal.
 std::string SpelledOut(std::string_view text) {
   std::string spelled;
   for (const char each : text) {

@@ -30,10 +30,11 @@ void CloseQuietly(int& fd) {
   if (fd >= 0) ::close(std::exchange(fd, -1));
 }
 
-/// A person who has never started Quarn has no ports/ folder yet. What is made here is that person's alone.
+/// A user who has never started Quarn has no ports/ folder yet. The folder made here belongs to this user
+/// alone.
 void MakeFolderAbove(const std::string& path) {
   const mode_t before = ::umask(S_IRWXG | S_IRWXO);
-  std::error_code failed;  // what it leads to is told when the link is made
+  std::error_code failed;  // reported when the link is made
   std::filesystem::create_directories(std::filesystem::path(path).parent_path(), failed);
   ::umask(before);
 }
@@ -73,7 +74,7 @@ NodeLink::NodeLink(std::string linkPath, const std::string& target)
 }
 
 NodeLink::~NodeLink() {
-  // Somebody may have put a link of their own there meanwhile.
+  // Another program may have put its own link there meanwhile.
   std::error_code ignored;
   if (std::filesystem::read_symlink(m_linkPath, ignored) == m_target) ::unlink(m_linkPath.c_str());
 }

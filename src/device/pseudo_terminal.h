@@ -4,10 +4,10 @@
 
 namespace quarn::device {
 
-/// The far end of a serial line: a pseudo-terminal whose other side opens like a COM port. A
-/// pseudo-terminal is no UART: it has no modem lines and no speed of its own.
+/// The far end of a serial line: a pseudo-terminal whose other side opens like a COM port. A pseudo-terminal
+/// is not a UART: it has no modem lines and no speed.
 ///
-/// The near side is kept open here too, so that programs may come and go. Throws std::system_error.
+/// The near side is kept open here too, so that programs may open and close it. Throws std::system_error.
 class PseudoTerminal {
  public:
   PseudoTerminal();
@@ -19,7 +19,7 @@ class PseudoTerminal {
   [[nodiscard]] const std::string& NodePath() const { return m_nodePath; }
   /// The descriptor of the far end, non-blocking; -1 after HangUp.
   [[nodiscard]] int Descriptor() const { return m_far; }
-  /// Closes the far end: whoever has the line open sees it break.
+  /// Closes the far end: programs that have the line open see it break.
   void HangUp();
 
  private:
@@ -28,7 +28,7 @@ class PseudoTerminal {
   std::string m_nodePath;
 };
 
-/// A symbolic link that lives as long as the object. Replaces another link of that name, nothing else.
+/// A symbolic link that exists as long as the object. Replaces another link of that name, but nothing else.
 /// Throws std::system_error.
 class NodeLink {
  public:

@@ -11,7 +11,7 @@ namespace quarn::device {
 struct Bytes {
   std::string bytes;
 };
-/// Text framed as the command was: with its line end, or between STX and ETX.
+/// Text framed like the command: with its line end, or by STX and ETX.
 struct Line {
   std::string text;
 };
@@ -31,14 +31,14 @@ struct Rule {
   std::vector<Step> steps;  ///< empty: silence
 };
 
-/// How the instrument answers. The first rule that fits wins.
+/// The rules for the instrument's answers. The first matching rule is used.
 using Rules = std::vector<Rule>;
 
-/// Null when no rule answers this command.
+/// Null if no rule answers this command.
 const Rule* FindRule(const Rules& rules, std::string_view command);
 
-/// Reads rules from text, one a line; throws std::runtime_error with the line's number for a line that
-/// is none. Blank lines and lines that begin with # are left out.
+/// Reads rules from text, one per line; throws std::runtime_error with the line number for an invalid line.
+/// Blank lines and lines that begin with # are ignored.
 ///
 ///   "id"   -> line "SIM-1"            answer framed as the command was
 ///   "slow" -> "one " 30 "two\r"       bytes, a pause in milliseconds before the next, bytes
@@ -46,7 +46,7 @@ const Rule* FindRule(const Rules& rules, std::string_view command);
 ///   "e"    -> echo                    also: silence, flood, hangup
 ///   *      -> line "ERR"              every other command
 ///
-/// In quotes \r \n \t \\ \" and \xHH stand for bytes.
+/// In quotes, \r \n \t \\ \" and \xHH stand for bytes.
 Rules ParseRules(std::string_view text);
 
 /// A small bench instrument.

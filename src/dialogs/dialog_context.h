@@ -12,7 +12,8 @@
 
 namespace quarn {
 
-/// What the dialogs of settings and ports work on. All of it outlives them. User-interface thread only.
+/// The objects that the dialogs of settings and ports use. All of them outlive the dialogs. User-interface
+/// thread only.
 struct DialogContext {
   SettingsRecord& settings;
   const QString& workingSettingsFile;

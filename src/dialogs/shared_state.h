@@ -77,13 +77,13 @@ inline void RaisePortDialogRefreshes(WindowRequests& requests) {
   requests.refresh.Add({Window::PortNumber, Window::DetailedPortList, Window::PortSettings});
 }
 
-/// After the connection or the ports present changed: every window that shows one of them.
+/// For changes of the connection or of the ports present: every window that shows one of them.
 inline void RaiseConnectionRefreshes(WindowRequests& requests) {
   requests.refresh.Add({Window::MainDialog, Window::TerminalScreen});
   RaisePortDialogRefreshes(requests);
 }
 
-/// After all settings were replaced: every window that shows any of them.
+/// For a replacement of all settings: every window that shows any of them.
 inline void RaiseSettingsRefreshes(WindowRequests& requests) {
   RaiseConnectionRefreshes(requests);
   requests.refresh.Add(

@@ -9,14 +9,14 @@ namespace quarn::send {
 
 /// One word of the command line.
 struct Argument {
-  /// As a name. Nothing when it is no text in the encoding of file names.
+  /// As a name. nullopt if it is not valid in the encoding of file names.
   std::optional<QString> text;
-  /// As a command: the bytes to send. Nothing when the system's 8-bit encoding lacks one of its characters.
+  /// As a command: the bytes to send. nullopt if one of its characters is not in the system's 8-bit encoding.
   std::optional<QByteArray> bytes;
 };
 using Arguments = std::vector<Argument>;
 
-/// What the process was started with, without the program's name.
+/// The arguments of the process, without the program's name.
 Arguments ArgumentsOf(int argc, char** argv);
 
 }  // namespace quarn::send

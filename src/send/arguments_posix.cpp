@@ -15,7 +15,7 @@ std::optional<QString> NameIn(const QByteArray& bytes) {
 
 }  // namespace
 
-/// Commands are bytes here already, and no encoding has a say in them.
+/// Commands are already bytes here; no conversion.
 Arguments ArgumentsOf(int argc, char** argv) {
   Arguments arguments;
   for (int i = 1; i < argc; ++i) {

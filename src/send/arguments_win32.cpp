@@ -7,7 +7,7 @@
 
 namespace quarn::send {
 
-/// The command line is UTF-16; what the run-time library makes of it has lost what the code page lacks.
+/// The command line is UTF-16; the run-time library's version has lost all characters outside the code page.
 Arguments ArgumentsOf(int /*argc*/, char** /*argv*/) {
   Arguments arguments;
   int count = 0;

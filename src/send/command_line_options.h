@@ -9,8 +9,8 @@ namespace quarn::send {
 
 struct Options {
   QString settingsFile;  ///< empty: the working settings file
-  QString port;          ///< empty: the one the settings name
-  bool raw = false;      ///< print the response's bytes as they came
+  QString port;          ///< empty: the one in the settings
+  bool raw = false;      ///< print the response's bytes unchanged
   bool help = false;
   bool version = false;
   QByteArrayList commands;  ///< the bytes to send, without their framing

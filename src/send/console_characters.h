@@ -2,8 +2,8 @@
 
 namespace quarn::send {
 
-/// From here to the program's end a console shows what is written on it in the system's encoding, whatever
-/// encoding it has itself. Where these are one this does nothing.
+/// Until the program ends, consoles show output in the system's encoding, whatever encoding they have. Does
+/// nothing if both are the same.
 void SpeakToConsoleInSystemEncoding();
 
 }  // namespace quarn::send

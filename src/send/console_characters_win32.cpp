@@ -20,7 +20,7 @@ bool IsConsole(DWORD which) {
 
 void SpeakToConsoleInSystemEncoding() {
   if (!IsConsole(STD_OUTPUT_HANDLE) && !IsConsole(STD_ERROR_HANDLE)) return;
-  // The code page belongs to the console, which others use when this program has ended.
+  // The code page belongs to the console, which other programs use after this one.
   g_former = GetConsoleOutputCP();
   if (g_former != 0 && SetConsoleOutputCP(GetACP()) != FALSE) (void)std::atexit(PutBack);
 }

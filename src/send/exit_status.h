@@ -2,11 +2,11 @@
 
 namespace quarn::send {
 
-// Beside the results of a transaction, 0 to 4.
+// In addition to the results of a transaction, 0 to 4.
 
 /// The port or the settings could not be opened, or the line failed.
 inline constexpr int kFailed = 5;
-/// The command line is wrong, or holds a command that cannot be sent.
+/// The command line is wrong, or has a command that cannot be sent.
 inline constexpr int kWrongUsage = 64;
 /// Standard output could not be written.
 inline constexpr int kNotPrinted = 74;

@@ -2,8 +2,8 @@
 
 namespace quarn::send {
 
-/// From now on the first Ctrl+C, or other request to end, is only noticed, so that the line can be put back
-/// as it was. A second one ends the program at once.
+/// From now on the first Ctrl+C, or other request to end, is only recorded, so that the line can be restored.
+/// A second one ends the program at once.
 void NoticeInterruption();
 /// Any thread.
 [[nodiscard]] bool IsInterrupted();

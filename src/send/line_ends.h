@@ -2,8 +2,8 @@
 
 namespace quarn::send {
 
-/// From here on standard output passes every byte on as it is: no line end is translated. Where the system
-/// never does so this does nothing.
+/// From now on standard output passes every byte unchanged: no line end is translated. Does nothing on
+/// systems that never translate.
 void PassBytesAsTheyAre();
 
 }  // namespace quarn::send

@@ -12,7 +12,7 @@
 namespace quarn::send {
 namespace {
 
-/// What keeps the file from being read; empty when nothing does.
+/// Why the file cannot be read; empty if it can.
 QString WhyNotReadable(const QString& path) {
   using std::filesystem::file_type;
   std::error_code error;
@@ -32,7 +32,7 @@ QString WhyNotReadable(const QString& path) {
   return file.open(QIODevice::ReadOnly) ? QString() : file.errorString();
 }
 
-/// What is the matter with a file that can be read.
+/// Why a readable file is not usable.
 QString WhyNotComplete(const QString& path) {
   return ReadWholeText(path) ? QStringLiteral("not a complete settings file")
                              : QStringLiteral("not a settings file: it is no UTF-8 text");

@@ -7,8 +7,8 @@
 
 namespace quarn::send {
 
-/// The settings of the file that the options name, or of the working settings file, with the port that they
-/// name. False, and the reason told on standard error in one line, when they cannot be had.
+/// The settings of the file in the options, or of the working settings file, with the port in the options.
+/// Returns false and prints the reason in one line on standard error if they cannot be read.
 bool LoadChosenSettings(const Options& options, const QString& dataFolder, SettingsRecord& settings);
 
 }  // namespace quarn::send

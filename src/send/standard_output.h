@@ -5,20 +5,19 @@
 
 namespace quarn::send {
 
-/// Writes the bytes on standard output, all of them and now. False, and told on standard error, when that
-/// fails.
+/// Writes all bytes to standard output immediately. If that fails, returns false and prints the reason on
+/// standard error.
 bool Print(const QByteArray& bytes);
 
-/// The last write: some systems find out only when the file is closed. Nothing can be printed afterwards.
-/// False as for Print.
+/// The last write: some systems report an error only when the file is closed. Nothing can be printed
+/// afterwards. False as for Print.
 bool EndOutput();
 
-/// One line on standard error. Whatever the text brings along, from a file, a device or the command line, it
-/// steers no terminal and begins no second line.
+/// Prints one line on standard error. Text from a file, a device or the command line cannot control the
+/// terminal or begin a second line.
 void Complain(const QString& text);
 
-/// Qt's own warnings, and those of the program's other rooms, go through Complain; notes for developers are
-/// dropped.
+/// Passes warnings of Qt and of the program's other rooms to Complain; debug messages are dropped.
 void ComplainOfWarnings();
 
 }  // namespace quarn::send

@@ -53,14 +53,14 @@ bool ChangeWatch::Follow(const WatchPlan& plan) {
     added = added || outcome == Outcome::Added;
     if (outcome == Outcome::Refused) {
       poll(path);
-      // The time of the folder /dev/pts stands still, whatever happens in it.
+      // The time stamp of the folder /dev/pts never changes.
       for (const std::string& name : interest.names) {
         poll(path + '/' + name);
       }
     }
   }
   for (const std::string& node : plan.nodes) {
-    // Who opened a node before it was watched is a matter of the text only, no reason to list again.
+    // Programs that opened a node before it was watched affect only the text; no need to list again.
     if (Watch(node, kUse, {}) == Outcome::Refused && !m_inotify.IsValid()) {
       poll(node);
     }
@@ -115,14 +115,14 @@ std::vector<int> ChangeWatch::Descriptors() const {
 }
 
 bool ChangeWatch::DrainDeviceEvents() {
-  // Bounded, as a broken socket must not hold up the caller.
+  // Bounded, because a broken socket must not block the caller.
   constexpr int kMostAtOnce = 1000;
   for (int i = 0; i < kMostAtOnce; ++i) {
     if (!UdevDevice(udev_monitor_receive_device(m_monitor.get()))) {
       break;
     }
   }
-  // Also without a device: events may have been lost, and then none of them is handed out.
+  // Also without a device: if events were lost, no device is returned.
   return true;
 }
 

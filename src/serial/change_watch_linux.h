@@ -14,37 +14,36 @@
 
 namespace quarn {
 
-/// On which files a result rests.
+/// The files on which a result depends.
 struct WatchPlan {
   struct FolderInterest {
-    bool anyName = false;         ///< every entry that comes or goes matters
-    std::set<std::string> names;  ///< of these, a change of owner or permission too
+    bool anyName = false;         ///< every added or removed entry matters
+    std::set<std::string> names;  ///< for these names, changes of owner or permission matter too
   };
   /// Existing folders by their path.
   std::map<std::string, FolderInterest> folders;
-  /// Device nodes: somebody's opening or closing them matters.
+  /// Device nodes: opening or closing them matters.
   std::set<std::string> nodes;
 };
 
-/// Tells whether anything has changed among serial devices and files, with one system call when nothing
-/// has. Sources: udev's events for tty devices where there are any, and inotify. A folder that cannot
-/// be watched is looked at with lstat at each question, and so are the names in it that matter; without
-/// inotify the nodes are, too.
+/// Reports whether serial devices or files have changed, with one system call if nothing has. Sources: udev's
+/// events for tty devices, if available, and inotify. A folder that cannot be watched is checked with lstat
+/// at each query, and so are the names in it that matter; without inotify also the nodes.
 class ChangeWatch {
  public:
   enum class Mode { Events, PollingOnly };
   explicit ChangeWatch(Mode mode = Mode::Events);
 
-  /// Watches what the plan names in place of what was watched before. True when something is watched that
-  /// was not: a change of it just before now has gone unseen.
+  /// Watches the files of this plan instead of the previous ones. Returns true if something is newly watched:
+  /// a change of it just before this call was not seen.
   bool Follow(const WatchPlan& plan);
 
-  /// Whether something has changed since the last question.
+  /// Whether something has changed since the last query.
   bool Changed();
 
-  /// Whether the descriptors tell of every change; false while some of what is watched has to be looked at.
+  /// Whether the descriptors report every change. False while something has to be polled.
   [[nodiscard]] bool TellsByItself() const { return m_inotify.IsValid() && m_polled.empty(); }
-  /// They become readable when something changes, and stay the same for the life of the watch.
+  /// They become readable when something changes. They stay the same for the life of the watch.
   [[nodiscard]] std::vector<int> Descriptors() const;
 
  private:
@@ -53,8 +52,8 @@ class ChangeWatch {
     std::uint32_t events = 0;
     WatchPlan::FolderInterest interest;
   };
-  /// What stat sees of a file; the time of last change for folders only, as every byte sent touches
-  /// that of a device.
+  /// The stat data of a file. The time of the last change is used only for folders, because every byte sent
+  /// changes that of a device.
   struct Look {
     int error = 0;
     dev_t device = 0;

@@ -16,7 +16,7 @@ DWORD ClampToDword(std::size_t size) {
 }  // namespace
 
 CommHandle::~CommHandle() {
-  // To the system that value is a handle too: this process.
+  // For the system this value is also a handle: this process.
   if (m_handle != INVALID_HANDLE_VALUE) CloseHandle(m_handle);
 }
 
@@ -39,8 +39,8 @@ std::shared_ptr<CommTransfer> CommTransfer::Write(std::shared_ptr<CommHandle> ha
 }
 
 std::shared_ptr<CommTransfer> CommTransfer::Start(std::shared_ptr<CommTransfer> transfer) {
-  // The system's own thread: of the library's, one that was detached has been seen to vanish before it had
-  // run.
+  // A thread of the system, not of the library: a detached thread of the library was seen to vanish before it
+  // had run.
   auto own = std::make_unique<std::shared_ptr<CommTransfer>>(transfer);
   const auto run = [](void* parameter) -> DWORD {
     const std::unique_ptr<std::shared_ptr<CommTransfer>> held(

@@ -18,42 +18,41 @@ class CommHandle {
   CommHandle& operator=(const CommHandle&) = delete;
 
   [[nodiscard]] void* Get() const { return m_handle; }
-  /// Closes it now. Only for the last owner. False, with the system's last error, when that fails.
+  /// Closes it now. Only for the last owner. Returns false if that fails, with the system's last error.
   bool Close();
 
  private:
   void* m_handle;
 };
 
-/// Where the threads of one line meet. What changes under the mutex is told through the condition.
+/// The synchronisation of one line's threads. Changes under the mutex are signalled by the condition.
 struct CommMeeting {
   std::mutex mutex;
   std::condition_variable changed;
 };
 
-/// One ReadFile or WriteFile on a thread of its own. The thread owns all that the call works on, so whoever
-/// waits for it may leave: a driver need not end a call that is cancelled, and what the call holds goes when
-/// it ends.
+/// One ReadFile or WriteFile on a thread of its own. The thread owns all data of the call, so the waiting
+/// thread may leave: a driver need not end a cancelled call, and the data is released when the call ends.
 class CommTransfer {
  public:
-  /// Start the call. Null when the system has no thread to give.
+  /// Start the call. Null if the system cannot create a thread.
   static std::shared_ptr<CommTransfer> Read(std::shared_ptr<CommHandle> handle,
                                             std::shared_ptr<CommMeeting> meeting, std::size_t size);
   static std::shared_ptr<CommTransfer> Write(std::shared_ptr<CommHandle> handle,
                                              std::shared_ptr<CommMeeting> meeting, std::string bytes);
 
-  /// Under the meeting's mutex.
+  /// Call with the mutex of the CommMeeting locked.
   [[nodiscard]] bool HasEnded() const { return m_ended; }
-  /// Asks the driver to end the call. It may come before the call has reached the driver, and do nothing.
+  /// Asks the driver to end the call. Has no effect if the call has not reached the driver yet.
   void Cancel();
 
-  // Once it has ended:
+  // Valid once it has ended:
 
-  /// How many bytes have moved.
+  /// The number of bytes transferred.
   [[nodiscard]] std::size_t Moved() const { return m_moved; }
-  /// What has been read, from the first byte on.
+  /// The bytes read, from the first one.
   [[nodiscard]] const std::string& Bytes() const { return m_bytes; }
-  /// The system's error code; none after a success.
+  /// The system's error code; nullopt after a success.
   [[nodiscard]] std::optional<unsigned long> Error() const { return m_error; }
 
  private:

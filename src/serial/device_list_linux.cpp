@@ -41,14 +41,14 @@ std::string ProductOf(udev_device* device) {
     std::replace(product.begin(), product.end(), '_', ' ');
     return product;
   }
-  // Belongs to `device` and is not released on its own.
+  // Owned by `device`; must not be released separately.
   udev_device* adapter = udev_device_get_parent_with_subsystem_devtype(device, "usb", "usb_device");
   const char* product = adapter != nullptr ? udev_device_get_sysattr_value(adapter, "product") : nullptr;
   return product != nullptr ? product : "";
 }
 
 void FindLastingNames(udev_device* device, const std::string& dev, SerialDevice& found) {
-  // Separated by blanks; one within a name is written \x20.
+  // Separated by blanks; a blank within a name is written \x20.
   const char* links = udev_device_get_property_value(device, "DEVLINKS");
   std::istringstream words(links != nullptr ? links : "");
   for (std::string link; words >> link;) {
@@ -62,7 +62,7 @@ void FindLastingNames(udev_device* device, const std::string& dev, SerialDevice&
   std::sort(found.pathNames.begin(), found.pathNames.end());
 }
 
-/// What udev says, else what the adapter itself does, with blanks written as udev would.
+/// The value from udev, or else from the adapter, with blanks written as udev does.
 std::string PropertyOf(udev_device* device, const char* property, const char* attribute) {
   if (const char* value = udev_device_get_property_value(device, property)) {
     return value;
@@ -96,7 +96,7 @@ DeviceIdentity IdentityOf(udev_device* device, const SerialDevice& found) {
           PropertyOf(device, "ID_SERIAL_SHORT", "serial")};
 }
 
-/// The file in which udev keeps what it knows of a device, for instance "c188:0".
+/// The file with udev's data about a device, for example "c188:0".
 std::string RecordNameOf(dev_t number) {
   std::string name("c");
   return name.append(std::to_string(major(number))).append(":").append(std::to_string(minor(number)));
@@ -113,7 +113,7 @@ std::tuple<std::string, unsigned long, std::string> SortKeyOf(const std::string&
 
 namespace {
 
-/// Every name but tty0, tty1 ...: to look into the 64 virtual consoles, of which none is a serial line, would
+/// Every name except tty0, tty1 ...: reading the 64 virtual consoles, which are never serial lines, would
 /// take longer than all the rest.
 constexpr std::array kNamePatterns = {"tty[!0-9]*", "tt[!y]*", "t[!t]*", "[!t]*"};
 
@@ -134,7 +134,7 @@ std::optional<DeviceList> ListSerialDevices(const SystemRoots& roots) {
   if (!enumerate || !Scan(enumerate.get())) {
     return std::nullopt;
   }
-  // Without its service nothing is ever finished with, and nothing has to be waited for.
+  // Without the udev service no device is ever marked as processed, so there is nothing to wait for.
   const bool serviceRuns = ::access((roots.udev + "/control").c_str(), F_OK) == 0;
   DeviceList list;
   udev_list_entry* entry = nullptr;
@@ -145,7 +145,7 @@ std::optional<DeviceList> ListSerialDevices(const SystemRoots& roots) {
     }
     const dev_t number = udev_device_get_devnum(device.get());
     if (serviceRuns && udev_device_get_is_initialized(device.get()) == 0) {
-      // Its lasting names do not exist yet; a pin made now would be a weaker one for good.
+      // Its permanent names do not exist yet; a link made now would use a weaker name permanently.
       list.pending.push_back({roots.udev + "/data", RecordNameOf(number)});
       continue;
     }

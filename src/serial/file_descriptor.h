@@ -21,7 +21,7 @@ class FileDescriptor {
   ~FileDescriptor() { Close(); }
 
   [[nodiscard]] int Get() const { return m_descriptor; }
-  /// True when there was nothing to close or the system reports success.
+  /// True if there was nothing to close or the system reports success.
   bool Close() { return m_descriptor < 0 || ::close(std::exchange(m_descriptor, -1)) == 0; }
   [[nodiscard]] bool IsValid() const { return m_descriptor >= 0; }
 

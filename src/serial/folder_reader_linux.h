@@ -10,7 +10,7 @@ struct CloseFolder {
   void operator()(DIR* folder) const { ::closedir(folder); }
 };
 
-/// A folder being read; closed when it goes. Null where it could not be opened (errno says why).
+/// An open folder, closed with the object. Null if it could not be opened (see errno).
 using OpenFolder = std::unique_ptr<DIR, CloseFolder>;
 
 }  // namespace quarn

@@ -6,7 +6,7 @@ namespace quarn {
 
 namespace {
 
-/// The short name is looked for in this many positions of a friendly name.
+/// The short name is searched in this many positions of a friendly name.
 constexpr qsizetype kVisiblePositions = 250;
 
 bool IsShown(QChar unit) {
@@ -21,7 +21,7 @@ bool IsShown(QChar unit) {
   }
 }
 
-/// The text without what cannot be seen and without halves of surrogate pairs.
+/// The text without invisible characters and half surrogate pairs.
 QString Printable(const QString& text) {
   QString result;
   result.reserve(text.size());
@@ -55,7 +55,7 @@ QString ComposeFriendlyName(const PortDescription& port) {
   const QString bracket = QStringLiteral(" (") + port.portName + QLatin1Char(')');
   const qsizetype room = kVisiblePositions - bracket.size();
   QString head = CutTo(CutTo(Printable(port.product), room - rest.size()) + rest, room);
-  // Last, so that no cut and no removal can put the four characters together again.
+  // Last, so that no cut or removal can form these four characters again.
   head.replace(QLatin1String("(COM"), QLatin1String("[COM"));
   return head + bracket;
 }

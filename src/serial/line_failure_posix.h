@@ -4,14 +4,14 @@
 
 namespace quarn {
 
-/// What an error number of the system means for a line.
+/// The kind of line error for an error number of the system.
 LineError KindOf(int error);
 
-/// The system's words for an error number.
+/// The system's text for an error number.
 QString SystemText(int error);
 
-/// Both, with the device named. EBADF is "closed": the only bad descriptor there can be is that of a line
-/// that has been closed.
+/// Both, with the name of the device. EBADF means "closed": the only invalid descriptor possible is that of a
+/// closed line.
 LineFailure FailureOf(const QString& node, int error);
 
 }  // namespace quarn

@@ -6,7 +6,7 @@
 
 namespace quarn {
 
-/// A system error code of a comm call (GetLastError) with the system's words for it.
+/// The failure for a system error code of a comm call (GetLastError), with the system's text.
 LineFailure FailureOfSystemError(unsigned long code, const QString& device);
 
 }  // namespace quarn

@@ -7,8 +7,8 @@
 
 namespace quarn {
 
-// Settings text in, line parameter out. Text is compared exactly and case-sensitively; unknown text takes
-// the stated fallback.
+// Converts settings text to line parameters. Text is compared exactly and case-sensitively; unknown text
+// gives the stated default.
 
 /// COM_BPS to bits per second; unknown text gives 9600.
 std::uint32_t BaudRateOf(const QString& comBps);
@@ -19,14 +19,14 @@ StopBits StopBitsOf(const QString& comStop);
 /// COM_PARITY to parity: "Odd", "Even"; everything else, "None" included, gives none.
 Parity ParityOf(const QString& comParity);
 
-/// For people: "9600 bps, 8 data bits, no parity, 1 stop bit".
+/// Display text: "9600 bps, 8 data bits, no parity, 1 stop bit".
 QString DescribeLineState(const LineState& state);
 
-/// The number that the time-outs are derived from: the integer value of the COM_BPS text, whether or not
-/// the line can run at it. A value of 0 (no number) counts as 9600.
+/// The number from which the time-outs are computed: the integer value of the COM_BPS text, whether or not
+/// the line supports it. A value of 0 (no number) counts as 9600.
 std::uint32_t NominalRateOf(const QString& comBps);
 
-/// The five time-outs for a line speed. `portSpeed` "LOW" makes every one of them half as long again.
+/// The five time-outs for a line speed. `portSpeed` "LOW" multiplies each by 1.5.
 ///
 /// The silence that ends a response is 1.2 x 720000 / rate ms up to 38400 bps, which is the time of
 /// about 86 characters of ten bits, and 12 ms on faster lines, where an operating system's own delays

@@ -10,7 +10,7 @@
 
 namespace quarn {
 
-/// Where the system's own trees stand. Other places are for tests only.
+/// The roots of the system's file trees. Other values are only for tests.
 struct SystemRoots {
   std::string sys = "/sys";
   std::string proc = "/proc";
@@ -26,26 +26,28 @@ struct FolderEntry {
   auto operator<=>(const FolderEntry&) const = default;
 };
 
-/// What a path leads to once every symbolic link in it has been followed.
+/// The result of following every symbolic link in a path.
 struct ResolvedPath {
-  /// The path without links; empty when there is nothing at its end (a missing part, a link loop).
+  /// The path without links; empty if it leads nowhere (a missing part, a link loop).
   std::string node;
-  /// Of the node; meaningless when `node` is empty.
+  /// Of the node; undefined if `node` is empty.
   struct stat status {};
-  /// The entries on which the outcome rests: each link on the way, and the last name, there or not.
+  /// The entries on which the result depends: each link on the way, and the last name, whether it exists or
+  /// not.
   std::vector<FolderEntry> restsOn;
 };
 
-/// The text of a link; nothing, with errno set, for anything else (EINVAL: it is there, but no link).
+/// The text of a link. Returns nullopt with errno set for anything else (EINVAL: it exists but is not a
+/// link).
 std::optional<std::string> ReadLink(const std::string& path);
 
 /// Follows `path` from `folder`, an absolute path without links (an absolute `path` starts at the root).
 /// Links are read, never opened: opening a serial device switches its modem lines.
 ResolvedPath ResolvePath(const std::string& folder, std::string_view path);
 
-/// Whether a file is a terminal device and thus can be a port: a pseudo-terminal's slave or a character
-/// device of the kernel's tty subsystem. The multiplexer /dev/ptmx is none: each open of it makes a
-/// new pseudo-terminal.
+/// Whether a file is a terminal device and can be a port: a pseudo-terminal's slave or a character device of
+/// the kernel's tty subsystem. Excludes the multiplexer /dev/ptmx, because each open of it creates a new
+/// pseudo-terminal.
 bool IsTerminalDevice(const struct stat& status, const std::string& sysRoot);
 
 /// Whether a device number is that of a pseudo-terminal's slave.

@@ -26,7 +26,7 @@ bool SetUp(SerialLine& line, const SettingsRecord& settings, MessageOperations& 
 
 bool Configure(const SettingsRecord& settings, PortConnection& connection,
                const PortEnvironment& environment) {
-  // Held on to: a message that is shown meanwhile leaves time for the line to be closed.
+  // Keeps a reference: while a message is shown the line may be closed.
   const std::shared_ptr<SerialLine> line = connection.handle.Line();
   if (SetUp(*line, settings, environment.messages)) return true;
   connection.lastFailure = line->LastFailure();
@@ -51,7 +51,7 @@ bool OpenPort(const SettingsRecord& settings, PortConnection& connection,
 bool ReconfigurePort(const SettingsRecord& settings, PortConnection& connection,
                      const PortEnvironment& environment) {
   if (!connection.handle.IsOpen()) return false;
-  // A read left behind would hold it up where the system does one thing at a time on a line.
+  // A read left behind would block it on a system that does one operation at a time on a line.
   connection.handle.Line()->CancelIo();
   connection.handle.Line()->AllowIo();
   return Configure(settings, connection, environment);
@@ -70,11 +70,11 @@ bool ResetPort(const SettingsRecord& settings, PortConnection& connection,
                const PortEnvironment& environment) {
   const WaitShown wait(environment.waitIndicator);
   if (connection.handle.IsOpen()) {
-    // A read left behind would hold up the purge where the system does one thing at a time on a line.
+    // A read left behind would block the purge on a system that does one operation at a time on a line.
     connection.handle.Line()->CancelIo();
     connection.handle.Line()->Purge();
   }
-  // What a failed open left behind cannot be closed; it counts as a failed close.
+  // A handle left by a failed open cannot be closed; it counts as a failed close.
   const bool open = connection.handle.IsOpen();
   if (!ClosePort(connection) || !open) return false;
   return ConnectPort(settings, connection, environment);

@@ -8,7 +8,7 @@
 
 namespace quarn {
 
-/// What opening a port needs of the outside.
+/// What opening a port needs from the caller.
 struct PortEnvironment {
   SerialLineOpener& opener;
   MessageOperations& messages;
@@ -17,28 +17,28 @@ struct PortEnvironment {
 
 // All on the user-interface thread. None of them touches PortConnection::connected.
 
-/// Opens the port named by COM_PORT for exclusive use and sets line parameters and time-outs. Whatever
-/// the open gave is stored in `handle` at once. After a failed set-state or set-time-outs, which each
-/// show a plain message, the line stays open and stored; a line that is still stored from before is
-/// released first, for nothing could close it afterwards. No modem line is touched on purpose.
+/// Opens the port named by COM_PORT for exclusive use and sets line parameters and time-outs. The result of
+/// the open is stored in `handle` at once. If setting the state or the time-outs fails, a plain message is
+/// shown, and the line stays open and stored. A line that is still stored is released first, because nothing
+/// could close it afterwards. Modem lines are not changed on purpose.
 bool OpenPort(const SettingsRecord& settings, PortConnection& connection, const PortEnvironment& environment);
 
-/// OpenPort for a port that is in the available-port list; for any other: false, and nothing touched.
+/// OpenPort, only for a port in the available-port list; for any other port returns false and does nothing.
 bool ConnectPort(const SettingsRecord& settings, PortConnection& connection,
                  const PortEnvironment& environment);
 
-/// Gives the line that is open the parameters and time-outs that an open would give it now. False when
-/// there is none, or when a step fails, with the same messages; the line stays open and stored.
+/// Sets the parameters and time-outs of the open line, as an open would now. Returns false if there is none,
+/// or if a step fails, with the same messages; the line stays open and stored.
 bool ReconfigurePort(const SettingsRecord& settings, PortConnection& connection,
                      const PortEnvironment& environment);
 
-/// Purges, closes and connects again, with the wait indicator shown throughout. False when there was no
-/// port to close or when the system reports a failed close.
+/// Purges, closes and connects again, with the wait indicator shown. Returns false if there was no port to
+/// close or the system reports a failed close.
 bool ResetPort(const SettingsRecord& settings, PortConnection& connection,
                const PortEnvironment& environment);
 
-/// Closes the line, if there is one, without a purge, and leaves the handle null. A blocked read is
-/// woken first. True when there was nothing to close or the system reports success.
+/// Closes the line, if any, without a purge, and sets the handle to null. Wakes a blocked read first. Returns
+/// true if there was nothing to close or the system reports success.
 bool ClosePort(PortConnection& connection);
 
 }  // namespace quarn

@@ -4,10 +4,10 @@
 
 namespace quarn {
 
-/// What stands behind a terminal device: some of what a UART needs does harm on a pseudo-terminal.
+/// The kind of a terminal device: some steps that a UART needs are harmful on a pseudo-terminal.
 enum class TerminalKind { Uart, PseudoTerminal };
 
-/// OpenTerminalDevice for a device that is known to be of a kind.
+/// OpenTerminalDevice for a device of a known kind.
 OpenResult OpenTerminalDeviceAs(const QString& node, TerminalKind kind);
 
 }  // namespace quarn

@@ -28,14 +28,14 @@ bool ClaimOneName(const SerialDevice& a, const SerialDevice& b) {
                      [&](const std::string& name) { return Contains(b.idNames, name); });
 }
 
-/// Whether the link stands for another device than `self` that claims one of the device's names.
+/// Whether the link stands for a device other than `self` that claims one of the device's names.
 bool IsRivals(const PortLink& link, const SerialDevice& device, const DeviceIdentity* self) {
   const bool claims =
       link.known && (Contains(device.idNames, link.known->name) || Contains(device.idNames, link.text));
   return claims && (self == nullptr || link.known->path != self->path);
 }
 
-/// `self`: what is known of the device that is asked about, which is no rival of its own.
+/// `self`: the record of the device in question, which is not its own rival.
 bool OwnsNames(const SerialDevice& device, const std::vector<SerialDevice>& devices,
                const std::vector<PortLink>& links, const DeviceIdentity* self) {
   return !device.identity.serial.empty() &&
@@ -60,13 +60,13 @@ bool Holds(const PortLink& link, const SerialDevice& device, const std::vector<S
   if (link.known->path.empty() || IsPluggedInto(device, link.known->path)) {
     return true;
   }
-  // In another socket only a name that nobody else can have tells that it is the same one.
+  // In another socket, only a unique name shows that it is the same device.
   return link.text.starts_with(byId) && OwnsNames(device, devices, links, &*link.known);
 }
 
-/// Whether it can only be this device that a link of which nothing is known was made for. Everybody else who
-/// claims its name is there under another number, and had it before: one that was given since says nothing
-/// about who had this one.
+/// Whether a link without a record can only have been made for this device: every other device that claims
+/// its name is present under another number, and had that number before. A number given since does not say
+/// who had this one.
 bool IsCertain(const PortLink& link, const SerialDevice& device, const std::vector<SerialDevice>& devices,
                const std::vector<PortLink>& links, const std::vector<PortLink>& before,
                const std::string& byId) {
@@ -86,7 +86,7 @@ bool IsCertain(const PortLink& link, const SerialDevice& device, const std::vect
          });
 }
 
-/// The link that is listed, of several that stand for one device: the lowest.
+/// Which of several links to one device is listed: the one with the lowest rank.
 auto RankOf(const PortLink& link, const std::string& byId) {
   return std::tuple(!link.known.has_value(), link.text.starts_with(byId), link.number);
 }
@@ -151,7 +151,7 @@ void JudgePins(std::vector<PortLink>& links, const std::vector<SerialDevice>& de
     if (!link.present || !isPin) {
       continue;
     }
-    // One that is not among the devices is one that nothing is known of yet.
+    // A device that is not in the list has no record yet.
     link.present = device != nullptr && (!link.known || Holds(link, *device, devices, before, byId));
     if (!link.present) {
       continue;

@@ -112,7 +112,7 @@ std::string FormatPinRecords(const std::vector<PinRecord>& records) {
 std::vector<PinRecord> ParsePinRecords(std::string_view text) {
   std::vector<PinRecord> records;
   text = text.substr(0, kPinRecordsLimit);
-  // A line without an end is one that was cut off.
+  // A line without an end was cut off.
   for (std::size_t end = text.find('\n'); end != std::string_view::npos; end = text.find('\n')) {
     if (std::optional<PinRecord> record = RecordOf(text.substr(0, end))) {
       records.push_back(std::move(*record));
@@ -124,7 +124,7 @@ std::vector<PinRecord> ParsePinRecords(std::string_view text) {
 
 std::optional<std::vector<PinRecord>> ReadPinRecords(const std::string& folder, std::error_code& problem) {
   const std::string path = folder + '/' + kPinRecordsFile;
-  // What stands there may be anything: a pipe must not hold up the listing.
+  // It may be anything: a pipe must not block the listing.
   const FileDescriptor file(
       Uninterrupted([&] { return ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC); }));
   if (!file.IsValid()) {
@@ -154,7 +154,7 @@ bool WritePinRecords(const std::string& folder, const std::vector<PinRecord>& re
                      std::error_code& problem) {
   const std::string path = folder + '/' + kPinRecordsFile;
   const std::string beside = folder + "/.devices-" + std::to_string(::getpid());
-  // Left behind by a process of the same number that ended halfway.
+  // Left by a process with the same PID that ended halfway.
   ::unlink(beside.c_str());
   FileDescriptor file(Uninterrupted(
       [&] { return ::open(beside.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600); }));

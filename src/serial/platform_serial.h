@@ -8,12 +8,12 @@
 
 namespace quarn {
 
-/// This system's way to open lines and to find the ports present. `portsFolder` gives devices their COM
-/// numbers where the system itself keeps none.
+/// This system's way to open lines and to list the ports. `portsFolder` assigns COM numbers to devices, if
+/// the system has none itself.
 std::unique_ptr<SerialLineOpener> CreateLineOpener(const QString& portsFolder);
 std::unique_ptr<PortSource> CreatePortSource(const QString& portsFolder);
 
-/// How a person gives a port another number, as a sentence.
+/// Tells the user, in one sentence, how to change a port's number.
 QString HowToChangePortNumber(const QString& portsFolder);
 
 }  // namespace quarn

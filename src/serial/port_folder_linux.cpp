@@ -19,14 +19,13 @@ namespace {
 
 std::error_code SystemError(int error) { return {error, std::generic_category()}; }
 
-/// Makes the folder and those above it. Another process may make them at the same time.
-/// With errno set when that fails.
+/// Makes the folder and its parents. Another process may make them at the same time. Sets errno on failure.
 bool MakeFolders(const std::string& path) {
   int hindrance = ENOENT;
   for (std::size_t slash = path.find('/', 1);; slash = path.find('/', slash + 1)) {
     const std::string part = path.substr(0, slash);
     if (::mkdir(part.c_str(), 0700) != 0 && errno != EEXIST) {
-      // A folder that may not be written to may well be there already; the next level tells.
+      // A folder without write permission may exist already; the next level will show it.
       if (errno != EACCES && errno != EROFS && errno != EPERM) {
         return false;
       }
@@ -147,7 +146,7 @@ PortFolder::PinResult PortFolder::Replace(int number, const std::string& target,
                                           std::error_code& problem) const {
   const std::string path = PathOf(number);
   const std::string beside = m_path + "/.new-" + std::to_string(::getpid());
-  // Left behind by a process of the same number that ended between the two steps.
+  // Left by a process with the same PID that ended between the two steps.
   ::unlink(beside.c_str());
   if (::symlink(target.c_str(), beside.c_str()) != 0) {
     problem = SystemError(errno);

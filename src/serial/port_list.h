@@ -12,18 +12,18 @@ namespace quarn {
 /// The friendly names of the ports present, in the order in which the system reports them.
 using FriendlyNameTable = std::array<QString, kPortCapacity>;
 
-/// Fills the table and counts its entries; the rest of the table is empty. A name that does not hold
-/// "COM", or that is too long for the system's buffer, is passed over, and so is everything after the
-/// hundredth. False, and nothing touched, when the device list cannot be obtained.
+/// Fills the table and counts its entries; the rest of the table is empty. Ignores names without "COM" or too
+/// long for the system's buffer, and everything after the hundredth. If the device list cannot be obtained,
+/// returns false and changes nothing.
 bool EnumeratePorts(PortSource& source, FriendlyNameTable& friendlyNames, std::int32_t& count);
 
-/// How many ports RefreshPortList would list now, for who asks often: names without a short name, which
-/// EnumeratePorts keeps, are not among them. False, and nothing touched, when the device list cannot be
-/// obtained.
+/// How many ports RefreshPortList would list now, for callers that poll. Does not count names without a short
+/// name, which EnumeratePorts keeps. If the device list cannot be obtained, returns false and changes
+/// nothing.
 bool CountPorts(PortSource& source, std::int32_t& count);
 
-/// Rebuilds the port record's list: short names in ascending number order. False, and the previous list
-/// stays, when the device list cannot be obtained.
+/// Rebuilds the port record's list: short names in ascending number order. If the device list cannot be
+/// obtained, returns false and keeps the previous list.
 bool RefreshPortList(PortSource& source, PortConnection& connection);
 
 }  // namespace quarn

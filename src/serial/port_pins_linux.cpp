@@ -12,11 +12,10 @@ namespace quarn {
 
 namespace {
 
-/// How often a number may be snatched away by another process before the device waits for the next
-/// listing.
+/// How often another process may take the number before the device waits for the next listing.
 constexpr int kAttempts = 100;
 
-/// The number that a built-in line has by custom: ttyS0 is COM1.
+/// The usual number of a built-in line: ttyS0 is COM1.
 std::optional<int> CustomaryNumber(const std::string& node) {
   const std::size_t name = node.rfind('/') + 1;
   const std::string digits = node.substr(std::min(node.size(), name + 4));
@@ -33,7 +32,7 @@ bool LeadsTo(const std::string& path, const SerialDevice& device) {
   return !end.node.empty() && S_ISCHR(end.status.st_mode) && end.status.st_rdev == device.number;
 }
 
-/// The most lasting of the device's paths that is its own and leads to it: a name in by-id, its socket, its
+/// The most permanent path of the device that is its own and leads to it: a name in by-id, its socket, its
 /// node.
 std::optional<std::string> PinPathOf(const SerialDevice& device, bool ownsItsNames) {
   std::vector<std::string> paths = ownsItsNames ? device.idNames : std::vector<std::string>();
@@ -44,7 +43,7 @@ std::optional<std::string> PinPathOf(const SerialDevice& device, bool ownsItsNam
   return path != paths.end() ? std::optional(*path) : std::nullopt;
 }
 
-/// Built-in lines first: nothing that is new at the same time is to take their customary numbers.
+/// Built-in lines first: other new devices must not take their usual numbers.
 std::vector<const SerialDevice*> InOrderOfPinning(const std::vector<SerialDevice>& devices) {
   std::vector<const SerialDevice*> order;
   order.reserve(devices.size());
@@ -56,7 +55,7 @@ std::vector<const SerialDevice*> InOrderOfPinning(const std::vector<SerialDevice
   return order;
 }
 
-/// One round of looking at the folder and giving numbers.
+/// One pass of reading the folder and assigning numbers.
 class Pinning {
  public:
   Pinning(const PortFolder& folder, const std::vector<SerialDevice>& devices, const SystemRoots& roots,
@@ -83,10 +82,10 @@ class Pinning {
              return !IsListed(device, *m_links) && PathOf(device);
            });
   }
-  /// Until the device is listed, or nothing can be done about it.
+  /// Tries until the device is listed, or until nothing more can be done.
   void Pin(const SerialDevice& device) {
     for (int attempt = 0; m_links && attempt < kAttempts && !IsListed(device, *m_links); ++attempt) {
-      // Also after a success: a person may have made or replaced links meanwhile.
+      // Also after a success: the user may have changed links meanwhile.
       if (!MakeLink(device) || !Look()) {
         return;
       }
@@ -136,7 +135,7 @@ class Pinning {
   std::error_code& m_problem;
   std::optional<std::vector<PortLink>> m_links;
   std::vector<PinRecord> m_stored;   ///< as in the file
-  std::vector<PinRecord> m_records;  ///< with those of the links made since
+  std::vector<PinRecord> m_records;  ///< including those of links made since
 };
 
 }  // namespace
@@ -178,7 +177,7 @@ std::optional<std::vector<PortLink>> PinNewDevices(const PortFolder& folder,
   if (!pinning.IsUnfinished()) {
     return pinning.Links();
   }
-  // Two processes that see one new device must not both give it a number.
+  // Two processes that see the same new device must not both assign a number.
   const FileDescriptor lock = folder.Lock();
   if (lock.IsValid() && !pinning.Read()) {
     return std::nullopt;
@@ -186,7 +185,7 @@ std::optional<std::vector<PortLink>> PinNewDevices(const PortFolder& folder,
   for (const SerialDevice* device : InOrderOfPinning(devices)) {
     pinning.Pin(*device);
   }
-  // Without the lock somebody else is at it; what is known is then written after the next change.
+  // Without the lock another process is doing this; the records are then written after the next change.
   if (lock.IsValid()) {
     pinning.WriteRecords();
   }

@@ -6,24 +6,23 @@
 
 namespace quarn {
 
-/// A friendly name has at most this many UTF-16 units (a buffer of 520 bytes with its closing NUL).
+/// The maximum length of a friendly name in UTF-16 units (a buffer of 520 bytes with its closing NUL).
 inline constexpr int kFriendlyNameCapacity = 259;
 
-/// Where the friendly names of the ports present come from.
+/// The source of the friendly names of the ports present.
 ///
-/// Threads: used by one thread, the user interface's. It is asked ten times a second, so an answer to
-/// which nothing has changed must cost next to nothing.
+/// Threads: only the user-interface thread. It is polled ten times a second, so a call must be very cheap if
+/// nothing has changed.
 class PortSource {
  public:
   virtual ~PortSource() = default;
 
-  /// Replaces `names` by the friendly names of at most 100 ports that are present now, each of at most
-  /// 259 UTF-16 units. False, and `names` untouched, when the device list cannot be obtained.
+  /// Replaces `names` with the friendly names of at most 100 present ports, each of at most 259 UTF-16 units.
+  /// If the device list cannot be obtained, returns false and does not change `names`.
   virtual bool FriendlyNames(QStringList& names) = 0;
 
-  /// A number that is another one whenever the next answer may differ from one given before. When it changes
-  /// by itself, this thread's event loop has been woken. Nothing where it is not known what may have
-  /// changed: then only asking tells.
+  /// A number that changes whenever FriendlyNames may return something new. A change also wakes this thread's
+  /// event loop. Returns nullopt if changes cannot be detected; poll FriendlyNames instead.
   virtual std::optional<std::uint64_t> Revision() { return std::nullopt; }
 };
 

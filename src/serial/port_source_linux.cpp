@@ -49,12 +49,12 @@ LinuxPortSource::LinuxPortSource(const QString& portsFolder, SystemRoots roots, 
       m_watch(mode) {}
 
 bool LinuxPortSource::FriendlyNames(QStringList& names) {
-  // Asked even when the result is known to be stale, so that old events do not pile up.
+  // Read even if the result is known to be stale, so that old events do not pile up.
   const bool changed = m_watch.Changed();
   if (std::exchange(m_stirred, false)) {
     for (const auto& notifier : m_notifiers) notifier->setEnabled(true);
   }
-  // What was not watched while it was listed is listed again; it can only be more each time.
+  // Anything not watched during the listing is listed again; the set can only grow.
   constexpr int kRounds = 3;
   for (int round = 0; round < kRounds && (changed || m_last == Listing::None || round > 0); ++round) {
     WatchPlan plan;
@@ -85,7 +85,7 @@ void LinuxPortSource::Notify() {
     auto& notifier =
         m_notifiers.emplace_back(std::make_unique<QSocketNotifier>(descriptor, QSocketNotifier::Read));
     QObject::connect(notifier.get(), &QSocketNotifier::activated, notifier.get(), [this] {
-      // Until the watch is asked the descriptor stays readable; once is enough to know.
+      // The descriptor stays readable until the watch is read; one notification is enough.
       for (const auto& each : m_notifiers) each->setEnabled(false);
       m_stirred = true;
       ++m_stirs;
@@ -114,7 +114,7 @@ LinuxPortSource::Listing LinuxPortSource::List(WatchPlan& plan) {
   return Listing::Good;
 }
 
-/// Devices come and go while the folder is as it was; that is no reason to repeat it.
+/// Devices may change while the folder's problem stays; do not repeat the warning.
 void LinuxPortSource::Tell(const std::error_code& problem) {
   if (problem && problem != m_told) {
     // Quoted, so that no control character of a folder's name gets to a terminal.
@@ -124,8 +124,8 @@ void LinuxPortSource::Tell(const std::error_code& problem) {
   m_told = problem;
 }
 
-/// A link that was present until now is stamped once more: it may have been there for months since the
-/// last listing, and has been absent only from now on.
+/// A link that was present until now gets a new time stamp: it may have been present for months since the
+/// last listing, and is absent only now.
 void LinuxPortSource::StampLinks(const std::vector<PortLink>& links) {
   std::vector<int> present;
   for (const PortLink& link : links) {
@@ -163,12 +163,11 @@ QStringList LinuxPortSource::NamesOf(const std::vector<PortLink>& links,
 
 void LinuxPortSource::PlanWatch(const std::vector<PortLink>& links, const std::vector<FolderEntry>& restsOn,
                                 WatchPlan& plan) const {
-  // Devices come and go here even where udev does not run.
+  // Devices appear here even if udev does not run.
   plan.folders[m_roots.dev].anyName = true;
   const ResolvedPath folder = ResolvePath({}, m_folderPath);
   const auto add = [&](const FolderEntry& entry) {
-    // In the ports folder itself every entry counts already, and by name only: the stamps on its links
-    // are no change.
+    // In the ports folder every entry already counts, by name only: the stamps on its links are not changes.
     if (entry.folder != folder.node) {
       plan.folders[entry.folder].names.insert(entry.name);
     }
@@ -198,11 +197,11 @@ QString ResolvePort(const QString& portsFolder, const QString& name, const Syste
   }
   QString node = QFile::decodeName(QByteArray::fromStdString(end.node));
   const std::optional<int> number = PortLinkNumber(entry);
-  // No pseudo-terminal is a device that a link could stand for.
+  // A link can never stand for a pseudo-terminal as its device.
   if (!number || IsPseudoTerminal(end.status.st_rdev)) {
     return node;
   }
-  // The list may be a moment old, and the name may have passed to another device since.
+  // The list may be slightly old, and another device may have the name by now.
   const std::optional<DeviceList> devices = ListSerialDevices(roots);
   std::error_code problem;
   const auto links = devices ? ReadPins(PortFolder(folder, roots), devices->devices, roots, problem)

@@ -16,29 +16,29 @@
 
 namespace quarn {
 
-/// The ports of a Linux system: the links COM1 to COM99 of the ports folder behind which a terminal
-/// device stands, in number order. New devices get a number on the way.
+/// The ports of a Linux system, in number order: the links COM1 to COM99 of the ports folder that lead to a
+/// terminal device. A listing gives numbers to new devices.
 ///
-/// The result of a listing is kept and handed out again until something has changed. So is a failure for
-/// which the ports folder is to blame; a warning says once what is wrong with it.
+/// The result is cached until something changes, and so is a failure caused by the ports folder; one warning
+/// says what is wrong with the folder.
 class LinuxPortSource final : public PortSource {
  public:
-  /// `portsFolder` need not exist. The rest is for tests.
+  /// `portsFolder` need not exist. The other parameters are for tests.
   explicit LinuxPortSource(const QString& portsFolder, SystemRoots roots = {},
                            ChangeWatch::Mode mode = ChangeWatch::Mode::Events);
 
   bool FriendlyNames(QStringList& names) override;
-  /// From the first call on the thread's event loop wakes when something may have changed.
+  /// After the first call, the thread's event loop wakes when something may have changed.
   std::optional<std::uint64_t> Revision() override;
 
-  /// Makes the next call list afresh.
+  /// Makes the next call list the ports again.
   void Forget() { m_last = Listing::None; }
-  /// How often the ports have been listed afresh.
+  /// How often the ports have been listed without the cache.
   [[nodiscard]] std::uint64_t ListingCount() const { return m_listings; }
 
  private:
   enum class Listing {
-    None,      ///< out of date, or the devices could not be listed: worth another attempt at once
+    None,      ///< out of date, or the devices could not be listed: try again at once
     Good,      ///< m_names holds the result
     NoFolder,  ///< the ports folder cannot be read
   };
@@ -59,16 +59,16 @@ class LinuxPortSource final : public PortSource {
   QStringList m_names;
   std::vector<int> m_presentBefore;
   Listing m_last = Listing::None;
-  std::error_code m_told;  ///< what is wrong with the folder, as told last
+  std::error_code m_told;  ///< the last reported problem of the folder
   std::uint64_t m_listings = 0;
-  std::uint64_t m_stirs = 0;  ///< how often the watch had something to say
-  bool m_stirred = false;     ///< it has, and was not asked since
+  std::uint64_t m_stirs = 0;  ///< how often the watch has reported a change
+  bool m_stirred = false;     ///< it has, since the last query
   std::vector<std::unique_ptr<QSocketNotifier>> m_notifiers;
 };
 
-/// The device node behind a port name, or the empty text when no terminal device is there, or another one
-/// than the port stands for. A name that is not a plain file name (empty, ".", "..", with a "/" or a NUL)
-/// never leads anywhere.
+/// The device node of a port name. Empty if there is no terminal device, or a different one than the port
+/// stands for. A name that is not a plain file name (empty, ".", "..", with a "/" or a NUL) gives an empty
+/// text.
 QString ResolvePort(const QString& portsFolder, const QString& name, const SystemRoots& roots = {});
 
 }  // namespace quarn

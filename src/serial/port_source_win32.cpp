@@ -66,7 +66,7 @@ std::optional<QString> FriendlyNameOf(const DeviceInfoList& list, SP_DEVINFO_DAT
                                         static_cast<DWORD>(sizeof name), nullptr) == FALSE) {
     return std::nullopt;
   }
-  // The registry does not promise that a text ends in a NUL.
+  // A registry text may lack a final NUL.
   const auto end = std::find(name.begin(), std::prev(name.end()), L'\0');
   return QString::fromWCharArray(name.data(), end - name.begin());
 }
@@ -87,7 +87,7 @@ bool Win32PortSource::FriendlyNames(QStringList& names) {
     }
     std::optional<SP_DEVINFO_DATA> device = DeviceOf(list, port);
     const std::optional<QString> name = device ? FriendlyNameOf(list, *device) : std::nullopt;
-    // Counted here already, so that a device without a usable name takes none of the hundred places.
+    // Checked here, so that a device without a usable name takes none of the hundred places.
     if (name && name->contains(QLatin1String("COM"))) {
       found.append(*name);
     }

@@ -4,7 +4,7 @@
 
 namespace quarn {
 
-/// The COM ports that Windows has present, in the device manager's order and words.
+/// The COM ports present on Windows, in the order and with the names of the device manager.
 class Win32PortSource final : public PortSource {
  public:
   bool FriendlyNames(QStringList& names) override;

@@ -39,7 +39,7 @@ void FindLockHolders(const std::vector<DeviceNode>& nodes, const SystemRoots& ro
     std::istringstream words(line);
     std::string number, kind, mode, access, file;
     pid_t pid = 0;
-    // A waiting process has "->" before the kind, which makes the PID no number.
+    // A waiting process has "->" before the kind, so its PID is not a number.
     if (!(words >> number >> kind >> mode >> access >> pid >> file)) {
       continue;
     }
@@ -69,14 +69,14 @@ void FindLockFiles(const std::vector<DeviceNode>& nodes, const SystemRoots& root
     std::replace(name.begin(), name.end(), '/', '_');
     std::ifstream file(roots.lockFiles + "/LCK.." + name);
     pid_t pid = 0;
-    // A lock file whose process has ended is left over, and every program passes over it.
+    // A lock file whose process has ended is stale, and all programs ignore it.
     if (file >> pid && pid > 0 && (::kill(pid, 0) == 0 || errno == EPERM)) {
       Note(users[i], pid);
     }
   }
 }
 
-/// What one process has open, as far as it may be seen.
+/// The files that one process has open, as far as visible.
 void FindOpenFiles(const std::string& descriptors, pid_t pid,
                    const std::map<std::string, std::size_t, std::less<>>& wanted,
                    const std::vector<DeviceNode>& nodes, Pids& users) {
@@ -145,7 +145,7 @@ std::string UseText(pid_t user, const SystemRoots& roots) {
 }
 
 std::string GroupName(gid_t group) {
-  // The buffer takes the group's members, too; a directory service may know thousands of them.
+  // The buffer also receives the group's members; a directory service may have thousands.
   constexpr std::size_t kFirstSize = 4096;
   constexpr std::size_t kLargestSize = std::size_t{16} << 20U;
   struct group entry {};

@@ -10,29 +10,29 @@
 
 namespace quarn {
 
-/// A device of which it is asked who uses it.
+/// A device whose user is wanted.
 struct DeviceNode {
   std::string path;  ///< without links
   struct stat status {};
 };
 
-/// For each node the process that uses it, 0 when none is known: who holds a lock on it, whom a lock file
-/// of the dial-out programs names (LCK..ttyUSB0, a decimal PID), or who has it open. This process
-/// never counts. The far end of a pseudo-terminal does not count for having the near end open as well,
-/// as it must to outlive a visitor.
+/// For each node the process that uses it, or 0 if unknown: the one that holds a lock on it, or is named by a
+/// lock file of the dial-out programs (LCK..ttyUSB0, a decimal PID), or has it open. This process never
+/// counts. The program at the far end of a pseudo-terminal does not count for having the near end open too,
+/// which it needs to survive a disconnect.
 ///
-/// Looks into what other processes let be seen; never opens the nodes.
+/// Uses only the visible data of other processes; never opens the nodes.
 std::vector<pid_t> UsersOf(const std::vector<DeviceNode>& nodes, const SystemRoots& roots);
 
-/// "in use by minicom (PID 1234)"; without the program's name where that cannot be seen. Plain printable
-/// ASCII, whatever the program calls itself.
+/// "in use by minicom (PID 1234)"; without the program's name if that is not visible. Printable ASCII only,
+/// whatever the program's name contains.
 std::string UseText(pid_t user, const SystemRoots& roots);
 
-/// The name of a group; its number, in decimal digits, when the system knows no name.
+/// The name of a group; its decimal number if the system knows no name.
 std::string GroupName(gid_t group);
 
-/// "no permission: group dialout" when the process may not read and write the node and membership of
-/// that group would change it, "no permission" when it would not; empty when the node may be opened.
+/// "no permission: group dialout" if the process may not read and write the node and membership of that group
+/// would help; "no permission" if it would not; empty if the node may be opened.
 std::string PermissionHindrance(const DeviceNode& node);
 
 }  // namespace quarn

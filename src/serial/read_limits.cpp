@@ -7,7 +7,7 @@ namespace quarn {
 namespace {
 
 constexpr std::uint32_t kMaximum = 0xFFFFFFFFU;
-/// As good as never; a multiplier's largest product would run over the end of the clock.
+/// Practically never; a multiplier's largest product would overflow the clock.
 constexpr auto kLongestTotal = std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::years(50));
 
 std::optional<LineClock::time_point> TotalEnd(std::uint32_t multiplier, std::uint32_t constant,
@@ -25,8 +25,8 @@ ReadLimits::ReadLimits(const LineTimeouts& timeouts, std::size_t size, LineClock
     m_totalEnd = TotalEnd(timeouts.readTotalMultiplier, timeouts.readTotalConstant, size, start);
     return;
   }
-  // The largest interval means: take what is there. With the largest multiplier too, the first byte is
-  // waited for, as long as the constant says, and the read ends with it.
+  // The largest interval means: take what is there. With the largest multiplier too, wait for the first byte
+  // as long as the constant says, and end the read with it.
   m_interval = std::chrono::milliseconds(0);
   const bool waitsForFirst = timeouts.readTotalMultiplier == kMaximum && timeouts.readTotalConstant != 0;
   m_totalEnd = start + std::chrono::milliseconds(waitsForFirst ? timeouts.readTotalConstant : 0U);

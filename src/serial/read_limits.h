@@ -10,16 +10,16 @@ namespace quarn {
 
 using LineClock = std::chrono::steady_clock;
 
-/// When one read has to end, by the line's time-outs. Pure: it is told what time it is.
+/// When one read must end, according to the line's time-outs. Pure: the caller passes the time.
 class ReadLimits {
  public:
-  /// A read of up to `size` bytes called at `start`.
+  /// A read of up to `size` bytes that started at `start`.
   ReadLimits(const LineTimeouts& timeouts, std::size_t size, LineClock::time_point start);
 
-  /// Bytes have come at `when`: the silence is measured from here.
+  /// Bytes arrived at `when`; the silence is measured from here.
   void BytesArrived(LineClock::time_point when);
 
-  /// The moment at which the read ends if nothing more comes; nothing when it waits for ever.
+  /// When the read ends if nothing more arrives; nullopt if it waits without limit.
   [[nodiscard]] std::optional<LineClock::time_point> Deadline() const;
 
  private:
@@ -28,7 +28,7 @@ class ReadLimits {
   std::optional<LineClock::time_point> m_silenceEnd;
 };
 
-/// The moment at which a write of `size` bytes called at `start` ends; nothing when it waits for ever.
+/// When a write of `size` bytes that started at `start` ends; nullopt if it waits without limit.
 std::optional<LineClock::time_point> WriteDeadline(const LineTimeouts& timeouts, std::size_t size,
                                                    LineClock::time_point start);
 

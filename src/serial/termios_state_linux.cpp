@@ -26,7 +26,7 @@ tcflag_t SizeFlag(std::uint8_t byteSize) {
 }
 
 bool StopBitsFit(StopBits stopBits, std::uint8_t byteSize) {
-  // A UART makes "two" stop bits one and a half when it sends five data bits.
+  // With five data bits a UART sends one and a half stop bits for "two".
   if (stopBits == StopBits::OnePointFive) return byteSize == kFewestDataBits;
   if (stopBits == StopBits::Two) return byteSize != kFewestDataBits;
   return true;

@@ -53,7 +53,7 @@ void LowLatency::PutBack(int line) {
 }
 
 WaitLimit::WaitLimit(std::chrono::milliseconds longest) {
-  // One that nobody else uses. What it does is to arrive.
+  // A signal that nothing else uses. Its only effect is to arrive.
   static const int signal = [] {
     const int number = SIGRTMIN + 7;
     struct sigaction action {};
@@ -73,7 +73,7 @@ WaitLimit::WaitLimit(std::chrono::milliseconds longest) {
   if (!m_runs) return;
   itimerspec times{};
   times.it_value.tv_nsec = std::chrono::nanoseconds(longest).count();
-  // Again and again: one that came just before the wait has ended nothing.
+  // Repeated, because a signal that arrives just before the wait does not end it.
   times.it_interval.tv_nsec = std::chrono::nanoseconds(kInterruptAgain).count();
   ::timer_settime(m_timer, 0, &times, nullptr);
 }

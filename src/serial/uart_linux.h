@@ -9,10 +9,10 @@
 
 namespace quarn {
 
-// What a real UART needs beyond a pseudo-terminal: each is taken at open and given back at close.
+// What a real UART needs, in contrast to a pseudo-terminal: set at open and restored at close.
 
-/// The exclusive mark on a line. It outlives the descriptor that set it while another program keeps the line
-/// open, so it is taken off again whatever becomes of the open.
+/// The exclusive mark on a line. It survives its descriptor while another program keeps the line open, so it
+/// is always removed, even if the open fails.
 class ExclusiveMark {
  public:
   ExclusiveMark() = default;
@@ -21,9 +21,9 @@ class ExclusiveMark {
   ExclusiveMark& operator=(const ExclusiveMark&) = delete;
   ~ExclusiveMark() { Clear(); }
 
-  /// Whether somebody has set it. It does not stop a privileged user's open, so that has to be asked.
+  /// Whether it is set. It does not stop an open by a privileged user, so this must be checked.
   static bool IsSet(int line);
-  /// 0, or the error when the driver does not take it. `line` must stay open until Clear.
+  /// 0, or the error if the driver refuses it. `line` must stay open until Clear.
   int Set(int line);
   void Clear();
 
@@ -31,26 +31,25 @@ class ExclusiveMark {
   int m_line = -1;
 };
 
-/// Adapters hold bytes back, up to 16 ms, to hand over more at once; that is longer than the shortest silence
-/// that ends a response. Many drivers can be told not to. Those that cannot are left as they are.
+/// Adapters hold bytes back for up to 16 ms to pass on more at once, longer than the shortest silence that
+/// ends a response. Many drivers can switch this off; others are left unchanged.
 class LowLatency {
  public:
   void Set(int line);
-  /// Puts the driver's flag back as Set found it; every other setting stays as it is by now.
+  /// Restores the driver's flag as Set found it; all other settings keep their current values.
   void PutBack(int line);
 
  private:
   bool m_changed = false;
 };
 
-/// Waits until the driver has nothing more to send, at most until `deadline`, and drops what is left then:
-/// with flow control holding the line, closing it would otherwise wait for half a minute. True when all of it
-/// went out.
+/// Waits until the driver has sent everything, at most until `deadline`, and then drops the rest: if flow
+/// control holds the line, closing it would wait for half a minute. True if everything was sent.
 bool DrainOutput(int line, LineClock::time_point deadline);
 
-/// While one lives, this thread does not stay in a call for long: a wait in the kernel that a signal ends is
-/// ended when `longest` is over, and so is each one after it. A driver that is told to close waits for the
-/// bytes in its chip, half a minute where flow control holds them, and asks nobody.
+/// While an object exists, no call of this thread blocks for long: a kernel wait that a signal can end is
+/// ended after `longest`, and so is each later one. When a line is closed, a driver waits for the bytes in
+/// its chip, up to half a minute if flow control holds them.
 class WaitLimit {
  public:
   explicit WaitLimit(std::chrono::milliseconds longest);

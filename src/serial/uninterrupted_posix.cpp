@@ -37,7 +37,7 @@ int PollLine(std::array<pollfd, 2>& polled, std::optional<LineClock::time_point>
     }
     const int count = ppoll(polled.data(), polled.size(), deadline ? &left : nullptr, nullptr);
     if (count >= 0 || errno != EINTR) return count;
-    // However often a signal comes: the time counts.
+    // However many signals arrive, the deadline stays.
     if (deadline && now >= *deadline) return 0;
   }
 }

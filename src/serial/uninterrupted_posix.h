@@ -10,9 +10,9 @@
 
 namespace quarn {
 
-// System calls that a signal does not end: made again, or waited on for the rest of their time.
+// System calls that continue after a signal: repeated, or waiting for the rest of their time.
 
-/// Not for close, which gives the descriptor up in any case.
+/// Not for close, which always gives up the descriptor.
 template <class Call>
 auto Uninterrupted(const Call& call) {
   auto result = call();
@@ -23,13 +23,13 @@ auto Uninterrupted(const Call& call) {
 /// A control call on a line.
 int ControlLine(int line, unsigned long request, void* argument);
 
-/// The same, for one that may wait and whose wait is meant to be cut short: made again a few times only.
+/// The same for a call whose wait should be cut short: repeated only a few times.
 int ControlLineBriefly(int line, unsigned long request, void* argument);
 
-/// Drops what waits in the driver; `queues` is TCIFLUSH, TCOFLUSH or TCIOFLUSH.
+/// Drops the bytes queued in the driver; `queues` is TCIFLUSH, TCOFLUSH or TCIOFLUSH.
 int FlushLine(int line, int queues);
 
-/// Waits as ppoll does, until the deadline if there is one.
+/// Waits like ppoll, until the deadline if there is one.
 int PollLine(std::array<pollfd, 2>& polled, std::optional<LineClock::time_point> deadline);
 
 }  // namespace quarn

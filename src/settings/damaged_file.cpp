@@ -20,7 +20,7 @@ Q_LOGGING_CATEGORY(lcDamaged, "quarn.settings")
 bool CopyToDamagedFile(const QString& path, const QByteArray& bytes) {
   const QString kept = DamagedFileOf(path);
   if (!WriteWholeBytes(kept, bytes)) return false;
-  // For the same eyes; and the next one is to take its place.
+  // With the same permissions; and writable, so that the next one can replace it.
   QFile::setPermissions(kept, QFile::permissions(path) | QFile::WriteOwner);
   return true;
 }
@@ -31,9 +31,9 @@ bool KeepDamagedFile(const QString& path) {
   if (ClassifyPath(path) != PathKind::File) return true;
   if (IsTooLargeForSettings(path)) return MoveToDamagedFile(path);
   const std::optional<QByteArray> bytes = ReadWholeBytes(path);
-  // What cannot be read may be worth more than the defaults.
+  // An unreadable file may be worth more than the defaults.
   if (!bytes) return false;
-  // The defaults never take the place of the file that they have replaced.
+  // The defaults never replace the kept copy of a damaged file.
   const bool nothingToKeep = bytes->isEmpty() || *bytes == EncodeSettingsText(NormalisedText(DefaultLines()));
   return nothingToKeep || CopyToDamagedFile(path, *bytes);
 }

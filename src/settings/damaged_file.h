@@ -4,18 +4,18 @@
 
 namespace quarn {
 
-/// Where a settings file is kept when the program gives it up: beside it, and one of them only.
+/// The path of the copy of a settings file that the program replaces: beside the file, only one copy.
 [[nodiscard]] inline QString DamagedFileOf(const QString& path) { return path + QStringLiteral(".damaged"); }
 
-/// Copies what stands at the path there, before defaults replace it. A file that is larger than any settings
-/// file is moved instead, unread. True when nothing would be lost by a replacement: it is kept, or empty, or
-/// holds the defaults already, or there is no file. False leaves the file as it is.
+/// Copies the file at the path there, before the defaults replace it. A file larger than any settings file is
+/// moved instead, without reading it. Returns true if a replacement would lose nothing: the file is kept, or
+/// empty, or already has the defaults, or does not exist. Returns false and changes nothing otherwise.
 [[nodiscard]] bool KeepDamagedFile(const QString& path);
 
-/// Moves the file itself there. False, and nothing touched, when that fails; the reason is logged.
+/// Moves the file there. If that fails, returns false, changes nothing and logs the reason.
 bool MoveToDamagedFile(const QString& path);
 
-/// Whether a file stands there that is larger than any settings file.
+/// Whether the file there is larger than any settings file.
 [[nodiscard]] bool IsTooLargeForSettings(const QString& path);
 
 }  // namespace quarn

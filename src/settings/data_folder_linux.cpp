@@ -25,11 +25,11 @@ void MakeFolder(const QString& path) {
 }  // namespace
 
 QString DataFolder() {
-  // A relative path in the variable is to be ignored, as the desktop's rules have it.
+  // The desktop's rules say to ignore a relative path in the variable.
   QString base = qEnvironmentVariable("XDG_CONFIG_HOME");
   if (!QDir::isAbsolutePath(base)) {
     const QString home = qEnvironmentVariable("HOME");
-    // Settings in whatever folder a program was started from would be lost in the next one.
+    // Settings in the current folder would be lost at the next start from another one.
     if (!QDir::isAbsolutePath(home)) return {};
     base = home + QStringLiteral("/.config");
   }

@@ -18,8 +18,8 @@ namespace {
 
 Q_LOGGING_CATEGORY(lcSettings, "quarn.settings")
 
-// No 16-bit character takes more than three bytes of UTF-8, so this much is always more than the largest
-// file that counts, and a huge one costs no more than this to refuse.
+// A 16-bit character needs at most three bytes of UTF-8, so this is always more than the largest valid file,
+// and refusing a huge file costs no more than this.
 constexpr qint64 kReadCap = 3 * (kMaxFileCharacters + 1) + 16;
 
 /// The file's bytes, or the first `limit` of them.
@@ -46,15 +46,15 @@ std::optional<QString> ReadText(const QString& path) {
   return text;
 }
 
-/// A file that this user may not write, or that nobody may: taking the write permission from everybody is
-/// how a person protects a file, and a replacement, or an administrator, would get past it.
+/// A file that this user, or nobody, may write: users protect a file by removing its write permission for
+/// everybody, and a replacement, or an administrator, would ignore that.
 bool IsReadOnly(const QFileInfo& info) {
   constexpr QFile::Permissions anybody = QFile::WriteOwner | QFile::WriteGroup | QFile::WriteOther;
   return !info.isWritable() || !(info.permissions() & anybody);
 }
 
-/// The path at the end of a chain of links; nothing where the system does not say. What is taken for no link
-/// by mistake would be replaced by a file.
+/// The path at the end of a chain of links; nullopt if the system does not say. A link that is not recognised
+/// would be replaced by a file.
 std::optional<QString> EndOfLinks(const QString& path) {
   constexpr int kMostLinks = 40;
   std::filesystem::path end(path.toStdU16String());
@@ -72,24 +72,25 @@ std::optional<QString> EndOfLinks(const QString& path) {
   return std::nullopt;
 }
 
-/// Replaces what stands at the path, which is no link. Says why when it does not.
+/// Replaces the file at the path, which must not be a link. Logs the reason on failure.
 bool ReplaceFile(const QString& path, const QByteArray& bytes, QString& reason) {
   std::error_code error;
   const auto type = std::filesystem::status(path.toStdU16String(), error).type();
   const bool replaces = type == std::filesystem::file_type::regular;
-  // A replacement would put a file in the place of whatever is there: of a folder, a pipe, a device.
+  // A replacement would replace anything that is there: a folder, a pipe, a device.
   const QFileInfo info(path);
   if ((!replaces && type != std::filesystem::file_type::not_found) || (replaces && IsReadOnly(info))) {
     reason = QStringLiteral("it is read-only, or no file");
     return false;
   }
   QSaveFile file(path);
-  // Without this the bytes would go into the target itself where its folder refuses a new file, and a
+  // Without this, if the folder accepts no new file, the bytes would be written into the target itself, and a
   // crash would leave half of them.
   file.setDirectWriteFallback(false);
-  // A buffered write would fail no sooner than inside commit(), which then renames half a file all the same.
+  // A buffered write would fail only inside commit(), which then renames the incomplete file anyway.
   const bool open = file.open(QIODevice::WriteOnly | QIODevice::Unbuffered);
-  // Opening does this too, but not where it fails to look at the old file: the new one would be nobody's.
+  // Opening does this too, but not if it cannot examine the old file: then the new one would have no
+  // permissions.
   const bool permitted = open && (!replaces || file.setPermissions(info.permissions()));
   const bool written = permitted && file.write(bytes) == bytes.size() && file.commit();
   if (!written) reason = file.errorString();
@@ -177,7 +178,7 @@ int ListEntries(const QString& path, QStringList& entries) {
 }
 
 bool WriteDefaultFile(const QString& path) {
-  // A folder of that name is refused like any other target that cannot be written.
+  // A folder of that name is refused, like any target that cannot be written.
   return WriteWholeText(path, NormalisedText(DefaultLines()));
 }
 

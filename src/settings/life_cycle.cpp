@@ -69,16 +69,16 @@ std::optional<QString> UpgradedText(const QString& text, const KeySetComparison&
     return changed.has_value();
   };
   for (const QString& key : comparison.unknownKeys) take(TextWithoutKey(upgraded, SettingsKey(key)));
-  // An unknown entry without "=" may have taken keys with it that begin like it: they come back too, with
-  // their defaults. What is there already stays.
+  // An unknown entry without "=" may have removed keys that begin like it: they are added again with their
+  // defaults. Existing entries stay.
   const QStringList lines = comparison.unknownKeys.isEmpty() ? comparison.missingLines : DefaultLines();
-  // A line outside the entries keeps out the key that it names, until the first line added drops it.
+  // A line outside the entries prevents adding the key that it names, until the first added line drops it.
   bool someAdded = !lines.isEmpty();
   while (someAdded) {
     someAdded = false;
     for (const QString& line : lines) someAdded |= take(TextWithKeyLine(upgraded, line));
   }
-  // Short lines, but more of them than are looked at, are no file either.
+  // A file with too many lines, even short ones, is invalid too.
   return FitsFile(upgraded) && EntriesOf(upgraded) ? std::optional(upgraded) : std::nullopt;
 }
 
@@ -105,7 +105,7 @@ void LoadInitialSettings(const QString& path, SettingsRecord& record, MessageOpe
   };
   if (!isLoaded()) {
     StartOver(path, messages, QStringLiteral("Defined port name is invalid."));
-    // Where not even the defaults could be written, the program still runs with them.
+    // If not even the defaults could be written, the program still runs with them.
     if (!isLoaded()) record = DefaultSettings();
   }
   record.loadedMarker = QStringLiteral("TRUE");

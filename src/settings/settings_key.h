@@ -4,8 +4,8 @@
 
 namespace quarn {
 
-/// A key's text with its trailing "=", such as "COM_PORT=". Matched exactly and case-sensitively at the
-/// start of a line. It refers to text that somebody else keeps: a literal, or a string that outlives it.
+/// A key's text with its trailing "=", such as "COM_PORT=". Matched exactly and case-sensitively at the start
+/// of a line. It does not own the text: use a literal, or a string that lives longer.
 class SettingsKey {
  public:
   constexpr explicit SettingsKey(QStringView text) : m_text(text) {}
@@ -18,7 +18,7 @@ class SettingsKey {
   QStringView m_text;
 };
 
-/// The part of a line that is its key: up to and including the first "="; a line without one is all key.
+/// The key part of a line: up to and including the first "="; the whole line if there is none.
 [[nodiscard]] inline QStringView KeyPart(QStringView line) {
   const qsizetype equals = line.indexOf(u'=');
   return equals < 0 ? line : line.first(equals + 1);

@@ -8,9 +8,9 @@ namespace quarn {
 /// Number of stored commands, MEM0 to MEM9, one for each of the keys F1 to F10.
 inline constexpr int kStoredCommandCount = 10;
 
-/// The live settings: one text per key, exactly as the file holds it. No value is converted when it is
-/// loaded; whoever uses a value compares it (exact, case-sensitive) or converts it at that moment.
-/// Copying a record copies every field.
+/// The current settings: one text per key, exactly as in the file. Values are not converted when they are
+/// loaded; code that uses a value compares it (exactly, case-sensitively) or converts it then. Copying a
+/// record copies every field.
 struct SettingsRecord {
   QString autoClr;
   QString comPort;

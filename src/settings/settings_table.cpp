@@ -45,7 +45,7 @@ constexpr std::array<Setting, kSettingCount> kSettings{{
     Text(keys::kInputMax, u"N", &R::inputMax, 12, 10),
     Text(keys::kLineNum, kOff, &R::lineNum, 14, 14),
     Text(keys::kMainPos, u"TL", &R::mainPos, 18, 15),
-    // Part of every fresh file, and of no record.
+    // In every new file, but not in the record.
     {keys::kMarkColor, u"WHITE", {}, {}, 0, 0, EmptyValue::Refused},
     Command(0, u"function-1"),
     Command(1, u"function-2"),
@@ -62,7 +62,7 @@ constexpr std::array<Setting, kSettingCount> kSettings{{
     Text(keys::kStartDisp, kOn, &R::startDisp, 15, 16),
 }};
 
-/// Puts each setting at its place; a place left out or given twice does not compile.
+/// Puts each setting at its place; a missing or repeated place does not compile.
 constexpr std::array<const Setting*, kLoadedSettingCount> InOrderOf(int Setting::*place) {
   std::array<const Setting*, kLoadedSettingCount> ordered{};
   for (const Setting& setting : kSettings) {

@@ -10,7 +10,7 @@
 
 namespace quarn {
 
-/// The keys by name, for whoever changes a single setting.
+/// The keys by name, for code that changes a single setting.
 namespace keys {
 inline constexpr SettingsKey kAutoClr{u"AUTO_CLR="};
 inline constexpr SettingsKey kBkColor{u"BK_COLOR="};
@@ -50,7 +50,7 @@ class SettingsField {
   }
 
   [[nodiscard]] constexpr bool IsNone() const { return !m_member && m_command < 0; }
-  /// The field in this record. Not to be called on no field.
+  /// The field in this record. Do not call it for no field.
   [[nodiscard]] QString& In(SettingsRecord& record) const;
   [[nodiscard]] const QString& In(const SettingsRecord& record) const;
 
@@ -61,13 +61,13 @@ class SettingsField {
 
 enum class EmptyValue { Refused, Allowed };
 
-/// Everything there is to say about one setting.
+/// The description of one setting.
 struct Setting {
   SettingsKey key;
   QStringView defaultValue;
-  /// Filled from the file when settings are loaded; none for a key that is only ever written as a default.
+  /// Filled from the file when settings are loaded; none for a key that is only written as a default.
   SettingsField field;
-  /// Save-all writes this field under the key; it is not the key's own for every key.
+  /// Save-all writes this field under the key; not always the key's own field.
   SettingsField savedFrom;
   /// Place among the keys loaded and saved, from 1; 0 = not loaded, not saved.
   int loadPlace = 0;

@@ -16,7 +16,7 @@ namespace {
 constexpr QStringView kBeginLine = u".BEGIN";
 constexpr QStringView kEndLine = u".END";
 
-/// Where a key's value stands in a text.
+/// The position of a key's value in a text.
 struct KeyLine {
   qsizetype valueStart = 0;
   qsizetype lineEnd = 0;  // of its line feed, or the text's size
@@ -57,11 +57,11 @@ qsizetype IndexOfLineBeginning(const QStringList& lines, QStringView beginning) 
 }  // namespace
 
 std::optional<QString> DecodeSettingsText(QByteArrayView bytes, BytesAre extent) {
-  // A stateless decoder calls a character that the bytes end in an error; a stateful one waits for the rest.
+  // A stateless decoder reports an incomplete last character as an error; a stateful one waits for the rest.
   const auto flags =
       extent == BytesAre::Whole ? QStringDecoder::Flag::Stateless : QStringDecoder::Flag::Default;
   if (bytes.startsWith("\xEF\xBB\xBF")) bytes = bytes.sliced(3);
-  // The mark is gone by now: a second one is text.
+  // The mark is already removed: a second one is text.
   QStringDecoder decoder(QStringDecoder::Utf8, flags | QStringDecoder::Flag::ConvertInitialBom);
   QString text = decoder.decode(bytes);
   if (decoder.hasError()) return std::nullopt;
@@ -140,8 +140,8 @@ std::optional<QString> TextWithKeyLine(const QString& text, const QString& line)
 std::optional<QString> TextWithoutKey(const QString& text, SettingsKey key) {
   std::optional<QStringList> entries = EntriesOf(text);
   if (!entries) return std::nullopt;
-  // Every line begins with an empty key: taken at its word it would cost a file with one blank line all
-  // its settings. The blank lines themselves go when the text is normalised.
+  // Every line begins with an empty key: taken literally, a file with one blank line would lose all its
+  // settings. The blank lines themselves are removed when the text is normalised.
   if (!key.Text().isEmpty()) {
     entries->removeIf([&](const QString& entry) { return entry.startsWith(key.Text()); });
   }

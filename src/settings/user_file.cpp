@@ -30,14 +30,14 @@ void TellNotOpened(MessageOperations& messages) {
             QStringLiteral("Could not open the QRN file."));
 }
 
-/// What is going to be in force: the user's file as it stands, or this text in its place.
+/// The new settings: the user's file unchanged, or this text instead.
 struct Source {
   bool usable = false;
   std::optional<QString> text;
 };
 
 Source AskAndUpgrade(const QString& path, const KeySetComparison& comparison, MessageOperations& messages) {
-  // A key that this program does not know would be lost with its value.
+  // An unknown key would be lost with its value.
   const AnswerByDefault byDefault =
       comparison.unknownKeys.isEmpty() ? AnswerByDefault::Agree : AnswerByDefault::Refuse;
   if (!messages.AskYesNo(QStringLiteral(": Confirmation"), QString(),
@@ -45,7 +45,7 @@ Source AskAndUpgrade(const QString& path, const KeySetComparison& comparison, Me
                          QStringLiteral("Is it OK to proceed?"), byDefault)) {
     return {};
   }
-  // Read after the question, while which the file may still change.
+  // Read after the question, because the file may change while it is shown.
   const BoundsFile file(path);
   const std::optional<QString> text = ReadWholeText(path);
   const std::optional<QString> upgraded = text ? UpgradedText(*text, comparison) : std::nullopt;
@@ -53,14 +53,14 @@ Source AskAndUpgrade(const QString& path, const KeySetComparison& comparison, Me
     TellQuit(messages, QStringLiteral("Config file is invalid."));
     return {};
   }
-  // A file that cannot be written, for it is read-only as likely as not, is brought up to date in the copy.
+  // A file that cannot be written, probably because it is read-only, is updated in the copy.
   if (*upgraded != *text && !WriteWholeText(path, *upgraded)) return {true, upgraded};
   messages.ShowInformationMessage(QStringLiteral(": Information"), QString(),
                                   QStringLiteral("Configuration file is updated."), QString());
   return {true, std::nullopt};
 }
 
-/// The file, if it has the program's keys or can be given them.
+/// The file, if it has the program's keys or they can be added.
 Source SourceWithCurrentKeys(const QString& path, MessageOperations& messages) {
   const KeySetComparison comparison = CompareWithDefaults(path);
   switch (comparison.result) {
@@ -90,12 +90,12 @@ bool LoadChecked(const QString& path, SettingsRecord& record) {
   return true;
 }
 
-/// Puts back what stood at the path before: these bytes, or nothing.
+/// Restores the previous content of the path: these bytes, or no file.
 void PutBack(const QString& path, const std::optional<QByteArray>& bytes) {
   if (bytes) {
     WriteWholeBytes(path, *bytes);
   } else {
-    // Through a link, which stood there before and led nowhere.
+    // Through a link that was there before and led nowhere.
     QFile::remove(QFileInfo(path).canonicalFilePath());
   }
 }
@@ -106,12 +106,12 @@ QString OpenUserFile(const QString& userFile, const QString& workingFile, Settin
                      MessageOperations& messages) {
   const Source source = SourceWithCurrentKeys(userFile, messages);
   if (!source.usable) return {};
-  // None that was ever in force, and nothing to be read into memory.
+  // It was never in use, and is too large to read into memory.
   if (IsTooLargeForSettings(workingFile)) MoveToDamagedFile(workingFile);
-  // Taken after the questions, while which the working file may still change.
+  // Read after the questions, because the working file may change while they are shown.
   const bool stoodThere = ClassifyPath(workingFile) != PathKind::Nothing;
   const std::optional<QByteArray> backup = ReadWholeBytes(workingFile);
-  // What cannot be read could not be put back.
+  // An unreadable file could not be restored.
   if ((stoodThere && !backup) || !PutInForce(source, userFile, workingFile)) {
     TellNotOpened(messages);
     return {};

@@ -4,8 +4,8 @@
 
 namespace quarn {
 
-/// `text` with its character at `position` replaced; behind the last character when the position is at
-/// or beyond the end. `position` must not be negative.
+/// `text` with its character at `position` replaced; appended if the position is at or beyond the end.
+/// `position` must not be negative.
 inline QString WithCharacterAt(QString text, int position, QChar character) {
   if (position < text.size()) {
     text[position] = character;

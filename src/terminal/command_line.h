@@ -4,10 +4,10 @@
 
 namespace quarn {
 
-/// The command being typed: text, insertion point, last command and the blinking caret. Has no edit
-/// control behind it. Lives as long as the process, so that it survives closing the window.
+/// The command being typed: text, insertion point, last command and the blinking caret. Uses no edit control.
+/// Lives as long as the process, so it survives closing the window.
 ///
-/// `limit` is the longest command in characters (0: nothing can be typed).
+/// `limit` is the longest command in characters (0: no input is possible).
 class CommandLine {
  public:
   static constexpr QChar kCursor = u'|';
@@ -15,13 +15,13 @@ class CommandLine {
   static constexpr int kBlinkTicks = 5;
 
   [[nodiscard]] const QString& Text() const { return m_text; }
-  /// 0 = before the first character. May stand beyond the text's end after Empty.
+  /// 0 = before the first character. After Empty it may be beyond the end of the text.
   [[nodiscard]] int CursorPos() const { return m_cursorPos; }
   [[nodiscard]] const QString& LastCommand() const { return m_lastCommand; }
   [[nodiscard]] bool IsOverwrite() const { return m_overwrite; }
 
   void TypeCharacter(QChar character, int limit);
-  /// A blank goes to the end of the text, wherever the cursor stands and whatever the limit is.
+  /// Adds a blank at the end of the text, wherever the cursor is, even beyond the limit.
   void TypeSpace();
   void DeleteAtCursor();
   void Backspace();
@@ -29,24 +29,24 @@ class CommandLine {
   void MoveRight(int limit);
   void ToggleOverwrite() { m_overwrite = !m_overwrite; }
 
-  /// The CLEAR button: the text goes, the cursor stays where it was.
+  /// The CLEAR button: clears the text, the cursor does not move.
   void Empty() { m_text.clear(); }
-  /// Text and cursor both go.
+  /// Clears the text and resets the cursor.
   void Reset();
-  /// F1 to F10: a stored command in place of the text, or behind it.
+  /// F1 to F10: replaces the text with a stored command, or appends it.
   void LoadStored(const QString& stored, bool append);
   /// F11.
   void RecallLast();
-  /// The printable ASCII characters of `clipboard`, up to the limit, in place of the text.
+  /// Replaces the text with the printable ASCII characters of `clipboard`, up to the limit.
   void Paste(const QString& clipboard, int limit);
   void SetLastCommand(const QString& command) { m_lastCommand = command; }
 
-  /// So many timer ticks of 100 ms while the window is in the foreground. True when the phase flipped, which
-  /// it does at most once.
+  /// `ticks` timer ticks of 100 ms while the window is in the foreground. Returns true if the phase changed,
+  /// at most once.
   bool Tick(int ticks = 1);
-  /// At which tick from now on the phase flips; at least 1.
+  /// The number of ticks until the phase changes; at least 1.
   [[nodiscard]] int TicksToBlink() const { return m_blinkTicks; }
-  /// The text with or without the cursor character, as the blink phase says.
+  /// The text with or without the cursor character, depending on the blink phase.
   [[nodiscard]] QString DisplayText() const;
 
  private:

@@ -12,8 +12,8 @@ namespace {
 /// The transmit buffer takes 1024 bytes, the last of them a NUL.
 constexpr qsizetype kLongestTransmission = 1023;
 
-/// How one delimiter frames a command and how its response is cleaned: `removed` goes, `lineEnd` becomes
-/// CR. Zero: nothing to remove or replace.
+/// How one delimiter frames a command and how its response is cleaned: `removed` is deleted, `lineEnd`
+/// becomes CR. Zero: nothing to delete or replace.
 struct Delimiter {
   const char16_t* name;
   const char* before;
@@ -49,7 +49,7 @@ Transmission TransmissionOf(const QString& delimiter, const QByteArray& command)
   const FramedCommand framed = FrameCommand(delimiter, command);
   const qsizetype end = framed.bytes.indexOf(framed.terminator);
   if (end >= kLongestTransmission) return Transmission::Nothing;
-  // A command that brings its own terminator loses nothing but the second one.
+  // A command that already has its terminator loses only the second one.
   const qsizetype sent = end + 1 - qsizetype(std::strlen(DelimiterNamed(delimiter).before));
   return sent < command.size() ? Transmission::CutShort : Transmission::Whole;
 }

@@ -8,15 +8,15 @@
 
 namespace quarn {
 
-/// With its key a stored command is one line of a settings file; what is typed into it ends there.
+/// With its key a stored command is one line of a settings file; input ends at this length.
 inline constexpr int kMaxStoredCommand =
     static_cast<int>(kMaxLineCharacters - qsizetype{sizeof("MEM0=") - 1});
 
-/// What of a text can stand in a stored command: a value is one line of a settings file. Line breaks, other
-/// control characters but the tab, and halves of characters are left out.
+/// The part of a text that can be a stored command, which is one line of a settings file. Line breaks,
+/// control characters other than tab, and half surrogate pairs are removed.
 [[nodiscard]] QString AsStoredCommand(const QString& text);
 
-/// The ten stored commands being edited. Edits reach the live settings when edit mode is left, and the
+/// The ten stored commands being edited. Changes reach the current settings when edit mode ends, and the
 /// working settings file only when they are saved.
 class FunctionKeyTable {
  public:
@@ -32,31 +32,31 @@ class FunctionKeyTable {
     bool operator==(const Enabled&) const = default;
   };
 
-  /// `settings` outlives the table.
+  /// `settings` must outlive the table.
   explicit FunctionKeyTable(SettingsRecord& settings);
 
   /// What the ten fields show, MEM0 first.
   [[nodiscard]] const Texts& EditText() const { return m_editText; }
-  /// The person changed a field.
+  /// The user changed a field.
   void SetEditText(int index, const QString& text);
-  /// Characters that the field takes: more than kMaxStoredCommand where a longer text came from a file.
+  /// The maximum length of the field: more than kMaxStoredCommand if a longer text came from a file.
   [[nodiscard]] int Limit(int index) const;
   [[nodiscard]] bool IsEditing() const { return m_editing; }
   [[nodiscard]] Enabled WhatIsEnabled() const;
 
   void StartEditing();
-  /// The fields become the live settings.
+  /// Copies the fields to the current settings.
   void FinishEditing();
   /// Whether the settings, or in edit mode the fields, differ from what was last loaded or saved.
   [[nodiscard]] bool CanUndo() const;
-  /// Fields and live settings go back to what was last loaded or saved.
+  /// Resets fields and current settings to what was last loaded or saved.
   void Undo();
   /// Whether the settings differ from what was last loaded or saved.
   [[nodiscard]] bool CanSave() const;
-  /// Writes the ten fields into the working settings file, with one replacement. False when they would not
-  /// fit into it; then nothing is written and they stay unsaved.
+  /// Writes the ten fields into the working settings file, replacing it once. If they do not fit into it,
+  /// returns false, writes nothing, and they stay unsaved.
   bool Save(const QString& settingsFile);
-  /// The settings were replaced: the fields show them, in edit mode too.
+  /// The settings were replaced: shows them in the fields, in edit mode too.
   void Reload();
 
  private:

@@ -40,7 +40,7 @@ QByteArray ResponseLines(const QByteArray& response, const SettingsRecord& setti
   return lines + kCr;
 }
 
-/// A truncated response breaks off somewhere in its last line: that line says so instead.
+/// A truncated response ends within its last line: that line is replaced by "...".
 QByteArray TruncatedLines(const QByteArray& response, const SettingsRecord& settings) {
   QByteArray lines = ResponseLines(response, settings);
   lines.chop(1);

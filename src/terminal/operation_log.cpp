@@ -53,7 +53,7 @@ void OperationLog::AppendLogText(const QByteArray& text) {
   }
   m_lineCount = m_writePos;
   if (m_lineCount - m_topLine > ScreenRowCount) m_topLine = m_lineCount - ScreenRowCount;
-  // Lines that were dropped, or a view that stood at the very end, must not push the last line out.
+  // The last line must stay visible, even if lines were dropped or the view was at the very end.
   m_topLine = std::clamp(m_topLine, 0, std::max(m_lineCount - 1, 0));
 }
 

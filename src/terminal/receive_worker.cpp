@@ -61,7 +61,7 @@ void ReceiveWorker::Run() {
 
 void ReceiveWorker::SendAndReceive() {
   if (m_line) {
-    // Neither a failed purge nor a failed transmission is reported: the read that follows tells.
+    // Failures of the purge and of the transmission are not reported: the following read shows them.
     m_line->Purge();
     SendFramed(*m_line, FrameCommand(m_settings.delimiter, m_command));
   }
@@ -83,7 +83,7 @@ void ReceiveWorker::SendAndReceive() {
 
 void ReceiveWorker::Deliver(const char* bytes, std::size_t count) {
   const auto limit = static_cast<std::size_t>(ResponseLimit(m_settings.comBuf));
-  // One byte above the limit still counts as complete: the count leaves out the last byte.
+  // One byte above the limit still counts as complete, because the count excludes the last byte.
   const bool complete = count <= limit + 1;
   const std::size_t kept = complete ? count : limit;
   const std::lock_guard guard(m_resultMutex);

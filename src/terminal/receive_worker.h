@@ -12,13 +12,13 @@
 
 namespace quarn {
 
-/// The thread of one transaction: frames the command, purges the line, sends, and performs one blocking
-/// read, which is the whole response. The read ends when the line falls silent for its read interval.
+/// The thread of one transaction: frames the command, purges the line, sends, and performs one blocking read
+/// for the whole response. The read ends when the line is silent for its read interval.
 class ReceiveWorker {
  public:
-  /// Starts at once on copies of settings and command. Where the system gives no thread this is a read that
-  /// has failed, and nothing is sent. `busy` and `resultMutex` must outlive the worker;
-  /// `connection`'s transaction fields are written under `resultMutex`.
+  /// Starts at once with copies of settings and command. If the system cannot create a thread, this counts as
+  /// a failed read and nothing is sent. `busy` and `resultMutex` must outlive the worker; `connection`'s
+  /// transaction fields are written under `resultMutex`.
   ReceiveWorker(const SettingsRecord& settings, PortConnection& connection, WaitableFlag& busy,
                 std::mutex& resultMutex);
   /// Cancels the read if it still runs, and waits for the thread.
@@ -28,9 +28,9 @@ class ReceiveWorker {
 
   /// True when the thread has ended, false when `until` came first.
   bool WaitEnded(std::chrono::steady_clock::time_point until) const { return m_running.WaitClear(until); }
-  /// The system's reason for giving no thread; empty when there is one.
+  /// Why the system could not create a thread; empty if it could.
   [[nodiscard]] const QString& WhyNoThread() const { return m_whyNoThread; }
-  /// Whether a response, or a read's failure, has reached the connection.
+  /// Whether the connection has received a response or the failure of the read.
   [[nodiscard]] bool HasDelivered() const;
 
  private:
@@ -47,7 +47,7 @@ class ReceiveWorker {
   WaitableFlag& m_busy;
   std::mutex& m_resultMutex;
   WaitableFlag m_running;
-  WaitableFlag m_settling;  ///< set until the pause after a response may be cut short
+  WaitableFlag m_settling;  ///< set until the pause after a response may be shortened
   bool m_delivered = false;
   QString m_whyNoThread;
   std::thread m_thread;

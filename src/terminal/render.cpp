@@ -46,7 +46,7 @@ std::array<Spelling, 256> AllSpellings() {
   return spellings;
 }
 
-/// Whether it shows as a character of its own on the line that it stands in.
+/// Whether it is visible as a character of its own on its line.
 bool IsPrintable(char32_t character) {
   const QChar::Category category = QChar::category(character);
   return QChar::isPrint(character) && category != QChar::Separator_Line &&
@@ -66,7 +66,8 @@ QByteArray RenderBytesForLog(const QByteArray& bytes) {
   char* end = text.data();
   for (const char each : bytes) {
     const Spelling& spelling = spellings[static_cast<unsigned char>(each)];
-    // All of it, whatever its length: there is room for six a byte, and the next one begins where this ends.
+    // All of it, at any length: there is room for six characters per byte, and the next one starts where this
+    // ends.
     std::memcpy(end, spelling.text.data(), kLongestSpelling);
     end += spelling.length;
   }

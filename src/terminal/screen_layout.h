@@ -10,8 +10,8 @@
 
 namespace quarn {
 
-// Geometry, colours and captions of the Terminal Screen, all from the settings. Rectangles are pixels in
-// the client area.
+// Geometry, colours and captions of the Terminal Screen, all derived from the settings. Rectangles are pixels
+// in the client area.
 
 inline constexpr int kTerminalButtonCount = 12;
 
@@ -28,7 +28,7 @@ inline constexpr int kPromptId = 1002;
 inline constexpr int kCommandDisplayId = 1017;
 inline constexpr int kFirstRowId = 1000;
 
-/// The twelve buttons in the order in which they are laid out: two rows of six.
+/// The twelve buttons in layout order: two rows of six.
 extern const std::array<TerminalButton, kTerminalButtonCount> kTerminalButtons;
 
 /// "LINE   >" with line numbers, ">" without.
@@ -40,15 +40,15 @@ QRect RowRect(int row);
 /// Button 0 to 11 of kTerminalButtons.
 QRect ButtonRect(int index, const SettingsRecord& settings);
 bool ButtonsShown(const SettingsRecord& settings);
-/// Outer size, frame included. `scalePercent`: 100, 125, 150, 175; others have a height of their own.
+/// Outer size with the frame. `scalePercent`: 100, 125, 150, 175; others have a height of their own.
 QSize TerminalWindowSize(const SettingsRecord& settings, int scalePercent);
 
 enum class ColourScheme : std::uint8_t { Navy, Black, System };
 ColourScheme ColourSchemeOf(const SettingsRecord& settings);
 inline bool IsDark(ColourScheme scheme) { return scheme != ColourScheme::System; }
 
-/// The log's font: the height of a line, and what the widest row must show in the narrowest space it
-/// gets (a four-digit line number, its bar and blanks, and a command of 64 characters in its brackets).
+/// Requirements for the log's font: the line height, and the text that must fit into the narrowest row (a
+/// four-digit line number, its bar and blanks, and a command of 64 characters in brackets).
 inline constexpr int kTerminalLineHeight = 18;
 inline constexpr int kWidestRowCharacters = 73;
 inline constexpr int kNarrowestRowWidth = 592;

@@ -4,7 +4,7 @@
 
 namespace quarn {
 
-/// What INPUT_MAX decides.
+/// The values that depend on INPUT_MAX.
 struct ScreenWidth {
   QString letter;    ///< as the window's title shows it
   int commandLimit;  ///< longest command that can be typed, in characters
@@ -13,7 +13,7 @@ struct ScreenWidth {
   int windowWidth;   ///< pixels, frame included, without line numbers
 };
 
-/// The row for "N", "M" or "W". For any other text: nothing can be typed, and lines are as narrow as "N"'s.
+/// The row for "N", "M" or "W". For any other text: no input is possible, and lines are as narrow as for "N".
 const ScreenWidth& ScreenWidthOf(const QString& inputMax);
 
 }  // namespace quarn

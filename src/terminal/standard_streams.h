@@ -2,10 +2,10 @@
 
 namespace quarn {
 
-/// A standard stream that was closed when the program started is not the next file's: what goes there would
-/// reach a settings file or the line. It is taken by nothing, and writing to it fails as it does to a closed
-/// one. So does writing to a pipe that nobody reads any more, instead of ending the program. Before anything
-/// is opened.
+/// Opens a null device for each standard stream that was closed at the start. Otherwise the next file opened
+/// would take its place, and output would reach a settings file or the line. Writing to such a stream fails,
+/// as for a closed one. Writing to a pipe without a reader also fails, instead of ending the program. Call
+/// before anything is opened. Does nothing on Windows, where this cannot happen.
 void OccupyStandardStreams();
 
 }  // namespace quarn

@@ -11,8 +11,8 @@ namespace quarn {
 void OccupyStandardStreams() {
   (void)std::signal(SIGPIPE, SIG_IGN);
   for (const int stream : std::array{STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-    // The lowest free number is the stream's own. It is open the wrong way round, and not for programs
-    // started from here.
+    // The lowest free descriptor number is the stream's own. It is opened in the wrong direction, so that
+    // using it fails, and closed for child processes.
     if (fcntl(stream, F_GETFD) < 0) {
       (void)::open("/dev/null", (stream == STDIN_FILENO ? O_WRONLY : O_RDONLY) | O_CLOEXEC);
     }

@@ -2,7 +2,8 @@
 
 namespace quarn {
 
-/// Streams are no file numbers that others could get, and a pipe without a reader is an error like others.
+/// On Windows a closed stream's number is not reused by files, and a pipe without a reader is an ordinary
+/// error.
 void OccupyStandardStreams() {}
 
 }  // namespace quarn

@@ -13,20 +13,20 @@ namespace quarn {
 namespace {
 
 constexpr char kUtf8[] = "UTF-8";
-/// What QString holds.
+/// The encoding of QString.
 constexpr const char* kText = Q_BYTE_ORDER == Q_LITTLE_ENDIAN ? "UTF-16LE" : "UTF-16BE";
 
-/// The environment's locale; that of the process is for Qt to set.
+/// The locale of the environment; Qt sets that of the process.
 QByteArray CodesetOfTheLocale() {
   const locale_t locale = newlocale(LC_CTYPE_MASK, "", nullptr);
   if (locale == nullptr) return kUtf8;
   QByteArray codeset = nl_langinfo_l(CODESET, locale);
   freelocale(locale);
-  // Without a locale: seven bits are no encoding for a line, and files and windows have UTF-8 then, too.
+  // Without a locale: a line needs more than 7-bit ASCII, and files and windows use UTF-8 then, too.
   return codeset == "ANSI_X3.4-1968" ? QByteArray(kUtf8) : codeset;
 }
 
-/// Nothing when a character of the one has no place in the other.
+/// Returns nullopt if a character of the one encoding is not in the other.
 std::optional<QByteArray> Convert(const char* from, const char* to, QByteArray bytes) {
   iconv_t const converter = iconv_open(to, from);
   if (converter == reinterpret_cast<iconv_t>(-1)) return std::nullopt;
@@ -36,7 +36,7 @@ std::optional<QByteArray> Convert(const char* from, const char* to, QByteArray b
   char* end = converted.data();
   auto left = static_cast<std::size_t>(bytes.size());
   auto room = static_cast<std::size_t>(converted.size());
-  // Other numbers than zero: a mistake, or characters that something similar stands for.
+  // Not zero: an error, or characters replaced by similar ones.
   const bool whole = iconv(converter, &source, &left, &end, &room) == 0 &&
                      iconv(converter, nullptr, nullptr, &end, &room) == 0;
   iconv_close(converter);

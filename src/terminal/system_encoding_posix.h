@@ -5,10 +5,10 @@
 namespace quarn {
 
 /// The name of the system's 8-bit encoding, as iconv knows it. Read from the environment at the first call:
-/// the process need not have chosen its locale, and nobody who does so later changes it.
+/// the process need not have set its locale, and setting it later changes nothing.
 [[nodiscard]] const QByteArray& SystemCodeset();
 
-/// As ToSystemEncoding and FromSystemEncoding, with an encoding by its name. An unknown one takes no text.
+/// Like ToSystemEncoding and FromSystemEncoding, for a named encoding. An unknown one accepts no text.
 [[nodiscard]] std::optional<QByteArray> EncodeText(const QByteArray& codeset, QStringView text);
 [[nodiscard]] std::optional<QString> DecodeText(const QByteArray& codeset, const QByteArray& bytes);
 

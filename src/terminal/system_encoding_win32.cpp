@@ -5,7 +5,7 @@
 namespace quarn {
 namespace {
 
-/// Where the code page is UTF-8 there are other flags, and no word about characters that were replaced.
+/// If the code page is UTF-8, other flags are needed, and replaced characters are not reported.
 bool IsUtf8() { return GetACP() == CP_UTF8; }
 
 }  // namespace

@@ -11,7 +11,7 @@ struct KeyRow {
   KeyAction action;
 };
 
-/// Keys that mean the same whatever modifier is held.
+/// Keys with the same meaning for all modifiers.
 constexpr std::array<KeyRow, 14> kPlainKeys = {{
     {Qt::Key_Return, KeyAction::Send},
     {Qt::Key_Enter, KeyAction::Send},
@@ -44,7 +44,7 @@ const KeyRow* Find(const auto& rows, int key) {
 }  // namespace
 
 KeyCommand ClassifyKey(int key, Qt::KeyboardModifiers modifiers, const QString& text) {
-  // Alt and F4 closes the window, Alt and Space opens its menu, a key with a logo on it is the desktop's.
+  // Alt+F4 closes the window, Alt+Space opens its menu, and the logo key belongs to the desktop.
   const bool alt = modifiers.testFlag(Qt::AltModifier);
   const bool control = modifiers.testFlag(Qt::ControlModifier);
   if ((alt && !control) || modifiers.testFlag(Qt::MetaModifier)) return {};

@@ -6,11 +6,11 @@
 
 namespace quarn {
 
-/// What a key press in the Terminal Screen asks for.
+/// The meaning of a key press in the Terminal Screen.
 enum class KeyAction : std::uint8_t {
-  Default,  ///< not ours: the dialog's own handling (Tab, Alt with a letter, ...)
+  Default,  ///< default handling of the dialog (Tab, Alt with a letter, ...)
   Swallow,
-  Character,  ///< insert the key's character, then the dialog's own handling
+  Character,  ///< insert the key's character, then default handling of the dialog
   Send,
   ScrollDown,
   ScrollUp,
@@ -33,7 +33,7 @@ struct KeyCommand {
   int index = 0;
 };
 
-/// `key` is a Qt::Key, `text` what the key would type.
+/// `key` is a Qt::Key, `text` the text that the key would type.
 KeyCommand ClassifyKey(int key, Qt::KeyboardModifiers modifiers, const QString& text);
 
 }  // namespace quarn

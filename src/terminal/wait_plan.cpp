@@ -57,7 +57,7 @@ WaitPlan::Step WaitPlan::Next() {
   if (m_limited && m_polls > m_limit) return Step::TimedOut;
   ++m_iterations;
   if (m_iterations % kPollsPerRefresh != 0) {
-    // Without a time-out a wait may last for ever; the count must not.
+    // Without a time-out a wait has no limit, but the counter must not overflow.
     if (m_polls <= m_limit) ++m_polls;
     return Step::Continue;
   }

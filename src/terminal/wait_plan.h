@@ -6,7 +6,7 @@
 
 namespace quarn {
 
-/// COM_BUF in bytes, as the response time-out counts it; unknown text gives 2048.
+/// COM_BUF in bytes, for computing the response time-out; unknown text gives 2048.
 int BufferSizeForTimeout(const QString& comBuf);
 /// COM_BUF in bytes, as the limit of a response; unknown text gives 1024.
 int ResponseLimit(const QString& comBuf);
@@ -15,12 +15,12 @@ int ResponseLimit(const QString& comBuf);
 /// by speed and buffer size, and never below 50.
 int TimeoutPolls(const SettingsRecord& settings);
 
-/// The command line's text while a response is awaited: for the first five refreshes the command as it
-/// is, from the sixth on in turns with a "*" at the caret and without. A caret at the end puts it behind
-/// the last character; a negative caret gives no mark.
+/// The command line's text while waiting for a response: for the first five refreshes the command, from the
+/// sixth on alternately with and without a "*" at the caret. A caret at the end puts it after the last
+/// character; a negative caret gives no mark.
 QString WaitingText(const QString& command, int caret, int refresh);
 
-/// The wait for a response, counted in polls. Pure: it is told that a poll has passed.
+/// The wait for a response, counted in polls. Pure: the caller reports each poll.
 class WaitPlan {
  public:
   enum class Step {
@@ -39,7 +39,7 @@ class WaitPlan {
  private:
   int m_limit;
   bool m_limited;
-  int m_polls = 0;  ///< what counts towards the time-out: all but every 20th
+  int m_polls = 0;  ///< polls that count towards the time-out: all but every 20th
   int m_iterations = 0;
   int m_refreshes = 0;
 };

@@ -9,7 +9,7 @@ namespace quarn {
 /// A flag that one thread clears and another waits for; the waiter wakes at once. Any thread.
 class WaitableFlag {
  public:
-  /// False when it was set already.
+  /// Returns false if it was already set.
   bool TrySet() {
     const std::lock_guard guard(m_mutex);
     if (m_set) return false;

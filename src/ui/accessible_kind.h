@@ -4,8 +4,8 @@
 
 namespace quarn {
 
-/// From now on assistive tools see every widget of this class through this interface, which is made from a
-/// pointer to it. Calling it again costs nothing. User-interface thread only.
+/// Makes this interface, created from a pointer to the widget, the one that assistive tools use for every
+/// widget of this class. Repeated calls are cheap. User-interface thread only.
 template <typename Widget, typename Interface>
 void MakeAccessibleAs() {
   [[maybe_unused]] static const bool done = [] {

@@ -6,8 +6,8 @@ namespace quarn {
 
 class StaticText;
 
-/// What assistive tools see of a StaticText: a line of text, or a field with a caret in its text. The text is
-/// changed by keys alone.
+/// The interface of a StaticText for assistive tools: a line of text, or a field with text and caret. Only
+/// keys change the text.
 class AccessibleLine final : public QAccessibleWidget, public QAccessibleTextInterface {
  public:
   explicit AccessibleLine(StaticText* line);

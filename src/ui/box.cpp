@@ -14,15 +14,15 @@ std::vector<const BoxOver*>& BoxesUp() {
   return boxes;
 }
 
-/// A window that stays below a box is one that a person works in, not what merely pops up.
+/// A window under a box is one in which the user works, not a popup.
 bool IsPlainWindow(const QWidget& window) {
   return window.isVisible() && (window.windowType() == Qt::Dialog || window.windowType() == Qt::Window);
 }
 
-/// Has the window system keep a box in front of a window (may be null), which the box may well outlive: a
-/// QWindow forgets one that goes, and takes its handle out of the system's hands first. The system is told
-/// when the box has its window and is not shown yet. Making that window earlier would have the box placed as
-/// if it had no frame.
+/// Makes the window system keep a box in front of a window (may be null), which may be deleted before the
+/// box: a QWindow forgets its transient parent when that is deleted, and first detaches from it in the
+/// system. This happens when the box has its window and is not shown yet. Creating that window earlier would
+/// place the box as if it had no frame.
 class InFrontOf final : public QObject {
  public:
   InFrontOf(QWidget& box, QWidget* window) : m_window(window) { box.installEventFilter(this); }
@@ -41,7 +41,7 @@ class InFrontOf final : public QObject {
   QPointer<QWidget> m_window;
 };
 
-/// Notes whether a box had the keyboard when it went.
+/// Records whether a box had the keyboard when it closed.
 class LastLook final : public QObject {
  public:
   explicit LastLook(QWidget& box) { box.installEventFilter(this); }
@@ -50,7 +50,7 @@ class LastLook final : public QObject {
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override {
     const auto& box = static_cast<const QWidget&>(*watched);
-    // Some systems take the keyboard away before the widget hears of it, others after.
+    // Some systems remove the keyboard focus before the widget is notified, others after.
     if (event->type() == QEvent::WindowDeactivate && box.isHidden()) m_wasActive = true;
     if (event->type() == QEvent::Hide && box.isActiveWindow()) m_wasActive = true;
     return false;
@@ -66,7 +66,7 @@ QWidget* WindowForBox() {
   if (QWidget* active = QApplication::activeWindow()) return active;
   if (QWidget* modal = QApplication::activeModalWidget()) return modal;
   const QWidgetList windows = QApplication::topLevelWidgets();
-  // The one to which the others belong, so that the box is in front of all of them.
+  // The top window, so that the box is in front of all of them.
   for (const bool belongsToNobody : {true, false}) {
     const auto found = std::find_if(windows.begin(), windows.end(), [belongsToNobody](const QWidget* each) {
       return IsPlainWindow(*each) && (each->parentWidget() == nullptr) == belongsToNobody;
@@ -83,7 +83,7 @@ int RunBox(QDialog& box) {
   const InFrontOf inFront(box, window);
   const LastLook look(box);
   const int result = box.exec();
-  // Not every system gives the keyboard back by itself.
+  // Not every system returns the keyboard focus automatically.
   QWidget* const left = below.data();
   if (look.WasActive() && left != nullptr && left->isVisible()) left->activateWindow();
   return result;
@@ -92,7 +92,7 @@ int RunBox(QDialog& box) {
 BoxOver::BoxOver(QWidget* window) {
   for (QWidget* each = window; each != nullptr; each = each->parentWidget())
     m_below.emplace_back(each->window());
-  // What is active may be a box itself, and that has no parent.
+  // The active window may be a box itself, which has no parent.
   for (const BoxOver* earlier : BoxesUp())
     m_below.insert(m_below.end(), earlier->m_below.begin(), earlier->m_below.end());
   BoxesUp().push_back(this);

@@ -8,22 +8,20 @@ class QDialog;
 
 namespace quarn {
 
-// Boxes: what comes up over the program's windows and runs an event loop of its own until it is gone
-// (messages, questions, the about box, the choice of a file). Any window may be asked to close in that loop,
-// so that no box is the child of one. It stands over the window that is active when it comes up, and outlives
-// it. User-interface thread only.
+// Boxes: windows over the program's windows with an event loop of their own (messages, questions, the about
+// box, file dialogs). Any window may be asked to close in that loop, so a box has no parent. It stays in
+// front of the window that was active when it opened, and outlives it. User-interface thread only.
 
-/// The window over which a box that comes up now stands: the active one, else one that can be seen. Null when
-/// there is none.
+/// The window over which a new box is shown: the active one, or else a visible one. Null if there is none.
 [[nodiscard]] QWidget* WindowForBox();
 
-/// Shows the box, which has no parent, over WindowForBox and returns its result when it is gone. No other
-/// window of the program takes input meanwhile; the one under it has the keyboard afterwards, if it is still
-/// there.
+/// Shows the box, which has no parent, over WindowForBox and returns its result when it is closed. Until then
+/// no other window of the program accepts input. Afterwards the window under it has the keyboard focus, if it
+/// still exists.
 int RunBox(QDialog& box);
 
-/// Says for as long as it lives that a box stands over `window` (may be null), and thereby over all that this
-/// one belongs to or stands over itself.
+/// While it exists, marks `window` (may be null), and the windows to which it belongs or over which it is
+/// shown, as being under a box.
 class BoxOver {
  public:
   explicit BoxOver(QWidget* window);
@@ -31,7 +29,7 @@ class BoxOver {
   BoxOver(const BoxOver&) = delete;
   BoxOver& operator=(const BoxOver&) = delete;
 
-  /// Whether any box stands over this window.
+  /// Whether this window is under a box.
   [[nodiscard]] static bool IsOver(const QWidget& window);
 
  private:

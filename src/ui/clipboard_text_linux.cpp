@@ -1,5 +1,5 @@
-// Qt asks an X11 owner twice and waits five seconds each time, with all windows frozen. So the owner is asked
-// here, on a connection of its own.
+// Qt asks an X11 owner twice and waits five seconds each time, with all windows frozen. So this code asks the
+// owner itself, on its own connection.
 
 #include <poll.h>
 #include <xcb/xcb.h>
@@ -28,7 +28,7 @@ struct Disconnected {
   void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
 };
 
-/// One question to the owner of the clipboard.
+/// One request to the owner of the clipboard.
 class Question {
  public:
   Question(InputHold& hold, QClipboard::Mode mode, int limitMs)
@@ -45,7 +45,7 @@ class Question {
     m_inPieces = Atom("INCR");
   }
 
-  /// Nothing when the display does not answer or the owner says nothing in time.
+  /// Returns nullopt if the display or the owner does not answer in time.
   std::optional<QString> Ask() {
     if (m_window == XCB_NONE) return std::nullopt;
     for (const char* kind : {"UTF8_STRING", "text/plain;charset=utf-8", "STRING"}) {
@@ -70,7 +70,7 @@ class Question {
     return reply ? reply->atom : xcb_atom_t{XCB_NONE};
   }
 
-  /// The next event; nothing once the time is over or the display is gone.
+  /// The next event; null if the time is over or the display is gone.
   Reply<xcb_generic_event_t> Next() {
     constexpr int kStepMs = 10;
     while (xcb_connection_has_error(m_connection.get()) == 0) {
@@ -88,7 +88,7 @@ class Question {
     return event.response_type & ~kSentByAProgram;
   }
 
-  /// Whether the owner has a text of this kind; nothing when it does not say.
+  /// Whether the owner has a text of this kind; nullopt if it does not say.
   std::optional<bool> IsAnswered() {
     while (const auto event = Next()) {
       if (KindOf(*event) != XCB_SELECTION_NOTIFY) continue;
@@ -101,7 +101,7 @@ class Question {
     xcb_atom_t type = XCB_NONE;
     QByteArray bytes = Take(type);
     if (type != m_inPieces) return bytes;
-    // A long text comes in pieces: each is put there once the one before has been taken, the last is empty.
+    // A long text comes in pieces: each is stored after the previous one was read; the last is empty.
     QByteArray whole;
     while (const auto event = Next()) {
       if (KindOf(*event) != XCB_PROPERTY_NOTIFY) continue;
@@ -114,7 +114,7 @@ class Question {
     return std::nullopt;
   }
 
-  /// What the owner has put there, at most a megabyte of it; it is gone then.
+  /// Reads and deletes what the owner stored, at most a megabyte.
   QByteArray Take(xcb_atom_t& type) {
     constexpr std::uint32_t kMostWords = kMostBytes / 4;
     const auto asked = xcb_get_property(m_connection.get(), 1, m_window, m_property,
@@ -140,7 +140,7 @@ class Question {
 }  // namespace
 
 std::optional<QString> ClipboardText(InputHold& hold, QClipboard::Mode mode, int limitMs) {
-  // From the program itself, and on Wayland, nobody has to be waited for.
+  // For the program itself, and on Wayland, there is no owner to wait for.
   const QClipboard& clipboard = *QGuiApplication::clipboard();
   const bool own = mode == QClipboard::Selection ? clipboard.ownsSelection() : clipboard.ownsClipboard();
   if (QGuiApplication::platformName() != u"xcb" || own) return ClipboardTextFromQt(mode);

@@ -2,7 +2,7 @@
 
 namespace quarn {
 
-// The system has the text, or fetches it from its owner within the one call that asks.
+// The system has the text, or gets it from its owner within this one call.
 std::optional<QString> ClipboardText(InputHold& /*hold*/, QClipboard::Mode mode, int /*limitMs*/) {
   return ClipboardTextFromQt(mode);
 }

@@ -6,12 +6,12 @@
 namespace quarn {
 namespace {
 
-/// The least ratio at which text of a usual size is read without effort.
+/// The minimum ratio at which text of normal size is readable.
 constexpr double kReadable = 4.5;
-/// Below it white stands out more than black.
+/// Below this, white has more contrast than black.
 constexpr double kDarkBelow = 0.179;
 
-/// A channel of sRGB, 0 to 1, as light.
+/// Converts an sRGB channel, 0 to 1, to linear light.
 double LightOf(float intensity) {
   const auto channel = static_cast<double>(intensity);
   return channel <= 0.04045 ? channel / 12.92 : std::pow((channel + 0.055) / 1.055, 2.4);

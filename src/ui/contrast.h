@@ -4,11 +4,10 @@
 
 namespace quarn {
 
-/// How much two colours differ in brightness for the eye: from 1, not at all, to 21, black on white.
+/// The contrast of two colours, from 1 (none) to 21 (black on white).
 double ContrastRatio(const QColor& one, const QColor& other);
 
-/// This colour as it is where it can be read on that background; else as much lighter, or darker, as it
-/// takes.
+/// This colour if it is readable on that background; otherwise made lighter or darker until it is.
 QColor ReadableOn(const QColor& background, const QColor& colour);
 
 }  // namespace quarn

@@ -4,8 +4,8 @@
 
 namespace quarn {
 
-/// A button of a dialog. Some styles frame the default button as they frame the one with the focus; here the
-/// default button shows the focus by a line of its own.
+/// A button of a dialog. Some styles draw the default button like the one with the focus; here a line marks
+/// the focus on the default button.
 class DialogButton final : public QPushButton {
  public:
   using QPushButton::QPushButton;

@@ -6,8 +6,8 @@ class QWidget;
 
 namespace quarn {
 
-/// The common measure of the dialogs: dialog units of the window's font, and the distances that all of
-/// them keep. Sizes in units, results in pixels.
+/// The common measurements of the dialogs: dialog units of the window's font, and standard distances. Input
+/// in units, results in pixels.
 class DialogGrid {
  public:
   static constexpr int kMargin = 10;

@@ -15,7 +15,7 @@ EscapeKey& EscapeKey::OfProgram() {
 
 EscapeKey::EscapeKey() : QObject(QCoreApplication::instance()), m_focus(QGuiApplication::focusWindow()) {
   connect(qGuiApp, &QGuiApplication::focusWindowChanged, this, [this](QWindow* window) {
-    // Nobody tells of it when the window that had the keyboard is gone.
+    // There is no event when the window that had the keyboard is deleted.
     if (window == nullptr || m_focus.isNull()) m_down = false;
     m_focus = window;
   });
@@ -24,7 +24,7 @@ EscapeKey::EscapeKey() : QObject(QCoreApplication::instance()), m_focus(QGuiAppl
 
 bool EscapeKey::IsDown() {
   if (!m_down || QGuiApplication::focusWindow() == nullptr) return false;
-  // It may have been let go while another program had the keyboard for a moment.
+  // It may have been released while another program had the keyboard for a moment.
   m_down = IsKeyDown(m_scanCode).value_or(true);
   return m_down;
 }
@@ -34,10 +34,10 @@ void EscapeKey::StayInFront() { QCoreApplication::instance()->installEventFilter
 bool EscapeKey::eventFilter(QObject* receiver, QEvent* event) {
   const bool pressed = event->type() == QEvent::KeyPress;
   if ((!pressed && event->type() != QEvent::KeyRelease) || !receiver->isWindowType()) return false;
-  // What was held back and is handed on now says nothing of the key as it is now.
+  // Held events that are delivered now say nothing about the key's present state.
   if (!event->spontaneous()) return false;
   const auto& key = static_cast<const QKeyEvent&>(*event);
-  // Some systems tell of a repeat as of a release and a press.
+  // Some systems report a repeat as a release and a press.
   if (key.key() != Qt::Key_Escape || (!pressed && key.isAutoRepeat())) return false;
   m_down = pressed;
   m_scanCode = key.nativeScanCode();

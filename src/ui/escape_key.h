@@ -6,17 +6,17 @@
 
 namespace quarn {
 
-/// Whether the ESC key is down, from whichever window of the program it was pressed in. A key that is let go
-/// while another program has the keyboard tells nobody: the system is asked then, and where it does not say,
-/// the key counts as up once no window of ours has the keyboard. Its next repeat tells that it is down still.
-/// User-interface thread only; one for the program, gone with the application.
+/// Whether the ESC key is down, in whichever window of the program it was pressed. If the key is released
+/// while another program has the keyboard, no event arrives: then the system is asked. If it cannot say, the
+/// key counts as up once no window of ours has the keyboard; its next repeat shows that it is still down.
+/// User-interface thread only; one per program, deleted with the application.
 class EscapeKey final : public QObject {
  public:
   static EscapeKey& OfProgram();
 
   [[nodiscard]] bool IsDown();
-  /// Sees keys before every other filter of the application. To be called after a filter has been put there
-  /// that swallows keys.
+  /// Makes it see keys before all other filters of the application. Call this after installing a filter that
+  /// swallows keys.
   void StayInFront();
 
  protected:

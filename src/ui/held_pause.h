@@ -5,8 +5,8 @@
 
 namespace quarn {
 
-/// Waits while windows keep painting; keys and clicks are held and handed on in order afterwards, and no
-/// window's timer runs.
+/// Waits while windows keep painting. Keys and clicks are held and delivered in order afterwards, and window
+/// timers do not run.
 class HeldPause final : public Pause {
  public:
   void For(int ms) override;

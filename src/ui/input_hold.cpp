@@ -19,8 +19,8 @@ enum class Treatment { Pass, Keep, Drop };
 
 const QEvent::Type kHandOn = static_cast<QEvent::Type>(QEvent::registerEventType());
 
-/// Keys and pointers reach the program as events to its QWindows, which hand them on to widgets: they are
-/// caught at the window, once. What an input method commits goes to the widget with the focus.
+/// Key and pointer events reach the program at its QWindows, which pass them on to widgets: they are caught
+/// at the window, once. Input-method commits go to the widget with the focus.
 Treatment TreatmentOf(const QObject& receiver, QEvent::Type type) {
   switch (type) {
     case QEvent::KeyPress:
@@ -43,8 +43,8 @@ Treatment TreatmentOf(const QObject& receiver, QEvent::Type type) {
     case QEvent::DragEnter:
     case QEvent::DragMove:
     case QEvent::Drop:
-      return Treatment::Drop;  // their data is gone by the time they could be handed on
-    // A window paces its repaints with a timer of its own.
+      return Treatment::Drop;  // their data is gone by the time they could be delivered
+    // A window times its repaints with a timer of its own.
     case QEvent::Timer:
       return receiver.isWindowType() ? Treatment::Pass : Treatment::Drop;
     default:
@@ -71,7 +71,7 @@ int CodeOf(const QEvent& event) {
   }
 }
 
-/// The kind of event that begins what one of this kind ends; None when it ends nothing.
+/// The kind of event that starts what an event of this kind ends; None if it ends nothing.
 QEvent::Type BeginningOf(int type) {
   switch (type) {
     case QEvent::KeyRelease:
@@ -126,7 +126,7 @@ InputHold::~InputHold() = default;
 
 void InputHold::Begin() {
   m_holding = true;
-  // Typed ahead, and not yet looked at when the key in front of it began this hold.
+  // Typed ahead, and not processed yet when the key before it started this hold.
   m_escapePressed = std::any_of(m_held.begin(), m_held.end(), [](const Held& held) {
     return held.type == QEvent::KeyPress && held.code == Qt::Key_Escape;
   });
@@ -156,15 +156,15 @@ bool InputHold::event(QEvent* event) {
 }
 
 void InputHold::HandOn() {
-  // A key that is handed on may begin the next hold; what is left waits for its end then, in front of
-  // what comes meanwhile. It may also open a box with an event loop of its own that gets here again.
+  // A delivered key may start the next hold; the remaining events then wait for its end, before newer ones.
+  // It may also open a box, whose event loop calls this function again.
   if (m_holding || m_handingOn) return;
   m_handingOn = true;
   while (!m_held.empty() && !m_holding) {
     const Held held = std::move(m_held.front());
     m_held.pop_front();
     if (held.receiver.isNull()) continue;
-    // What it sets off may end the window to which this hold belongs.
+    // Its effect may delete the window to which this hold belongs.
     const QPointer<InputHold> self(this);
     QCoreApplication::sendEvent(held.receiver, held.make().get());
     if (self.isNull()) return;
@@ -175,7 +175,7 @@ void InputHold::HandOn() {
 
 bool InputHold::eventFilter(QObject* receiver, QEvent* event) {
   const Treatment treatment = TreatmentOf(*receiver, event->type());
-  // Between End and the handing on, newer input queues up behind the older; timers run again.
+  // Between End and the delivery, newer input queues up behind the older; timers run again.
   const bool queueing = !m_holding && !m_handingOn && !m_held.empty();
   if (!m_holding && !(queueing && treatment == Treatment::Keep)) return false;
   if (treatment == Treatment::Pass) return false;
@@ -188,8 +188,8 @@ void InputHold::Keep(QObject* receiver, const QEvent& event) {
   const QKeyEvent* key = AsKey(event);
   if (key != nullptr && key->isAutoRepeat()) return;
   if (event.type() == QEvent::KeyPress && key->key() == Qt::Key_Escape) m_escapePressed = true;
-  // The pointer's way does not matter, only where it stood at each click; keeping every step of it could
-  // fill memory during a long wait.
+  // Pointer moves do not matter, only the position of each click; keeping every move could fill memory during
+  // a long wait.
   if (event.type() == QEvent::MouseMove && !m_held.empty() && m_held.back().type == QEvent::MouseMove) {
     m_held.pop_back();
   }
@@ -202,7 +202,7 @@ void InputHold::DropTypeAhead() {
     const bool press = held.type == QEvent::MouseButtonDblClick;
     begun.insert({press ? int{QEvent::MouseButtonPress} : held.type, held.code});
     if (held.type == QEvent::Close || held.type == QEvent::Quit) return false;
-    // What was pressed before the hold must not stay down.
+    // Keys and buttons pressed before the hold must not stay down.
     const QEvent::Type beginning = BeginningOf(held.type);
     return beginning == QEvent::None || begun.contains({beginning, held.code});
   });

@@ -5,8 +5,8 @@
 
 namespace quarn {
 
-/// Whether the system says that a key is down, whoever has the keyboard; nothing where it does not say.
-/// `scanCode`: as key events have it; 0 when they had none.
+/// Whether the system reports the key as down, whoever has the keyboard; nullopt if it cannot say.
+/// `scanCode`: as in key events; 0 if they had none.
 std::optional<bool> IsKeyDown(quint32 scanCode);
 
 }  // namespace quarn

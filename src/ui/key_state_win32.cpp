@@ -2,7 +2,7 @@
 
 namespace quarn {
 
-// What the window procedures are told is enough: a window that loses the keyboard is told so at once.
+// The messages to the windows are enough: a window that loses the keyboard is notified at once.
 std::optional<bool> IsKeyDown(quint32 /*scanCode*/) { return std::nullopt; }
 
 }  // namespace quarn

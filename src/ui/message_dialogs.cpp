@@ -38,10 +38,10 @@ constexpr int kGapUnits = 4;
 constexpr int kButtonWidthUnits = 50;
 constexpr int kLeastTextWidthUnits = 120;
 constexpr QRect kPictureUnits{0, 0, 23, 20};
-/// A box takes no more of the screen than this, whatever it has to say.
+/// The largest share of the screen that a box uses.
 constexpr int kMostPercentOfScreen = 90;
 constexpr int kWholePercent = 100;
-/// Who types looks up no sooner than this from when a box has come up.
+/// The time a typing user needs to notice a new box.
 constexpr int kTypedBeforeMs = 500;
 
 QSize MostRoom() {
@@ -72,7 +72,7 @@ QLabel* PictureLabel(QWidget& parent) {
   return picture;
 }
 
-/// A text that is too tall for the screen. The keys scroll it once it has the focus, which a line around it
+/// A text that is too tall for the screen. Keys scroll it when it has the focus, which a line around it
 /// shows.
 class ScrolledText final : public QScrollArea {
  public:
@@ -209,7 +209,7 @@ void MessageDialog::keyPressEvent(QKeyEvent* event) {
 }
 
 QPushButton* MessageDialog::ButtonOfKey(const QKeyEvent& event) const {
-  // With Shift or Alt it is still the letter; a key held down since before the box came up is no answer.
+  // With Shift or Alt it is still the letter. A key held down since before the box opened does not answer.
   const Qt::KeyboardModifiers others = event.modifiers() & ~(Qt::ShiftModifier | Qt::AltModifier);
   if (m_comesByItself && !m_typedBefore.hasExpired()) return nullptr;
   if (m_buttons.size() < 2 || others != Qt::NoModifier || event.isAutoRepeat()) return nullptr;
@@ -280,7 +280,7 @@ void COneshotMsgPos::timerEvent(QTimerEvent* event) {
 }
 
 void COneshotMsgPos::keyPressEvent(QKeyEvent* event) {
-  // There is no button that Enter could press; it sends the box away as Escape does.
+  // There is no button for Enter; it closes the box as Escape does.
   if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
     accept();
     return;

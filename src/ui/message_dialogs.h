@@ -29,16 +29,16 @@ struct MessageButton {
   int controlId;
   const char* name;  ///< the control's object name
   QString text;
-  int result;  ///< what Answer gives after this button
+  int result;  ///< the result of Answer after this button
 };
 
-/// A small modal box: lines from top to bottom (empty ones take no room), buttons from left to right. The
-/// button of the answer by default has the focus; where there are two, the letter that a button begins with
-/// presses it, but not in the first half second of a box that comes by itself. The box grows with its text up
-/// to nine tenths of the screen; longer lines wrap, and what is still too tall scrolls. Nothing is clipped.
+/// A small modal box: lines from top to bottom (empty ones take no space), buttons from left to right. The
+/// default answer's button has the focus. If there are two buttons, the first letter of a button presses it,
+/// but not in the first half second of a box that opens without a user action. The box grows with its text up
+/// to nine tenths of the screen; longer lines wrap, and taller boxes scroll. Nothing is clipped.
 class MessageDialog : public PlacedDialog {
  public:
-  /// 0 until a button says otherwise; also after the close box or Escape.
+  /// 0 until a button sets it; also 0 after the close box or Escape.
   [[nodiscard]] int Answer() const { return m_answer; }
 
  protected:
@@ -52,16 +52,16 @@ class MessageDialog : public PlacedDialog {
   std::optional<QPoint> m_position;
 
  private:
-  /// The lines one below the other, in no more than `room`.
+  /// The lines below each other, within `room`.
   QWidget* CreateText(const std::vector<MessageLine>& lines, QSize room);
   QHBoxLayout* AddButtons(const std::vector<MessageButton>& buttons, AnswerByDefault byDefault);
-  /// The button that this key presses wherever the focus is; null when there is none.
+  /// The button that this key presses wherever the focus is; null if there is none.
   [[nodiscard]] QPushButton* ButtonOfKey(const QKeyEvent& event) const;
 
   std::vector<QPushButton*> m_buttons;
   QPushButton* m_defaultButton = nullptr;
   const bool m_comesByItself;
-  QDeadlineTimer m_typedBefore;  ///< until then a letter was meant for the window that was there before
+  QDeadlineTimer m_typedBefore;  ///< until then letters count as typed for the previous window
   int m_answer = 0;
 };
 
@@ -86,7 +86,7 @@ class CConfirmYesCancel final : public MessageDialog {
                     const QString& line2, AnswerByDefault byDefault = AnswerByDefault::Agree);
 };
 
-/// What the two simple questions ask when their caller has no text of its own.
+/// The text of the two simple questions if their caller gives none.
 inline constexpr char16_t kDefaultQuestion[] = u"OK to execute ?";
 
 /// One line with OK and CANCEL; Answer is 1 for OK.
@@ -110,7 +110,7 @@ class CConfirmYesNo final : public MessageDialog {
                 const QString& line2, AnswerByDefault byDefault = AnswerByDefault::Agree);
 };
 
-/// One line that closes by itself; Escape, Enter and the close box send it away earlier.
+/// One line that closes automatically; Escape, Enter and the close box close it earlier.
 class COneshotMsgPos final : public MessageDialog {
  public:
   static constexpr int kDisplayMs = 2000;

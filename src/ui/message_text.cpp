@@ -11,7 +11,7 @@ namespace {
 
 constexpr int kTabCharacters = 8;
 
-/// Every kind of line break as the one that a text layout knows.
+/// Converts every kind of line break to the one of a text layout.
 QString WithLayoutBreaks(QString text) {
   text.replace(QStringLiteral("\r\n"), QString(QChar::LineSeparator));
   text.replace(QLatin1Char('\r'), QChar::LineSeparator);
@@ -22,9 +22,9 @@ QString WithLayoutBreaks(QString text) {
 }  // namespace
 
 MessageText::MessageText(const QString& text, QWidget* parent) : QLabel(text, parent) {
-  // Some desktops give labels a font of their own; it has to be known before anything is measured.
+  // Some desktops use a special font for labels; it must be set before anything is measured.
   ensurePolished();
-  // Names of files and devices are shown as they are, whatever they look like.
+  // Names of files and devices are shown unchanged, even if they look like markup.
   setTextFormat(Qt::PlainText);
   setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
   QTextOption option;

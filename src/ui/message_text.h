@@ -6,14 +6,14 @@
 
 namespace quarn {
 
-/// Plain text that is never cut off: it wraps at the width it is given, between words where it can and
-/// inside one where it must (a path may have no blank). Line breaks and tabs in the text count. What text()
-/// gives, also to a screen reader, is the text as it was set.
+/// Plain text that is never cut off: it wraps at the given width, between words if possible, otherwise inside
+/// one (a path may have no blank). Line breaks and tabs in the text are respected. text() returns the text as
+/// it was set, also for a screen reader.
 class MessageText : public QLabel {
  public:
   MessageText(const QString& text, QWidget* parent);
 
-  /// The width of its longest line when nothing wraps, in pixels.
+  /// The width of its longest line without wrapping, in pixels.
   [[nodiscard]] int NaturalWidth() const { return m_naturalWidth; }
   /// Wraps at `width` pixels.
   void WrapAt(int width);

@@ -44,7 +44,7 @@ void PasteField::contextMenuEvent(QContextMenuEvent* event) {
   menu->addSeparator();
   add("Cu&t", QKeySequence::Cut, edits && hasSelectedText(), &QLineEdit::cut);
   add("&Copy", QKeySequence::Copy, hasSelectedText(), &QLineEdit::copy);
-  // Later: waiting for the text handles events, in which the menu would be deleted under its own feet.
+  // Delayed: waiting for the text processes events, which would delete the menu while it is in use.
   add("&Paste", QKeySequence::Paste, edits, [this] {
     QMetaObject::invokeMethod(
         this, [this] { PasteFrom(QClipboard::Clipboard); }, Qt::QueuedConnection);

@@ -7,12 +7,12 @@
 
 namespace quarn {
 
-/// A line edit that takes what is pasted from `source`, whichever way: with the keys, from its menu, with the
-/// middle button. Qt's own would freeze all windows for as long as another program does not hand over its
-/// text, even to find out whether its menu may offer "Paste".
+/// A line edit that gets pasted text from `source`, for all ways to paste: keys, menu, middle button. Qt's
+/// own line edit would freeze all windows while another program does not provide its text, even only to
+/// enable "Paste" in the menu.
 class PasteField final : public QLineEdit {
  public:
-  /// What is on the clipboard, or selected; nothing when there is nothing to be had.
+  /// The text on the clipboard, or the selected text; nullopt if there is none.
   using Source = std::function<std::optional<QString>(QClipboard::Mode)>;
   PasteField(QWidget* parent, Source source);
 

@@ -12,22 +12,22 @@ static void InitPictures() { Q_INIT_RESOURCE(pictures); }
 namespace quarn {
 namespace {
 
-/// Each window hands all of them to the window manager, pixel by pixel: larger ones make every window appear
-/// later. Where larger ones are shown they are the package's and the Windows program's own.
+/// Each window sends all sizes to the window manager, pixel by pixel: larger ones delay every window. Larger
+/// icons come from the package and from the Windows program's own resources.
 constexpr std::array kIconSides{16, 32, 48, 64};
 constexpr std::array kLogoWidths{64, 96, 128, 192};
 constexpr std::array kWarningWidths{36, 54, 72, 108};
 constexpr QSize kLogoShape{1, 1};
 constexpr QSize kWarningShape{9, 8};
 
-/// Told what it is, Qt loads no plugin to find out: start-up waits for its pictures.
+/// With the format given, Qt loads no plugin to detect it: start-up waits for its pictures.
 QPixmap Read(const char* name, int width) {
   QImageReader reader(QStringLiteral(":/pictures/%1-%2.png").arg(QLatin1String(name)).arg(width), "png");
   reader.setAutoDetectImageFormat(false);
   return QPixmap::fromImageReader(&reader);
 }
 
-/// The smallest that need not be enlarged; the largest when all are too small.
+/// The smallest that need not be enlarged; the largest if all are too small.
 int WidthToLoad(std::span<const int> widths, int wanted) {
   for (const int width : widths) {
     if (width >= wanted) return width;

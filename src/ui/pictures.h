@@ -6,16 +6,16 @@
 
 namespace quarn {
 
-/// The numbers under which the pictures are known.
+/// The numbers that identify the pictures.
 inline constexpr int kIconResource = 128;
 inline constexpr int kWarningResource = 142;
 inline constexpr int kLogoResource = 160;
 
-/// Makes the pictures readable. Every function below does so itself; calling it again costs nothing.
+/// Makes the pictures readable. Every function below does this itself; repeated calls are cheap.
 void LoadResources();
 
-// Each picture is kept in several sizes; the one that fits is decoded, and no other. What comes back fills
-// `room` (in device-independent pixels) as far as its proportions allow. User-interface thread only.
+// Each picture is stored in several sizes; only the best one is decoded. The result fills `room` (in
+// device-independent pixels) as far as its proportions allow. User-interface thread only.
 
 /// The square logo of the main dialog and the splash (160).
 QPixmap Logo(QSize room, double devicePixelRatio);

@@ -6,8 +6,8 @@
 
 namespace quarn {
 
-/// A dialog that is where it belongs each time it appears: centred on the screen, unless a kind of dialog
-/// knows better.
+/// A dialog that is placed each time it is shown: centred on the screen, unless a subclass places it
+/// elsewhere.
 class PlacedDialog : public QDialog {
  public:
   void setVisible(bool visible) override;

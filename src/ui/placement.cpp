@@ -25,7 +25,7 @@ QPoint PrimaryScreenOrigin() {
   return screen != nullptr ? screen->geometry().topLeft() : QPoint();
 }
 
-/// The frame of the window of ours that was asked about last, where it was known.
+/// The last known frame of one of our windows.
 QMargins& UsualFrame() {
   static QMargins frame{8, 31, 8, 8};
   return frame;

@@ -68,8 +68,8 @@ void PolledDialog::Plan() {
   const std::int64_t now = Now();
   m_ticks.Plan(m_closeAsked ? 0 : QuietTicks(), now);
   if (m_ticks.IsLate(now)) {
-    // It is about to come, unless its event was dropped: then it comes at its next interval, behind the input
-    // that was held back meanwhile.
+    // It will come soon, unless its event was dropped: then it comes at its next interval, after the held
+    // input.
     if (now - m_ticks.DueTime() >= kTickMs && m_timerDue) {
       m_timer.start(kTickMs, this);
       m_timerDue.reset();
@@ -92,7 +92,7 @@ void PolledDialog::timerEvent(QTimerEvent* event) {
   m_timerDue.reset();
   OnTick(m_ticks.Take(Now()));
   CloseIfPutOff();
-  // The loop that moves a window on Windows is not Qt's and tells nobody when it wakes.
+  // The loop that moves a window on Windows is not Qt's and gives no signal when it wakes.
   for (PolledDialog* dialog : TickingDialogs()) dialog->Plan();
 }
 

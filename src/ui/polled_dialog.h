@@ -11,19 +11,19 @@
 
 namespace quarn {
 
-/// A modeless window that looks every 100 ms at what the others ask of it. Where it can tell that there will
-/// be nothing to see, it sleeps over ticks: a wake-up costs more than all that a tick does. Everything a tick
-/// looks at changes either with time or while this thread handles an event, so the sleep is planned anew
-/// whenever the event loop goes to sleep or wakes. User-interface thread only.
+/// A modeless window that checks every 100 ms what other windows request. It skips ticks that have nothing to
+/// do, because a wake-up costs more than a tick's work. Everything a tick checks changes either with time or
+/// while this thread handles an event, so the next tick is planned again whenever the event loop goes to
+/// sleep or wakes. User-interface thread only.
 ///
-/// Whoever asks it to close, by request, by its close box or at the program's end: while it is busy, or while
-/// a box stands over it, it stays and closes at a tick after that. Who uses it after an event loop of a box
-/// or a wait finds it still there.
+/// A request to close (a flag, the close box, the program's end) is delayed while the window is busy or under
+/// a box; the window then closes at a later tick. So code that runs an event loop of a box or a wait finds
+/// its window still there afterwards.
 class PolledDialog : public QDialog {
  public:
   static constexpr int kTickMs = TickPlan::kTickMs;
 
-  /// The window is busy for as long as one of these lives: it does something that may run an event loop.
+  /// The window is busy while an object exists: it does something that may run an event loop.
   class Busy {
    public:
     explicit Busy(PolledDialog& window) : m_window(window) { ++m_window.m_busy; }
@@ -37,25 +37,25 @@ class PolledDialog : public QDialog {
 
   ~PolledDialog() override;
 
-  /// It is wanted again: a close that has been put off does not follow.
+  /// Cancels a delayed close.
   void WithdrawClose();
   void done(int result) override;
-  /// Before it is shown: `place` moves it to where it belongs, and does so again when its frame is known.
+  /// Call before it is shown: `place` moves it to its place, and does so again when its frame is known.
   void Put(std::function<void()> place) { m_place.Put(std::move(place)); }
 
  protected:
   explicit PolledDialog(QWidget* parent = nullptr);
   void StartTicks();
   void StopTicks();
-  /// `ticks`: how many of 100 ms this one stands for, more than one after some were slept over.
+  /// `ticks`: the number of 100 ms ticks that this call stands for; more than one if some were skipped.
   virtual void OnTick(int ticks) = 0;
-  /// How many of the ticks that follow the last one would find nothing to do, as things stand;
-  /// TickPlan::kUntilWoken when only an event can change that. Asked often.
+  /// How many of the next ticks would have nothing to do, in the current state; TickPlan::kUntilWoken if only
+  /// an event can change that. Called often.
   [[nodiscard]] virtual int QuietTicks() const { return 0; }
   [[nodiscard]] bool IsBusy() const { return m_busy > 0; }
-  /// Whether a request to close has to wait.
+  /// Whether a request to close must be delayed.
   [[nodiscard]] bool HasToStay() const;
-  /// Closes if that was put off and nothing is in its way any longer.
+  /// Closes if a close was delayed and nothing prevents it any more.
   void CloseIfPutOff();
   bool event(QEvent* event) override;
   void timerEvent(QTimerEvent* event) override;
@@ -66,10 +66,10 @@ class PolledDialog : public QDialog {
   WindowPlace m_place{*this};
   QBasicTimer m_timer;
   TickPlan m_ticks;
-  std::optional<std::int64_t> m_timerDue;  ///< what the timer is set to
+  std::optional<std::int64_t> m_timerDue;  ///< the time the timer is set to
   std::array<QMetaObject::Connection, 2> m_connections;
   int m_busy = 0;
-  bool m_closeAsked = false;  ///< while it had to stay
+  bool m_closeAsked = false;  ///< while the close had to be delayed
 };
 
 }  // namespace quarn

@@ -5,9 +5,9 @@
 
 namespace quarn {
 
-/// Tab goes to the chosen button of a group and passes over the others, which the arrow keys reach. To be
-/// called when the program has chosen; it keeps up with the person by itself. With nothing chosen Tab reaches
-/// every one.
+/// Makes Tab go to the checked button of a group and skip the others, which the arrow keys reach. Call this
+/// after the program has checked a button; changes by the user are followed automatically. If none is
+/// checked, Tab reaches all.
 inline void LeadTabToTheChosen(const QButtonGroup& group) {
   const QAbstractButton* chosen = group.checkedButton();
   for (QAbstractButton* each : group.buttons()) {

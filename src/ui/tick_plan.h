@@ -7,12 +7,12 @@
 
 namespace quarn {
 
-/// Which of a window's ticks it has to wake up for. Tick n is n times 100 ms after the start; one that would
-/// find nothing to do is let pass, and counted with the next.
+/// Decides which ticks a window must wake up for. Tick n is n times 100 ms after the start; a tick with
+/// nothing to do is skipped and counted with the next.
 class TickPlan {
  public:
   static constexpr int kTickMs = 100;
-  /// As a number of quiet ticks: until something happens.
+  /// As a number of quiet ticks: until an event occurs.
   static constexpr int kUntilWoken = std::numeric_limits<int>::max();
 
   /// `now` here and below: milliseconds since any fixed moment.
@@ -22,9 +22,8 @@ class TickPlan {
     m_due.reset();
   }
 
-  /// Plans the next tick, given that the next `quiet` ones after the last would find nothing to do. Never one
-  /// that has gone by, but one that was planned and is late stays: a loop that is always late would
-  /// otherwise never get to it.
+  /// Plans the next tick, if the next `quiet` ones after the last have nothing to do. Never plans a past
+  /// tick, but keeps a planned one that is late: otherwise a loop that is always late would never reach it.
   void Plan(int quiet, std::int64_t now) {
     if (IsLate(now)) return;
     if (quiet == kUntilWoken) {
@@ -35,12 +34,12 @@ class TickPlan {
   }
 
   [[nodiscard]] bool HasDue() const { return m_due.has_value(); }
-  /// When the planned tick is; it may be over.
+  /// The time of the planned tick; it may be in the past.
   [[nodiscard]] std::int64_t DueTime() const { return m_start + m_due.value_or(0) * kTickMs; }
   [[nodiscard]] bool IsLate(std::int64_t now) const { return m_due && *m_due <= TickAt(now); }
 
-  /// The planned tick is there. How many it stands for: itself and those that were let pass before it. What
-  /// was missed because it came late does not count.
+  /// Call at the planned tick. Returns how many ticks it stands for: itself and the skipped ones before it,
+  /// but not those missed because it came late.
   int Take(std::int64_t now) {
     const std::int64_t due = m_due.value_or(m_last + 1);
     const std::int64_t ticks = due - m_last;

@@ -10,7 +10,7 @@
 namespace quarn {
 namespace {
 
-/// What the style puts around the text, at most.
+/// The maximum margin that a style adds around the text.
 constexpr int kSurroundings = 40;
 
 QString OnOneLine(QString text) {
@@ -40,7 +40,7 @@ int RoomFor(const QWidget& widget, const QFontMetrics& metrics) {
 void SetPlainToolTip(QWidget& widget, const QString& text, Qt::TextElideMode cut) {
   const QFontMetrics metrics(QToolTip::font());
   const QString shown = metrics.elidedText(OnOneLine(text), cut, RoomFor(widget, metrics));
-  // A tool tip has no format to be set: what looks like markup would be taken for it.
+  // A tool tip has no format setting: text that looks like markup would be treated as markup.
   widget.setToolTip(
       Qt::mightBeRichText(shown)
           ? QStringLiteral("<span style=\"white-space:pre\">%1</span>").arg(shown.toHtmlEscaped())

@@ -9,7 +9,7 @@
 namespace quarn {
 namespace {
 
-/// What the person answered to a box made from these, which is gone by then.
+/// The user's answer to a box created with these arguments; the box is deleted afterwards.
 template <typename Box, typename... Parts>
 int AnswerTo(const Parts&... parts) {
   Box box(nullptr, parts...);
@@ -54,7 +54,8 @@ void WindowMessages::ShowTransientMessage(const QString& text, std::optional<QPo
 void WindowMessages::ShowPlainMessage(const QString& text) {
   QMessageBox box(QMessageBox::NoIcon, QString::fromLatin1(identity::kName), text, QMessageBox::Ok);
   box.setTextFormat(Qt::PlainText);
-  // Before this program has a window, another one's may lie over everything: the first start's splash.
+  // Before this program has a window, another program's window may cover everything: the splash of a first
+  // Quarn.
   if (WindowForBox() == nullptr) box.setWindowFlag(Qt::WindowStaysOnTopHint);
   RunBox(box);
 }

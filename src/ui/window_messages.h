@@ -4,7 +4,7 @@
 
 namespace quarn {
 
-/// Messages as real boxes over the window that is active. That window may close, or be gone, when the call
+/// Messages as real boxes over the active window. That window may be closing, or closed, when the call
 /// returns.
 class WindowMessages final : public MessageOperations {
  public:

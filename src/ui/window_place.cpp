@@ -13,11 +13,11 @@ namespace quarn {
 namespace {
 
 constexpr int kLookMs = 10;
-// Nothing tells of the frame's coming. Some window managers put it there long after the window's first paint;
-// one that has put none until then has none.
+// There is no event for the frame. Some window managers add it long after the window's first paint; if there
+// is none by this time, the window has none.
 constexpr int kFrameMs = 1000;
 constexpr int kLookingMs = 5000;
-/// With a desktop that scales, a place comes back rounded.
+/// On a scaled desktop a position comes back rounded.
 constexpr int kRounding = 2;
 
 }  // namespace
@@ -25,7 +25,7 @@ constexpr int kRounding = 2;
 void WindowPlace::Put(std::function<void()> place) {
   m_place = std::move(place);
   m_window.ensurePolished();
-  // A size that changes later would be taken for a move, by the frame's width.
+  // A later change of the size would look like a move, because of the frame's width.
   if (m_window.layout() != nullptr) m_window.layout()->activate();
   Move();
   m_window.installEventFilter(this);
@@ -67,8 +67,7 @@ void WindowPlace::Look() {
     return;
   }
   if (asReckoned || !IsFrameKnown(m_window)) return;
-  // Its place and its frame come from the system one after the other: until they fit, there is nothing to
-  // see.
+  // The system reports position and frame one after the other: until they match, wait.
   const QPoint stands = window->framePosition();
   if (m_window.pos() == stands && (stands - m_at).manhattanLength() <= kRounding) Move();
 }

@@ -11,15 +11,15 @@ class QWidget;
 
 namespace quarn {
 
-/// Puts a window where it belongs: before it is shown, so that it does not appear elsewhere first, by the
-/// frame that other windows of ours have; and again when its own frame turns out to be another, unless
-/// somebody has moved the window meanwhile. Belongs to its window. User-interface thread only.
+/// Places a window: before it is shown, so that it does not appear elsewhere first, with the frame size of
+/// our other windows; and again when its own frame turns out to be different, unless the user has moved the
+/// window. Belongs to its window. User-interface thread only.
 class WindowPlace final : public QObject {
  public:
   explicit WindowPlace(QWidget& window) : m_window(window) {}
 
-  /// `place` moves the window, whose size is final by then, to where it belongs with the frame that FrameOf
-  /// tells at the time.
+  /// `place` moves the window, whose size is final by then, using the frame that FrameOf returns at that
+  /// time.
   void Put(std::function<void()> place);
 
  protected:
@@ -33,8 +33,8 @@ class WindowPlace final : public QObject {
 
   QWidget& m_window;
   std::function<void()> m_place;
-  QPoint m_at;       ///< where it has been put
-  QMargins m_frame;  ///< with which frame in mind
+  QPoint m_at;       ///< the position it was given
+  QMargins m_frame;  ///< the frame assumed for it
   QBasicTimer m_timer;
   QDeadlineTimer m_frameDue;
   QDeadlineTimer m_end;

@@ -24,15 +24,15 @@ void TellFailed(const DialogContext& context, const QString& port, FailureSenten
                                       QStringLiteral("Check \"Detailed COM Port List\"."));
 }
 
-/// From here on this is the port, also for the next start.
+/// Makes this the current port, also for the next start.
 void TakeAsCurrent(const DialogContext& context, const QString& port) {
   context.settings.comPort = port;
   context.state.currentPortName = port;
   StoreValues(context.workingSettingsFile, {{keys::kComPort, port}}, context.Messages());
 }
 
-/// The watch on the ports rests while this is there: until the choice is complete it would compare what
-/// has been opened with the name of the port before.
+/// The port monitor pauses while this exists: until the choice is complete it would compare the opened line
+/// with the name of the previous port.
 class UnderWay {
  public:
   explicit UnderWay(SharedState& state) : m_state(state) { m_state.portBeingChosen = true; }

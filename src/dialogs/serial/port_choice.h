@@ -7,24 +7,24 @@
 
 namespace quarn {
 
-/// Puts a status ("" for none) into the title of the window in which the port was chosen.
+/// Shows a status ("" for none) in the title of the window in which the port was selected.
 using TitleStatus = std::function<void(const QString& status)>;
 
-/// Whether the sentence that a connect has failed ends with a full stop: the two dialogs differ in it.
+/// Whether the message about a failed connect ends with a full stop: the two dialogs differ.
 enum class FailureSentence { WithFullStop, WithoutFullStop };
 
-// What follows the choice of a port. User-interface thread; each returns when its messages are gone. Keys
-// and clicks that come during the wait for the line are held back, and a message box is in front of every
-// window after that: no second choice gets in between.
+// What happens after a port is selected. User-interface thread; each returns when its messages are closed.
+// Keys and clicks during the wait for the line are held, and then a message box is in front of every window,
+// so there can be no second choice meanwhile.
 
-/// Gives up the line that is open and connects to `port`, and tells how it went. After a success the port
-/// is the current one, in the settings and in the working settings file, too. After a failure the former
-/// port is opened again, and counts as connected even where that fails.
+/// Closes the open line, connects to `port` and shows the result. After a success the port is the current
+/// one, also in the settings and in the working settings file. After a failure the previous port is opened
+/// again, and counts as connected even if that fails.
 bool ConnectToChosenPort(const DialogContext& context, const QString& port, FailureSentence sentence,
                          const TitleStatus& titleStatus);
 
-/// Gives up the line and the configured port: NONE becomes the current port, in the settings and in the
-/// working settings file, too. Tells so.
+/// Closes the line and deselects the port: NONE becomes the current port, also in the settings and in the
+/// working settings file. Shows a message.
 void ChooseNoPort(const DialogContext& context);
 
 }  // namespace quarn

@@ -33,8 +33,8 @@ constexpr std::array<RowIds, kPortRowCount> kRowIds{{
     {1067, 1072}, {1073, 1078}, {1074, 1079}, {1075, 1080}, {1076, 1081}, {1077, 1082},
 }};
 
-/// The description in this width. Where it is too long the product gives way: the path, what stops the port
-/// from opening and the port's name stay.
+/// The description in this width. If it is too long, the product is cut: the path, the reason why the port
+/// cannot be opened, and the port's name stay.
 QString FittingDescription(const QString& description, const QFontMetrics& metrics, int width) {
   if (metrics.horizontalAdvance(description) <= width) return description;
   const QString rest = description.mid(std::max<qsizetype>(description.lastIndexOf(QLatin1String(" - ")), 0));
@@ -90,14 +90,14 @@ void CPortDetails::ShowList() {
   const PortSituation situation = Situation();
   FriendlyNameTable names;
   std::int32_t count = 0;
-  // Without them a row says its port's name.
+  // Without them a row shows its port's name.
   EnumeratePorts(Context().portSource, names, count);
   m_shown = PortRowsOf(situation.ports, names);
   ShowTitle(QString());
   m_status->setText(PortListStatus(situation));
   LayOut();
   FillRows();
-  // What is marked is what is selected, but for a click that has not been looked at yet.
+  // The marked row is the selected one, except for a click that has not been processed yet.
   if (!m_rowClicked) m_selected = situation.current;
   Mark(situation.current);
   ApplySetRule(situation.current);
@@ -158,7 +158,7 @@ void CPortDetails::ApplySetRule(const QString& port) {
 void CPortDetails::ClickRow(int index) {
   if (index >= m_shown.size()) return;
   if (std::exchange(Requests().suppressNextClick, false)) {
-    Mark(m_selected);  // the click itself has marked its row
+    Mark(m_selected);  // the click has already marked its row
     return;
   }
   m_selected = m_shown[index].port;

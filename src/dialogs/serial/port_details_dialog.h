@@ -12,8 +12,8 @@ class QScrollArea;
 
 namespace quarn {
 
-/// Detailed COM Port List: picks the port by what the system says of it. One row for each port present; the
-/// window's height follows their number up to the screen's, then they scroll.
+/// Detailed COM Port List: selects the port by its description. One row for each port present; the window's
+/// height grows with their number up to the screen's, then the list scrolls.
 class CPortDetails final : public PortDialog {
  public:
   CPortDetails(QWidget* owner, const DialogContext& context);
@@ -33,16 +33,16 @@ class CPortDetails final : public PortDialog {
 
   void CreateControls();
   void CreateRow(int index);
-  /// Reads the ports anew and shows the current one.
+  /// Reads the ports again and shows the current one.
   void ShowList();
-  /// The current port as the one that is selected, in the rows that are there.
+  /// Selects the current port in the existing rows.
   void ShowCurrentPort();
   void ShowTitle(const QString& status);
   void FillRows();
   void LayOut();
   [[nodiscard]] int ClientHeight(int rowsTop) const;
   void KeepOnScreen();
-  /// Checks the row of this port, and no other.
+  /// Checks the row of this port, and unchecks the others.
   void Mark(const QString& port);
   void ShowMarkedRow();
   void ApplySetRule(const QString& port);

@@ -1,4 +1,4 @@
-// Where the Detailed COM Port List puts its rows, and how high they make it.
+// The layout of the rows of the Detailed COM Port List, and its height.
 
 #include <QLabel>
 #include <QPushButton>
@@ -66,7 +66,7 @@ void CPortDetails::LayOut() {
   }
   const bool any = !m_shown.isEmpty();
   const int below = std::max(kBelowRows - m_frame.top() - m_frame.bottom(), measure.Height(DialogGrid::kGap));
-  // A little nearer to the rows than to the edge.
+  // Slightly nearer to the rows than to the edge.
   const int buttonsTop = height - below * 2 / 3 - rowHeight;
   const int rows = static_cast<int>(m_shown.size());
   const int rowsSeen = std::min(rows, (height - below - rowHeight - rowsTop) / pitch);

@@ -14,13 +14,13 @@ namespace quarn {
 /// the wait for the line); until it is over a second command is dropped.
 class PortDialog : public ModelessWindow {
  public:
-  /// Escape is the close box.
+  /// Escape acts like the close box.
   void reject() final;
 
  protected:
   PortDialog(QWidget* owner, const DialogContext& context, Window window, const QString& name);
 
-  /// Runs the operation unless one is under way. A close that was asked for meanwhile follows it.
+  /// Runs the operation unless one is running. A close requested meanwhile follows it.
   void Perform(const std::function<void()>& operation);
   QPushButton* AddButton(const char* name, const QString& text, int controlId,
                          const std::function<void()>& operation);

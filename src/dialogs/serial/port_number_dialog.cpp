@@ -119,7 +119,7 @@ void CPortNum::Set() {
   }
   Apply();
   ShowListChange();
-  // Nothing is left to set, and a click that was held back must not do it again.
+  // There is nothing left to set, and a held click must not do it again.
   m_set->setEnabled(IsSetEnabled(Situation(), m_selection));
   Requests().refresh.Add(Window::PortNumber);
 }

@@ -6,7 +6,7 @@ class QComboBox;
 
 namespace quarn {
 
-/// COM Port Number: picks the port by its number, or none. Follows the ports present.
+/// COM Port Number: selects the port by its number, or none. Follows the ports present.
 class CPortNum final : public PortDialog {
  public:
   CPortNum(QWidget* owner, const DialogContext& context);
@@ -19,12 +19,12 @@ class CPortNum final : public PortDialog {
  private:
   void CreateControls();
   void Fill();
-  /// Shows a choice that is the dialog's own, not the person's.
+  /// Shows a choice made by the dialog, not by the user.
   void Show(const PortChoice& choice);
   void ShowTitle(const QString& status);
   void ShowListChange();
   void PickItem();
-  /// The choice as the control shows it.
+  /// The choice shown by the control.
   void ReadControls();
   void Set();
   void Apply();

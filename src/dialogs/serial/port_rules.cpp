@@ -50,7 +50,7 @@ QList<PortRow> PortRowsOf(const QStringList& ports, const FriendlyNameTable& fri
     const auto found = std::find_if(unused.begin(), unused.end(),
                                     [&](const QString& each) { return ShortPortName(each) == port; });
     rows.append({port, found == unused.end() ? port : *found});
-    // Two devices of one name have a row each.
+    // Two devices with the same name have a row each.
     if (found != unused.end()) unused.erase(found);
   }
   return rows;

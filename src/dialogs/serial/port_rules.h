@@ -10,7 +10,7 @@
 #include "settings/setting_values.h"
 #include "settings/settings_record.h"
 
-// What the port dialogs decide, as values: no window, no line. Pure functions, any thread.
+// The decisions of the port dialogs, as values: no window, no line. Pure functions, any thread.
 
 namespace quarn {
 
@@ -25,7 +25,7 @@ PortSituation SituationOf(const SharedState& state, const PortConnection& connec
 
 // Port Number.
 
-/// What the dialog shows: the selected port or NONE, and whether SET can be pressed.
+/// The content of the dialog: the selected port or NONE, and whether SET is enabled.
 struct PortChoice {
   QString selection;
   bool setEnabled = false;
@@ -35,15 +35,15 @@ struct PortChoice {
 
 PortChoice ChoiceAtOpening(const PortSituation& situation);
 PortChoice ChoiceAtListChange(const PortSituation& situation);
-/// Right after the person has picked `item`; the next look at the controls judges by IsSetEnabled.
+/// Right after the user has selected `item`; later IsSetEnabled decides.
 PortChoice ChoiceOfItem(const PortSituation& situation, const QString& item);
-/// SET offers what is not so already: another choice than the current port, or that port unconnected.
+/// SET is enabled for a change: another port than the current one, or that port if it is not connected.
 bool IsSetEnabled(const PortSituation& situation, const QString& selection);
-/// Whether OK has something to apply: the person has picked something else than the dialog had put there
-/// (`atRest`), and it is not so already.
+/// Whether OK has something to apply: the user has selected something else than the dialog (`atRest`), and it
+/// is not the current state.
 bool IsChangePending(const PortSituation& situation, const QString& selection, const QString& atRest);
-/// "Quarn - COM Port Number (COM3)  ". With a status the title is the shorter "Quarn - (COM3)  " and the
-/// status, so that this small window can show it.
+/// "Quarn - COM Port Number (COM3)  ". With a status, the shorter "Quarn - (COM3)  " and the status, so that
+/// it fits this small window.
 QString PortNumberTitle(const PortSituation& situation, const QString& status);
 
 // Detailed COM Port List.
@@ -52,15 +52,15 @@ inline constexpr int kPortRowCount = 30;
 
 struct PortRow {
   QString port;
-  QString description;  ///< the friendly name; the port's name where the system gives none
+  QString description;  ///< the friendly name; the port's name if the system has none
 };
 
-/// One row for each of the first 30 names of the list, with the friendly name that carries that very
+/// One row for each of the first 30 names of the list, with the friendly name that contains exactly this
 /// short name.
 QList<PortRow> PortRowsOf(const QStringList& ports, const FriendlyNameTable& friendlyNames);
 /// The row of this port, if it has one.
 std::optional<int> RowOf(const QList<PortRow>& rows, const QString& port);
-/// Whether SET can be pressed when `name` is marked.
+/// Whether SET is enabled when `name` is selected.
 bool IsRowSetEnabled(const PortSituation& situation, const QString& name);
 QString PortListStatus(const PortSituation& situation);
 QString PortDetailsTitle(const PortSituation& situation, const QString& status);

@@ -8,8 +8,8 @@ class QComboBox;
 
 namespace quarn {
 
-/// COM Port Settings: the four parameters of the line. SET and OK take them into force, DEFAULT goes back
-/// to those of a fresh file.
+/// COM Port Settings: the four parameters of the line. SET and OK apply them, DEFAULT resets them to the
+/// defaults.
 class CPortSettings final : public PortDialog {
  public:
   CPortSettings(QWidget* owner, const DialogContext& context);
@@ -24,16 +24,16 @@ class CPortSettings final : public PortDialog {
   void CreateButtons();
   void ShowValues();
   void PickItem(int field);
-  /// The working values become the settings in force, here and in the working settings file.
+  /// Applies the working values to the current settings and to the working settings file.
   void Store();
-  /// Closes the line and opens it anew with the settings in force.
+  /// Closes the line and reopens it with the current settings.
   bool Reconnect(const SettingsRecord& settings);
   void Set();
   void RestoreDefaults();
   void PressOk();
 
   LineValues m_working;
-  LineValues m_taken;  ///< the values in force when the working ones were taken from them
+  LineValues m_taken;  ///< the current values when the working ones were copied from them
   std::array<QComboBox*, kFieldCount> m_fields{};
 };
 

@@ -4,7 +4,7 @@
 
 namespace quarn {
 
-/// How a command ends, how much of an answer is kept, and how patient the port is.
+/// Command Format: delimiter, buffer size, port speed and time-out.
 class CCommandFormat final : public OptionDialog {
  public:
   CCommandFormat(QWidget* owner, const DialogContext& context);

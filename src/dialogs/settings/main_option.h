@@ -4,7 +4,7 @@
 
 namespace quarn {
 
-/// Where the main dialog comes up the next time. It is not moved.
+/// Main Dialog Option: where the main dialog is shown at the next start. It does not move now.
 class CMainOption final : public OptionDialog {
  public:
   CMainOption(QWidget* owner, const DialogContext& context);

@@ -45,7 +45,7 @@ QButtonGroup* OptionButtons::GroupOf(QWidget& dialog, SettingsKey key) {
   for (QButtonGroup* group : m_groups) {
     if (group->objectName() == name) return group;
   }
-  // Grouped for the arrow keys; which one is checked is for the settings to say.
+  // Grouped for the arrow keys; the settings decide which one is checked.
   auto* group = new QButtonGroup(&dialog);
   group->setObjectName(name);
   m_groups.push_back(group);
@@ -53,7 +53,7 @@ QButtonGroup* OptionButtons::GroupOf(QWidget& dialog, SettingsKey key) {
 }
 
 void OptionButtons::Refresh(const SettingsRecord& settings) {
-  // A group that insists on a choice would keep the old one for a value that no button stands for.
+  // An exclusive group would keep the old button for a value without a button.
   for (QButtonGroup* group : m_groups) group->setExclusive(false);
   for (std::size_t i = 0; i < m_table.size(); ++i) {
     const OptionButton& option = m_table[i];

@@ -13,7 +13,7 @@ class QWidget;
 
 namespace quarn {
 
-/// One button of a dialog that edits settings, and what it stands for.
+/// One button of an option dialog, and the setting it stands for.
 struct OptionButton {
   enum Kind { Radio, Check };
   int controlId;
@@ -25,19 +25,19 @@ struct OptionButton {
   OptionChange change;
 };
 
-/// The buttons of a table: created, kept as the live settings say, and their clicks handed on. Radio
-/// buttons of one key belong together. The buttons belong to the dialog.
+/// The buttons of a table: creates them, shows the current settings in them, and passes on their clicks.
+/// Radio buttons of one key form a group. The buttons belong to the dialog.
 class OptionButtons {
  public:
   using Clicked = std::function<void(const OptionButton&, const QString& value)>;
 
   OptionButtons(QWidget& dialog, std::span<const OptionButton> table, Clicked clicked);
 
-  /// Shows the record: of the radio buttons those with the field's value, be it none; a check box when its
-  /// field is "ON".
+  /// Shows the record: checks the radio buttons with the field's value, if any; a check box if its field is
+  /// "ON".
   void Refresh(const SettingsRecord& settings);
 
-  /// A radio button that has the focus and is not the chosen one of its group leaves it to that one.
+  /// If a radio button has the focus but is not the checked one of its group, moves the focus to that one.
   void LeadFocusToTheChosen();
 
   [[nodiscard]] std::span<const OptionButton> Table() const { return m_table; }

@@ -8,30 +8,30 @@
 
 namespace quarn {
 
-/// What a choice does: a field of the live settings and its key in the working settings file.
+/// The target of a choice: a field of the current settings and its key in the working settings file.
 struct OptionBinding {
   SettingsField field;
   SettingsKey key;
 };
 
-// How a setting takes a new value; each takes effect at once. The dialog shows the live settings again
-// afterwards: a change that was refused leaves them as they were. User-interface thread only. Each may show a
-// message, and with it run an event loop.
+// Changes of settings; each takes effect at once. Afterwards the dialog shows the current settings again,
+// because a refused change leaves them unchanged. User-interface thread only. Each may show a message, which
+// runs an event loop.
 
 using OptionChange = void (*)(const DialogContext&, const OptionBinding&, const QString& value);
 
-/// Sets the field and writes the key, also when the value is not a new one.
+/// Sets the field and writes the key, even if the value has not changed.
 void StoreOption(const DialogContext& context, const OptionBinding& option, const QString& value);
 
-/// The same for what the Terminal Screen shows: it draws itself anew.
+/// The same for settings that the Terminal Screen shows: it redraws itself.
 void StoreShownOption(const DialogContext& context, const OptionBinding& option, const QString& value);
 
-/// PORT_SPEED. An open port takes the new time-outs at once; when it refuses, the former speed stays in
-/// force, nothing is written and an error tells. The value in force already changes nothing.
+/// PORT_SPEED. Sets the new time-outs of an open port at once. If the port refuses, the previous speed stays,
+/// nothing is written and an error is shown. The current value changes nothing.
 void ChangePortSpeed(const DialogContext& context, const OptionBinding& option, const QString& value);
 
-/// INPUT_MAX. An open Terminal Screen loses its log with the change, so that it is asked for first. The
-/// value in force already changes nothing.
+/// INPUT_MAX. An open Terminal Screen loses its log with the change, so the user is asked first. The current
+/// value changes nothing.
 void ChangeInputMax(const DialogContext& context, const OptionBinding& option, const QString& value);
 
 }  // namespace quarn

@@ -13,7 +13,7 @@ namespace {
 
 constexpr int kColumns = 6;  ///< a label, at most four radio buttons, and the room to the right
 
-/// A label's words without the hyphens that lead to its buttons.
+/// A label's words without the hyphens before its buttons.
 QString WordsOf(QString label) {
   while (label.endsWith(u'-') || label.endsWith(u' ')) label.chop(1);
   return label;
@@ -36,7 +36,7 @@ OptionDialog::OptionDialog(QWidget* owner, const DialogContext& context, const O
 void OptionDialog::CreateLayout() {
   const DialogGrid units(*this);
   const int margin = units.Width(DialogGrid::kMargin);
-  // Two boxes, one in the other: each keeps one of the two least measures.
+  // Two nested layouts: each keeps one of the two minimum sizes.
   auto* outer = new QHBoxLayout(this);
   outer->setSizeConstraint(QLayout::SetFixedSize);
   outer->setContentsMargins(margin, margin, margin, margin);
@@ -55,7 +55,7 @@ void OptionDialog::CreateLayout() {
   column->addStretch();
   QPushButton* ok = CreateOkButton();
   column->addWidget(ok, 0, Qt::AlignRight);
-  // Not on a button whose press would change a setting at once.
+  // Not on a button that would change a setting at once.
   ok->setFocus();
 }
 
@@ -68,7 +68,7 @@ void OptionDialog::AddRows(QGridLayout& grid) {
     QAbstractButton& button = m_buttons.Button(i);
     const bool kindChanges = i > 0 && table[i - 1].kind != option.kind;
     if (kindChanges) {
-      // The grid puts a gap on one side of an empty row only.
+      // The grid adds a gap on only one side of an empty row.
       grid.setRowMinimumHeight(++row, DialogGrid(*this).Height(DialogGrid::kGroupGap - DialogGrid::kGap));
     }
     if (option.kind == OptionButton::Check) {
@@ -91,7 +91,7 @@ void OptionDialog::AddLabel(QGridLayout& grid, int row, SettingsKey key) {
     label->setObjectName(WordsOf(label->text()));
     label->setAccessibleName(WordsOf(label->text()));
     grid.addWidget(label, row, 0);
-    // The group's name is part of what its buttons say to those who hear them one by one.
+    // For screen readers, the group's name is part of each button's name.
     for (std::size_t i = 0; i < m_buttons.Table().size(); ++i) {
       if (!(m_buttons.Table()[i].binding.key == key)) continue;
       QAbstractButton& button = m_buttons.Button(i);
@@ -116,7 +116,7 @@ void OptionDialog::Change(const OptionButton& option, const QString& value) {
     option.change(m_context, option.binding, value);
   }
   Refresh();
-  // A change that was refused leaves the button that was clicked unchecked.
+  // A refused change leaves the clicked button unchecked.
   m_buttons.LeadFocusToTheChosen();
 }
 

@@ -14,13 +14,13 @@ class QPushButton;
 
 namespace quarn {
 
-/// What stands left of the radio buttons of one key.
+/// The label left of the radio buttons of one key.
 struct OptionLabel {
   SettingsKey key;
   const char* text;
 };
 
-/// Everything that tells one dialog of settings from another.
+/// Everything in which the option dialogs differ.
 struct OptionDialogPlan {
   const char* className;
   const char* title;

@@ -4,7 +4,7 @@
 
 namespace quarn {
 
-/// How the Terminal Screen looks and behaves.
+/// Terminal Screen Option: how the Terminal Screen looks and behaves.
 class CScreenOption final : public OptionDialog {
  public:
   CScreenOption(QWidget* owner, const DialogContext& context);

@@ -44,7 +44,7 @@ constexpr int kKeyWidth = 28;     // in dialog units
 constexpr int kFieldWidth = 212;  // about 50 characters
 constexpr int kRowGap = 2;
 
-/// Keeps out what a stored command cannot hold, however it comes in.
+/// Rejects characters that a stored command cannot have, from any kind of input.
 class StoredCommandValidator final : public QValidator {
  public:
   using QValidator::QValidator;
@@ -63,7 +63,7 @@ QLineEdit* CreateField(QWidget* parent, PasteField::Source pasted, int index, in
   return field;
 }
 
-/// The commands are there to be read, also while they cannot be edited.
+/// The commands must be readable, also while they cannot be edited.
 void KeepReadable(QLineEdit& field, const QPalette& desktop) {
   QPalette colours = field.palette();
   colours.setColor(QPalette::Disabled, QPalette::Text, desktop.color(QPalette::Active, QPalette::WindowText));
@@ -163,7 +163,7 @@ void CSetMem::KeepKeysInTheDialog() {
 void CSetMem::ReadFields() {
   for (std::size_t i = 0; i < m_fields.size(); ++i) {
     const QString text = m_fields[i]->text();
-    // Untouched, the text stays as its file had it, with what the field could not show.
+    // If unchanged, the text stays as in its file, with characters that the field cannot show.
     if (text != AsStoredCommand(m_table.EditText().at(i))) m_table.SetEditText(static_cast<int>(i), text);
   }
 }
@@ -172,7 +172,7 @@ void CSetMem::ShowTexts() {
   for (std::size_t i = 0; i < m_fields.size(); ++i) {
     const QString& text = m_table.EditText().at(i);
     const int limit = m_table.Limit(static_cast<int>(i));
-    // A field with nothing new keeps its cursor, which both calls would move.
+    // An unchanged field keeps its cursor, which both calls would move.
     if (m_fields[i]->maxLength() != limit) m_fields[i]->setMaxLength(limit);
     if (m_fields[i]->text() == AsStoredCommand(text)) continue;
     m_fields[i]->setText(text);
@@ -213,13 +213,13 @@ std::optional<QString> CSetMem::Pasted(QClipboard::Mode mode) {
 }
 
 bool CSetMem::HandleKey(const QKeyEvent& event) {
-  // Alt and F4 closes the window; a key with a logo on it is the desktop's.
+  // Alt+F4 closes the window; the logo key belongs to the desktop.
   const Qt::KeyboardModifiers modifiers = event.modifiers();
   const bool alt = modifiers.testFlag(Qt::AltModifier) && !modifiers.testFlag(Qt::ControlModifier);
   if (alt || modifiers.testFlag(Qt::MetaModifier)) return false;
   const int key = event.key();
   if (key >= Qt::Key_F1 && key <= Qt::Key_F10) {
-    // With the Ctrl state of the last button press, whatever is held now.
+    // Uses the Ctrl state of the last button press, not the present one.
     if (!event.isAutoRepeat()) RequestStoredCommand(key - Qt::Key_F1);
     return true;
   }
@@ -249,7 +249,7 @@ void CSetMem::ToggleEditing() {
   if (m_table.IsEditing()) {
     ReadFields();
     m_table.FinishEditing();
-    // A long command is read from its start.
+    // Show a long command from its start.
     for (QLineEdit* field : m_fields) field->setCursorPosition(0);
     Requests().refresh.Add(Window::TerminalScreen);
   } else {
@@ -278,7 +278,7 @@ void CSetMem::Save() {
   if (!m_table.CanSave()) return;
   if (!m_context.messages.AskSimpleYesNo(QStringLiteral("Is it OK to save the updated data ?"))) return;
   if (!m_table.Save(m_context.workingSettingsFile)) TellSettingsTooLong(m_context.messages);
-  ShowState();  // what was saved is neither to be saved nor to be taken back
+  ShowState();  // saved commands need neither SAVE nor UNDO
 }
 
 void CSetMem::Look(int /*ticks*/) {

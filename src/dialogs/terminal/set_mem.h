@@ -19,7 +19,7 @@ class QPushButton;
 
 namespace quarn {
 
-/// What the Function Key Table works on. All of it outlives the window.
+/// The objects that the Function Key Table uses. All of them outlive the window.
 struct FunctionKeyTableContext {
   SettingsRecord& settings;
   const QString& workingSettingsFile;

@@ -16,7 +16,7 @@ bool Fits(const QFont& font) {
          metrics.horizontalAdvance(QString(kWidestRowCharacters, u'0')) <= kNarrowestRowWidth;
 }
 
-/// Consolas, or what the system takes for its monospace font, or the first font that is one.
+/// Consolas, or the system's monospace font, or the first monospace font found.
 QFont MonospaceFont() {
   const QString consolas = QStringLiteral("Consolas");
   if (QFontDatabase::hasFamily(consolas)) return {consolas};

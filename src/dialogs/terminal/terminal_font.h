@@ -4,8 +4,8 @@
 
 namespace quarn {
 
-/// The log's font: Consolas where present, else the system's monospace face, at the largest size whose
-/// line fits the rows' pitch and whose widest row fits the window.
+/// The log's font: Consolas if present, otherwise the system's monospace font, at the largest size whose line
+/// fits the row height and whose widest row fits the window.
 QFont TerminalFont();
 
 }  // namespace quarn
