@@ -58,8 +58,8 @@ struct Bench {
     connection.handle = PortHandle(opened.line);
   }
 
-  TransactionResult Run(const QString& command) {
-    return ExecuteCommand({engine, connection, settings, log, commandLine}, host, command);
+  TransactionOutcome Run(const QString& command) {
+    return ExecuteCommand({engine, settings, log, commandLine}, host, command);
   }
 
   test::ServedInstrument instrument;
@@ -84,7 +84,7 @@ void MeasureLatency(int transactions, bool busy) {
   std::vector<double> beyond;
   for (int i = 0; i < transactions; ++i) {
     if (bench.log.LineCount() > LogLineCapacity - 10) bench.log.ResetLog();
-    if (bench.Run(QStringLiteral("meas?")) != TransactionResult::Received) std::exit(EXIT_FAILURE);
+    if (bench.Run(QStringLiteral("meas?")).result != TransactionResult::Received) std::exit(EXIT_FAILURE);
     const Milliseconds whole = Clock::now() - answered.load();
     beyond.push_back(whole.count() - kSettlingMs - bench.timeouts.readInterval);
   }
@@ -107,11 +107,11 @@ int CountJoined(int responses, int gapMs) {
   int joined = 0;
   for (int i = 0; i < responses; ++i) {
     if (bench.log.LineCount() > LogLineCapacity - 10) bench.log.ResetLog();
-    bench.Run(QStringLiteral("gap"));
-    if (bench.connection.response == "ABCD") {
+    const QByteArray response = bench.Run(QStringLiteral("gap")).response;
+    if (response == "ABCD") {
       ++joined;
-    } else if (bench.connection.response != "AB") {
-      std::fprintf(stderr, "unexpected response: %s\n", bench.connection.response.constData());
+    } else if (response != "AB") {
+      std::fprintf(stderr, "unexpected response: %s\n", response.constData());
       std::exit(EXIT_FAILURE);
     }
   }

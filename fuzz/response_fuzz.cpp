@@ -61,15 +61,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   settings.delimiter = QString::fromLatin1(kDelimiters[data[0] % 5]);
   settings.inputMax = QString::fromLatin1(kWidths[data[0] / 5 % 4]);
   settings.comBuf = QStringLiteral("1K");
-  const TransactionResult result = kResults[data[1] % 3];
+  TransactionOutcome outcome;
+  outcome.result = kResults[data[1] % 3];
   const QString lineNum = data[1] % 2 == 0 ? QStringLiteral("ON") : QStringLiteral("OFF");
 
-  PortConnection connection;
-  connection.response = NormaliseResponse(
-      settings.delimiter,
-      QByteArray(reinterpret_cast<const char*>(data + 2), static_cast<qsizetype>(size - 2)));
-  connection.byteCount = static_cast<std::int32_t>(size);
-  const QByteArray text = LogTextOf(result, "cmd", connection, settings);
+  outcome.response = NormaliseResponse(settings.delimiter, QByteArray(reinterpret_cast<const char*>(data + 2),
+                                                                      static_cast<qsizetype>(size - 2)));
+  outcome.byteCount = static_cast<std::int32_t>(size);
+  const QByteArray text = LogTextOf(outcome, "cmd", settings);
   CheckText(text, settings.inputMax == u"W" ? 64 : settings.inputMax == u"M" ? 56 : 48);
 
   CheckLog(text, lineNum);

@@ -18,7 +18,6 @@
 #include "terminal/log_text.h"
 #include "terminal/render.h"
 #include "terminal/transaction.h"
-#include "terminal/wait_plan.h"
 
 namespace quarn::send {
 namespace {
@@ -123,52 +122,35 @@ bool Connect(const SettingsRecord& settings, const QString& portsFolder, PortCon
   return false;
 }
 
-/// The log has no line for a read that failed and shows what came before once more. Scripts are told.
-bool LineFailed(TransactionResult result, const PortConnection& connection) {
-  const bool ended = result != TransactionResult::Timeout && result != TransactionResult::Aborted;
-  return ended && connection.status < 0;
-}
-
-/// What came, byte for byte. The receive buffer still holds an earlier response where none did.
-QByteArray RawResponse(TransactionResult result, const PortConnection& connection,
+QByteArray OutcomeText(const Options& options, const TransactionOutcome& outcome, const QByteArray& command,
                        const SettingsRecord& settings) {
-  if (result == TransactionResult::Timeout || result == TransactionResult::Aborted) return {};
-  if (LineFailed(result, connection)) return {};
-  constexpr std::int32_t kTruncated = 3;
-  const std::int32_t kept =
-      connection.status == kTruncated ? ResponseLimit(settings.comBuf) : connection.byteCount + 1;
-  return {connection.receiveBuffer.data(), kept};
-}
-
-QByteArray OutcomeText(const Options& options, TransactionResult result, const PortConnection& connection,
-                       const SettingsRecord& settings) {
-  if (options.raw) return RawResponse(result, connection, settings);
-  return LogTextOf(result, SpellOut(connection.command), connection, settings).replace('\r', '\n');
+  if (options.raw) return outcome.raw;
+  return LogTextOf(outcome, SpellOut(command), settings).replace('\r', '\n');
 }
 
 /// One command and what came of it; the exit status.
 int SendOne(const Options& options, const SettingsRecord& settings, TransactionEngine& engine,
-            PortConnection& connection) {
+            const QByteArray& command) {
   ShellHost host;
-  const TransactionResult result = engine.RunTransaction(settings, host);
-  if (!Print(OutcomeText(options, result, connection, settings))) return kNotPrinted;
-  if (!LineFailed(result, connection)) return static_cast<int>(result);
-  const QString command = Quoted(connection.command);
+  const TransactionOutcome outcome = engine.RunTransaction(settings, host, command);
+  if (!Print(OutcomeText(options, outcome, command, settings))) return kNotPrinted;
+  // The log has no line for a read that failed and shows what came before once more. Scripts are told.
+  if (!outcome.lineFailed) return static_cast<int>(outcome.result);
+  const QString quoted = Quoted(command);
   const QString noThread = engine.WhyNoThread();
   Complain(noThread.isEmpty()
-               ? QStringLiteral("the line failed while %1 waited for its response").arg(command)
-               : QStringLiteral("%1 was not sent: the system gives no thread: %2").arg(command, noThread));
+               ? QStringLiteral("the line failed while %1 waited for its response").arg(quoted)
+               : QStringLiteral("%1 was not sent: the system gives no thread: %2").arg(quoted, noThread));
   return kFailed;
 }
 
 /// All of them, or as many as there are before one that ends the run.
-int SendAll(const Options& options, const SettingsRecord& settings, PortConnection& connection) {
+int SendAll(const Options& options, const SettingsRecord& settings, const PortConnection& connection) {
   TransactionEngine engine(connection);
   int status = 0;
   for (const QByteArray& command : options.commands) {
     if (IsInterrupted()) return static_cast<int>(TransactionResult::Aborted);
-    connection.command = command;
-    status = SendOne(options, settings, engine, connection);
+    status = SendOne(options, settings, engine, command);
     if (status == kFailed || status == kNotPrinted) break;
   }
   return status;

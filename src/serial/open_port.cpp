@@ -6,31 +6,29 @@
 namespace quarn {
 namespace {
 
-bool SetUp(SerialLine& line, const SettingsRecord& settings, MessageOperations& messages) {
+LineResult SetUp(SerialLine& line, const SettingsRecord& settings, MessageOperations& messages) {
   LineState state;
-  if (!line.GetState(state)) return false;
+  if (LineResult got = line.GetState(state); !got) return got;
   state.baudRate = BaudRateOf(settings.comBps);
   state.byteSize = ByteSizeOf(settings.comBits);
   state.stopBits = StopBitsOf(settings.comStop);
   state.parity = ParityOf(settings.comParity);
-  if (!line.SetState(state)) {
+  if (LineResult set = line.SetState(state); !set) {
     messages.ShowPlainMessage(QStringLiteral("Failed to set serial port state"));
-    return false;
+    return set;
   }
-  if (!line.SetTimeouts(TimeoutsOf(settings.comBps, settings.portSpeed))) {
-    messages.ShowPlainMessage(QStringLiteral("Failed to set serial port timeouts"));
-    return false;
-  }
-  return true;
+  LineResult set = line.SetTimeouts(TimeoutsOf(settings.comBps, settings.portSpeed));
+  if (!set) messages.ShowPlainMessage(QStringLiteral("Failed to set serial port timeouts"));
+  return set;
 }
 
 bool Configure(const SettingsRecord& settings, PortConnection& connection,
                const PortEnvironment& environment) {
   // Keeps a reference: while a message is shown the line may be closed.
   const std::shared_ptr<SerialLine> line = connection.handle.Line();
-  if (SetUp(*line, settings, environment.messages)) return true;
-  connection.lastFailure = line->LastFailure();
-  return false;
+  const LineResult result = SetUp(*line, settings, environment.messages);
+  if (!result) connection.lastFailure = result.Failure();
+  return static_cast<bool>(result);
 }
 
 }  // namespace

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QByteArray>
 #include <QString>
 #include <array>
 #include <cstdint>
@@ -13,8 +12,6 @@ namespace quarn {
 
 /// At most this many ports are listed.
 inline constexpr int kPortCapacity = 100;
-/// The receive buffer: 8192 bytes and a terminating NUL.
-inline constexpr int kReceiveBufferSize = 8193;
 
 using PortNames = std::array<QString, kPortCapacity>;
 
@@ -40,10 +37,7 @@ class PortHandle {
   bool m_invalid = false;
 };
 
-/// The one port record of the process.
-///
-/// Threads: the user-interface thread owns it. The transaction fields are written by the receive worker
-/// while a transaction runs and read by the user-interface thread after it has ended.
+/// The one port record of the process. User-interface thread.
 struct PortConnection {
   PortHandle handle;
   /// What the program regards as its state; set by the commands that connect and disconnect, never by
@@ -53,13 +47,6 @@ struct PortConnection {
   PortNames portNames;
   /// Why the last OpenPort failed; kind None after a success.
   LineFailure lastFailure;
-
-  // Transaction fields.
-  std::int32_t status = 0;     ///< 0 complete, 3 truncated at the limit, -1 the read failed
-  std::int32_t byteCount = 0;  ///< bytes read minus one; -1 when the read failed
-  QByteArray command;          ///< the bytes to send, without their framing
-  QByteArray response;
-  std::array<char, kReceiveBufferSize> receiveBuffer{};  ///< always NUL-terminated
 };
 
 }  // namespace quarn

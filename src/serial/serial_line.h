@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
+#include <utility>
 
 namespace quarn {
 
@@ -22,7 +24,23 @@ enum class LineError {
 
 struct LineFailure {
   LineError kind = LineError::None;
-  QString reason;  ///< for people; names the device
+  QString reason{};  ///< for people; names the device
+};
+
+/// Whether an operation on a line was done, and if not, why: the failure of that one call, whatever other
+/// threads do with the line meanwhile. True when it was done.
+class LineResult {
+ public:
+  LineResult() = default;
+  /// Not explicit: an operation that fails returns its failure.
+  LineResult(LineFailure failure) : m_failure(std::move(failure)) {}
+
+  explicit operator bool() const { return !m_failure; }
+  /// Of kind None after a success.
+  [[nodiscard]] LineFailure Failure() const { return m_failure.value_or(LineFailure()); }
+
+ private:
+  std::optional<LineFailure> m_failure;
 };
 
 /// Number of stop bits as the line knows them; the numbers are the comm API's.
@@ -63,6 +81,8 @@ struct LineTimeouts {
 struct IoResult {
   bool ok = false;
   std::size_t bytes = 0;
+  /// What made the call fail, or ended it behind some bytes. Kind None when nothing did.
+  LineFailure failure{};
 };
 
 /// One open serial line, in the comm API's own terms so that both platforms are mirrors of each other.
@@ -73,31 +93,29 @@ class SerialLine {
  public:
   virtual ~SerialLine() = default;
 
-  virtual bool GetState(LineState& state) = 0;
+  virtual LineResult GetState(LineState& state) = 0;
   /// Fails, and leaves the line as it was, when the driver refuses any of the four parameters.
-  virtual bool SetState(const LineState& state) = 0;
-  virtual bool SetTimeouts(const LineTimeouts& timeouts) = 0;
+  virtual LineResult SetState(const LineState& state) = 0;
+  virtual LineResult SetTimeouts(const LineTimeouts& timeouts) = 0;
   /// Drops what waits to be sent and what has been received but not read.
-  virtual bool Purge() = 0;
+  virtual LineResult Purge() = 0;
   /// Clears a communication error that the driver holds.
-  virtual bool ClearError() = 0;
+  virtual LineResult ClearError() = 0;
   virtual IoResult Read(char* buffer, std::size_t size) = 0;
   virtual IoResult Write(const char* data, std::size_t size) = 0;
   /// Ends a blocked Read or Write, and refuses every later one with LineError::Cancelled until
   /// AllowIo is called.
   virtual void CancelIo() = 0;
   virtual void AllowIo() = 0;
-  /// Puts the driver's former state back and closes. False when the system reports a failure; the line
+  /// Puts the driver's former state back and closes. Fails when the system reports a failure; the line
   /// is closed all the same. Every operation fails afterwards, with LineError::Disconnected, and AllowIo
   /// changes nothing about that. May wait for queued bytes to go out, for less than a second; drops those
   /// that do not. Returns within a second whatever the driver does.
-  virtual bool Close() = 0;
+  virtual LineResult Close() = 0;
   /// Whether the line has died: it was hung up, its device is gone, or another one has its place; once a read
   /// or a write has met that it stays so. May be asked at any time and costs next to nothing; never waits for
   /// a read. False while it is not known, and for a line that was closed.
   virtual bool IsLost() = 0;
-  /// What made the last failing call fail.
-  [[nodiscard]] virtual LineFailure LastFailure() const = 0;
 };
 
 struct OpenResult {

@@ -40,7 +40,16 @@ LineFailure NoPermissionFailure(const QString& node, const DeviceNode& device, i
   return {LineError::NoPermission, QStringLiteral("%1: %2").arg(node, reason)};
 }
 
-enum class Readiness { Ready, TimedOut, Cancelled, Failed };
+/// What a wait for a line has come to. Without a failure the line is ready, or the time is up.
+struct Readiness {
+  bool timedOut = false;
+  std::optional<LineFailure> failure{};
+};
+
+/// The outcome of a read or a write that a failure has ended.
+IoResult EndedBy(LineFailure failure, std::size_t bytes) {
+  return {.ok = bytes > 0, .bytes = bytes, .failure = std::move(failure)};
+}
 
 /// Closing waits no longer than this for bytes to go out, however slow the line: a person waits for it.
 constexpr std::chrono::milliseconds kLongestDrain{700};
@@ -69,50 +78,50 @@ class PosixSerialLine final : public SerialLine {
   PosixSerialLine(const PosixSerialLine&) = delete;
   PosixSerialLine& operator=(const PosixSerialLine&) = delete;
 
-  bool GetState(LineState& state) override {
+  LineResult GetState(LineState& state) override {
     termios2 current{};
-    if (!Control(TCGETS2, &current)) return false;
+    if (LineResult got = Control(TCGETS2, &current); !got) return got;
     state = LineStateOf(current);
-    return true;
+    return {};
   }
 
-  bool SetState(const LineState& state) override {
+  LineResult SetState(const LineState& state) override {
     termios2 earlier{};
-    if (!Control(TCGETS2, &earlier)) return false;
+    if (LineResult got = Control(TCGETS2, &earlier); !got) return got;
     termios2 wanted = earlier;
     if (!ApplyLineState(state, wanted)) {
       return Refuse(QStringLiteral("no such combination of data and stop bits"));
     }
-    if (!Control(TCSETS2, &wanted)) return false;
+    if (LineResult set = Control(TCSETS2, &wanted); !set) return set;
     LineState reported;
-    if (!GetState(reported)) {
+    if (LineResult looked = GetState(reported); !looked) {
       // What cannot be looked at is not left in force.
       ControlLine(m_hold.line.Get(), TCSETS2, &earlier);
-      return false;
+      return looked;
     }
     if (WasTaken(state, reported, m_hold.kind == TerminalKind::PseudoTerminal)) {
       m_baudRate = state.baudRate;
-      return true;
+      return {};
     }
     Control(TCSETS2, &earlier);
     return Refuse(QStringLiteral("the driver does not take %1; it offers %2")
                       .arg(DescribeLineState(state), DescribeLineState(reported)));
   }
 
-  bool SetTimeouts(const LineTimeouts& timeouts) override {
-    if (!ClearError()) return false;
-    const std::lock_guard guard(m_fieldMutex);
+  LineResult SetTimeouts(const LineTimeouts& timeouts) override {
+    if (LineResult cleared = ClearError(); !cleared) return cleared;
+    const std::lock_guard guard(m_timeoutsMutex);
     m_timeouts = timeouts;
-    return true;
+    return {};
   }
 
-  bool Purge() override {
+  LineResult Purge() override {
     const std::lock_guard guard(m_lineMutex);
-    return FlushLine(m_hold.line.Get(), TCIOFLUSH) == 0 || Fail(errno);
+    return Conclude(FlushLine(m_hold.line.Get(), TCIOFLUSH) == 0);
   }
 
   /// Linux holds no error that would block a line; a state that cannot be read is one that is gone.
-  bool ClearError() override {
+  LineResult ClearError() override {
     LineState ignored;
     return GetState(ignored);
   }
@@ -122,9 +131,9 @@ class PosixSerialLine final : public SerialLine {
     ReadLimits limits(Timeouts(), size, LineClock::now());
     std::size_t got = 0;
     while (got < size) {
-      const Readiness readiness = WaitFor(POLLIN, limits.Deadline());
-      if (readiness == Readiness::TimedOut) break;
-      if (readiness != Readiness::Ready) return {.ok = got > 0, .bytes = got};
+      Readiness readiness = WaitFor(POLLIN, limits.Deadline());
+      if (readiness.failure) return EndedBy(std::move(*readiness.failure), got);
+      if (readiness.timedOut) break;
       const ssize_t count = ::read(m_hold.line.Get(), buffer + got, size - got);
       if (count > 0) {
         got += static_cast<std::size_t>(count);
@@ -133,8 +142,7 @@ class PosixSerialLine final : public SerialLine {
       }
       if (count < 0 && (errno == EAGAIN || errno == EINTR)) continue;
       // Zero bytes from a line that waits for at least one: it has been hung up.
-      Break(count == 0 ? EIO : errno);
-      return {.ok = got > 0, .bytes = got};
+      return EndedBy(Break(count == 0 ? EIO : errno), got);
     }
     return {.ok = true, .bytes = got};
   }
@@ -144,16 +152,15 @@ class PosixSerialLine final : public SerialLine {
     const auto deadline = WriteDeadline(Timeouts(), size, LineClock::now());
     std::size_t sent = 0;
     while (sent < size) {
-      const Readiness readiness = WaitFor(POLLOUT, deadline);
-      if (readiness == Readiness::TimedOut) break;
-      if (readiness != Readiness::Ready) return {.ok = sent > 0, .bytes = sent};
+      Readiness readiness = WaitFor(POLLOUT, deadline);
+      if (readiness.failure) return EndedBy(std::move(*readiness.failure), sent);
+      if (readiness.timedOut) break;
       const ssize_t count = ::write(m_hold.line.Get(), data + sent, size - sent);
       if (count >= 0) {
         sent += static_cast<std::size_t>(count);
         m_sentBy = std::max(m_sentBy, LineClock::now()) + TimeToSend(count);
       } else if (errno != EAGAIN && errno != EINTR) {
-        Break(errno);
-        return {.ok = sent > 0, .bytes = sent};
+        return EndedBy(Break(errno), sent);
       }
     }
     return {.ok = true, .bytes = sent};
@@ -175,18 +182,18 @@ class PosixSerialLine final : public SerialLine {
     m_cancelled = false;
   }
 
-  bool Close() override {
+  LineResult Close() override {
     {
       const std::lock_guard guard(m_wakeMutex);
       m_closing = true;
       Wake();
     }
     const std::scoped_lock both(m_ioMutex, m_lineMutex);
-    if (!m_hold.line.IsValid()) return true;
+    if (!m_hold.line.IsValid()) return {};
     if (m_hold.kind == TerminalKind::Uart) LetBytesGoOut();
     const WaitLimit limit(kLongestWaitInDriver);
     GiveBack();
-    return m_hold.line.Close() || Fail(errno);
+    return Conclude(m_hold.line.Close());
   }
 
   bool IsLost() override {
@@ -198,14 +205,9 @@ class PosixSerialLine final : public SerialLine {
     return (ready > 0 && (polled.revents & (POLLHUP | POLLERR)) != 0) || HasLostItsNode();
   }
 
-  [[nodiscard]] LineFailure LastFailure() const override {
-    const std::lock_guard guard(m_fieldMutex);
-    return m_failure;
-  }
-
  private:
   [[nodiscard]] LineTimeouts Timeouts() const {
-    const std::lock_guard guard(m_fieldMutex);
+    const std::lock_guard guard(m_timeoutsMutex);
     return m_timeouts;
   }
 
@@ -252,9 +254,8 @@ class PosixSerialLine final : public SerialLine {
     return std::chrono::microseconds(kMostBits * std::int64_t{bytes} * std::int64_t{1'000'000} / rate);
   }
 
-  Readiness Stopped() {
-    Fail(m_closing ? EBADF : ECANCELED);
-    return Readiness::Cancelled;
+  [[nodiscard]] Readiness Stopped() const {
+    return {.failure = FailureOfLine(m_closing ? EBADF : ECANCELED)};
   }
 
   Readiness WaitFor(short events, std::optional<LineClock::time_point> deadline) {
@@ -262,33 +263,34 @@ class PosixSerialLine final : public SerialLine {
     std::array<pollfd, 2> polled = {pollfd{m_hold.line.Get(), events, 0},
                                     pollfd{m_hold.wake.Get(), POLLIN, 0}};
     const int count = PollLine(polled, deadline);
-    if (count == 0) return Readiness::TimedOut;
-    if (count < 0) {
-      Fail(errno);
-      return Readiness::Failed;
-    }
+    if (count == 0) return {.timedOut = true};
+    if (count < 0) return {.failure = FailureOfLine(errno)};
     if (polled[1].revents != 0) return Stopped();
-    return Readiness::Ready;  // hang-ups and errors included: the read or write reports them
+    return {};  // hang-ups and errors included: the read or write reports them
   }
 
-  bool Control(unsigned long request, void* argument) {
+  LineResult Control(unsigned long request, void* argument) {
     const std::lock_guard guard(m_lineMutex);
-    return ControlLine(m_hold.line.Get(), request, argument) == 0 || Fail(errno);
+    return Conclude(ControlLine(m_hold.line.Get(), request, argument) == 0);
   }
 
-  bool Fail(int error) {
-    const std::lock_guard guard(m_fieldMutex);
-    m_failure = FailureOf(m_node, error);
+  /// With the last system error when a call was not `done`.
+  [[nodiscard]] LineResult Conclude(bool done) const {
+    return done ? LineResult() : LineResult(FailureOfLine(errno));
+  }
+
+  [[nodiscard]] LineFailure FailureOfLine(int error) const {
+    LineFailure failure = FailureOf(m_node, error);
     // The device was there when it was opened: a driver whose adapter is gone says so, too.
-    if (m_failure.kind == LineError::NotFound) m_failure.kind = LineError::Disconnected;
-    return false;
+    if (failure.kind == LineError::NotFound) failure.kind = LineError::Disconnected;
+    return failure;
   }
 
   /// A read or a write has failed.
-  void Break(int error) {
-    const LineError kind = KindOf(error);
-    if (kind == LineError::Disconnected || kind == LineError::NotFound) m_broken = true;
-    Fail(error);
+  LineFailure Break(int error) {
+    LineFailure failure = FailureOfLine(error);
+    if (failure.kind == LineError::Disconnected) m_broken = true;
+    return failure;
   }
 
   /// Whether the device that was opened is no longer the one under its name.
@@ -298,10 +300,8 @@ class PosixSerialLine final : public SerialLine {
     return !S_ISCHR(node.st_mode) || node.st_rdev != m_hold.device;
   }
 
-  bool Refuse(const QString& why) {
-    const std::lock_guard guard(m_fieldMutex);
-    m_failure = {LineError::Refused, QStringLiteral("%1: %2").arg(m_node, why)};
-    return false;
+  [[nodiscard]] LineFailure Refuse(const QString& why) const {
+    return {LineError::Refused, QStringLiteral("%1: %2").arg(m_node, why)};
   }
 
   const QString m_node;
@@ -311,13 +311,12 @@ class PosixSerialLine final : public SerialLine {
   std::atomic<bool> m_cancelled = false;
   std::atomic<bool> m_closing = false;  ///< never false again
   std::atomic<bool> m_broken = false;   ///< nor is this
-  // Lock order: m_ioMutex, m_lineMutex, m_fieldMutex; m_wakeMutex alone.
+  // Lock order: m_ioMutex, m_lineMutex; the other two alone, or under these.
   std::mutex m_ioMutex;    ///< held by whoever reads, writes or closes
   std::mutex m_lineMutex;  ///< held for one control call, or to close: these must not wait for a read
   std::mutex m_wakeMutex;  ///< held to set or clear the two flags above together with the wake-up
-  mutable std::mutex m_fieldMutex;
+  mutable std::mutex m_timeoutsMutex;
   LineTimeouts m_timeouts;
-  LineFailure m_failure;
 };
 
 OpenResult Failed(LineFailure failure) { return {nullptr, std::move(failure)}; }

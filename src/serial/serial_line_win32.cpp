@@ -41,26 +41,23 @@ Win32SerialLine::Win32SerialLine(void* handle, QString device)
 
 Win32SerialLine::~Win32SerialLine() { Close(); }
 
-bool Win32SerialLine::FailWith(unsigned long code) {
+LineFailure Win32SerialLine::FailWith(unsigned long code) {
   LineFailure failure = FailureOnOpenLine(code, m_device);
   const Lock lock(m_meeting->mutex);
   if (failure.kind == LineError::Disconnected && !m_closing) m_lost = true;
-  m_failure = std::move(failure);
-  return false;
+  return failure;
 }
 
-bool Win32SerialLine::Conclude(bool done) { return done || FailWith(GetLastError()); }
-
-/// Under the meeting's mutex, as the next one.
-bool Win32SerialLine::FailStopped() {
-  m_failure = FailureOfSystemError(m_closing ? ERROR_INVALID_HANDLE : ERROR_OPERATION_ABORTED, m_device);
-  return false;
+LineResult Win32SerialLine::Conclude(bool done) {
+  return done ? LineResult() : LineResult(FailWith(GetLastError()));
 }
 
-bool Win32SerialLine::FailLeftBehind() {
-  m_failure = {LineError::Other,
-               m_device + QStringLiteral(": the driver has not ended an earlier read or write")};
-  return false;
+LineFailure Win32SerialLine::Stopped() const {
+  return FailureOfSystemError(m_closing ? ERROR_INVALID_HANDLE : ERROR_OPERATION_ABORTED, m_device);
+}
+
+LineFailure Win32SerialLine::LeftBehind() const {
+  return {LineError::Other, m_device + QStringLiteral(": the driver has not ended an earlier read or write")};
 }
 
 /// Without a longest time: until somebody cancels.
@@ -77,41 +74,38 @@ void Win32SerialLine::WaitForLeftBehind(Lock& lock, std::optional<std::chrono::m
   if (m_leftBehind && m_leftBehind->HasEnded()) m_leftBehind = nullptr;
 }
 
-/// The handle for one call to the driver; null, with the failure noted, when there is none to be used.
-std::shared_ptr<CommHandle> Win32SerialLine::UsableHandle(Lock& lock) {
+Win32SerialLine::Usable Win32SerialLine::UsableHandle(Lock& lock) {
   WaitForLeftBehind(lock, kCancelPatience);
-  if (!m_handle || m_closing) {
-    m_failure = FailureOfSystemError(ERROR_INVALID_HANDLE, m_device);
-    return nullptr;
-  }
-  if (!m_leftBehind) return m_handle;
-  FailLeftBehind();
-  return nullptr;
+  if (!m_handle || m_closing) return {nullptr, FailureOfSystemError(ERROR_INVALID_HANDLE, m_device)};
+  if (m_leftBehind) return {nullptr, LeftBehind()};
+  return {m_handle, {}};
 }
 
-std::shared_ptr<CommHandle> Win32SerialLine::UsableHandle() {
+Win32SerialLine::Usable Win32SerialLine::UsableHandle() {
   Lock lock(m_meeting->mutex);
   return UsableHandle(lock);
 }
 
-bool Win32SerialLine::GetState(LineState& state) {
-  const auto handle = UsableHandle();
+LineResult Win32SerialLine::GetState(LineState& state) {
+  const auto [handle, failure] = UsableHandle();
+  if (!handle) return failure;
   DCB dcb{};
   dcb.DCBlength = sizeof dcb;
-  if (!handle || !Conclude(GetCommState(handle->Get(), &dcb) != FALSE)) return false;
+  if (LineResult got = Conclude(GetCommState(handle->Get(), &dcb) != FALSE); !got) return got;
   state.baudRate = dcb.BaudRate;
   state.byteSize = dcb.ByteSize;
   state.stopBits = static_cast<StopBits>(dcb.StopBits);
   state.parity = static_cast<Parity>(dcb.Parity);
-  return true;
+  return {};
 }
 
-bool Win32SerialLine::SetState(const LineState& state) {
-  const auto handle = UsableHandle();
+LineResult Win32SerialLine::SetState(const LineState& state) {
+  const auto [handle, failure] = UsableHandle();
+  if (!handle) return failure;
   // Everything but the four parameters stays as the driver has it.
   DCB dcb{};
   dcb.DCBlength = sizeof dcb;
-  if (!handle || !Conclude(GetCommState(handle->Get(), &dcb) != FALSE)) return false;
+  if (LineResult got = Conclude(GetCommState(handle->Get(), &dcb) != FALSE); !got) return got;
   dcb.BaudRate = state.baudRate;
   dcb.ByteSize = state.byteSize;
   dcb.StopBits = static_cast<BYTE>(state.stopBits);
@@ -119,34 +113,37 @@ bool Win32SerialLine::SetState(const LineState& state) {
   return Conclude(SetCommState(handle->Get(), &dcb) != FALSE);
 }
 
-bool Win32SerialLine::SetTimeouts(const LineTimeouts& timeouts) {
-  const auto handle = UsableHandle();
+LineResult Win32SerialLine::SetTimeouts(const LineTimeouts& timeouts) {
+  const auto [handle, failure] = UsableHandle();
+  if (!handle) return failure;
   COMMTIMEOUTS record{};
   record.ReadIntervalTimeout = timeouts.readInterval;
   record.ReadTotalTimeoutMultiplier = timeouts.readTotalMultiplier;
   record.ReadTotalTimeoutConstant = timeouts.readTotalConstant;
   record.WriteTotalTimeoutMultiplier = timeouts.writeTotalMultiplier;
   record.WriteTotalTimeoutConstant = timeouts.writeTotalConstant;
-  if (!handle || !Conclude(SetCommTimeouts(handle->Get(), &record) != FALSE)) return false;
+  if (LineResult set = Conclude(SetCommTimeouts(handle->Get(), &record) != FALSE); !set) return set;
   const Lock lock(m_meeting->mutex);
   m_timeouts = timeouts;
-  return true;
+  return {};
 }
 
-bool Win32SerialLine::Purge() {
-  std::shared_ptr<CommHandle> handle;
+LineResult Win32SerialLine::Purge() {
+  Usable usable;
   {
     Lock lock(m_meeting->mutex);
     WaitForLeftBehind(lock, std::nullopt);
-    handle = UsableHandle(lock);
+    usable = UsableHandle(lock);
   }
-  return handle && Conclude(PurgeComm(handle->Get(), PURGE_TXCLEAR | PURGE_RXCLEAR) != FALSE);
+  if (!usable.handle) return usable.failure;
+  return Conclude(PurgeComm(usable.handle->Get(), PURGE_TXCLEAR | PURGE_RXCLEAR) != FALSE);
 }
 
-bool Win32SerialLine::ClearError() {
-  const auto handle = UsableHandle();
+LineResult Win32SerialLine::ClearError() {
+  const auto [handle, failure] = UsableHandle();
+  if (!handle) return failure;
   DWORD errors = 0;
-  return handle && Conclude(ClearCommError(handle->Get(), &errors, nullptr) != FALSE);
+  return Conclude(ClearCommError(handle->Get(), &errors, nullptr) != FALSE);
 }
 
 bool Win32SerialLine::IsLost() {
@@ -170,29 +167,28 @@ bool Win32SerialLine::IsLost() {
 /// From here to its end a thread reads or writes.
 class Win32SerialLine::IoScope {
  public:
-  explicit IoScope(Win32SerialLine& line) : m_line(line), m_handle(line.BeginIo()) {}
+  explicit IoScope(Win32SerialLine& line) : m_line(line), m_usable(line.BeginIo()) {}
   ~IoScope() {
-    if (m_handle) m_line.EndIo();
+    if (m_usable.handle) m_line.EndIo();
   }
   IoScope(const IoScope&) = delete;
   IoScope& operator=(const IoScope&) = delete;
   /// Null when nothing may be read or written.
-  [[nodiscard]] const std::shared_ptr<CommHandle>& Handle() const { return m_handle; }
+  [[nodiscard]] const std::shared_ptr<CommHandle>& Handle() const { return m_usable.handle; }
+  /// Why not.
+  [[nodiscard]] const LineFailure& Failure() const { return m_usable.failure; }
 
  private:
   Win32SerialLine& m_line;
-  const std::shared_ptr<CommHandle> m_handle;
+  const Usable m_usable;
 };
 
-std::shared_ptr<CommHandle> Win32SerialLine::BeginIo() {
+Win32SerialLine::Usable Win32SerialLine::BeginIo() {
   Lock lock(m_meeting->mutex);
-  auto handle = UsableHandle(lock);
-  if (handle && IsStopped()) {
-    FailStopped();
-    return nullptr;
-  }
-  m_inIo = handle != nullptr;
-  return handle;
+  Usable usable = UsableHandle(lock);
+  if (usable.handle && IsStopped()) return {nullptr, Stopped()};
+  m_inIo = usable.handle != nullptr;
+  return usable;
 }
 
 void Win32SerialLine::EndIo() {
@@ -210,43 +206,40 @@ Win32SerialLine::Arrival Win32SerialLine::WaitForBytes(const CommHandle& handle,
     lock.unlock();
     COMSTAT status{};
     DWORD errors = 0;
-    if (!Conclude(ClearCommError(handle.Get(), &errors, &status) != FALSE)) return Arrival::Failed;
-    if (status.cbInQue > 0) return Arrival::Bytes;
+    const LineResult asked = Conclude(ClearCommError(handle.Get(), &errors, &status) != FALSE);
+    if (!asked) return {.failure = asked.Failure()};
+    if (status.cbInQue > 0) return {};
     const Clock::time_point now = Clock::now();
-    if (deadline && now >= *deadline) return Arrival::TimedOut;
+    if (deadline && now >= *deadline) return {.timedOut = true};
     const Clock::time_point next = now + kLook;
     lock.lock();
     m_meeting->changed.wait_until(lock, deadline ? std::min(next, *deadline) : next,
                                   [this] { return IsStopped(); });
-    if (IsStopped()) {
-      FailStopped();
-      return Arrival::Failed;
-    }
+    if (IsStopped()) return {.failure = Stopped()};
   }
 }
 
 IoResult Win32SerialLine::Read(char* buffer, std::size_t size) {
   const IoScope io(*this);
-  if (!io.Handle()) return {};
+  if (!io.Handle()) return {.failure = io.Failure()};
   const Arrival arrival = WaitForBytes(*io.Handle(), size);
-  if (arrival != Arrival::Bytes) return {.ok = arrival == Arrival::TimedOut, .bytes = 0};
+  if (arrival.failure) return {.failure = *arrival.failure};
+  if (arrival.timedOut) return {.ok = true};
   const auto transfer = CommTransfer::Read(io.Handle(), m_meeting, size);
-  if (!Await(transfer)) return {};
-  std::copy_n(transfer->Bytes().begin(), transfer->Moved(), buffer);
-  return {.ok = true, .bytes = transfer->Moved()};
+  IoResult read = Await(transfer);
+  if (read.ok) std::copy_n(transfer->Bytes().begin(), read.bytes, buffer);
+  return read;
 }
 
 IoResult Win32SerialLine::Write(const char* data, std::size_t size) {
   const IoScope io(*this);
-  if (!io.Handle()) return {};
-  const auto transfer = CommTransfer::Write(io.Handle(), m_meeting, std::string(data, size));
-  if (!Await(transfer)) return {};
-  return {.ok = true, .bytes = transfer->Moved()};
+  if (!io.Handle()) return {.failure = io.Failure()};
+  return Await(CommTransfer::Write(io.Handle(), m_meeting, std::string(data, size)));
 }
 
-/// Whether the call has succeeded. What moved before the line broke counts; the next call meets the break.
-bool Win32SerialLine::Await(const std::shared_ptr<CommTransfer>& transfer) {
-  if (!transfer) return FailWith(kNoThread);
+/// The call's outcome. What moved before the line broke counts; the next call meets the break.
+IoResult Win32SerialLine::Await(const std::shared_ptr<CommTransfer>& transfer) {
+  if (!transfer) return {.failure = FailWith(kNoThread)};
   Lock lock(m_meeting->mutex);
   const auto ended = [&transfer] { return transfer->HasEnded(); };
   m_meeting->changed.wait(lock, [&] { return ended() || IsStopped(); });
@@ -259,11 +252,15 @@ bool Win32SerialLine::Await(const std::shared_ptr<CommTransfer>& transfer) {
   }
   if (!ended()) {
     m_leftBehind = transfer;
-    return FailStopped();
+    return {.failure = Stopped()};
   }
-  if (!transfer->Error() || transfer->Moved() > 0) return true;
+  const std::size_t moved = transfer->Moved();
+  if (!transfer->Error()) return {.ok = true, .bytes = moved};
+  if (moved > 0) {
+    return {.ok = true, .bytes = moved, .failure = FailureOnOpenLine(*transfer->Error(), m_device)};
+  }
   lock.unlock();
-  return FailWith(*transfer->Error());
+  return {.failure = FailWith(*transfer->Error())};
 }
 
 void Win32SerialLine::CancelIo() {
@@ -278,22 +275,17 @@ void Win32SerialLine::AllowIo() {
   m_cancelled = false;
 }
 
-bool Win32SerialLine::Close() {
+LineResult Win32SerialLine::Close() {
   Lock lock(m_meeting->mutex);
   m_closing = true;
   m_meeting->changed.notify_all();
   m_meeting->changed.wait_for(lock, 2 * kCancelPatience, [this] { return !m_inIo; });
   const auto handle = std::exchange(m_handle, nullptr);
   const auto leftBehind = std::exchange(m_leftBehind, nullptr);
-  if (!handle) return FailStopped();
-  if (m_inIo || (leftBehind && !leftBehind->HasEnded())) return FailLeftBehind();
+  if (!handle) return Stopped();
+  if (m_inIo || (leftBehind && !leftBehind->HasEnded())) return LeftBehind();
   lock.unlock();
   return Conclude(handle->Close());
-}
-
-LineFailure Win32SerialLine::LastFailure() const {
-  const Lock lock(m_meeting->mutex);
-  return m_failure;
 }
 
 OpenResult Win32LineOpener::Open(const QString& devicePath) {

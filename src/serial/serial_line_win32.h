@@ -27,11 +27,11 @@ class Win32SerialLine final : public SerialLine {
   Win32SerialLine(const Win32SerialLine&) = delete;
   Win32SerialLine& operator=(const Win32SerialLine&) = delete;
 
-  bool GetState(LineState& state) override;
-  bool SetState(const LineState& state) override;
-  bool SetTimeouts(const LineTimeouts& timeouts) override;
-  bool Purge() override;
-  bool ClearError() override;
+  LineResult GetState(LineState& state) override;
+  LineResult SetState(const LineState& state) override;
+  LineResult SetTimeouts(const LineTimeouts& timeouts) override;
+  LineResult Purge() override;
+  LineResult ClearError() override;
   /// A driver whose device is gone gives no state, also when the device is there again: the handle is its.
   bool IsLost() override;
   IoResult Read(char* buffer, std::size_t size) override;
@@ -41,28 +41,37 @@ class Win32SerialLine final : public SerialLine {
   void AllowIo() override;
   /// The system itself puts the driver's state back; closing the handle is all there is to do. Fails when a
   /// call that the driver does not end still has it.
-  bool Close() override;
-  [[nodiscard]] LineFailure LastFailure() const override;
+  LineResult Close() override;
 
  private:
   using Lock = std::unique_lock<std::mutex>;
   using Clock = std::chrono::steady_clock;
-  enum class Arrival { Bytes, TimedOut, Failed };
+  /// The handle for one call to the driver; null, with the reason, when there is none to be used.
+  struct Usable {
+    std::shared_ptr<CommHandle> handle;
+    LineFailure failure;
+  };
+  /// Without a failure bytes have come, or the time is up.
+  struct Arrival {
+    bool timedOut = false;
+    std::optional<LineFailure> failure{};
+  };
   class IoScope;
 
-  std::shared_ptr<CommHandle> UsableHandle();
-  std::shared_ptr<CommHandle> UsableHandle(Lock& lock);
+  Usable UsableHandle();
+  Usable UsableHandle(Lock& lock);
   void WaitForLeftBehind(Lock& lock, std::optional<std::chrono::milliseconds> longest);
-  std::shared_ptr<CommHandle> BeginIo();
+  Usable BeginIo();
   void EndIo();
   Arrival WaitForBytes(const CommHandle& handle, std::size_t size);
-  bool Await(const std::shared_ptr<CommTransfer>& transfer);
+  IoResult Await(const std::shared_ptr<CommTransfer>& transfer);
   bool IsStopped() const { return m_cancelled || m_closing; }
-  bool FailStopped();
-  bool FailLeftBehind();
-  /// Notes the calling thread's last system error when `done` is false; returns `done`.
-  bool Conclude(bool done);
-  bool FailWith(unsigned long code);
+  /// Under the meeting's mutex, as the next one.
+  [[nodiscard]] LineFailure Stopped() const;
+  [[nodiscard]] LineFailure LeftBehind() const;
+  /// With the calling thread's last system error when a call was not `done`.
+  LineResult Conclude(bool done);
+  LineFailure FailWith(unsigned long code);
 
   const QString m_device;
   const std::shared_ptr<CommMeeting> m_meeting = std::make_shared<CommMeeting>();
@@ -74,7 +83,6 @@ class Win32SerialLine final : public SerialLine {
   bool m_closing = false;  ///< never false again
   bool m_inIo = false;
   bool m_lost = false;  ///< the driver has said that its device is gone
-  LineFailure m_failure;
 };
 
 /// Opens COM ports.

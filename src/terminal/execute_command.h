@@ -11,7 +11,6 @@ namespace quarn {
 /// What one command works on.
 struct ExecuteContext {
   TransactionEngine& engine;
-  PortConnection& connection;
   const SettingsRecord& settings;
   OperationLog& log;
   CommandLine& commandLine;
@@ -20,7 +19,7 @@ struct ExecuteContext {
 /// Runs one transaction and writes its outcome into the log. With a full log nothing is sent and the log
 /// stays as it is: the result is LogFull, which the caller reports. A command with a character that the
 /// system's 8-bit encoding lacks is not sent either: NotSendable, and the log says so. User-interface thread.
-TransactionResult ExecuteCommand(const ExecuteContext& context, TransactionHost& host,
-                                 const QString& command);
+TransactionOutcome ExecuteCommand(const ExecuteContext& context, TransactionHost& host,
+                                  const QString& command);
 
 }  // namespace quarn

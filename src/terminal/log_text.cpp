@@ -50,15 +50,16 @@ QByteArray TruncatedLines(const QByteArray& response, const SettingsRecord& sett
 
 }  // namespace
 
-QByteArray LogTextOf(TransactionResult result, const QByteArray& command, const PortConnection& connection,
+QByteArray LogTextOf(const TransactionOutcome& outcome, const QByteArray& command,
                      const SettingsRecord& settings) {
+  const TransactionResult result = outcome.result;
   if (result == TransactionResult::LogFull) return QByteArray(1, kCr);
   QByteArray text = '[' + command + ']' + kCr;
-  if (result == TransactionResult::Received) return text + ResponseLines(connection.response, settings);
-  if (result == TransactionResult::Overflow) text += TruncatedLines(connection.response, settings);
+  if (result == TransactionResult::Received) return text + ResponseLines(outcome.response, settings);
+  if (result == TransactionResult::Overflow) text += TruncatedLines(outcome.response, settings);
   text += ErrorTextOf(result);
   if (result == TransactionResult::Overflow) {
-    text += " > " + QByteArray::number(connection.byteCount) + LimitTextOf(settings.comBuf);
+    text += " > " + QByteArray::number(outcome.byteCount) + LimitTextOf(settings.comBuf);
   }
   return text + kCr + kCr;
 }

@@ -1,9 +1,9 @@
 #include "terminal/receive_worker.h"
 
-#include <algorithm>
 #include <array>
 #include <chrono>
 #include <system_error>
+#include <utility>
 
 #include "terminal/framing.h"
 #include "terminal/wait_plan.h"
@@ -17,14 +17,19 @@ constexpr std::chrono::milliseconds kSettlingTime{50};
 
 }  // namespace
 
-ReceiveWorker::ReceiveWorker(const SettingsRecord& settings, PortConnection& connection, WaitableFlag& busy,
-                             std::mutex& resultMutex)
-    : m_settings(settings),
-      m_command(connection.command),
-      m_line(connection.handle.Line()),
-      m_connection(connection),
-      m_busy(busy),
-      m_resultMutex(resultMutex) {
+Reading ReadingOf(const char* bytes, std::size_t count, const QString& comBuf) {
+  const auto limit = static_cast<std::size_t>(ResponseLimit(comBuf));
+  Reading reading;
+  // One byte above the limit still counts as complete: the count leaves out the last byte.
+  reading.truncated = count > limit + 1;
+  reading.byteCount = static_cast<std::int32_t>(count) - 1;
+  reading.bytes = QByteArray(bytes, static_cast<qsizetype>(reading.truncated ? limit : count));
+  return reading;
+}
+
+ReceiveWorker::ReceiveWorker(const SettingsRecord& settings, QByteArray command,
+                             std::shared_ptr<SerialLine> line, WaitableFlag& busy)
+    : m_settings(settings), m_command(std::move(command)), m_line(std::move(line)), m_busy(busy) {
   m_running.TrySet();
   m_settling.TrySet();
   Start();
@@ -35,13 +40,15 @@ void ReceiveWorker::Start() {
     m_thread = std::thread([this] { Run(); });
   } catch (const std::system_error& error) {
     m_whyNoThread = QString::fromStdString(error.code().message());
-    DeliverFailure();
+    Deliver({.failed = true});
     m_running.Clear();
     m_busy.Clear();
   }
 }
 
-ReceiveWorker::~ReceiveWorker() {
+ReceiveWorker::~ReceiveWorker() { End(); }
+
+void ReceiveWorker::End() {
   const bool reading = m_running.IsSet();
   if (reading && m_line) m_line->CancelIo();
   m_settling.Clear();
@@ -49,8 +56,8 @@ ReceiveWorker::~ReceiveWorker() {
   if (reading && m_line) m_line->AllowIo();
 }
 
-bool ReceiveWorker::HasDelivered() const {
-  const std::lock_guard guard(m_resultMutex);
+std::optional<Reading> ReceiveWorker::Delivered() const {
+  const std::lock_guard guard(m_deliveryMutex);
   return m_delivered;
 }
 
@@ -73,32 +80,17 @@ void ReceiveWorker::SendAndReceive() {
     read = m_line->Read(bytes.data(), bytes.size());
   }
   if (read.ok) {
-    Deliver(bytes.data(), read.bytes);
+    Deliver(ReadingOf(bytes.data(), read.bytes, m_settings.comBuf));
     m_settling.WaitClear(std::chrono::steady_clock::now() + kSettlingTime);
   } else {
-    DeliverFailure();
+    Deliver({.failed = true});
   }
   m_busy.Clear();
 }
 
-void ReceiveWorker::Deliver(const char* bytes, std::size_t count) {
-  const auto limit = static_cast<std::size_t>(ResponseLimit(m_settings.comBuf));
-  // One byte above the limit still counts as complete, because the count excludes the last byte.
-  const bool complete = count <= limit + 1;
-  const std::size_t kept = complete ? count : limit;
-  const std::lock_guard guard(m_resultMutex);
-  auto& buffer = m_connection.receiveBuffer;
-  *std::copy_n(bytes, kept, buffer.begin()) = '\0';
-  m_connection.status = complete ? 0 : 3;
-  m_connection.byteCount = static_cast<std::int32_t>(count) - 1;
-  m_delivered = true;
-}
-
-void ReceiveWorker::DeliverFailure() {
-  const std::lock_guard guard(m_resultMutex);
-  m_connection.status = -1;
-  m_connection.byteCount = -1;
-  m_delivered = true;
+void ReceiveWorker::Deliver(Reading reading) {
+  const std::lock_guard guard(m_deliveryMutex);
+  m_delivered = std::move(reading);
 }
 
 }  // namespace quarn

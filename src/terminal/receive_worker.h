@@ -2,53 +2,67 @@
 
 #include <QByteArray>
 #include <QString>
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <thread>
 
-#include "serial/port_connection.h"
+#include "serial/serial_line.h"
 #include "settings/settings_record.h"
 #include "terminal/waitable_flag.h"
 
 namespace quarn {
 
-/// The thread of one transaction: frames the command, purges the line, sends, and performs one blocking read
-/// for the whole response. The read ends when the line is silent for its read interval.
+/// What one read brought.
+struct Reading {
+  bool failed = false;     ///< the line failed, or there was nothing to read from; all else is empty then
+  bool truncated = false;  ///< more came than the limit of COM_BUF allows, and `bytes` ends at the limit
+  std::int32_t byteCount = -1;  ///< bytes that came, less one, also of those that were cut off
+  QByteArray bytes{};           ///< as they came, at most 8191
+};
+
+/// The reading of a read that brought `count` bytes, cut at the limit of COM_BUF.
+Reading ReadingOf(const char* bytes, std::size_t count, const QString& comBuf);
+
+/// The thread of one transaction: frames the command, purges the line, sends, and performs one blocking
+/// read, which is the whole response. The read ends when the line falls silent for its read interval.
 class ReceiveWorker {
  public:
-  /// Starts at once with copies of settings and command. If the system cannot create a thread, this counts as
-  /// a failed read and nothing is sent. `busy` and `resultMutex` must outlive the worker; `connection`'s
-  /// transaction fields are written under `resultMutex`.
-  ReceiveWorker(const SettingsRecord& settings, PortConnection& connection, WaitableFlag& busy,
-                std::mutex& resultMutex);
-  /// Cancels the read if it still runs, and waits for the thread.
+  /// Starts at once on copies of settings and command; without a line the read fails. Where the system gives
+  /// no thread this is a read that has failed, and nothing is sent. `busy` must outlive the worker, which
+  /// clears it at its end, after it has delivered.
+  ReceiveWorker(const SettingsRecord& settings, QByteArray command, std::shared_ptr<SerialLine> line,
+                WaitableFlag& busy);
+  /// As End.
   ~ReceiveWorker();
   ReceiveWorker(const ReceiveWorker&) = delete;
   ReceiveWorker& operator=(const ReceiveWorker&) = delete;
 
   /// True when the thread has ended, false when `until` came first.
   bool WaitEnded(std::chrono::steady_clock::time_point until) const { return m_running.WaitClear(until); }
-  /// Why the system could not create a thread; empty if it could.
+  /// Cancels the read if it still runs, and waits for the thread. What it delivers it has delivered then.
+  void End();
+  /// The system's reason for giving no thread; empty when there is one.
   [[nodiscard]] const QString& WhyNoThread() const { return m_whyNoThread; }
-  /// Whether the connection has received a response or the failure of the read.
-  [[nodiscard]] bool HasDelivered() const;
+  /// What the read brought, or that it failed; nothing before the read has ended.
+  [[nodiscard]] std::optional<Reading> Delivered() const;
 
  private:
   void Start();
   void Run();
   void SendAndReceive();
-  void Deliver(const char* bytes, std::size_t count);
-  void DeliverFailure();
+  void Deliver(Reading reading);
 
   const SettingsRecord m_settings;
   const QByteArray m_command;
   const std::shared_ptr<SerialLine> m_line;
-  PortConnection& m_connection;
   WaitableFlag& m_busy;
-  std::mutex& m_resultMutex;
   WaitableFlag m_running;
-  WaitableFlag m_settling;  ///< set until the pause after a response may be shortened
-  bool m_delivered = false;
+  WaitableFlag m_settling;  ///< set until the pause after a response may be cut short
+  mutable std::mutex m_deliveryMutex;
+  std::optional<Reading> m_delivered;  ///< guarded by m_deliveryMutex
   QString m_whyNoThread;
   std::thread m_thread;
 };

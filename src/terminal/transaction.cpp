@@ -12,7 +12,6 @@ using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::milliseconds kPoll{10};
 constexpr std::chrono::milliseconds kWorkerGrace{500};
-constexpr std::int32_t kTruncated = 3;
 
 /// Behind by this much, the process was stopped or the machine slept: no poll could be made.
 constexpr std::chrono::milliseconds kStopped = 10 * kPoll;
@@ -39,37 +38,52 @@ class WaitScope {
 
 }  // namespace
 
-TransactionEngine::TransactionEngine(PortConnection& connection) : m_connection(connection) {}
+TransactionEngine::TransactionEngine(const PortConnection& connection) : m_connection(connection) {}
 
 TransactionEngine::~TransactionEngine() = default;
 
-TransactionResult TransactionEngine::RunTransaction(const SettingsRecord& settings, TransactionHost& host) {
-  if (m_busy.IsSet()) return TransactionResult::AlreadyRunning;
+TransactionOutcome TransactionEngine::RunTransaction(const SettingsRecord& settings, TransactionHost& host,
+                                                     const QByteArray& command) {
+  if (m_busy.IsSet()) return {.result = TransactionResult::AlreadyRunning};
   const WaitScope scope(host);
   // A read left behind must be gone before this command's bytes go out: two reads would compete for one
   // response. It also clears the busy flag at its end, so the flag comes after it.
-  m_worker.reset();
+  EndFormerWorker();
   ForgetOtherLine();
   m_busy.TrySet();
-  m_worker = std::make_unique<ReceiveWorker>(settings, m_connection, m_busy, m_resultMutex);
-  const TransactionResult ended = WaitForWorker(settings, host);
+  m_worker = std::make_unique<ReceiveWorker>(settings, command, m_connection.handle.Line(), m_busy);
+  const TransactionResult ended = WaitForWorker(settings, host, command);
   EndWorker(host);
-  if (ended != TransactionResult::Received) return ended;
-  // Whoever else cleared the flag, the response is not here yet, and what the buffer holds is not it.
-  if (m_worker && !m_worker->HasDelivered()) return TransactionResult::Aborted;
-  return Evaluate(settings);
+  if (ended != TransactionResult::Received) return {.result = ended};
+  const std::optional<Reading> reading = m_worker->Delivered();
+  // Whoever else cleared the flag, the response is not here yet, and what was kept is not it.
+  if (!reading) return {.result = TransactionResult::Aborted};
+  Keep(*reading);
+  return Evaluate(settings.delimiter, *reading);
+}
+
+void TransactionEngine::EndFormerWorker() {
+  if (!m_worker) return;
+  m_worker->End();
+  if (const std::optional<Reading> reading = m_worker->Delivered()) Keep(*reading);
+  m_worker.reset();
+}
+
+void TransactionEngine::Keep(const Reading& reading) {
+  if (!reading.failed) m_kept = reading.bytes;
 }
 
 void TransactionEngine::ForgetOtherLine() {
   const std::weak_ptr<SerialLine> line = m_connection.handle.Line();
   if (!line.owner_before(m_answering) && !m_answering.owner_before(line)) return;
-  m_connection.receiveBuffer.front() = '\0';
+  m_kept.clear();
   m_answering = line;
 }
 
-TransactionResult TransactionEngine::WaitForWorker(const SettingsRecord& settings, TransactionHost& host) {
+TransactionResult TransactionEngine::WaitForWorker(const SettingsRecord& settings, TransactionHost& host,
+                                                   const QByteArray& command) {
   WaitPlan plan(settings);
-  const QString command = FromSystemEncoding(m_connection.command).value_or(QString());
+  const QString shown = FromSystemEncoding(command).value_or(QString());
   Clock::time_point next = Clock::now();
   while (m_busy.IsSet()) {
     next = NextPoll(next);
@@ -78,7 +92,7 @@ TransactionResult TransactionEngine::WaitForWorker(const SettingsRecord& setting
     const WaitPlan::Step step = plan.Next();
     if (step == WaitPlan::Step::TimedOut) return TransactionResult::Timeout;
     if (step == WaitPlan::Step::Continue) continue;
-    host.ShowWaitingText(WaitingText(command, host.CaretPosition(), plan.Refreshes()));
+    host.ShowWaitingText(WaitingText(shown, host.CaretPosition(), plan.Refreshes()));
     host.KeepPainting();
     if (host.EscapePressed()) return TransactionResult::Aborted;
     ++m_pollCounter;
@@ -98,13 +112,20 @@ void TransactionEngine::EndWorker(TransactionHost& host) {
 
 QString TransactionEngine::WhyNoThread() const { return m_worker ? m_worker->WhyNoThread() : QString(); }
 
-TransactionResult TransactionEngine::Evaluate(const SettingsRecord& settings) {
-  const std::lock_guard guard(m_resultMutex);
-  m_connection.response = QByteArray(m_connection.receiveBuffer.data());
-  if (HoldsOnlyFraming(settings.delimiter, m_connection.response)) return TransactionResult::InvalidData;
-  if (m_connection.status == kTruncated) return TransactionResult::Overflow;
-  m_connection.response = NormaliseResponse(settings.delimiter, m_connection.response);
-  return TransactionResult::Received;
+TransactionOutcome TransactionEngine::Evaluate(const QString& delimiter, const Reading& reading) const {
+  TransactionOutcome outcome;
+  outcome.response = QByteArray(m_kept.constData());
+  outcome.raw = reading.bytes;
+  outcome.byteCount = reading.byteCount;
+  outcome.lineFailed = reading.failed;
+  if (HoldsOnlyFraming(delimiter, outcome.response)) {
+    outcome.result = TransactionResult::InvalidData;
+  } else if (reading.truncated) {
+    outcome.result = TransactionResult::Overflow;
+  } else {
+    outcome.response = NormaliseResponse(delimiter, outcome.response);
+  }
+  return outcome;
 }
 
 }  // namespace quarn

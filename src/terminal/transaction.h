@@ -2,8 +2,8 @@
 
 #include <QByteArray>
 #include <QString>
+#include <cstdint>
 #include <memory>
-#include <mutex>
 
 #include "serial/port_connection.h"
 #include "settings/settings_record.h"
@@ -21,6 +21,22 @@ enum class TransactionResult : int {
   AlreadyRunning = -1,
   NotSendable = -2,  ///< the system's 8-bit encoding lacks a character of the command
   LogFull = 255,
+};
+
+/// What came of one transaction.
+struct TransactionOutcome {
+  TransactionResult result = TransactionResult::Received;
+  /// What is shown, up to the first NUL: cleaned of its framing for Received, as it came for InvalidData and
+  /// Overflow, empty otherwise. After a read that failed it is what the reads before on the same line left.
+  QByteArray response{};
+  /// Every byte of this transaction's own read as it came, cut at the limit of COM_BUF for a response that is
+  /// longer. Empty where no read ended, or where it failed.
+  QByteArray raw{};
+  /// Bytes that the read brought, less one, also of those that were cut off; this is what an overflow is told
+  /// with. -1 where `raw` is empty.
+  std::int32_t byteCount = -1;
+  /// The read failed. The result does not tell: it is that of the response that is shown.
+  bool lineFailed = false;
 };
 
 /// What a transaction needs of whoever waits for it. Called on the user-interface thread only.
@@ -41,27 +57,28 @@ class TransactionHost {
 };
 
 class ReceiveWorker;
+struct Reading;
 
 /// Runs transactions on the port of a connection: one command out, one response back, strictly one at a
 /// time. A response belongs to the command that it followed: a read that a time-out or ESC left behind
 /// goes on until the next transaction starts, which cancels it, waits for it and purges the line first.
 ///
-/// Threads: all calls on the user-interface thread. The worker fills receive buffer, status and count of
-/// the connection and only then clears the busy flag.
+/// Threads: all calls on the user-interface thread. The worker delivers what it has read and only then clears
+/// the busy flag.
 class TransactionEngine {
  public:
-  explicit TransactionEngine(PortConnection& connection);
+  explicit TransactionEngine(const PortConnection& connection);
   ~TransactionEngine();
   TransactionEngine(const TransactionEngine&) = delete;
   TransactionEngine& operator=(const TransactionEngine&) = delete;
 
-  /// Sends connection.command and waits for its response, which is then in connection.response: cleaned
-  /// of its framing for Received, as it came otherwise. Returns AlreadyRunning at once while another
-  /// call waits.
+  /// Sends `command`, the bytes without their framing, and waits for its response. Returns AlreadyRunning at
+  /// once while another call waits.
   ///
-  /// A read that failed leaves the receive buffer as the transaction before on the same line left it, and
-  /// that is what is looked at: there is no separate report for a failed read.
-  TransactionResult RunTransaction(const SettingsRecord& settings, TransactionHost& host);
+  /// After a read that failed, what the reads before on the same line left is looked at in its place, and
+  /// gives result and response: no result tells of a failed read.
+  TransactionOutcome RunTransaction(const SettingsRecord& settings, TransactionHost& host,
+                                    const QByteArray& command);
 
   /// Clears the busy flag and waits up to 500 ms for a worker that still runs.
   void EndWorker(TransactionHost& host);
@@ -75,17 +92,21 @@ class TransactionEngine {
   [[nodiscard]] unsigned PollCounter() const { return m_pollCounter; }
 
  private:
-  TransactionResult WaitForWorker(const SettingsRecord& settings, TransactionHost& host);
-  TransactionResult Evaluate(const SettingsRecord& settings);
-
-  PortConnection& m_connection;
-  WaitableFlag m_busy;
-  std::mutex m_resultMutex;  ///< guards the transaction fields against a read that was left behind
-  /// Empties the receive buffer when what it holds has come from another line than the one that is open now.
-  /// No worker runs then.
+  TransactionResult WaitForWorker(const SettingsRecord& settings, TransactionHost& host,
+                                  const QByteArray& command);
+  /// The outcome of a transaction whose read has ended; `reading` has been kept already.
+  [[nodiscard]] TransactionOutcome Evaluate(const QString& delimiter, const Reading& reading) const;
+  /// Ends the worker of the transaction before, and keeps what a read that was left behind has brought since.
+  void EndFormerWorker();
+  /// Keeps the bytes of a read that did not fail.
+  void Keep(const Reading& reading);
+  /// Empties what was kept when that has come from another line than the one that is open now.
   void ForgetOtherLine();
 
+  const PortConnection& m_connection;
+  WaitableFlag m_busy;
   std::unique_ptr<ReceiveWorker> m_worker;
+  QByteArray m_kept;                      ///< what the last read that did not fail has brought
   std::weak_ptr<SerialLine> m_answering;  ///< the line of the transaction before
   unsigned m_pollCounter = 0;
 };

@@ -25,7 +25,6 @@ class PosixLineBreak : public PtyLineTest {
     ::close(near);
     return waiting;
   }
-  [[nodiscard]] LineError Failure() const { return m_line->LastFailure().kind; }
 };
 
 TEST_F(PosixLineBreak, AHangUpBeforeAReadFailsIt) {
@@ -33,7 +32,7 @@ TEST_F(PosixLineBreak, AHangUpBeforeAReadFailsIt) {
   const ReadOutcome outcome = Read();
   EXPECT_FALSE(outcome.result.ok);
   EXPECT_EQ(outcome.result.bytes, 0U);
-  EXPECT_EQ(Failure(), LineError::Disconnected);
+  EXPECT_EQ(outcome.result.failure.kind, LineError::Disconnected);
 }
 
 TEST_F(PosixLineBreak, AHangUpWakesABlockedRead) {
@@ -41,8 +40,9 @@ TEST_F(PosixLineBreak, AHangUpWakesABlockedRead) {
   EXPECT_TRUE(StillRuns(reading));
   m_far.HangUp();
   ASSERT_TRUE(Ends(reading));
-  EXPECT_FALSE(reading.get().result.ok);
-  EXPECT_EQ(Failure(), LineError::Disconnected);
+  const IoResult read = reading.get().result;
+  EXPECT_FALSE(read.ok);
+  EXPECT_EQ(read.failure.kind, LineError::Disconnected);
 }
 
 TEST_F(PosixLineBreak, AHangUpAfterSomeBytesGivesTheseAndFailsTheNextRead) {
@@ -56,14 +56,17 @@ TEST_F(PosixLineBreak, AHangUpAfterSomeBytesGivesTheseAndFailsTheNextRead) {
   const ReadOutcome outcome = reading.get();
   EXPECT_TRUE(outcome.result.ok);
   EXPECT_EQ(outcome.bytes, "half");
-  EXPECT_FALSE(Read().result.ok);
-  EXPECT_EQ(Failure(), LineError::Disconnected);
+  EXPECT_EQ(outcome.result.failure.kind, LineError::Disconnected) << "what ended it";
+  const IoResult next = Read().result;
+  EXPECT_FALSE(next.ok);
+  EXPECT_EQ(next.failure.kind, LineError::Disconnected);
 }
 
 TEST_F(PosixLineBreak, AWriteAfterAHangUpFails) {
   m_far.HangUp();
-  EXPECT_FALSE(Write("x").ok);
-  EXPECT_EQ(Failure(), LineError::Disconnected);
+  const IoResult written = Write("x");
+  EXPECT_FALSE(written.ok);
+  EXPECT_EQ(written.failure.kind, LineError::Disconnected);
 }
 
 TEST_F(PosixLineBreak, AHangUpEndsABlockedWrite) {
@@ -81,8 +84,9 @@ TEST_F(PosixLineBreak, CancelWakesABlockedRead) {
   EXPECT_TRUE(StillRuns(reading));
   m_line->CancelIo();
   ASSERT_TRUE(Ends(reading));
-  EXPECT_FALSE(reading.get().result.ok);
-  EXPECT_EQ(Failure(), LineError::Cancelled);
+  const IoResult read = reading.get().result;
+  EXPECT_FALSE(read.ok);
+  EXPECT_EQ(read.failure.kind, LineError::Cancelled);
 }
 
 TEST_F(PosixLineBreak, CancelWakesABlockedWrite) {
@@ -92,8 +96,9 @@ TEST_F(PosixLineBreak, CancelWakesABlockedWrite) {
   EXPECT_TRUE(StillRuns(writing));
   m_line->CancelIo();
   ASSERT_TRUE(Ends(writing));
-  EXPECT_FALSE(writing.get().ok);
-  EXPECT_EQ(Failure(), LineError::Cancelled);
+  const IoResult written = writing.get();
+  EXPECT_FALSE(written.ok);
+  EXPECT_EQ(written.failure.kind, LineError::Cancelled);
 }
 
 TEST_F(PosixLineBreak, ACancelledReadThatHasBytesGivesTheseAndTheNextReadFails) {
@@ -106,8 +111,10 @@ TEST_F(PosixLineBreak, ACancelledReadThatHasBytesGivesTheseAndTheNextReadFails) 
   const ReadOutcome outcome = reading.get();
   EXPECT_TRUE(outcome.result.ok);
   EXPECT_EQ(outcome.bytes, "half");
-  EXPECT_FALSE(Read().result.ok);
-  EXPECT_EQ(Failure(), LineError::Cancelled);
+  EXPECT_EQ(outcome.result.failure.kind, LineError::Cancelled) << "what ended it";
+  const IoResult next = Read().result;
+  EXPECT_FALSE(next.ok);
+  EXPECT_EQ(next.failure.kind, LineError::Cancelled);
 }
 
 TEST_F(PosixLineBreak, ACancelledWriteSaysHowMuchWent) {
@@ -128,8 +135,9 @@ TEST_F(PosixLineBreak, CancelHoldsUntilIoIsAllowedAgain) {
   m_line->CancelIo();
   EXPECT_FALSE(Read(7).result.ok);
   EXPECT_FALSE(Write("x").ok);
-  EXPECT_FALSE(Read(7).result.ok);
-  EXPECT_EQ(Failure(), LineError::Cancelled);
+  const IoResult read = Read(7).result;
+  EXPECT_FALSE(read.ok);
+  EXPECT_EQ(read.failure.kind, LineError::Cancelled);
   m_line->AllowIo();
   EXPECT_EQ(Read(7).bytes, "waiting");
   EXPECT_TRUE(Write("x").ok);
@@ -143,6 +151,18 @@ TEST_F(PosixLineBreak, CancelLeavesControlCallsAlone) {
   EXPECT_TRUE(m_line->Purge());
 }
 
+TEST_F(PosixLineBreak, ACancelledReadLeavesTheFailureOfAnotherCallAlone) {
+  auto reading = ReadInThread();
+  EXPECT_TRUE(StillRuns(reading));
+  const LineResult set = m_line->SetState({.stopBits = StopBits::OnePointFive});
+  m_line->CancelIo();
+  ASSERT_TRUE(Ends(reading));
+  EXPECT_EQ(reading.get().result.failure.kind, LineError::Cancelled);
+  EXPECT_FALSE(set);
+  EXPECT_EQ(set.Failure().kind, LineError::Refused);
+  EXPECT_TRUE(set.Failure().reason.contains(QStringLiteral("data and stop bits")));
+}
+
 TEST_F(PosixLineBreak, CloseWakesABlockedReadFirst) {
   auto reading = ReadInThread();
   EXPECT_TRUE(StillRuns(reading));
@@ -150,8 +170,9 @@ TEST_F(PosixLineBreak, CloseWakesABlockedReadFirst) {
   ASSERT_TRUE(Ends(closing));
   EXPECT_TRUE(closing.get());
   ASSERT_TRUE(Ends(reading));
-  EXPECT_FALSE(reading.get().result.ok);
-  EXPECT_EQ(Failure(), LineError::Disconnected);
+  const IoResult read = reading.get().result;
+  EXPECT_FALSE(read.ok);
+  EXPECT_EQ(read.failure.kind, LineError::Disconnected);
   EXPECT_FALSE(Read().result.ok);
   EXPECT_TRUE(OpenTerminalDevice(QString::fromStdString(m_far.NodePath())).line);
 }

@@ -232,20 +232,21 @@ TEST_F(PosixLineOpen, EveryOperationFailsAfterClose) {
   LineState state;
   char byte = 'x';
   const LineFailure closed{LineError::Disconnected, Node() + QStringLiteral(": closed")};
-  const auto saysClosed = [&] {
-    return line.LastFailure().kind == closed.kind && line.LastFailure().reason == closed.reason;
+  const auto saysClosed = [&](const LineFailure& failure) {
+    return failure.kind == closed.kind && failure.reason == closed.reason;
   };
-  EXPECT_FALSE(line.Write(&byte, 1).ok);
-  EXPECT_TRUE(saysClosed());
+  const IoResult written = line.Write(&byte, 1);
+  EXPECT_FALSE(written.ok);
+  EXPECT_TRUE(saysClosed(written.failure));
   line.CancelIo();
-  EXPECT_FALSE(line.Read(&byte, 1).ok);
-  EXPECT_TRUE(saysClosed()) << "closed for good is more than cancelled for now";
-  EXPECT_FALSE(line.GetState(state));
-  EXPECT_FALSE(line.SetState({}));
-  EXPECT_FALSE(line.SetTimeouts({}));
-  EXPECT_FALSE(line.Purge());
-  EXPECT_FALSE(line.ClearError());
-  EXPECT_TRUE(saysClosed());
+  const IoResult read = line.Read(&byte, 1);
+  EXPECT_FALSE(read.ok);
+  EXPECT_TRUE(saysClosed(read.failure)) << "closed for good is more than cancelled for now";
+  for (const LineResult& result :
+       {line.GetState(state), line.SetState({}), line.SetTimeouts({}), line.Purge(), line.ClearError()}) {
+    EXPECT_FALSE(result);
+    EXPECT_TRUE(saysClosed(result.Failure()));
+  }
 }
 
 }  // namespace

@@ -35,7 +35,8 @@ TEST_F(PosixLineState, RatesWithoutANameOfTheirOwnAreReallySet) {
   const auto line = Open();
   ASSERT_TRUE(line);
   for (const std::uint32_t rate : {110U, 9600U, 14400U, 56000U, 115200U, 128000U, 256000U}) {
-    ASSERT_TRUE(line->SetState({.baudRate = rate})) << line->LastFailure().reason.toStdString();
+    const LineResult set = line->SetState({.baudRate = rate});
+    ASSERT_TRUE(set) << set.Failure().reason.toStdString();
     EXPECT_EQ(SystemState().c_ospeed, rate);
     EXPECT_EQ(SystemState().c_ispeed, rate);
     LineState state;
@@ -59,9 +60,10 @@ TEST_F(PosixLineState, ACombinationThatNoUartHasIsRefusedWithAReason) {
   const termios2 before = SystemState();
   for (const LineState& state : {LineState{.byteSize = 8, .stopBits = StopBits::OnePointFive},
                                  LineState{.byteSize = 5, .stopBits = StopBits::Two}}) {
-    EXPECT_FALSE(line->SetState(state));
-    EXPECT_EQ(line->LastFailure().kind, LineError::Refused);
-    EXPECT_TRUE(line->LastFailure().reason.contains(QStringLiteral("data and stop bits")));
+    const LineResult set = line->SetState(state);
+    EXPECT_FALSE(set);
+    EXPECT_EQ(set.Failure().kind, LineError::Refused);
+    EXPECT_TRUE(set.Failure().reason.contains(QStringLiteral("data and stop bits")));
   }
   EXPECT_EQ(SystemState().c_cflag, before.c_cflag);
 }
@@ -112,11 +114,11 @@ TEST_F(PosixLineState, AfterAHangUpTheStateCannotBeRead) {
   EXPECT_TRUE(line->ClearError());
   m_far.HangUp();
   LineState state;
-  EXPECT_FALSE(line->GetState(state));
-  EXPECT_FALSE(line->SetState({}));
-  EXPECT_FALSE(line->SetTimeouts({}));
-  EXPECT_FALSE(line->ClearError());
-  EXPECT_EQ(line->LastFailure().kind, LineError::Disconnected);
+  for (const LineResult& result :
+       {line->GetState(state), line->SetState({}), line->SetTimeouts({}), line->ClearError()}) {
+    EXPECT_FALSE(result);
+    EXPECT_EQ(result.Failure().kind, LineError::Disconnected);
+  }
   EXPECT_TRUE(line->Close());
 }
 

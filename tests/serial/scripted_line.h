@@ -41,7 +41,7 @@ class ScriptedLine : public SerialLine {
   bool purgeWorks = true;
   bool closeWorks = true;
   bool lost = false;
-  LineFailure failure;
+  LineFailure failure;  ///< of every call that does not work
   std::function<IoResult(char*, std::size_t)> read;
   std::function<IoResult(const char*, std::size_t)> write;
   std::function<void()> cancel;
@@ -51,28 +51,28 @@ class ScriptedLine : public SerialLine {
   std::size_t readSize = 0;
   QByteArray written;
 
-  bool GetState(LineState& result) override {
+  LineResult GetState(LineState& result) override {
     m_journal.Note("get state");
     if (getStateWorks) result = state;
-    return getStateWorks;
+    return Works(getStateWorks);
   }
-  bool SetState(const LineState& wanted) override {
+  LineResult SetState(const LineState& wanted) override {
     m_journal.Note("set state");
     if (setStateWorks) state = wanted;
-    return setStateWorks;
+    return Works(setStateWorks);
   }
-  bool SetTimeouts(const LineTimeouts& wanted) override {
+  LineResult SetTimeouts(const LineTimeouts& wanted) override {
     m_journal.Note("set time-outs");
     if (setTimeoutsWorks) timeouts = wanted;
-    return setTimeoutsWorks;
+    return Works(setTimeoutsWorks);
   }
-  bool Purge() override {
+  LineResult Purge() override {
     m_journal.Note("purge");
-    return purgeWorks;
+    return Works(purgeWorks);
   }
-  bool ClearError() override {
+  LineResult ClearError() override {
     m_journal.Note("clear error");
-    return true;
+    return {};
   }
   IoResult Read(char* buffer, std::size_t size) override {
     m_journal.Note("read");
@@ -89,14 +89,15 @@ class ScriptedLine : public SerialLine {
     if (cancel) cancel();
   }
   void AllowIo() override { m_journal.Note("allow"); }
-  bool Close() override {
+  LineResult Close() override {
     m_journal.Note("close");
-    return closeWorks;
+    return Works(closeWorks);
   }
   bool IsLost() override { return lost; }
-  [[nodiscard]] LineFailure LastFailure() const override { return failure; }
 
  private:
+  [[nodiscard]] LineResult Works(bool works) const { return works ? LineResult() : LineResult(failure); }
+
   Journal& m_journal;
 };
 

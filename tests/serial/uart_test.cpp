@@ -119,9 +119,9 @@ TEST_F(UartTest, ARefusedRateIsNamedTogetherWithTheOneOnOffer) {
   m_uart.take = [asked = 0](termios2& state) mutable {
     if (asked++ == 0) OnlyKnows9600(state);
   };
-  EXPECT_FALSE(line->SetState({.baudRate = 128000}));
-  EXPECT_EQ(line->LastFailure().kind, LineError::Refused);
-  EXPECT_EQ(line->LastFailure().reason,
+  const LineFailure failure = line->SetState({.baudRate = 128000}).Failure();
+  EXPECT_EQ(failure.kind, LineError::Refused);
+  EXPECT_EQ(failure.reason,
             Node() + QStringLiteral(": the driver does not take 128000 bps, 8 data bits, no parity, 1 stop "
                                     "bit; it offers 9600 bps, 8 data bits, no parity, 1 stop bit"));
   EXPECT_TRUE(SameState(m_uart.State(), earlier)) << "the line is no longer as it was";
@@ -130,18 +130,19 @@ TEST_F(UartTest, ARefusedRateIsNamedTogetherWithTheOneOnOffer) {
 TEST_F(UartTest, ARefusedParityIsNamed) {
   const auto line = Line();
   m_uart.take = KnowsNoParity;
-  EXPECT_FALSE(line->SetState({.parity = Parity::Odd}));
-  EXPECT_EQ(line->LastFailure().kind, LineError::Refused);
-  EXPECT_TRUE(line->LastFailure().reason.contains(QStringLiteral("odd parity")));
-  EXPECT_TRUE(line->LastFailure().reason.endsWith(QStringLiteral("no parity, 1 stop bit")));
+  const LineFailure failure = line->SetState({.parity = Parity::Odd}).Failure();
+  EXPECT_EQ(failure.kind, LineError::Refused);
+  EXPECT_TRUE(failure.reason.contains(QStringLiteral("odd parity")));
+  EXPECT_TRUE(failure.reason.endsWith(QStringLiteral("no parity, 1 stop bit")));
   EXPECT_TRUE(line->SetState({}));
 }
 
 TEST_F(UartTest, ADriverThatSaysNoAtOnceRefuses) {
   const auto line = Line();
   m_uart.failingSetState = EINVAL;
-  EXPECT_FALSE(line->SetState({.baudRate = 256000}));
-  EXPECT_EQ(line->LastFailure().kind, LineError::Refused);
+  const LineResult set = line->SetState({.baudRate = 256000});
+  EXPECT_FALSE(set);
+  EXPECT_EQ(set.Failure().kind, LineError::Refused);
 }
 
 TEST_F(UartTest, ALineThatHoldsNothingBackAlreadyStaysSo) {

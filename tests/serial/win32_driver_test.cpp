@@ -37,10 +37,19 @@ class Win32Driver : public testing::Test {
     const IoResult result = m_line->Read(bytes.data(), bytes.size());
     bytes.resize(result.bytes);
     if (result.ok) return bytes;
-    return m_line->LastFailure().kind == LineError::Cancelled ? "cancelled" : "failed";
+    switch (result.failure.kind) {
+      case LineError::Cancelled:
+        return "cancelled";
+      case LineError::Disconnected:
+        return "disconnected";
+      default:
+        return "failed";
+    }
   }
   bool Write(const std::string& bytes) const { return m_line->Write(bytes.data(), bytes.size()).ok; }
-  [[nodiscard]] std::string Reason() const { return m_line->LastFailure().reason.toStdString(); }
+  [[nodiscard]] static std::string Reason(const LineResult& result) {
+    return result.Failure().reason.toStdString();
+  }
 
   PlayedDriver m_driver;
   std::shared_ptr<SerialLine> m_line;
@@ -166,6 +175,17 @@ TEST_F(Win32Driver, ADriverThatHeedsACancellationIsFreeAtOnce) {
   EXPECT_TRUE(m_line->Purge());
 }
 
+TEST_F(Win32Driver, ACancelledReadLeavesTheFailureOfAnotherCallAlone) {
+  OpenAndRead(true);
+  m_driver.FailGetState();
+  const LineResult set = m_line->SetState({});
+  m_line->CancelIo();
+  ASSERT_TRUE(Ends(m_reading));
+  EXPECT_EQ(m_reading.get(), "cancelled");
+  EXPECT_FALSE(set);
+  EXPECT_EQ(set.Failure().kind, LineError::Refused);
+}
+
 TEST_F(Win32Driver, OneThatDoesNotHoldsNobodyUp) {
   OpenAndRead(false);
   auto cancelling = InThread([this] { m_line->CancelIo(); });
@@ -184,11 +204,11 @@ TEST_F(Win32Driver, WhatIsLeftBehindTakesNoAnswerOfAnotherCommand) {
   EXPECT_FALSE(Write("id\r"));
   EXPECT_EQ(m_driver.Sent(), "");
   EXPECT_EQ(Read(), "failed");
-  EXPECT_FALSE(m_line->ClearError());
-  EXPECT_FALSE(m_line->GetState(state));
-  EXPECT_FALSE(m_line->SetState(state));
-  EXPECT_FALSE(m_line->SetTimeouts({}));
-  EXPECT_EQ(Reason(), "COM3: the driver has not ended an earlier read or write");
+  for (const LineResult& result :
+       {m_line->ClearError(), m_line->GetState(state), m_line->SetState(state), m_line->SetTimeouts({})}) {
+    EXPECT_FALSE(result);
+    EXPECT_EQ(Reason(result), "COM3: the driver has not ended an earlier read or write");
+  }
   EXPECT_EQ(m_driver.Reads(), 1);
 
   auto purging = InThread([this] { return m_line->Purge(); });
@@ -235,12 +255,14 @@ TEST_F(Win32Driver, WhatIsLeftBehindClosesThePortAtItsEnd) {
   OpenAndRead(false);
   auto closing = InThread([this] { return m_line->Close(); });
   ASSERT_TRUE(Ends(closing));
-  EXPECT_FALSE(closing.get()) << "the system has not closed it";
-  EXPECT_EQ(Reason(), "COM3: the driver has not ended an earlier read or write");
+  const LineResult closed = closing.get();
+  EXPECT_FALSE(closed) << "the system has not closed it";
+  EXPECT_EQ(Reason(closed), "COM3: the driver has not ended an earlier read or write");
   ASSERT_TRUE(Ends(m_reading));
-  EXPECT_EQ(m_reading.get(), "failed");
-  EXPECT_FALSE(m_line->Purge());
-  EXPECT_EQ(m_line->LastFailure().kind, LineError::Disconnected);
+  EXPECT_EQ(m_reading.get(), "disconnected");
+  const LineResult purged = m_line->Purge();
+  EXPECT_FALSE(purged);
+  EXPECT_EQ(purged.Failure().kind, LineError::Disconnected);
   m_line.reset();
   EXPECT_TRUE(m_driver.IsOpen()) << "nothing is closed under a reader";
   m_driver.Release();
@@ -262,8 +284,7 @@ TEST_F(Win32Driver, ADeviceThatIsGoneEndsAReadThatWaits) {
     EXPECT_TRUE(StillRuns(reading));
     m_driver.FailWith(error);
     ASSERT_TRUE(Ends(reading));
-    EXPECT_EQ(reading.get(), "failed");
-    EXPECT_EQ(m_line->LastFailure().kind, LineError::Disconnected) << error;
+    EXPECT_EQ(reading.get(), "disconnected") << error;
     EXPECT_TRUE(m_line->IsLost()) << error;
   }
 }

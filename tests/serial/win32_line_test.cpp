@@ -61,7 +61,8 @@ TEST_F(Win32Line, TheFourParametersAreSetAndRead) {
        {LineState{.baudRate = 115200, .byteSize = 7, .stopBits = StopBits::Two, .parity = Parity::Even},
         LineState{.baudRate = 1200, .byteSize = 8, .stopBits = StopBits::One, .parity = Parity::Odd},
         LineState{}}) {
-    ASSERT_TRUE(m_line->SetState(wanted)) << m_line->LastFailure().reason.toStdString();
+    const LineResult set = m_line->SetState(wanted);
+    ASSERT_TRUE(set) << set.Failure().reason.toStdString();
     LineState state{.baudRate = 1};
     ASSERT_TRUE(m_line->GetState(state));
     EXPECT_EQ(state.baudRate, wanted.baudRate);
@@ -171,10 +172,12 @@ TEST_F(Win32Line, AfterCancelIoNothingIsReadOrWrittenUntilItIsAllowed) {
   Serve("\"id\" -> \"SIM\"");
   ASSERT_TRUE(m_line->SetTimeouts({.readInterval = 100, .readTotalConstant = 10000}));
   m_line->CancelIo();
-  EXPECT_FALSE(Read().result.ok);
-  EXPECT_EQ(m_line->LastFailure().kind, LineError::Cancelled);
-  EXPECT_FALSE(Write("id\r").ok);
-  EXPECT_EQ(m_line->LastFailure().kind, LineError::Cancelled);
+  const IoResult read = Read().result;
+  EXPECT_FALSE(read.ok);
+  EXPECT_EQ(read.failure.kind, LineError::Cancelled);
+  const IoResult written = Write("id\r");
+  EXPECT_FALSE(written.ok);
+  EXPECT_EQ(written.failure.kind, LineError::Cancelled);
   m_line->AllowIo();
   EXPECT_TRUE(Write("id\r").ok);
   EXPECT_EQ(Read().bytes, "SIM");
@@ -183,12 +186,13 @@ TEST_F(Win32Line, AfterCancelIoNothingIsReadOrWrittenUntilItIsAllowed) {
 TEST_F(Win32Line, CancelIoEndsAReadOnASilentLine) {
   Serve("\"id\" -> \"SIM\"");
   ASSERT_TRUE(m_line->SetTimeouts({.readInterval = 100, .readTotalConstant = 600'000}));
-  auto reading = InThread([this] { return Read().result.ok; });
+  auto reading = InThread([this] { return Read().result; });
   EXPECT_TRUE(StillRuns(reading));
   m_line->CancelIo();
   ASSERT_TRUE(Ends(reading)) << "ten minutes were left of it";
-  EXPECT_FALSE(reading.get());
-  EXPECT_EQ(m_line->LastFailure().kind, LineError::Cancelled);
+  const IoResult read = reading.get();
+  EXPECT_FALSE(read.ok);
+  EXPECT_EQ(read.failure.kind, LineError::Cancelled);
   m_line->AllowIo();
   EXPECT_TRUE(Write("id\r").ok);
   EXPECT_EQ(Read().bytes, "SIM");
@@ -197,12 +201,13 @@ TEST_F(Win32Line, CancelIoEndsAReadOnASilentLine) {
 TEST_F(Win32Line, CloseEndsOneToo) {
   Serve("");
   ASSERT_TRUE(m_line->SetTimeouts({.readTotalConstant = 600'000}));
-  auto reading = InThread([this] { return Read().result.ok; });
+  auto reading = InThread([this] { return Read().result; });
   EXPECT_TRUE(StillRuns(reading));
   EXPECT_TRUE(m_line->Close());
   ASSERT_TRUE(Ends(reading));
-  EXPECT_FALSE(reading.get());
-  EXPECT_EQ(m_line->LastFailure().kind, LineError::Disconnected);
+  const IoResult read = reading.get();
+  EXPECT_FALSE(read.ok);
+  EXPECT_EQ(read.failure.kind, LineError::Disconnected);
 }
 
 TEST_F(Win32Line, AClosedLineSaysSo) {
@@ -210,15 +215,15 @@ TEST_F(Win32Line, AClosedLineSaysSo) {
   EXPECT_TRUE(m_line->Close());
   m_line->AllowIo();
   LineState state;
-  EXPECT_FALSE(Read().result.ok);
-  EXPECT_EQ(m_line->LastFailure().kind, LineError::Disconnected);
-  EXPECT_FALSE(Write("x").ok);
-  EXPECT_FALSE(m_line->GetState(state));
-  EXPECT_EQ(m_line->LastFailure().kind, LineError::Disconnected);
-  EXPECT_FALSE(m_line->SetState(state));
-  EXPECT_FALSE(m_line->SetTimeouts({}));
-  EXPECT_FALSE(m_line->Purge());
-  EXPECT_FALSE(m_line->ClearError());
+  for (const IoResult& result : {Read().result, Write("x")}) {
+    EXPECT_FALSE(result.ok);
+    EXPECT_EQ(result.failure.kind, LineError::Disconnected);
+  }
+  for (const LineResult& result : {m_line->GetState(state), m_line->SetState(state), m_line->SetTimeouts({}),
+                                   m_line->Purge(), m_line->ClearError()}) {
+    EXPECT_FALSE(result);
+    EXPECT_EQ(result.Failure().kind, LineError::Disconnected);
+  }
   EXPECT_FALSE(m_line->Close()) << "there is nothing to close any more";
 }
 

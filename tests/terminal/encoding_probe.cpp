@@ -18,8 +18,7 @@ int main(int argc, char** argv) {
     OperationLog log;
     CommandLine commandLine;
     ScriptedHost host;
-    ExecuteCommand({engine, connection, SettingsRecord(), log, commandLine}, host,
-                   QString::fromUtf8(argv[i]));
+    ExecuteCommand({engine, SettingsRecord(), log, commandLine}, host, QString::fromUtf8(argv[i]));
     std::printf("%s %s %s\n", line->written.toHex().constData(), log.Line(0).toHex().constData(),
                 log.RowText(0, QStringLiteral("OFF")).toUtf8().toHex().constData());
     std::printf("%s\n", log.RowText(1, QStringLiteral("OFF")).trimmed().toLatin1().constData());

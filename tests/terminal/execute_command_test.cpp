@@ -28,8 +28,8 @@ class Execute : public TransactionTest {
     m_line->cancel = [this] { m_cancelled.set_value(); };
   }
   TransactionResult RunCommand(const char* command, TransactionHost& host) {
-    return ExecuteCommand({*m_engine, m_connection, m_settings, m_log, m_commandLine}, host,
-                          QString::fromLatin1(command));
+    return ExecuteCommand({*m_engine, m_settings, m_log, m_commandLine}, host, QString::fromLatin1(command))
+        .result;
   }
   TransactionResult RunCommand(const char* command) { return RunCommand(command, m_host); }
   [[nodiscard]] std::vector<std::string> Lines(int first = 0) const {
@@ -58,7 +58,7 @@ TEST_F(Execute, AResponseIsLogged) {
   EXPECT_EQ(RunCommand("id"), TransactionResult::Received);
   EXPECT_EQ(Lines(), (Log{"[id]\r", "one\r", "two\r"}));
   EXPECT_EQ(m_commandLine.LastCommand(), QStringLiteral("id"));
-  EXPECT_EQ(m_connection.command, "id");
+  EXPECT_EQ(m_line->written, "id\r");
 }
 
 TEST_F(Execute, ACommandForgesNoLineOfTheLog) {

@@ -12,19 +12,20 @@ class LogText : public testing::Test {
     m_settings.inputMax = QStringLiteral("N");
   }
   QByteArray TextOf(TransactionResult result, const char* command = "id") {
-    return LogTextOf(result, command, m_connection, m_settings);
+    m_outcome.result = result;
+    return LogTextOf(m_outcome, command, m_settings);
   }
   QByteArray TextOfResponse(const QByteArray& response) {
-    m_connection.response = response;
+    m_outcome.response = response;
     return TextOf(TransactionResult::Received);
   }
 
   SettingsRecord m_settings;
-  PortConnection m_connection;
+  TransactionOutcome m_outcome;
 };
 
 TEST_F(LogText, OfErrorsIsOneLineAndAnEmptyOne) {
-  m_connection.response = "left over\r";
+  m_outcome.response = "left over\r";
   EXPECT_EQ(TextOf(TransactionResult::Timeout), "[id]\rError: Response Timeout Error\r\r");
   EXPECT_EQ(TextOf(TransactionResult::InvalidData), "[id]\rError: Received Invalid Data\r\r");
   EXPECT_EQ(TextOf(TransactionResult::Aborted), "[id]\rWarning: Aborted by ESC Key\r\r");
@@ -82,14 +83,14 @@ TEST_F(LogText, WrappingCountsWhatIsSpelledOut) {
 
 TEST_F(LogText, TheCommandIsEchoedUnwrappedAsItWasRendered) {
   const QByteArray command = QByteArray("\xc2\xb5").repeated(100);
-  EXPECT_EQ(LogTextOf(TransactionResult::Timeout, command, m_connection, m_settings),
+  EXPECT_EQ(LogTextOf({.result = TransactionResult::Timeout}, command, m_settings),
             '[' + command + "]\rError: Response Timeout Error\r\r");
   EXPECT_EQ(TextOf(TransactionResult::Timeout, ""), "[]\rError: Response Timeout Error\r\r");
 }
 
 TEST_F(LogText, OfAnOverflowNamesCountAndLimit) {
-  m_connection.response = "cut";
-  m_connection.byteCount = 6145;
+  m_outcome.response = "cut";
+  m_outcome.byteCount = 6145;
   for (const auto& [comBuf, limit] : {std::pair{"1K", "1024"},
                                       {"2K", "2048"},
                                       {"6K", "6144"},
@@ -104,13 +105,13 @@ TEST_F(LogText, OfAnOverflowNamesCountAndLimit) {
 }
 
 TEST_F(LogText, OfAnOverflowReplacesTheLastLine) {
-  m_connection.byteCount = 1500;
+  m_outcome.byteCount = 1500;
   const QByteArray error = "Error: Receive Buffer Overflow > 1500 (MAX. 1024)\r\r";
-  m_connection.response = "one\rtwo\rthr";
+  m_outcome.response = "one\rtwo\rthr";
   EXPECT_EQ(TextOf(TransactionResult::Overflow), "[id]\rone\rtwo\r...\r" + error);
-  m_connection.response = "one\rtwo\r";
+  m_outcome.response = "one\rtwo\r";
   EXPECT_EQ(TextOf(TransactionResult::Overflow), "[id]\rone\r...\r" + error);
-  m_connection.response = QByteArray(1024, 'x');
+  m_outcome.response = QByteArray(1024, 'x');
   // 21 lines of 48 and one of 16, which is the one that is replaced.
   EXPECT_EQ(TextOf(TransactionResult::Overflow),
             "[id]\r" + (QByteArray(48, 'x') + '\r').repeated(21) + "...\r" + error);
@@ -118,8 +119,8 @@ TEST_F(LogText, OfAnOverflowReplacesTheLastLine) {
 
 TEST_F(LogText, OfAnOverflowSpellsOutTheLineEndsThatWereNotCleaned) {
   m_settings.inputMax = QStringLiteral("W");
-  m_connection.byteCount = 1500;
-  m_connection.response = "one\r\ntwo\r\nthr";
+  m_outcome.byteCount = 1500;
+  m_outcome.response = "one\r\ntwo\r\nthr";
   EXPECT_EQ(TextOf(TransactionResult::Overflow),
             "[id]\rone\r<LF>two\r...\rError: Receive Buffer Overflow > 1500 (MAX. 1024)\r\r");
 }

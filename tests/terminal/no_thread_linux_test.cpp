@@ -22,17 +22,17 @@ QByteArray LogOfTwoCommands(const std::function<bool()>& between) {
   CommandLine commandLine;
   ScriptedHost host;
   const auto execute = [&](const char* command) {
-    return ExecuteCommand({engine, connection, settings, log, commandLine}, host,
-                          QString::fromLatin1(command));
+    return ExecuteCommand({engine, settings, log, commandLine}, host, QString::fromLatin1(command));
   };
   execute("one");
   if (!engine.WhyNoThread().isEmpty() || !between()) return "no test";
-  const TransactionResult second = execute("two");
-  const TransactionResult third = execute("three");
+  const TransactionOutcome second = execute("two");
+  const TransactionOutcome third = execute("three");
   return log.CopyLogAll(QStringLiteral("OFF")).toUtf8().replace('\r', '/') +
-         line->written.replace('\r', '/') + ' ' + QByteArray::number(static_cast<int>(second)) +
-         QByteArray::number(static_cast<int>(third)) + ' ' + QByteArray::number(connection.status) + ' ' +
-         engine.WhyNoThread().toUtf8() + (engine.IsBusy() || host.begun != host.ended ? " busy" : "");
+         line->written.replace('\r', '/') + ' ' + QByteArray::number(static_cast<int>(second.result)) +
+         QByteArray::number(static_cast<int>(third.result)) + ' ' +
+         QByteArray(third.lineFailed ? "line failed " : "") + engine.WhyNoThread().toUtf8() +
+         (engine.IsBusy() || host.begun != host.ended ? " busy" : "");
 }
 
 /// What a failed read leaves in the log, and nothing on the line: not the end of the program and of its log.
@@ -42,7 +42,7 @@ TEST(NoThread, IsAFailedRead) {
     std::_Exit(0);
   };
   EXPECT_EXIT(play(), testing::ExitedWithCode(0),
-              "^\\[one\\]/A/\\[two\\]/A/\\[three\\]/A/one/ 00 -1 Resource temporarily unavailable$");
+              "^\\[one\\]/A/\\[two\\]/A/\\[three\\]/A/one/ 00 line failed Resource temporarily unavailable$");
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include "serial/line_parameters.h"
 #include "serial/scripted_line.h"
+#include "terminal/receive_worker.h"
 #include "terminal/transaction.h"
 #include "terminal/transaction_fixture.h"
 
@@ -96,8 +97,8 @@ TEST_F(TransactionFailure, TheTotalOfTheReadIsWhatEndsAWaitWithoutALimit) {
 TEST_F(TransactionFailure, AReadThatReachedItsTotalIsInvalidData) {
   ReadGives("");
   EXPECT_EQ(Run("id"), TransactionResult::InvalidData);
-  EXPECT_EQ(m_connection.status, 0);
-  EXPECT_EQ(m_connection.byteCount, -1);
+  EXPECT_FALSE(m_outcome.lineFailed);
+  EXPECT_EQ(m_outcome.byteCount, -1);
   EXPECT_EQ(Response(), "");
 }
 
@@ -114,15 +115,17 @@ TEST_F(TransactionFailure, AFailedReadLeavesTheFormerBufferInPlay) {
   ReadFails();
   EXPECT_EQ(Run("two"), TransactionResult::Received);
   EXPECT_EQ(Response(), "former\r");
-  EXPECT_EQ(m_connection.status, -1);
-  EXPECT_EQ(m_connection.byteCount, -1);
+  EXPECT_TRUE(m_outcome.lineFailed);
+  EXPECT_EQ(m_outcome.raw, "");
+  EXPECT_EQ(m_outcome.byteCount, -1);
 }
 
 TEST_F(TransactionFailure, AFailedFirstReadIsInvalidData) {
   ReadFails();
   EXPECT_EQ(Run("id"), TransactionResult::InvalidData);
-  EXPECT_EQ(m_connection.status, -1);
-  EXPECT_EQ(m_connection.byteCount, -1);
+  EXPECT_TRUE(m_outcome.lineFailed);
+  EXPECT_EQ(m_outcome.raw, "");
+  EXPECT_EQ(m_outcome.byteCount, -1);
 }
 
 TEST_F(TransactionFailure, AFailedReadAfterAnOverflowIsNoOverflow) {
@@ -137,8 +140,9 @@ TEST_F(TransactionFailure, WithoutAPortTheReadFails) {
   for (const PortHandle& handle : {PortHandle(), PortHandle::Invalid()}) {
     m_connection.handle = handle;
     EXPECT_EQ(Run("id"), TransactionResult::InvalidData);
-    EXPECT_EQ(m_connection.status, -1);
-    EXPECT_EQ(m_connection.byteCount, -1);
+    EXPECT_TRUE(m_outcome.lineFailed);
+    EXPECT_EQ(m_outcome.raw, "");
+    EXPECT_EQ(m_outcome.byteCount, -1);
   }
   EXPECT_EQ(m_journal.Entries(), Steps{});
 }
@@ -156,6 +160,60 @@ TEST_F(TransactionFailure, AnAnswerOfAnotherLineIsNeverShown) {
   next->read = [](char*, std::size_t) { return IoResult{}; };
   m_connection.handle = PortHandle(next);
   EXPECT_EQ(Run("four"), TransactionResult::InvalidData);
+}
+
+/// The former bytes are those of the line's last read that did not fail, also when nobody waited for it.
+TEST_F(TransactionFailure, WhatAReadLeftBehindStillBroughtIsTheFormerBuffer) {
+  std::promise<void> cancelled;
+  m_line->read = [&](char* buffer, std::size_t) {
+    cancelled.get_future().wait();
+    std::memcpy(buffer, "late\r", 5);
+    return IoResult{.ok = true, .bytes = 5};
+  };
+  m_line->cancel = [&] {
+    ReadFails();
+    cancelled.set_value();
+  };
+  m_host.escapeAtLook = 1;
+  ASSERT_EQ(Run("one"), TransactionResult::Aborted);
+  EXPECT_EQ(Response(), "");
+  EXPECT_EQ(Run("two"), TransactionResult::Received);
+  EXPECT_EQ(Response(), "late\r");
+  EXPECT_TRUE(m_outcome.lineFailed);
+  EXPECT_EQ(m_outcome.raw, "");
+}
+
+TEST_F(TransactionFailure, AnOutcomeWithoutAReadHoldsNothingOfTheOneBefore) {
+  ReadGives("former\r");
+  ASSERT_EQ(Run("one"), TransactionResult::Received);
+  std::promise<void> cancelled;
+  m_line->read = [&](char*, std::size_t) {
+    cancelled.get_future().wait();
+    return IoResult{};
+  };
+  m_line->cancel = [&] { cancelled.set_value(); };
+  m_host.escapeAtLook = 1;
+  EXPECT_EQ(Run("two"), TransactionResult::Aborted);
+  EXPECT_EQ(Response(), "");
+  EXPECT_EQ(m_outcome.raw, "");
+  EXPECT_EQ(m_outcome.byteCount, -1);
+  EXPECT_FALSE(m_outcome.lineFailed);
+  m_engine.reset();
+}
+
+TEST(ReadingOf, IsCutAtTheLimitOnlyTwoBytesBeyondIt) {
+  const QByteArray bytes(8191, 'x');
+  for (const auto& [comBuf, limit] : {std::pair{"1K", 1024}, {"6K", 6144}}) {
+    for (const int beyond : {-1, 0, 1, 2, 3}) {
+      const int count = limit + beyond;
+      const Reading reading =
+          ReadingOf(bytes.constData(), static_cast<std::size_t>(count), QString::fromLatin1(comBuf));
+      EXPECT_EQ(reading.truncated, beyond > 1) << count;
+      EXPECT_EQ(reading.bytes.size(), beyond > 1 ? limit : count) << count;
+      EXPECT_EQ(reading.byteCount, count - 1);
+      EXPECT_FALSE(reading.failed);
+    }
+  }
 }
 
 TEST_F(TransactionFailure, AWorkerWhoseWaitEndedWhileItSentDoesNotReadAnyMore) {

@@ -60,14 +60,15 @@ class TransactionTest : public testing::Test {
   }
 
   TransactionResult Run(const char* command) {
-    m_connection.command = command;
-    return m_engine->RunTransaction(m_settings, m_host);
+    m_outcome = m_engine->RunTransaction(m_settings, m_host, command);
+    return m_outcome.result;
   }
-  [[nodiscard]] const QByteArray& Response() const { return m_connection.response; }
+  [[nodiscard]] const QByteArray& Response() const { return m_outcome.response; }
 
   SettingsRecord m_settings = PatientSettings();
   std::optional<ServedInstrument> m_instrument;
   PortConnection m_connection;
+  TransactionOutcome m_outcome;  ///< of the last Run
   ScriptedHost m_host;
   std::unique_ptr<TransactionEngine> m_engine = std::make_unique<TransactionEngine>(m_connection);
 };

@@ -14,19 +14,21 @@ TEST_F(TransactionHangUp, MidAnswerGivesWhatCameAndThenTheFormerBuffer) {
   Serve("\"id\" -> \"half\" 1000 hangup");
   EXPECT_EQ(Run("id"), TransactionResult::Received);
   EXPECT_EQ(Response(), "half");
-  EXPECT_EQ(m_connection.status, 0);
-  EXPECT_EQ(m_connection.byteCount, 3);
+  EXPECT_FALSE(m_outcome.lineFailed);
+  EXPECT_EQ(m_outcome.byteCount, 3);
   EXPECT_EQ(Run("again"), TransactionResult::Received);
   EXPECT_EQ(Response(), "half");
-  EXPECT_EQ(m_connection.status, -1);
-  EXPECT_EQ(m_connection.byteCount, -1);
+  EXPECT_TRUE(m_outcome.lineFailed);
+  EXPECT_EQ(m_outcome.raw, "");
+  EXPECT_EQ(m_outcome.byteCount, -1);
 }
 
 TEST_F(TransactionHangUp, InsteadOfAnAnswerIsAFailedRead) {
   Serve("\"unplug\" -> hangup");
   EXPECT_EQ(Run("unplug"), TransactionResult::InvalidData);
-  EXPECT_EQ(m_connection.status, -1);
-  EXPECT_EQ(m_connection.byteCount, -1);
+  EXPECT_TRUE(m_outcome.lineFailed);
+  EXPECT_EQ(m_outcome.raw, "");
+  EXPECT_EQ(m_outcome.byteCount, -1);
   EXPECT_TRUE(ClosePort(m_connection));
 }
 

@@ -18,7 +18,7 @@ TEST_P(Exchange, SendsTheFramedCommandAndCleansTheResponse) {
   Serve("\"id\" -> line \"one\" line \"two\"");
   EXPECT_EQ(Run("id"), TransactionResult::Received);
   EXPECT_EQ(Response(), "one\rtwo\r");
-  EXPECT_EQ(m_connection.status, 0);
+  EXPECT_FALSE(m_outcome.lineFailed);
   EXPECT_EQ(m_instrument->Received(), GetParam().sent);
 }
 
@@ -30,15 +30,15 @@ INSTANTIATE_TEST_SUITE_P(Delimiters, Exchange,
 TEST_F(TransactionTest, TheByteCountLeavesOutTheLastByte) {
   Serve("\"id\" -> \"12345\\r\"");
   EXPECT_EQ(Run("id"), TransactionResult::Received);
-  EXPECT_EQ(m_connection.byteCount, 5);
-  EXPECT_EQ(m_connection.status, 0);
+  EXPECT_EQ(m_outcome.byteCount, 5);
+  EXPECT_FALSE(m_outcome.lineFailed);
 }
 
-TEST_F(TransactionTest, TheReceiveBufferKeepsTheResponseAsItCame) {
+TEST_F(TransactionTest, TheRawResponseIsAsItCame) {
   m_settings.delimiter = QStringLiteral("STX_ETX");
   Serve("\"id\" -> line \"SIM\"");
   EXPECT_EQ(Run("id"), TransactionResult::Received);
-  EXPECT_STREQ(m_connection.receiveBuffer.data(), "\x02SIM\x03");
+  EXPECT_EQ(m_outcome.raw, "\x02SIM\x03");
 }
 
 TEST_F(TransactionTest, OneCommandAfterTheOther) {
@@ -81,7 +81,8 @@ TEST_F(TransactionTest, ANulEndsTheTextOfAResponse) {
   Serve("\"id\" -> \"AB\\x00CD\\r\"");
   EXPECT_EQ(Run("id"), TransactionResult::Received);
   EXPECT_EQ(Response(), "AB");
-  EXPECT_EQ(m_connection.byteCount, 5);
+  EXPECT_EQ(m_outcome.raw, QByteArray("AB\0CD\r", 6));
+  EXPECT_EQ(m_outcome.byteCount, 5);
 }
 
 TEST_F(TransactionTest, ANulAtTheStartLeavesNothing) {
@@ -94,7 +95,7 @@ TEST_F(TransactionTest, AFrameWithNothingInItIsInvalidData) {
   Serve("\"id\" -> \"\\x02\\x03\"");
   EXPECT_EQ(Run("id"), TransactionResult::InvalidData);
   EXPECT_EQ(Response(), "\x02\x03") << "as it came";
-  EXPECT_EQ(m_connection.byteCount, 1);
+  EXPECT_EQ(m_outcome.byteCount, 1);
 }
 
 TEST_F(TransactionTest, LineFeedsAloneAreInvalidDataWhereTheyAreOnlyHalfALineEnd) {
@@ -136,22 +137,23 @@ class Limit : public TransactionTest, public testing::WithParamInterface<LimitRo
 TEST_P(Limit, AResponseOfExactlyTheLimitIsComplete) {
   EXPECT_EQ(RunWithResponseOf(GetParam().limit), TransactionResult::Received);
   EXPECT_EQ(Response(), QByteArray(GetParam().limit, 'x'));
-  EXPECT_EQ(m_connection.byteCount, GetParam().limit - 1);
-  EXPECT_EQ(m_connection.status, 0);
+  EXPECT_EQ(m_outcome.byteCount, GetParam().limit - 1);
+  EXPECT_FALSE(m_outcome.lineFailed);
 }
 
 TEST_P(Limit, OneByteMoreIsStillComplete) {
   EXPECT_EQ(RunWithResponseOf(GetParam().limit + 1), TransactionResult::Received);
   EXPECT_EQ(Response(), QByteArray(GetParam().limit + 1, 'x'));
-  EXPECT_EQ(m_connection.byteCount, GetParam().limit);
-  EXPECT_EQ(m_connection.status, 0);
+  EXPECT_EQ(m_outcome.byteCount, GetParam().limit);
+  EXPECT_FALSE(m_outcome.lineFailed);
 }
 
 TEST_P(Limit, TwoBytesMoreAreAnOverflowCutAtTheLimit) {
   EXPECT_EQ(RunWithResponseOf(GetParam().limit + 2), TransactionResult::Overflow);
   EXPECT_EQ(Response(), QByteArray(GetParam().limit, 'x'));
-  EXPECT_EQ(m_connection.byteCount, GetParam().limit + 1);
-  EXPECT_EQ(m_connection.status, 3);
+  EXPECT_EQ(m_outcome.byteCount, GetParam().limit + 1);
+  EXPECT_EQ(m_outcome.raw, QByteArray(GetParam().limit, 'x'));
+  EXPECT_FALSE(m_outcome.lineFailed);
 }
 
 INSTANTIATE_TEST_SUITE_P(BufferSizes, Limit,
@@ -163,20 +165,21 @@ TEST_F(TransactionTest, AnOverflowKeepsTheResponseAsItCame) {
   Serve("\"big\" -> \"0123456789abcd\\r\\n\" * 100");
   EXPECT_EQ(Run("big"), TransactionResult::Overflow);
   EXPECT_EQ(Response(), QByteArray("0123456789abcd\r\n").repeated(64));
-  EXPECT_EQ(m_connection.byteCount, 1599);
+  EXPECT_EQ(m_outcome.byteCount, 1599);
 }
 
 TEST_F(TransactionTest, AnOverflowOfNothingButFramingIsInvalidData) {
   m_settings.delimiter = QStringLiteral("CRLF");
   Serve("\"big\" -> \"\\n\" * 1500");
   EXPECT_EQ(Run("big"), TransactionResult::InvalidData);
+  EXPECT_EQ(m_outcome.raw, QByteArray(1024, '\n'));
 }
 
 TEST_F(TransactionTest, AFloodThatNeverFallsSilentEndsWithAFullRead) {
   m_settings.comBps = QStringLiteral("1200");
   Serve("\"flood\" -> flood");
   EXPECT_EQ(Run("flood"), TransactionResult::Overflow);
-  EXPECT_EQ(m_connection.byteCount, 8190);
+  EXPECT_EQ(m_outcome.byteCount, 8190);
   EXPECT_EQ(Response(), QByteArray(1024, 'F'));
 }
 

@@ -154,7 +154,7 @@ TEST_F(TransactionWait, ASecondCommandMeanwhileIsRefusedAndStartsNothing) {
   Serve(kRules);
   TransactionResult inner{};
   ScriptedHost innerHost;
-  m_host.whilePainting = [&] { inner = m_engine->RunTransaction(m_settings, innerHost); };
+  m_host.whilePainting = [&] { inner = m_engine->RunTransaction(m_settings, innerHost, "second").result; };
   EXPECT_EQ(Run("id"), TransactionResult::Received);
   EXPECT_EQ(inner, TransactionResult::AlreadyRunning);
   EXPECT_EQ(Response(), "SIM\r");

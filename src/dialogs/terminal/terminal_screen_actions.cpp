@@ -204,9 +204,8 @@ void CTerminalScreen::SendIfTyped() {
 }
 
 void CTerminalScreen::Transact() {
-  const ExecuteContext context{m_context.engine, m_context.connection, m_context.settings, m_context.log,
-                               m_context.commandLine};
-  const TransactionResult result = ExecuteCommand(context, *this, m_context.commandLine.Text());
+  const ExecuteContext context{m_context.engine, m_context.settings, m_context.log, m_context.commandLine};
+  const TransactionResult result = ExecuteCommand(context, *this, m_context.commandLine.Text()).result;
   RedrawLogRows();
   if (result == TransactionResult::Aborted) {
     // What another window asked to send before is typed ahead as well.

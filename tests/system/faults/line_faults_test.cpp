@@ -77,10 +77,10 @@ class LineFaults : public testing::TestWithParam<TerminalKind> {
     m_uart->marked = false;
     m_uart->lowLatency = false;
   }
-  /// Plays one operation of an open line; `act` says whether it succeeded.
+  /// Plays one operation of an open line; `act` gives its result.
   template <class Act>
   void PlayOnLine(const char* name, const Act& act) {
-    bool done = false;
+    LineResult done;
     Play(
         name, [this] { OpenAfresh(); }, [&] { done = act(); },
         [&](const Fault& fault) {
@@ -88,8 +88,8 @@ class LineFaults : public testing::TestWithParam<TerminalKind> {
             EXPECT_TRUE(!fault.struck || GoesOn(fault)) << "a failure was passed over";
           } else {
             EXPECT_TRUE(fault.struck);
-            EXPECT_EQ(m_line->LastFailure().kind, Meaning(fault.error));
-            EXPECT_TRUE(m_line->LastFailure().reason.contains(SystemText(fault.error)));
+            EXPECT_EQ(done.Failure().kind, Meaning(fault.error));
+            EXPECT_TRUE(done.Failure().reason.contains(SystemText(fault.error)));
           }
           ExpectWorks();
         });
@@ -167,7 +167,7 @@ TEST_P(LineFaults, SetState) {
 
 TEST_P(LineFaults, AFailedSetStateLeavesTheLineAsItWas) {
   LineState state;
-  bool done = false;
+  LineResult done;
   Play(
       "set the state and look", [this] { OpenAfresh(); }, [&] { done = m_line->SetState(kWanted); },
       [&](const Fault&) {
@@ -192,14 +192,14 @@ TEST_P(LineFaults, Write) {
   PlayOnLine("write", [this] {
     const IoResult result = m_line->Write("command\r", 8);
     EXPECT_EQ(result.bytes, result.ok ? 8U : 0U);
-    return result.ok;
+    return result.ok ? LineResult() : LineResult(result.failure);
   });
 }
 
 TEST_P(LineFaults, Read) {
   std::array<char, 64> buffer{};
   std::string got;
-  bool ok = false;
+  IoResult result;
   Play(
       "read",
       [&] {
@@ -207,16 +207,15 @@ TEST_P(LineFaults, Read) {
         ASSERT_EQ(::write(m_far.Descriptor(), "answer", 6), 6);
       },
       [&] {
-        const IoResult result = m_line->Read(buffer.data(), buffer.size());
-        ok = result.ok;
+        result = m_line->Read(buffer.data(), buffer.size());
         got.assign(buffer.data(), result.bytes);
       },
       [&](const Fault& fault) {
-        EXPECT_TRUE(!fault.struck || m_line->LastFailure().kind == Meaning(fault.error));
+        EXPECT_TRUE(!fault.struck || result.failure.kind == Meaning(fault.error));
         // What had come by then is handed over, and what had not waits for the next read.
-        EXPECT_EQ(ok, !got.empty());
-        EXPECT_TRUE(fault.struck || ok);
-        if (!ok) got.assign(buffer.data(), m_line->Read(buffer.data(), buffer.size()).bytes);
+        EXPECT_EQ(result.ok, !got.empty());
+        EXPECT_TRUE(fault.struck || result.ok);
+        if (!result.ok) got.assign(buffer.data(), m_line->Read(buffer.data(), buffer.size()).bytes);
         EXPECT_EQ(got, "answer");
         ExpectWorks();
       });
@@ -233,8 +232,9 @@ TEST_P(LineFaults, CancelAndAllow) {
     m_line = Open().line;
     ASSERT_TRUE(m_line);
     m_line->CancelIo();
-    EXPECT_FALSE(m_line->Write("x", 1).ok);
-    EXPECT_EQ(m_line->LastFailure().kind, LineError::Cancelled);
+    const IoResult refused = m_line->Write("x", 1);
+    EXPECT_FALSE(refused.ok);
+    EXPECT_EQ(refused.failure.kind, LineError::Cancelled);
     m_line->AllowIo();
     EXPECT_TRUE(m_line->Write("x", 1).ok);
   }
@@ -244,14 +244,15 @@ TEST_P(LineFaults, CancelAndAllow) {
 }
 
 TEST_P(LineFaults, Close) {
-  bool closed = false;
+  LineResult closed;
   Play(
       "close the line", [&] { OpenAfresh(); }, [&] { closed = m_line->Close(); },
       [&](const Fault& fault) {
-        EXPECT_EQ(closed, fault.call != "close");
-        EXPECT_TRUE(closed || m_line->LastFailure().kind == Meaning(fault.error));
-        EXPECT_FALSE(m_line->Purge());
-        EXPECT_EQ(m_line->LastFailure().kind, LineError::Disconnected);
+        EXPECT_EQ(static_cast<bool>(closed), fault.call != "close");
+        EXPECT_TRUE(closed || closed.Failure().kind == Meaning(fault.error));
+        const LineResult purged = m_line->Purge();
+        EXPECT_FALSE(purged);
+        EXPECT_EQ(purged.Failure().kind, LineError::Disconnected);
         ExpectWorks();
       });
 }

@@ -279,9 +279,9 @@ class Soak {
     m_firstLine = m_log.LineCount();
     const Fate fate = FateOf(m_seed, m_number);
     m_start = Clock::now();
-    const TransactionResult result =
-        ExecuteCommand({m_engine, m_connection, m_settings, m_log, m_commandLine}, m_host,
-                       QString::fromStdString(CommandOf(m_number)));
+    const TransactionResult result = ExecuteCommand({m_engine, m_settings, m_log, m_commandLine}, m_host,
+                                                    QString::fromStdString(CommandOf(m_number)))
+                                         .result;
     ++m_counts.at(static_cast<std::size_t>(fate));
     // Who gives up on an instrument waits until it is done before asking it anew.
     while (m_instrument.Served() < m_number) std::this_thread::sleep_for(milliseconds(1));

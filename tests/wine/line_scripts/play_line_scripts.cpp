@@ -98,13 +98,15 @@ QStringList Read(const LineScript& script, SerialLine& line) {
   return outcomes;
 }
 
-QStringList Transact(const LineScript& script, PortConnection& connection) {
+QStringList Transact(const LineScript& script, const PortConnection& connection) {
   TransactionEngine engine(connection);
   ScriptedHost host;
-  connection.command = script.name.toLatin1();
-  const TransactionResult result = engine.RunTransaction(script.settings, host);
-  return {Outcome(static_cast<int>(result), connection.response),
-          QStringLiteral("count %1 status %2").arg(connection.byteCount).arg(connection.status)};
+  const TransactionOutcome outcome = engine.RunTransaction(script.settings, host, script.name.toLatin1());
+  return {Outcome(static_cast<int>(outcome.result), outcome.response),
+          QStringLiteral("count %1 raw %2 %3")
+              .arg(outcome.byteCount)
+              .arg(outcome.raw.size())
+              .arg(outcome.lineFailed ? QStringLiteral("failed") : QStringLiteral("ended"))};
 }
 
 /// Until nothing more comes: what is left of an answer is not for the next command.

@@ -33,7 +33,7 @@ inline OpenResult OpenServedLine(const ServedInstrument& instrument) {
 }
 
 /// The time-outs for a line that a test reads from.
-inline bool SetServedTimeouts(SerialLine& line, const LineTimeouts& timeouts) {
+inline LineResult SetServedTimeouts(SerialLine& line, const LineTimeouts& timeouts) {
   return line.SetTimeouts(timeouts);
 }
 
