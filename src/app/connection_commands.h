@@ -11,7 +11,7 @@ void TellPortUndefined(MessageOperations& messages);
 /// That the configured port cannot be opened or is gone.
 void TellPortNotAvailable(MessageOperations& messages, const QString& port);
 
-/// Connects to the port that the settings name and tells how it went. Sets the connected flag.
+/// Connects to the port that the settings name and tells how it went. Updates the connected mark.
 bool ConnectWithMessages(Program& program);
 
 // The commands of the Port menu. User-interface thread; each returns when its messages are gone.

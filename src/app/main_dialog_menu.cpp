@@ -86,7 +86,7 @@ void CQuarnDlg::CreateMenus() {
 void CQuarnDlg::UpdateMenuState() {
   const MenuFacts facts{
       .userFileInForce = !m_program.userFile.isEmpty(),
-      .connected = m_program.connection.connected,
+      .connected = m_program.connection.connected.IsSet(),
       .portConfigured = m_program.state.currentPortName != u"NONE",
       .terminalScreenOpen = m_program.state.open.terminalScreen,
       .functionKeyTableOpen = m_program.state.open.functionKeyTable,

@@ -9,7 +9,7 @@ class MainWindow {
  public:
   virtual ~MainWindow() = default;
 
-  /// The title from the connected flag and the current port name, with `suffix` behind it.
+  /// The title from the connected mark and the current port name, with `suffix` behind it.
   virtual void SetTitle(const QString& suffix) = 0;
   /// Enables the menu items that can be used now.
   virtual void UpdateMenuState() = 0;

@@ -78,7 +78,7 @@ void ConnectAtStart(Program& program) {
   program.state.currentPortName = program.settings.comPort;
   if (program.state.currentPortName == u"NONE") {
     TellPortUndefined(*program.messages);
-    program.connection.connected = false;
+    program.connection.connected.Update(PortChange::Undefined);
     return;
   }
   ConnectWithMessages(program);
