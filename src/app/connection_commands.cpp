@@ -23,7 +23,7 @@ void TellPortNotAvailable(MessageOperations& messages, const QString& port) {
 bool ConnectWithMessages(Program& program) {
   const QString port = program.state.currentPortName;
   const bool connected = ConnectPort(program.settings, program.connection, program.Environment());
-  program.connection.connected = connected;
+  program.connection.connected.Update(OpeningThat(connected));
   if (connected) {
     program.messages->ShowTransientMessage(QStringLiteral("Successfully Connected to \"%1\".").arg(port), {});
   } else {
@@ -37,7 +37,7 @@ void Connect(Program& program) {
 }
 
 void Disconnect(Program& program) {
-  if (!program.connection.connected) return;
+  if (!program.connection.connected.IsSet()) return;
   const QString port = program.state.currentPortName;
   if (!program.messages->AskYesNo(QStringLiteral(": Confirmation"), QString(),
                                   QStringLiteral("Are you sure you want to disconnect the COM port?"),
@@ -45,7 +45,7 @@ void Disconnect(Program& program) {
     return;
   }
   ClosePort(program.connection);
-  program.connection.connected = false;
+  program.connection.connected.Update(PortChange::Closed);
   program.messages->ShowTransientMessage(QStringLiteral("\"%1\" was disconnected.").arg(port), {});
   RaiseConnectionRefreshes(program.state.requests);
 }
@@ -54,7 +54,7 @@ void Reset(Program& program, MainWindow& window, Pause& pause) {
   window.SetTitle(QStringLiteral("- Resetting Port ..."));
   pause.For(kBeforeResetMs);
   const bool reset = ResetPort(program.settings, program.connection, program.Environment());
-  program.connection.connected = reset;
+  program.connection.connected.Update(OpeningThat(reset));
   RaiseConnectionRefreshes(program.state.requests);
   window.SetTitle(QString());
   const QString port = program.state.currentPortName;

@@ -11,7 +11,7 @@ void TellPortUndefined(MessageOperations& messages);
 /// Shows that the configured port cannot be opened or is gone.
 void TellPortNotAvailable(MessageOperations& messages, const QString& port);
 
-/// Connects to the port in the settings and shows the result. Sets the connected flag.
+/// Connects to the port in the settings and shows the result. Updates the connected mark.
 bool ConnectWithMessages(Program& program);
 
 // The commands of the Port menu. User-interface thread; each returns when its messages are closed.

@@ -40,7 +40,7 @@ void TellBeforeTheEnd(const PassedLimit& passed) {
   Program* program = std::exchange(g_program, nullptr);
   if (program == nullptr) return;
   ClosePort(program->connection);
-  program->connection.connected = false;
+  program->connection.connected.Update(PortChange::Closed);
   // Behind the box no ports are listed and none is connected.
   program->state.portBeingChosen = true;
   program->messages->ShowPlainMessage(TextOf(passed));

@@ -21,7 +21,7 @@ const QString kQrnFiles = QStringLiteral("QRN Files (*.qrn) (*.qrn)");
 
 void CloseConnection(Program& program) {
   ClosePort(program.connection);
-  program.connection.connected = false;
+  program.connection.connected.Update(PortChange::Closed);
 }
 
 }  // namespace

@@ -141,7 +141,7 @@ void CQuarnDlg::Refresh() {
 }
 
 void CQuarnDlg::SetTitle(const QString& suffix) {
-  const QString port = PortTitlePart(m_program.state.currentPortName, m_program.connection.connected);
+  const QString port = PortTitlePart(m_program.state.currentPortName, m_program.connection.connected.IsSet());
   setWindowTitle(QStringLiteral("Quarn   (") + port + QLatin1Char(')') + suffix);
 }
 

@@ -87,7 +87,7 @@ void CQuarnDlg::CreateMenus() {
 void CQuarnDlg::UpdateMenuState() {
   const MenuFacts facts{
       .userFileInForce = !m_program.userFile.isEmpty(),
-      .connected = m_program.connection.connected,
+      .connected = m_program.connection.connected.IsSet(),
       .portConfigured = m_program.state.currentPortName != kNoPort,
       .terminalScreenOpen = m_program.state.open.Contains(Window::TerminalScreen),
       .functionKeyTableOpen = m_program.state.open.Contains(Window::FunctionKeyTable),

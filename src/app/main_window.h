@@ -9,7 +9,7 @@ class MainWindow {
  public:
   virtual ~MainWindow() = default;
 
-  /// Sets the title from the connected flag and the current port name, followed by `suffix`.
+  /// Sets the title from the connected mark and the current port name, followed by `suffix`.
   virtual void SetTitle(const QString& suffix) = 0;
   /// Enables the menu items that are available now.
   virtual void UpdateMenuState() = 0;

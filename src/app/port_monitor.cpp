@@ -93,7 +93,7 @@ PortEvent PortMonitor::Update() {
   } else {
     m_program.messages->ShowTransientMessage(QStringLiteral("COM port list has been updated."), {});
     const QString port = m_program.state.currentPortName;
-    event = DecideOnPorts(before, now, connection.connected, port);
+    event = DecideOnPorts(before, now, connection.connected.IsSet(), port);
     switch (event) {
       case PortEvent::Vanished:
         TellVanished(port);
@@ -111,8 +111,8 @@ PortEvent PortMonitor::Update() {
 
 bool PortMonitor::IsLineLost() const {
   const PortConnection& connection = m_program.connection;
-  // A port that could not be reopened after another was refused counts as connected, without a line.
-  return connection.connected && (!connection.handle.IsOpen() || connection.handle.Line()->IsLost());
+  // A port that could not be opened again after another was refused counts as connected, and has no line.
+  return connection.connected.IsSet() && (!connection.handle.IsOpen() || connection.handle.Line()->IsLost());
 }
 
 void PortMonitor::HandleLostLine() {
@@ -151,7 +151,7 @@ void PortMonitor::TellTooMany() {
 void PortMonitor::TellVanished(const QString& port) {
   const RestingTimer rest(m_window);
   TellPortNotAvailable(*m_program.messages, port);
-  m_program.connection.connected = false;
+  m_program.connection.connected.Update(PortChange::Lost);
   m_program.state.requests.refresh.Add(Window::MainDialog);
 }
 
@@ -162,7 +162,7 @@ void PortMonitor::OfferToConnect(const QString& port) {
   if (!m_program.messages->AskYesNo(QStringLiteral(": Confirmation"), QString(),
                                     QStringLiteral("Do you want to connect to \"%1\" ?").arg(port), QString(),
                                     AnswerByDefault::AgreeUncalled)) {
-    connection.connected = false;
+    connection.connected.Update(PortChange::Undefined);
     current = NoPort();
     return;
   }
@@ -170,8 +170,9 @@ void PortMonitor::OfferToConnect(const QString& port) {
   ClosePort(connection);
   SettingsRecord settings = m_program.settings;
   settings.comPort = port;
-  connection.connected = ConnectPort(settings, connection, m_program.Environment());
-  if (!connection.connected) {
+  const bool opened = ConnectPort(settings, connection, m_program.Environment());
+  connection.connected.Update(OpeningThat(opened));
+  if (!opened) {
     TellPortNotAvailable(*m_program.messages, port);
     current = NoPort();
     return;

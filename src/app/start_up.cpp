@@ -79,7 +79,7 @@ void ConnectAtStart(Program& program) {
   program.state.currentPortName = program.settings.comPort;
   if (program.state.currentPortName == kNoPort) {
     TellPortUndefined(*program.messages);
-    program.connection.connected = false;
+    program.connection.connected.Update(PortChange::Undefined);
     return;
   }
   ConnectWithMessages(program);

@@ -6,6 +6,7 @@
 #include <memory>
 #include <utility>
 
+#include "serial/connected_mark.h"
 #include "serial/serial_line.h"
 
 namespace quarn {
@@ -40,9 +41,8 @@ class PortHandle {
 /// The one port record of the process. User-interface thread.
 struct PortConnection {
   PortHandle handle;
-  /// What the program regards as its state; set by the commands that connect and disconnect, never by
-  /// OpenPort itself.
-  bool connected = false;
+  /// Updated by the commands that connect and disconnect, never by OpenPort itself.
+  ConnectedMark connected;
   std::int32_t portCount = 0;
   PortNames portNames;
   /// Why the last OpenPort failed; kind None after a success.

@@ -272,7 +272,7 @@ TEST_F(Boxes, TheListThatOnePortTooManyClosesIsThereUntilTheyAreOver) {
   ListPorts(30);
   static Journal calls;
   real.connection.handle = PortHandle(std::make_shared<ScriptedLine>(calls));
-  real.connection.connected = true;
+  real.connection.connected.Update(PortChange::Opened);
   real.state.currentPortName = QStringLiteral("COM7");
   const QPointer<QDialog> list = Open(command::kDetailedPortList);
   ASSERT_FALSE(list.isNull());

@@ -38,7 +38,7 @@ class ConnectionCommands : public AppTest {
   }
   void ConnectSilently() {
     Connect(program);
-    ASSERT_TRUE(program.connection.connected);
+    ASSERT_TRUE(program.connection.connected.IsSet());
     journal.clear();
     program.state.requests = {};
   }
@@ -50,7 +50,7 @@ class ConnectionCommands : public AppTest {
 TEST_F(ConnectionCommands, ConnectTells) {
   Connect(program);
   EXPECT_EQ(Happened(), QStringList{Connected("COM3")});
-  EXPECT_TRUE(program.connection.connected);
+  EXPECT_TRUE(program.connection.connected.IsSet());
   EXPECT_TRUE(program.state.requests.refresh.Contains(Window::MainDialog));
   EXPECT_TRUE(program.state.requests.refresh.Contains(Window::TerminalScreen));
   EXPECT_TRUE(program.state.requests.refresh.Contains(Window::PortNumber));
@@ -60,10 +60,10 @@ TEST_F(ConnectionCommands, ConnectTells) {
 
 TEST_F(ConnectionCommands, ConnectToAMissingPortTells) {
   Unplug();
-  program.connection.connected = true;
+  program.connection.connected.Update(PortChange::Opened);
   Connect(program);
   EXPECT_EQ(Happened(), QStringList{NotAvailable("COM3")});
-  EXPECT_FALSE(program.connection.connected);
+  EXPECT_FALSE(program.connection.connected.IsSet());
   EXPECT_EQ(program.state.currentPortName, QStringLiteral("COM3"));
 }
 
@@ -74,19 +74,19 @@ TEST_F(ConnectionCommands, DisconnectAsksAndKeepsThePort) {
   EXPECT_EQ(Happened(),
             (QStringList{"yes or no/: Confirmation//Are you sure you want to disconnect the COM port?/",
                          "transient/\"COM3\" was disconnected."}));
-  EXPECT_FALSE(program.connection.connected);
+  EXPECT_FALSE(program.connection.connected.IsSet());
   EXPECT_TRUE(program.connection.handle.IsNull());
   EXPECT_EQ(program.state.currentPortName, QStringLiteral("COM3"));
   EXPECT_TRUE(program.state.requests.refresh.Contains(Window::MainDialog));
   EXPECT_TRUE(program.state.requests.refresh.Contains(Window::TerminalScreen));
   Connect(program);
-  EXPECT_TRUE(program.connection.connected);
+  EXPECT_TRUE(program.connection.connected.IsSet());
 }
 
 TEST_F(ConnectionCommands, DisconnectIsAPlainClose) {
   Journal asked;
   program.connection.handle = PortHandle(std::make_shared<ScriptedLine>(asked));
-  program.connection.connected = true;
+  program.connection.connected.Update(PortChange::Opened);
   messages.answers = {true};
   Disconnect(program);
   const std::vector<std::string> calls = asked.Entries();
@@ -100,7 +100,7 @@ TEST_F(ConnectionCommands, DisconnectAnsweredNoChangesNothing) {
   const auto line = program.connection.handle.Line();
   messages.answers = {false};
   Disconnect(program);
-  EXPECT_TRUE(program.connection.connected);
+  EXPECT_TRUE(program.connection.connected.IsSet());
   EXPECT_EQ(program.connection.handle.Line(), line);
   EXPECT_FALSE(program.state.requests.refresh.Contains(Window::MainDialog));
   EXPECT_EQ(Happened().size(), 1);
@@ -118,7 +118,7 @@ TEST_F(ConnectionCommands, ResetShowsItselfInTheTitle) {
   EXPECT_EQ(Happened(),
             (QStringList{"title- Resetting Port ...", "pause 500", "title",
                          "information/: Information//\"COM3\" :  Reset completed successfully./"}));
-  EXPECT_TRUE(program.connection.connected);
+  EXPECT_TRUE(program.connection.connected.IsSet());
   EXPECT_NE(program.connection.handle.Line(), line);
 }
 
@@ -128,7 +128,7 @@ TEST_F(ConnectionCommands, AFailedResetIsToldWithoutQuotesAndLeavesNoConnection)
   Reset(program, window, pause);
   EXPECT_EQ(Happened(), (QStringList{"title- Resetting Port ...", "pause 500", "title",
                                      "information/: Error//COM3:  Reset Failed./"}));
-  EXPECT_FALSE(program.connection.connected);
+  EXPECT_FALSE(program.connection.connected.IsSet());
 }
 
 }  // namespace

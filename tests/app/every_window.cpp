@@ -148,7 +148,7 @@ void EveryWindow::ListPorts(int count) {
   for (int i = 1; i <= count; ++i) ports.names.append(QStringLiteral("COM%1").arg(i));
   ASSERT_TRUE(RefreshPortList(ports, program.connection));
   Configure(QStringLiteral("COM2"));
-  program.connection.connected = count > 1;
+  program.connection.connected.Update(count > 1 ? PortChange::Opened : PortChange::Closed);
 }
 
 void EveryWindow::FromMenu(int item, const char* name, const Look& look) {

@@ -48,10 +48,10 @@ TEST_F(FatalLimitsTest, CloseTheLineBeforeTheyAreTold) {
   Journal calls;
   auto line = std::make_shared<ScriptedLine>(calls);
   program.connection.handle = PortHandle(line);
-  program.connection.connected = true;
+  program.connection.connected.Update(PortChange::Opened);
   bool openWhileTold = true;
   messages.whileShown = [&] {
-    openWhileTold = program.connection.handle.IsOpen() || program.connection.connected;
+    openWhileTold = program.connection.handle.IsOpen() || program.connection.connected.IsSet();
     throw TheEnd();
   };
   EXPECT_THROW((void)ReadValue(FileWithALongLine(), keys::kMem[0]), TheEnd);

@@ -108,7 +108,7 @@ class FileCommandsTest : public SettingsFileTest {
     ASSERT_TRUE(RefreshPortList(*program->portSource, program->connection));
     program->state.currentPortName = QStringLiteral("COM7");
     ASSERT_TRUE(OpenPort(program->settings, program->connection, program->Environment()));
-    program->connection.connected = true;
+    program->connection.connected.Update(PortChange::Opened);
   }
 
   /// A default file that names this port.

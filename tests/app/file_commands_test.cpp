@@ -18,7 +18,7 @@ TEST_F(FileCommandsTest, OpenAsksLoadsConnectsAndPutsTheFileInForce) {
   EXPECT_TRUE(program->fileLoaded);
   EXPECT_EQ(program->settings.comPort, QStringLiteral("COM3"));
   EXPECT_EQ(program->state.currentPortName, QStringLiteral("COM3"));
-  EXPECT_TRUE(program->connection.connected);
+  EXPECT_TRUE(program->connection.connected.IsSet());
   EXPECT_EQ(WorkingBytes(), BytesOf(chooser.answer));
   EXPECT_EQ(window->calls, (QStringList{QStringLiteral("status ") + chooser.answer,
                                         QStringLiteral("menu ") + chooser.answer}));
@@ -37,7 +37,7 @@ TEST_F(FileCommandsTest, LoadingClosesTheOldPortBeforeTheNewOneIsOpened) {
 TEST_F(FileCommandsTest, AFileThatNamesNoPortLeavesTheProgramUnconnected) {
   EXPECT_NE(LoadUserFile(*program, WithPort("NONE")), QString());
   EXPECT_EQ(messages->shown, (QStringList{kOpened, kUndefined}));
-  EXPECT_FALSE(program->connection.connected);
+  EXPECT_FALSE(program->connection.connected.IsSet());
   EXPECT_TRUE(program->connection.handle.IsNull());
   EXPECT_EQ(program->state.currentPortName, QStringLiteral("NONE"));
 }
@@ -46,7 +46,7 @@ TEST_F(FileCommandsTest, AFileThatNamesAnAbsentPortIsLoadedAllTheSame) {
   chooser.answer = WithPort("COM9");
   commands->Open();
   EXPECT_EQ(messages->shown, (QStringList{kOpened, NotAvailable("COM9")}));
-  EXPECT_FALSE(program->connection.connected);
+  EXPECT_FALSE(program->connection.connected.IsSet());
   EXPECT_EQ(program->state.currentPortName, QStringLiteral("COM9"));
   EXPECT_TRUE(program->fileLoaded);
 }
@@ -61,7 +61,7 @@ TEST_F(FileCommandsTest, OpenPutsAFileInForceThatCouldNotBeLoaded) {
   EXPECT_FALSE(program->fileLoaded);
   EXPECT_EQ(WorkingBytes(), bytes);
   EXPECT_EQ(program->settings, record);
-  EXPECT_TRUE(program->connection.connected);
+  EXPECT_TRUE(program->connection.connected.IsSet());
   EXPECT_FALSE(WasClosed());
   EXPECT_EQ(window->calls, (QStringList{QStringLiteral("status ") + chooser.answer,
                                         QStringLiteral("menu ") + chooser.answer}));
@@ -92,7 +92,7 @@ TEST_F(FileCommandsTest, NoAbandonsEveryCommandThatWouldLoseChanges) {
   EXPECT_EQ(WorkingBytes(), working);
   EXPECT_EQ(BytesOf(inForce), user);
   EXPECT_EQ(program->settings.comPort, QStringLiteral("COM7"));
-  EXPECT_TRUE(program->connection.connected);
+  EXPECT_TRUE(program->connection.connected.IsSet());
   EXPECT_FALSE(Requests().close.Contains(Window::TerminalScreen));
   EXPECT_EQ(window->calls, QStringList());
 }
@@ -204,7 +204,7 @@ TEST_F(FileCommandsTest, CloseFileLeavesTheSettingsAndTheConnection) {
   EXPECT_EQ(window->calls, (QStringList{QStringLiteral("menu "), QStringLiteral("status ")}));
   EXPECT_EQ(WorkingBytes(), working);
   EXPECT_EQ(program->settings.comPort, QStringLiteral("COM7"));
-  EXPECT_TRUE(program->connection.connected);
+  EXPECT_TRUE(program->connection.connected.IsSet());
   EXPECT_FALSE(WasClosed());
 }
 
@@ -213,7 +213,7 @@ TEST_F(FileCommandsTest, RestoreDefaultsAnsweredNoDoesNothing) {
   commands->RestoreDefaults();
   EXPECT_EQ(messages->shown, QStringList{kRestore});
   EXPECT_EQ(WorkingBytes(), working);
-  EXPECT_TRUE(program->connection.connected);
+  EXPECT_TRUE(program->connection.connected.IsSet());
 }
 
 TEST_F(FileCommandsTest, RestoreDefaultsStartsOverAndKeepsTheUserFileOnDisk) {
@@ -238,7 +238,7 @@ TEST_F(FileCommandsTest, RestoreDefaultsStartsOverAndKeepsTheUserFileOnDisk) {
   ASSERT_EQ(LoadSettings(program->workingSettingsFile, written), LoadResult::Loaded);
   EXPECT_EQ(program->settings, written);
   EXPECT_EQ(program->state.currentPortName, QStringLiteral("NONE"));
-  EXPECT_FALSE(program->connection.connected);
+  EXPECT_FALSE(program->connection.connected.IsSet());
   EXPECT_TRUE(program->connection.handle.IsNull());
   EXPECT_EQ(BytesOf(inForce), user);
   EXPECT_EQ(window->calls, (QStringList{QStringLiteral("status "), QStringLiteral("terminal screen")}));
@@ -300,7 +300,7 @@ TEST_F(FileCommandsTest, AFailedDropLeavesNoFileInForce) {
   EXPECT_EQ(messages->shown, QStringList{kFileNotFound});
   EXPECT_EQ(program->userFile, QString());
   EXPECT_FALSE(program->fileLoaded);
-  EXPECT_TRUE(program->connection.connected);
+  EXPECT_TRUE(program->connection.connected.IsSet());
   EXPECT_EQ(window->calls, QStringList{QStringLiteral("status ")});
 }
 

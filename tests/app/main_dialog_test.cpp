@@ -75,7 +75,7 @@ TEST_F(MainDialog, EnablesWhatCanBeUsed) {
   program.userFile = QStringLiteral("a.qrn");
   program.state.currentPortName = QStringLiteral("COM3");
   check({"closed", "user file", "port"});
-  program.connection.connected = true;
+  program.connection.connected.Update(PortChange::Opened);
   program.state.open.Add(Window::TerminalScreen);
   check({"user file", "connected"});
 }
@@ -85,7 +85,7 @@ TEST_F(MainDialog, TitleNamesPortAndState) {
   program.state.currentPortName = QStringLiteral("COM3");
   dialog.SetTitle(QString());
   EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Quarn   (COM3-NC)"));
-  program.connection.connected = true;
+  program.connection.connected.Update(PortChange::Opened);
   dialog.SetTitle(QString());
   EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Quarn   (COM3)"));
   dialog.SetTitle(QStringLiteral("- Resetting Port ..."));

@@ -14,8 +14,9 @@ class LostLineTest : public PortMonitorTest {
     PlugIn(QStringLiteral("COM3"), m_first);
     Configure(QStringLiteral("COM3"));
     StartMonitor();
-    program.connection.connected = ConnectPort(program.settings, program.connection, program.Environment());
-    ASSERT_TRUE(program.connection.connected);
+    program.connection.connected.Update(
+        OpeningThat(ConnectPort(program.settings, program.connection, program.Environment())));
+    ASSERT_TRUE(program.connection.connected.IsSet());
   }
   /// The device goes and comes back: the same name, another line.
   void AwayAndBack() {
@@ -44,10 +45,10 @@ TEST_F(LostLineTest, IsToldOnceThoughTheNameIsStillThere) {
   messages.answers = {true};
   whileShown = [this] {
     if (messages.shown.last() == kGone) {
-      EXPECT_TRUE(program.connection.connected) << "not yet";
+      EXPECT_TRUE(program.connection.connected.IsSet()) << "not yet";
     }
     if (messages.shown.last() == kOffer) {
-      EXPECT_FALSE(program.connection.connected);
+      EXPECT_FALSE(program.connection.connected.IsSet());
     }
   };
   const auto before = program.connection.handle.Line();
@@ -55,7 +56,7 @@ TEST_F(LostLineTest, IsToldOnceThoughTheNameIsStillThere) {
   EXPECT_EQ(Happened(),
             kLostAndOffered + (QStringList{"information/: Information//Successfully connected to  \"COM3\"/",
                                            "start timer"}));
-  EXPECT_TRUE(program.connection.connected);
+  EXPECT_TRUE(program.connection.connected.IsSet());
   EXPECT_NE(program.connection.handle.Line(), before);
   EXPECT_FALSE(program.connection.handle.Line()->IsLost());
   EXPECT_TRUE(ConnectionRefreshesRaised());
@@ -69,7 +70,7 @@ TEST_F(LostLineTest, AnsweredNoForgetsThePort) {
   messages.answers = {false};
   Ticks(5);
   EXPECT_EQ(Happened(), kLostAndOffered + QStringList{"start timer"});
-  EXPECT_FALSE(program.connection.connected);
+  EXPECT_FALSE(program.connection.connected.IsSet());
   EXPECT_EQ(program.state.currentPortName, QStringLiteral("NONE"));
 }
 
@@ -134,7 +135,7 @@ TEST_F(LostLineTest, IsToldWhereThePortsCannotBeListed) {
   ports.works = false;
   Ticks(5);
   EXPECT_EQ(Happened(), kLost);
-  EXPECT_FALSE(program.connection.connected);
+  EXPECT_FALSE(program.connection.connected.IsSet());
 }
 
 TEST_F(LostLineTest, IsToldAmongMorePortsThanTheDetailedListShows) {

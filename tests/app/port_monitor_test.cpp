@@ -127,12 +127,12 @@ TEST_F(PortMonitorTest, KeepsTheListWhenItCannotBeHad) {
 TEST_F(PortMonitorTest, TellsOfTheConnectedPortsDisappearanceOnce) {
   ports.names = {"COM1", "COM3"};
   Configure(QStringLiteral("COM3"));
-  program.connection.connected = true;
+  program.connection.connected.Update(PortChange::Opened);
   StartMonitor();
   ports.names = {"COM1"};
   monitor.Tick();
   EXPECT_EQ(Happened(), (QStringList{kUpdated, "stop timer", kGone, "start timer"}));
-  EXPECT_FALSE(program.connection.connected);
+  EXPECT_FALSE(program.connection.connected.IsSet());
   EXPECT_EQ(program.state.currentPortName, QStringLiteral("COM3"));
   EXPECT_TRUE(ConnectionRefreshesRaised());
   EXPECT_EQ(indicator.depth, 0);
@@ -145,11 +145,12 @@ TEST_F(PortMonitorTest, LeavesTheHandleOfAVanishedPort) {
   PlugIn(QStringLiteral("COM3"), terminal);
   Configure(QStringLiteral("COM3"));
   StartMonitor();
-  program.connection.connected = ConnectPort(program.settings, program.connection, program.Environment());
-  ASSERT_TRUE(program.connection.connected);
+  program.connection.connected.Update(
+      OpeningThat(ConnectPort(program.settings, program.connection, program.Environment())));
+  ASSERT_TRUE(program.connection.connected.IsSet());
   ports.names.clear();
   monitor.Tick();
-  EXPECT_FALSE(program.connection.connected);
+  EXPECT_FALSE(program.connection.connected.IsSet());
   EXPECT_TRUE(program.connection.handle.IsOpen());
 }
 
@@ -161,7 +162,7 @@ TEST_F(PortMonitorTest, OnlyListsOtherChanges) {
   monitor.Tick();
   EXPECT_EQ(Happened(), QStringList{kUpdated});
   EXPECT_EQ(program.connection.portCount, 1);
-  program.connection.connected = true;
+  program.connection.connected.Update(PortChange::Opened);
   ports.names = {"COM1", "COM2"};  // added while connected
   monitor.Tick();
   EXPECT_EQ(Happened(), QStringList{kUpdated});
@@ -176,7 +177,7 @@ TEST_F(PortMonitorTest, AnsweredNoForgetsThePort) {
   messages.answers = {false};
   monitor.Tick();
   EXPECT_EQ(Happened(), (QStringList{kUpdated, "stop timer", kOffer, "start timer"}));
-  EXPECT_FALSE(program.connection.connected);
+  EXPECT_FALSE(program.connection.connected.IsSet());
   EXPECT_EQ(program.state.currentPortName, QStringLiteral("NONE"));
 }
 
@@ -191,7 +192,7 @@ TEST_F(PortMonitorTest, AnsweredYesConnects) {
   EXPECT_EQ(Happened(),
             (QStringList{kUpdated, "stop timer", kOffer,
                          "information/: Information//Successfully connected to  \"COM3\"/", "start timer"}));
-  EXPECT_TRUE(program.connection.connected);
+  EXPECT_TRUE(program.connection.connected.IsSet());
   EXPECT_TRUE(program.connection.handle.IsOpen());
   EXPECT_EQ(program.state.currentPortName, QStringLiteral("COM3"));
   EXPECT_EQ(ReadValue(program.workingSettingsFile, SettingsKey(u"COM_PORT=")), QStringLiteral("COM3"));
@@ -204,7 +205,8 @@ TEST_F(PortMonitorTest, ConnectsAnewWhatItLeftOpen) {
   PlugIn(QStringLiteral("COM3"), first);
   Configure(QStringLiteral("COM3"));
   StartMonitor();
-  program.connection.connected = ConnectPort(program.settings, program.connection, program.Environment());
+  program.connection.connected.Update(
+      OpeningThat(ConnectPort(program.settings, program.connection, program.Environment())));
   const auto before = program.connection.handle.Line();
   ports.names.clear();
   monitor.Tick();
@@ -212,7 +214,7 @@ TEST_F(PortMonitorTest, ConnectsAnewWhatItLeftOpen) {
   PlugIn(QStringLiteral("COM3"), second);
   messages.answers = {true};
   monitor.Tick();
-  EXPECT_TRUE(program.connection.connected);
+  EXPECT_TRUE(program.connection.connected.IsSet());
   EXPECT_NE(program.connection.handle.Line(), before);
 }
 
@@ -223,7 +225,7 @@ TEST_F(PortMonitorTest, TellsWhenThePortThatCameBackCannotBeOpened) {
   messages.answers = {true};
   monitor.Tick();
   EXPECT_EQ(Happened(), (QStringList{kUpdated, "stop timer", kOffer, kGone, "start timer"}));
-  EXPECT_FALSE(program.connection.connected);
+  EXPECT_FALSE(program.connection.connected.IsSet());
   EXPECT_EQ(program.state.currentPortName, QStringLiteral("NONE"));
 }
 
@@ -268,7 +270,7 @@ TEST_F(PortMonitorTest, ListsTooManyAtTheStart) {
 TEST_F(PortMonitorTest, AChangeDuringAMessageWaitsForItsEnd) {
   ports.names = {"COM1", "COM3"};
   Configure(QStringLiteral("COM3"));
-  program.connection.connected = true;
+  program.connection.connected.Update(PortChange::Opened);
   StartMonitor();
   ports.names = {"COM1"};
   messages.answers = {false};
@@ -285,7 +287,7 @@ TEST_F(PortMonitorTest, AChangeDuringAMessageWaitsForItsEnd) {
 TEST_F(PortMonitorTest, AChangeWhileAPortIsBeingChosenWaitsForTheChoice) {
   ports.names = {"COM1", "COM3"};
   Configure(QStringLiteral("COM3"));
-  program.connection.connected = true;
+  program.connection.connected.Update(PortChange::Opened);
   StartMonitor();
   program.state.portBeingChosen = true;
   ports.names = {"COM1"};

@@ -47,7 +47,7 @@ class QuestionDefaults : public MainDialog {
 };
 
 TEST_F(QuestionDefaults, NobodyLosesAConnectionWithEnter) {
-  program.connection.connected = true;
+  program.connection.connected.Update(PortChange::Opened);
   Disconnect(program);
   ExpectAsked("disconnect the COM port?", AnswerByDefault::Refuse);
 }

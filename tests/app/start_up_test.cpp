@@ -71,7 +71,7 @@ TEST_F(StartUpTest, OnAnEmptyAccount) {
   EXPECT_EQ(Start(), StartUpResult::Running);
   EXPECT_EQ(Happened(), (kUntilCommandLine +
                          QStringList{kNotFoundWarning, "place 3 3", kUndefined, "show", "terminal"} + kEnd));
-  EXPECT_FALSE(program.connection.connected);
+  EXPECT_FALSE(program.connection.connected.IsSet());
   EXPECT_EQ(program.state.currentPortName, QStringLiteral("NONE"));
   EXPECT_EQ(program.settings.loadedMarker, QStringLiteral("TRUE"));
   EXPECT_TRUE(QFile::exists(program.workingSettingsFile));
@@ -134,7 +134,7 @@ TEST_F(StartUpTest, ConnectsToTheConfiguredPort) {
                 {{"COM_PORT", "COM3"}, {"START_DISP", "OFF"}, {"MAIN_POS", "TR"}});
   EXPECT_EQ(Start(), StartUpResult::Running);
   EXPECT_EQ(Happened(), (kUntilCommandLine + QStringList{"place 98 3", Connected("COM3"), "show"} + kEnd));
-  EXPECT_TRUE(program.connection.connected);
+  EXPECT_TRUE(program.connection.connected.IsSet());
   EXPECT_EQ(program.state.currentPortName, QStringLiteral("COM3"));
 }
 
@@ -144,7 +144,7 @@ TEST_F(StartUpTest, KeepsTheNameOfAPortThatCannotBeOpened) {
   EXPECT_EQ(Start(), StartUpResult::Running);
   EXPECT_EQ(Happened(),
             (kUntilCommandLine + QStringList{"place 3 3", NotAvailable("COM3"), "show", "terminal"} + kEnd));
-  EXPECT_FALSE(program.connection.connected);
+  EXPECT_FALSE(program.connection.connected.IsSet());
   EXPECT_EQ(program.state.currentPortName, QStringLiteral("COM3"));
 }
 
@@ -157,7 +157,7 @@ TEST_F(StartUpTest, LoadsTheFileOnTheCommandLineWhichConnectsByItself) {
             (kUntilCommandLine +
              QStringList{kLoading, kOpened, Connected("COM3"), "place 3 3", "show", "terminal"} + kEnd));
   EXPECT_EQ(program.userFile, UserFile());
-  EXPECT_TRUE(program.connection.connected);
+  EXPECT_TRUE(program.connection.connected.IsSet());
   EXPECT_EQ(program.settings.loadedMarker, QStringLiteral("TRUE"));
 }
 

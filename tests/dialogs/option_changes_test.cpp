@@ -65,7 +65,7 @@ TEST_F(OptionChanges, APortThatFailsKeepsTheSpeedInRecordAndFile) {
   EXPECT_EQ(settings.portSpeed, QStringLiteral("HIGH"));
   EXPECT_FALSE(Written());
   EXPECT_TRUE(connection.handle.IsOpen());
-  EXPECT_TRUE(connection.connected);
+  EXPECT_TRUE(connection.connected.IsSet());
 }
 
 TEST_F(OptionChanges, WhatAFailedOpenLeftBehindIsNoOpenPort) {

@@ -36,7 +36,7 @@ TEST_F(PortChoiceTest, ConnectsTellsAndRemembers) {
             (QStringList{kConnecting, "pause 500", "title ", ChoiceConnected("COM12"), "title "}));
   EXPECT_EQ(depth, 1);
   EXPECT_EQ(indicator.depth, 0);
-  EXPECT_TRUE(program.connection.connected);
+  EXPECT_TRUE(program.connection.connected.IsSet());
   EXPECT_TRUE(program.connection.handle.IsOpen());
   EXPECT_NE(program.connection.handle.Line(), former);
   EXPECT_EQ(program.state.currentPortName, "COM12");
@@ -59,7 +59,7 @@ TEST_F(PortChoiceTest, ThePortIsTakenWhenItsMessageIsGone) {
   Plug("COM4");
   const std::string before = WorkingFile();
   whileShown = [&] {
-    EXPECT_TRUE(program.connection.connected);
+    EXPECT_TRUE(program.connection.connected.IsSet());
     EXPECT_TRUE(program.connection.handle.IsOpen());
     EXPECT_EQ(program.state.currentPortName, "NONE");
     EXPECT_EQ(program.settings.comPort, "NONE");
@@ -149,7 +149,7 @@ TEST_F(PortChoiceTest, PortThatHasVanishedFailsAndTheFormerOneIsOpenAgain) {
   Unplug("COM4");
   EXPECT_FALSE(Choose("COM4"));
   EXPECT_EQ(Happened(), (QStringList{kConnecting, "pause 500", ChoiceFailed("COM4", "."), "title "}));
-  EXPECT_TRUE(program.connection.connected);
+  EXPECT_TRUE(program.connection.connected.IsSet());
   EXPECT_TRUE(program.connection.handle.IsOpen());
   EXPECT_EQ(program.state.currentPortName, "COM3");
   EXPECT_EQ(program.settings.comPort, "COM3");
@@ -160,7 +160,7 @@ TEST_F(PortChoiceTest, PortThatHasVanishedFailsAndTheFormerOneIsOpenAgain) {
 TEST_F(PortChoiceTest, CountsAsConnectedEvenWhenTheFormerPortIsGoneToo) {
   Configure("COM3");
   EXPECT_FALSE(Choose("COM4"));
-  EXPECT_TRUE(program.connection.connected);
+  EXPECT_TRUE(program.connection.connected.IsSet());
   EXPECT_FALSE(program.connection.handle.IsOpen());
   EXPECT_EQ(program.state.currentPortName, "COM3");
 }
@@ -169,7 +169,7 @@ TEST_F(PortChoiceTest, FailureFromNoPortLeavesNone) {
   const std::string before = WorkingFile();
   EXPECT_FALSE(Choose("COM4"));
   EXPECT_EQ(program.state.currentPortName, "NONE");
-  EXPECT_TRUE(program.connection.connected);
+  EXPECT_TRUE(program.connection.connected.IsSet());
   EXPECT_EQ(WorkingFile(), before);
 }
 
@@ -180,7 +180,7 @@ TEST_F(PortChoiceTest, NoneWhileConnectedDisconnects) {
   EXPECT_EQ(
       Happened(),
       (QStringList{"information/: Information//  \"COM3\" has been disconnected./ COM port is undefined."}));
-  EXPECT_FALSE(program.connection.connected);
+  EXPECT_FALSE(program.connection.connected.IsSet());
   EXPECT_TRUE(program.connection.handle.IsNull());
   EXPECT_EQ(program.state.currentPortName, "NONE");
   EXPECT_EQ(program.settings.comPort, "NONE");

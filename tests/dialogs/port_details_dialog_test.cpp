@@ -246,7 +246,7 @@ TEST_F(PortDetailsDialog, OkWithTheConfiguredPortDoesNotConnectIt) {
   Click(kOkId);
   EXPECT_TRUE(IsGone());
   EXPECT_EQ(Happened(), QStringList());
-  EXPECT_FALSE(program.connection.connected);
+  EXPECT_FALSE(program.connection.connected.IsSet());
   EXPECT_FALSE(program.connection.handle.IsOpen());
 }
 
@@ -273,7 +273,7 @@ TEST_F(PortDetailsDialog, OkAsksBeforeItConnects) {
     EXPECT_EQ(Happened(), yes ? (QStringList{kApplyQuestion, "pause 500", ChoiceConnected("COM3")})
                               : QStringList{kApplyQuestion});
     EXPECT_EQ(WorkingFile(), FileWith({{"COM_PORT", yes ? "COM3" : "NONE"}}));
-    EXPECT_EQ(program.connection.connected, yes);
+    EXPECT_EQ(program.connection.connected.IsSet(), yes);
   }
 }
 

@@ -72,7 +72,7 @@ class PortDialogTest : public AppTest {
     Configure(port);
     ASSERT_TRUE(UpdateValue(program.workingSettingsFile, keys::kComPort, port));
     ASSERT_TRUE(ConnectPort(program.settings, program.connection, program.Environment()));
-    program.connection.connected = true;
+    program.connection.connected.Update(PortChange::Opened);
   }
   std::string WorkingFile() { return Bytes(program.workingSettingsFile); }
   /// The file of the defaults with these values.

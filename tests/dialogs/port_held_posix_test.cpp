@@ -29,7 +29,7 @@ TEST_F(PortHeldByAnother, IsNotConnected) {
       [this](const QString& status) { journal.append(QStringLiteral("title ") + status); }));
   EXPECT_EQ(Happened(),
             (QStringList{"title  Connecting Port ... ", "pause 500", ChoiceFailed("COM4", ""), "title "}));
-  EXPECT_TRUE(program.connection.connected);
+  EXPECT_TRUE(program.connection.connected.IsSet());
   EXPECT_TRUE(program.connection.handle.IsOpen());
   EXPECT_EQ(program.state.currentPortName, "COM3");
 }
@@ -44,7 +44,7 @@ TEST_F(PortHeldByAnother, IsReportedByTheListAndTheFormerIsOpenAgain) {
   ClickRadio(1);
   Click(kSetId);
   EXPECT_EQ(Happened(), (QStringList{"pause 500", ChoiceFailed("COM4", "")}));
-  EXPECT_TRUE(program.connection.connected);
+  EXPECT_TRUE(program.connection.connected.IsSet());
   EXPECT_TRUE(program.connection.handle.IsOpen());
   EXPECT_EQ(program.state.currentPortName, "COM3");
   EXPECT_EQ(Checked(), QList<int>{0});

@@ -48,7 +48,7 @@ TEST_F(PortNumberDialog, WithoutPortsSetTellsSoAndNothingElseChanges) {
   Click(kSetNumber);
   EXPECT_EQ(Happened(), QStringList{"error/: Error//Port Sellection Error/No available COM ports detected."});
   EXPECT_EQ(WorkingFile(), before);
-  EXPECT_FALSE(program.connection.connected);
+  EXPECT_FALSE(program.connection.connected.IsSet());
   EXPECT_EQ(program.state.currentPortName, "NONE");
   EXPECT_TRUE(window->isVisible());
 }
@@ -105,7 +105,7 @@ TEST_F(PortNumberDialog, PortThatVanishesBetweenChoiceAndSetIsRefused) {
   Unplug("COM4");
   Click(kSetNumber);
   EXPECT_EQ(Happened(), (QStringList{"pause 500", ChoiceFailed("COM4", ".")}));
-  EXPECT_TRUE(program.connection.connected);
+  EXPECT_TRUE(program.connection.connected.IsSet());
   EXPECT_TRUE(program.connection.handle.IsOpen());
   EXPECT_EQ(window->windowTitle(), "Quarn - COM Port Number (COM3)  ");
   EXPECT_EQ(Items(), (QStringList{"NONE", "COM3"}));
@@ -224,7 +224,7 @@ TEST_F(PortNumberDialog, OkLeavesAChangeThatIsNotConfirmed) {
   EXPECT_TRUE(IsGone());
   EXPECT_EQ(Happened(), QStringList{kApplyChoice});
   EXPECT_EQ(WorkingFile(), before);
-  EXPECT_FALSE(program.connection.connected);
+  EXPECT_FALSE(program.connection.connected.IsSet());
 }
 
 TEST_F(PortNumberDialog, OkWithNoneDisconnectsWhenConfirmed) {
@@ -237,7 +237,7 @@ TEST_F(PortNumberDialog, OkWithNoneDisconnectsWhenConfirmed) {
   EXPECT_TRUE(IsGone());
   EXPECT_EQ(Happened().size(), 2);
   EXPECT_EQ(program.state.currentPortName, "NONE");
-  EXPECT_FALSE(program.connection.connected);
+  EXPECT_FALSE(program.connection.connected.IsSet());
 }
 
 TEST_F(PortNumberDialog, ClosesByEscapeByItsBoxAndByRequest) {

@@ -16,7 +16,7 @@ TEST_F(PortSettingsDialog, SetStoresAndReopensTheConnectedPort) {
   Click(kSetLine);
   EXPECT_EQ(Happened(), QStringList());
   EXPECT_EQ(WorkingFile(), SavedFile({{"COM_PORT", "COM3"}, {"COM_BPS", "19200"}, {"COM_STOP", "2"}}));
-  EXPECT_TRUE(program.connection.connected);
+  EXPECT_TRUE(program.connection.connected.IsSet());
   EXPECT_NE(program.connection.handle.Line(), former);
   EXPECT_EQ(OpenLineState().baudRate, 19200U);
   EXPECT_EQ(OpenLineState().stopBits, StopBits::Two);
@@ -31,7 +31,7 @@ TEST_F(PortSettingsDialog, SetWithoutAConnectionOnlyStores) {
   Pick(kBits, "7");
   Click(kSetLine);
   EXPECT_EQ(Happened(), QStringList());
-  EXPECT_FALSE(program.connection.connected);
+  EXPECT_FALSE(program.connection.connected.IsSet());
   EXPECT_FALSE(program.connection.handle.IsOpen());
   EXPECT_EQ(WorkingFile(), SavedFile({{"COM_PORT", "COM3"}, {"COM_BITS", "7"}}));
 }
@@ -44,12 +44,12 @@ TEST_F(PortSettingsDialog, FailedReopenAfterSetIsReportedAndTheSettingsAreStored
   Unplug("COM3");
   whileShown = [this] {
     EXPECT_EQ(program.settings.comBps, "19200");
-    EXPECT_FALSE(program.connection.connected);
+    EXPECT_FALSE(program.connection.connected.IsSet());
     EXPECT_EQ(indicator.depth, 0);
   };
   Click(kSetLine);
   EXPECT_EQ(Happened(), QStringList{NotAvailable("COM3")});
-  EXPECT_FALSE(program.connection.connected);
+  EXPECT_FALSE(program.connection.connected.IsSet());
   EXPECT_FALSE(program.connection.handle.IsOpen());
   EXPECT_EQ(WorkingFile(), SavedFile({{"COM_PORT", "COM3"}, {"COM_BPS", "19200"}}));
   EXPECT_TRUE(program.state.requests.refresh.Contains(Window::MainDialog));
@@ -92,7 +92,7 @@ TEST_F(PortSettingsDialog, DefaultAnsweredWithNoChangesNothing) {
   EXPECT_EQ(program.connection.handle.Line(), line);
   EXPECT_EQ(OpenLineState().baudRate, 1200U);
   EXPECT_EQ(OpenLineState().stopBits, StopBits::One);
-  EXPECT_TRUE(program.connection.connected);
+  EXPECT_TRUE(program.connection.connected.IsSet());
   EXPECT_FALSE(program.state.requests.refresh.Contains(Window::MainDialog));
 }
 
@@ -119,7 +119,7 @@ TEST_F(PortSettingsDialog, FailedReopenAfterDefaultIsNotReported) {
   Open();
   Click(kDefault);
   EXPECT_EQ(Happened(), (QStringList{kDefaultQuestion, kReset}));
-  EXPECT_FALSE(program.connection.connected);
+  EXPECT_FALSE(program.connection.connected.IsSet());
 }
 
 TEST_F(PortSettingsDialog, OkAsksBeforeItSaves) {
@@ -150,7 +150,7 @@ TEST_F(PortSettingsDialog, FailedReopenAfterOkIsNotReported) {
   EXPECT_TRUE(IsGone());
   EXPECT_EQ(Happened(), QStringList{kSaveQuestion});
   EXPECT_EQ(WorkingFile(), SavedFile({{"COM_PORT", "COM3"}, {"COM_BPS", "19200"}}));
-  EXPECT_FALSE(program.connection.connected);
+  EXPECT_FALSE(program.connection.connected.IsSet());
 }
 
 TEST_F(PortSettingsDialog, OkConnectsThePortThatWasNotConnected) {
@@ -162,7 +162,7 @@ TEST_F(PortSettingsDialog, OkConnectsThePortThatWasNotConnected) {
   Click(kOkLine);
   EXPECT_TRUE(IsGone());
   EXPECT_EQ(Happened(), QStringList{kSaveQuestion});
-  EXPECT_TRUE(program.connection.connected);
+  EXPECT_TRUE(program.connection.connected.IsSet());
   EXPECT_EQ(OpenLineState().baudRate, 19200U);
   EXPECT_TRUE(program.state.requests.refresh.Contains(Window::MainDialog));
 }
@@ -175,7 +175,7 @@ TEST_F(PortSettingsDialog, DefaultConnectsThePortThatWasNotConnected) {
   Open();
   Click(kDefault);
   EXPECT_EQ(Happened(), (QStringList{kDefaultQuestion, kReset}));
-  EXPECT_TRUE(program.connection.connected);
+  EXPECT_TRUE(program.connection.connected.IsSet());
   EXPECT_EQ(OpenLineState().baudRate, 9600U);
   EXPECT_TRUE(program.state.requests.refresh.Contains(Window::MainDialog));
 }

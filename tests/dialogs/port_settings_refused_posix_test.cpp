@@ -23,7 +23,7 @@ TEST_F(PortSettingsDialog, OkOpensThePortBeforeItSaves) {
   EXPECT_EQ(boxes, 2);
   // Eight data bits and one and a half stop bits are no state of a line.
   EXPECT_EQ(Happened(), (QStringList{kSaveQuestion, kSetStateFailed}));
-  EXPECT_FALSE(program.connection.connected);
+  EXPECT_FALSE(program.connection.connected.IsSet());
   EXPECT_EQ(program.settings.comStop, "1.5");
   EXPECT_EQ(WorkingFile(), SavedFile({{"COM_PORT", "COM3"}, {"COM_STOP", "1.5"}}));
 }
@@ -36,11 +36,11 @@ TEST_F(PortSettingsDialog, DefaultRecoversFromAStateThatTheLineRefused) {
   Pick(kStop, "1.5");
   Click(kSetLine);
   EXPECT_EQ(Happened(), (QStringList{kSetStateFailed, NotAvailable("COM3")}));
-  EXPECT_FALSE(program.connection.connected);
+  EXPECT_FALSE(program.connection.connected.IsSet());
   EXPECT_EQ(WorkingFile(), SavedFile({{"COM_PORT", "COM3"}, {"COM_STOP", "1.5"}}));
   Click(kDefault);
   EXPECT_EQ(Happened(), (QStringList{kDefaultQuestion, kReset}));
-  EXPECT_TRUE(program.connection.connected);
+  EXPECT_TRUE(program.connection.connected.IsSet());
   EXPECT_EQ(OpenLineState().stopBits, StopBits::One);
   EXPECT_EQ(WorkingFile(), SavedFile({{"COM_PORT", "COM3"}}));
 }

@@ -45,7 +45,7 @@ class TerminalFixture : public ::testing::Test {
                                      .writeTotalMultiplier = 10,
                                      .writeTotalConstant = 50});
     connection.handle = PortHandle(opened.line);
-    connection.connected = true;
+    connection.connected.Update(PortChange::Opened);
   }
 
   CTerminalScreen& Open() {

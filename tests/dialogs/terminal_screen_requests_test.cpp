@@ -63,7 +63,7 @@ TEST_F(TerminalRequests, SendKeepsTheLineAndAsksForNoPort) {
   state.requests.send = true;
   ASSERT_TRUE(Until([this] { return log.LineCount() == 2; }));
   EXPECT_EQ(commandLine.Text(), QStringLiteral("id"));
-  connection.connected = false;
+  connection.connected.Update(PortChange::Closed);
   connection.handle = PortHandle();
   state.requests.send = true;
   ASSERT_TRUE(Until([this] { return log.LineCount() == 5; }));

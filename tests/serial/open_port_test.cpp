@@ -71,7 +71,7 @@ TEST_F(OpenPortTest, OpensSetsStateThenTimeouts) {
   EXPECT_EQ(m_line->state, (LineState{19200, 7, StopBits::Two, Parity::Odd}));
   EXPECT_EQ(m_line->timeouts, (LineTimeouts{44, 10, 50, 10, 50}));
   EXPECT_EQ(m_connection.lastFailure.kind, LineError::None);
-  EXPECT_FALSE(m_connection.connected) << "whoever connects says so, not the opening";
+  EXPECT_FALSE(m_connection.connected.IsSet()) << "whoever connects says so, not the opening";
 }
 
 TEST_F(OpenPortTest, AnUnknownRateRunsAt9600WithItsOwnTimeouts) {
@@ -268,12 +268,12 @@ TEST_F(OpenPortTest, ClosingNothingWorks) {
 }
 
 TEST_F(OpenPortTest, NoneOfThemTouchesTheConnectedMark) {
-  m_connection.connected = true;
+  m_connection.connected.Update(PortChange::Opened);
   EXPECT_TRUE(Open());
   EXPECT_TRUE(Reset());
   EXPECT_TRUE(ClosePort(m_connection));
   EXPECT_FALSE(Reset());
-  EXPECT_TRUE(m_connection.connected);
+  EXPECT_TRUE(m_connection.connected.IsSet());
 }
 
 TEST_F(OpenPortTest, ReconfigureGivesTheOpenLineItsParameters) {

@@ -63,7 +63,7 @@ class DialogFixture : public ::testing::Test {
   std::shared_ptr<ScriptedLine> Connect() {
     auto line = std::make_shared<ScriptedLine>(journal);
     connection.handle = PortHandle(line);
-    connection.connected = true;
+    connection.connected.Update(PortChange::Opened);
     settings.comPort = QStringLiteral("COM3");
     state.currentPortName = settings.comPort;
     return line;

@@ -53,10 +53,10 @@ bool OpenChosen(const DialogContext& context, const QString& port) {
 }
 
 void ReopenFormer(const DialogContext& context, const QString& former) {
-  context.connection.connected = false;
+  context.connection.connected.Update(PortChange::Closed);
   context.state.currentPortName = former;
   ConnectPort(context.settings, context.connection, context.environment);
-  context.connection.connected = true;
+  context.connection.connected.Update(PortChange::FormerChosen);
 }
 
 }  // namespace
@@ -69,7 +69,7 @@ bool ConnectToChosenPort(const DialogContext& context, const QString& port, Fail
   titleStatus(QStringLiteral(" Connecting Port ... "));
   const bool opened = OpenChosen(context, port);
   if (opened) {
-    context.connection.connected = true;
+    context.connection.connected.Update(PortChange::Opened);
     titleStatus(QString());
     TellConnected(context, port);
     TakeAsCurrent(context, port);
@@ -85,7 +85,7 @@ bool ConnectToChosenPort(const DialogContext& context, const QString& port, Fail
 void ChooseNoPort(const DialogContext& context) {
   const UnderWay underWay(context.state);
   PortConnection& connection = context.connection;
-  if (connection.connected) {
+  if (connection.connected.IsSet()) {
     ClosePort(connection);
     context.Messages().ShowInformationMessage(
         QStringLiteral(": Information"), QString(),
@@ -96,7 +96,7 @@ void ChooseNoPort(const DialogContext& context) {
                                               QStringLiteral("COM port settings have become undefined."),
                                               QString());
   }
-  connection.connected = false;
+  connection.connected.Update(PortChange::Undefined);
   TakeAsCurrent(context, NoPort());
   RaiseConnectionRefreshes(context.state.requests);
 }

@@ -7,7 +7,7 @@
 namespace quarn {
 
 PortSituation SituationOf(const SharedState& state, const PortConnection& connection) {
-  PortSituation situation{state.currentPortName, connection.connected, {}};
+  PortSituation situation{state.currentPortName, connection.connected.IsSet(), {}};
   for (int i = 0; i < std::clamp(connection.portCount, 0, kPortCapacity); ++i) {
     situation.ports.append(connection.portNames[static_cast<std::size_t>(i)]);
   }

@@ -127,14 +127,15 @@ bool CPortSettings::Reconnect(const SettingsRecord& settings) {
   PortConnection& connection = Context().connection;
   const WaitShown wait(Context().environment.waitIndicator);
   ClosePort(connection);
-  connection.connected = ConnectPort(settings, connection, Context().environment);
+  const bool opened = ConnectPort(settings, connection, Context().environment);
+  connection.connected.Update(OpeningThat(opened));
   RaiseConnectionRefreshes(Requests());
-  return connection.connected;
+  return opened;
 }
 
 void CPortSettings::Set() {
   PutLineValues(m_working, Context().settings);
-  if (Context().connection.connected && !Reconnect(Context().settings)) {
+  if (Context().connection.connected.IsSet() && !Reconnect(Context().settings)) {
     Context().Messages().ShowErrorMessage(
         QStringLiteral(": Error"), QString(),
         QStringLiteral("  \"%1\" is not available.").arg(Context().state.currentPortName),

@@ -90,7 +90,7 @@ class CTerminalScreen final : public ModelessWindow, private TransactionHost {
   void TakeFocus();
   void PressButton(const TerminalButton& button);
 
-  [[nodiscard]] bool IsPortOpen() const { return m_context.connection.connected; }
+  [[nodiscard]] bool IsPortOpen() const { return m_context.connection.connected.IsSet(); }
   /// Whether a command can reach a device. Tells the person when it cannot: without a line, or on one that
   /// has died and whose loss has not been told yet, the answer would be that of an earlier command.
   bool CanSend();
