@@ -14,7 +14,7 @@ TEST(DisplayWin32, AWindowHasTheDotsPerInchThatTheSystemGivesIt) {
   QDialog window;
   EXPECT_EQ(WindowDpi(window), 0) << "there is no window yet";
   window.show();
-  ASSERT_TRUE(QTest::qWaitForWindowExposed(&window, kLongestWaitMs));
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(&window, test::kLongestWaitMs));
   EXPECT_EQ(WindowDpi(window), 96);
 }
 
