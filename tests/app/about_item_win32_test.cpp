@@ -1,5 +1,4 @@
 #include "app/about_item.h"
-#include "support/waits.h"
 
 #include <gtest/gtest.h>
 #include <windows.h>
@@ -7,6 +6,8 @@
 #include <QDialog>
 #include <QTest>
 #include <array>
+
+#include "support/waits.h"
 
 namespace quarn {
 namespace {

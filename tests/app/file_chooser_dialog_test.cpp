@@ -1,5 +1,4 @@
 #include "app/file_chooser_dialog.h"
-#include "support/waits.h"
 
 #include <gtest/gtest.h>
 
@@ -20,6 +19,8 @@
 #include <QTreeView>
 #include <deque>
 #include <functional>
+
+#include "support/waits.h"
 
 namespace quarn::test {
 namespace {

@@ -1,5 +1,4 @@
 #include "ui/held_pause.h"
-#include "support/waits.h"
 
 #include <gtest/gtest.h>
 
@@ -10,6 +9,8 @@
 #include <QTimer>
 #include <QWidget>
 #include <QWindow>
+
+#include "support/waits.h"
 
 namespace quarn::test {
 namespace {

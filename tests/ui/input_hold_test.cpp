@@ -1,5 +1,4 @@
 #include "ui/input_hold.h"
-#include "support/waits.h"
 
 #include <gtest/gtest.h>
 
@@ -11,6 +10,8 @@
 #include <QTest>
 #include <QWidget>
 #include <QWindow>
+
+#include "support/waits.h"
 
 namespace quarn::test {
 namespace {
