@@ -13,7 +13,7 @@ namespace {
 
 QString ValueOf(const OptionButton& option, const QAbstractButton& button) {
   if (option.kind == OptionButton::Radio) return QString::fromUtf16(option.value);
-  return button.isChecked() ? QString::fromUtf16(kOn) : QString::fromUtf16(kOff);
+  return button.isChecked() ? kOn.toString() : kOff.toString();
 }
 
 }  // namespace
@@ -57,8 +57,7 @@ void OptionButtons::Refresh(const SettingsRecord& settings) {
   for (QButtonGroup* group : m_groups) group->setExclusive(false);
   for (std::size_t i = 0; i < m_table.size(); ++i) {
     const OptionButton& option = m_table[i];
-    const QStringView chosen =
-        option.kind == OptionButton::Radio ? QStringView(option.value) : QStringView(kOn);
+    const QStringView chosen = option.kind == OptionButton::Radio ? QStringView(option.value) : kOn;
     m_buttons[i]->setChecked(option.binding.field.In(settings) == chosen);
   }
   for (QButtonGroup* group : m_groups) {
