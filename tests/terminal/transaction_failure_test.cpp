@@ -165,15 +165,15 @@ TEST_F(TransactionFailure, AnAnswerOfAnotherLineIsNeverShown) {
 /// The former bytes are those of the line's last read that did not fail, also when nobody waited for it.
 TEST_F(TransactionFailure, WhatAReadLeftBehindStillBroughtIsTheFormerBuffer) {
   std::promise<void> cancelled;
+  int reads = 0;
   m_line->read = [&](char* buffer, std::size_t) {
+    // Only the first one succeeds. The next begins when this one has ended.
+    if (reads++ > 0) return IoResult{};
     cancelled.get_future().wait();
     std::memcpy(buffer, "late\r", 5);
     return IoResult{.ok = true, .bytes = 5};
   };
-  m_line->cancel = [&] {
-    ReadFails();
-    cancelled.set_value();
-  };
+  m_line->cancel = [&] { cancelled.set_value(); };
   m_host.escapeAtLook = 1;
   ASSERT_EQ(Run("one"), TransactionResult::Aborted);
   EXPECT_EQ(Response(), "");
