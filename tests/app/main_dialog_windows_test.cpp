@@ -6,6 +6,7 @@
 
 #include "app/dialog_placement.h"
 #include "app/main_dialog_fixture.h"
+#include "app/menu_state.h"
 #include "dialogs/terminal/terminal_screen.h"
 #include "support/waits.h"
 #include "support/window_places.h"
@@ -46,14 +47,20 @@ TEST_F(MainDialog, PortNumberDialogComesUpBelow) {
   }));
 }
 
-TEST_F(MainDialog, PortDialogThatWasToldToCloseStaysWhenItIsWantedAgain) {
-  for (const auto& [id, name] : {std::pair{32791, "CPortNum"}, {32792, "CPortDetails"}}) {
+TEST_F(MainDialog, AWindowThatWasToldToCloseStaysWhenItIsWantedAgain) {
+  for (const auto& [id, name] : {std::pair{32791, "CPortNum"},
+                                 {32792, "CPortDetails"},
+                                 {command::kCommandFormat, "CCommandFormat"},
+                                 {command::kScreenOption, "CScreenOption"},
+                                 {command::kMainOption, "CMainOption"}}) {
     Action(id)->trigger();
-    program.state.requests.close.Add(Window::PortNumber);
-    program.state.requests.close.Add(Window::DetailedPortList);
+    RaiseCloseRequests(program.state.requests);
     Action(id)->trigger();
     QTest::qWait(2 * PolledDialog::kTickMs);
     EXPECT_EQ(Shown(name).size(), 1) << name;
+    // Told once more, and not wanted, it goes.
+    RaiseCloseRequests(program.state.requests);
+    EXPECT_TRUE(WaitUntil([&, name = name] { return Shown(name).isEmpty(); })) << name;
   }
 }
 
