@@ -10,7 +10,7 @@
 
 #include "serial/file_descriptor.h"
 #include "serial/port_folder_linux.h"
-#include "serial/uninterrupted_posix.h"
+#include "serial/uninterrupted_linux.h"
 
 namespace quarn {
 

@@ -2,12 +2,12 @@
 
 #include "serial/platform_serial.h"
 #include "serial/port_source_linux.h"
-#include "serial/serial_line_posix.h"
+#include "serial/serial_line_linux.h"
 
 namespace quarn {
 
 std::unique_ptr<SerialLineOpener> CreateLineOpener(const QString& portsFolder) {
-  return std::make_unique<PosixLineOpener>(portsFolder);
+  return std::make_unique<LinuxLineOpener>(portsFolder);
 }
 
 std::unique_ptr<PortSource> CreatePortSource(const QString& portsFolder) {

@@ -10,7 +10,7 @@
 #include <thread>
 #include <utility>
 
-#include "serial/uninterrupted_posix.h"
+#include "serial/uninterrupted_linux.h"
 
 namespace quarn {
 namespace {

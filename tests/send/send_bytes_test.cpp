@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "send/send_process.h"
-#include "support/made_locale_posix.h"
+#include "support/made_locale_linux.h"
 
 namespace quarn {
 namespace {

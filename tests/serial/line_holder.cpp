@@ -8,7 +8,7 @@
 #include <cstdio>
 #include <string_view>
 
-#include "serial/serial_line_posix.h"
+#include "serial/serial_line_linux.h"
 
 namespace {
 

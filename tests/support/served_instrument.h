@@ -3,5 +3,5 @@
 #ifdef _WIN32
 #include "wine/support/served_instrument_win32.h"
 #else
-#include "support/served_instrument_posix.h"
+#include "support/served_instrument_linux.h"
 #endif

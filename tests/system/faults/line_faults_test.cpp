@@ -6,10 +6,10 @@
 
 #include "device/pseudo_terminal.h"
 #include "serial/fake_uart.h"
-#include "serial/line_failure_posix.h"
+#include "serial/line_failure_linux.h"
 #include "serial/line_test_support.h"
 #include "serial/open_terminal_linux.h"
-#include "serial/serial_line_posix.h"
+#include "serial/serial_line_linux.h"
 #include "system/faults/fault_run.h"
 
 namespace quarn::test {
@@ -261,7 +261,7 @@ TEST(LineOpenerFaults, OpenByThePortsName) {
   const device::PseudoTerminal far;
   const QTemporaryDir ports;
   ASSERT_TRUE(QFile::link(QString::fromStdString(far.NodePath()), ports.filePath(QStringLiteral("COM3"))));
-  PosixLineOpener opener(ports.path());
+  LinuxLineOpener opener(ports.path());
   OpenResult opened;
   const auto act = [&] { opened = opener.Open(QStringLiteral("COM3")); };
   const auto check = [&](const Fault& fault) {

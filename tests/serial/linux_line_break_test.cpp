@@ -11,7 +11,7 @@ namespace quarn {
 namespace {
 
 // What ends a read or a write other than bytes and time-outs: the far end, CancelIo, Close.
-class PosixLineBreak : public PtyLineTest {
+class LinuxLineBreak : public PtyLineTest {
  protected:
   void SetUp() override {
     PtyLineTest::SetUp();
@@ -27,7 +27,7 @@ class PosixLineBreak : public PtyLineTest {
   }
 };
 
-TEST_F(PosixLineBreak, AHangUpBeforeAReadFailsIt) {
+TEST_F(LinuxLineBreak, AHangUpBeforeAReadFailsIt) {
   m_far.HangUp();
   const ReadOutcome outcome = Read();
   EXPECT_FALSE(outcome.result.ok);
@@ -35,7 +35,7 @@ TEST_F(PosixLineBreak, AHangUpBeforeAReadFailsIt) {
   EXPECT_EQ(outcome.result.failure.kind, LineError::Disconnected);
 }
 
-TEST_F(PosixLineBreak, AHangUpWakesABlockedRead) {
+TEST_F(LinuxLineBreak, AHangUpWakesABlockedRead) {
   auto reading = ReadInThread();
   EXPECT_TRUE(StillRuns(reading));
   m_far.HangUp();
@@ -45,7 +45,7 @@ TEST_F(PosixLineBreak, AHangUpWakesABlockedRead) {
   EXPECT_EQ(read.failure.kind, LineError::Disconnected);
 }
 
-TEST_F(PosixLineBreak, AHangUpAfterSomeBytesGivesTheseAndFailsTheNextRead) {
+TEST_F(LinuxLineBreak, AHangUpAfterSomeBytesGivesTheseAndFailsTheNextRead) {
   FarSends("half");
   ASSERT_TRUE(Eventually([this] { return Waiting() == 4; }));
   auto reading = ReadInThread();
@@ -62,14 +62,14 @@ TEST_F(PosixLineBreak, AHangUpAfterSomeBytesGivesTheseAndFailsTheNextRead) {
   EXPECT_EQ(next.failure.kind, LineError::Disconnected);
 }
 
-TEST_F(PosixLineBreak, AWriteAfterAHangUpFails) {
+TEST_F(LinuxLineBreak, AWriteAfterAHangUpFails) {
   m_far.HangUp();
   const IoResult written = Write("x");
   EXPECT_FALSE(written.ok);
   EXPECT_EQ(written.failure.kind, LineError::Disconnected);
 }
 
-TEST_F(PosixLineBreak, AHangUpEndsABlockedWrite) {
+TEST_F(LinuxLineBreak, AHangUpEndsABlockedWrite) {
   FillLine();
   ASSERT_TRUE(m_line->SetTimeouts({}));
   auto writing = InThread([this] { return Write("more"); });
@@ -79,7 +79,7 @@ TEST_F(PosixLineBreak, AHangUpEndsABlockedWrite) {
   EXPECT_FALSE(writing.get().ok);
 }
 
-TEST_F(PosixLineBreak, CancelWakesABlockedRead) {
+TEST_F(LinuxLineBreak, CancelWakesABlockedRead) {
   auto reading = ReadInThread();
   EXPECT_TRUE(StillRuns(reading));
   m_line->CancelIo();
@@ -89,7 +89,7 @@ TEST_F(PosixLineBreak, CancelWakesABlockedRead) {
   EXPECT_EQ(read.failure.kind, LineError::Cancelled);
 }
 
-TEST_F(PosixLineBreak, CancelWakesABlockedWrite) {
+TEST_F(LinuxLineBreak, CancelWakesABlockedWrite) {
   FillLine();
   ASSERT_TRUE(m_line->SetTimeouts({}));
   auto writing = InThread([this] { return Write("more"); });
@@ -101,7 +101,7 @@ TEST_F(PosixLineBreak, CancelWakesABlockedWrite) {
   EXPECT_EQ(written.failure.kind, LineError::Cancelled);
 }
 
-TEST_F(PosixLineBreak, ACancelledReadThatHasBytesGivesTheseAndTheNextReadFails) {
+TEST_F(LinuxLineBreak, ACancelledReadThatHasBytesGivesTheseAndTheNextReadFails) {
   FarSends("half");
   auto reading = ReadInThread();
   ASSERT_TRUE(Eventually([this] { return Waiting() == 0; }));
@@ -117,7 +117,7 @@ TEST_F(PosixLineBreak, ACancelledReadThatHasBytesGivesTheseAndTheNextReadFails) 
   EXPECT_EQ(next.failure.kind, LineError::Cancelled);
 }
 
-TEST_F(PosixLineBreak, ACancelledWriteSaysHowMuchWent) {
+TEST_F(LinuxLineBreak, ACancelledWriteSaysHowMuchWent) {
   const std::string message(1'000'000, 'w');
   auto writing = InThread([&] { return Write(message); });
   EXPECT_TRUE(StillRuns(writing));
@@ -129,7 +129,7 @@ TEST_F(PosixLineBreak, ACancelledWriteSaysHowMuchWent) {
   EXPECT_LT(written.bytes, message.size());
 }
 
-TEST_F(PosixLineBreak, CancelHoldsUntilIoIsAllowedAgain) {
+TEST_F(LinuxLineBreak, CancelHoldsUntilIoIsAllowedAgain) {
   FarSends("waiting");
   m_line->CancelIo();
   m_line->CancelIo();
@@ -143,7 +143,7 @@ TEST_F(PosixLineBreak, CancelHoldsUntilIoIsAllowedAgain) {
   EXPECT_TRUE(Write("x").ok);
 }
 
-TEST_F(PosixLineBreak, CancelLeavesControlCallsAlone) {
+TEST_F(LinuxLineBreak, CancelLeavesControlCallsAlone) {
   m_line->CancelIo();
   LineState state;
   EXPECT_TRUE(m_line->GetState(state));
@@ -151,7 +151,7 @@ TEST_F(PosixLineBreak, CancelLeavesControlCallsAlone) {
   EXPECT_TRUE(m_line->Purge());
 }
 
-TEST_F(PosixLineBreak, ACancelledReadLeavesTheFailureOfAnotherCallAlone) {
+TEST_F(LinuxLineBreak, ACancelledReadLeavesTheFailureOfAnotherCallAlone) {
   auto reading = ReadInThread();
   EXPECT_TRUE(StillRuns(reading));
   const LineResult set = m_line->SetState({.stopBits = StopBits::OnePointFive});
@@ -163,7 +163,7 @@ TEST_F(PosixLineBreak, ACancelledReadLeavesTheFailureOfAnotherCallAlone) {
   EXPECT_TRUE(set.Failure().reason.contains(QStringLiteral("data and stop bits")));
 }
 
-TEST_F(PosixLineBreak, CloseWakesABlockedReadFirst) {
+TEST_F(LinuxLineBreak, CloseWakesABlockedReadFirst) {
   auto reading = ReadInThread();
   EXPECT_TRUE(StillRuns(reading));
   auto closing = InThread([this] { return m_line->Close(); });
@@ -177,7 +177,7 @@ TEST_F(PosixLineBreak, CloseWakesABlockedReadFirst) {
   EXPECT_TRUE(OpenTerminalDevice(QString::fromStdString(m_far.NodePath())).line);
 }
 
-TEST_F(PosixLineBreak, CloseWakesABlockedWriteFirst) {
+TEST_F(LinuxLineBreak, CloseWakesABlockedWriteFirst) {
   FillLine();
   ASSERT_TRUE(m_line->SetTimeouts({}));
   auto writing = InThread([this] { return Write("more"); });
@@ -188,7 +188,7 @@ TEST_F(PosixLineBreak, CloseWakesABlockedWriteFirst) {
   EXPECT_FALSE(writing.get().ok);
 }
 
-TEST_F(PosixLineBreak, CancellingAtAnyMomentNeverLosesTheWakeUp) {
+TEST_F(LinuxLineBreak, CancellingAtAnyMomentNeverLosesTheWakeUp) {
   // Without blocking first: the cancel hits the read before, while or after it starts to wait.
   for (int round = 0; round < 200; ++round) {
     auto reading = ReadInThread();
@@ -199,7 +199,7 @@ TEST_F(PosixLineBreak, CancellingAtAnyMomentNeverLosesTheWakeUp) {
   }
 }
 
-TEST_F(PosixLineBreak, ClosingIsHeardThoughAnotherThreadAllowsIo) {
+TEST_F(LinuxLineBreak, ClosingIsHeardThoughAnotherThreadAllowsIo) {
   for (int round = 0; round < 200; ++round) {
     auto reading = ReadInThread();
     std::atomic<bool> enough = false;
@@ -219,7 +219,7 @@ TEST_F(PosixLineBreak, ClosingIsHeardThoughAnotherThreadAllowsIo) {
   }
 }
 
-TEST_F(PosixLineBreak, ClosingAtAnyMomentIsSafe) {
+TEST_F(LinuxLineBreak, ClosingAtAnyMomentIsSafe) {
   for (int round = 0; round < 50; ++round) {
     auto reading = ReadInThread();
     EXPECT_TRUE(m_line->Close());
@@ -231,7 +231,7 @@ TEST_F(PosixLineBreak, ClosingAtAnyMomentIsSafe) {
   }
 }
 
-TEST_F(PosixLineBreak, ALineIsLostWithTheHangUpAndNotBefore) {
+TEST_F(LinuxLineBreak, ALineIsLostWithTheHangUpAndNotBefore) {
   EXPECT_FALSE(m_line->IsLost());
   FarSends("bytes that nobody has read");
   EXPECT_FALSE(m_line->IsLost());
@@ -244,7 +244,7 @@ TEST_F(PosixLineBreak, ALineIsLostWithTheHangUpAndNotBefore) {
   EXPECT_FALSE(m_line->IsLost()) << "closed is not lost";
 }
 
-TEST_F(PosixLineBreak, ACancelledOrSilentLineIsNotLost) {
+TEST_F(LinuxLineBreak, ACancelledOrSilentLineIsNotLost) {
   ASSERT_TRUE(m_line->SetTimeouts({.readTotalConstant = 1}));
   EXPECT_TRUE(Read().result.ok);
   m_line->CancelIo();
@@ -252,7 +252,7 @@ TEST_F(PosixLineBreak, ACancelledOrSilentLineIsNotLost) {
   EXPECT_FALSE(m_line->IsLost());
 }
 
-TEST_F(PosixLineBreak, ALineCanBeAskedWhileAReadWaits) {
+TEST_F(LinuxLineBreak, ALineCanBeAskedWhileAReadWaits) {
   auto reading = ReadInThread();
   EXPECT_TRUE(StillRuns(reading));
   EXPECT_FALSE(m_line->IsLost());

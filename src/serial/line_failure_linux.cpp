@@ -1,4 +1,4 @@
-#include "serial/line_failure_posix.h"
+#include "serial/line_failure_linux.h"
 
 #include <cerrno>
 #include <system_error>

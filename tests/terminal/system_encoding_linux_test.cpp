@@ -1,7 +1,7 @@
-#include "terminal/system_encoding_posix.h"
+#include "terminal/system_encoding_linux.h"
 
 #include "serial/line_test_support.h"
-#include "support/made_locale_posix.h"
+#include "support/made_locale_linux.h"
 
 namespace quarn {
 namespace {

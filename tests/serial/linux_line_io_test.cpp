@@ -4,12 +4,12 @@
 #include <numeric>
 
 #include "serial/pty_line_test.h"
-#include "serial/uninterrupted_posix.h"
+#include "serial/uninterrupted_linux.h"
 
 namespace quarn {
 namespace {
 
-using PosixLineIo = PtyLineTest;
+using LinuxLineIo = PtyLineTest;
 
 std::string EveryByte() {
   std::string bytes(256, '\0');
@@ -20,20 +20,20 @@ std::string EveryByte() {
 /// Long enough that no scheduler makes a gap of it between bytes that are there already.
 constexpr LineTimeouts kPatient{.readInterval = 60'000};
 
-TEST_F(PosixLineIo, EveryByteComesInUnchanged) {
+TEST_F(LinuxLineIo, EveryByteComesInUnchanged) {
   ASSERT_TRUE(m_line->SetTimeouts(kPatient));
   FarSends(EveryByte());
   EXPECT_EQ(Read(256).bytes, EveryByte());
 }
 
-TEST_F(PosixLineIo, EveryByteGoesOutUnchanged) {
+TEST_F(LinuxLineIo, EveryByteGoesOutUnchanged) {
   const IoResult written = Write(EveryByte());
   EXPECT_TRUE(written.ok);
   EXPECT_EQ(written.bytes, 256U);
   EXPECT_EQ(FarReceives(256), EveryByte());
 }
 
-TEST_F(PosixLineIo, WhatComesInIsNotEchoed) {
+TEST_F(LinuxLineIo, WhatComesInIsNotEchoed) {
   ASSERT_TRUE(m_line->SetTimeouts(kPatient));
   FarSends("echo?\r");
   ASSERT_EQ(Read(6).bytes, "echo?\r");
@@ -54,7 +54,7 @@ TEST(PollLine, LooksOnceHoweverLateItIs) {
   for (const int each : ends) ::close(each);
 }
 
-TEST_F(PosixLineIo, AReadEndsWhenTheBufferIsFull) {
+TEST_F(LinuxLineIo, AReadEndsWhenTheBufferIsFull) {
   ASSERT_TRUE(m_line->SetTimeouts({}));
   FarSends("0123456789");
   const ReadOutcome first = Read(4);
@@ -63,7 +63,7 @@ TEST_F(PosixLineIo, AReadEndsWhenTheBufferIsFull) {
   EXPECT_EQ(Read(6).bytes, "456789");
 }
 
-TEST_F(PosixLineIo, AReadGathersWhatComesInPieces) {
+TEST_F(LinuxLineIo, AReadGathersWhatComesInPieces) {
   ASSERT_TRUE(m_line->SetTimeouts({}));
   auto reading = ReadInThread(6);
   FarSends("abc");
@@ -73,7 +73,7 @@ TEST_F(PosixLineIo, AReadGathersWhatComesInPieces) {
   EXPECT_EQ(reading.get().bytes, "abcdef");
 }
 
-TEST_F(PosixLineIo, SilenceEndsARead) {
+TEST_F(LinuxLineIo, SilenceEndsARead) {
   ASSERT_TRUE(m_line->SetTimeouts({.readInterval = 30}));
   auto reading = ReadInThread();
   FarSends("one");
@@ -85,7 +85,7 @@ TEST_F(PosixLineIo, SilenceEndsARead) {
   EXPECT_EQ(Read().bytes, "two");
 }
 
-TEST_F(PosixLineIo, SilenceBeforeTheFirstByteEndsNothing) {
+TEST_F(LinuxLineIo, SilenceBeforeTheFirstByteEndsNothing) {
   ASSERT_TRUE(m_line->SetTimeouts({.readInterval = 10}));
   auto reading = ReadInThread();
   EXPECT_TRUE(StillRuns(reading)) << "five times the interval has passed";
@@ -94,7 +94,7 @@ TEST_F(PosixLineIo, SilenceBeforeTheFirstByteEndsNothing) {
   EXPECT_EQ(reading.get().bytes, "late");
 }
 
-TEST_F(PosixLineIo, TheReadLastsAtLeastTheIntervalBeyondTheLastByte) {
+TEST_F(LinuxLineIo, TheReadLastsAtLeastTheIntervalBeyondTheLastByte) {
   ASSERT_TRUE(m_line->SetTimeouts({.readInterval = 120}));
   FarSends("x");
   const std::int64_t taken = MillisecondsOf([this] { EXPECT_EQ(Read().bytes, "x"); });
@@ -116,7 +116,7 @@ std::chrono::milliseconds SendInPieces(int pieces, std::chrono::milliseconds pau
   return std::chrono::ceil<std::chrono::milliseconds>(longest);
 }
 
-TEST_F(PosixLineIo, SilenceIsMeasuredFromTheLastByte) {
+TEST_F(LinuxLineIo, SilenceIsMeasuredFromTheLastByte) {
   constexpr int kPieces = 6;
   // Together the pauses are longer than the interval; each alone is far shorter.
   std::chrono::milliseconds interval{400};
@@ -137,7 +137,7 @@ TEST_F(PosixLineIo, SilenceIsMeasuredFromTheLastByte) {
   }
 }
 
-TEST_F(PosixLineIo, TheTotalEndsAReadWithoutAByte) {
+TEST_F(LinuxLineIo, TheTotalEndsAReadWithoutAByte) {
   ASSERT_TRUE(m_line->SetTimeouts({.readInterval = 5, .readTotalMultiplier = 10, .readTotalConstant = 30}));
   ReadOutcome outcome;
   const std::int64_t taken = MillisecondsOf([&] { outcome = Read(7); });
@@ -146,7 +146,7 @@ TEST_F(PosixLineIo, TheTotalEndsAReadWithoutAByte) {
   EXPECT_GE(taken, 100);
 }
 
-TEST_F(PosixLineIo, TheTotalEndsAReadThatHasBytes) {
+TEST_F(LinuxLineIo, TheTotalEndsAReadThatHasBytes) {
   ASSERT_TRUE(m_line->SetTimeouts({.readTotalConstant = 60}));
   FarSends("partial");
   const ReadOutcome outcome = Read();
@@ -154,7 +154,7 @@ TEST_F(PosixLineIo, TheTotalEndsAReadThatHasBytes) {
   EXPECT_EQ(outcome.bytes, "partial");
 }
 
-TEST_F(PosixLineIo, TheLargestIntervalTakesWhatIsThereAndNoMore) {
+TEST_F(LinuxLineIo, TheLargestIntervalTakesWhatIsThereAndNoMore) {
   ASSERT_TRUE(m_line->SetTimeouts({.readInterval = 0xFFFFFFFFU}));
   const ReadOutcome nothing = Read();
   EXPECT_TRUE(nothing.result.ok);
@@ -165,7 +165,7 @@ TEST_F(PosixLineIo, TheLargestIntervalTakesWhatIsThereAndNoMore) {
   EXPECT_EQ(bytes, "there");
 }
 
-TEST_F(PosixLineIo, ALargeAnswerComesInWhole) {
+TEST_F(LinuxLineIo, ALargeAnswerComesInWhole) {
   ASSERT_TRUE(m_line->SetTimeouts(kPatient));
   std::string answer;
   while (answer.size() < kReadSize) answer += "0123456789abcdef";
@@ -176,7 +176,7 @@ TEST_F(PosixLineIo, ALargeAnswerComesInWhole) {
   EXPECT_EQ(reading.get().bytes, answer);
 }
 
-TEST_F(PosixLineIo, ALargeMessageGoesOutWhole) {
+TEST_F(LinuxLineIo, ALargeMessageGoesOutWhole) {
   ASSERT_TRUE(m_line->SetTimeouts({}));
   const std::string message(200'000, 'm');
   auto writing = InThread([&] { return Write(message); });
@@ -185,7 +185,7 @@ TEST_F(PosixLineIo, ALargeMessageGoesOutWhole) {
   EXPECT_EQ(writing.get().bytes, message.size());
 }
 
-TEST_F(PosixLineIo, AWriteToAFullLineEndsAtItsTotal) {
+TEST_F(LinuxLineIo, AWriteToAFullLineEndsAtItsTotal) {
   FillLine();
   ASSERT_TRUE(m_line->SetTimeouts({.writeTotalMultiplier = 10, .writeTotalConstant = 50}));
   IoResult written;
@@ -195,7 +195,7 @@ TEST_F(PosixLineIo, AWriteToAFullLineEndsAtItsTotal) {
   EXPECT_GE(taken, 100);
 }
 
-TEST_F(PosixLineIo, AWriteIntoALineThatFillsUpSaysHowMuchWent) {
+TEST_F(LinuxLineIo, AWriteIntoALineThatFillsUpSaysHowMuchWent) {
   ASSERT_TRUE(m_line->SetTimeouts({.writeTotalConstant = 50}));
   const IoResult written = Write(std::string(1'000'000, 'w'));
   EXPECT_TRUE(written.ok);
@@ -204,7 +204,7 @@ TEST_F(PosixLineIo, AWriteIntoALineThatFillsUpSaysHowMuchWent) {
   EXPECT_EQ(FarReceives(written.bytes), std::string(written.bytes, 'w'));
 }
 
-TEST_F(PosixLineIo, PurgeDropsWhatHasComeIn) {
+TEST_F(LinuxLineIo, PurgeDropsWhatHasComeIn) {
   ASSERT_TRUE(m_line->SetTimeouts(kPatient));
   FarSends("old");
   EXPECT_TRUE(m_line->Purge());
@@ -212,7 +212,7 @@ TEST_F(PosixLineIo, PurgeDropsWhatHasComeIn) {
   EXPECT_EQ(Read(3).bytes, "new");
 }
 
-TEST_F(PosixLineIo, PurgeWorksWhileAnotherThreadReads) {
+TEST_F(LinuxLineIo, PurgeWorksWhileAnotherThreadReads) {
   ASSERT_TRUE(m_line->SetTimeouts({}));
   auto reading = ReadInThread(1);
   EXPECT_TRUE(StillRuns(reading));

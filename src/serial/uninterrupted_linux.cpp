@@ -1,4 +1,4 @@
-#include "serial/uninterrupted_posix.h"
+#include "serial/uninterrupted_linux.h"
 
 #include <asm/ioctls.h>
 #include <sys/ioctl.h>

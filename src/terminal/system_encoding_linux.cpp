@@ -1,4 +1,4 @@
-#include "terminal/system_encoding_posix.h"
+#include "terminal/system_encoding_linux.h"
 
 #include <iconv.h>
 #include <langinfo.h>

@@ -28,7 +28,7 @@ int FailuresAsOrdinaryUser(const QList<std::function<bool()>>& steps) {
   return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-class UserFilePosix : public UserFile {
+class UserFileLinux : public UserFile {
  protected:
   /// The folder belongs to the ordinary user; the file keeps its owner.
   void GiveFolderAway() const {
@@ -38,13 +38,13 @@ class UserFilePosix : public UserFile {
   }
 };
 
-TEST_F(UserFilePosix, AReadOnlyWorkingFileIsAFailedCopy) {
+TEST_F(UserFileLinux, AReadOnlyWorkingFileIsAFailedCopy) {
   const QString user = WithEntry("COM_PORT=NONE", "COM_PORT=COM3");
   ASSERT_EQ(chmod(Utf8(working), 0444), 0);
   ExpectRefused(user, {kNotOpened});
 }
 
-TEST_F(UserFilePosix, AReadOnlyUserFileOfAnotherVersionIsUpdatedInTheCopy) {
+TEST_F(UserFileLinux, AReadOnlyUserFileOfAnotherVersionIsUpdatedInTheCopy) {
   const QString user = WithEntry("MARK_COLOR=WHITE\r\n", "OLD_KEY=1\r\n");
   const QByteArray bytes = BytesOf(user);
   ASSERT_EQ(chmod(Utf8(user), 0444), 0);
@@ -60,7 +60,7 @@ TEST_F(UserFilePosix, AReadOnlyUserFileOfAnotherVersionIsUpdatedInTheCopy) {
   ExpectRefused(user, {kMayUpdate});
 }
 
-TEST_F(UserFilePosix, AUserFileInAFolderThatTakesNoFileIsUpdatedInTheCopy) {
+TEST_F(UserFileLinux, AUserFileInAFolderThatTakesNoFileIsUpdatedInTheCopy) {
   ASSERT_TRUE(QDir().mkdir(Path(QStringLiteral("shared"))));
   const QString user = WithEntry("MARK_COLOR=WHITE\r\n", "OLD_KEY=1\r\n", QStringLiteral("shared/user.qrn"));
   const QByteArray bytes = BytesOf(user);
@@ -82,14 +82,14 @@ TEST_F(UserFilePosix, AUserFileInAFolderThatTakesNoFileIsUpdatedInTheCopy) {
   EXPECT_EQ(BytesOf(working), NormalisedBytes(SortedDefaults()));
 }
 
-TEST_F(UserFilePosix, AReadOnlyUserFileOpensAllTheSame) {
+TEST_F(UserFileLinux, AReadOnlyUserFileOpensAllTheSame) {
   const QString user = WithEntry("COM_PORT=NONE", "COM_PORT=COM3");
   ASSERT_EQ(chmod(Utf8(user), 0444), 0);
   EXPECT_EQ(Open(user), user);
   EXPECT_EQ(messages.shown, QStringList{kOpened});
 }
 
-TEST_F(UserFilePosix, AWorkingFileThatCannotBeReadIsNotCopiedOver) {
+TEST_F(UserFileLinux, AWorkingFileThatCannotBeReadIsNotCopiedOver) {
   const QByteArray bytes = BytesOf(working);
   const QString user = WithEntry("COM_PORT=NONE", "COM_PORT=COM3");
   ASSERT_EQ(chmod(Utf8(user), 0444), 0);
@@ -108,7 +108,7 @@ TEST_F(UserFilePosix, AWorkingFileThatCannotBeReadIsNotCopiedOver) {
   EXPECT_EQ(BytesOf(working), bytes);
 }
 
-TEST_F(UserFilePosix, AReadOnlyFileInAWritableFolderIsNotReplaced) {
+TEST_F(UserFileLinux, AReadOnlyFileInAWritableFolderIsNotReplaced) {
   const QByteArray bytes = BytesOf(working);
   const QString from = WithBytes("x", QStringLiteral("from"));
   ASSERT_EQ(chmod(Utf8(from), 0444), 0);
@@ -135,7 +135,7 @@ TEST_F(UserFilePosix, AReadOnlyFileInAWritableFolderIsNotReplaced) {
             (QStringList{QStringLiteral("beside"), QStringLiteral("from"), QStringLiteral("Quarn.ini")}));
 }
 
-TEST_F(UserFilePosix, AFileWithoutAnyWritePermissionIsReadOnlyForEverybody) {
+TEST_F(UserFileLinux, AFileWithoutAnyWritePermissionIsReadOnlyForEverybody) {
   const QByteArray bytes = BytesOf(working);
   const QString from = WithBytes("x", QStringLiteral("from"));
   for (const mode_t mode : {mode_t{0444}, mode_t{0400}, mode_t{0555}}) {
@@ -147,7 +147,7 @@ TEST_F(UserFilePosix, AFileWithoutAnyWritePermissionIsReadOnlyForEverybody) {
   EXPECT_EQ(FilesInFolder(), (QStringList{QStringLiteral("from"), QStringLiteral("Quarn.ini")}));
 }
 
-TEST_F(UserFilePosix, ACopyKeepsThePermissionsOfTheFileThatItReplaces) {
+TEST_F(UserFileLinux, ACopyKeepsThePermissionsOfTheFileThatItReplaces) {
   const QString from = WithBytes("x", QStringLiteral("from"));
   ASSERT_EQ(chmod(Utf8(from), 0600), 0);
   for (const mode_t mode : {mode_t{0600}, mode_t{0640}, mode_t{0666}}) {
@@ -159,7 +159,7 @@ TEST_F(UserFilePosix, ACopyKeepsThePermissionsOfTheFileThatItReplaces) {
   }
 }
 
-TEST_F(UserFilePosix, ACopyThroughALinkReplacesWhatItLeadsTo) {
+TEST_F(UserFileLinux, ACopyThroughALinkReplacesWhatItLeadsTo) {
   const QString from = WithBytes("x", QStringLiteral("from"));
   const QString link = Path(QStringLiteral("link"));
   ASSERT_EQ(symlink("Quarn.ini", Utf8(link)), 0);
@@ -173,7 +173,7 @@ TEST_F(UserFilePosix, ACopyThroughALinkReplacesWhatItLeadsTo) {
   EXPECT_EQ(BytesOf(working), QByteArray("x"));
 }
 
-TEST_F(UserFilePosix, ALinkToNothingLeadsToNothingAgainAfterARejection) {
+TEST_F(UserFileLinux, ALinkToNothingLeadsToNothingAgainAfterARejection) {
   QFile::remove(working);
   ASSERT_EQ(symlink("nowhere", Utf8(working)), 0);
   ExpectRefused(WithEntry("COM_PORT=NONE", "COM_PORT=COM100"), {kNotLoaded});
@@ -181,7 +181,7 @@ TEST_F(UserFilePosix, ALinkToNothingLeadsToNothingAgainAfterARejection) {
   EXPECT_FALSE(QFile::exists(Path(QStringLiteral("nowhere"))));
 }
 
-TEST_F(UserFilePosix, APipeIsNeitherReadNorReplaced) {
+TEST_F(UserFileLinux, APipeIsNeitherReadNorReplaced) {
   const QString pipe = Path(QStringLiteral("pipe"));
   ASSERT_EQ(mkfifo(Utf8(pipe), 0600), 0);
   EXPECT_FALSE(CopySettingsFile(pipe, working));

@@ -15,18 +15,18 @@
 #include "serial/holder.h"
 #include "serial/line_test_support.h"
 #include "serial/open_terminal_linux.h"
-#include "serial/serial_line_posix.h"
+#include "serial/serial_line_linux.h"
 
 namespace quarn {
 namespace {
 
-class PosixLineOpen : public testing::Test {
+class LinuxLineOpen : public testing::Test {
  protected:
   [[nodiscard]] QString Path(const char* name) const { return m_folder.filePath(QString::fromLatin1(name)); }
   [[nodiscard]] QString Node() const { return QString::fromStdString(m_far.NodePath()); }
   void Link(const char* name, const QString& target) const { ASSERT_TRUE(QFile::link(target, Path(name))); }
   OpenResult OpenPortNamed(const char* name) const {
-    return PosixLineOpener(m_folder.path()).Open(QString::fromLatin1(name));
+    return LinuxLineOpener(m_folder.path()).Open(QString::fromLatin1(name));
   }
 
   QTemporaryDir m_folder;
@@ -51,7 +51,7 @@ int ErrorOfAPlainOpen(const std::string& node) {
   return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-TEST_F(PosixLineOpen, ASecondOpenInTheSameProcessFindsTheLineInUse) {
+TEST_F(LinuxLineOpen, ASecondOpenInTheSameProcessFindsTheLineInUse) {
   const OpenResult first = OpenTerminalDevice(Node());
   ASSERT_TRUE(first.line) << first.failure.reason.toStdString();
   const OpenResult second = OpenTerminalDevice(Node());
@@ -60,7 +60,7 @@ TEST_F(PosixLineOpen, ASecondOpenInTheSameProcessFindsTheLineInUse) {
   EXPECT_EQ(second.failure.reason, Node() + QStringLiteral(": in use by another program"));
 }
 
-TEST_F(PosixLineOpen, AfterCloseTheLineIsFreeAgain) {
+TEST_F(LinuxLineOpen, AfterCloseTheLineIsFreeAgain) {
   const OpenResult first = OpenTerminalDevice(Node());
   ASSERT_TRUE(first.line);
   EXPECT_TRUE(first.line->Close());
@@ -76,13 +76,13 @@ QString UseByThisProcess() {
       .arg(::getpid());
 }
 
-TEST_F(PosixLineOpen, AnotherProcessFindsTheLineInUse) {
+TEST_F(LinuxLineOpen, AnotherProcessFindsTheLineInUse) {
   const OpenResult mine = OpenTerminalDevice(Node());
   ASSERT_TRUE(mine.line);
   EXPECT_EQ(Holder(Node()).Outcome(), QStringLiteral("in-use %1: %2").arg(Node(), UseByThisProcess()));
 }
 
-TEST_F(PosixLineOpen, ASerialDeviceThatAnotherProgramHasOpenWithoutALockIsInUse) {
+TEST_F(LinuxLineOpen, ASerialDeviceThatAnotherProgramHasOpenWithoutALockIsInUse) {
   {
     Holder holder(Node(), {QStringLiteral("--plain")});
     ASSERT_EQ(holder.Outcome(), QStringLiteral("open"));
@@ -97,12 +97,12 @@ TEST_F(PosixLineOpen, ASerialDeviceThatAnotherProgramHasOpenWithoutALockIsInUse)
   EXPECT_TRUE(opened.line) << opened.failure.reason.toStdString();
 }
 
-TEST_F(PosixLineOpen, ASerialDeviceThatThisProgramHasOpenIsNotInUse) {
+TEST_F(LinuxLineOpen, ASerialDeviceThatThisProgramHasOpenIsNotInUse) {
   const FileDescriptor own(::open(m_far.NodePath().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
   EXPECT_TRUE(OpenTerminalDeviceAs(Node(), TerminalKind::Uart).line);
 }
 
-TEST_F(PosixLineOpen, ALineThatAnotherProcessHoldsIsInUseUntilItEnds) {
+TEST_F(LinuxLineOpen, ALineThatAnotherProcessHoldsIsInUseUntilItEnds) {
   {
     Holder holder(Node());
     ASSERT_EQ(holder.Outcome(), QStringLiteral("open"));
@@ -113,7 +113,7 @@ TEST_F(PosixLineOpen, ALineThatAnotherProcessHoldsIsInUseUntilItEnds) {
   EXPECT_TRUE(OpenTerminalDevice(Node()).line);
 }
 
-TEST_F(PosixLineOpen, AKilledProcessLeavesTheLineFree) {
+TEST_F(LinuxLineOpen, AKilledProcessLeavesTheLineFree) {
   Holder holder(Node());
   ASSERT_EQ(holder.Outcome(), QStringLiteral("open"));
   holder.Kill();
@@ -122,13 +122,13 @@ TEST_F(PosixLineOpen, AKilledProcessLeavesTheLineFree) {
   EXPECT_TRUE(mine.line) << mine.failure.reason.toStdString();
 }
 
-TEST_F(PosixLineOpen, AProgramThatOnlyLocksTheDeviceIsRespected) {
+TEST_F(LinuxLineOpen, AProgramThatOnlyLocksTheDeviceIsRespected) {
   const FileDescriptor other(::open(m_far.NodePath().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
   ASSERT_EQ(::flock(other.Get(), LOCK_EX | LOCK_NB), 0);
   EXPECT_EQ(OpenTerminalDevice(Node()).failure.kind, LineError::InUse);
 }
 
-TEST_F(PosixLineOpen, TheLockKeepsOthersOutWhileTheLineIsOpen) {
+TEST_F(LinuxLineOpen, TheLockKeepsOthersOutWhileTheLineIsOpen) {
   const OpenResult mine = OpenTerminalDevice(Node());
   ASSERT_TRUE(mine.line);
   const FileDescriptor other(::open(m_far.NodePath().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
@@ -138,7 +138,7 @@ TEST_F(PosixLineOpen, TheLockKeepsOthersOutWhileTheLineIsOpen) {
 
 // The mark does not bind an administrator: what the system refuses is tried as an ordinary user.
 
-TEST_F(PosixLineOpen, AProgramThatOnlyMarksTheDeviceIsRespected) {
+TEST_F(LinuxLineOpen, AProgramThatOnlyMarksTheDeviceIsRespected) {
   const FileDescriptor other(::open(m_far.NodePath().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
   ASSERT_EQ(::ioctl(other.Get(), TIOCEXCL), 0);
   ASSERT_EQ(::chmod(m_far.NodePath().c_str(), 0666), 0);
@@ -148,7 +148,7 @@ TEST_F(PosixLineOpen, AProgramThatOnlyMarksTheDeviceIsRespected) {
   EXPECT_EQ(Holder(Node(), AsOrdinaryUser()).Outcome(), QStringLiteral("open"));
 }
 
-TEST_F(PosixLineOpen, TheMarkKeepsOthersOutOfAUartWhileItIsOpen) {
+TEST_F(LinuxLineOpen, TheMarkKeepsOthersOutOfAUartWhileItIsOpen) {
   ASSERT_EQ(::chmod(m_far.NodePath().c_str(), 0666), 0);
   const OpenResult mine = OpenTerminalDeviceAs(Node(), TerminalKind::Uart);
   ASSERT_TRUE(mine.line) << mine.failure.reason.toStdString();
@@ -157,7 +157,7 @@ TEST_F(PosixLineOpen, TheMarkKeepsOthersOutOfAUartWhileItIsOpen) {
   EXPECT_EQ(ErrorOfAPlainOpen(m_far.NodePath()), 0);
 }
 
-TEST_F(PosixLineOpen, WithoutPermissionTheReasonSaysSo) {
+TEST_F(LinuxLineOpen, WithoutPermissionTheReasonSaysSo) {
   if (::geteuid() == 0) {
     ASSERT_EQ(::chmod(m_far.NodePath().c_str(), 0600), 0);
     const QString outcome = Holder(Node(), {QStringLiteral("--as-nobody")}).Outcome();
@@ -170,7 +170,7 @@ TEST_F(PosixLineOpen, WithoutPermissionTheReasonSaysSo) {
   EXPECT_EQ(opened.failure.reason, Node() + QStringLiteral(": no permission"));
 }
 
-TEST_F(PosixLineOpen, WhatIsNoTerminalIsRefusedWithItsName) {
+TEST_F(LinuxLineOpen, WhatIsNoTerminalIsRefusedWithItsName) {
   QFile file(Path("file"));
   ASSERT_TRUE(file.open(QIODevice::WriteOnly));
   ASSERT_EQ(::mkfifo(QFile::encodeName(Path("pipe")).constData(), 0600), 0);
@@ -185,14 +185,14 @@ TEST_F(PosixLineOpen, WhatIsNoTerminalIsRefusedWithItsName) {
   }
 }
 
-TEST_F(PosixLineOpen, APipeIsRefusedWithoutWaitingForItsOtherEnd) {
+TEST_F(LinuxLineOpen, APipeIsRefusedWithoutWaitingForItsOtherEnd) {
   ASSERT_EQ(::mkfifo(QFile::encodeName(Path("pipe")).constData(), 0600), 0);
   auto opening = InThread([this] { return OpenTerminalDevice(Path("pipe")); });
   ASSERT_TRUE(Ends(opening));
   EXPECT_FALSE(opening.get().line);
 }
 
-TEST_F(PosixLineOpen, APortIsALinkInTheFolder) {
+TEST_F(LinuxLineOpen, APortIsALinkInTheFolder) {
   Link("COM3", Node());
   Link("COM12", Path("COM3"));
   EXPECT_TRUE(OpenPortNamed("COM3").line);
@@ -200,7 +200,7 @@ TEST_F(PosixLineOpen, APortIsALinkInTheFolder) {
   EXPECT_TRUE(OpenPortNamed("COM12").line);
 }
 
-TEST_F(PosixLineOpen, APortWithoutALinkOrWithABrokenOneIsNoTerminalDevice) {
+TEST_F(LinuxLineOpen, APortWithoutALinkOrWithABrokenOneIsNoTerminalDevice) {
   Link("COM4", Path("nowhere"));
   Link("COM5", QStringLiteral("/dev/null"));
   Link("COM6", Path("COM6"));
@@ -215,14 +215,14 @@ TEST_F(PosixLineOpen, APortWithoutALinkOrWithABrokenOneIsNoTerminalDevice) {
   }
 }
 
-TEST_F(PosixLineOpen, ANameCannotLeaveTheFolder) {
+TEST_F(LinuxLineOpen, ANameCannotLeaveTheFolder) {
   for (const QString& name : {QString(), QStringLiteral("."), QStringLiteral(".."), Node(),
                               QStringLiteral("../") + QFileInfo(Node()).fileName()}) {
-    EXPECT_FALSE(PosixLineOpener(m_folder.path()).Open(name).line) << name.toStdString();
+    EXPECT_FALSE(LinuxLineOpener(m_folder.path()).Open(name).line) << name.toStdString();
   }
 }
 
-TEST_F(PosixLineOpen, EveryOperationFailsAfterClose) {
+TEST_F(LinuxLineOpen, EveryOperationFailsAfterClose) {
   const OpenResult opened = OpenTerminalDevice(Node());
   ASSERT_TRUE(opened.line);
   SerialLine& line = *opened.line;

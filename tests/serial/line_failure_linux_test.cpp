@@ -1,4 +1,4 @@
-#include "serial/line_failure_posix.h"
+#include "serial/line_failure_linux.h"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@
 namespace quarn {
 namespace {
 
-TEST(LineFailurePosix, EveryErrorHasItsKind) {
+TEST(LineFailureLinux, EveryErrorHasItsKind) {
   const std::pair<LineError, std::vector<int>> kinds[] = {
       {LineError::NotFound, {ENOENT, ENXIO, ENODEV, ELOOP, EISDIR, ENOTDIR, ENOTTY}},
       {LineError::NoPermission, {EACCES, EPERM}},
@@ -23,7 +23,7 @@ TEST(LineFailurePosix, EveryErrorHasItsKind) {
   }
 }
 
-TEST(LineFailurePosix, TheReasonNamesTheDeviceAndGivesTheSystemsWords) {
+TEST(LineFailureLinux, TheReasonNamesTheDeviceAndGivesTheSystemsWords) {
   const LineFailure failure = FailureOf(QStringLiteral("/dev/ttyX"), EACCES);
   EXPECT_EQ(failure.kind, LineError::NoPermission);
   EXPECT_EQ(failure.reason, QStringLiteral("/dev/ttyX: ") + SystemText(EACCES));

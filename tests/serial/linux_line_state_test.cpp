@@ -9,12 +9,12 @@
 #include "device/pseudo_terminal.h"
 #include "serial/file_descriptor.h"
 #include "serial/line_test_support.h"
-#include "serial/serial_line_posix.h"
+#include "serial/serial_line_linux.h"
 
 namespace quarn {
 namespace {
 
-class PosixLineState : public testing::Test {
+class LinuxLineState : public testing::Test {
  protected:
   [[nodiscard]] std::shared_ptr<SerialLine> Open() const {
     return OpenTerminalDevice(QString::fromStdString(m_far.NodePath())).line;
@@ -31,7 +31,7 @@ class PosixLineState : public testing::Test {
   FileDescriptor m_near{::open(m_far.NodePath().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC)};
 };
 
-TEST_F(PosixLineState, RatesWithoutANameOfTheirOwnAreReallySet) {
+TEST_F(LinuxLineState, RatesWithoutANameOfTheirOwnAreReallySet) {
   const auto line = Open();
   ASSERT_TRUE(line);
   for (const std::uint32_t rate : {110U, 9600U, 14400U, 56000U, 115200U, 128000U, 256000U}) {
@@ -45,7 +45,7 @@ TEST_F(PosixLineState, RatesWithoutANameOfTheirOwnAreReallySet) {
   }
 }
 
-TEST_F(PosixLineState, StopBitsReachTheDriver) {
+TEST_F(LinuxLineState, StopBitsReachTheDriver) {
   const auto line = Open();
   ASSERT_TRUE(line);
   ASSERT_TRUE(line->SetState({.stopBits = StopBits::Two}));
@@ -54,7 +54,7 @@ TEST_F(PosixLineState, StopBitsReachTheDriver) {
   EXPECT_EQ(SystemState().c_cflag & CSTOPB, 0U);
 }
 
-TEST_F(PosixLineState, ACombinationThatNoUartHasIsRefusedWithAReason) {
+TEST_F(LinuxLineState, ACombinationThatNoUartHasIsRefusedWithAReason) {
   const auto line = Open();
   ASSERT_TRUE(line);
   const termios2 before = SystemState();
@@ -68,7 +68,7 @@ TEST_F(PosixLineState, ACombinationThatNoUartHasIsRefusedWithAReason) {
   EXPECT_EQ(SystemState().c_cflag, before.c_cflag);
 }
 
-TEST_F(PosixLineState, TheLineIsRawWhileOpenAndAsBeforeAfterClose) {
+TEST_F(LinuxLineState, TheLineIsRawWhileOpenAndAsBeforeAfterClose) {
   termios2 former = SystemState();
   former.c_iflag |= ICRNL | IXON;
   former.c_oflag |= OPOST | ONLCR;
@@ -99,7 +99,7 @@ TEST_F(PosixLineState, TheLineIsRawWhileOpenAndAsBeforeAfterClose) {
   EXPECT_EQ(after.c_ospeed, former.c_ospeed);
 }
 
-TEST_F(PosixLineState, LettingGoOfTheLineClosesIt) {
+TEST_F(LinuxLineState, LettingGoOfTheLineClosesIt) {
   termios2 former = SystemState();
   former.c_lflag |= ECHO;
   SetSystemState(former);
@@ -108,7 +108,7 @@ TEST_F(PosixLineState, LettingGoOfTheLineClosesIt) {
   EXPECT_TRUE(Open()) << "the line was not released";
 }
 
-TEST_F(PosixLineState, AfterAHangUpTheStateCannotBeRead) {
+TEST_F(LinuxLineState, AfterAHangUpTheStateCannotBeRead) {
   const auto line = Open();
   ASSERT_TRUE(line);
   EXPECT_TRUE(line->ClearError());

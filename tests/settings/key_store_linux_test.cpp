@@ -14,7 +14,7 @@
 namespace quarn {
 namespace {
 
-using KeyStorePosix = SettingsFileTest;
+using KeyStoreLinux = SettingsFileTest;
 
 /// While it lives, no file can grow beyond `bytes`: a write behaves as on a full disk.
 class FullDisk {
@@ -36,7 +36,7 @@ class FullDisk {
 
 QByteArray Utf8(const QString& path) { return QFile::encodeName(path); }
 
-TEST_F(KeyStorePosix, AFullDiskLeavesTheOldFile) {
+TEST_F(KeyStoreLinux, AFullDiskLeavesTheOldFile) {
   const QByteArray bytes = NormalisedBytes(SortedDefaults());
   const QString path = WithBytes(bytes);
   {
@@ -53,7 +53,7 @@ TEST_F(KeyStorePosix, AFullDiskLeavesTheOldFile) {
   EXPECT_TRUE(WriteWholeText(path, QString(1000, u'x')));
 }
 
-TEST_F(KeyStorePosix, AFailedUpdateSaysTrueAndSoDoesASaveAll) {
+TEST_F(KeyStoreLinux, AFailedUpdateSaysTrueAndSoDoesASaveAll) {
   const QByteArray bytes = NormalisedBytes(SortedDefaults());
   const QString path = WithBytes(bytes);
   SettingsRecord record;
@@ -62,7 +62,7 @@ TEST_F(KeyStorePosix, AFailedUpdateSaysTrueAndSoDoesASaveAll) {
   EXPECT_EQ(BytesOf(path), bytes);
 }
 
-TEST_F(KeyStorePosix, AReplacedFileIsAnotherOne) {
+TEST_F(KeyStoreLinux, AReplacedFileIsAnotherOne) {
   // The old bytes are still whole for whoever has the old file open: nothing was written into it.
   const QByteArray bytes = ".BEGIN\nMEM0=old\n.END\n";
   const QString path = WithBytes(bytes);
@@ -73,14 +73,14 @@ TEST_F(KeyStorePosix, AReplacedFileIsAnotherOne) {
   EXPECT_EQ(ReadValue(path, keys::kMem[0]), QStringLiteral("new"));
 }
 
-TEST_F(KeyStorePosix, APortNameIsMeasuredInTheLocalesBytes) {
+TEST_F(KeyStoreLinux, APortNameIsMeasuredInTheLocalesBytes) {
   // Four and five characters, but six bytes here; five bytes in the last.
   EXPECT_FALSE(ValidatePortName(QStringLiteral("COM\u20AC")));
   EXPECT_FALSE(ValidatePortName(QStringLiteral("COM1\u00E9")));
   EXPECT_TRUE(ValidatePortName(QStringLiteral("COM\u00E9")));
 }
 
-TEST_F(KeyStorePosix, KeepsTheFilesPermissions) {
+TEST_F(KeyStoreLinux, KeepsTheFilesPermissions) {
   const QString path = WithBytes(".BEGIN\nMEM0=old\n.END\n");
   for (const mode_t mode : {mode_t{0600}, mode_t{0640}, mode_t{0666}}) {
     ASSERT_EQ(chmod(Utf8(path), mode), 0);
@@ -91,7 +91,7 @@ TEST_F(KeyStorePosix, KeepsTheFilesPermissions) {
   }
 }
 
-TEST_F(KeyStorePosix, FollowsASymbolicLinkAndKeepsIt) {
+TEST_F(KeyStoreLinux, FollowsASymbolicLinkAndKeepsIt) {
   const QString real = WithBytes(".BEGIN\nMEM0=old\n.END\n", QStringLiteral("real"));
   const QString link = Path(QStringLiteral("link"));
   ASSERT_EQ(symlink(Utf8(real), Utf8(link)), 0);
@@ -101,14 +101,14 @@ TEST_F(KeyStorePosix, FollowsASymbolicLinkAndKeepsIt) {
   EXPECT_TRUE(QFileInfo(link).isSymLink());
 }
 
-TEST_F(KeyStorePosix, ALinkToNothingIsNothing) {
+TEST_F(KeyStoreLinux, ALinkToNothingIsNothing) {
   const QString link = Path(QStringLiteral("link"));
   ASSERT_EQ(symlink("nowhere", Utf8(link)), 0);
   EXPECT_EQ(ClassifyPath(link), PathKind::Nothing);
   EXPECT_EQ(ReadWholeText(link), std::nullopt);
 }
 
-TEST_F(KeyStorePosix, APipeOrDeviceIsNoFileAndIsNeverRead) {
+TEST_F(KeyStoreLinux, APipeOrDeviceIsNoFileAndIsNeverRead) {
   const QString pipe = Path(QStringLiteral("pipe"));
   ASSERT_EQ(mkfifo(Utf8(pipe), 0600), 0);
   QStringList entries;
@@ -121,7 +121,7 @@ TEST_F(KeyStorePosix, APipeOrDeviceIsNoFileAndIsNeverRead) {
   }
 }
 
-TEST_F(KeyStorePosix, WhatIsNoFileIsNeverReplacedByOne) {
+TEST_F(KeyStoreLinux, WhatIsNoFileIsNeverReplacedByOne) {
   const QString pipe = Path(QStringLiteral("pipe"));
   ASSERT_EQ(mkfifo(Utf8(pipe), 0600), 0);
   const QString linked = Path(QStringLiteral("linked"));
@@ -141,7 +141,7 @@ TEST_F(KeyStorePosix, WhatIsNoFileIsNeverReplacedByOne) {
   EXPECT_TRUE(S_ISLNK(info.st_mode));
 }
 
-TEST_F(KeyStorePosix, APathBelowAFileIsNothingThere) {
+TEST_F(KeyStoreLinux, APathBelowAFileIsNothingThere) {
   const QString below = WithBytes("x") + QStringLiteral("/Quarn.ini");
   EXPECT_EQ(ClassifyPath(below), PathKind::Nothing);
   EXPECT_FALSE(WriteDefaultFile(below));
@@ -149,7 +149,7 @@ TEST_F(KeyStorePosix, APathBelowAFileIsNothingThere) {
   EXPECT_EQ(BytesOf(Path()), QByteArray("x"));
 }
 
-TEST_F(KeyStorePosix, AReadOnlyFolderKeepsTheOldFile) {
+TEST_F(KeyStoreLinux, AReadOnlyFolderKeepsTheOldFile) {
   const QByteArray bytes = ".BEGIN\nMEM0=old\n.END\n";
   const QString path = WithBytes(bytes);
   ASSERT_EQ(chmod(Utf8(Path(QString())), 0500), 0);

@@ -1,4 +1,4 @@
-#include "serial/serial_line_posix.h"
+#include "serial/serial_line_linux.h"
 
 #include <asm/ioctls.h>
 #include <fcntl.h>
@@ -19,7 +19,7 @@
 #include <utility>
 
 #include "serial/file_descriptor.h"
-#include "serial/line_failure_posix.h"
+#include "serial/line_failure_linux.h"
 #include "serial/line_parameters.h"
 #include "serial/link_path_linux.h"
 #include "serial/open_terminal_linux.h"
@@ -28,7 +28,7 @@
 #include "serial/read_limits.h"
 #include "serial/termios_state_linux.h"
 #include "serial/uart_linux.h"
-#include "serial/uninterrupted_posix.h"
+#include "serial/uninterrupted_linux.h"
 
 namespace quarn {
 namespace {
@@ -416,7 +416,7 @@ OpenResult OpenTerminalDevice(const QString& node) { return OpenNode(node, std::
 
 OpenResult OpenTerminalDeviceAs(const QString& node, TerminalKind kind) { return OpenNode(node, kind); }
 
-OpenResult PosixLineOpener::Open(const QString& devicePath) {
+OpenResult LinuxLineOpener::Open(const QString& devicePath) {
   const QString prefix = QStringLiteral("\\\\.\\");
   const QString name = devicePath.startsWith(prefix) ? devicePath.mid(prefix.size()) : devicePath;
   const QString node = ResolvePort(m_portsFolder, name);

@@ -7,9 +7,9 @@
 namespace quarn {
 
 /// Opens the lines that the links of a ports folder name.
-class PosixLineOpener final : public SerialLineOpener {
+class LinuxLineOpener final : public SerialLineOpener {
  public:
-  explicit PosixLineOpener(QString portsFolder) : m_portsFolder(std::move(portsFolder)) {}
+  explicit LinuxLineOpener(QString portsFolder) : m_portsFolder(std::move(portsFolder)) {}
   OpenResult Open(const QString& devicePath) override;
 
  private:
