@@ -10,7 +10,7 @@
 
 #include "base/bounds.h"
 #include "settings/key_store.h"
-#include "settings/life_cycle.h"
+#include "settings/working_file.h"
 #include "settings/settings_table.h"
 
 // The input is a settings file of any version, as a file: compared with the program's keys and brought up to

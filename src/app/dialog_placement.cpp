@@ -9,7 +9,7 @@ constexpr int kGap = 10;
 
 }  // namespace
 
-QPoint PlaceBelow(const QRect& mainDialog, QSize dialog, QSize screen) {
+QPoint PlaceBelowOrAbove(const QRect& mainDialog, QSize dialog, QSize screen) {
   constexpr int kLift = 80;
   const int bottom = mainDialog.y() + mainDialog.height();
   int y = bottom + kGap;
@@ -28,7 +28,7 @@ QPoint PlaceBeside(const QRect& mainDialog, QSize dialog, QSize screen) {
   return {x, mainDialog.y()};
 }
 
-QPoint PlaceUnder(const QRect& mainDialog, QSize dialog, QSize screen) {
+QPoint PlaceBelowOnScreen(const QRect& mainDialog, QSize dialog, QSize screen) {
   const QPoint wanted{mainDialog.x(), mainDialog.y() + mainDialog.height() + kGap};
   const QSize room = (screen - dialog).expandedTo({0, 0});
   return {std::clamp(wanted.x(), 0, room.width()), std::clamp(wanted.y(), 0, room.height())};

@@ -49,8 +49,8 @@ void CQuarnDlg::OpenTerminalScreen() {
   }
   // What was to be loaded or sent while there was no command line to be seen is forgotten.
   m_program.state.requests.functionKey.reset();
-  m_program.state.requests.send = false;
-  m_program.state.requests.sendAction = false;
+  m_program.state.requests.sendCommandLine = false;
+  m_program.state.requests.pressSend = false;
   TerminalScreenContext context{
       m_program.settings, m_program.connection,  m_program.state,     m_program.engine,
       m_program.log,      m_program.commandLine, *m_program.messages, m_program.savedTerminalRect};
@@ -73,7 +73,7 @@ void CQuarnDlg::OpenFunctionKeyTable() {
 void CQuarnDlg::OpenPortNumber() {
   if (BringToFront(m_portNumber, m_program.state.open.Contains(Window::PortNumber))) return;
   m_portNumber = new CPortNum(this, Context());
-  ShowPlaced(*m_portNumber, PlaceBelow);
+  ShowPlaced(*m_portNumber, PlaceBelowOrAbove);
 }
 
 void CQuarnDlg::OpenDetailedPortList() {
@@ -86,7 +86,7 @@ void CQuarnDlg::OpenDetailedPortList() {
   }
   if (BringToFront(m_portDetails, m_program.state.open.Contains(Window::DetailedPortList))) return;
   m_portDetails = new CPortDetails(this, Context());
-  ShowPlaced(*m_portDetails, PlaceUnder);
+  ShowPlaced(*m_portDetails, PlaceBelowOnScreen);
 }
 
 void CQuarnDlg::OpenPortSettings() {
@@ -104,13 +104,13 @@ void CQuarnDlg::OpenCommandFormat() {
 void CQuarnDlg::OpenScreenOption() {
   if (BringToFront(m_screenOption, m_program.state.open.Contains(Window::ScreenOption))) return;
   m_screenOption = new CScreenOption(this, Context());
-  ShowPlaced(*m_screenOption, PlaceUnder);
+  ShowPlaced(*m_screenOption, PlaceBelowOnScreen);
 }
 
 void CQuarnDlg::OpenMainOption() {
   if (BringToFront(m_mainOption, m_program.state.open.Contains(Window::MainOption))) return;
   m_mainOption = new CMainOption(this, Context());
-  ShowPlaced(*m_mainOption, PlaceUnder);
+  ShowPlaced(*m_mainOption, PlaceBelowOnScreen);
 }
 
 void CQuarnDlg::ShowPlaced(PolledDialog& dialog, PlaceRule rule) {

@@ -4,7 +4,7 @@
 #include "app/display.h"
 #include "app/file_commands.h"
 #include "app/qrn_file.h"
-#include "settings/life_cycle.h"
+#include "settings/working_file.h"
 #include "settings/setting_values.h"
 
 namespace quarn {

@@ -49,8 +49,8 @@ QString CutTo(const QString& text, qsizetype units) {
 
 QString ComposeFriendlyName(const PortDescription& port) {
   QString rest = QStringLiteral(" - ") + Printable(port.node);
-  if (!port.hindrance.isEmpty()) {
-    rest += QStringLiteral(", ") + Printable(port.hindrance);
+  if (!port.unavailableReason.isEmpty()) {
+    rest += QStringLiteral(", ") + Printable(port.unavailableReason);
   }
   const QString bracket = QStringLiteral(" (") + port.portName + QLatin1Char(')');
   const qsizetype room = kVisiblePositions - bracket.size();

@@ -8,11 +8,11 @@ namespace quarn {
 struct PortDescription {
   QString product;    ///< the device's own name: outside input, may contain anything
   QString node;       ///< the device's path, for instance /dev/ttyUSB0
-  QString hindrance;  ///< why the port cannot be opened; empty if it can
+  QString unavailableReason;  ///< why the port cannot be opened; empty if it can
   QString portName;   ///< COM1 to COM99
 };
 
-/// "<product> - <node>, <hindrance> (COM3)".
+/// "<product> - <node>, <unavailable reason> (COM3)".
 ///
 /// Whatever the parts contain, ShortPortName of the result is `portName`: a "(COM" in them becomes "[COM",
 /// control and other invisible characters are removed, and the product, then the rest, is cut so that the

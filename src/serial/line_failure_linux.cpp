@@ -5,7 +5,7 @@
 
 namespace quarn {
 
-LineError KindOf(int error) {
+LineError LineErrorFromErrno(int error) {
   switch (error) {
     case ENOENT:
     case ENXIO:
@@ -40,7 +40,7 @@ QString SystemText(int error) {
 }
 
 LineFailure FailureOf(const QString& node, int error) {
-  return {KindOf(error), QStringLiteral("%1: %2").arg(node, SystemText(error))};
+  return {LineErrorFromErrno(error), QStringLiteral("%1: %2").arg(node, SystemText(error))};
 }
 
 }  // namespace quarn

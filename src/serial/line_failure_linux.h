@@ -5,7 +5,7 @@
 namespace quarn {
 
 /// The kind of line error for an error number of the system.
-LineError KindOf(int error);
+LineError LineErrorFromErrno(int error);
 
 /// The system's text for an error number.
 QString SystemText(int error);

@@ -10,7 +10,7 @@ namespace {
 /// ERROR_NO_SUCH_DEVICE, which MinGW-w64's headers lack.
 constexpr unsigned long kNoSuchDevice = 433;
 
-LineError KindOf(unsigned long code) {
+LineError LineErrorFromSystemCode(unsigned long code) {
   switch (code) {
     case ERROR_FILE_NOT_FOUND:
     case ERROR_PATH_NOT_FOUND:
@@ -51,7 +51,7 @@ LineFailure FailureOfSystemError(unsigned long code, const QString& device) {
                                       code, 0, text.data(), static_cast<DWORD>(text.size()), nullptr);
   const QString words = length > 0 ? QString::fromWCharArray(text.data(), int(length)).trimmed()
                                    : QStringLiteral("system error %1").arg(code);
-  return {KindOf(code), device + QStringLiteral(": ") + words};
+  return {LineErrorFromSystemCode(code), device + QStringLiteral(": ") + words};
 }
 
 }  // namespace quarn

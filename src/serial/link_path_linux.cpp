@@ -57,7 +57,7 @@ ResolvedPath ResolvePath(const std::string& folder, std::string_view path) {
     const std::optional<std::string> target = ReadLink(next);
     const bool missing = !target && errno != EINVAL;
     if (target || missing || parts.empty()) {
-      result.restsOn.push_back({reached.empty() ? "/" : reached, part});
+      result.dependencies.push_back({reached.empty() ? "/" : reached, part});
     }
     if (missing || (target && ++links > kMaxLinks)) {
       return result;

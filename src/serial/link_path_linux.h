@@ -34,7 +34,7 @@ struct ResolvedPath {
   struct stat status {};
   /// The entries on which the result depends: each link on the way, and the last name, whether it exists or
   /// not.
-  std::vector<FolderEntry> restsOn;
+  std::vector<FolderEntry> dependencies;
 };
 
 /// The text of a link. Returns nullopt with errno set for anything else (EINVAL: it exists but is not a

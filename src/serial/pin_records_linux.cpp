@@ -10,7 +10,7 @@
 
 #include "serial/file_descriptor.h"
 #include "serial/port_folder_linux.h"
-#include "serial/uninterrupted_linux.h"
+#include "serial/retry_on_eintr_linux.h"
 
 namespace quarn {
 
@@ -83,7 +83,7 @@ std::optional<PinRecord> RecordOf(std::string_view line) {
 
 bool WriteWhole(int file, std::string_view text) {
   while (!text.empty()) {
-    const ssize_t count = Uninterrupted([&] { return ::write(file, text.data(), text.size()); });
+    const ssize_t count = RetryOnEintr([&] { return ::write(file, text.data(), text.size()); });
     if (count < 0) {
       return false;
     }
@@ -126,7 +126,7 @@ std::optional<std::vector<PinRecord>> ReadPinRecords(const std::string& folder, 
   const std::string path = folder + '/' + kPinRecordsFile;
   // It may be anything: a pipe must not block the listing.
   const FileDescriptor file(
-      Uninterrupted([&] { return ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC); }));
+      RetryOnEintr([&] { return ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC); }));
   if (!file.IsValid()) {
     if (errno == ENOENT || errno == ENOTDIR) {
       return std::vector<PinRecord>();
@@ -137,7 +137,7 @@ std::optional<std::vector<PinRecord>> ReadPinRecords(const std::string& folder, 
   std::string text;
   std::array<char, 8192> buffer{};
   while (text.size() < kPinRecordsLimit) {
-    const ssize_t count = Uninterrupted([&] { return ::read(file.Get(), buffer.data(), buffer.size()); });
+    const ssize_t count = RetryOnEintr([&] { return ::read(file.Get(), buffer.data(), buffer.size()); });
     if (count < 0) {
       problem = {errno, std::generic_category()};
       return std::nullopt;
@@ -156,10 +156,10 @@ bool WritePinRecords(const std::string& folder, const std::vector<PinRecord>& re
   const std::string beside = folder + "/.devices-" + std::to_string(::getpid());
   // Left by a process with the same PID that ended halfway.
   ::unlink(beside.c_str());
-  FileDescriptor file(Uninterrupted(
+  FileDescriptor file(RetryOnEintr(
       [&] { return ::open(beside.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600); }));
   const bool written = file.IsValid() && WriteWhole(file.Get(), FormatPinRecords(records)) &&
-                       Uninterrupted([&] { return ::fsync(file.Get()); }) == 0 && file.Close() &&
+                       RetryOnEintr([&] { return ::fsync(file.Get()); }) == 0 && file.Close() &&
                        ::rename(beside.c_str(), path.c_str()) == 0;
   if (!written) {
     problem = {errno, std::generic_category()};

@@ -21,7 +21,7 @@ std::error_code SystemError(int error) { return {error, std::generic_category()}
 
 /// Makes the folder and its parents. Another process may make them at the same time. Sets errno on failure.
 bool MakeFolders(const std::string& path) {
-  int hindrance = ENOENT;
+  int error = ENOENT;
   for (std::size_t slash = path.find('/', 1);; slash = path.find('/', slash + 1)) {
     const std::string part = path.substr(0, slash);
     if (::mkdir(part.c_str(), 0700) != 0 && errno != EEXIST) {
@@ -29,7 +29,7 @@ bool MakeFolders(const std::string& path) {
       if (errno != EACCES && errno != EROFS && errno != EPERM) {
         return false;
       }
-      hindrance = errno;
+      error = errno;
     }
     if (slash == std::string::npos) {
       break;
@@ -38,7 +38,7 @@ bool MakeFolders(const std::string& path) {
   struct stat status {};
   const bool there = ::stat(path.c_str(), &status) == 0;
   if (there || errno == ENOENT) {
-    errno = there ? ENOTDIR : hindrance;
+    errno = there ? ENOTDIR : error;
   }
   return there && S_ISDIR(status.st_mode);
 }
@@ -68,10 +68,10 @@ PortFolder::PortFolder(std::string path, SystemRoots roots)
 
 std::string PortFolder::PathOf(int number) const { return m_path + "/COM" + std::to_string(number); }
 
-std::optional<std::vector<PortLink>> PortFolder::Read(std::vector<FolderEntry>& restsOn,
+std::optional<std::vector<PortLink>> PortFolder::Read(std::vector<FolderEntry>& dependencies,
                                                       std::error_code& problem) const {
   const ResolvedPath place = ResolvePath({}, m_path);
-  restsOn.insert(restsOn.end(), place.restsOn.begin(), place.restsOn.end());
+  dependencies.insert(dependencies.end(), place.dependencies.begin(), place.dependencies.end());
   std::vector<PortLink> links;
   const OpenFolder folder(::opendir(m_path.c_str()));
   if (!folder) {

@@ -59,12 +59,12 @@ std::vector<const SerialDevice*> InOrderOfPinning(const std::vector<SerialDevice
 class Pinning {
  public:
   Pinning(const PortFolder& folder, const std::vector<SerialDevice>& devices, const SystemRoots& roots,
-          std::vector<FolderEntry>& restsOn, std::error_code& problem)
-      : m_folder(folder), m_devices(devices), m_roots(roots), m_restsOn(restsOn), m_problem(problem) {}
+          std::vector<FolderEntry>& dependencies, std::error_code& problem)
+      : m_folder(folder), m_devices(devices), m_roots(roots), m_dependencies(dependencies), m_problem(problem) {}
 
   /// False when the folder or the records cannot be read.
   bool Read() {
-    m_links = m_folder.Read(m_restsOn, m_problem);
+    m_links = m_folder.Read(m_dependencies, m_problem);
     std::optional<std::vector<PinRecord>> stored = m_links ? m_folder.Records(m_problem) : std::nullopt;
     if (!stored) {
       m_links.reset();
@@ -100,7 +100,7 @@ class Pinning {
 
  private:
   bool Look() {
-    m_links = m_folder.Read(m_restsOn, m_problem);
+    m_links = m_folder.Read(m_dependencies, m_problem);
     if (m_links) Judge();
     return m_links.has_value();
   }
@@ -131,7 +131,7 @@ class Pinning {
   const PortFolder& m_folder;
   const std::vector<SerialDevice>& m_devices;
   const SystemRoots& m_roots;
-  std::vector<FolderEntry>& m_restsOn;
+  std::vector<FolderEntry>& m_dependencies;
   std::error_code& m_problem;
   std::optional<std::vector<PortLink>> m_links;
   std::vector<PinRecord> m_stored;   ///< as in the file
@@ -168,9 +168,9 @@ std::optional<PinChoice> ChoosePin(const SerialDevice& device, const std::vector
 std::optional<std::vector<PortLink>> PinNewDevices(const PortFolder& folder,
                                                    const std::vector<SerialDevice>& devices,
                                                    const SystemRoots& roots,
-                                                   std::vector<FolderEntry>& restsOn,
+                                                   std::vector<FolderEntry>& dependencies,
                                                    std::error_code& problem) {
-  Pinning pinning(folder, devices, roots, restsOn, problem);
+  Pinning pinning(folder, devices, roots, dependencies, problem);
   if (!pinning.Read()) {
     return std::nullopt;
   }
@@ -195,8 +195,8 @@ std::optional<std::vector<PortLink>> PinNewDevices(const PortFolder& folder,
 std::optional<std::vector<PortLink>> ReadPins(const PortFolder& folder,
                                               const std::vector<SerialDevice>& devices,
                                               const SystemRoots& roots, std::error_code& problem) {
-  std::vector<FolderEntry> restsOn;
-  Pinning pinning(folder, devices, roots, restsOn, problem);
+  std::vector<FolderEntry> dependencies;
+  Pinning pinning(folder, devices, roots, dependencies, problem);
   return pinning.Read() ? pinning.Links() : std::nullopt;
 }
 

@@ -28,7 +28,7 @@ std::optional<PinChoice> ChoosePin(const SerialDevice& device, const std::vector
 std::optional<std::vector<PortLink>> PinNewDevices(const PortFolder& folder,
                                                    const std::vector<SerialDevice>& devices,
                                                    const SystemRoots& roots,
-                                                   std::vector<FolderEntry>& restsOn,
+                                                   std::vector<FolderEntry>& dependencies,
                                                    std::error_code& problem);
 
 /// The existing links, judged; writes nothing. Returns nullopt with `problem` if the folder cannot be read.

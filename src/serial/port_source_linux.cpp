@@ -32,8 +32,8 @@ QString ProductOf(const struct stat& node, const std::vector<SerialDevice>& devi
   return product.trimmed().isEmpty() ? QStringLiteral("Serial Port") : product;
 }
 
-QString HindranceOf(const DeviceNode& node, pid_t user, const SystemRoots& roots) {
-  const std::string permission = PermissionHindrance(node);
+QString UnavailableReason(const DeviceNode& node, pid_t user, const SystemRoots& roots) {
+  const std::string permission = NoPermissionReason(node);
   if (!permission.empty()) {
     return TextOf(permission);
   }
@@ -51,7 +51,7 @@ LinuxPortSource::LinuxPortSource(const QString& portsFolder, SystemRoots roots, 
 bool LinuxPortSource::FriendlyNames(QStringList& names) {
   // Read even if the result is known to be stale, so that old events do not pile up.
   const bool changed = m_watch.Changed();
-  if (std::exchange(m_stirred, false)) {
+  if (std::exchange(m_changePending, false)) {
     for (const auto& notifier : m_notifiers) notifier->setEnabled(true);
   }
   // Anything not watched during the listing is listed again; the set can only grow.
@@ -87,7 +87,7 @@ void LinuxPortSource::Notify() {
     QObject::connect(notifier.get(), &QSocketNotifier::activated, notifier.get(), [this] {
       // The descriptor stays readable until the watch is read; one notification is enough.
       for (const auto& each : m_notifiers) each->setEnabled(false);
-      m_stirred = true;
+      m_changePending = true;
       ++m_stirs;
     });
   }
@@ -99,18 +99,18 @@ LinuxPortSource::Listing LinuxPortSource::List(WatchPlan& plan) {
   if (!devices) {
     return Listing::None;
   }
-  std::vector<FolderEntry> restsOn = devices->pending;
+  std::vector<FolderEntry> dependencies = devices->pending;
   std::error_code problem;
   const std::optional<std::vector<PortLink>> links =
-      PinNewDevices(m_folder, devices->devices, m_roots, restsOn, problem);
+      PinNewDevices(m_folder, devices->devices, m_roots, dependencies, problem);
   Tell(problem);
   if (!links) {
-    PlanWatch({}, restsOn, plan);
+    PlanWatch({}, dependencies, plan);
     return Listing::NoFolder;
   }
   StampLinks(*links);
   m_names = NamesOf(*links, devices->devices);
-  PlanWatch(*links, restsOn, plan);
+  PlanWatch(*links, dependencies, plan);
   return Listing::Good;
 }
 
@@ -155,13 +155,13 @@ QStringList LinuxPortSource::NamesOf(const std::vector<PortLink>& links,
   QStringList names;
   for (std::size_t i = 0; i < nodes.size(); ++i) {
     names.append(ComposeFriendlyName({ProductOf(nodes[i].status, devices), TextOf(nodes[i].path),
-                                      HindranceOf(nodes[i], users[i], m_roots),
+                                      UnavailableReason(nodes[i], users[i], m_roots),
                                       QStringLiteral("COM%1").arg(numbers[i])}));
   }
   return names;
 }
 
-void LinuxPortSource::PlanWatch(const std::vector<PortLink>& links, const std::vector<FolderEntry>& restsOn,
+void LinuxPortSource::PlanWatch(const std::vector<PortLink>& links, const std::vector<FolderEntry>& dependencies,
                                 WatchPlan& plan) const {
   // Devices appear here even if udev does not run.
   plan.folders[m_roots.dev].anyName = true;
@@ -172,9 +172,9 @@ void LinuxPortSource::PlanWatch(const std::vector<PortLink>& links, const std::v
       plan.folders[entry.folder].names.insert(entry.name);
     }
   };
-  std::for_each(restsOn.begin(), restsOn.end(), add);
+  std::for_each(dependencies.begin(), dependencies.end(), add);
   for (const PortLink& link : links) {
-    std::for_each(link.target.restsOn.begin(), link.target.restsOn.end(), add);
+    std::for_each(link.target.dependencies.begin(), link.target.dependencies.end(), add);
     if (link.present) {
       plan.nodes.insert(link.target.node);
     }

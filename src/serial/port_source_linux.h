@@ -49,7 +49,7 @@ class LinuxPortSource final : public PortSource {
   void StampLinks(const std::vector<PortLink>& links);
   [[nodiscard]] QStringList NamesOf(const std::vector<PortLink>& links,
                                     const std::vector<SerialDevice>& devices) const;
-  void PlanWatch(const std::vector<PortLink>& links, const std::vector<FolderEntry>& restsOn,
+  void PlanWatch(const std::vector<PortLink>& links, const std::vector<FolderEntry>& dependencies,
                  WatchPlan& plan) const;
 
   std::string m_folderPath;
@@ -62,7 +62,7 @@ class LinuxPortSource final : public PortSource {
   std::error_code m_told;  ///< the last reported problem of the folder
   std::uint64_t m_listings = 0;
   std::uint64_t m_stirs = 0;  ///< how often the watch has reported a change
-  bool m_stirred = false;     ///< it has, since the last query
+  bool m_changePending = false;     ///< it has, since the last query
   std::vector<std::unique_ptr<QSocketNotifier>> m_notifiers;
 };
 

@@ -159,7 +159,7 @@ std::string GroupName(gid_t group) {
   return std::to_string(group);
 }
 
-std::string PermissionHindrance(const DeviceNode& node) {
+std::string NoPermissionReason(const DeviceNode& node) {
   if (::faccessat(AT_FDCWD, node.path.c_str(), R_OK | W_OK, AT_EACCESS) == 0 || errno != EACCES) {
     return {};
   }

@@ -33,6 +33,6 @@ std::string GroupName(gid_t group);
 
 /// "no permission: group dialout" if the process may not read and write the node and membership of that group
 /// would help; "no permission" if it would not; empty if the node may be opened.
-std::string PermissionHindrance(const DeviceNode& node);
+std::string NoPermissionReason(const DeviceNode& node);
 
 }  // namespace quarn

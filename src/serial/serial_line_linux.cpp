@@ -25,18 +25,18 @@
 #include "serial/open_terminal_linux.h"
 #include "serial/port_source_linux.h"
 #include "serial/port_use_linux.h"
-#include "serial/read_limits.h"
+#include "serial/read_deadline.h"
 #include "serial/termios_state_linux.h"
 #include "serial/uart_linux.h"
-#include "serial/uninterrupted_linux.h"
+#include "serial/retry_on_eintr_linux.h"
 
 namespace quarn {
 namespace {
 
 /// "Permission denied" alone helps nobody: say which group may open the device.
 LineFailure NoPermissionFailure(const QString& node, const DeviceNode& device, int error) {
-  const std::string hindrance = PermissionHindrance(device);
-  const QString reason = hindrance.empty() ? SystemText(error) : QString::fromStdString(hindrance);
+  const std::string known = NoPermissionReason(device);
+  const QString reason = known.empty() ? SystemText(error) : QString::fromStdString(known);
   return {LineError::NoPermission, QStringLiteral("%1: %2").arg(node, reason)};
 }
 
@@ -70,13 +70,13 @@ struct LineHold {
   LowLatency latency;
 };
 
-class PosixSerialLine final : public SerialLine {
+class LinuxSerialLine final : public SerialLine {
  public:
-  PosixSerialLine(QString node, LineHold hold)
+  LinuxSerialLine(QString node, LineHold hold)
       : m_node(std::move(node)), m_hold(std::move(hold)), m_baudRate(m_hold.former.c_ospeed) {}
-  ~PosixSerialLine() override { Close(); }
-  PosixSerialLine(const PosixSerialLine&) = delete;
-  PosixSerialLine& operator=(const PosixSerialLine&) = delete;
+  ~LinuxSerialLine() override { Close(); }
+  LinuxSerialLine(const PosixSerialLine&) = delete;
+  LinuxSerialLine& operator=(const PosixSerialLine&) = delete;
 
   LineResult GetState(LineState& state) override {
     termios2 current{};
@@ -128,16 +128,16 @@ class PosixSerialLine final : public SerialLine {
 
   IoResult Read(char* buffer, std::size_t size) override {
     const std::lock_guard io(m_ioMutex);
-    ReadLimits limits(Timeouts(), size, LineClock::now());
+    ReadDeadline deadline(Timeouts(), size, LineClock::now());
     std::size_t got = 0;
     while (got < size) {
-      Readiness readiness = WaitFor(POLLIN, limits.Deadline());
+      Readiness readiness = WaitFor(POLLIN, deadline.Time());
       if (readiness.failure) return EndedBy(std::move(*readiness.failure), got);
       if (readiness.timedOut) break;
       const ssize_t count = ::read(m_hold.line.Get(), buffer + got, size - got);
       if (count > 0) {
         got += static_cast<std::size_t>(count);
-        limits.BytesArrived(LineClock::now());
+        deadline.BytesArrived(LineClock::now());
         continue;
       }
       if (count < 0 && (errno == EAGAIN || errno == EINTR)) continue;
@@ -178,7 +178,7 @@ class PosixSerialLine final : public SerialLine {
     if (m_closing) return;
     std::uint64_t count = 0;
     [[maybe_unused]] const ssize_t taken =
-        Uninterrupted([&] { return ::read(m_hold.wake.Get(), &count, sizeof count); });
+        RetryOnEintr([&] { return ::read(m_hold.wake.Get(), &count, sizeof count); });
     m_cancelled = false;
   }
 
@@ -201,7 +201,7 @@ class PosixSerialLine final : public SerialLine {
     if (!m_hold.line.IsValid()) return false;
     if (m_broken) return true;
     pollfd polled{m_hold.line.Get(), 0, 0};
-    const int ready = Uninterrupted([&] { return ::poll(&polled, 1, 0); });
+    const int ready = RetryOnEintr([&] { return ::poll(&polled, 1, 0); });
     return (ready > 0 && (polled.revents & (POLLHUP | POLLERR)) != 0) || HasLostItsNode();
   }
 
@@ -216,7 +216,7 @@ class PosixSerialLine final : public SerialLine {
     const std::uint64_t one = 1;
     // Can only fail when the counter is full, and then the reader is awake already.
     [[maybe_unused]] const ssize_t written =
-        Uninterrupted([&] { return ::write(m_hold.wake.Get(), &one, sizeof one); });
+        RetryOnEintr([&] { return ::write(m_hold.wake.Get(), &one, sizeof one); });
   }
 
   /// What does not go out in time is dropped: the driver would wait for it when it is closed.
@@ -342,7 +342,7 @@ OpenResult InUse(const QString& node, const QString& use) {
 
 /// Somebody else has the line, or the system could not say.
 OpenResult NotTaken(const QString& node, const DeviceNode& device, int error) {
-  if (KindOf(error) != LineError::InUse) return Failed(FailureOf(node, error));
+  if (LineErrorFromErrno(error) != LineError::InUse) return Failed(FailureOf(node, error));
   const QString use = UseOf(device);
   return InUse(node, use.isEmpty() ? QStringLiteral("in use by another program") : use);
 }
@@ -362,7 +362,7 @@ OpenResult TakeLine(const QString& node, const DeviceNode& device, FileDescripto
   hold.device = device.status.st_rdev;
   hold.kind = kind;
   const int descriptor = hold.line.Get();
-  if (Uninterrupted([descriptor] { return flock(descriptor, LOCK_EX | LOCK_NB); }) != 0) {
+  if (RetryOnEintr([descriptor] { return flock(descriptor, LOCK_EX | LOCK_NB); }) != 0) {
     return NotTaken(node, device, errno);
   }
   if (kind == TerminalKind::Uart && ExclusiveMark::IsSet(descriptor)) return NotTaken(node, device, EBUSY);
@@ -384,7 +384,7 @@ OpenResult TakeLine(const QString& node, const DeviceNode& device, FileDescripto
     }
     hold.latency.Set(descriptor);
   }
-  return {std::make_shared<PosixSerialLine>(node, std::move(hold)), {}};
+  return {std::make_shared<LinuxSerialLine>(node, std::move(hold)), {}};
 }
 
 OpenResult OpenNode(const QString& node, std::optional<TerminalKind> knownKind) {
@@ -397,7 +397,7 @@ OpenResult OpenNode(const QString& node, std::optional<TerminalKind> knownKind) 
       IsPseudoTerminal(device.status.st_rdev) ? TerminalKind::PseudoTerminal : TerminalKind::Uart);
   if (const QString use = OpenElsewhere(device, kind); !use.isEmpty()) return InUse(node, use);
   constexpr int kFlags = O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC;
-  FileDescriptor line(Uninterrupted([&] { return ::open(path.constData(), kFlags); }));
+  FileDescriptor line(RetryOnEintr([&] { return ::open(path.constData(), kFlags); }));
   if (line.IsValid()) {
     struct stat opened {};
     if (::fstat(line.Get(), &opened) != 0) return Failed(FailureOf(node, errno));
@@ -406,7 +406,7 @@ OpenResult OpenNode(const QString& node, std::optional<TerminalKind> knownKind) 
     return TakeLine(node, device, std::move(line), kind);
   }
   const int error = errno;
-  if (KindOf(error) == LineError::NoPermission) return Failed(NoPermissionFailure(node, device, error));
+  if (LineErrorFromErrno(error) == LineError::NoPermission) return Failed(NoPermissionFailure(node, device, error));
   return NotTaken(node, device, error);
 }
 

@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "serial/line_failure_win32.h"
-#include "serial/read_limits.h"
+#include "serial/read_deadline.h"
 
 namespace quarn {
 
@@ -201,7 +201,7 @@ void Win32SerialLine::EndIo() {
 
 Win32SerialLine::Arrival Win32SerialLine::WaitForBytes(const CommHandle& handle, std::size_t size) {
   Lock lock(m_meeting->mutex);
-  const auto deadline = ReadLimits(m_timeouts, size, Clock::now()).Deadline();
+  const auto deadline = ReadDeadline(m_timeouts, size, Clock::now()).Time();
   for (;;) {
     lock.unlock();
     COMSTAT status{};

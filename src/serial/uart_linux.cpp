@@ -10,7 +10,7 @@
 #include <thread>
 #include <utility>
 
-#include "serial/uninterrupted_linux.h"
+#include "serial/retry_on_eintr_linux.h"
 
 namespace quarn {
 namespace {

@@ -5,7 +5,7 @@
 
 #include <chrono>
 
-#include "serial/read_limits.h"
+#include "serial/read_deadline.h"
 
 namespace quarn {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "settings/setting_values.h"
-#include "terminal/screen_options.h"
+#include "terminal/screen_width.h"
 
 namespace quarn {
 namespace {

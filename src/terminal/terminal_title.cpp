@@ -1,7 +1,7 @@
 #include "terminal/terminal_title.h"
 
 #include "serial/port_names.h"
-#include "terminal/screen_options.h"
+#include "terminal/screen_width.h"
 
 namespace quarn {
 

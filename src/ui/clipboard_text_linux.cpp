@@ -83,7 +83,7 @@ class Question {
     return nullptr;
   }
 
-  static int KindOf(const xcb_generic_event_t& event) {
+  static int ResponseType(const xcb_generic_event_t& event) {
     constexpr int kSentByAProgram = 0x80;
     return event.response_type & ~kSentByAProgram;
   }
@@ -91,7 +91,7 @@ class Question {
   /// Whether the owner has a text of this kind; nullopt if it does not say.
   std::optional<bool> IsAnswered() {
     while (const auto event = Next()) {
-      if (KindOf(*event) != XCB_SELECTION_NOTIFY) continue;
+      if (ResponseType(*event) != XCB_SELECTION_NOTIFY) continue;
       return reinterpret_cast<const xcb_selection_notify_event_t&>(*event).property != XCB_NONE;
     }
     return std::nullopt;
@@ -104,7 +104,7 @@ class Question {
     // A long text comes in pieces: each is stored after the previous one was read; the last is empty.
     QByteArray whole;
     while (const auto event = Next()) {
-      if (KindOf(*event) != XCB_PROPERTY_NOTIFY) continue;
+      if (ResponseType(*event) != XCB_PROPERTY_NOTIFY) continue;
       const auto& changed = reinterpret_cast<const xcb_property_notify_event_t&>(*event);
       if (changed.atom != m_property || changed.state != XCB_PROPERTY_NEW_VALUE) continue;
       const QByteArray piece = Take(type);

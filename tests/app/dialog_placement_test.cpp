@@ -8,14 +8,14 @@ namespace {
 constexpr QSize kScreen{1000, 800};
 
 TEST(DialogPlacement, BelowWhereThereIsRoom) {
-  EXPECT_EQ(PlaceBelow({30, 20, 400, 150}, {300, 100}, kScreen), QPoint(30, 180));
+  EXPECT_EQ(PlaceBelowOrAbove({30, 20, 400, 150}, {300, 100}, kScreen), QPoint(30, 180));
   // Exactly down to the screen's edge still fits.
-  EXPECT_EQ(PlaceBelow({30, 540, 400, 150}, {300, 100}, kScreen), QPoint(30, 700));
+  EXPECT_EQ(PlaceBelowOrAbove({30, 540, 400, 150}, {300, 100}, kScreen), QPoint(30, 700));
 }
 
 TEST(DialogPlacement, AboveWhereThereIsNoRoomBelow) {
   // 541 - 80 + (800 - 691 - 100)
-  EXPECT_EQ(PlaceBelow({30, 541, 400, 150}, {300, 100}, kScreen), QPoint(30, 470));
+  EXPECT_EQ(PlaceBelowOrAbove({30, 541, 400, 150}, {300, 100}, kScreen), QPoint(30, 470));
 }
 
 TEST(DialogPlacement, BesideWhereThereIsRoom) {
@@ -28,11 +28,11 @@ TEST(DialogPlacement, ToTheLeftWhereThereIsNoRoomBeside) {
 }
 
 TEST(DialogPlacement, UnderTheMainDialogAndOnTheScreen) {
-  EXPECT_EQ(PlaceUnder({30, 20, 400, 150}, {300, 100}, kScreen), QPoint(30, 180));
+  EXPECT_EQ(PlaceBelowOnScreen({30, 20, 400, 150}, {300, 100}, kScreen), QPoint(30, 180));
   const QPoint farthest = QPoint(kScreen.width() - 300, kScreen.height() - 100);
-  EXPECT_EQ(PlaceUnder(QRect(farthest, QSize(400, 150)), {300, 100}, kScreen), farthest);
-  EXPECT_EQ(PlaceUnder({-50, 20, 400, 150}, {300, 100}, kScreen), QPoint(0, 180));
-  EXPECT_EQ(PlaceUnder({30, 20, 400, 150}, kScreen + QSize(1, 1), kScreen), QPoint(0, 0));
+  EXPECT_EQ(PlaceBelowOnScreen(QRect(farthest, QSize(400, 150)), {300, 100}, kScreen), farthest);
+  EXPECT_EQ(PlaceBelowOnScreen({-50, 20, 400, 150}, {300, 100}, kScreen), QPoint(0, 180));
+  EXPECT_EQ(PlaceBelowOnScreen({30, 20, 400, 150}, kScreen + QSize(1, 1), kScreen), QPoint(0, 0));
 }
 
 }  // namespace

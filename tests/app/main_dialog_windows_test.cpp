@@ -43,7 +43,7 @@ TEST_F(MainDialog, PortNumberDialogComesUpBelow) {
   const QWidget& opened = *Shown("CPortNum").first();
   const QSize screen = QGuiApplication::primaryScreen()->size();
   EXPECT_TRUE(StandsAt(opened, [&] {
-    return PlaceBelow({dialog.pos(), OuterSize(dialog)}, OuterSize(opened), screen);
+    return PlaceBelowOrAbove({dialog.pos(), OuterSize(dialog)}, OuterSize(opened), screen);
   }));
 }
 
@@ -151,11 +151,11 @@ TEST_F(MainDialog, EndsWithoutAWordFromAFunctionKeyTableInEditMode) {
 TEST_F(MainDialog, ANewTerminalScreenForgetsWhatWasAskedBefore) {
   program.settings.mem[4] = QStringLiteral("stored");
   program.state.requests.functionKey = 4;
-  program.state.requests.send = true;
-  program.state.requests.sendAction = true;
+  program.state.requests.sendCommandLine = true;
+  program.state.requests.pressSend = true;
   dialog.OpenTerminalScreen();
-  EXPECT_FALSE(program.state.requests.send);
-  EXPECT_FALSE(program.state.requests.sendAction);
+  EXPECT_FALSE(program.state.requests.sendCommandLine);
+  EXPECT_FALSE(program.state.requests.pressSend);
   EXPECT_FALSE(program.state.requests.functionKey);
   QTest::qWait(3 * PolledDialog::kTickMs);
   EXPECT_EQ(program.commandLine.Text(), QString());
@@ -208,7 +208,7 @@ TEST_F(MainDialog, ListAndOptionsLeaveItsMenusInReach) {
     QWidget* each = Windows(title).value(0);
     ASSERT_NE(each, nullptr) << title.toStdString();
     EXPECT_TRUE(StandsAt(*each, [&, window = each] {
-      return PlaceUnder({dialog.pos(), OuterSize(dialog)}, OuterSize(*window), screen);
+      return PlaceBelowOnScreen({dialog.pos(), OuterSize(dialog)}, OuterSize(*window), screen);
     })) << title.toStdString();
     each->close();
   }

@@ -26,21 +26,21 @@ TEST_F(TerminalRequests, SendActionActsLikeTheButton) {
   Connect("* -> line \"OK\"");
   settings.enblNull = QStringLiteral("ON");
   Open();
-  state.requests.sendAction = true;
+  state.requests.pressSend = true;
   ASSERT_TRUE(Until([this] { return log.LineCount() == 2; }));
   EXPECT_EQ(instrument->Received(), "\r");
-  EXPECT_FALSE(state.requests.sendAction);
+  EXPECT_FALSE(state.requests.pressSend);
 }
 
 TEST_F(TerminalRequests, SendLeavesAnEmptyLineUnsentEvenWhereItIsAllowed) {
   Connect("* -> line \"OK\"");
   settings.enblNull = QStringLiteral("ON");
   Open();
-  state.requests.send = true;
-  ASSERT_TRUE(Until([this] { return !state.requests.send; }));
+  state.requests.sendCommandLine = true;
+  ASSERT_TRUE(Until([this] { return !state.requests.sendCommandLine; }));
   EXPECT_EQ(log.LineCount(), 0);
   Type("id");
-  state.requests.send = true;
+  state.requests.sendCommandLine = true;
   ASSERT_TRUE(Until([this] { return log.LineCount() == 2; }));
   EXPECT_EQ(instrument->Received(), "id\r");
 }
@@ -50,7 +50,7 @@ TEST_F(TerminalRequests, SendWithAFullLogReportsIt) {
   log.AppendLogText(QByteArray("x\r").repeated(4000));
   Open();
   Type("id");
-  state.requests.send = true;
+  state.requests.sendCommandLine = true;
   ASSERT_TRUE(Until([this] { return !messages.shown.isEmpty(); }));
   EXPECT_EQ(messages.shown[0], QStringLiteral("transient/Error: No remaining memory for log buffer"));
 }
@@ -60,12 +60,12 @@ TEST_F(TerminalRequests, SendKeepsTheLineAndAsksForNoPort) {
   settings.autoClr = QStringLiteral("ON");
   Open();
   Type("id");
-  state.requests.send = true;
+  state.requests.sendCommandLine = true;
   ASSERT_TRUE(Until([this] { return log.LineCount() == 2; }));
   EXPECT_EQ(commandLine.Text(), QStringLiteral("id"));
   connection.connected.Update(PortChange::Closed);
   connection.handle = PortHandle();
-  state.requests.send = true;
+  state.requests.sendCommandLine = true;
   ASSERT_TRUE(Until([this] { return log.LineCount() == 5; }));
   EXPECT_EQ(window->RowText(3), QStringLiteral("Error: Received Invalid Data\r"));
   EXPECT_TRUE(messages.shown.isEmpty());
@@ -75,15 +75,15 @@ TEST_F(TerminalRequests, NothingIsSentOnALineThatHasDied) {
   Connect("* -> line \"OK\"");
   Open();
   Type("id");
-  state.requests.send = true;
+  state.requests.sendCommandLine = true;
   ASSERT_TRUE(Until([this] { return log.LineCount() == 2; }));
   static Journal calls;
   const auto dead = std::make_shared<ScriptedLine>(calls);
   dead->lost = true;
   connection.handle = PortHandle(dead);
-  state.requests.send = true;
+  state.requests.sendCommandLine = true;
   ASSERT_TRUE(Until([this] { return messages.shown.size() == 1; }));
-  state.requests.sendAction = true;
+  state.requests.pressSend = true;
   ASSERT_TRUE(Until([this] { return messages.shown.size() == 2; }));
   EXPECT_TRUE(messages.shown.last().contains(QStringLiteral("COM port is not available.")))
       << messages.shown.last().toStdString();
@@ -95,7 +95,7 @@ TEST_F(TerminalRequests, ClosingComesLast) {
   Open();
   Type("id");
   state.requests.close.Add(Window::TerminalScreen);
-  state.requests.send = true;
+  state.requests.sendCommandLine = true;
   ASSERT_TRUE(Until([this] { return window.isNull(); }));
   EXPECT_EQ(instrument->Received(), "id\r");
   EXPECT_EQ(log.LineCount(), 2);
@@ -140,7 +140,7 @@ TEST_F(TerminalRequests, SeveralRequestsActInTheirOrder) {
   Open();
   Type("typed");
   // The log and the line are emptied first, then the stored command is loaded, then the line is sent.
-  state.requests.send = true;
+  state.requests.sendCommandLine = true;
   state.requests.functionKey = 0;
   state.requests.clearLog = true;
   ASSERT_TRUE(Until([this] { return log.LineCount() == 2; }));
@@ -160,13 +160,13 @@ TEST_F(TerminalRequests, TheSendActionComesAfterFocusAndEmptyingAndBeforeTheRest
     EXPECT_FALSE(state.requests.clearLog);
     EXPECT_EQ(log.LineCount(), 0);
     EXPECT_EQ(commandLine.Text(), QString());
-    EXPECT_FALSE(state.requests.sendAction);
+    EXPECT_FALSE(state.requests.pressSend);
     EXPECT_TRUE(state.requests.refresh.Contains(Window::TerminalScreen));
     EXPECT_TRUE(state.requests.functionKey);
   };
   state.requests.focus = true;
   state.requests.clearLog = true;
-  state.requests.sendAction = true;
+  state.requests.pressSend = true;
   state.requests.refresh.Add(Window::TerminalScreen);
   state.requests.functionKey = 0;
   ASSERT_TRUE(Until([this] { return commandLine.Text() == u"mem"; }));

@@ -117,10 +117,10 @@ TEST_F(TerminalWait, EscapeTakesWhatAnotherWindowHadAskedToSendWithIt) {
   Type("mute");
   OnceReceived("mute\r", [this] { QTest::keyClick(window->windowHandle(), Qt::Key_Escape); });
   // SEND and Enter in the table of stored commands, within one tick.
-  state.requests.sendAction = true;
-  state.requests.send = true;
+  state.requests.pressSend = true;
+  state.requests.sendCommandLine = true;
   ASSERT_TRUE(Until([this] { return log.LineCount() == 3; }));
-  EXPECT_FALSE(state.requests.send);
+  EXPECT_FALSE(state.requests.sendCommandLine);
   EXPECT_EQ(instrument->Received(), "mute\r");
 }
 

@@ -19,7 +19,7 @@ TEST(LineFailureLinux, EveryErrorHasItsKind) {
       {LineError::Cancelled, {ECANCELED}},
       {LineError::Other, {ENOMEM, EMFILE, 0}}};
   for (const auto& [kind, errors] : kinds) {
-    for (const int error : errors) EXPECT_EQ(KindOf(error), kind) << error;
+    for (const int error : errors) EXPECT_EQ(LineErrorFromErrno(error), kind) << error;
   }
 }
 

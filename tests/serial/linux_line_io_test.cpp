@@ -4,7 +4,7 @@
 #include <numeric>
 
 #include "serial/pty_line_test.h"
-#include "serial/uninterrupted_linux.h"
+#include "serial/retry_on_eintr_linux.h"
 
 namespace quarn {
 namespace {

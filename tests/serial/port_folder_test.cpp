@@ -17,9 +17,9 @@ namespace {
 using Links = std::vector<PortLink>;
 
 Links ReadFolder(const std::string& path) {
-  std::vector<FolderEntry> restsOn;
+  std::vector<FolderEntry> dependencies;
   std::error_code problem;
-  const std::optional<Links> links = PortFolder(path).Read(restsOn, problem);
+  const std::optional<Links> links = PortFolder(path).Read(dependencies, problem);
   EXPECT_TRUE(links.has_value());
   return links.value_or(Links());
 }
@@ -46,9 +46,9 @@ SerialDevice DeviceOf(const PseudoTerminal& terminal, const std::vector<std::str
 }
 
 Links PinAll(const std::string& path, const std::vector<SerialDevice>& devices) {
-  std::vector<FolderEntry> restsOn;
+  std::vector<FolderEntry> dependencies;
   std::error_code problem;
-  const std::optional<Links> links = PinNewDevices(PortFolder(path), devices, {}, restsOn, problem);
+  const std::optional<Links> links = PinNewDevices(PortFolder(path), devices, {}, dependencies, problem);
   EXPECT_TRUE(links.has_value());
   return links.value_or(Links());
 }
@@ -70,9 +70,9 @@ TEST(PortFolder, WithoutAFolderHasNoPorts) {
 TEST(PortFolder, CannotBeReadWhenItIsNoFolder) {
   const ScratchFolder scratch;
   scratch.File("ports");
-  std::vector<FolderEntry> restsOn;
+  std::vector<FolderEntry> dependencies;
   std::error_code problem;
-  EXPECT_FALSE(PortFolder(scratch.At("ports")).Read(restsOn, problem).has_value());
+  EXPECT_FALSE(PortFolder(scratch.At("ports")).Read(dependencies, problem).has_value());
   EXPECT_EQ(problem, std::errc::not_a_directory);
 }
 
@@ -370,9 +370,9 @@ TEST(PinNewDevices, TwoProcessesAtOnceGiveOneNumberPerDevice) {
   for (int round = 0; round < 100; ++round) {
     const std::string ports = scratch.At("ports" + std::to_string(round));
     const pid_t other = ::fork();
-    std::vector<FolderEntry> restsOn;
+    std::vector<FolderEntry> dependencies;
     std::error_code problem;
-    const bool pinned = PinNewDevices(PortFolder(ports), devices, {}, restsOn, problem).has_value();
+    const bool pinned = PinNewDevices(PortFolder(ports), devices, {}, dependencies, problem).has_value();
     if (other == 0) {
       ::_exit(pinned ? 0 : 1);
     }

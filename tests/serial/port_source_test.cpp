@@ -446,7 +446,7 @@ TEST(UseText, NamesTheProgramWhateverItCallsItself) {
   EXPECT_EQ(UseText(7, roots), "in use by PID 7");
 }
 
-/// What PermissionHindrance says to a user without rights on the node and without groups.
+/// What NoPermissionReason says to a user without rights on the node and without groups.
 std::string HindranceForStranger(const DeviceNode& node) {
   int ends[2] = {-1, -1};
   EXPECT_EQ(::pipe(ends), 0);
@@ -457,7 +457,7 @@ std::string HindranceForStranger(const DeviceNode& node) {
     // Only root can become somebody else; its owner is refused by the owner's own bits.
     const bool stranger =
         ::geteuid() != 0 || (::setgroups(0, nullptr) == 0 && ::setgid(65534) == 0 && ::setuid(65534) == 0);
-    const std::string text = stranger ? PermissionHindrance(node) : "could not become a stranger";
+    const std::string text = stranger ? NoPermissionReason(node) : "could not become a stranger";
     ::_exit(::write(ends[1], text.data(), text.size()) == static_cast<ssize_t>(text.size()) ? 0 : 1);
   }
   out = FileDescriptor();
@@ -467,7 +467,7 @@ std::string HindranceForStranger(const DeviceNode& node) {
   return text;
 }
 
-TEST(PermissionHindrance, NamesTheGroupThatWouldHelp) {
+TEST(NoPermissionReason, NamesTheGroupThatWouldHelp) {
   const PseudoTerminal terminal;
   ASSERT_EQ(::chmod(terminal.Node().c_str(), 0060), 0);
   const DeviceNode node = NodesOf(terminal.Node()).at(0);
@@ -476,13 +476,13 @@ TEST(PermissionHindrance, NamesTheGroupThatWouldHelp) {
   EXPECT_EQ(HindranceForStranger(node), "no permission: group " + name);
 }
 
-TEST(PermissionHindrance, NamesNoGroupThatWouldNotHelp) {
+TEST(NoPermissionReason, NamesNoGroupThatWouldNotHelp) {
   const PseudoTerminal terminal;
   ASSERT_EQ(::chmod(terminal.Node().c_str(), 0020), 0);
   EXPECT_EQ(HindranceForStranger(NodesOf(terminal.Node()).at(0)), "no permission");
 }
 
-TEST(PermissionHindrance, IsEmptyForWhoMayOpenTheNode) {
+TEST(NoPermissionReason, IsEmptyForWhoMayOpenTheNode) {
   const PseudoTerminal terminal;
   ASSERT_EQ(::chmod(terminal.Node().c_str(), 0666), 0);
   EXPECT_EQ(HindranceForStranger(NodesOf(terminal.Node()).at(0)), "");

@@ -1,7 +1,7 @@
 #include <sys/resource.h>
 
 #include "settings/damaged_file.h"
-#include "settings/life_cycle.h"
+#include "settings/working_file.h"
 #include "settings/user_file_test.h"
 
 namespace quarn::test {

@@ -5,7 +5,7 @@
 #include <cstring>
 
 #include "settings/key_store.h"
-#include "settings/life_cycle.h"
+#include "settings/working_file.h"
 #include "settings/settings_load_save.h"
 #include "settings/settings_table.h"
 #include "settings/settings_test_support.h"

@@ -3,7 +3,7 @@
 #include <QLoggingCategory>
 
 #include "settings/damaged_file.h"
-#include "settings/life_cycle.h"
+#include "settings/working_file.h"
 
 namespace quarn::test {
 namespace {

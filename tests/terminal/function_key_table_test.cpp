@@ -5,7 +5,7 @@
 #include <QTemporaryDir>
 
 #include "settings/key_store.h"
-#include "settings/life_cycle.h"
+#include "settings/working_file.h"
 #include "settings/settings_load_save.h"
 #include "settings/settings_table.h"
 

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "terminal/screen_options.h"
+#include "terminal/screen_width.h"
 
 namespace quarn {
 namespace {

@@ -225,7 +225,7 @@ bool CSetMem::HandleKey(const QKeyEvent& event) {
   }
   if (key == Qt::Key_Return || key == Qt::Key_Enter) {
     // A key held down sends once.
-    if (!event.isAutoRepeat() && !m_table.IsEditing()) Requests().send = true;
+    if (!event.isAutoRepeat() && !m_table.IsEditing()) Requests().sendCommandLine = true;
     return true;
   }
   return key == Qt::Key_Escape;
@@ -241,7 +241,7 @@ void CSetMem::PressFunctionButton(int index) {
 
 void CSetMem::Send() {
   if (!State().open.Contains(Window::TerminalScreen)) return;
-  Requests().sendAction = true;
+  Requests().pressSend = true;
   Requests().focus = true;
 }
 

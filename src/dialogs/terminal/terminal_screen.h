@@ -80,7 +80,7 @@ class CTerminalScreen final : public ModelessWindow, private TransactionHost {
   void LoadStoredCommand(int index, bool append);
   void CopyToClipboard(const QString& text);
   void PasteFromClipboard();
-  void SendAction();
+  void PressSend();
   void SendByEnter();
   void SendIfTyped();
   void Transact();

@@ -11,7 +11,7 @@
 #include <utility>
 
 #include "dialogs/terminal/terminal_screen.h"
-#include "terminal/screen_options.h"
+#include "terminal/screen_width.h"
 #include "ui/clipboard_text.h"
 #include "ui/placement.h"
 #include "ui/static_text.h"
@@ -151,7 +151,7 @@ void CTerminalScreen::LoadStoredCommand(int index, bool append) {
 
 void CTerminalScreen::PressButton(const TerminalButton& button) {
   if (button.controlId == kSendButtonId) {
-    SendAction();
+    PressSend();
   } else if (button.controlId == kClearButtonId) {
     m_context.commandLine.Empty();
     ShowCommandLine();
@@ -173,7 +173,7 @@ void CTerminalScreen::PasteFromClipboard() {
 void CTerminalScreen::SendByEnter() {
   if (m_context.engine.IsBusy()) return;
   ++m_sendCounter;
-  SendAction();
+  PressSend();
 }
 
 bool CTerminalScreen::CanSend() {
@@ -185,7 +185,7 @@ bool CTerminalScreen::CanSend() {
   return false;
 }
 
-void CTerminalScreen::SendAction() {
+void CTerminalScreen::PressSend() {
   const Busy busy(*this);
   if (!CanSend()) return;
   if (m_context.commandLine.Text().isEmpty() && m_context.settings.enblNull != u"ON") return;
@@ -209,8 +209,8 @@ void CTerminalScreen::Transact() {
   RedrawLogRows();
   if (result == TransactionResult::Aborted) {
     // What another window asked to send before is typed ahead as well.
-    Requests().send = false;
-    Requests().sendAction = false;
+    Requests().sendCommandLine = false;
+    Requests().pressSend = false;
   }
   if (result != TransactionResult::LogFull) return;
   m_context.messages.ShowTransientMessage(QStringLiteral("Error: No remaining memory for log buffer"), {});
@@ -270,12 +270,12 @@ void CTerminalScreen::PerformRequests() {
     ResetLog();
     ShowCommandLine();
   }
-  if (Take(requests.sendAction)) SendAction();
+  if (Take(requests.pressSend)) PressSend();
   if (IsRefreshTaken()) RefreshAll();
   if (const std::optional<int> index = std::exchange(requests.functionKey, std::nullopt)) {
     LoadStoredCommand(*index, requests.functionKeyCtrl);
   }
-  if (Take(requests.send)) SendIfTyped();
+  if (Take(requests.sendCommandLine)) SendIfTyped();
 }
 
 void CTerminalScreen::wheelEvent(QWheelEvent* event) {

@@ -1,7 +1,7 @@
 #include <QElapsedTimer>
 
 #include "app/file_commands_fixture.h"
-#include "settings/life_cycle.h"
+#include "settings/working_file.h"
 #include "settings/store_values.h"
 #include "system/faults/call_faults.h"
 #include "terminal/function_key_table.h"

@@ -1,5 +1,5 @@
 #include "app/file_commands_fixture.h"
-#include "settings/life_cycle.h"
+#include "settings/working_file.h"
 #include "system/faults/fault_run.h"
 
 namespace quarn::test {

@@ -29,7 +29,7 @@
 
 #include "serial/noted_surroundings.h"
 #include "settings/key_store.h"
-#include "settings/life_cycle.h"
+#include "settings/working_file.h"
 #include "system/kill/kill_steps.h"
 
 namespace quarn::kill {

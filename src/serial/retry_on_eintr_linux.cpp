@@ -1,4 +1,4 @@
-#include "serial/uninterrupted_linux.h"
+#include "serial/retry_on_eintr_linux.h"
 
 #include <asm/ioctls.h>
 #include <sys/ioctl.h>
@@ -9,7 +9,7 @@
 namespace quarn {
 
 int ControlLine(int line, unsigned long request, void* argument) {
-  return Uninterrupted([&] { return ioctl(line, request, argument); });
+  return RetryOnEintr([&] { return ioctl(line, request, argument); });
 }
 
 int ControlLineBriefly(int line, unsigned long request, void* argument) {
@@ -22,7 +22,7 @@ int ControlLineBriefly(int line, unsigned long request, void* argument) {
 }
 
 int FlushLine(int line, int queues) {
-  return Uninterrupted([&] { return ioctl(line, TCFLSH, queues); });
+  return RetryOnEintr([&] { return ioctl(line, TCFLSH, queues); });
 }
 
 int PollLine(std::array<pollfd, 2>& polled, std::optional<LineClock::time_point> deadline) {

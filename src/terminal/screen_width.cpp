@@ -1,4 +1,4 @@
-#include "terminal/screen_options.h"
+#include "terminal/screen_width.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-// A line that hands over chunks at random moments of a made-up clock, read as serial_line_posix does: what a
+// A line that hands over chunks at random moments of a made-up clock, read as serial_line_linux does: what a
 // read brings, and when it ends, is what its time-outs say, whatever the line does.
 
 #include <algorithm>
@@ -9,13 +9,13 @@
 #include <optional>
 #include <vector>
 
-#include "serial/read_limits.h"
+#include "serial/read_deadline.h"
 
 namespace {
 
 using quarn::LineClock;
 using quarn::LineTimeouts;
-using quarn::ReadLimits;
+using quarn::ReadDeadline;
 using std::chrono::milliseconds;
 
 void Require(bool holds) {
@@ -47,20 +47,20 @@ struct Outcome {
 /// The reader's loop on the made-up clock.
 Outcome Read(const LineTimeouts& timeouts, std::size_t size, const std::vector<Chunk>& chunks) {
   const LineClock::time_point start{};
-  ReadLimits limits(timeouts, size, start);
+  ReadDeadline deadline(timeouts, size, start);
   Outcome outcome;
   for (const Chunk& chunk : chunks) {
-    const auto deadline = limits.Deadline();
-    if (deadline && *deadline < start + chunk.at) break;
+    const auto time = deadline.Time();
+    if (time && *time < start + chunk.at) break;
     outcome.bytes = std::min(size, outcome.bytes + chunk.bytes);
     if (outcome.bytes == size) {
       outcome.end = chunk.at;
       return outcome;
     }
-    limits.BytesArrived(start + chunk.at);
+    deadline.BytesArrived(start + chunk.at);
   }
-  if (const auto deadline = limits.Deadline()) {
-    outcome.end = std::chrono::duration_cast<milliseconds>(*deadline - start);
+  if (const auto time = deadline.Time()) {
+    outcome.end = std::chrono::duration_cast<milliseconds>(*time - start);
   }
   return outcome;
 }

@@ -11,16 +11,16 @@ namespace quarn {
 using LineClock = std::chrono::steady_clock;
 
 /// When one read must end, according to the line's time-outs. Pure: the caller passes the time.
-class ReadLimits {
+class ReadDeadline {
  public:
   /// A read of up to `size` bytes that started at `start`.
-  ReadLimits(const LineTimeouts& timeouts, std::size_t size, LineClock::time_point start);
+  ReadDeadline(const LineTimeouts& timeouts, std::size_t size, LineClock::time_point start);
 
   /// Bytes arrived at `when`; the silence is measured from here.
   void BytesArrived(LineClock::time_point when);
 
   /// When the read ends if nothing more arrives; nullopt if it waits without limit.
-  [[nodiscard]] std::optional<LineClock::time_point> Deadline() const;
+  [[nodiscard]] std::optional<LineClock::time_point> Time() const;
 
  private:
   std::optional<std::chrono::milliseconds> m_interval;

@@ -1,4 +1,4 @@
-#include "serial/read_limits.h"
+#include "serial/read_deadline.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -19,7 +19,7 @@ std::optional<LineClock::time_point> TotalEnd(std::uint32_t multiplier, std::uin
 
 }  // namespace
 
-ReadLimits::ReadLimits(const LineTimeouts& timeouts, std::size_t size, LineClock::time_point start) {
+ReadDeadline::ReadDeadline(const LineTimeouts& timeouts, std::size_t size, LineClock::time_point start) {
   if (timeouts.readInterval != kMaximum) {
     if (timeouts.readInterval != 0) m_interval = std::chrono::milliseconds(timeouts.readInterval);
     m_totalEnd = TotalEnd(timeouts.readTotalMultiplier, timeouts.readTotalConstant, size, start);
@@ -32,11 +32,11 @@ ReadLimits::ReadLimits(const LineTimeouts& timeouts, std::size_t size, LineClock
   m_totalEnd = start + std::chrono::milliseconds(waitsForFirst ? timeouts.readTotalConstant : 0U);
 }
 
-void ReadLimits::BytesArrived(LineClock::time_point when) {
+void ReadDeadline::BytesArrived(LineClock::time_point when) {
   if (m_interval) m_silenceEnd = when + *m_interval;
 }
 
-std::optional<LineClock::time_point> ReadLimits::Deadline() const {
+std::optional<LineClock::time_point> ReadDeadline::Time() const {
   if (m_totalEnd && m_silenceEnd) return std::min(*m_totalEnd, *m_silenceEnd);
   return m_totalEnd ? m_totalEnd : m_silenceEnd;
 }

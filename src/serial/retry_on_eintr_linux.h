@@ -6,7 +6,7 @@
 #include <cerrno>
 #include <optional>
 
-#include "serial/read_limits.h"
+#include "serial/read_deadline.h"
 
 namespace quarn {
 
@@ -14,7 +14,7 @@ namespace quarn {
 
 /// Not for close, which always gives up the descriptor.
 template <class Call>
-auto Uninterrupted(const Call& call) {
+auto RetryOnEintr(const Call& call) {
   auto result = call();
   while (result == -1 && errno == EINTR) result = call();
   return result;

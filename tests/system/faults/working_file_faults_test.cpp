@@ -1,4 +1,4 @@
-#include "settings/life_cycle.h"
+#include "settings/working_file.h"
 
 #include "settings/damaged_file.h"
 #include "settings/key_store.h"
@@ -20,7 +20,7 @@ const QString kStartBadPort = Warning("Defined port name is invalid.");
 const QString kStartDifferent =
     Warning("Initial file version is different or corrupt.", "Updating configuration settings.");
 
-class LifeCycleFaults : public FaultyFiles {
+class WorkingFileFaults : public FaultyFiles {
  protected:
   /// The start with this file (null: none), which without a fault shows `shown` and leaves `after`. A fault
   /// may at most end in the defaults, and says so; then what stood there is kept beside.
@@ -79,29 +79,29 @@ class LifeCycleFaults : public FaultyFiles {
   RecordedMessages messages;
 };
 
-TEST_F(LifeCycleFaults, StartingWithAGoodFile) {
+TEST_F(WorkingFileFaults, StartingWithAGoodFile) {
   PlayStart("load at the start", WithPort("COM7"), {}, WithPort("COM7"));
 }
 
-TEST_F(LifeCycleFaults, StartingWithoutAFile) {
+TEST_F(WorkingFileFaults, StartingWithoutAFile) {
   PlayStart("start without a file", QByteArray(), {kStartNotFound}, defaults);
 }
 
-TEST_F(LifeCycleFaults, StartingWithABrokenFile) {
+TEST_F(WorkingFileFaults, StartingWithABrokenFile) {
   PlayStart("start with a broken file", "no settings", {kStartInvalid}, defaults);
 }
 
-TEST_F(LifeCycleFaults, StartingWithABadPort) {
+TEST_F(WorkingFileFaults, StartingWithABadPort) {
   PlayStart("start with a bad port", WithPort("COM100"), {kStartBadPort}, defaults);
 }
 
-TEST_F(LifeCycleFaults, StartingWithAFileOfAnotherVersion) {
+TEST_F(WorkingFileFaults, StartingWithAFileOfAnotherVersion) {
   // An update that failed is made at the next start: no key without which the file would not load.
   PlayStart("bring the file up to date at the start",
             WithPort("COM7").replace("MARK_COLOR=WHITE", "OLD_KEY=1"), {kStartDifferent}, WithPort("COM7"));
 }
 
-TEST_F(LifeCycleFaults, PreparingTheWorkingFile) {
+TEST_F(WorkingFileFaults, PreparingTheWorkingFile) {
   const QString folder = Path(QStringLiteral("Quarn/"));
   const QString inFolder = folder + QStringLiteral("Quarn.ini");
   PlayFaults(

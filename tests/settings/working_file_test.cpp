@@ -1,4 +1,4 @@
-#include "settings/life_cycle.h"
+#include "settings/working_file.h"
 
 #include <gtest/gtest.h>
 
@@ -25,7 +25,7 @@ const QString kDifferent = QStringLiteral(
 const QString kBadPort =
     QStringLiteral("information/: Warning//Defined port name is invalid./Starting with default settings.");
 
-class LifeCycle : public ::testing::Test {
+class WorkingFile : public ::testing::Test {
  protected:
   void Write(const QByteArray& bytes) {
     QFile file(path);
@@ -59,7 +59,7 @@ class LifeCycle : public ::testing::Test {
   RecordedMessages messages;
 };
 
-TEST_F(LifeCycle, AGoodFileLoadsWithoutAWord) {
+TEST_F(WorkingFile, AGoodFileLoadsWithoutAWord) {
   WriteDefaultsWith("COM_PORT=NONE", "COM_PORT=COM3");
   Load();
   EXPECT_EQ(messages.shown, QStringList());
@@ -67,7 +67,7 @@ TEST_F(LifeCycle, AGoodFileLoadsWithoutAWord) {
   EXPECT_EQ(record.loadedMarker, QStringLiteral("TRUE"));
 }
 
-TEST_F(LifeCycle, OrderAndVersionTextDoNotMatter) {
+TEST_F(WorkingFile, OrderAndVersionTextDoNotMatter) {
   QByteArray text(".VER=Something (Ver. 0.1)\n.BEGIN\n");
   const QStringList lines = DefaultLines();
   for (auto line = lines.crbegin(); line != lines.crend(); ++line) text += line->toUtf8() + '\n';
@@ -79,7 +79,7 @@ TEST_F(LifeCycle, OrderAndVersionTextDoNotMatter) {
   EXPECT_EQ(record.chkCmd, QStringLiteral("id"));
 }
 
-TEST_F(LifeCycle, AMissingFileIsReplacedByTheDefaults) {
+TEST_F(WorkingFile, AMissingFileIsReplacedByTheDefaults) {
   messages.whileShown = [this] { EXPECT_FALSE(QFile::exists(path)); };
   Load();
   EXPECT_EQ(messages.shown, QStringList{kNotFound});
@@ -88,7 +88,7 @@ TEST_F(LifeCycle, AMissingFileIsReplacedByTheDefaults) {
   EXPECT_EQ(record.loadedMarker, QStringLiteral("TRUE"));
 }
 
-TEST_F(LifeCycle, AMissingKeyIsAddedAndTheRestKept) {
+TEST_F(WorkingFile, AMissingKeyIsAddedAndTheRestKept) {
   WriteDefaultsWith("MARK_COLOR=WHITE\r\n", "");
   QByteArray bytes = Bytes();
   Write(bytes.replace("COM_PORT=NONE", "COM_PORT=COM7").replace("(Ver. 1.00)", "(Ver. 0.90)"));
@@ -98,14 +98,14 @@ TEST_F(LifeCycle, AMissingKeyIsAddedAndTheRestKept) {
   EXPECT_EQ(record.comPort, QStringLiteral("COM7"));
 }
 
-TEST_F(LifeCycle, AnUnknownKeyIsRemoved) {
+TEST_F(WorkingFile, AnUnknownKeyIsRemoved) {
   WriteDefaultsWith("PORT_SPEED=HIGH", "OLD_KEY=1\r\nPORT_SPEED=LOW");
   Load();
   EXPECT_EQ(messages.shown, QStringList{kDifferent});
   EXPECT_EQ(Bytes(), DefaultBytes().replace("PORT_SPEED=HIGH", "PORT_SPEED=LOW"));
 }
 
-TEST_F(LifeCycle, AnUnknownLineThatTakesOthersWithItStillEndsInAWholeFile) {
+TEST_F(WorkingFile, AnUnknownLineThatTakesOthersWithItStillEndsInAWholeFile) {
   WriteDefaultsWith("MEM0=function-1", "MEM\r\nMEM0=mine");
   Load();
   EXPECT_EQ(messages.shown, QStringList{kDifferent});
@@ -113,7 +113,7 @@ TEST_F(LifeCycle, AnUnknownLineThatTakesOthersWithItStillEndsInAWholeFile) {
   EXPECT_EQ(record.mem[9], QStringLiteral("function-10"));
 }
 
-TEST_F(LifeCycle, AKeyThatOnlyAStrayLineNamesIsAddedAtOnce) {
+TEST_F(WorkingFile, AKeyThatOnlyAStrayLineNamesIsAddedAtOnce) {
   WriteDefaultsWith("MARK_COLOR=WHITE\r\n", "");
   QByteArray bytes = Bytes();
   Write(bytes.replace("COM_BPS=9600\r\n", "") + "was COM_BPS=1200\r\n");
@@ -122,7 +122,7 @@ TEST_F(LifeCycle, AKeyThatOnlyAStrayLineNamesIsAddedAtOnce) {
   EXPECT_EQ(Bytes(), DefaultBytes());
 }
 
-TEST_F(LifeCycle, BrokenFilesAreReplacedAndKeptBeside) {
+TEST_F(WorkingFile, BrokenFilesAreReplacedAndKeptBeside) {
   const QList<QByteArray> broken = {"garbage",
                                     ".BEGIN\nCOM_PORT=COM3\n",
                                     "COM_PORT=COM3\n.END\n",
@@ -144,7 +144,7 @@ TEST_F(LifeCycle, BrokenFilesAreReplacedAndKeptBeside) {
   EXPECT_EQ(Files(), (QStringList{QStringLiteral("Quarn.ini"), QStringLiteral("Quarn.ini.damaged")}));
 }
 
-TEST_F(LifeCycle, AnEmptyFileIsReplacedAndThereIsNothingToKeep) {
+TEST_F(WorkingFile, AnEmptyFileIsReplacedAndThereIsNothingToKeep) {
   Write(QByteArray());
   Load();
   EXPECT_EQ(messages.shown, QStringList{kInvalid});
@@ -152,7 +152,7 @@ TEST_F(LifeCycle, AnEmptyFileIsReplacedAndThereIsNothingToKeep) {
   EXPECT_EQ(Files(), QStringList{QStringLiteral("Quarn.ini")});
 }
 
-TEST_F(LifeCycle, AFileOfTheLargestSizeLoadsAndStays) {
+TEST_F(WorkingFile, AFileOfTheLargestSizeLoadsAndStays) {
   for (const qsizetype size : {8192, 8193, 10000, 16383, 16384}) {
     Write(SoundFileOfSize(size));
     PrepareWorkingFile(folder.path() + QLatin1Char('/'));
@@ -164,7 +164,7 @@ TEST_F(LifeCycle, AFileOfTheLargestSizeLoadsAndStays) {
   EXPECT_EQ(Files(), QStringList{QStringLiteral("Quarn.ini")});
 }
 
-TEST_F(LifeCycle, SevenLongStoredCommandsAreAllThereAgain) {
+TEST_F(WorkingFile, SevenLongStoredCommandsAreAllThereAgain) {
   // In plain letters: more than 8192 characters, and far from 16384 bytes.
   QByteArray bytes = DefaultBytes();
   for (int key = 0; key < kStoredCommandCount; ++key) {
@@ -179,7 +179,7 @@ TEST_F(LifeCycle, SevenLongStoredCommandsAreAllThereAgain) {
   EXPECT_EQ(Bytes(), bytes);
 }
 
-TEST_F(LifeCycle, AKeyInOtherLettersIsAnotherKey) {
+TEST_F(WorkingFile, AKeyInOtherLettersIsAnotherKey) {
   WriteDefaultsWith("COM_PORT=NONE", "com_port=COM3");
   const KeySetComparison comparison = CompareWithDefaults(path);
   EXPECT_EQ(comparison.unknownKeys, QStringList{QStringLiteral("com_port=")});
@@ -190,7 +190,7 @@ TEST_F(LifeCycle, AKeyInOtherLettersIsAnotherKey) {
   EXPECT_EQ(record.comPort, QStringLiteral("NONE"));
 }
 
-TEST_F(LifeCycle, NothingIsDoneBeforeItsWarningIsAcknowledged) {
+TEST_F(WorkingFile, NothingIsDoneBeforeItsWarningIsAcknowledged) {
   struct Case {
     QByteArray bytes;
     QString warning;
@@ -218,7 +218,7 @@ TEST_F(LifeCycle, NothingIsDoneBeforeItsWarningIsAcknowledged) {
   }
 }
 
-TEST_F(LifeCycle, TwoWarningsComeOneAfterTheOther) {
+TEST_F(WorkingFile, TwoWarningsComeOneAfterTheOther) {
   WriteDefaultsWith("COM_PORT=NONE", "COM_PORT=COM100\r\nOLD_KEY=1");
   QList<QByteArray> seen;
   messages.whileShown = [&] { seen.append(Bytes()); };
@@ -230,7 +230,7 @@ TEST_F(LifeCycle, TwoWarningsComeOneAfterTheOther) {
   EXPECT_EQ(DamagedBytes(), upgraded);
 }
 
-TEST_F(LifeCycle, AnUpdateThatWouldBeTooLargeIsNotMade) {
+TEST_F(WorkingFile, AnUpdateThatWouldBeTooLargeIsNotMade) {
   Write(SoundFileOfSize(16384 + 18).replace("MARK_COLOR=WHITE\r\n", ""));
   const QByteArray bytes = Bytes();
   ASSERT_EQ(bytes.size(), 16384);
@@ -240,7 +240,7 @@ TEST_F(LifeCycle, AnUpdateThatWouldBeTooLargeIsNotMade) {
   EXPECT_EQ(record.mem[0], ReadValue(path, keys::kMem[0])) << "it holds all that is loaded";
 }
 
-TEST_F(LifeCycle, AnInvalidPortNameStartsOver) {
+TEST_F(WorkingFile, AnInvalidPortNameStartsOver) {
   for (const char* name : {"COM100", "com3", "COM/", ""}) {
     messages.shown.clear();
     WriteDefaultsWith("COM_PORT=NONE", QByteArray("COM_PORT=") + name);
@@ -253,14 +253,14 @@ TEST_F(LifeCycle, AnInvalidPortNameStartsOver) {
   }
 }
 
-TEST_F(LifeCycle, AnEmptyValueStartsOver) {
+TEST_F(WorkingFile, AnEmptyValueStartsOver) {
   WriteDefaultsWith("DELIMITER=CR", "DELIMITER=");
   Load();
   EXPECT_EQ(messages.shown, QStringList{kBadPort});
   EXPECT_EQ(record.delimiter, QStringLiteral("CR"));
 }
 
-TEST_F(LifeCycle, WhereNothingCanBeWrittenTheProgramStillHasItsDefaults) {
+TEST_F(WorkingFile, WhereNothingCanBeWrittenTheProgramStillHasItsDefaults) {
   QDir().mkpath(path);  // a folder stands in the file's place
   Load();
   EXPECT_EQ(messages.shown, (QStringList{kNotFound, kBadPort}));
@@ -269,7 +269,7 @@ TEST_F(LifeCycle, WhereNothingCanBeWrittenTheProgramStillHasItsDefaults) {
   EXPECT_TRUE(QDir(path).exists());
 }
 
-TEST_F(LifeCycle, ComparisonNamesWhatDiffers) {
+TEST_F(WorkingFile, ComparisonNamesWhatDiffers) {
   EXPECT_EQ(CompareWithDefaults(path).result, KeySetResult::NoFile);
   EXPECT_EQ(CompareWithDefaults(folder.path()).result, KeySetResult::NoFile);
   WriteDefaultsWith("MEM3=function-4\r\n", "OTHER=1\r\nno equals sign\r\n");
@@ -280,7 +280,7 @@ TEST_F(LifeCycle, ComparisonNamesWhatDiffers) {
   EXPECT_EQ(comparison.missingLines, QStringList{QStringLiteral("MEM3=function-4")});
 }
 
-TEST_F(LifeCycle, PreparingMakesTheFolderAndTakesAbandonedFilesAway) {
+TEST_F(WorkingFile, PreparingMakesTheFolderAndTakesAbandonedFilesAway) {
   const QString data = folder.filePath(QStringLiteral("Halvo/Quarn/"));
   path = data + QStringLiteral("Quarn.ini");
   PrepareWorkingFile(data);
@@ -295,7 +295,7 @@ TEST_F(LifeCycle, PreparingMakesTheFolderAndTakesAbandonedFilesAway) {
   EXPECT_EQ(DamagedBytes(), QByteArray("STARTUP_STATE and more"));
 }
 
-TEST_F(LifeCycle, PreparingKeepsAFileOfTheLargestSize) {
+TEST_F(WorkingFile, PreparingKeepsAFileOfTheLargestSize) {
   const QString data = folder.path() + QLatin1Char('/');
   Write(SoundFileOfSize(16384));
   PrepareWorkingFile(data);
@@ -310,7 +310,7 @@ TEST_F(LifeCycle, PreparingKeepsAFileOfTheLargestSize) {
   EXPECT_EQ(DamagedBytes(), SoundFileOfSize(16385)) << "the defaults do not take its place";
 }
 
-TEST_F(LifeCycle, AFileThatCannotBeKeptIsNotReplaced) {
+TEST_F(WorkingFile, AFileThatCannotBeKeptIsNotReplaced) {
   Write("garbage");
   ASSERT_TRUE(QDir().mkdir(DamagedFileOf(path)));
   Load();

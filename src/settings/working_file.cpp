@@ -1,4 +1,4 @@
-#include "settings/life_cycle.h"
+#include "settings/working_file.h"
 
 #include "base/bounds.h"
 #include "settings/damaged_file.h"
