@@ -12,7 +12,7 @@
 #include <utility>
 
 #include "app/path_display.h"
-#include "dialogs/terminal/set_mem.h"
+#include "dialogs/terminal/function_key_table_dialog.h"
 #include "dialogs/terminal/terminal_screen.h"
 #include "identity.h"
 #include "serial/port_names.h"

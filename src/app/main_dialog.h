@@ -90,7 +90,7 @@ class CQuarnDlg final : public PolledDialog, public MainWindow {
   QPointer<CScreenOption> m_screenOption;
   QPointer<CMainOption> m_mainOption;
   QPointer<CPortNum> m_portNumber;
-  QPointer<CPortDetails> m_portDetails;
+  QPointer<CPortDetails> m_detailedPortList;
   QPointer<CPortSettings> m_portSettings;
   QMenuBar* m_menuBar = nullptr;
   std::vector<QAction*> m_actions;  ///< as in MenuItems

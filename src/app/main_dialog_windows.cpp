@@ -5,13 +5,13 @@
 #include "app/dialog_placement.h"
 #include "app/main_dialog.h"
 #include "dialogs/dialog_context.h"
-#include "dialogs/serial/port_details_dialog.h"
+#include "dialogs/serial/detailed_port_list_dialog.h"
 #include "dialogs/serial/port_number_dialog.h"
 #include "dialogs/serial/port_settings_dialog.h"
 #include "dialogs/settings/command_format.h"
 #include "dialogs/settings/main_option.h"
 #include "dialogs/settings/screen_option.h"
-#include "dialogs/terminal/set_mem.h"
+#include "dialogs/terminal/function_key_table_dialog.h"
 #include "dialogs/terminal/terminal_screen.h"
 #include "ui/placement.h"
 
@@ -84,9 +84,9 @@ void CQuarnDlg::OpenDetailedPortList() {
         QStringLiteral("Select a COM port from the \"COM Port Number\" dialog."));
     return;
   }
-  if (BringToFront(m_portDetails, m_program.state.open.Contains(Window::DetailedPortList))) return;
-  m_portDetails = new CPortDetails(this, Context());
-  ShowPlaced(*m_portDetails, PlaceBelowOnScreen);
+  if (BringToFront(m_detailedPortList, m_program.state.open.Contains(Window::DetailedPortList))) return;
+  m_detailedPortList = new CPortDetails(this, Context());
+  ShowPlaced(*m_detailedPortList, PlaceBelowOnScreen);
 }
 
 void CQuarnDlg::OpenPortSettings() {

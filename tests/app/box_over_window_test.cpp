@@ -114,7 +114,7 @@ const std::vector<Below> kWindows{
     {"ScreenOption", "CScreenOption", command::kScreenOption},
     {"MainOption", "CMainOption", command::kMainOption},
     {"PortNumber", "CPortNum", command::kPortNumber},
-    {"PortDetails", "CPortDetails", command::kDetailedPortList},
+    {"DetailedPortList", "CPortDetails", command::kDetailedPortList},
     {"PortSettings", "CPortSettings", command::kPortSettings},
 };
 

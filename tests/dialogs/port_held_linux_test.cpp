@@ -1,7 +1,7 @@
 #include <fcntl.h>
 #include <sys/file.h>
 
-#include "dialogs/port_details_fixture.h"
+#include "dialogs/detailed_port_list_fixture.h"
 #include "dialogs/serial/port_choice.h"
 
 namespace quarn::test {
@@ -16,7 +16,7 @@ OtherProcess HolderOf(const PseudoTerminal& terminal) {
   });
 }
 
-using PortHeldByAnother = PortDetailsDialog;
+using PortHeldByAnother = DetailedPortListDialog;
 
 TEST_F(PortHeldByAnother, IsNotConnected) {
   Plug("COM3");

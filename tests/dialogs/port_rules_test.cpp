@@ -118,9 +118,9 @@ TEST(PortListRules, SetIsForAListedPortThatIsNotConnected) {
 TEST(PortListRules, StatusAndTitle) {
   EXPECT_EQ(PortListStatus(kNothing), "No available COM ports detected.");
   EXPECT_EQ(PortListStatus(kClosed), "Select a port from the list below.");
-  EXPECT_EQ(PortDetailsTitle(kConnected, ""), "Quarn - Detailed COM Port List  (COM3)  ");
-  EXPECT_EQ(PortDetailsTitle(kClosed, ""), "Quarn - Detailed COM Port List  (COM3-NC)  ");
-  EXPECT_EQ(PortDetailsTitle(kNothing, " Connecting Port ... "),
+  EXPECT_EQ(DetailedPortListTitle(kConnected, ""), "Quarn - Detailed COM Port List  (COM3)  ");
+  EXPECT_EQ(DetailedPortListTitle(kClosed, ""), "Quarn - Detailed COM Port List  (COM3-NC)  ");
+  EXPECT_EQ(DetailedPortListTitle(kNothing, " Connecting Port ... "),
             "Quarn - Detailed COM Port List  (NONE)   Connecting Port ... ");
 }
 

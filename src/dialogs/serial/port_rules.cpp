@@ -75,7 +75,7 @@ QString PortListStatus(const PortSituation& situation) {
                                    : QStringLiteral("Select a port from the list below.");
 }
 
-QString PortDetailsTitle(const PortSituation& situation, const QString& status) {
+QString DetailedPortListTitle(const PortSituation& situation, const QString& status) {
   return QStringLiteral("Quarn - Detailed COM Port List  (") +
          PortTitlePart(situation.current, situation.connected) + QStringLiteral(")  ") + status;
 }

@@ -63,7 +63,7 @@ std::optional<int> RowOf(const QList<PortRow>& rows, const QString& port);
 /// Whether SET is enabled when `name` is selected.
 bool IsRowSetEnabled(const PortSituation& situation, const QString& name);
 QString PortListStatus(const PortSituation& situation);
-QString PortDetailsTitle(const PortSituation& situation, const QString& status);
+QString DetailedPortListTitle(const PortSituation& situation, const QString& status);
 
 // COM Port Settings.
 

@@ -4,7 +4,7 @@
 #include <QScrollArea>
 #include <QScrollBar>
 
-#include "dialogs/port_details_fixture.h"
+#include "dialogs/detailed_port_list_fixture.h"
 #include "dialogs/serial/port_rules.h"
 #include "support/waits.h"
 #include "ui/placement.h"
@@ -12,7 +12,7 @@
 namespace quarn::test {
 namespace {
 
-TEST_F(PortDetailsDialog, HasThirtyRowsSixteenUnitsApart) {
+TEST_F(DetailedPortListDialog, HasThirtyRowsSixteenUnitsApart) {
   ListOnly(30);
   Open();
   EXPECT_EQ(kRadios.size(), 30);
@@ -28,7 +28,7 @@ TEST_F(PortDetailsDialog, HasThirtyRowsSixteenUnitsApart) {
   EXPECT_EQ(RowsShown(), 30);
 }
 
-TEST_F(PortDetailsDialog, WithoutPortsThereIsOnlyTheStatusLine) {
+TEST_F(DetailedPortListDialog, WithoutPortsThereIsOnlyTheStatusLine) {
   Open();
   EXPECT_EQ(Status(), "No available COM ports detected.");
   EXPECT_EQ(RowsShown(), 0);
@@ -42,7 +42,7 @@ TEST_F(PortDetailsDialog, WithoutPortsThereIsOnlyTheStatusLine) {
   EXPECT_TRUE(IsGone());
 }
 
-TEST_F(PortDetailsDialog, HeightFollowsTheRows) {
+TEST_F(DetailedPortListDialog, HeightFollowsTheRows) {
   ListOnly(3);
   Open();
   EXPECT_EQ(Status(), "Select a port from the list below.");
@@ -61,7 +61,7 @@ TEST_F(PortDetailsDialog, HeightFollowsTheRows) {
   EXPECT_EQ(window->width(), width);
 }
 
-TEST_F(PortDetailsDialog, LongDescriptionsAreWholeInTheToolTip) {
+TEST_F(DetailedPortListDialog, LongDescriptionsAreWholeInTheToolTip) {
   ports.names = {QStringLiteral("COM1")};
   List();
   ports.names = {QString(40, u'W') + QStringLiteral("<b>) - /dev/ttyUSB0 (COM1")};
@@ -81,7 +81,7 @@ TEST_F(PortDetailsDialog, LongDescriptionsAreWholeInTheToolTip) {
   EXPECT_LE(Description(0).sizeHint().width(), Description(0).width());
 }
 
-TEST_F(PortDetailsDialog, RowsScrollWhereTheScreenIsTooLow) {
+TEST_F(DetailedPortListDialog, RowsScrollWhereTheScreenIsTooLow) {
   ListOnly(30);
   Configure("COM30");
   for (const int percent : {100, 150}) {
@@ -101,7 +101,7 @@ TEST_F(PortDetailsDialog, RowsScrollWhereTheScreenIsTooLow) {
   }
 }
 
-TEST_F(PortDetailsDialog, NothingIsClippedWithLargerFonts) {
+TEST_F(DetailedPortListDialog, NothingIsClippedWithLargerFonts) {
   for (const int percent : {100, 150}) {
     const FontScale scale(percent);
     for (const QStringList& names : {QStringList(), QStringList{"COM88", "COM99"}}) {
@@ -125,7 +125,7 @@ TEST_F(PortDetailsDialog, NothingIsClippedWithLargerFonts) {
   }
 }
 
-TEST_F(PortDetailsDialog, TitleIsSeenWholeWithLargerFonts) {
+TEST_F(DetailedPortListDialog, TitleIsSeenWholeWithLargerFonts) {
   ports.names = {QStringLiteral("COM99")};
   List();
   Configure("COM99");
@@ -133,13 +133,13 @@ TEST_F(PortDetailsDialog, TitleIsSeenWholeWithLargerFonts) {
     const FontScale scale(percent);
     Open();
     EXPECT_TRUE(TitleFits(*window, window->windowTitle()));
-    EXPECT_TRUE(TitleFits(*window, PortDetailsTitle({QStringLiteral("COM99"), false, {}},
+    EXPECT_TRUE(TitleFits(*window, DetailedPortListTitle({QStringLiteral("COM99"), false, {}},
                                                     QStringLiteral(" Connecting Port ... "))));
     delete window;
   }
 }
 
-TEST_F(PortDetailsDialog, TheButtonsStandBelowTheRowsAndNearerToThemThanToTheEdge) {
+TEST_F(DetailedPortListDialog, TheButtonsStandBelowTheRowsAndNearerToThemThanToTheEdge) {
   for (const int rows : {1, 3, 7}) {
     ListOnly(rows);
     Open();
@@ -158,7 +158,7 @@ TEST_F(PortDetailsDialog, TheButtonsStandBelowTheRowsAndNearerToThemThanToTheEdg
   }
 }
 
-TEST_F(PortDetailsDialog, MovesUpWhenMoreRowsWouldNotFitBelow) {
+TEST_F(DetailedPortListDialog, MovesUpWhenMoreRowsWouldNotFitBelow) {
   ListOnly(1);
   Open();
   const QRect available = window->screen()->availableGeometry();

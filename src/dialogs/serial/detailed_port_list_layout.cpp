@@ -8,7 +8,7 @@
 #include <QScrollBar>
 #include <algorithm>
 
-#include "dialogs/serial/port_details_dialog.h"
+#include "dialogs/serial/detailed_port_list_dialog.h"
 #include "ui/dialog_grid.h"
 #include "ui/placement.h"
 

@@ -2,7 +2,7 @@
 #include <QContextMenuEvent>
 #include <QMenu>
 
-#include "dialogs/set_mem_fixture.h"
+#include "dialogs/function_key_table_dialog_fixture.h"
 #include "support/message_texts.h"
 #include "support/window_places.h"
 
@@ -13,9 +13,9 @@ const QString kUndoQuestion = QStringLiteral("simple question/OK to discard the 
 const QString kSaveQuestion = QStringLiteral("simple yes or no/Is it OK to save the updated data ?");
 const QString kWarning = QStringLiteral("information/: Warning/Quit \"EDIT\" mode to close this dialog.//");
 
-class SetMem : public SetMemFixture {};
+class FunctionKeyTableDialog : public FunctionKeyTableDialogFixture {};
 
-TEST_F(SetMem, OpensWithTheStoredCommands) {
+TEST_F(FunctionKeyTableDialog, OpensWithTheStoredCommands) {
   settings.mem[4] = QString();
   OpenTable();
   EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Quarn - Function Key Table"));
@@ -30,7 +30,7 @@ TEST_F(SetMem, OpensWithTheStoredCommands) {
       << "the commands can be read";
 }
 
-TEST_F(SetMem, EditSwitchesTheMode) {
+TEST_F(FunctionKeyTableDialog, EditSwitchesTheMode) {
   OpenTable();
   ClickCommand(kEdit);
   EXPECT_EQ(Command(kEdit).text(), QStringLiteral("ENTER"));
@@ -42,7 +42,7 @@ TEST_F(SetMem, EditSwitchesTheMode) {
   EXPECT_TRUE(state.requests.refresh.Contains(Window::TerminalScreen));
 }
 
-TEST_F(SetMem, EditsAreInForceAtOnceAndUndoTakesThemBack) {
+TEST_F(FunctionKeyTableDialog, EditsAreInForceAtOnceAndUndoTakesThemBack) {
   OpenTable();
   const QByteArray before = FileBytes();
   Edit(3, "new text");
@@ -64,7 +64,7 @@ TEST_F(SetMem, EditsAreInForceAtOnceAndUndoTakesThemBack) {
   EXPECT_EQ(FileBytes(), before);
 }
 
-TEST_F(SetMem, UndoInEditModeCountsTheFields) {
+TEST_F(FunctionKeyTableDialog, UndoInEditModeCountsTheFields) {
   OpenTable();
   ClickCommand(kEdit);
   ClickCommand(kUndo);
@@ -77,7 +77,7 @@ TEST_F(SetMem, UndoInEditModeCountsTheFields) {
   EXPECT_EQ(EnabledControls(), "fields ");
 }
 
-TEST_F(SetMem, SaveWritesOnlyTheStoredCommands) {
+TEST_F(FunctionKeyTableDialog, SaveWritesOnlyTheStoredCommands) {
   OpenTable();
   Edit(3, "*RST;A=B");
   const QByteArray before = FileBytes();
@@ -93,7 +93,7 @@ TEST_F(SetMem, SaveWritesOnlyTheStoredCommands) {
   EXPECT_EQ(Shown(), QStringList()) << "nothing changed since";
 }
 
-TEST_F(SetMem, WhatWouldNotFitIntoTheFileIsNotSavedAndThatIsTold) {
+TEST_F(FunctionKeyTableDialog, WhatWouldNotFitIntoTheFileIsNotSavedAndThatIsTold) {
   OpenTable();
   const QByteArray before = FileBytes();
   ClickCommand(kEdit);
@@ -114,7 +114,7 @@ TEST_F(SetMem, WhatWouldNotFitIntoTheFileIsNotSavedAndThatIsTold) {
   EXPECT_EQ(ReadValue(m_file, keys::kMem[5]), QStringLiteral("short"));
 }
 
-TEST_F(SetMem, SaveAfterUndoAsksNothing) {
+TEST_F(FunctionKeyTableDialog, SaveAfterUndoAsksNothing) {
   OpenTable();
   const QByteArray before = FileBytes();
   Edit(3, "x");
@@ -125,7 +125,7 @@ TEST_F(SetMem, SaveAfterUndoAsksNothing) {
   EXPECT_EQ(FileBytes(), before);
 }
 
-TEST_F(SetMem, SaveIntoAFileThatCannotBeWrittenTellsNobody) {
+TEST_F(FunctionKeyTableDialog, SaveIntoAFileThatCannotBeWrittenTellsNobody) {
   for (const bool there : {true, false}) {
     SCOPED_TRACE(there);
     const QByteArray before = FileBytes();
@@ -149,7 +149,7 @@ TEST_F(SetMem, SaveIntoAFileThatCannotBeWrittenTellsNobody) {
   }
 }
 
-TEST_F(SetMem, TextThatWasNotTypedIsReadWhenEditModeIsLeft) {
+TEST_F(FunctionKeyTableDialog, TextThatWasNotTypedIsReadWhenEditModeIsLeft) {
   OpenTable();
   ClickCommand(kEdit);
   QAccessibleInterface* field = QAccessible::queryAccessibleInterface(&Field(3));
@@ -161,7 +161,7 @@ TEST_F(SetMem, TextThatWasNotTypedIsReadWhenEditModeIsLeft) {
   EXPECT_EQ(EnabledControls(), "keys UNDO SAVE OK SEND ");
 }
 
-TEST_F(SetMem, UndoReadsTextThatWasNotTyped) {
+TEST_F(FunctionKeyTableDialog, UndoReadsTextThatWasNotTyped) {
   OpenTable();
   ClickCommand(kEdit);
   QAccessible::queryAccessibleInterface(&Field(3))->setText(QAccessible::Value, QStringLiteral("spoken"));
@@ -171,7 +171,7 @@ TEST_F(SetMem, UndoReadsTextThatWasNotTyped) {
   EXPECT_EQ(Field(3).text(), QStringLiteral("function-4"));
 }
 
-TEST_F(SetMem, OkClosesAndTheNextOneStandsInItsPlace) {
+TEST_F(FunctionKeyTableDialog, OkClosesAndTheNextOneStandsInItsPlace) {
   OpenTable();
   ASSERT_TRUE(FrameIsThere(*dialog));
   dialog->move(120, 80);
@@ -187,7 +187,7 @@ TEST_F(SetMem, OkClosesAndTheNextOneStandsInItsPlace) {
   EXPECT_EQ(dialog->frameGeometry(), place);
 }
 
-TEST_F(SetMem, RefusesToCloseInEditMode) {
+TEST_F(FunctionKeyTableDialog, RefusesToCloseInEditMode) {
   OpenTable();
   ClickCommand(kEdit);
   dialog->close();
@@ -201,7 +201,7 @@ TEST_F(SetMem, RefusesToCloseInEditMode) {
   EXPECT_FALSE(state.open.Contains(Window::FunctionKeyTable));
 }
 
-TEST_F(SetMem, ClosesOnRequestButNotInEditMode) {
+TEST_F(FunctionKeyTableDialog, ClosesOnRequestButNotInEditMode) {
   OpenTable();
   ClickCommand(kEdit);
   state.requests.close.Add(Window::FunctionKeyTable);
@@ -217,7 +217,7 @@ TEST_F(SetMem, ClosesOnRequestButNotInEditMode) {
   EXPECT_FALSE(state.open.Contains(Window::FunctionKeyTable));
 }
 
-TEST_F(SetMem, ReloadsOnRequest) {
+TEST_F(FunctionKeyTableDialog, ReloadsOnRequest) {
   OpenTable();
   Edit(1, "mine");
   settings.mem.fill(QStringLiteral("new"));
@@ -227,7 +227,7 @@ TEST_F(SetMem, ReloadsOnRequest) {
   EXPECT_EQ(EnabledControls(), "keys OK SEND ");
 }
 
-TEST_F(SetMem, ReloadReplacesWhatIsBeingTyped) {
+TEST_F(FunctionKeyTableDialog, ReloadReplacesWhatIsBeingTyped) {
   OpenTable();
   ClickCommand(kEdit);
   Retype(1, "mine");
@@ -240,7 +240,7 @@ TEST_F(SetMem, ReloadReplacesWhatIsBeingTyped) {
   EXPECT_EQ(settings.mem[1], QStringLiteral("new"));
 }
 
-TEST_F(SetMem, RequestsFromBeforeItWasOpenedDoNotConcernIt) {
+TEST_F(FunctionKeyTableDialog, RequestsFromBeforeItWasOpenedDoNotConcernIt) {
   state.requests.close.Add(Window::FunctionKeyTable);
   state.requests.refresh.Add(Window::FunctionKeyTable);
   OpenTable();
@@ -248,7 +248,7 @@ TEST_F(SetMem, RequestsFromBeforeItWasOpenedDoNotConcernIt) {
   EXPECT_TRUE(dialog && dialog->isVisible());
 }
 
-TEST_F(SetMem, RequestsWaitUntilItsMessageIsGone) {
+TEST_F(FunctionKeyTableDialog, RequestsWaitUntilItsMessageIsGone) {
   OpenTable();
   Edit(0, "mine");
   messages.answers = {true};
@@ -266,7 +266,7 @@ TEST_F(SetMem, RequestsWaitUntilItsMessageIsGone) {
   EXPECT_TRUE(Until([this] { return dialog.isNull(); }));
 }
 
-TEST_F(SetMem, TheWarningIsShownOnce) {
+TEST_F(FunctionKeyTableDialog, TheWarningIsShownOnce) {
   OpenTable();
   ClickCommand(kEdit);
   messages.whileShown = [this] {
@@ -280,7 +280,7 @@ TEST_F(SetMem, TheWarningIsShownOnce) {
   EXPECT_TRUE(dialog->isVisible());
 }
 
-TEST_F(SetMem, FieldsHoldTheLongestCommandAndNoLineBreak) {
+TEST_F(FunctionKeyTableDialog, FieldsHoldTheLongestCommandAndNoLineBreak) {
   OpenTable();
   ClickCommand(kEdit);
   EXPECT_EQ(Field(0).maxLength(), kMaxStoredCommand);
@@ -304,7 +304,7 @@ TEST_F(SetMem, FieldsHoldTheLongestCommandAndNoLineBreak) {
                              .replace("MEM1=function-2\r\n", "MEM1=onetwothree\r\n"));
 }
 
-TEST_F(SetMem, TextIsPastedFromTheMenuOfAField) {
+TEST_F(FunctionKeyTableDialog, TextIsPastedFromTheMenuOfAField) {
   OpenTable();
   ClickCommand(kEdit);
   QApplication::clipboard()->setText(QStringLiteral("pa\nsted"));
@@ -326,7 +326,7 @@ TEST_F(SetMem, TextIsPastedFromTheMenuOfAField) {
       << Field(1).text().toStdString();
 }
 
-TEST_F(SetMem, LongTextsFromAFileAreNotCut) {
+TEST_F(FunctionKeyTableDialog, LongTextsFromAFileAreNotCut) {
   constexpr int kLong = kMaxStoredCommand + 2;
   settings.mem[8] = QString(kLong, u'y');
   OpenTable();

@@ -3,7 +3,7 @@
 #include <QRadioButton>
 
 #include "dialogs/port_dialog_fixture.h"
-#include "dialogs/serial/port_details_dialog.h"
+#include "dialogs/serial/detailed_port_list_dialog.h"
 #include "support/waits.h"
 #include "ui/placement.h"
 
@@ -24,7 +24,7 @@ inline const QList<int> kRadios =
 inline const QList<int> kDescriptions =
     Range(1021, 1030) + Range(1041, 1050) + Range(1068, 1072) + Range(1078, 1082);
 
-class PortDetailsDialog : public PortDialogTest {
+class DetailedPortListDialog : public PortDialogTest {
  protected:
   CPortDetails& Open() { return Show<CPortDetails>(); }
   QRadioButton& Radio(int row) { return *Control<QRadioButton>(*window, kRadios[row]); }

@@ -1,4 +1,4 @@
-#include "dialogs/terminal/set_mem.h"
+#include "dialogs/terminal/function_key_table_dialog.h"
 
 #include <QCloseEvent>
 #include <QGuiApplication>

@@ -1,9 +1,9 @@
-#include "dialogs/set_mem_fixture.h"
+#include "dialogs/function_key_table_dialog_fixture.h"
 
 namespace quarn::test {
 namespace {
 
-class SetMemKeys : public SetMemFixture {
+class FunctionKeyTableDialogKeys : public FunctionKeyTableDialogFixture {
  protected:
   /// Where Tab leads from here, until it is here again.
   static QList<int> TabsFrom(QWidget& first) {
@@ -17,7 +17,7 @@ class SetMemKeys : public SetMemFixture {
   }
 };
 
-TEST_F(SetMemKeys, ButtonsRequestTheStoredCommand) {
+TEST_F(FunctionKeyTableDialogKeys, ButtonsRequestTheStoredCommand) {
   OpenTable();
   for (int number = 1; number <= 10; ++number) {
     state.requests.functionKey.reset();
@@ -32,7 +32,7 @@ TEST_F(SetMemKeys, ButtonsRequestTheStoredCommand) {
   EXPECT_TRUE(state.requests.focus);
 }
 
-TEST_F(SetMemKeys, KeysRequestTheStoredCommandWithTheRecordedCtrlState) {
+TEST_F(FunctionKeyTableDialogKeys, KeysRequestTheStoredCommandWithTheRecordedCtrlState) {
   OpenTable();
   for (const bool recorded : {false, true}) {
     ClickOn(Key(1), recorded ? Qt::ControlModifier : Qt::NoModifier);
@@ -47,7 +47,7 @@ TEST_F(SetMemKeys, KeysRequestTheStoredCommandWithTheRecordedCtrlState) {
   EXPECT_EQ(QApplication::activePopupWidget(), nullptr) << "F10 opens no menu";
 }
 
-TEST_F(SetMemKeys, KeysWorkInAFieldToo) {
+TEST_F(FunctionKeyTableDialogKeys, KeysWorkInAFieldToo) {
   OpenTable();
   ClickCommand(kEdit);
   ClickOn(Field(6));
@@ -61,7 +61,7 @@ TEST_F(SetMemKeys, KeysWorkInAFieldToo) {
   EXPECT_EQ(Field(6).text(), QStringLiteral("function-7"));
 }
 
-TEST_F(SetMemKeys, EnterSendsWhereverTheFocusIs) {
+TEST_F(FunctionKeyTableDialogKeys, EnterSendsWhereverTheFocusIs) {
   OpenTable();
   for (const int id : {kOk, kEdit, kSend, 1001}) {
     for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
@@ -77,7 +77,7 @@ TEST_F(SetMemKeys, EnterSendsWhereverTheFocusIs) {
   EXPECT_FALSE(state.requests.functionKey);
 }
 
-TEST_F(SetMemKeys, EnterAndEscapeOnTheEditButtonDoNothingInEditMode) {
+TEST_F(FunctionKeyTableDialogKeys, EnterAndEscapeOnTheEditButtonDoNothingInEditMode) {
   OpenTable();
   ClickCommand(kEdit);
   for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Escape}) {
@@ -88,7 +88,7 @@ TEST_F(SetMemKeys, EnterAndEscapeOnTheEditButtonDoNothingInEditMode) {
   EXPECT_TRUE(dialog->isVisible());
 }
 
-TEST_F(SetMemKeys, EscapeDoesNothing) {
+TEST_F(FunctionKeyTableDialogKeys, EscapeDoesNothing) {
   OpenTable();
   quarn::test::Press(Qt::Key_Escape);
   QTest::keyClick(dialog, Qt::Key_Escape);
@@ -96,7 +96,7 @@ TEST_F(SetMemKeys, EscapeDoesNothing) {
   EXPECT_TRUE(state.open.Contains(Window::FunctionKeyTable));
 }
 
-TEST_F(SetMemKeys, AKeyHeldDownAsksOnce) {
+TEST_F(FunctionKeyTableDialogKeys, AKeyHeldDownAsksOnce) {
   OpenTable();
   for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_F2}) {
     QKeyEvent repeat(QEvent::KeyPress, key, Qt::NoModifier, QString(), true);
@@ -107,7 +107,7 @@ TEST_F(SetMemKeys, AKeyHeldDownAsksOnce) {
   EXPECT_FALSE(state.requests.functionKey);
 }
 
-TEST_F(SetMemKeys, KeysWithAltAreNotForIt) {
+TEST_F(FunctionKeyTableDialogKeys, KeysWithAltAreNotForIt) {
   OpenTable();
   quarn::test::Press(Qt::Key_F4, Qt::AltModifier);
   quarn::test::Press(Qt::Key_Return, Qt::AltModifier);
@@ -115,7 +115,7 @@ TEST_F(SetMemKeys, KeysWithAltAreNotForIt) {
   EXPECT_FALSE(state.requests.sendCommandLine);
 }
 
-TEST_F(SetMemKeys, SendNeedsAnOpenTerminalScreen) {
+TEST_F(FunctionKeyTableDialogKeys, SendNeedsAnOpenTerminalScreen) {
   OpenTable();
   ClickCommand(kSend);
   EXPECT_FALSE(state.requests.pressSend);
@@ -126,7 +126,7 @@ TEST_F(SetMemKeys, SendNeedsAnOpenTerminalScreen) {
   EXPECT_TRUE(state.requests.focus);
 }
 
-TEST_F(SetMemKeys, TabGoesInReadingOrder) {
+TEST_F(FunctionKeyTableDialogKeys, TabGoesInReadingOrder) {
   OpenTable();
   EXPECT_EQ(TabsFrom(Key(1)),
             (QList<int>{1001, 1002, 1003, 1004, 1005, 1006, 1007, 1008, 1009, 1010, kEdit, kOk, kSend}));
@@ -138,7 +138,7 @@ TEST_F(SetMemKeys, TabGoesInReadingOrder) {
                                           kSave, kEdit, kOk, kSend}));
 }
 
-TEST_F(SetMemKeys, WorksWithTheTerminalScreen) {
+TEST_F(FunctionKeyTableDialogKeys, WorksWithTheTerminalScreen) {
   Connect("* -> line \"OK\"");
   settings.mem[1] = QStringLiteral("two");
   settings.mem[4] = QStringLiteral("five");
@@ -163,7 +163,7 @@ TEST_F(SetMemKeys, WorksWithTheTerminalScreen) {
   EXPECT_TRUE(Until([this] { return log.LineCount() == 4; }));
 }
 
-TEST_F(SetMemKeys, EditedCommandLoadsBeforeItIsSaved) {
+TEST_F(FunctionKeyTableDialogKeys, EditedCommandLoadsBeforeItIsSaved) {
   Open();
   OpenTable();
   Edit(3, "fresh");

@@ -3,7 +3,7 @@
 #include <QLineEdit>
 #include <QTemporaryDir>
 
-#include "dialogs/terminal/set_mem.h"
+#include "dialogs/terminal/function_key_table_dialog.h"
 #include "dialogs/terminal_fixture.h"
 #include "settings/key_store.h"
 #include "support/dialog_controls.h"
@@ -18,10 +18,10 @@ inline constexpr int kOk = 1073;
 inline constexpr int kSend = 1011;
 
 /// A Function Key Table over a working settings file, with a Terminal Screen at hand.
-class SetMemFixture : public TerminalFixture {
+class FunctionKeyTableDialogFixture : public TerminalFixture {
  protected:
-  SetMemFixture() { EXPECT_TRUE(WriteDefaultFile(m_file)); }
-  ~SetMemFixture() override { delete dialog.data(); }
+  FunctionKeyTableDialogFixture() { EXPECT_TRUE(WriteDefaultFile(m_file)); }
+  ~FunctionKeyTableDialogFixture() override { delete dialog.data(); }
 
   void OpenTable() {
     dialog = new CSetMem(nullptr, {settings, m_file, state, messages, tableRect});

@@ -1,13 +1,13 @@
 // How the Function Key Table looks: what its controls are called and where they stand.
 
-#include "dialogs/set_mem_fixture.h"
+#include "dialogs/function_key_table_dialog_fixture.h"
 
 namespace quarn::test {
 namespace {
 
-class SetMemLook : public SetMemFixture {};
+class FunctionKeyTableDialogLook : public FunctionKeyTableDialogFixture {};
 
-TEST_F(SetMemLook, StandsInColumnsWithTheCommandsBelow) {
+TEST_F(FunctionKeyTableDialogLook, StandsInColumnsWithTheCommandsBelow) {
   OpenTable();
   for (int i = 0; i < 10; ++i) {
     EXPECT_EQ(Field(i).x(), Field(0).x()) << i;
@@ -26,7 +26,7 @@ TEST_F(SetMemLook, StandsInColumnsWithTheCommandsBelow) {
   }
 }
 
-TEST_F(SetMemLook, NamesItsControls) {
+TEST_F(FunctionKeyTableDialogLook, NamesItsControls) {
   OpenTable();
   for (int i = 0; i < 10; ++i) {
     EXPECT_EQ(Field(i).accessibleName(), QStringLiteral("MEM%1").arg(i));
@@ -42,7 +42,7 @@ TEST_F(SetMemLook, NamesItsControls) {
   }
 }
 
-TEST_F(SetMemLook, LongTextsAreSeenFromTheirStartAfterEditing) {
+TEST_F(FunctionKeyTableDialogLook, LongTextsAreSeenFromTheirStartAfterEditing) {
   OpenTable();
   ClickCommand(kEdit);
   Retype(0, QByteArray(64, 'W').constData());
@@ -51,7 +51,7 @@ TEST_F(SetMemLook, LongTextsAreSeenFromTheirStartAfterEditing) {
   EXPECT_EQ(Field(0).cursorPosition(), 0);
 }
 
-TEST_F(SetMemLook, ClipsNothingInAnyMode) {
+TEST_F(FunctionKeyTableDialogLook, ClipsNothingInAnyMode) {
   for (const int percent : {100, 150}) {
     const FontScale scale(percent);
     OpenTable();
@@ -73,7 +73,7 @@ TEST_F(SetMemLook, ClipsNothingInAnyMode) {
   }
 }
 
-TEST_F(SetMemLook, EachFieldSaysWhichKeyItBelongsTo) {
+TEST_F(FunctionKeyTableDialogLook, EachFieldSaysWhichKeyItBelongsTo) {
   OpenTable();
   for (int i = 0; i < 10; ++i) {
     EXPECT_EQ(Field(i).accessibleDescription(), QStringLiteral("Stored command of F%1").arg(i + 1));

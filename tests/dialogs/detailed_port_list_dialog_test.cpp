@@ -1,6 +1,6 @@
-#include "dialogs/serial/port_details_dialog.h"
+#include "dialogs/serial/detailed_port_list_dialog.h"
 
-#include "dialogs/port_details_fixture.h"
+#include "dialogs/detailed_port_list_fixture.h"
 #include "support/waits.h"
 
 namespace quarn::test {
@@ -9,7 +9,7 @@ namespace {
 const QString kApplyQuestion =
     QStringLiteral("question/: Confirmation//Do you want to apply this configuration?/");
 
-TEST_F(PortDetailsDialog, MarksTheCurrentPort) {
+TEST_F(DetailedPortListDialog, MarksTheCurrentPort) {
   Plug("COM3");
   Plug("COM12");
   ConnectTo("COM12");
@@ -22,14 +22,14 @@ TEST_F(PortDetailsDialog, MarksTheCurrentPort) {
   EXPECT_EQ(window->windowTitle(), "Quarn - Detailed COM Port List  (COM12)  ");
 }
 
-TEST_F(PortDetailsDialog, MarksNothingWithoutACurrentPort) {
+TEST_F(DetailedPortListDialog, MarksNothingWithoutACurrentPort) {
   Plug("COM3");
   Open();
   EXPECT_EQ(Checked(), QList<int>());
   EXPECT_FALSE(Button(kSetId).isEnabled());
 }
 
-TEST_F(PortDetailsDialog, SetIsForTheConfiguredPortWhileItIsNotConnected) {
+TEST_F(DetailedPortListDialog, SetIsForTheConfiguredPortWhileItIsNotConnected) {
   Plug("COM3");
   Configure("COM3");
   Open();
@@ -40,7 +40,7 @@ TEST_F(PortDetailsDialog, SetIsForTheConfiguredPortWhileItIsNotConnected) {
   EXPECT_FALSE(Button(kSetId).isEnabled());
 }
 
-TEST_F(PortDetailsDialog, ClickedRowIsConnectedBySet) {
+TEST_F(DetailedPortListDialog, ClickedRowIsConnectedBySet) {
   Plug("COM3");
   Plug("COM4");
   ConnectTo("COM3");
@@ -62,7 +62,7 @@ TEST_F(PortDetailsDialog, ClickedRowIsConnectedBySet) {
   EXPECT_FALSE(Button(kSetId).isEnabled());
 }
 
-TEST_F(PortDetailsDialog, ClickOnADescriptionIsAClickOnItsRow) {
+TEST_F(DetailedPortListDialog, ClickOnADescriptionIsAClickOnItsRow) {
   ListOnly(3);
   Open();
   QTest::mouseClick(&Description(2), Qt::LeftButton);
@@ -70,7 +70,7 @@ TEST_F(PortDetailsDialog, ClickOnADescriptionIsAClickOnItsRow) {
   EXPECT_TRUE(Button(kSetId).isEnabled());
 }
 
-TEST_F(PortDetailsDialog, ArrowKeysGoFromRowToRow) {
+TEST_F(DetailedPortListDialog, ArrowKeysGoFromRowToRow) {
   ListOnly(3);
   Configure("COM1");
   Open();
@@ -83,7 +83,7 @@ TEST_F(PortDetailsDialog, ArrowKeysGoFromRowToRow) {
   EXPECT_EQ(QApplication::focusWidget(), &Button(kOkId));
 }
 
-TEST_F(PortDetailsDialog, TabReachesTheMarkedRow) {
+TEST_F(DetailedPortListDialog, TabReachesTheMarkedRow) {
   ListOnly(3);
   Configure("COM2");
   Open();
@@ -92,7 +92,7 @@ TEST_F(PortDetailsDialog, TabReachesTheMarkedRow) {
   EXPECT_EQ(QApplication::focusWidget(), &Radio(1));
 }
 
-TEST_F(PortDetailsDialog, ConnectedPortCannotBeSetAgain) {
+TEST_F(DetailedPortListDialog, ConnectedPortCannotBeSetAgain) {
   Plug("COM3");
   ConnectTo("COM3");
   Open();
@@ -103,7 +103,7 @@ TEST_F(PortDetailsDialog, ConnectedPortCannotBeSetAgain) {
   EXPECT_EQ(Happened(), QStringList());
 }
 
-TEST_F(PortDetailsDialog, SetDoesNothingForAPortThatHasBeenConnectedMeanwhile) {
+TEST_F(DetailedPortListDialog, SetDoesNothingForAPortThatHasBeenConnectedMeanwhile) {
   Plug("COM3");
   Configure("COM3");
   Open();
@@ -117,7 +117,7 @@ TEST_F(PortDetailsDialog, SetDoesNothingForAPortThatHasBeenConnectedMeanwhile) {
   EXPECT_EQ(program.connection.handle.Line(), line);
 }
 
-TEST_F(PortDetailsDialog, PortThatVanishesBetweenClickAndSetIsRefused) {
+TEST_F(DetailedPortListDialog, PortThatVanishesBetweenClickAndSetIsRefused) {
   Plug("COM3");
   Plug("COM4");
   ConnectTo("COM3");
@@ -130,7 +130,7 @@ TEST_F(PortDetailsDialog, PortThatVanishesBetweenClickAndSetIsRefused) {
   EXPECT_TRUE(program.connection.handle.IsOpen());
 }
 
-TEST_F(PortDetailsDialog, ListChangeShowsTheCurrentPortAgain) {
+TEST_F(DetailedPortListDialog, ListChangeShowsTheCurrentPortAgain) {
   Plug("COM3");
   Plug("COM4");
   ConnectTo("COM3");
@@ -146,7 +146,7 @@ TEST_F(PortDetailsDialog, ListChangeShowsTheCurrentPortAgain) {
   EXPECT_EQ(Happened(), QStringList()) << "the current port is what is selected";
 }
 
-TEST_F(PortDetailsDialog, AClickThatWasNotLookedAtSurvivesAListChange) {
+TEST_F(DetailedPortListDialog, AClickThatWasNotLookedAtSurvivesAListChange) {
   Plug("COM3");
   Plug("COM4");
   Plug("COM5");
@@ -166,7 +166,7 @@ TEST_F(PortDetailsDialog, AClickThatWasNotLookedAtSurvivesAListChange) {
   EXPECT_FALSE(Button(kSetId).isEnabled());
 }
 
-TEST_F(PortDetailsDialog, AClickThatIsSuppressedSelectsNothing) {
+TEST_F(DetailedPortListDialog, AClickThatIsSuppressedSelectsNothing) {
   Plug("COM3");
   Plug("COM4");
   ConnectTo("COM3");
@@ -180,7 +180,7 @@ TEST_F(PortDetailsDialog, AClickThatIsSuppressedSelectsNothing) {
   EXPECT_EQ(Checked(), QList<int>{1}) << "one click, no more";
 }
 
-TEST_F(PortDetailsDialog, AListChangeWithASuppressedClickOnlySelectsTheCurrentPort) {
+TEST_F(DetailedPortListDialog, AListChangeWithASuppressedClickOnlySelectsTheCurrentPort) {
   Plug("COM3");
   Plug("COM4");
   ConnectTo("COM3");
@@ -198,7 +198,7 @@ TEST_F(PortDetailsDialog, AListChangeWithASuppressedClickOnlySelectsTheCurrentPo
   EXPECT_EQ(Happened(), QStringList());
 }
 
-TEST_F(PortDetailsDialog, WithTheLastPortGoneOnlyTheStatusLineIsLeft) {
+TEST_F(DetailedPortListDialog, WithTheLastPortGoneOnlyTheStatusLineIsLeft) {
   Plug("COM3");
   ConnectTo("COM3");
   Open();
@@ -209,7 +209,7 @@ TEST_F(PortDetailsDialog, WithTheLastPortGoneOnlyTheStatusLineIsLeft) {
   EXPECT_TRUE(BecomesHigh(90)) << OuterSize(*window).height();
 }
 
-TEST_F(PortDetailsDialog, AListChangeIsLeftForTheNextOneWhenItCloses) {
+TEST_F(DetailedPortListDialog, AListChangeIsLeftForTheNextOneWhenItCloses) {
   ListOnly(2);
   Open();
   program.state.requests.refresh.Add(Window::DetailedPortList);
@@ -223,7 +223,7 @@ TEST_F(PortDetailsDialog, AListChangeIsLeftForTheNextOneWhenItCloses) {
   EXPECT_EQ(RowsShown(), 3);
 }
 
-TEST_F(PortDetailsDialog, EachOfThirtyRowsChoosesItsPort) {
+TEST_F(DetailedPortListDialog, EachOfThirtyRowsChoosesItsPort) {
   ListOnly(30);
   messages.answers = {true};
   Open();
@@ -238,7 +238,7 @@ TEST_F(PortDetailsDialog, EachOfThirtyRowsChoosesItsPort) {
   EXPECT_EQ(Happened(), (QStringList{kApplyQuestion, "pause 500", ChoiceFailed("COM30", "")}));
 }
 
-TEST_F(PortDetailsDialog, OkWithTheConfiguredPortDoesNotConnectIt) {
+TEST_F(DetailedPortListDialog, OkWithTheConfiguredPortDoesNotConnectIt) {
   Plug("COM3");
   Configure("COM3");
   Open();
@@ -250,7 +250,7 @@ TEST_F(PortDetailsDialog, OkWithTheConfiguredPortDoesNotConnectIt) {
   EXPECT_FALSE(program.connection.handle.IsOpen());
 }
 
-TEST_F(PortDetailsDialog, OkWithoutAChangeClosesWithoutAQuestion) {
+TEST_F(DetailedPortListDialog, OkWithoutAChangeClosesWithoutAQuestion) {
   Plug("COM3");
   ConnectTo("COM3");
   Open();
@@ -262,7 +262,7 @@ TEST_F(PortDetailsDialog, OkWithoutAChangeClosesWithoutAQuestion) {
   EXPECT_TRUE(program.state.requests.refresh.Contains(Window::MainDialog));
 }
 
-TEST_F(PortDetailsDialog, OkAsksBeforeItConnects) {
+TEST_F(DetailedPortListDialog, OkAsksBeforeItConnects) {
   Plug("COM3");
   for (const bool yes : {false, true}) {
     messages.answers = {yes};
@@ -277,7 +277,7 @@ TEST_F(PortDetailsDialog, OkAsksBeforeItConnects) {
   }
 }
 
-TEST_F(PortDetailsDialog, ClosesByItsBoxAndByRequest) {
+TEST_F(DetailedPortListDialog, ClosesByItsBoxAndByRequest) {
   for (const int way : {0, 1, 2}) {
     ListOnly(2);
     Open();
@@ -292,7 +292,7 @@ TEST_F(PortDetailsDialog, ClosesByItsBoxAndByRequest) {
   }
 }
 
-TEST_F(PortDetailsDialog, NothingSlipsIntoAConnectThatIsUnderWay) {
+TEST_F(DetailedPortListDialog, NothingSlipsIntoAConnectThatIsUnderWay) {
   Plug("COM3");
   Plug("COM4");
   Open();
@@ -312,7 +312,7 @@ TEST_F(PortDetailsDialog, NothingSlipsIntoAConnectThatIsUnderWay) {
   EXPECT_EQ(Happened(), (QStringList{"pause 500", ChoiceConnected("COM3")}));
 }
 
-TEST_F(PortDetailsDialog, AfterARefusalTheCurrentPortIsTheOneThatIsSelected) {
+TEST_F(DetailedPortListDialog, AfterARefusalTheCurrentPortIsTheOneThatIsSelected) {
   Plug("COM3");
   Plug("COM4");
   ConnectTo("COM3");

@@ -1,4 +1,4 @@
-#include "dialogs/serial/port_details_dialog.h"
+#include "dialogs/serial/detailed_port_list_dialog.h"
 
 #include <QLabel>
 #include <QMouseEvent>
@@ -84,7 +84,7 @@ void CPortDetails::CreateRow(int index) {
   m_radios->addButton(row.radio, index);
 }
 
-void CPortDetails::ShowTitle(const QString& status) { setWindowTitle(PortDetailsTitle(Situation(), status)); }
+void CPortDetails::ShowTitle(const QString& status) { setWindowTitle(DetailedPortListTitle(Situation(), status)); }
 
 void CPortDetails::ShowList() {
   const PortSituation situation = Situation();
