@@ -10,8 +10,8 @@
 
 #include "base/bounds.h"
 #include "settings/key_store.h"
-#include "settings/working_file.h"
 #include "settings/settings_table.h"
+#include "settings/working_file.h"
 
 // The input is a settings file of any version, as a file: compared with the program's keys and brought up to
 // date. Afterwards it has no key that the program does not know, has lost no entry that it does know,

@@ -1,8 +1,8 @@
 #include <QApplication>
 #include <cstdlib>
 
-#include "app/command_line_file.h"
 #include "app/fatal_limits.h"
+#include "app/file_argument.h"
 #include "app/program.h"
 #include "app/start_up.h"
 #include "app/window_stage.h"

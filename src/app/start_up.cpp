@@ -4,8 +4,8 @@
 #include "app/display.h"
 #include "app/file_commands.h"
 #include "app/qrn_file.h"
-#include "settings/working_file.h"
 #include "settings/setting_values.h"
+#include "settings/working_file.h"
 
 namespace quarn {
 namespace {
@@ -51,9 +51,9 @@ void TellInternalConfiguration(Program& program) {
   program.messages->ShowTransientMessage(QStringLiteral("Starting in internal configuration mode."), {});
 }
 
-/// The file named on the command line, if there is one and it looks like a configuration file.
+/// The file named as an argument, if there is one and it looks like a configuration file.
 QString FileToLoad(Program& program, StartUpStage& stage) {
-  const QString named = stage.CommandLineFile();
+  const QString named = stage.FileArgument();
   if (named.isEmpty()) return {};
   program.messages->ShowTransientMessage(QStringLiteral("Loading user difinition file."), {});
   QString file = LoadQrnFile(named, *program.messages);

@@ -27,7 +27,7 @@ class StartUpStage {
   /// In pixels.
   virtual int MessageFontHeight() = 0;
   virtual void AcceptDrops() = 0;
-  virtual QString CommandLineFile() = 0;
+  virtual QString FileArgument() = 0;
   /// Moves the main dialog to this share of the screen's free space.
   virtual void PlaceMainDialog(int xPercent, int yPercent) = 0;
   virtual void ShowMainDialog() = 0;

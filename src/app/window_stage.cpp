@@ -3,8 +3,8 @@
 #include <QTimer>
 #include <utility>
 
-#include "app/command_line_file.h"
 #include "app/display.h"
+#include "app/file_argument.h"
 #include "app/splash_page.h"
 
 namespace quarn {
@@ -36,7 +36,7 @@ int WindowStage::MessageFontHeight() { return quarn::MessageFontHeight(); }
 
 void WindowStage::AcceptDrops() { m_dialog->setAcceptDrops(true); }
 
-QString WindowStage::CommandLineFile() { return ReadCommandLineFile(m_arguments); }
+QString WindowStage::FileArgument() { return ReadFileArgument(m_arguments); }
 
 void WindowStage::PlaceMainDialog(int xPercent, int yPercent) {
   m_dialog->PlaceByPercent(xPercent, yPercent);

@@ -20,7 +20,7 @@ class WindowStage final : public StartUpStage {
   bool MenuBarWraps() override;
   int MessageFontHeight() override;
   void AcceptDrops() override;
-  QString CommandLineFile() override;
+  QString FileArgument() override;
   void PlaceMainDialog(int xPercent, int yPercent) override;
   void ShowMainDialog() override;
 

@@ -78,7 +78,7 @@ sigset_t BlockEndingSignals() {
   return signals;
 }
 
-/// Text from the command line or a file must not control the terminal.
+/// Text from an argument or a file must not control the terminal.
 std::string SpelledOut(std::string_view text) {
   std::string spelled;
   for (const char each : text) {

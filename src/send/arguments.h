@@ -7,7 +7,7 @@
 
 namespace quarn::send {
 
-/// One word of the command line.
+/// One argument of the program.
 struct Argument {
   /// As a name. nullopt if it is not valid in the encoding of file names.
   std::optional<QString> text;

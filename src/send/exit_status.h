@@ -6,7 +6,7 @@ namespace quarn::send {
 
 /// The port or the settings could not be opened, or the line failed.
 inline constexpr int kFailed = 5;
-/// The command line is wrong, or has a command that cannot be sent.
+/// The arguments are wrong, or have a command that cannot be sent.
 inline constexpr int kWrongUsage = 64;
 /// Standard output could not be written.
 inline constexpr int kNotPrinted = 74;

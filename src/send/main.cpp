@@ -1,9 +1,9 @@
 #include <cstdio>
 
 #include "identity.h"
-#include "send/command_line_options.h"
 #include "send/console_characters.h"
 #include "send/exit_status.h"
+#include "send/send_options.h"
 #include "send/sender.h"
 #include "send/standard_output.h"
 #include "terminal/standard_streams.h"

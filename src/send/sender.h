@@ -1,6 +1,6 @@
 #pragma once
 
-#include "send/command_line_options.h"
+#include "send/send_options.h"
 
 namespace quarn::send {
 

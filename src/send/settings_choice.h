@@ -2,7 +2,7 @@
 
 #include <QString>
 
-#include "send/command_line_options.h"
+#include "send/send_options.h"
 #include "settings/settings_record.h"
 
 namespace quarn::send {

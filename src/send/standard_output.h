@@ -13,7 +13,7 @@ bool Print(const QByteArray& bytes);
 /// afterwards. False as for Print.
 bool EndOutput();
 
-/// Prints one line on standard error. Text from a file, a device or the command line cannot control the
+/// Prints one line on standard error. Text from a file, a device or the arguments cannot control the
 /// terminal or begin a second line.
 void Complain(const QString& text);
 

@@ -6,10 +6,10 @@ namespace quarn {
 
 /// The parts of a friendly name, for a system that does not provide complete ones.
 struct PortDescription {
-  QString product;    ///< the device's own name: outside input, may contain anything
-  QString node;       ///< the device's path, for instance /dev/ttyUSB0
+  QString product;            ///< the device's own name: outside input, may contain anything
+  QString node;               ///< the device's path, for instance /dev/ttyUSB0
   QString unavailableReason;  ///< why the port cannot be opened; empty if it can
-  QString portName;   ///< COM1 to COM99
+  QString portName;           ///< COM1 to COM99
 };
 
 /// "<product> - <node>, <unavailable reason> (COM3)".

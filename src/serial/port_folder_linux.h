@@ -40,9 +40,9 @@ class PortFolder {
   /// `path` is absolute and need not exist yet.
   explicit PortFolder(std::string path, SystemRoots roots = {});
 
-  /// The entries in ascending number order; empty if there is no folder. `dependencies` receives the entries that
-  /// lead to the folder. Returns nullopt with the reason in `problem` if the path exists but cannot be read
-  /// as a folder.
+  /// The entries in ascending number order; empty if there is no folder. `dependencies` receives the entries
+  /// that lead to the folder. Returns nullopt with the reason in `problem` if the path exists but cannot be
+  /// read as a folder.
   std::optional<std::vector<PortLink>> Read(std::vector<FolderEntry>& dependencies,
                                             std::error_code& problem) const;
 

@@ -60,7 +60,11 @@ class Pinning {
  public:
   Pinning(const PortFolder& folder, const std::vector<SerialDevice>& devices, const SystemRoots& roots,
           std::vector<FolderEntry>& dependencies, std::error_code& problem)
-      : m_folder(folder), m_devices(devices), m_roots(roots), m_dependencies(dependencies), m_problem(problem) {}
+      : m_folder(folder),
+        m_devices(devices),
+        m_roots(roots),
+        m_dependencies(dependencies),
+        m_problem(problem) {}
 
   /// False when the folder or the records cannot be read.
   bool Read() {

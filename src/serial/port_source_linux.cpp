@@ -161,8 +161,8 @@ QStringList LinuxPortSource::NamesOf(const std::vector<PortLink>& links,
   return names;
 }
 
-void LinuxPortSource::PlanWatch(const std::vector<PortLink>& links, const std::vector<FolderEntry>& dependencies,
-                                WatchPlan& plan) const {
+void LinuxPortSource::PlanWatch(const std::vector<PortLink>& links,
+                                const std::vector<FolderEntry>& dependencies, WatchPlan& plan) const {
   // Devices appear here even if udev does not run.
   plan.folders[m_roots.dev].anyName = true;
   const ResolvedPath folder = ResolvePath({}, m_folderPath);

@@ -61,8 +61,8 @@ class LinuxPortSource final : public PortSource {
   Listing m_last = Listing::None;
   std::error_code m_told;  ///< the last reported problem of the folder
   std::uint64_t m_listings = 0;
-  std::uint64_t m_stirs = 0;  ///< how often the watch has reported a change
-  bool m_changePending = false;     ///< it has, since the last query
+  std::uint64_t m_stirs = 0;     ///< how often the watch has reported a change
+  bool m_changePending = false;  ///< it has, since the last query
   std::vector<std::unique_ptr<QSocketNotifier>> m_notifiers;
 };
 

@@ -26,9 +26,9 @@
 #include "serial/port_source_linux.h"
 #include "serial/port_use_linux.h"
 #include "serial/read_deadline.h"
+#include "serial/retry_on_eintr_linux.h"
 #include "serial/termios_state_linux.h"
 #include "serial/uart_linux.h"
-#include "serial/retry_on_eintr_linux.h"
 
 namespace quarn {
 namespace {
@@ -75,8 +75,8 @@ class LinuxSerialLine final : public SerialLine {
   LinuxSerialLine(QString node, LineHold hold)
       : m_node(std::move(node)), m_hold(std::move(hold)), m_baudRate(m_hold.former.c_ospeed) {}
   ~LinuxSerialLine() override { Close(); }
-  LinuxSerialLine(const PosixSerialLine&) = delete;
-  LinuxSerialLine& operator=(const PosixSerialLine&) = delete;
+  LinuxSerialLine(const LinuxSerialLine&) = delete;
+  LinuxSerialLine& operator=(const LinuxSerialLine&) = delete;
 
   LineResult GetState(LineState& state) override {
     termios2 current{};
@@ -406,7 +406,8 @@ OpenResult OpenNode(const QString& node, std::optional<TerminalKind> knownKind) 
     return TakeLine(node, device, std::move(line), kind);
   }
   const int error = errno;
-  if (LineErrorFromErrno(error) == LineError::NoPermission) return Failed(NoPermissionFailure(node, device, error));
+  if (LineErrorFromErrno(error) == LineError::NoPermission)
+    return Failed(NoPermissionFailure(node, device, error));
   return NotTaken(node, device, error);
 }
 

@@ -10,9 +10,9 @@
 #include "base/bounds.h"
 #include "settings/damaged_file.h"
 #include "settings/key_store.h"
-#include "settings/working_file.h"
 #include "settings/settings_load_save.h"
 #include "settings/settings_text.h"
+#include "settings/working_file.h"
 
 namespace quarn {
 namespace {

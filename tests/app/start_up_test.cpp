@@ -28,7 +28,7 @@ class RecordedStage final : public StartUpStage {
   bool MenuBarWraps() override { return Note("menu bar", wraps); }
   int MessageFontHeight() override { return fontHeight; }
   void AcceptDrops() override { m_journal.append(QStringLiteral("drops")); }
-  QString CommandLineFile() override { return Note("command line", file); }
+  QString FileArgument() override { return Note("command line", file); }
   void PlaceMainDialog(int x, int y) override {
     m_journal.append(QStringLiteral("place %1 %2").arg(x).arg(y));
   }

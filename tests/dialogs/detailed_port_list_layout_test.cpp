@@ -134,7 +134,7 @@ TEST_F(DetailedPortListDialog, TitleIsSeenWholeWithLargerFonts) {
     Open();
     EXPECT_TRUE(TitleFits(*window, window->windowTitle()));
     EXPECT_TRUE(TitleFits(*window, DetailedPortListTitle({QStringLiteral("COM99"), false, {}},
-                                                    QStringLiteral(" Connecting Port ... "))));
+                                                         QStringLiteral(" Connecting Port ... "))));
     delete window;
   }
 }

@@ -79,7 +79,7 @@ TEST(ReadDeadline, TheLargestIntervalTakesWhatIsThere) {
 
 TEST(ReadDeadline, WithTheLargestMultiplierTooTheFirstByteIsWaitedFor) {
   ReadDeadline deadline({.readInterval = kMaximum, .readTotalMultiplier = kMaximum, .readTotalConstant = 200},
-                    8191, kStart);
+                        8191, kStart);
   EXPECT_EQ(deadline.Time(), At(200));
   deadline.BytesArrived(At(120));
   EXPECT_EQ(deadline.Time(), At(120));

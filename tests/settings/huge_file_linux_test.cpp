@@ -1,8 +1,8 @@
 #include <sys/resource.h>
 
 #include "settings/damaged_file.h"
-#include "settings/working_file.h"
 #include "settings/user_file_test.h"
+#include "settings/working_file.h"
 
 namespace quarn::test {
 namespace {

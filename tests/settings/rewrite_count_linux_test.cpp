@@ -5,10 +5,10 @@
 #include <cstring>
 
 #include "settings/key_store.h"
-#include "settings/working_file.h"
 #include "settings/settings_load_save.h"
 #include "settings/settings_table.h"
 #include "settings/settings_test_support.h"
+#include "settings/working_file.h"
 
 namespace quarn {
 namespace {

@@ -5,9 +5,9 @@
 #include <QTemporaryDir>
 
 #include "settings/key_store.h"
-#include "settings/working_file.h"
 #include "settings/settings_load_save.h"
 #include "settings/settings_table.h"
+#include "settings/working_file.h"
 
 namespace quarn::test {
 namespace {

@@ -84,7 +84,9 @@ void CPortDetails::CreateRow(int index) {
   m_radios->addButton(row.radio, index);
 }
 
-void CPortDetails::ShowTitle(const QString& status) { setWindowTitle(DetailedPortListTitle(Situation(), status)); }
+void CPortDetails::ShowTitle(const QString& status) {
+  setWindowTitle(DetailedPortListTitle(Situation(), status));
+}
 
 void CPortDetails::ShowList() {
   const PortSituation situation = Situation();

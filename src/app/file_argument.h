@@ -7,10 +7,10 @@
 
 namespace quarn {
 
-/// The configuration file named on the command line, or an empty text. `arguments` are the process's own,
-/// with the program first; if the system provides the command line as one text, that is used. A name of 259
+/// The configuration file named as an argument, or an empty text. `arguments` are the process's own,
+/// with the program first; if the system provides the arguments as one text, that is used. A name of 259
 /// or more characters ends the program: with its end it does not fit into the 260 of a path.
-QString ReadCommandLineFile(const QStringList& arguments);
+QString ReadFileArgument(const QStringList& arguments);
 
 /// The text after the quoted program path and one separator, without its own quotes, if any.
 QString FileOfCommandLine(QStringView commandLine);

@@ -1,4 +1,4 @@
-#include "send/command_line_options.h"
+#include "send/send_options.h"
 
 #include "terminal/render.h"
 

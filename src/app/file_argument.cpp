@@ -1,4 +1,4 @@
-#include "app/command_line_file.h"
+#include "app/file_argument.h"
 
 #include <algorithm>
 #include <array>
@@ -19,7 +19,7 @@ struct QtOption {
   const char16_t* name;  ///< behind one dash or two
   bool takesValue;
 };
-/// Options that Qt's application object takes from the command line; the session manager passes one of them.
+/// Options that Qt's application object takes from the arguments; the session manager passes one of them.
 constexpr std::array<QtOption, 18> kQtOptions = {{{u"display", true},
                                                   {u"dograb", false},
                                                   {u"geometry", true},

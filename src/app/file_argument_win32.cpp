@@ -1,10 +1,10 @@
 #include <windows.h>
 
-#include "app/command_line_file.h"
+#include "app/file_argument.h"
 
 namespace quarn {
 
-QString ReadCommandLineFile(const QStringList& /*arguments*/) {
+QString ReadFileArgument(const QStringList& /*arguments*/) {
   return WithinPathLimit(FileOfCommandLine(QString::fromWCharArray(GetCommandLineW())));
 }
 

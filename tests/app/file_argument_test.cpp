@@ -1,4 +1,4 @@
-#include "app/command_line_file.h"
+#include "app/file_argument.h"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-TEST(CommandLineFile, TheProgramAloneNamesNone) {
+TEST(FileArgument, TheProgramAloneNamesNone) {
   EXPECT_EQ(FileOfCommandLine(u"\"C:\\Tools\\Quarn.exe\""), QString());
   EXPECT_EQ(FileOfCommandLine(u"\"C:\\Tools\\Quarn.exe\" "), QString());
   EXPECT_EQ(FileOfCommandLine(u""), QString());
@@ -17,30 +17,30 @@ TEST(CommandLineFile, TheProgramAloneNamesNone) {
   EXPECT_EQ(FileOfCommandLine(u"\"Quarn.exe"), QString());
 }
 
-TEST(CommandLineFile, AnUnquotedArgumentStandsAsItIs) {
+TEST(FileArgument, AnUnquotedArgumentStandsAsItIs) {
   EXPECT_EQ(FileOfCommandLine(u"\"C:\\Quarn.exe\" C:\\a.qrn"), u"C:\\a.qrn"_s);
   EXPECT_EQ(FileOfCommandLine(u"\"C:\\Quarn.exe\" a b.qrn "), u"a b.qrn "_s);
   EXPECT_EQ(FileOfCommandLine(u"\"C:\\Quarn.exe\"  a.qrn"), u" a.qrn"_s);
 }
 
-TEST(CommandLineFile, AQuotedArgumentLosesItsFirstAndLastCharacter) {
+TEST(FileArgument, AQuotedArgumentLosesItsFirstAndLastCharacter) {
   EXPECT_EQ(FileOfCommandLine(u"\"C:\\Quarn.exe\" \"C:\\my files\\a.qrn\""), u"C:\\my files\\a.qrn"_s);
   EXPECT_EQ(FileOfCommandLine(u"\"C:\\Quarn.exe\" \"a.qrn"), u"a.qr"_s);
   EXPECT_EQ(FileOfCommandLine(u"\"C:\\Quarn.exe\" \"\""), QString());
   EXPECT_EQ(FileOfCommandLine(u"\"C:\\Quarn.exe\" \""), QString());
 }
 
-TEST(CommandLineFile, FitsABufferOf260WithItsEnd) {
+TEST(FileArgument, FitsABufferOf260WithItsEnd) {
   const QString longest(258, u'x');
   EXPECT_EQ(WithinPathLimit(longest), longest);
   EXPECT_DEATH((void)WithinPathLimit(QString(259, u'x')), "file name on the command line.*258");
 }
 
 #ifndef Q_OS_WIN
-TEST(CommandLineFile, IsTheFirstArgument) {
-  EXPECT_EQ(ReadCommandLineFile({u"quarn"_s}), QString());
-  EXPECT_EQ(ReadCommandLineFile({u"quarn"_s, u"my file.qrn"_s, u"other.qrn"_s}), u"my file.qrn"_s);
-  EXPECT_DEATH((void)ReadCommandLineFile({u"quarn"_s, QString(259, u'x')}), "command line");
+TEST(FileArgument, IsTheFirstArgument) {
+  EXPECT_EQ(ReadFileArgument({u"quarn"_s}), QString());
+  EXPECT_EQ(ReadFileArgument({u"quarn"_s, u"my file.qrn"_s, u"other.qrn"_s}), u"my file.qrn"_s);
+  EXPECT_DEATH((void)ReadFileArgument({u"quarn"_s, QString(259, u'x')}), "command line");
 }
 #endif
 
