@@ -12,10 +12,28 @@ namespace {
 using std::chrono::milliseconds;
 
 constexpr milliseconds kBetweenQuestions{20};
+constexpr milliseconds kBetweenLooks{10};
 constexpr int kLongestMs = 60000;
 
 milliseconds InMilliseconds(AnswerProbe::Clock::duration duration) {
   return std::chrono::duration_cast<milliseconds>(duration);
+}
+
+QByteArray ContentOf(const QString& path) {
+  QFile file(path);
+  return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+/// Fields: time spent running, time spent waiting for a processor, number of turns.
+std::chrono::nanoseconds WaitedForProcessor(const QString& threadFolder) {
+  const QByteArray statistics = ContentOf(threadFolder + QStringLiteral("/schedstat"));
+  return std::chrono::nanoseconds(statistics.split(' ').value(1).toLongLong());
+}
+
+/// State D: it waits for the disk. The state follows the name, which is in brackets and may contain brackets.
+bool WaitsForDisk(const QString& threadFolder) {
+  const QByteArray status = ContentOf(threadFolder + QStringLiteral("/stat"));
+  return status.mid(status.lastIndexOf(')') + 2).startsWith('D');
 }
 
 QDBusMessage WindowQuestion(const QString& service) {
@@ -29,12 +47,26 @@ QDBusMessage WindowQuestion(const QString& service) {
 AnswerProbe::AnswerProbe(QString busAddress, QString service, qint64 process)
     : m_address(std::move(busAddress)),
       m_service(std::move(service)),
-      m_statistics(QStringLiteral("/proc/%1/task/%1/schedstat").arg(process)),
+      m_folder(QStringLiteral("/proc/%1/task/%1").arg(process)),
+      m_diskThread([this] { WatchTheDisk(); }),
       m_thread([this] { Run(); }) {}
 
 AnswerProbe::~AnswerProbe() {
   m_stop = true;
   m_thread.join();
+  m_diskThread.join();
+}
+
+// The system counts this time only if it was started with delay accounting.
+void AnswerProbe::WatchTheDisk() {
+  Clock::time_point before = Clock::now();
+  while (!m_stop) {
+    std::this_thread::sleep_for(kBetweenLooks);
+    const bool waits = WaitsForDisk(m_folder);
+    const Clock::time_point now = Clock::now();
+    if (waits) m_waitedForDisk = m_waitedForDisk.load() + (now - before);
+    before = now;
+  }
 }
 
 void AnswerProbe::Run() {
@@ -48,7 +80,7 @@ void AnswerProbe::Run() {
       m_open = true;
     }
     const QDBusMessage answer = bus.call(WindowQuestion(m_service), QDBus::Block, kLongestMs);
-    const auto heldUp = std::chrono::duration_cast<Clock::duration>(HeldUpByOthers() - heldUpBefore);
+    const Clock::duration heldUp = HeldUpByOthers() - heldUpBefore;
     {
       const std::lock_guard guard(m_mutex);
       const auto took = Clock::now() - m_asked;
@@ -62,11 +94,9 @@ void AnswerProbe::Run() {
   QDBusConnection::disconnectFromBus(name);
 }
 
-std::chrono::nanoseconds AnswerProbe::HeldUpByOthers() const {
-  QFile file(m_statistics);
-  if (!file.open(QIODevice::ReadOnly)) return {};
-  // Time spent running, time spent waiting to run, number of turns.
-  return std::chrono::nanoseconds(file.readAll().split(' ').value(1).toLongLong());
+AnswerProbe::Clock::duration AnswerProbe::HeldUpByOthers() const {
+  return m_waitedForDisk.load() + WaitedForProcessor(m_folder) +
+         WaitedForProcessor(QStringLiteral("/proc/thread-self"));
 }
 
 milliseconds AnswerProbe::Longest() const {
