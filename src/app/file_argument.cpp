@@ -4,7 +4,7 @@
 #include <array>
 #include <cstdlib>
 
-#include "app/terminal_output.h"
+#include "app/platform.h"
 #include "base/bounds.h"
 #include "identity.h"
 #include "terminal/render.h"

@@ -7,12 +7,8 @@
 
 namespace quarn {
 
-/// The configuration file named as an argument, or an empty text. `arguments` are the process's own,
-/// with the program first; if the system provides the arguments as one text, that is used. A name of 259
-/// or more characters ends the program: with its end it does not fit into the 260 of a path.
-QString ReadFileArgument(const QStringList& arguments);
-
-/// The text after the quoted program path and one separator, without its own quotes, if any.
+/// The file that a command line in one text names: the text after the quoted program path and one
+/// separator, without its own quotes, if any.
 QString FileOfCommandLine(QStringView commandLine);
 
 /// Returns the name after checking its length.

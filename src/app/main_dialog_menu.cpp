@@ -3,11 +3,11 @@
 #include <QMenuBar>
 
 #include "app/about_box.h"
-#include "app/about_item.h"
 #include "app/connection_commands.h"
 #include "app/desktop_link_opener.h"
 #include "app/main_dialog.h"
 #include "app/menu_state.h"
+#include "app/platform.h"
 #include "settings/setting_values.h"
 #include "ui/box.h"
 #include "ui/control.h"

@@ -1,9 +1,9 @@
 #include "app/start_up.h"
 
 #include "app/connection_commands.h"
-#include "app/display.h"
 #include "app/file_commands.h"
 #include "app/qrn_file.h"
+#include "app/scaling.h"
 #include "settings/setting_values.h"
 #include "settings/working_file.h"
 

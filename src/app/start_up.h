@@ -2,8 +2,8 @@
 
 #include <QString>
 
-#include "app/instance_lock.h"
 #include "app/main_window.h"
+#include "app/platform.h"
 #include "app/port_monitor.h"
 #include "app/program.h"
 

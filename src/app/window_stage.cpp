@@ -3,8 +3,7 @@
 #include <QTimer>
 #include <utility>
 
-#include "app/display.h"
-#include "app/file_argument.h"
+#include "app/platform.h"
 #include "app/splash_page.h"
 
 namespace quarn {

@@ -1,8 +1,8 @@
 #include <cstdio>
 
 #include "identity.h"
-#include "send/console_characters.h"
 #include "send/exit_status.h"
+#include "send/platform.h"
 #include "send/send_options.h"
 #include "send/sender.h"
 #include "send/standard_output.h"

@@ -3,7 +3,7 @@
 #include <QByteArrayList>
 #include <QString>
 
-#include "send/arguments.h"
+#include "send/platform.h"
 
 namespace quarn::send {
 

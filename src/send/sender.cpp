@@ -6,7 +6,7 @@
 
 #include "send/exit_status.h"
 #include "send/interruption.h"
-#include "send/line_ends.h"
+#include "send/platform.h"
 #include "send/settings_choice.h"
 #include "send/standard_output.h"
 #include "serial/open_port.h"

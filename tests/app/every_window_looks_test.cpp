@@ -15,8 +15,9 @@
 #include <QTransform>
 #include <cmath>
 
-#include "app/display.h"
 #include "app/every_window.h"
+#include "app/platform.h"
+#include "app/scaling.h"
 #include "support/dialog_controls.h"
 #include "ui/dialog_grid.h"
 #include "ui/static_text.h"

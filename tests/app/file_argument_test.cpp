@@ -36,14 +36,6 @@ TEST(FileArgument, FitsABufferOf260WithItsEnd) {
   EXPECT_DEATH((void)WithinPathLimit(QString(259, u'x')), "file name on the command line.*258");
 }
 
-#ifndef Q_OS_WIN
-TEST(FileArgument, IsTheFirstArgument) {
-  EXPECT_EQ(ReadFileArgument({u"quarn"_s}), QString());
-  EXPECT_EQ(ReadFileArgument({u"quarn"_s, u"my file.qrn"_s, u"other.qrn"_s}), u"my file.qrn"_s);
-  EXPECT_DEATH((void)ReadFileArgument({u"quarn"_s, QString(259, u'x')}), "command line");
-}
-#endif
-
 TEST(AnswerOnTerminal, OnlyWhenAsked) {
   EXPECT_EQ(AnswerOnTerminal({u"quarn"_s}), QString());
   EXPECT_EQ(AnswerOnTerminal({u"quarn"_s, u"help.qrn"_s}), QString());

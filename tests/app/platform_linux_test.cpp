@@ -1,4 +1,4 @@
-#include "app/instance_lock.h"
+#include "app/platform.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -13,6 +13,8 @@
 
 namespace quarn {
 namespace {
+
+using namespace Qt::StringLiterals;
 
 constexpr uid_t kNobody = 65534;
 
@@ -200,6 +202,12 @@ TEST_F(InstanceLockTest, FollowsNoLink) {
   ASSERT_TRUE(QFile::link(target, m_folder.filePath(QStringLiteral("Quarn.exe.lock"))));
   EXPECT_EQ(Take(), InstanceLock::Failed);
   EXPECT_FALSE(QFile::exists(target));
+}
+
+TEST(FileArgument, IsTheFirstArgument) {
+  EXPECT_EQ(ReadFileArgument({u"quarn"_s}), QString());
+  EXPECT_EQ(ReadFileArgument({u"quarn"_s, u"my file.qrn"_s, u"other.qrn"_s}), u"my file.qrn"_s);
+  EXPECT_DEATH((void)ReadFileArgument({u"quarn"_s, QString(259, u'x')}), "command line");
 }
 
 }  // namespace

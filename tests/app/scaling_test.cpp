@@ -1,11 +1,11 @@
-#include "app/display.h"
+#include "app/scaling.h"
 
 #include <gtest/gtest.h>
 
 namespace quarn {
 namespace {
 
-TEST(Display, ScalingIsRoundedToWholePerCents) {
+TEST(Scaling, IsRoundedToWholePerCents) {
   EXPECT_EQ(ScalingPercent(96), 100);
   EXPECT_EQ(ScalingPercent(120), 125);
   EXPECT_EQ(ScalingPercent(144), 150);
@@ -15,7 +15,7 @@ TEST(Display, ScalingIsRoundedToWholePerCents) {
   EXPECT_EQ(ScalingPercent(0), 0);
 }
 
-TEST(Display, FourScalingsAreSupported) {
+TEST(Scaling, FourAreSupported) {
   for (int percent = 0; percent <= 500; ++percent) {
     const bool supported = percent == 100 || percent == 125 || percent == 150 || percent == 175;
     EXPECT_EQ(IsSupportedScaling(percent), supported) << percent;

@@ -1,4 +1,4 @@
-#include "app/display.h"
+#include "app/scaling.h"
 
 #include <algorithm>
 #include <array>

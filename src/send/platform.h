@@ -5,6 +5,7 @@
 #include <optional>
 #include <vector>
 
+/// What quarn-send asks of the system: one file per system implements this.
 namespace quarn::send {
 
 /// One argument of the program.
@@ -18,5 +19,13 @@ using Arguments = std::vector<Argument>;
 
 /// The arguments of the process, without the program's name.
 Arguments ArgumentsOf(int argc, char** argv);
+
+/// Until the program ends, consoles show output in the system's encoding, whatever encoding they have. Does
+/// nothing if both are the same.
+void SpeakToConsoleInSystemEncoding();
+
+/// From now on standard output passes every byte unchanged: no line end is translated. Does nothing on
+/// systems that never translate.
+void PassBytesAsTheyAre();
 
 }  // namespace quarn::send

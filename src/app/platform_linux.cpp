@@ -3,16 +3,25 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <QAction>
+#include <QApplication>
 #include <QDir>
 #include <QFile>
+#include <QFontInfo>
+#include <QScreen>
+#include <QWidget>
 #include <cerrno>
+#include <cmath>
+#include <cstdio>
+#include <cstring>
 #include <system_error>
+#include <utility>
 
-#include "app/instance_lock.h"
+#include "app/file_argument.h"
+#include "app/platform.h"
 #include "settings/data_folder.h"
 
 namespace quarn {
-
 namespace {
 
 constexpr mode_t kPrivateFolder = 0700;
@@ -65,6 +74,8 @@ InstanceLock LockIn(const QString& folder, QString& reason) {
 
 }  // namespace
 
+QString ReadFileArgument(const QStringList& arguments) { return WithinPathLimit(arguments.value(1)); }
+
 // The lock protects the settings, and all programs that use them see a lock beside them, also those in
 // sessions without a runtime folder. The lock in the session's folder covers settings that cannot be written.
 InstanceLock TakeInstanceLock(QString& reason) {
@@ -75,6 +86,29 @@ InstanceLock TakeInstanceLock(QString& reason) {
   if (settings.isEmpty()) reason = WhyNoDataFolder();
   const InstanceLock second = settings.isEmpty() ? InstanceLock::Failed : LockIn(settings, reason);
   return second == InstanceLock::Failed && !session.isEmpty() ? InstanceLock::Taken : second;
+}
+
+bool WriteOnTerminal(const QString& text, TerminalStream stream) {
+  std::FILE* const file = stream == TerminalStream::Output ? stdout : stderr;
+  if (std::fputs(text.toLocal8Bit().constData(), file) >= 0 && std::fflush(file) == 0) return true;
+  if (file == stdout) std::fprintf(stderr, "quarn: standard output: %s\n", std::strerror(errno));
+  return false;
+}
+
+int WindowDpi(const QWidget& window) {
+  const QScreen* screen = window.screen();
+  if (screen == nullptr) return 0;
+  // A desktop scales windows partly by larger fonts, partly by larger pixels.
+  return static_cast<int>(std::lround(screen->logicalDotsPerInch() * screen->devicePixelRatio()));
+}
+
+int MessageFontHeight() { return QFontInfo(QApplication::font("QMessageBox")).pixelSize(); }
+
+void AddWindowMenuItem(QWidget& window, const QString& text, std::function<void()> chosen) {
+  auto* item = new QAction(text, &window);
+  QObject::connect(item, &QAction::triggered, &window, std::move(chosen));
+  window.addAction(item);
+  window.setContextMenuPolicy(Qt::ActionsContextMenu);
 }
 
 }  // namespace quarn

@@ -1,6 +1,6 @@
 #include <QStringDecoder>
 
-#include "send/arguments.h"
+#include "send/platform.h"
 
 namespace quarn::send {
 namespace {
@@ -24,5 +24,9 @@ Arguments ArgumentsOf(int argc, char** argv) {
   }
   return arguments;
 }
+
+void SpeakToConsoleInSystemEncoding() {}
+
+void PassBytesAsTheyAre() {}
 
 }  // namespace quarn::send

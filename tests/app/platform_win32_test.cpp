@@ -1,4 +1,4 @@
-#include "app/about_item.h"
+#include "app/platform.h"
 
 #include <gtest/gtest.h>
 #include <windows.h>
@@ -11,6 +11,44 @@
 
 namespace quarn {
 namespace {
+
+// One test: what has been taken stays taken until this process ends.
+TEST(InstanceLockWin32, IsTheNameOfAMutex) {
+  const HANDLE other = CreateEventW(nullptr, FALSE, FALSE, L"Quarn.exe");
+  ASSERT_NE(other, nullptr);
+  QString reason;
+  EXPECT_EQ(TakeInstanceLock(reason), InstanceLock::Failed) << "something else has that name";
+  EXPECT_TRUE(reason.startsWith(QStringLiteral("Quarn.exe: "))) << reason.toStdString();
+  CloseHandle(other);
+  EXPECT_EQ(TakeInstanceLock(reason), InstanceLock::Taken);
+  EXPECT_EQ(TakeInstanceLock(reason), InstanceLock::TakenByAnother);
+  const HANDLE mutex = OpenMutexW(SYNCHRONIZE, FALSE, L"Quarn.exe");
+  EXPECT_NE(mutex, nullptr);
+  EXPECT_EQ(WaitForSingleObject(mutex, 0), WAIT_OBJECT_0) << "nobody owns it";
+  ReleaseMutex(mutex);
+  CloseHandle(mutex);
+}
+
+TEST(DisplayWin32, AWindowHasTheDotsPerInchThatTheSystemGivesIt) {
+  QDialog window;
+  EXPECT_EQ(WindowDpi(window), 0) << "there is no window yet";
+  window.show();
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(&window, test::kLongestWaitMs));
+  EXPECT_EQ(WindowDpi(window), 96);
+}
+
+TEST(DisplayWin32, TheMessageFontIsTheSystems) {
+  NONCLIENTMETRICSW metrics{};
+  metrics.cbSize = sizeof metrics;
+  static_assert(sizeof metrics == 504);
+  ASSERT_NE(SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0), 0);
+  const LONG before = metrics.lfMessageFont.lfHeight;
+  metrics.lfMessageFont.lfHeight = -23;
+  ASSERT_NE(SystemParametersInfoW(SPI_SETNONCLIENTMETRICS, sizeof metrics, &metrics, 0), 0);
+  EXPECT_EQ(MessageFontHeight(), 23);
+  metrics.lfMessageFont.lfHeight = before;
+  ASSERT_NE(SystemParametersInfoW(SPI_SETNONCLIENTMETRICS, sizeof metrics, &metrics, 0), 0);
+}
 
 constexpr UINT kItemId = 16;
 

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <functional>
+
+class QWidget;
+
+/// What the program asks of the system: one file per system implements this. The rooms below have their own.
+namespace quarn {
+
+/// The configuration file named as an argument, or an empty text. `arguments` are the process's own,
+/// with the program first; if the system provides the arguments as one text, that is used. A name of 259
+/// or more characters ends the program: with its end it does not fit into the 260 of a path.
+QString ReadFileArgument(const QStringList& arguments);
+
+enum class TerminalStream { Output, Error };
+
+/// Writes the text to standard output or standard error, visible to the user who started the program. Returns
+/// false if that fails; for standard output the reason is then printed on standard error.
+bool WriteOnTerminal(const QString& text, TerminalStream stream);
+
+enum class InstanceLock { Taken, TakenByAnother, Failed };
+
+/// Takes the lock for one running program per user, named "Quarn.exe". It is kept until the process ends, in
+/// any way; it cannot be released. If it fails, `reason` gives the system's text.
+InstanceLock TakeInstanceLock(QString& reason);
+
+/// Dots per inch of the screen that shows the window, as scaled by the desktop: 96 is 100 per cent.
+int WindowDpi(const QWidget& window);
+
+/// Height of the desktop's message font in pixels.
+int MessageFontHeight();
+
+/// Adds an item to the window's own menu: the system menu if the system has one, otherwise the context menu.
+void AddWindowMenuItem(QWidget& window, const QString& text, std::function<void()> chosen);
+
+}  // namespace quarn

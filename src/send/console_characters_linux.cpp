@@ -1,7 +1,0 @@
-#include "send/console_characters.h"
-
-namespace quarn::send {
-
-void SpeakToConsoleInSystemEncoding() {}
-
-}  // namespace quarn::send
