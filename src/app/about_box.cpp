@@ -4,10 +4,10 @@
 #include <QLabel>
 #include <QUrl>
 #include <QVBoxLayout>
+#include <utility>
 
 #include "app/identity_labels.h"
 #include "app/link_label.h"
-#include "app/link_opener.h"
 #include "base/message_operations.h"
 #include "identity.h"
 #include "ui/control.h"
@@ -27,10 +27,10 @@ constexpr int kLeastWidthUnits = 200;
 
 }  // namespace
 
-CAboutBox::CAboutBox(LinkOpener& opener, MessageOperations& messages)
+CAboutBox::CAboutBox(LinkOpener openLink, MessageOperations& messages)
     : PlacedDialog(nullptr,
                    Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint),
-      m_opener(opener),
+      m_openLink(std::move(openLink)),
       m_messages(messages) {
   setObjectName(QStringLiteral("CAboutBox"));
   // The blank at the end belongs to it.
@@ -84,7 +84,7 @@ QPushButton* CAboutBox::CreateOkButton() {
 
 void CAboutBox::OpenPage() {
   const QString page = QString::fromLatin1(identity::kWebPage);
-  if (m_opener.Open(QUrl(page))) {
+  if (m_openLink(QUrl(page))) {
     m_linkVisited = true;
     return;
   }

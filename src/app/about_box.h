@@ -1,14 +1,19 @@
 #pragma once
 
+#include <functional>
+
 #include "ui/placed_dialog.h"
 
 class QPushButton;
+class QUrl;
 class QVBoxLayout;
 
 namespace quarn {
 
-class LinkOpener;
 class MessageOperations;
+
+/// Shows a web page to the user. False when no browser could be started.
+using LinkOpener = std::function<bool(const QUrl& page)>;
 
 /// Shows what the program is, who made it, and its web page. Modal; OK, Enter, Escape and the close box close
 /// it. The address shown and the page opened differ on purpose.
@@ -16,7 +21,7 @@ class CAboutBox final : public PlacedDialog {
  public:
   static constexpr int kLinkId = 1170;
 
-  CAboutBox(LinkOpener& opener, MessageOperations& messages);
+  CAboutBox(LinkOpener openLink, MessageOperations& messages);
 
   /// Whether the page has been opened from this box.
   [[nodiscard]] bool LinkVisited() const { return m_linkVisited; }
@@ -26,7 +31,7 @@ class CAboutBox final : public PlacedDialog {
   QPushButton* CreateOkButton();
   void OpenPage();
 
-  LinkOpener& m_opener;
+  const LinkOpener m_openLink;
   MessageOperations& m_messages;
   bool m_linkVisited = false;
 };

@@ -50,9 +50,9 @@ void Disconnect(Program& program) {
   RaiseConnectionRefreshes(program.state.requests);
 }
 
-void Reset(Program& program, MainWindow& window, Pause& pause) {
+void Reset(Program& program, MainWindow& window, const Pause& pause) {
   window.SetTitle(QStringLiteral("- Resetting Port ..."));
-  pause.For(kBeforeResetMs);
+  pause(kBeforeResetMs);
   const bool reset = ResetPort(program.settings, program.connection, program.Environment());
   program.connection.connected.Update(OpeningThat(reset));
   RaiseConnectionRefreshes(program.state.requests);

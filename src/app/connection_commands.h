@@ -2,7 +2,7 @@
 
 #include "app/main_window.h"
 #include "app/program.h"
-#include "base/pause.h"
+#include "dialogs/dialog_context.h"
 
 namespace quarn {
 
@@ -21,6 +21,6 @@ void Connect(Program& program);
 void Disconnect(Program& program);
 /// Closes the line and opens it again, with a status in the title meanwhile. After a failure there is no
 /// connection.
-void Reset(Program& program, MainWindow& window, Pause& pause);
+void Reset(Program& program, MainWindow& window, const Pause& pause);
 
 }  // namespace quarn

@@ -9,7 +9,7 @@
 #include "app/port_monitor.h"
 #include "app/program.h"
 #include "dialogs/dialog_context.h"
-#include "ui/held_pause.h"
+#include "ui/input_hold.h"
 #include "ui/polled_dialog.h"
 
 class QAction;
@@ -72,6 +72,7 @@ class CQuarnDlg final : public PolledDialog, public MainWindow {
   void OpenScreenOption();
   void OpenMainOption();
   [[nodiscard]] DialogContext Context();
+  [[nodiscard]] Pause PauseHoldingInput();
   void ShowSwitch();
 
   using PlaceRule = QPoint (*)(const QRect& mainDialog, QSize dialog, QSize screen);
@@ -83,7 +84,7 @@ class CQuarnDlg final : public PolledDialog, public MainWindow {
   FileChooserDialog m_chooser;
   FileCommands m_files;
   PortMonitor m_monitor;
-  HeldPause m_pause;
+  InputHold m_hold;  ///< during a pause
   QPointer<CTerminalScreen> m_terminalScreen;
   QPointer<CSetMem> m_functionKeyTable;
   QPointer<CCommandFormat> m_commandFormat;

@@ -1,10 +1,11 @@
 #include <QAction>
+#include <QDesktopServices>
 #include <QLayout>
 #include <QMenuBar>
+#include <QUrl>
 
 #include "app/about_box.h"
 #include "app/connection_commands.h"
-#include "app/desktop_link_opener.h"
 #include "app/main_dialog.h"
 #include "app/menu_state.h"
 #include "app/platform.h"
@@ -47,7 +48,7 @@ const std::vector<CQuarnDlg::MenuItem>& CQuarnDlg::MenuItems() {
       {Port, Next, command::kPortSettings, "COM Port &Settings", "portSettings",
        [](Dlg& d) { d.OpenPortSettings(); }},
       {Port, Same, command::kReset, "&Reset Current COM Port", "resetPort",
-       [](Dlg& d) { Reset(d.m_program, d, d.m_pause); }},
+       [](Dlg& d) { Reset(d.m_program, d, d.PauseHoldingInput()); }},
       {Tools, Same, command::kTerminalScreen, "&Terminal Screen", "terminalScreen",
        [](Dlg& d) { d.OpenTerminalScreen(); }},
       {Tools, Same, command::kFunctionKeyTable, "&Function Key Table", "functionKeyTable",
@@ -108,8 +109,7 @@ bool CQuarnDlg::MenuBarWraps() {
 }
 
 void CQuarnDlg::ShowAbout() {
-  DesktopLinkOpener opener;
-  CAboutBox box(opener, *m_program.messages);
+  CAboutBox box(&QDesktopServices::openUrl, *m_program.messages);
   RunBox(box);
 }
 

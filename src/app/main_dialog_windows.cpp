@@ -36,7 +36,11 @@ DialogContext CQuarnDlg::Context() {
           .state = m_program.state,
           .portSource = *m_program.portSource,
           .environment = m_program.Environment(),
-          .pause = m_pause};
+          .pause = PauseHoldingInput()};
+}
+
+Pause CQuarnDlg::PauseHoldingInput() {
+  return [this](int ms) { m_hold.HoldFor(ms); };
 }
 
 void CQuarnDlg::OpenTerminalScreen() {

@@ -1,9 +1,9 @@
 #pragma once
 
 #include <QString>
+#include <functional>
 
 #include "base/message_operations.h"
-#include "base/pause.h"
 #include "dialogs/shared_state.h"
 #include "serial/open_port.h"
 #include "serial/port_connection.h"
@@ -11,6 +11,10 @@
 #include "settings/settings_record.h"
 
 namespace quarn {
+
+/// A short wait of the user-interface thread, for example until a device is ready. Returns after `ms`
+/// milliseconds.
+using Pause = std::function<void(int ms)>;
 
 /// The objects that the dialogs of settings and ports use. All of them outlive the dialogs. User-interface
 /// thread only.
@@ -21,7 +25,7 @@ struct DialogContext {
   SharedState& state;
   PortSource& portSource;
   PortEnvironment environment;
-  Pause& pause;
+  Pause pause;
 
   [[nodiscard]] MessageOperations& Messages() const { return environment.messages; }
 };

@@ -1,10 +1,12 @@
 #include "ui/input_hold.h"
 
 #include <QCoreApplication>
+#include <QDeadlineTimer>
 #include <QDragEnterEvent>
 #include <QEventLoop>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QThread>
 #include <QWheelEvent>
 #include <algorithm>
 #include <set>
@@ -148,6 +150,17 @@ void InputHold::End() {
 bool InputHold::EscapePressed() const { return m_escapePressed || EscapeKey::OfProgram().IsDown(); }
 
 void InputHold::Pump() { QCoreApplication::processEvents(QEventLoop::AllEvents); }
+
+void InputHold::HoldFor(int ms) {
+  constexpr unsigned long kStepMs = 10;
+  const QDeadlineTimer end(ms, Qt::PreciseTimer);
+  Begin();
+  while (!end.hasExpired()) {
+    Pump();
+    QThread::msleep(kStepMs);
+  }
+  End();
+}
 
 bool InputHold::event(QEvent* event) {
   if (event->type() != kHandOn) return QObject::event(event);

@@ -25,6 +25,8 @@ class InputHold : public QObject {
   [[nodiscard]] bool IsHolding() const { return m_holding; }
   /// Processes pending events; paints.
   void Pump();
+  /// Holds for `ms` milliseconds. Windows keep painting.
+  void HoldFor(int ms);
   /// Whether ESC is down, has been pressed since Begin, or was pressed before and is not delivered yet (after
   /// the key that started this hold).
   [[nodiscard]] bool EscapePressed() const;

@@ -7,7 +7,6 @@
 #include <QScreen>
 #include <QUrl>
 
-#include "app/link_opener.h"
 #include "identity.h"
 #include "support/dialog_controls.h"
 #include "support/recorded_messages.h"
@@ -20,21 +19,20 @@ namespace {
 
 constexpr int kLink = 1170;
 
-class RecordedOpener final : public LinkOpener {
- public:
-  QList<QUrl> opened;
-  bool works = true;
-  bool Open(const QUrl& page) override {
-    opened.append(page);
-    return works;
-  }
-};
-
 class AboutBox : public testing::Test {
  protected:
-  RecordedOpener m_opener;
+  /// A browser that notes what it is to show.
+  LinkOpener Browser() {
+    return [this](const QUrl& page) {
+      m_opened.append(page);
+      return m_browserWorks;
+    };
+  }
+
+  QList<QUrl> m_opened;
+  bool m_browserWorks = true;
   RecordedMessages m_messages;
-  CAboutBox m_box{m_opener, m_messages};
+  CAboutBox m_box{Browser(), m_messages};
 
   QLabel* Label(int id) { return Control<QLabel>(m_box, id); }
   void FocusTheLink() {
@@ -87,12 +85,12 @@ TEST_F(AboutBox, AClickOpensTheSecondAddressAndMarksTheLinkAsVisited) {
   ShowActive(m_box);
   EXPECT_FALSE(m_box.LinkVisited());
   QTest::mouseClick(Label(kLink), Qt::LeftButton);
-  EXPECT_EQ(m_opener.opened, QList<QUrl>{QUrl(QStringLiteral("https://www.halvo.example/quarn"))});
+  EXPECT_EQ(m_opened, QList<QUrl>{QUrl(QStringLiteral("https://www.halvo.example/quarn"))});
   EXPECT_TRUE(m_box.LinkVisited());
   EXPECT_TRUE(m_box.isVisible());
   EXPECT_EQ(Label(kLink)->palette().color(QPalette::WindowText), QColor(0, 0, 255));
   QTest::mouseClick(Label(kLink), Qt::LeftButton);
-  EXPECT_EQ(m_opener.opened.size(), 2);
+  EXPECT_EQ(m_opened.size(), 2);
   EXPECT_TRUE(m_messages.shown.isEmpty());
 }
 
@@ -103,16 +101,16 @@ TEST_F(AboutBox, OtherButtonsOtherPlacesAndSlidingOffOpenNothing) {
   QTest::mousePress(Label(kLink), Qt::LeftButton);
   QTest::mouseRelease(Label(kLink), Qt::LeftButton, {}, Label(kLink)->rect().bottomRight() + QPoint(9, 9));
   QTest::mouseRelease(Label(kLink), Qt::LeftButton);
-  EXPECT_TRUE(m_opener.opened.isEmpty());
+  EXPECT_TRUE(m_opened.isEmpty());
 }
 
 TEST_F(AboutBox, TheLinkIsReachedAndOpenedWithKeysAlone) {
   FocusTheLink();
   for (const Qt::Key key : {Qt::Key_Space, Qt::Key_Return, Qt::Key_Enter}) Press(key);
-  EXPECT_EQ(m_opener.opened.size(), 3);
+  EXPECT_EQ(m_opened.size(), 3);
   EXPECT_TRUE(m_box.isVisible()) << "Enter on the link does not press OK";
   Press(Qt::Key_A);
-  EXPECT_EQ(m_opener.opened.size(), 3);
+  EXPECT_EQ(m_opened.size(), 3);
   Press(Qt::Key_Tab);
   EXPECT_TRUE(Control<QPushButton>(m_box, 1)->hasFocus());
 }
@@ -125,7 +123,7 @@ TEST_F(AboutBox, TheLinkShowsThatItHasTheFocus) {
 }
 
 TEST_F(AboutBox, WithoutABrowserThereIsAnErrorAndNothingElse) {
-  m_opener.works = false;
+  m_browserWorks = false;
   ShowActive(m_box);
   QTest::mouseClick(Label(kLink), Qt::LeftButton);
   EXPECT_EQ(m_messages.shown,
@@ -137,7 +135,7 @@ TEST_F(AboutBox, WithoutABrowserThereIsAnErrorAndNothingElse) {
 
 TEST_F(AboutBox, OkEnterEscapeAndTheCloseBoxEndItAndDoNothingElse) {
   const auto ends = [&](auto action) {
-    CAboutBox box(m_opener, m_messages);
+    CAboutBox box(Browser(), m_messages);
     ShowActive(box);
     action(box);
     EXPECT_FALSE(box.isVisible());
@@ -146,7 +144,7 @@ TEST_F(AboutBox, OkEnterEscapeAndTheCloseBoxEndItAndDoNothingElse) {
   ends([](CAboutBox&) { Press(Qt::Key_Return); });
   ends([](CAboutBox&) { Press(Qt::Key_Escape); });
   ends([](CAboutBox& box) { box.close(); });
-  EXPECT_TRUE(m_opener.opened.isEmpty());
+  EXPECT_TRUE(m_opened.isEmpty());
   EXPECT_TRUE(m_messages.shown.isEmpty());
 }
 
@@ -161,7 +159,7 @@ TEST_F(AboutBox, StandsWhereMessagesDo) {
 TEST_F(AboutBox, NothingIsClippedAtAnyFontSize) {
   for (const int percent : {100, 125, 150, 175}) {
     const FontScale scale(percent);
-    CAboutBox box(m_opener, m_messages);
+    CAboutBox box(Browser(), m_messages);
     ShowActive(box);
     ExpectNothingClipped(box);
   }
@@ -187,7 +185,7 @@ TEST_F(AboutBox, TheLinkFollowsALargerFontWhileItIsShown) {
 TEST_F(AboutBox, TheLogoHasItsSizeInDialogUnits) {
   for (const int percent : {100, 150}) {
     const FontScale scale(percent);
-    const CAboutBox box(m_opener, m_messages);
+    const CAboutBox box(Browser(), m_messages);
     const int side = MapDialogUnits(box.font(), {0, 0, 0, 44}).height();
     const auto* logo = box.findChild<QLabel*>(QStringLiteral("logo"));
     EXPECT_EQ(logo->pixmap(Qt::ReturnByValue).deviceIndependentSize().toSize(), QSize(side, side));

@@ -4,12 +4,12 @@
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QTimer>
+#include <QUrl>
 #include <QWindow>
 #include <optional>
 
 #include "app/about_box.h"
 #include "app/file_chooser_dialog.h"
-#include "app/link_opener.h"
 #include "app/main_dialog_fixture.h"
 #include "app/menu_state.h"
 #include "serial/port_list.h"
@@ -65,10 +65,6 @@ class BoxWatch {
   During m_during;
 };
 
-struct NoLinks final : LinkOpener {
-  bool Open(const QUrl& /*address*/) override { return true; }
-};
-
 struct BoxCase {
   const char* name;
   void (*show)();
@@ -78,9 +74,8 @@ const QString kSuffix = QStringLiteral(": Information");
 const QString kText = QStringLiteral("COM port list has been updated.");
 
 void ShowAbout() {
-  NoLinks links;
   WindowMessages messages;
-  CAboutBox box(links, messages);
+  CAboutBox box([](const QUrl& /*page*/) { return true; }, messages);
   RunBox(box);
 }
 

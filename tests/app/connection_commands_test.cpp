@@ -1,21 +1,14 @@
 #include "app/connection_commands.h"
 
 #include <algorithm>
+#include <functional>
 
 #include "app/app_fixture.h"
 #include "serial/scripted_line.h"
+#include "support/noted_pause.h"
 
 namespace quarn::test {
 namespace {
-
-class NotedPause final : public Pause {
- public:
-  explicit NotedPause(QStringList& journal) : m_journal(journal) {}
-  void For(int ms) override { m_journal.append(QStringLiteral("pause %1").arg(ms)); }
-
- private:
-  QStringList& m_journal;
-};
 
 class ConnectionCommands : public AppTest {
  protected:
@@ -44,7 +37,7 @@ class ConnectionCommands : public AppTest {
   }
 
   PseudoTerminal terminal;
-  NotedPause pause{journal};
+  const NotedPause pause{journal, {}};
 };
 
 TEST_F(ConnectionCommands, ConnectTells) {
@@ -114,7 +107,7 @@ TEST_F(ConnectionCommands, DisconnectWithoutAConnectionDoesNothing) {
 TEST_F(ConnectionCommands, ResetShowsItselfInTheTitle) {
   ConnectSilently();
   const auto line = program.connection.handle.Line();
-  Reset(program, window, pause);
+  Reset(program, window, std::ref(pause));
   EXPECT_EQ(Happened(),
             (QStringList{"title- Resetting Port ...", "pause 500", "title",
                          "information/: Information//\"COM3\" :  Reset completed successfully./"}));
@@ -125,7 +118,7 @@ TEST_F(ConnectionCommands, ResetShowsItselfInTheTitle) {
 TEST_F(ConnectionCommands, AFailedResetIsToldWithoutQuotesAndLeavesNoConnection) {
   ConnectSilently();
   Unplug();
-  Reset(program, window, pause);
+  Reset(program, window, std::ref(pause));
   EXPECT_EQ(Happened(), (QStringList{"title- Resetting Port ...", "pause 500", "title",
                                      "information/: Error//COM3:  Reset Failed./"}));
   EXPECT_FALSE(program.connection.connected.IsSet());

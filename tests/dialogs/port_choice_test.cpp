@@ -128,13 +128,9 @@ TEST_F(PortChoiceTest, TheWaitIsShownAtBothOpenings) {
   Plug("COM4");
   ConnectTo("COM3");
   NotedOpener noted(*program.opener, indicator);
-  const DialogContext context{program.settings,
-                              program.workingSettingsFile,
-                              program.connection,
-                              program.state,
-                              *program.portSource,
-                              {noted, messages, indicator},
-                              pause};
+  const DialogContext context{program.settings, program.workingSettingsFile, program.connection,
+                              program.state,    *program.portSource,         {noted, messages, indicator},
+                              std::ref(pause)};
   EXPECT_FALSE(ConnectToChosenPort(context, QStringLiteral("COM4"), FailureSentence::WithFullStop,
                                    [](const QString& /*status*/) {}));
   EXPECT_EQ(noted.opened, (QStringList{"COM4 at 1", "COM3 at 1"}));

@@ -4,6 +4,7 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QTest>
+#include <functional>
 #include <memory>
 
 #include "app/app_fixture.h"
@@ -11,24 +12,11 @@
 #include "serial/port_list.h"
 #include "settings/settings_table.h"
 #include "support/dialog_controls.h"
+#include "support/noted_pause.h"
 #include "support/waits.h"
 #include "ui/polled_dialog.h"
 
 namespace quarn::test {
-
-/// A wait that takes no time and is written down.
-class NotedPause final : public Pause {
- public:
-  explicit NotedPause(QStringList& journal) : m_journal(journal) {}
-  std::function<void()> during;
-  void For(int ms) override {
-    m_journal.append(QStringLiteral("pause %1").arg(ms));
-    if (during) during();
-  }
-
- private:
-  QStringList& m_journal;
-};
 
 /// What the port dialogs work on: real lines behind the ports, and a working settings file.
 class PortDialogTest : public AppTest {
@@ -41,13 +29,8 @@ class PortDialogTest : public AppTest {
   ~PortDialogTest() override { delete window.data(); }
 
   DialogContext Context() {
-    return {program.settings,
-            program.workingSettingsFile,
-            program.connection,
-            program.state,
-            *program.portSource,
-            program.Environment(),
-            pause};
+    return {program.settings,    program.workingSettingsFile, program.connection, program.state,
+            *program.portSource, program.Environment(),       std::ref(pause)};
   }
   /// A port with a real line behind it; the list is read anew.
   void Plug(const QString& port) {
@@ -99,7 +82,7 @@ class PortDialogTest : public AppTest {
   /// At least one look of the dialog's at its surroundings.
   void WaitForATick() { QTest::qWait(PolledDialog::kTickMs * 3 / 2); }
 
-  NotedPause pause{journal};
+  NotedPause pause{journal, {}};
   QPointer<QDialog> window;
   std::vector<std::unique_ptr<PseudoTerminal>> terminals;  ///< in the order of plugging in
 

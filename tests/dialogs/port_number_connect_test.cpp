@@ -4,7 +4,7 @@
 #include <QWindow>
 
 #include "dialogs/port_number_fixture.h"
-#include "ui/held_pause.h"
+#include "ui/input_hold.h"
 #include "ui/window_messages.h"
 
 namespace quarn::test {
@@ -42,14 +42,14 @@ TEST_F(PortNumberDialog, TitleTellsWhileItConnects) {
 
 TEST_F(PortNumberDialog, ASecondClickDuringTheWaitDoesNothing) {
   Plug("COM3");
-  HeldPause held;
+  InputHold hold;
   DialogContext context{program.settings,
                         program.workingSettingsFile,
                         program.connection,
                         program.state,
                         *program.portSource,
                         program.Environment(),
-                        held};
+                        [&hold](int ms) { hold.HoldFor(ms); }};
   window = new CPortNum(nullptr, context);
   ShowActive(*window);
   Pick("COM3");
@@ -65,13 +65,9 @@ TEST_F(PortNumberDialog, ASecondClickDuringTheWaitDoesNothing) {
 TEST_F(PortNumberDialog, ItsMessageIsInFrontOfItAndOutlivedByIt) {
   Plug("COM3");
   WindowMessages boxes;
-  const DialogContext context{program.settings,
-                              program.workingSettingsFile,
-                              program.connection,
-                              program.state,
-                              *program.portSource,
-                              {*program.opener, boxes, indicator},
-                              pause};
+  const DialogContext context{
+      program.settings,    program.workingSettingsFile,         program.connection, program.state,
+      *program.portSource, {*program.opener, boxes, indicator}, std::ref(pause)};
   window = new CPortNum(nullptr, context);
   ShowActive(*window);
   Pick("COM3");

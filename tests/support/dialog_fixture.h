@@ -9,7 +9,6 @@
 #include <QTest>
 #include <functional>
 #include <memory>
-#include <vector>
 
 #include "dialogs/dialog_context.h"
 #include "serial/scripted_line.h"
@@ -40,7 +39,7 @@ class DialogFixture : public ::testing::Test {
             .state = state,
             .portSource = m_source,
             .environment = {m_opener, messages, m_indicator},
-            .pause = m_pause};
+            .pause = [](int /*ms*/) {}};
   }
   /// The working settings file, byte for byte.
   [[nodiscard]] QByteArray File() const { return ReadWholeBytes(m_file).value_or("no file"); }
@@ -78,8 +77,7 @@ class DialogFixture : public ::testing::Test {
   SharedState state;
   RecordedMessages messages;
   Journal journal;
-  std::vector<int> pauses;  ///< in milliseconds
-  QByteArray before;        ///< the file at the start
+  QByteArray before;  ///< the file at the start
 
  private:
   struct NoPorts final : PortSource {
@@ -95,18 +93,12 @@ class DialogFixture : public ::testing::Test {
     void Show() override {}
     void Restore() override {}
   };
-  struct NotedPause final : Pause {
-    explicit NotedPause(std::vector<int>& noted) : m_noted(noted) {}
-    void For(int ms) override { m_noted.push_back(ms); }
-    std::vector<int>& m_noted;
-  };
 
   QTemporaryDir m_folder;
   const QString m_file = m_folder.filePath(QStringLiteral("Quarn.ini"));
   NoPorts m_source;
   NoLines m_opener;
   NoIndicator m_indicator;
-  NotedPause m_pause{pauses};
 };
 
 }  // namespace quarn::test

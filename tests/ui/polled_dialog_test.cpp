@@ -5,7 +5,7 @@
 #include <QTest>
 
 #include "support/waits.h"
-#include "ui/held_pause.h"
+#include "ui/input_hold.h"
 
 namespace quarn::test {
 namespace {
@@ -146,7 +146,7 @@ TEST(PolledDialog, WakesForWhatAnothersTickAsksOfIt) {
 TEST(PolledDialog, TicksSoonAfterAWaitThatHeldItsTimer) {
   const Sleeper awake(0);
   const Sleeper dialog(9);
-  HeldPause().For(13 * PolledDialog::kTickMs);
+  InputHold().HoldFor(13 * PolledDialog::kTickMs);
   EXPECT_TRUE(awake.ticks.empty());
   EXPECT_TRUE(dialog.ticks.empty());
   ASSERT_TRUE(WaitForTicks(dialog, 1));

@@ -45,7 +45,7 @@ class UnderWay {
 };
 
 bool OpenChosen(const DialogContext& context, const QString& port) {
-  context.pause.For(kBeforeConnectMs);
+  context.pause(kBeforeConnectMs);
   ClosePort(context.connection);
   SettingsRecord chosen = context.settings;
   chosen.comPort = port;

@@ -1,4 +1,4 @@
-#include "ui/held_pause.h"
+#include "ui/input_hold.h"
 
 #include <gtest/gtest.h>
 
@@ -32,17 +32,17 @@ class Listener final : public QWidget {
   void paintEvent(QPaintEvent* /*event*/) override { ++paints; }
 };
 
-TEST(HeldPause, LastsAsLongAsItIsTold) {
-  HeldPause pause;
+TEST(InputHoldPause, LastsAsLongAsItIsTold) {
+  InputHold hold;
   QElapsedTimer time;
   time.start();
-  pause.For(50);
+  hold.HoldFor(50);
   EXPECT_GE(time.elapsed(), 50);
 }
 
-TEST(HeldPause, WindowsPaintAndNothingElse) {
+TEST(InputHoldPause, WindowsPaintAndNothingElse) {
   Listener window;
-  HeldPause pause;
+  InputHold hold;
   window.startTimer(1);
   window.paints = 0;
   window.update();
@@ -50,20 +50,20 @@ TEST(HeldPause, WindowsPaintAndNothingElse) {
     QCoreApplication::postEvent(window.windowHandle(),
                                 new QKeyEvent(QEvent::KeyPress, 0, Qt::NoModifier, key));
   }
-  pause.For(50);
+  hold.HoldFor(50);
   EXPECT_GE(window.paints, 1);
   EXPECT_EQ(window.timers, 0);
   EXPECT_EQ(window.typed, QString());
   EXPECT_TRUE(WaitUntil([&] { return window.typed == QStringLiteral("ab") && window.timers > 0; }));
 }
 
-TEST(HeldPause, CanBeUsedAgain) {
+TEST(InputHoldPause, CanBeUsedAgain) {
   Listener window;
-  HeldPause pause;
+  InputHold hold;
   for (const QChar key : QStringLiteral("abc")) {
     QCoreApplication::postEvent(window.windowHandle(),
                                 new QKeyEvent(QEvent::KeyPress, 0, Qt::NoModifier, key));
-    pause.For(1);
+    hold.HoldFor(1);
   }
   EXPECT_TRUE(WaitUntil([&] { return window.typed == QStringLiteral("abc"); }));
 }
