@@ -95,7 +95,8 @@ StartUpResult StartUp(Program& program, StartUpStage& stage) {
   const QString file = FileToLoad(program, stage);
   stage.Monitor().ListPorts();
   LoadConfiguration(program, file);
-  stage.PlaceMainDialog(program.settings.mainPos == u"TR" ? kRightPercent : kEdgePercent, kEdgePercent);
+  stage.PlaceMainDialog(program.settings.mainPos == values::kTopRight.text ? kRightPercent : kEdgePercent,
+                        kEdgePercent);
   if (program.userFile.isEmpty()) ConnectAtStart(program);
   stage.ShowMainDialog();
   MainWindow& window = stage.Window();

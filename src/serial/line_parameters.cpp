@@ -1,17 +1,12 @@
 #include "serial/line_parameters.h"
 
-#include <algorithm>
-#include <array>
-
+#include "settings/setting_values.h"
 #include "settings/text_number.h"
 
 namespace quarn {
 namespace {
 
-/// The rates that a settings file may name.
-constexpr std::array<std::uint32_t, 15> kBaudRates = {
-    110, 300, 600, 1200, 2400, 4800, 9600, 14400, 19200, 38400, 56000, 57600, 115200, 128000, 256000};
-constexpr std::uint32_t kDefaultRate = 9600;
+constexpr std::uint32_t kDefaultRate = values::k9600.number;
 
 /// Above this rate the silence no longer follows the line speed.
 constexpr std::uint32_t kFastLine = 38400;
@@ -28,27 +23,24 @@ std::uint32_t Truncate(double value) { return static_cast<std::uint32_t>(value);
 }  // namespace
 
 std::uint32_t BaudRateOf(const QString& comBps) {
-  const auto* const found =
-      std::ranges::find_if(kBaudRates, [&](std::uint32_t rate) { return comBps == QString::number(rate); });
-  return found == kBaudRates.end() ? kDefaultRate : *found;
+  const SettingValue* const found = FindValue(values::kBitRates, comBps);
+  return found == nullptr ? kDefaultRate : static_cast<std::uint32_t>(found->number);
 }
 
 std::uint8_t ByteSizeOf(const QString& comBits) {
-  if (comBits == u"5") return 5;
-  if (comBits == u"6") return 6;
-  if (comBits == u"7") return 7;
-  return 8;
+  const SettingValue* const found = FindValue(values::kDataBits, comBits);
+  return static_cast<std::uint8_t>((found == nullptr ? values::k8DataBits : *found).number);
 }
 
 StopBits StopBitsOf(const QString& comStop) {
-  if (comStop == u"1.5") return StopBits::OnePointFive;
-  if (comStop == u"2") return StopBits::Two;
+  if (comStop == values::k1And5StopBits.text) return StopBits::OnePointFive;
+  if (comStop == values::k2StopBits.text) return StopBits::Two;
   return StopBits::One;
 }
 
 Parity ParityOf(const QString& comParity) {
-  if (comParity == u"Odd") return Parity::Odd;
-  if (comParity == u"Even") return Parity::Even;
+  if (comParity == values::kOddParity.text) return Parity::Odd;
+  if (comParity == values::kEvenParity.text) return Parity::Even;
   return Parity::None;
 }
 
@@ -76,7 +68,7 @@ LineTimeouts TimeoutsOf(const QString& comBps, const QString& portSpeed) {
   const std::uint32_t silence = rate > kFastLine ? kFastLineSilenceMs : kSilenceDividend / rate;
   // In whole numbers: 75 x 1.2 must be 90 on every processor.
   const std::uint32_t gap = silence * kSilenceMarginNumerator / kSilenceMarginDenominator;
-  const double factor = portSpeed == u"LOW" ? kLowSpeedFactor : 1.0;
+  const double factor = portSpeed == values::kLowSpeed.text ? kLowSpeedFactor : 1.0;
   const std::uint32_t multiplier = Truncate(factor * kTotalMultiplierMs);
   const std::uint32_t constant = Truncate(factor * kTotalConstantMs);
   return {.readInterval = Truncate(gap * factor),

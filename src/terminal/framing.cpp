@@ -4,6 +4,7 @@
 #include <array>
 #include <cstring>
 
+#include "settings/setting_values.h"
 #include "terminal/control_bytes.h"
 
 namespace quarn {
@@ -15,7 +16,7 @@ constexpr qsizetype kLongestTransmission = 1023;
 /// How one delimiter frames a command and how its response is cleaned: `removed` is deleted, `lineEnd`
 /// becomes CR. Zero: nothing to delete or replace.
 struct Delimiter {
-  const char16_t* name;
+  QStringView name;
   const char* before;
   const char* after;
   char removed;
@@ -23,16 +24,16 @@ struct Delimiter {
 };
 
 constexpr std::array<Delimiter, 4> kDelimiters = {{
-    {u"CR", "", "\r", 0, 0},
-    {u"LF", "", "\n", 0, kLf},
-    {u"CRLF", "", "\r\n", kLf, 0},
-    {u"STX_ETX", "\x02", "\x03", kStx, kEtx},
+    {values::kCr.text, "", "\r", 0, 0},
+    {values::kLf.text, "", "\n", 0, kLf},
+    {values::kCrLf.text, "", "\r\n", kLf, 0},
+    {values::kStxEtx.text, "\x02", "\x03", kStx, kEtx},
 }};
 static_assert(kStx == '\x02' && kEtx == '\x03' && kCr == '\r');
 
 const Delimiter& DelimiterNamed(const QString& name) {
-  const auto* const found = std::ranges::find_if(
-      kDelimiters, [&](const Delimiter& each) { return name == QStringView(each.name); });
+  const auto* const found =
+      std::ranges::find_if(kDelimiters, [&](const Delimiter& each) { return name == each.name; });
   return found == kDelimiters.end() ? kDelimiters.front() : *found;
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "settings/setting_values.h"
 #include "terminal/control_bytes.h"
 #include "terminal/system_encoding.h"
 
@@ -94,7 +95,7 @@ QString OperationLog::CopyLogAll(const QString& lineNum) const {
 
 QString OperationLog::LineText(int index, const QString& lineNum) const {
   const QString line = FromSystemEncoding(Line(index)).value_or(QString::fromLatin1(Line(index)));
-  return lineNum == u"OFF" ? line : FormatLineNumber(index + 1) + QStringLiteral("|  ") + line;
+  return lineNum == kOff ? line : FormatLineNumber(index + 1) + QStringLiteral("|  ") + line;
 }
 
 QString OperationLog::CopyLines(int first, int count, const QString& lineNum) const {

@@ -84,8 +84,8 @@ QSize TerminalWindowSize(const SettingsRecord& settings, int scalePercent) {
 }
 
 ColourScheme ColourSchemeOf(const SettingsRecord& settings) {
-  if (settings.bkColor == u"NAVY") return ColourScheme::Navy;
-  if (settings.bkColor == u"BLACK") return ColourScheme::Black;
+  if (settings.bkColor == values::kNavy.text) return ColourScheme::Navy;
+  if (settings.bkColor == values::kBlack.text) return ColourScheme::Black;
   return ColourScheme::System;
 }
 

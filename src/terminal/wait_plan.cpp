@@ -1,7 +1,6 @@
 #include "terminal/wait_plan.h"
 
 #include <algorithm>
-#include <array>
 
 #include "serial/line_parameters.h"
 #include "settings/setting_values.h"
@@ -10,25 +9,19 @@
 namespace quarn {
 namespace {
 
-struct BufferSize {
-  const char16_t* name;
-  int bytes;
-};
-constexpr std::array<BufferSize, 3> kBufferSizes = {{{u"1K", 1024}, {u"2K", 2048}, {u"6K", 6144}}};
-constexpr int kUnknownSizeForTimeout = 2048;
-constexpr int kUnknownSizeForLimit = 1024;
+constexpr int kUnknownSizeForTimeout = values::kBuffer2K.number;
+constexpr int kUnknownSizeForLimit = values::kBuffer1K.number;
 
 constexpr double kReferenceRate = 1200.0;
 constexpr double kReferencePolls = 4000.0;
-constexpr double kLargestBuffer = 6144.0;
+constexpr double kLargestBuffer = values::kBuffer6K.number;
 constexpr int kFewestPolls = 50;
 constexpr int kPollsPerRefresh = 20;
 constexpr int kPlainRefreshes = 5;
 
 int BytesOf(const QString& comBuf, int unknown) {
-  const auto* const found = std::ranges::find_if(
-      kBufferSizes, [&](const BufferSize& each) { return comBuf == QStringView(each.name); });
-  return found == kBufferSizes.end() ? unknown : found->bytes;
+  const SettingValue* const found = FindValue(values::kBufferSizes, comBuf);
+  return found == nullptr ? unknown : found->number;
 }
 
 }  // namespace

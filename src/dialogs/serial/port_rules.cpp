@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "serial/port_names.h"
+#include "settings/settings_table.h"
 
 namespace quarn {
 
@@ -84,9 +85,7 @@ LineValues LineValuesOf(const SettingsRecord& settings) {
   return {settings.comBps, settings.comBits, settings.comParity, settings.comStop};
 }
 
-LineValues DefaultLineValues() {
-  return {QStringLiteral("9600"), QStringLiteral("8"), QStringLiteral("None"), QStringLiteral("1")};
-}
+LineValues DefaultLineValues() { return LineValuesOf(DefaultSettings()); }
 
 void PutLineValues(const LineValues& values, SettingsRecord& settings) {
   settings.comBps = values.bps;

@@ -4,8 +4,10 @@
 #include <QGridLayout>
 #include <QLabel>
 #include <QPushButton>
+#include <span>
 #include <utility>
 
+#include "settings/setting_values.h"
 #include "settings/store_values.h"
 #include "ui/control.h"
 #include "ui/dialog_grid.h"
@@ -19,27 +21,31 @@ constexpr int kXPercent = 50;
 constexpr int kYPercent = 20;
 constexpr int kFieldWidth = 95;  // dialog units; the title is seen whole
 
+/// The slowest bit rate on offer. A settings file may name slower ones.
+constexpr int kSlowestOffered = 1200;
+
 struct Field {
   int controlId;
   const char* name;
   const char* label;
   QString LineValues::*value;
-  QStringList choices;
+  std::span<const SettingValue> choices;
 };
 
-const std::array<Field, 4>& Fields() {
-  static const std::array<Field, 4> fields{{
-      {1066,
-       "bitsPerSecond",
-       "Bits Per Second:",
-       &LineValues::bps,
-       {"1200", "2400", "4800", "9600", "14400", "19200", "38400", "56000", "57600", "115200", "128000",
-        "256000"}},
-      {1006, "dataBits", "Data Bits:", &LineValues::bits, {"5", "6", "7", "8"}},
-      {1007, "parity", "Parity:", &LineValues::parity, {"Odd", "Even", "None"}},
-      {1008, "stopBits", "Stop Bits:", &LineValues::stop, {"1", "1.5", "2"}},
-  }};
-  return fields;
+constexpr std::array kFields{
+    Field{1066, "bitsPerSecond", "Bits Per Second:", &LineValues::bps, values::kBitRates},
+    Field{1006, "dataBits", "Data Bits:", &LineValues::bits, values::kDataBits},
+    Field{1007, "parity", "Parity:", &LineValues::parity, values::kParities},
+    Field{1008, "stopBits", "Stop Bits:", &LineValues::stop, values::kStopBits},
+};
+
+QStringList ChoicesOf(const Field& field) {
+  QStringList choices;
+  for (const SettingValue& each : field.choices) {
+    if (field.value == &LineValues::bps && each.number < kSlowestOffered) continue;
+    choices.append(each.text.toString());
+  }
+  return choices;
 }
 
 QString Confirmation() { return QStringLiteral(": Confirmation"); }
@@ -68,13 +74,13 @@ void CPortSettings::CreateControls() {
   grid->setColumnMinimumWidth(1, measure.Width(kFieldWidth));
   grid->setColumnMinimumWidth(2, measure.Width(DialogGrid::kGroupGap) - 2 * grid->horizontalSpacing());
   int row = 0;
-  for (const Field& field : Fields()) {
+  for (const Field& field : kFields) {
     auto* label = new QLabel(QString::fromLatin1(field.label), this);
     auto* box = WithControlId(new QComboBox(this), field.controlId);
     box->setObjectName(QLatin1String(field.name));
     box->setAccessibleName(QString::fromLatin1(field.label).chopped(1));
-    box->setMaxVisibleItems(static_cast<int>(field.choices.size()));
-    box->addItems(field.choices);
+    box->addItems(ChoicesOf(field));
+    box->setMaxVisibleItems(box->count());
     label->setBuddy(box);
     connect(box, &QComboBox::activated, this, [this, row] { PickItem(row); });
     grid->setRowMinimumHeight(row, measure.Height(DialogGrid::kRowHeight));
@@ -97,7 +103,7 @@ void CPortSettings::CreateButtons() {
 
 void CPortSettings::ShowValues() {
   for (std::size_t i = 0; i < m_fields.size(); ++i) {
-    const QString& value = m_working.*Fields()[i].value;
+    const QString& value = m_working.*kFields[i].value;
     m_fields[i]->setCurrentIndex(m_fields[i]->findText(value, Qt::MatchExactly | Qt::MatchCaseSensitive));
   }
   setWindowTitle(PortSettingsTitle(m_working));
@@ -106,7 +112,7 @@ void CPortSettings::ShowValues() {
 void CPortSettings::PickItem(int field) {
   const auto index = static_cast<std::size_t>(field);
   if (m_fields[index]->currentIndex() < 0) return;
-  m_working.*Fields()[index].value = m_fields[index]->currentText();
+  m_working.*kFields[index].value = m_fields[index]->currentText();
   ShowValues();
 }
 

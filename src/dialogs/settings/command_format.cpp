@@ -2,6 +2,8 @@
 
 #include <array>
 
+#include "settings/setting_values.h"
+
 namespace quarn {
 namespace {
 
@@ -13,16 +15,16 @@ constexpr OptionBinding kTimeout{&SettingsRecord::rTimeout, keys::kRTimeout};
 using enum OptionButton::Kind;
 
 constexpr std::array kFormatButtons{
-    OptionButton{1015, Radio, "CR", "delimiterCr", kDelimiter, u"CR", StoreOption},
-    OptionButton{1021, Radio, "LF", "delimiterLf", kDelimiter, u"LF", StoreOption},
-    OptionButton{1022, Radio, "CRLF", "delimiterCrLf", kDelimiter, u"CRLF", StoreOption},
-    OptionButton{1018, Radio, "STX / ETX ", "delimiterStxEtx", kDelimiter, u"STX_ETX", StoreOption},
-    OptionButton{1085, Radio, "1024", "buffer1024", kBuffer, u"1K", StoreOption},
-    OptionButton{1087, Radio, "2048", "buffer2048", kBuffer, u"2K", StoreOption},
-    OptionButton{1086, Radio, "6144", "buffer6144", kBuffer, u"6K", StoreOption},
-    OptionButton{1017, Radio, "HIGH", "portSpeedHigh", kSpeed, u"HIGH", ChangePortSpeed},
-    OptionButton{1020, Radio, "LOW", "portSpeedLow", kSpeed, u"LOW", ChangePortSpeed},
-    OptionButton{1088, Check, " Apply Response Timeout", "responseTimeout", kTimeout, nullptr, StoreOption},
+    OptionButton{1015, Radio, "CR", "delimiterCr", kDelimiter, values::kCr, StoreOption},
+    OptionButton{1021, Radio, "LF", "delimiterLf", kDelimiter, values::kLf, StoreOption},
+    OptionButton{1022, Radio, "CRLF", "delimiterCrLf", kDelimiter, values::kCrLf, StoreOption},
+    OptionButton{1018, Radio, "STX / ETX ", "delimiterStxEtx", kDelimiter, values::kStxEtx, StoreOption},
+    OptionButton{1085, Radio, "%1", "buffer1024", kBuffer, values::kBuffer1K, StoreOption},
+    OptionButton{1087, Radio, "%1", "buffer2048", kBuffer, values::kBuffer2K, StoreOption},
+    OptionButton{1086, Radio, "%1", "buffer6144", kBuffer, values::kBuffer6K, StoreOption},
+    OptionButton{1017, Radio, "HIGH", "portSpeedHigh", kSpeed, values::kHighSpeed, ChangePortSpeed},
+    OptionButton{1020, Radio, "LOW", "portSpeedLow", kSpeed, values::kLowSpeed, ChangePortSpeed},
+    OptionButton{1088, Check, " Apply Response Timeout", "responseTimeout", kTimeout, {}, StoreOption},
 };
 
 constexpr std::array kFormatLabels{

@@ -2,14 +2,18 @@
 
 #include <array>
 
+#include "settings/setting_values.h"
+
 namespace quarn {
 namespace {
 
 constexpr OptionBinding kPosition{&SettingsRecord::mainPos, keys::kMainPos};
 
 constexpr std::array kMainButtons{
-    OptionButton{1073, OptionButton::Radio, "TOP - LEFT", "topLeft", kPosition, u"TL", StoreOption},
-    OptionButton{1074, OptionButton::Radio, "TOP - RIGHT", "topRight", kPosition, u"TR", StoreOption},
+    OptionButton{1073, OptionButton::Radio, "TOP - LEFT", "topLeft", kPosition, values::kTopLeft,
+                 StoreOption},
+    OptionButton{1074, OptionButton::Radio, "TOP - RIGHT", "topRight", kPosition, values::kTopRight,
+                 StoreOption},
 };
 
 constexpr std::array kMainLabels{OptionLabel{keys::kMainPos, "Startup Display Position  ---"}};

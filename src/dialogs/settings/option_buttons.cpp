@@ -4,7 +4,6 @@
 #include <QRadioButton>
 #include <utility>
 
-#include "settings/setting_values.h"
 #include "ui/control.h"
 #include "ui/radio_group.h"
 
@@ -12,7 +11,7 @@ namespace quarn {
 namespace {
 
 QString ValueOf(const OptionButton& option, const QAbstractButton& button) {
-  if (option.kind == OptionButton::Radio) return QString::fromUtf16(option.value);
+  if (option.kind == OptionButton::Radio) return option.value.text.toString();
   return button.isChecked() ? kOn.toString() : kOff.toString();
 }
 
@@ -24,7 +23,8 @@ OptionButtons::OptionButtons(QWidget& dialog, std::span<const OptionButton> tabl
 }
 
 QAbstractButton* OptionButtons::Create(QWidget& dialog, const OptionButton& option) {
-  const QString text = QString::fromLatin1(option.text);
+  const QString text =
+      QString::fromLatin1(option.text).replace(QStringLiteral("%1"), QString::number(option.value.number));
   QAbstractButton* button = nullptr;
   if (option.kind == OptionButton::Radio) {
     button = new QRadioButton(text, &dialog);
@@ -57,7 +57,7 @@ void OptionButtons::Refresh(const SettingsRecord& settings) {
   for (QButtonGroup* group : m_groups) group->setExclusive(false);
   for (std::size_t i = 0; i < m_table.size(); ++i) {
     const OptionButton& option = m_table[i];
-    const QStringView chosen = option.kind == OptionButton::Radio ? QStringView(option.value) : kOn;
+    const QStringView chosen = option.kind == OptionButton::Radio ? option.value.text : kOn;
     m_buttons[i]->setChecked(option.binding.field.In(settings) == chosen);
   }
   for (QButtonGroup* group : m_groups) {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "dialogs/settings/option_changes.h"
+#include "settings/setting_values.h"
 
 class QAbstractButton;
 class QButtonGroup;
@@ -18,10 +19,10 @@ struct OptionButton {
   enum Kind { Radio, Check };
   int controlId;
   Kind kind;
-  const char* text;
+  const char* text;  ///< "%1" in it is the number of the value
   const char* name;  ///< object name
   OptionBinding binding;
-  const char16_t* value;  ///< a radio button's; a check box stands for "ON" and "OFF"
+  SettingValue value;  ///< a radio button's; a check box stands for "ON" and "OFF"
   OptionChange change;
 };
 

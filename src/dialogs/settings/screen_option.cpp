@@ -2,6 +2,8 @@
 
 #include <array>
 
+#include "settings/setting_values.h"
+
 namespace quarn {
 namespace {
 
@@ -16,21 +18,19 @@ constexpr OptionBinding kColour{&SettingsRecord::bkColor, keys::kBkColor};
 using enum OptionButton::Kind;
 
 constexpr std::array kScreenButtons{
-    OptionButton{1070, Check, "Display Terminal Screen at Startup", "displayAtStartup", kStart, nullptr,
-                 StoreOption},
-    OptionButton{1071, Check, "Clear Command Line After Sending", "clearAfterSending", kClear, nullptr,
-                 StoreOption},
-    OptionButton{1072, Check, "Line Number", "lineNumber", kNumbers, nullptr, StoreShownOption},
-    OptionButton{1075, Check, "Show Function Keys", "showFunctionKeys", kFunctionKeys, nullptr,
-                 StoreShownOption},
-    OptionButton{1074, Check, "Allow Sending Empty Command Lines", "allowEmpty", kEmpty, nullptr,
-                 StoreOption},
-    OptionButton{1065, Radio, "N (48)", "length48", kLength, u"N", ChangeInputMax},
-    OptionButton{1066, Radio, "M (56)", "length56", kLength, u"M", ChangeInputMax},
-    OptionButton{1067, Radio, "W (64)", "length64", kLength, u"W", ChangeInputMax},
-    OptionButton{1073, Radio, "Navy", "colourNavy", kColour, u"NAVY", StoreShownOption},
-    OptionButton{1069, Radio, "Black", "colourBlack", kColour, u"BLACK", StoreShownOption},
-    OptionButton{1068, Radio, "System", "colourSystem", kColour, u"SYSTEM", StoreShownOption},
+    OptionButton{
+        1070, Check, "Display Terminal Screen at Startup", "displayAtStartup", kStart, {}, StoreOption},
+    OptionButton{
+        1071, Check, "Clear Command Line After Sending", "clearAfterSending", kClear, {}, StoreOption},
+    OptionButton{1072, Check, "Line Number", "lineNumber", kNumbers, {}, StoreShownOption},
+    OptionButton{1075, Check, "Show Function Keys", "showFunctionKeys", kFunctionKeys, {}, StoreShownOption},
+    OptionButton{1074, Check, "Allow Sending Empty Command Lines", "allowEmpty", kEmpty, {}, StoreOption},
+    OptionButton{1065, Radio, "N (%1)", "length48", kLength, values::kNarrow, ChangeInputMax},
+    OptionButton{1066, Radio, "M (%1)", "length56", kLength, values::kMedium, ChangeInputMax},
+    OptionButton{1067, Radio, "W (%1)", "length64", kLength, values::kWide, ChangeInputMax},
+    OptionButton{1073, Radio, "Navy", "colourNavy", kColour, values::kNavy, StoreShownOption},
+    OptionButton{1069, Radio, "Black", "colourBlack", kColour, values::kBlack, StoreShownOption},
+    OptionButton{1068, Radio, "System", "colourSystem", kColour, values::kSystemColours, StoreShownOption},
 };
 
 constexpr std::array kScreenLabels{

@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "dialogs/terminal/terminal_screen.h"
+#include "settings/setting_values.h"
 #include "terminal/screen_width.h"
 #include "ui/clipboard_text.h"
 #include "ui/placement.h"
@@ -188,9 +189,9 @@ bool CTerminalScreen::CanSend() {
 void CTerminalScreen::PressSend() {
   const Busy busy(*this);
   if (!CanSend()) return;
-  if (m_context.commandLine.Text().isEmpty() && m_context.settings.enblNull != u"ON") return;
+  if (m_context.commandLine.Text().isEmpty() && !IsOn(m_context.settings.enblNull)) return;
   Transact();
-  if (m_context.settings.autoClr == u"ON") m_context.commandLine.Reset();
+  if (IsOn(m_context.settings.autoClr)) m_context.commandLine.Reset();
   ShowCommandLine();
 }
 
