@@ -6,7 +6,6 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "terminal/caret_mark.h"
 #include "terminal/command_line.h"
 #include "terminal/framing.h"
 #include "terminal/terminal_keys.h"

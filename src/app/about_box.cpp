@@ -10,8 +10,7 @@
 #include "app/link_label.h"
 #include "base/message_operations.h"
 #include "identity.h"
-#include "ui/control.h"
-#include "ui/dialog_button.h"
+#include "ui/controls.h"
 #include "ui/placement.h"
 
 namespace quarn {

@@ -2,7 +2,7 @@
 
 #include <functional>
 
-#include "ui/placed_dialog.h"
+#include "ui/window_place.h"
 
 class QPushButton;
 class QUrl;

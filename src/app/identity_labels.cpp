@@ -4,7 +4,7 @@
 #include <QLabel>
 
 #include "identity.h"
-#include "ui/control.h"
+#include "ui/controls.h"
 #include "ui/pictures.h"
 #include "ui/placement.h"
 

@@ -8,7 +8,7 @@
 #include <QStylePainter>
 #include <utility>
 
-#include "ui/accessible_kind.h"
+#include "ui/accessible.h"
 #include "ui/contrast.h"
 
 namespace quarn {

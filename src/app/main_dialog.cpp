@@ -16,7 +16,7 @@
 #include "dialogs/terminal/terminal_screen.h"
 #include "identity.h"
 #include "serial/port_names.h"
-#include "ui/control.h"
+#include "ui/controls.h"
 #include "ui/escape_key.h"
 #include "ui/pictures.h"
 #include "ui/placement.h"

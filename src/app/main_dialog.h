@@ -3,7 +3,7 @@
 #include <QPointer>
 #include <vector>
 
-#include "app/file_chooser_dialog.h"
+#include "app/file_chooser.h"
 #include "app/file_commands.h"
 #include "app/main_window.h"
 #include "app/port_monitor.h"

@@ -11,7 +11,7 @@
 #include "app/platform.h"
 #include "settings/setting_values.h"
 #include "ui/box.h"
-#include "ui/control.h"
+#include "ui/controls.h"
 
 namespace quarn {
 

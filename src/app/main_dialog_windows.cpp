@@ -2,15 +2,12 @@
 
 #include <QScreen>
 
-#include "app/dialog_placement.h"
 #include "app/main_dialog.h"
 #include "dialogs/dialog_context.h"
 #include "dialogs/serial/detailed_port_list_dialog.h"
 #include "dialogs/serial/port_number_dialog.h"
 #include "dialogs/serial/port_settings_dialog.h"
-#include "dialogs/settings/command_format.h"
-#include "dialogs/settings/main_option.h"
-#include "dialogs/settings/screen_option.h"
+#include "dialogs/settings/options.h"
 #include "dialogs/terminal/function_key_table_dialog.h"
 #include "dialogs/terminal/terminal_screen.h"
 #include "ui/placement.h"

@@ -5,8 +5,8 @@
 #include "app/connection_commands.h"
 #include "serial/port_list.h"
 #include "settings/setting_values.h"
+#include "settings/settings_load_save.h"
 #include "settings/settings_table.h"
-#include "settings/store_values.h"
 
 namespace quarn {
 namespace {

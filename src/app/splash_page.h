@@ -2,7 +2,7 @@
 
 #include <QBasicTimer>
 
-#include "ui/placed_dialog.h"
+#include "ui/window_place.h"
 
 namespace quarn {
 

@@ -1,7 +1,6 @@
 #include <cstdio>
 
 #include "identity.h"
-#include "send/exit_status.h"
 #include "send/platform.h"
 #include "send/send_options.h"
 #include "send/sender.h"

@@ -4,7 +4,6 @@
 #include <optional>
 #include <vector>
 
-#include "send/exit_status.h"
 #include "send/interruption.h"
 #include "send/platform.h"
 #include "send/settings_choice.h"

@@ -1,7 +1,6 @@
 #include "serial/line_parameters.h"
 
 #include "settings/setting_values.h"
-#include "settings/text_number.h"
 
 namespace quarn {
 namespace {

@@ -5,7 +5,6 @@
 
 #include "base/text_lines.h"
 #include "settings/setting_values.h"
-#include "settings/text_number.h"
 
 namespace quarn {
 

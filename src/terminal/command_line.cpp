@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "terminal/caret_mark.h"
-
 namespace quarn {
 
 void CommandLine::TypeCharacter(QChar character, int limit) {

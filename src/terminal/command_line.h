@@ -4,6 +4,17 @@
 
 namespace quarn {
 
+/// `text` with its character at `position` replaced; appended if the position is at or beyond the end.
+/// `position` must not be negative.
+inline QString WithCharacterAt(QString text, int position, QChar character) {
+  if (position < text.size()) {
+    text[position] = character;
+  } else {
+    text.append(character);
+  }
+  return text;
+}
+
 /// The command being typed: text, insertion point, last command and the blinking caret. Uses no edit control.
 /// Lives as long as the process, so it survives closing the window.
 ///

@@ -5,7 +5,7 @@
 
 #include "terminal/control_bytes.h"
 #include "terminal/render.h"
-#include "terminal/screen_width.h"
+#include "terminal/screen_layout.h"
 #include "terminal/wait_plan.h"
 
 namespace quarn {

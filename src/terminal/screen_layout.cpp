@@ -1,12 +1,17 @@
 #include "terminal/screen_layout.h"
 
 #include <algorithm>
+#include <array>
 
+#include "serial/port_names.h"
 #include "settings/setting_values.h"
-#include "terminal/screen_width.h"
 
 namespace quarn {
 namespace {
+
+ScreenWidth Width(const SettingValue& length, int button, int window) {
+  return {length.text.toString(), length.number, length.number, button, window};
+}
 
 constexpr int kButtonsPerRow = 6;
 constexpr int kButtonHeight = 22;
@@ -38,6 +43,14 @@ constexpr ScaledHeight kUnknownHeight = {0, 740, 657};
 bool Numbered(const SettingsRecord& settings) { return IsOn(settings.lineNum); }
 
 }  // namespace
+
+const ScreenWidth& ScreenWidthOf(const QString& inputMax) {
+  static const std::array kWidths{Width(values::kNarrow, 60, 460), Width(values::kMedium, 70, 520),
+                                  Width(values::kWide, 80, 580)};
+  static const ScreenWidth kUnknown = {QString(), 0, values::kNarrow.number, 60, 535};
+  const auto* const found = std::ranges::find(kWidths, inputMax, &ScreenWidth::letter);
+  return found == kWidths.end() ? kUnknown : *found;
+}
 
 const std::array<TerminalButton, kTerminalButtonCount> kTerminalButtons = {{
     {1001, u"F 1", 0},
@@ -87,6 +100,18 @@ ColourScheme ColourSchemeOf(const SettingsRecord& settings) {
   if (settings.bkColor == values::kNavy.text) return ColourScheme::Navy;
   if (settings.bkColor == values::kBlack.text) return ColourScheme::Black;
   return ColourScheme::System;
+}
+
+QString TerminalTitle(const QString& portName, bool open, const QString& inputMax, bool overwrite,
+                      const OperationLog& log) {
+  QString title = QStringLiteral("Quarn - Terminal Screeen (") + PortTitlePart(portName, open) +
+                  QStringLiteral(")  ") + ScreenWidthOf(inputMax).letter + QStringLiteral("- ") +
+                  (overwrite ? QStringLiteral("OVR") : QStringLiteral("INS"));
+  if (log.HasContent()) {
+    title += QStringLiteral("  [ ") + QString::number(log.TopLine() + 1) + QLatin1Char('-') +
+             QString::number(log.WritePos()) + QStringLiteral("  ]");
+  }
+  return title;
 }
 
 }  // namespace quarn

@@ -7,8 +7,21 @@
 #include <cstdint>
 
 #include "settings/settings_record.h"
+#include "terminal/operation_log.h"
 
 namespace quarn {
+
+/// The values that depend on INPUT_MAX.
+struct ScreenWidth {
+  QString letter;    ///< as the window's title shows it
+  int commandLimit;  ///< longest command that can be typed, in characters
+  int lineWidth;     ///< longest line of a response in the log, in characters
+  int buttonWidth;   ///< pixels
+  int windowWidth;   ///< pixels, frame included, without line numbers
+};
+
+/// The row for "N", "M" or "W". For any other text: no input is possible, and lines are as narrow as for "N".
+const ScreenWidth& ScreenWidthOf(const QString& inputMax);
 
 // Geometry, colours and captions of the Terminal Screen, all derived from the settings. Rectangles are pixels
 // in the client area.
@@ -52,5 +65,9 @@ inline bool IsDark(ColourScheme scheme) { return scheme != ColourScheme::System;
 inline constexpr int kTerminalLineHeight = 18;
 inline constexpr int kWidestRowCharacters = 73;
 inline constexpr int kNarrowestRowWidth = 592;
+
+/// The Terminal Screen's title, "Screeen" being its own spelling.
+QString TerminalTitle(const QString& portName, bool open, const QString& inputMax, bool overwrite,
+                      const OperationLog& log);
 
 }  // namespace quarn

@@ -4,7 +4,7 @@
 
 #include "serial/line_parameters.h"
 #include "settings/setting_values.h"
-#include "terminal/caret_mark.h"
+#include "terminal/command_line.h"
 
 namespace quarn {
 namespace {

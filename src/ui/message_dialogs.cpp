@@ -15,8 +15,7 @@
 #include <algorithm>
 
 #include "identity.h"
-#include "ui/control.h"
-#include "ui/dialog_button.h"
+#include "ui/controls.h"
 #include "ui/message_text.h"
 #include "ui/pictures.h"
 #include "ui/placement.h"

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "base/message_operations.h"
-#include "ui/placed_dialog.h"
+#include "ui/window_place.h"
 
 class QHBoxLayout;
 class QPushButton;

@@ -44,6 +44,8 @@ std::optional<QMargins> KnownFrame(const QWidget& window) {
   return reported;
 }
 
+constexpr int kMainDialogGap = 10;
+
 }  // namespace
 
 QPoint CentredPosition(QSize screen, QSize window) {
@@ -97,5 +99,34 @@ QRect MapDialogUnits(const QFont& font, const QRect& units) {
   };
   return {x(units.x()), y(units.y()), x(units.width()), y(units.height())};
 }
+
+QPoint PlaceBelowOrAbove(const QRect& mainDialog, QSize dialog, QSize screen) {
+  constexpr int kLiftAbove = 80;
+  const int bottom = mainDialog.y() + mainDialog.height();
+  int y = bottom + kMainDialogGap;
+  if (dialog.height() + y > screen.height()) {
+    y = mainDialog.y() - kLiftAbove + (screen.height() - bottom - dialog.height());
+  }
+  return {mainDialog.x(), y};
+}
+
+QPoint PlaceBeside(const QRect& mainDialog, QSize dialog, QSize screen) {
+  constexpr int kGapToTheLeft = 30;
+  int x = mainDialog.x() + mainDialog.width() + kMainDialogGap;
+  if (dialog.width() + x > screen.width()) {
+    x = screen.width() - dialog.width() - mainDialog.width() - kGapToTheLeft;
+  }
+  return {x, mainDialog.y()};
+}
+
+QPoint PlaceBelowOnScreen(const QRect& mainDialog, QSize dialog, QSize screen) {
+  const QPoint wanted{mainDialog.x(), mainDialog.y() + mainDialog.height() + kMainDialogGap};
+  const QSize room = (screen - dialog).expandedTo({0, 0});
+  return {std::clamp(wanted.x(), 0, room.width()), std::clamp(wanted.y(), 0, room.height())};
+}
+
+int DialogGrid::Width(int units) const { return MapDialogUnits(m_window.font(), {0, 0, units, 0}).width(); }
+
+int DialogGrid::Height(int units) const { return MapDialogUnits(m_window.font(), {0, 0, 0, units}).height(); }
 
 }  // namespace quarn

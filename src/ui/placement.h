@@ -2,6 +2,7 @@
 
 #include <QMargins>
 #include <QPoint>
+#include <QRect>
 #include <QSize>
 
 class QFont;
@@ -34,5 +35,34 @@ QSize OuterSize(const QWidget& window);
 
 /// Dialog units to pixels for a font: a quarter of its average character's width, an eighth of its height.
 QRect MapDialogUnits(const QFont& font, const QRect& units);
+
+// The places of the dialogs in the main dialog's menu. Rectangles and sizes include the frame.
+
+/// Under the main dialog's left edge; above it if there is no room below.
+QPoint PlaceBelowOrAbove(const QRect& mainDialog, QSize dialog, QSize screen);
+
+/// Beside the main dialog's top right corner; left of it if there is no room to the right.
+QPoint PlaceBeside(const QRect& mainDialog, QSize dialog, QSize screen);
+
+/// Under the main dialog's left edge, but within the screen at the bottom and on the right.
+QPoint PlaceBelowOnScreen(const QRect& mainDialog, QSize dialog, QSize screen);
+
+/// The common measurements of the dialogs: dialog units of the window's font, and standard distances. Input
+/// in units, results in pixels.
+class DialogGrid {
+ public:
+  static constexpr int kMargin = 10;
+  static constexpr int kGap = 4;         ///< between controls that belong together
+  static constexpr int kGroupGap = 10;   ///< between groups
+  static constexpr int kRowHeight = 14;  ///< of a row of buttons or fields
+  static constexpr int kButtonWidth = 50;
+
+  explicit DialogGrid(const QWidget& window) : m_window(window) {}
+  [[nodiscard]] int Width(int units) const;
+  [[nodiscard]] int Height(int units) const;
+
+ private:
+  const QWidget& m_window;
+};
 
 }  // namespace quarn

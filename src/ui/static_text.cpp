@@ -4,8 +4,7 @@
 #include <QPaintEvent>
 #include <QPainter>
 
-#include "ui/accessible_kind.h"
-#include "ui/accessible_line.h"
+#include "ui/accessible.h"
 
 namespace quarn {
 

@@ -72,4 +72,11 @@ void WindowPlace::Look() {
   if (m_window.pos() == stands && (stands - m_at).manhattanLength() <= kRounding) Move();
 }
 
+void PlacedDialog::setVisible(bool visible) {
+  if (visible && !isVisible()) m_place.Put([this] { Place(); });
+  QDialog::setVisible(visible);
+}
+
+void PlacedDialog::Place() { CenterOnScreen(*this); }
+
 }  // namespace quarn

@@ -2,6 +2,7 @@
 
 #include <QBasicTimer>
 #include <QDeadlineTimer>
+#include <QDialog>
 #include <QMargins>
 #include <QObject>
 #include <QPoint>
@@ -38,6 +39,20 @@ class WindowPlace final : public QObject {
   QBasicTimer m_timer;
   QDeadlineTimer m_frameDue;
   QDeadlineTimer m_end;
+};
+
+/// A dialog that is placed each time it is shown: centred on the screen, unless a subclass places it
+/// elsewhere.
+class PlacedDialog : public QDialog {
+ public:
+  void setVisible(bool visible) override;
+
+ protected:
+  using QDialog::QDialog;
+  virtual void Place();
+
+ private:
+  WindowPlace m_place{*this};
 };
 
 }  // namespace quarn

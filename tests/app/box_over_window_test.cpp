@@ -9,7 +9,7 @@
 #include <optional>
 
 #include "app/about_box.h"
-#include "app/file_chooser_dialog.h"
+#include "app/file_chooser.h"
 #include "app/main_dialog_fixture.h"
 #include "app/menu_state.h"
 #include "serial/port_list.h"

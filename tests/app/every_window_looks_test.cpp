@@ -19,7 +19,7 @@
 #include "app/platform.h"
 #include "app/scaling.h"
 #include "support/dialog_controls.h"
-#include "ui/dialog_grid.h"
+#include "ui/placement.h"
 #include "ui/static_text.h"
 
 namespace quarn::test {

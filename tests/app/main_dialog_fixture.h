@@ -7,7 +7,7 @@
 #include "app/app_fixture.h"
 #include "app/main_dialog.h"
 #include "support/waits.h"
-#include "ui/control.h"
+#include "ui/controls.h"
 
 namespace quarn::test {
 

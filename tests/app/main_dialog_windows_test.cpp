@@ -4,7 +4,6 @@
 #include <QPushButton>
 #include <QScreen>
 
-#include "app/dialog_placement.h"
 #include "app/main_dialog_fixture.h"
 #include "app/menu_state.h"
 #include "dialogs/terminal/terminal_screen.h"

@@ -1,10 +1,10 @@
-#include "dialogs/settings/command_format.h"
+#include "dialogs/settings/options.h"
 
 #include <QCheckBox>
 #include <QRadioButton>
 
 #include "dialogs/option_dialog_fixture.h"
-#include "ui/dialog_grid.h"
+#include "ui/placement.h"
 
 namespace quarn::test {
 namespace {

@@ -1,8 +1,7 @@
 #include <array>
 
 #include "dialogs/option_dialog_fixture.h"
-#include "dialogs/settings/main_option.h"
-#include "dialogs/settings/screen_option.h"
+#include "dialogs/settings/options.h"
 
 namespace quarn::test {
 namespace {

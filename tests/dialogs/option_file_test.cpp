@@ -3,9 +3,7 @@
 #include <QRadioButton>
 
 #include "dialogs/option_dialog_fixture.h"
-#include "dialogs/settings/command_format.h"
-#include "dialogs/settings/main_option.h"
-#include "dialogs/settings/screen_option.h"
+#include "dialogs/settings/options.h"
 
 namespace quarn::test {
 namespace {

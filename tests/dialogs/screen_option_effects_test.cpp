@@ -1,7 +1,7 @@
 // The Terminal Screen's options beside an open Terminal Screen.
 
 #include "dialogs/option_dialog_fixture.h"
-#include "dialogs/settings/screen_option.h"
+#include "dialogs/settings/options.h"
 #include "dialogs/terminal/terminal_screen.h"
 #include "support/waits.h"
 #include "ui/placement.h"

@@ -15,7 +15,7 @@
 #include "support/recorded_messages.h"
 #include "support/served_instrument.h"
 #include "support/waits.h"
-#include "ui/control.h"
+#include "ui/controls.h"
 #include "ui/static_text.h"
 
 namespace quarn::test {

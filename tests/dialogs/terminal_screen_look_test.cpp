@@ -5,7 +5,7 @@
 #include "dialogs/terminal/terminal_font.h"
 #include "dialogs/terminal_fixture.h"
 #include "support/window_places.h"
-#include "terminal/screen_width.h"
+#include "terminal/screen_layout.h"
 #include "ui/placement.h"
 
 namespace quarn::test {

@@ -5,7 +5,6 @@
 #include "settings/settings_load_save.h"
 #include "settings/settings_table.h"
 #include "settings/settings_test_support.h"
-#include "settings/store_values.h"
 #include "settings/user_file.h"
 #include "settings/working_file.h"
 #include "support/message_texts.h"

@@ -9,7 +9,7 @@
 #include <QTest>
 
 #include "support/waits.h"
-#include "ui/control.h"
+#include "ui/controls.h"
 
 namespace quarn::test {
 

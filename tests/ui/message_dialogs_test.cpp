@@ -10,7 +10,7 @@
 
 #include "support/dialog_controls.h"
 #include "support/window_places.h"
-#include "ui/dialog_button.h"
+#include "ui/controls.h"
 #include "ui/placement.h"
 
 namespace quarn::test {

@@ -9,10 +9,8 @@
 #include <utility>
 
 #include "dialogs/serial/port_choice.h"
-#include "ui/control.h"
-#include "ui/dialog_grid.h"
+#include "ui/controls.h"
 #include "ui/placement.h"
-#include "ui/radio_group.h"
 #include "ui/tool_tip.h"
 
 namespace quarn {

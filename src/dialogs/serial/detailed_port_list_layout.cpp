@@ -9,7 +9,6 @@
 #include <algorithm>
 
 #include "dialogs/serial/detailed_port_list_dialog.h"
-#include "ui/dialog_grid.h"
 #include "ui/placement.h"
 
 namespace quarn {

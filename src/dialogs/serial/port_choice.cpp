@@ -1,8 +1,8 @@
 #include "dialogs/serial/port_choice.h"
 
 #include "dialogs/serial/port_rules.h"
+#include "settings/settings_load_save.h"
 #include "settings/settings_table.h"
-#include "settings/store_values.h"
 
 namespace quarn {
 namespace {

@@ -2,9 +2,8 @@
 
 #include <QCloseEvent>
 
-#include "ui/control.h"
-#include "ui/dialog_button.h"
-#include "ui/dialog_grid.h"
+#include "ui/controls.h"
+#include "ui/placement.h"
 
 namespace quarn {
 

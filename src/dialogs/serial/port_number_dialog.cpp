@@ -7,8 +7,8 @@
 #include <utility>
 
 #include "dialogs/serial/port_choice.h"
-#include "ui/control.h"
-#include "ui/dialog_grid.h"
+#include "ui/controls.h"
+#include "ui/placement.h"
 
 namespace quarn {
 namespace {

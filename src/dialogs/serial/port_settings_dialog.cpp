@@ -8,9 +8,8 @@
 #include <utility>
 
 #include "settings/setting_values.h"
-#include "settings/store_values.h"
-#include "ui/control.h"
-#include "ui/dialog_grid.h"
+#include "settings/settings_load_save.h"
+#include "ui/controls.h"
 #include "ui/placement.h"
 
 namespace quarn {

@@ -4,8 +4,7 @@
 #include <QRadioButton>
 #include <utility>
 
-#include "ui/control.h"
-#include "ui/radio_group.h"
+#include "ui/controls.h"
 
 namespace quarn {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "settings/store_values.h"
+#include "settings/settings_load_save.h"
 
 namespace quarn {
 namespace {

@@ -4,9 +4,8 @@
 #include <QGridLayout>
 #include <QLabel>
 
-#include "ui/control.h"
-#include "ui/dialog_button.h"
-#include "ui/dialog_grid.h"
+#include "ui/controls.h"
+#include "ui/placement.h"
 
 namespace quarn {
 namespace {

@@ -9,10 +9,9 @@
 #include <QValidator>
 #include <utility>
 
-#include "settings/store_values.h"
+#include "settings/settings_load_save.h"
 #include "ui/clipboard_text.h"
-#include "ui/control.h"
-#include "ui/dialog_grid.h"
+#include "ui/controls.h"
 #include "ui/paste_field.h"
 #include "ui/placement.h"
 

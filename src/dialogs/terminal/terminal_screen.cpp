@@ -8,8 +8,8 @@
 #include <utility>
 
 #include "dialogs/terminal/terminal_font.h"
-#include "terminal/terminal_title.h"
-#include "ui/control.h"
+#include "terminal/screen_layout.h"
+#include "ui/controls.h"
 #include "ui/placement.h"
 #include "ui/static_text.h"
 #include "ui/tool_tip.h"

@@ -12,7 +12,7 @@
 
 #include "dialogs/terminal/terminal_screen.h"
 #include "settings/setting_values.h"
-#include "terminal/screen_width.h"
+#include "terminal/screen_layout.h"
 #include "ui/clipboard_text.h"
 #include "ui/placement.h"
 #include "ui/static_text.h"

@@ -1,7 +1,7 @@
 #include <QElapsedTimer>
 
 #include "app/file_commands_fixture.h"
-#include "settings/store_values.h"
+#include "settings/settings_load_save.h"
 #include "settings/working_file.h"
 #include "system/faults/call_faults.h"
 #include "terminal/function_key_table.h"

@@ -1,4 +1,4 @@
-#include "settings/text_number.h"
+#include "settings/setting_values.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "app/file_chooser_dialog.h"
+#include "app/file_chooser.h"
 
 #include <gtest/gtest.h>
 

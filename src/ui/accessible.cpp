@@ -1,4 +1,4 @@
-#include "ui/accessible_line.h"
+#include "ui/accessible.h"
 
 #include <QFontMetrics>
 #include <algorithm>

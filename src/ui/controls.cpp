@@ -1,4 +1,4 @@
-#include "ui/dialog_button.h"
+#include "ui/controls.h"
 
 #include <QStyleOptionFocusRect>
 #include <QStylePainter>
