@@ -10,15 +10,16 @@
 #include <memory>
 #include <utility>
 
-#include "app/main_window.h"
 #include "app/program.h"
 #include "serial/platform_serial.h"
 #include "settings/data_folder.h"
 #include "settings/key_store.h"
 #include "settings/settings_load_save.h"
+#include "support/counted_indicator.h"
 #include "support/message_texts.h"
 #include "support/plugged_port.h"
 #include "support/recorded_messages.h"
+#include "support/recorded_window.h"
 
 namespace quarn::test {
 
@@ -41,28 +42,6 @@ class ListedPorts final : public PortSource {
   }
 };
 
-class NoWaitIndicator final : public WaitIndicator {
- public:
-  int depth = 0;
-  void Show() override { ++depth; }
-  void Restore() override { --depth; }
-};
-
-/// Writes down what is asked of the main dialog.
-class RecordedWindow final : public MainWindow {
- public:
-  explicit RecordedWindow(QStringList& journal) : m_journal(journal) {}
-  void SetTitle(const QString& suffix) override { m_journal.append(QStringLiteral("title") + suffix); }
-  void UpdateMenuState() override { m_journal.append(QStringLiteral("menu state")); }
-  void ShowUserFile() override { m_journal.append(QStringLiteral("user file")); }
-  void OpenTerminalScreen() override { m_journal.append(QStringLiteral("terminal")); }
-  void StartTimer() override { m_journal.append(QStringLiteral("start timer")); }
-  void StopTimer() override { m_journal.append(QStringLiteral("stop timer")); }
-
- private:
-  QStringList& m_journal;
-};
-
 /// The program's objects over a folder of its own, with real lines behind links in its ports folder, and
 /// messages, window and port list that a test reads and writes. What happens is one journal, in order.
 class AppTest : public ::testing::Test {
@@ -70,10 +49,10 @@ class AppTest : public ::testing::Test {
   AppTest()
       : m_folder(m_scratch.filePath(QStringLiteral("config/"))),
         program(m_folder, CreateLineOpener(PortsFolder(m_folder)), std::make_unique<ListedPorts>(),
-                std::make_unique<RecordedMessages>(), std::make_unique<NoWaitIndicator>()),
+                std::make_unique<RecordedMessages>(), std::make_unique<CountedIndicator>()),
         ports(static_cast<ListedPorts&>(*program.portSource)),
         messages(static_cast<RecordedMessages&>(*program.messages)),
-        indicator(static_cast<NoWaitIndicator&>(*program.waitIndicator)) {
+        indicator(static_cast<CountedIndicator&>(*program.waitIndicator)) {
     messages.whileShown = [this] {
       journal.append(messages.shown.last());
       if (whileShown) whileShown();
@@ -111,7 +90,7 @@ class AppTest : public ::testing::Test {
   Program program;
   ListedPorts& ports;
   RecordedMessages& messages;
-  NoWaitIndicator& indicator;
+  CountedIndicator& indicator;
   RecordedWindow window{journal};
   std::function<void()> whileShown;
 };

@@ -13,9 +13,9 @@
 #include "app/main_dialog_fixture.h"
 #include "app/menu_state.h"
 #include "serial/port_list.h"
-#include "serial/scripted_line.h"
 #include "settings/settings_table.h"
 #include "support/dialog_controls.h"
+#include "support/scripted_line.h"
 #include "support/waits.h"
 #include "ui/box.h"
 #include "ui/window_messages.h"
@@ -118,7 +118,7 @@ class BoxStage : public AppTest {
  protected:
   BoxStage()
       : real(m_folder, CreateLineOpener(PortsFolder(m_folder)), std::make_unique<ListedPorts>(),
-             std::make_unique<WindowMessages>(), std::make_unique<NoWaitIndicator>()),
+             std::make_unique<WindowMessages>(), std::make_unique<CountedIndicator>()),
         listed(static_cast<ListedPorts&>(*real.portSource)) {}
   void SetUp() override {
     MakeFolders();

@@ -4,8 +4,8 @@
 #include <functional>
 
 #include "app/app_fixture.h"
-#include "serial/scripted_line.h"
 #include "support/noted_pause.h"
+#include "support/scripted_line.h"
 
 namespace quarn::test {
 namespace {

@@ -4,9 +4,9 @@
 
 #include "app/app_fixture.h"
 #include "base/bounds.h"
-#include "serial/scripted_line.h"
 #include "settings/settings_table.h"
 #include "support/plugged_port.h"
+#include "support/scripted_line.h"
 
 namespace quarn::test {
 namespace {

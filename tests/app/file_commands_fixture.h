@@ -8,13 +8,15 @@
 
 #include "app/file_commands.h"
 #include "serial/port_list.h"
-#include "serial/scripted_line.h"
 #include "settings/key_store.h"
 #include "settings/settings_load_save.h"
 #include "settings/settings_table.h"
 #include "settings/settings_test_support.h"
+#include "support/counted_indicator.h"
 #include "support/message_texts.h"
 #include "support/recorded_messages.h"
+#include "support/recorded_window.h"
+#include "support/scripted_line.h"
 
 namespace quarn::test {
 
@@ -28,48 +30,12 @@ inline const QString kRestored = QStringLiteral("transient/Loaded the initial de
 inline const QString kNotSaved =
     QStringLiteral("error/: Error//Could not save to the QRN file!/Destination folder error.");
 
-/// Ports that open, each to a line that notes in the journal what becomes of it.
-class ScriptedOpener final : public SerialLineOpener {
- public:
-  explicit ScriptedOpener(Journal& journal) : m_journal(journal) {}
-  OpenResult Open(const QString& devicePath) override {
-    m_journal.Note("open " + devicePath.toStdString());
-    return {std::make_shared<ScriptedLine>(m_journal), {}};
-  }
-
- private:
-  Journal& m_journal;
-};
-
 class TwoPorts final : public PortSource {
  public:
   bool FriendlyNames(QStringList& names) override {
     names = {QStringLiteral("Adapter (COM3)"), QStringLiteral("Adapter (COM7)")};
     return true;
   }
-};
-
-class NoIndicator final : public WaitIndicator {
- public:
-  void Show() override {}
-  void Restore() override {}
-};
-
-/// A main dialog that writes down what it is told, with the user file and menu that it would show.
-class NotedWindow final : public MainWindow {
- public:
-  explicit NotedWindow(const Program& program) : m_program(program) {}
-  QStringList calls;
-
-  void SetTitle(const QString& suffix) override { calls.append(QStringLiteral("title ") + suffix); }
-  void UpdateMenuState() override { calls.append(QStringLiteral("menu ") + m_program.userFile); }
-  void ShowUserFile() override { calls.append(QStringLiteral("status ") + m_program.userFile); }
-  void OpenTerminalScreen() override { calls.append(QStringLiteral("terminal screen")); }
-  void StartTimer() override { calls.append(QStringLiteral("start timer")); }
-  void StopTimer() override { calls.append(QStringLiteral("stop timer")); }
-
- private:
-  const Program& m_program;
 };
 
 class ScriptedChooser final : public FileChooser {
@@ -98,9 +64,9 @@ class FileCommandsTest : public SettingsFileTest {
     messages = recorded.get();
     program = std::make_unique<Program>(
         Path(QString()) + QLatin1Char('/'), std::make_unique<ScriptedOpener>(journal),
-        std::make_unique<TwoPorts>(), std::move(recorded), std::make_unique<NoIndicator>());
-    window = std::make_unique<NotedWindow>(*program);
-    commands = std::make_unique<FileCommands>(*program, *window, chooser);
+        std::make_unique<TwoPorts>(), std::move(recorded), std::make_unique<CountedIndicator>());
+    window.userFile = [this] { return program->userFile; };
+    commands = std::make_unique<FileCommands>(*program, window, chooser);
   }
   void SetUp() override {
     WithPort("COM7", QStringLiteral("Quarn.ini"));
@@ -143,7 +109,8 @@ class FileCommandsTest : public SettingsFileTest {
   Journal journal;
   RecordedMessages* messages = nullptr;
   std::unique_ptr<Program> program;
-  std::unique_ptr<NotedWindow> window;
+  QStringList calls;  ///< of the window
+  RecordedWindow window{calls};
   ScriptedChooser chooser;
   std::unique_ptr<FileCommands> commands;
 };

@@ -20,8 +20,8 @@ TEST_F(FileCommandsTest, OpenAsksLoadsConnectsAndPutsTheFileInForce) {
   EXPECT_EQ(program->state.currentPortName, QStringLiteral("COM3"));
   EXPECT_TRUE(program->connection.connected.IsSet());
   EXPECT_EQ(WorkingBytes(), BytesOf(chooser.answer));
-  EXPECT_EQ(window->calls, (QStringList{QStringLiteral("status ") + chooser.answer,
-                                        QStringLiteral("menu ") + chooser.answer}));
+  EXPECT_EQ(calls, (QStringList{QStringLiteral("user file ") + chooser.answer,
+                                QStringLiteral("menu state ") + chooser.answer}));
   EXPECT_TRUE(AllWindowsAreToldOfTheSettings());
 }
 
@@ -63,8 +63,8 @@ TEST_F(FileCommandsTest, OpenPutsAFileInForceThatCouldNotBeLoaded) {
   EXPECT_EQ(program->settings, record);
   EXPECT_TRUE(program->connection.connected.IsSet());
   EXPECT_FALSE(WasClosed());
-  EXPECT_EQ(window->calls, (QStringList{QStringLiteral("status ") + chooser.answer,
-                                        QStringLiteral("menu ") + chooser.answer}));
+  EXPECT_EQ(calls, (QStringList{QStringLiteral("user file ") + chooser.answer,
+                                QStringLiteral("menu state ") + chooser.answer}));
 }
 
 TEST_F(FileCommandsTest, ACancelledOpenChangesNothing) {
@@ -73,7 +73,7 @@ TEST_F(FileCommandsTest, ACancelledOpenChangesNothing) {
   EXPECT_EQ(chooser.opened.size(), 1);
   EXPECT_EQ(messages->shown, QStringList());
   EXPECT_EQ(program->userFile, inForce);
-  EXPECT_EQ(window->calls, QStringList());
+  EXPECT_EQ(calls, QStringList());
 }
 
 TEST_F(FileCommandsTest, NoAbandonsEveryCommandThatWouldLoseChanges) {
@@ -94,7 +94,7 @@ TEST_F(FileCommandsTest, NoAbandonsEveryCommandThatWouldLoseChanges) {
   EXPECT_EQ(program->settings.comPort, QStringLiteral("COM7"));
   EXPECT_TRUE(program->connection.connected.IsSet());
   EXPECT_FALSE(Requests().close.Contains(Window::TerminalScreen));
-  EXPECT_EQ(window->calls, QStringList());
+  EXPECT_EQ(calls, QStringList());
 }
 
 TEST_F(FileCommandsTest, YesGoesOn) {
@@ -164,7 +164,7 @@ TEST_F(FileCommandsTest, SaveAsCopiesWithoutAFurtherQuestionAndPutsTheFileInForc
   EXPECT_EQ(messages->shown, QStringList());
   EXPECT_EQ(BytesOf(chooser.answer), WorkingBytes());
   EXPECT_EQ(program->userFile, chooser.answer);
-  EXPECT_EQ(window->calls, QStringList{QStringLiteral("status ") + chooser.answer});
+  EXPECT_EQ(calls, QStringList{QStringLiteral("user file ") + chooser.answer});
   EXPECT_TRUE(Requests().refresh.Contains(Window::MainDialog));
 }
 
@@ -190,7 +190,7 @@ TEST_F(FileCommandsTest, AFailedSaveAsChangesNothing) {
     EXPECT_EQ(program->userFile, inForce);
     EXPECT_EQ(WorkingBytes(), working);
   }
-  EXPECT_EQ(window->calls, QStringList());
+  EXPECT_EQ(calls, QStringList());
   EXPECT_TRUE(QDir(folder).isEmpty());
 }
 
@@ -201,7 +201,7 @@ TEST_F(FileCommandsTest, CloseFileLeavesTheSettingsAndTheConnection) {
   commands->CloseFile();
   EXPECT_EQ(messages->shown, QStringList{kProceed});
   EXPECT_EQ(program->userFile, QString());
-  EXPECT_EQ(window->calls, (QStringList{QStringLiteral("menu "), QStringLiteral("status ")}));
+  EXPECT_EQ(calls, (QStringList{QStringLiteral("menu state "), QStringLiteral("user file ")}));
   EXPECT_EQ(WorkingBytes(), working);
   EXPECT_EQ(program->settings.comPort, QStringLiteral("COM7"));
   EXPECT_TRUE(program->connection.connected.IsSet());
@@ -241,7 +241,7 @@ TEST_F(FileCommandsTest, RestoreDefaultsStartsOverAndKeepsTheUserFileOnDisk) {
   EXPECT_FALSE(program->connection.connected.IsSet());
   EXPECT_TRUE(program->connection.handle.IsNull());
   EXPECT_EQ(BytesOf(inForce), user);
-  EXPECT_EQ(window->calls, (QStringList{QStringLiteral("status "), QStringLiteral("terminal screen")}));
+  EXPECT_EQ(calls, (QStringList{QStringLiteral("user file "), QStringLiteral("terminal")}));
 }
 
 TEST_F(FileCommandsTest, RestoreDefaultsAsksEveryOtherWindowToCloseButShowsTheTerminalScreen) {
@@ -271,7 +271,7 @@ TEST_F(FileCommandsTest, RestoreDefaultsWithAScreenThatIsNotWantedAsksItToClose)
   commands->RestoreDefaults();
   EXPECT_TRUE(Requests().close.Contains(Window::TerminalScreen));
   EXPECT_FALSE(Requests().focus);
-  EXPECT_EQ(window->calls, QStringList{QStringLiteral("status ")});
+  EXPECT_EQ(calls, QStringList{QStringLiteral("user file ")});
 }
 
 TEST_F(FileCommandsTest, DefaultsThatCannotBeWrittenAreStillInForce) {
@@ -291,7 +291,7 @@ TEST_F(FileCommandsTest, ADropLoadsOnlyTheFirstFile) {
   EXPECT_EQ(program->userFile, first);
   EXPECT_TRUE(program->fileLoaded);
   EXPECT_TRUE(AllWindowsAreToldOfTheSettings());
-  EXPECT_EQ(window->calls, QStringList{QStringLiteral("status ") + first});
+  EXPECT_EQ(calls, QStringList{QStringLiteral("user file ") + first});
 }
 
 TEST_F(FileCommandsTest, AFailedDropLeavesNoFileInForce) {
@@ -301,7 +301,7 @@ TEST_F(FileCommandsTest, AFailedDropLeavesNoFileInForce) {
   EXPECT_EQ(program->userFile, QString());
   EXPECT_FALSE(program->fileLoaded);
   EXPECT_TRUE(program->connection.connected.IsSet());
-  EXPECT_EQ(window->calls, QStringList{QStringLiteral("status ")});
+  EXPECT_EQ(calls, QStringList{QStringLiteral("user file ")});
 }
 
 TEST_F(FileCommandsTest, ADropOfNothingIsNoDrop) {

@@ -1,6 +1,7 @@
 #include "dialogs/serial/port_choice.h"
 
 #include "dialogs/port_dialog_fixture.h"
+#include "support/scripted_line.h"
 
 namespace quarn::test {
 namespace {
@@ -106,34 +107,25 @@ TEST_F(PortChoiceTest, TheWaitIsShownThroughoutButForTheBoxes) {
   EXPECT_EQ(indicator.depth, 0);
 }
 
-/// Opens as usual, and writes down which device is asked for while the wait is shown how often.
-class NotedOpener final : public SerialLineOpener {
- public:
-  NotedOpener(SerialLineOpener& lines, const NoWaitIndicator& wait) : m_lines(lines), m_wait(wait) {}
-  QStringList opened;
-
-  OpenResult Open(const QString& devicePath) override {
-    opened.append(QStringLiteral("%1 at %2").arg(devicePath).arg(m_wait.depth));
-    if (devicePath == u"COM4") return {nullptr, {LineError::InUse, {}}};
-    return m_lines.Open(devicePath);
-  }
-
- private:
-  SerialLineOpener& m_lines;
-  const NoWaitIndicator& m_wait;
-};
-
 TEST_F(PortChoiceTest, TheWaitIsShownAtBothOpenings) {
   Plug("COM3");
   Plug("COM4");
   ConnectTo("COM3");
-  NotedOpener noted(*program.opener, indicator);
+  // Opens as usual, and notes how often the wait is shown then.
+  Journal paths;
+  ScriptedOpener opener(paths);
+  QStringList opened;
+  opener.open = [&](const QString& path) -> OpenResult {
+    opened.append(QStringLiteral("%1 at %2").arg(path).arg(indicator.depth));
+    if (path == u"COM4") return {nullptr, {LineError::InUse, {}}};
+    return program.opener->Open(path);
+  };
   const DialogContext context{program.settings, program.workingSettingsFile, program.connection,
-                              program.state,    *program.portSource,         {noted, messages, indicator},
+                              program.state,    *program.portSource,         {opener, messages, indicator},
                               std::ref(pause)};
   EXPECT_FALSE(ConnectToChosenPort(context, QStringLiteral("COM4"), FailureSentence::WithFullStop,
                                    [](const QString& /*status*/) {}));
-  EXPECT_EQ(noted.opened, (QStringList{"COM4 at 1", "COM3 at 1"}));
+  EXPECT_EQ(opened, (QStringList{"COM4 at 1", "COM3 at 1"}));
   EXPECT_EQ(indicator.depth, 0);
 }
 

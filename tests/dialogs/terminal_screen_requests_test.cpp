@@ -1,5 +1,5 @@
 #include "dialogs/terminal_fixture.h"
-#include "serial/scripted_line.h"
+#include "support/scripted_line.h"
 #include "support/waits.h"
 #include "support/window_places.h"
 #include "ui/placement.h"

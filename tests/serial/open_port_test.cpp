@@ -6,26 +6,14 @@
 
 #include "serial/line_parameters.h"
 #include "serial/line_test_support.h"
-#include "serial/noted_surroundings.h"
-#include "serial/scripted_line.h"
+#include "support/counted_indicator.h"
+#include "support/recorded_messages.h"
+#include "support/scripted_line.h"
 
 namespace quarn {
 namespace {
 
 using Steps = std::vector<std::string>;
-
-class ScriptedOpener final : public SerialLineOpener {
- public:
-  explicit ScriptedOpener(Journal& journal) : m_journal(journal) {}
-  OpenResult next;
-  OpenResult Open(const QString& devicePath) override {
-    m_journal.Note("open " + devicePath.toStdString());
-    return next;
-  }
-
- private:
-  Journal& m_journal;
-};
 
 class OpenPortTest : public testing::Test {
  protected:
@@ -36,7 +24,10 @@ class OpenPortTest : public testing::Test {
     m_settings.comParity = QStringLiteral("Odd");
     m_settings.comStop = QStringLiteral("2");
     m_settings.portSpeed = QStringLiteral("HIGH");
-    m_opener.next.line = m_line;
+    m_next.line = m_line;
+    m_opener.open = [this](const QString& /*path*/) { return m_next; };
+    m_messages.whileShown = [this] { m_journal.Note(m_messages.shown.last().toStdString()); };
+    m_indicator.changed = [this] { m_journal.Note(m_indicator.depth > 0 ? "wait shown" : "wait restored"); };
     List({QStringLiteral("COM1"), QStringLiteral("COM3")});
   }
 
@@ -56,9 +47,10 @@ class OpenPortTest : public testing::Test {
 
   Journal m_journal;
   std::shared_ptr<ScriptedLine> m_line = std::make_shared<ScriptedLine>(m_journal);
+  OpenResult m_next;  ///< of opening
   ScriptedOpener m_opener{m_journal};
-  NotedMessages m_messages{m_journal};
-  NotedIndicator m_indicator{m_journal};
+  test::RecordedMessages m_messages;
+  test::CountedIndicator m_indicator;
   PortEnvironment m_environment{m_opener, m_messages, m_indicator};
   SettingsRecord m_settings;
   PortConnection m_connection;
@@ -104,7 +96,7 @@ TEST_F(OpenPortTest, TheDevicePathFollowsTheNumber) {
 }
 
 TEST_F(OpenPortTest, AFailedOpenLeavesTheInvalidHandle) {
-  m_opener.next = {nullptr, {LineError::InUse, QStringLiteral("COM3: in use")}};
+  m_next = {nullptr, {LineError::InUse, QStringLiteral("COM3: in use")}};
   EXPECT_FALSE(Open());
   EXPECT_EQ(m_journal.Entries(), Steps{"open COM3"});
   EXPECT_TRUE(m_connection.handle.IsInvalid());
@@ -128,7 +120,7 @@ TEST_F(OpenPortTest, AFailedSetStateIsToldAndLeavesTheLineOpen) {
   m_line->failure = {LineError::Refused, QStringLiteral("refused")};
   EXPECT_FALSE(Open());
   EXPECT_EQ(m_journal.Entries(),
-            (Steps{"open COM3", "get state", "set state", "plain: Failed to set serial port state"}));
+            (Steps{"open COM3", "get state", "set state", "plain/Failed to set serial port state"}));
   EXPECT_EQ(m_connection.handle.Line(), m_line);
   EXPECT_EQ(m_connection.lastFailure.kind, LineError::Refused);
 }
@@ -138,7 +130,7 @@ TEST_F(OpenPortTest, FailedTimeoutsAreToldAndLeaveTheLineOpen) {
   m_line->failure = {LineError::Other, QStringLiteral("no time-outs")};
   EXPECT_FALSE(Open());
   EXPECT_EQ(m_journal.Entries(), (Steps{"open COM3", "get state", "set state", "set time-outs",
-                                        "plain: Failed to set serial port timeouts"}));
+                                        "plain/Failed to set serial port timeouts"}));
   EXPECT_EQ(m_connection.handle.Line(), m_line);
   EXPECT_EQ(m_connection.lastFailure.reason, QStringLiteral("no time-outs"));
 }
@@ -229,7 +221,7 @@ TEST_F(OpenPortTest, ResetStaysClosedWhenThePortHasGone) {
 
 TEST_F(OpenPortTest, ResetWhoseOpenFailsLeavesTheInvalidHandle) {
   HoldLine();
-  m_opener.next = {nullptr, {LineError::InUse, QStringLiteral("in use")}};
+  m_next = {nullptr, {LineError::InUse, QStringLiteral("in use")}};
   EXPECT_FALSE(Reset());
   EXPECT_EQ(m_journal.Entries(),
             (Steps{"wait shown", "cancel", "purge", "close", "open COM3", "wait restored"}));
@@ -242,7 +234,7 @@ TEST_F(OpenPortTest, ResetShowsTheMessageWhileTheIndicatorIsShown) {
   EXPECT_FALSE(Reset());
   const Steps steps = m_journal.Entries();
   ASSERT_GE(steps.size(), 2U);
-  EXPECT_EQ(steps[steps.size() - 2], "plain: Failed to set serial port state");
+  EXPECT_EQ(steps[steps.size() - 2], "plain/Failed to set serial port state");
   EXPECT_EQ(steps.back(), "wait restored");
 }
 
@@ -292,7 +284,7 @@ TEST_F(OpenPortTest, ReconfigureThatFailsLeavesTheLineOpen) {
   held->failure = {LineError::Refused, QStringLiteral("refused")};
   EXPECT_FALSE(ReconfigurePort(m_settings, m_connection, m_environment));
   EXPECT_EQ(m_journal.Entries(), (Steps{"cancel", "allow", "get state", "set state", "set time-outs",
-                                        "plain: Failed to set serial port timeouts"}));
+                                        "plain/Failed to set serial port timeouts"}));
   EXPECT_EQ(m_connection.lastFailure.kind, LineError::Refused);
   EXPECT_TRUE(m_connection.handle.IsOpen());
 }

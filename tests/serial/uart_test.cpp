@@ -10,10 +10,12 @@
 #include "serial/fake_uart.h"
 #include "serial/holder.h"
 #include "serial/line_test_support.h"
-#include "serial/noted_surroundings.h"
 #include "serial/open_port.h"
 #include "serial/open_terminal_linux.h"
 #include "serial/port_use_linux.h"
+#include "support/counted_indicator.h"
+#include "support/recorded_messages.h"
+#include "support/scripted_line.h"
 
 namespace quarn {
 namespace {
@@ -263,20 +265,12 @@ TEST_F(UartTest, APseudoTerminalIsLeftWithoutMarkAndFlags) {
   EXPECT_EQ(m_uart.Calls(), (Calls{"set state", "set state", "close"}));
 }
 
-class UartOpener final : public SerialLineOpener {
- public:
-  explicit UartOpener(QString node) : m_node(std::move(node)) {}
-  OpenResult Open(const QString&) override { return OpenTerminalDeviceAs(m_node, TerminalKind::Uart); }
-
- private:
-  QString m_node;
-};
-
 TEST_F(UartTest, OpenPortTellsOfARefusalAndKeepsTheLine) {
   Journal journal;
-  NotedMessages messages(journal);
-  NotedIndicator indicator(journal);
-  UartOpener opener(Node());
+  test::RecordedMessages messages;
+  test::CountedIndicator indicator;
+  ScriptedOpener opener(journal);
+  opener.open = [this](const QString& /*path*/) { return OpenTerminalDeviceAs(Node(), TerminalKind::Uart); };
   const PortEnvironment environment{opener, messages, indicator};
   SettingsRecord settings;
   settings.comPort = QStringLiteral("COM3");
@@ -287,7 +281,7 @@ TEST_F(UartTest, OpenPortTellsOfARefusalAndKeepsTheLine) {
   m_uart.take = OnlyKnows9600;
 
   EXPECT_FALSE(OpenPort(settings, connection, environment));
-  EXPECT_EQ(journal.Entries(), Calls{"plain: Failed to set serial port state"});
+  EXPECT_EQ(messages.shown, QStringList{"plain/Failed to set serial port state"});
   ASSERT_TRUE(connection.handle.IsOpen());
   EXPECT_TRUE(m_uart.marked) << "the line stays open";
   EXPECT_EQ(connection.lastFailure.kind, LineError::Refused);

@@ -3,10 +3,11 @@
 #include <cstring>
 
 #include "serial/line_test_support.h"
-#include "serial/noted_surroundings.h"
 #include "serial/open_port.h"
 #include "serial/played_driver_win32.h"
 #include "serial/serial_line_win32.h"
+#include "support/counted_indicator.h"
+#include "support/recorded_messages.h"
 
 namespace quarn {
 namespace {
@@ -104,9 +105,8 @@ TEST_F(Win32Driver, WhatTheDriverDoesNotTellIsNotSet) {
 }
 
 TEST_F(Win32Driver, OpeningAPortSetsAllFiveTimeouts) {
-  Journal journal;
-  NotedMessages messages(journal);
-  NotedIndicator indicator(journal);
+  test::RecordedMessages messages;
+  test::CountedIndicator indicator;
   Win32LineOpener opener;
   PortConnection connection;
   SettingsRecord settings;

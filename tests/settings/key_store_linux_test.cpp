@@ -2,12 +2,17 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <csignal>
+#include <cstdio>
+#include <functional>
+#include <thread>
 
 #include "settings/key_store.h"
 #include "settings/settings_load_save.h"
 #include "settings/settings_table.h"
 #include "settings/settings_test_support.h"
+#include "settings/working_file.h"
 
 // Root is refused by no permission, so a write is made to fail by the largest size a file may have, which
 // holds for everybody, and permissions are looked at rather than run into.
@@ -163,6 +168,83 @@ TEST_F(KeyStoreLinux, AReadOnlyFolderKeepsTheOldFile) {
     EXPECT_EQ(BytesOf(path), bytes);
   }
   EXPECT_EQ(FilesInFolder(), QStringList{QStringLiteral("Quarn.ini")});
+}
+
+/// Another thread that reads the file again and again.
+class Reader {
+ public:
+  Reader(QString path, QByteArray before, QByteArray after)
+      : m_path(std::move(path)), m_before(std::move(before)), m_after(std::move(after)) {}
+  ~Reader() {
+    m_stop = true;
+    m_thread.join();
+  }
+  Reader(const Reader&) = delete;
+  Reader& operator=(const Reader&) = delete;
+
+  /// Whether it has seen both files often, or anything else once.
+  [[nodiscard]] bool HasSeenEnough() const {
+    constexpr int kOften = 50;
+    return m_others > 0 || (m_befores >= kOften && m_afters >= kOften);
+  }
+  [[nodiscard]] int Others() const { return m_others; }
+
+ private:
+  void Run() {
+    while (!m_stop) {
+      const QByteArray bytes = ReadWholeBytes(m_path).value_or("no file");
+      ++(bytes == m_before ? m_befores : bytes == m_after ? m_afters : m_others);
+    }
+  }
+
+  const QString m_path;
+  const QByteArray m_before;
+  const QByteArray m_after;
+  std::atomic<bool> m_stop = false;
+  std::atomic<int> m_befores = 0;
+  std::atomic<int> m_afters = 0;
+  std::atomic<int> m_others = 0;
+  std::thread m_thread{[this] { Run(); }};
+};
+
+/// Whoever reads the file meanwhile finds it as it was before the operation or as it is after it.
+void ExpectNothingBetween(const QString& path, const std::function<void()>& operation) {
+  const auto replace = [&path](const QByteArray& bytes) {
+    const QString other = path + QStringLiteral(".other");
+    QFile file(other);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    ASSERT_EQ(file.write(bytes), bytes.size());
+    file.close();
+    ASSERT_EQ(std::rename(Utf8(other).constData(), Utf8(path).constData()), 0);
+  };
+  const QByteArray before = ReadWholeBytes(path).value();
+  operation();
+  const QByteArray after = ReadWholeBytes(path).value();
+  ASSERT_NE(before, after);
+  const Reader reader(path, before, after);
+  while (!reader.HasSeenEnough()) {
+    replace(before);
+    operation();
+  }
+  EXPECT_EQ(reader.Others(), 0);
+}
+
+TEST_F(KeyStoreLinux, AReaderNeverSeesHalfOfAnOperation) {
+  const QString path = WithBytes(NormalisedBytes(SortedDefaults()));
+  SettingsRecord record;
+  ASSERT_EQ(LoadSettings(path, record), LoadResult::Loaded);
+  record.comBits = QStringLiteral("7");
+  record.mem[9] = QStringLiteral("last");
+  ExpectNothingBetween(path, [&] { EXPECT_TRUE(SaveAllSettings(path, record)); });
+  EXPECT_EQ(ReadValue(path, keys::kComBits), QStringLiteral("7"));
+  EXPECT_EQ(ReadValue(path, keys::kMem[9]), QStringLiteral("last"));
+
+  ExpectNothingBetween(path, [&] { EXPECT_TRUE(UpdateValue(path, keys::kComPort, QStringLiteral("COM3"))); });
+  EXPECT_EQ(ReadValue(path, keys::kComPort), QStringLiteral("COM3"));
+
+  WithBytes(QByteArray(".BEGIN\nA=1\nB=2\nC=3\nCOM_PORT=COM3\n.END\n"));
+  ExpectNothingBetween(path, [&] { EXPECT_TRUE(UpgradeFile(path, CompareWithDefaults(path))); });
+  EXPECT_EQ(ReadValue(path, keys::kComPort), QStringLiteral("COM3"));
 }
 
 }  // namespace

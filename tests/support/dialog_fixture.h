@@ -11,11 +11,12 @@
 #include <memory>
 
 #include "dialogs/dialog_context.h"
-#include "serial/scripted_line.h"
 #include "settings/key_store.h"
 #include "settings/settings_table.h"
+#include "support/counted_indicator.h"
 #include "support/dialog_controls.h"
 #include "support/recorded_messages.h"
+#include "support/scripted_line.h"
 #include "support/waits.h"
 #include "ui/polled_dialog.h"
 
@@ -26,6 +27,7 @@ namespace quarn::test {
 class DialogFixture : public ::testing::Test {
  protected:
   DialogFixture() {
+    m_opener.open = [](const QString& /*path*/) { return OpenResult(); };
     EXPECT_TRUE(WriteDefaultFile(m_file));
     settings = DefaultSettings();
     before = File();
@@ -86,19 +88,12 @@ class DialogFixture : public ::testing::Test {
       return true;
     }
   };
-  struct NoLines final : SerialLineOpener {
-    OpenResult Open(const QString& /*devicePath*/) override { return {}; }
-  };
-  struct NoIndicator final : WaitIndicator {
-    void Show() override {}
-    void Restore() override {}
-  };
 
   QTemporaryDir m_folder;
   const QString m_file = m_folder.filePath(QStringLiteral("Quarn.ini"));
   NoPorts m_source;
-  NoLines m_opener;
-  NoIndicator m_indicator;
+  ScriptedOpener m_opener{journal};
+  CountedIndicator m_indicator;
 };
 
 }  // namespace quarn::test

@@ -3,9 +3,9 @@
 
 #include <cstdio>
 
-#include "serial/scripted_line.h"
+#include "support/scripted_line.h"
+#include "support/transaction_hosts.h"
 #include "terminal/execute_command.h"
-#include "terminal/scripted_host.h"
 
 int main(int argc, char** argv) {
   using namespace quarn;

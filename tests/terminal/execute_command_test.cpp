@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "serial/scripted_line.h"
+#include "support/scripted_line.h"
 #include "terminal/transaction_fixture.h"
 
 namespace quarn {

@@ -1,7 +1,7 @@
 #include "terminal/framing.h"
 
 #include "serial/line_test_support.h"
-#include "serial/scripted_line.h"
+#include "support/scripted_line.h"
 
 namespace quarn {
 namespace {

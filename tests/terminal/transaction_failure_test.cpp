@@ -1,7 +1,7 @@
 #include <cstring>
 
 #include "serial/line_parameters.h"
-#include "serial/scripted_line.h"
+#include "support/scripted_line.h"
 #include "terminal/receive_worker.h"
 #include "terminal/transaction.h"
 #include "terminal/transaction_fixture.h"

@@ -8,7 +8,7 @@
 #include "serial/line_test_support.h"
 #include "serial/open_port.h"
 #include "support/served_instrument.h"
-#include "terminal/scripted_host.h"
+#include "support/transaction_hosts.h"
 
 namespace quarn {
 

@@ -1,7 +1,7 @@
 #include "terminal/transaction.h"
 
-#include "serial/scripted_line.h"
 #include "support/no_threads_linux.h"
+#include "support/scripted_line.h"
 #include "terminal/execute_command.h"
 #include "terminal/transaction_fixture.h"
 

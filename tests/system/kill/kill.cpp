@@ -27,9 +27,9 @@
 #include <thread>
 #include <utility>
 
-#include "serial/noted_surroundings.h"
 #include "settings/key_store.h"
 #include "settings/working_file.h"
+#include "support/recorded_messages.h"
 #include "system/kill/kill_steps.h"
 
 namespace quarn::kill {
@@ -150,12 +150,11 @@ class KillRun {
   }
 
   bool NextStartTakesIt() {
-    Journal journal;
-    NotedMessages messages(journal);
+    test::RecordedMessages messages;
     SettingsRecord record;
     PrepareWorkingFile(m_paths.folder);
     LoadInitialSettings(m_paths.working, record, messages);
-    if (!journal.Entries().empty()) return Complain("the next start has something to say");
+    if (!messages.shown.isEmpty()) return Complain("the next start has something to say");
     return Read() == m_state || Complain("the next start has changed the files");
   }
 

@@ -8,28 +8,11 @@
 #include "settings/settings_load_save.h"
 #include "settings/settings_table.h"
 #include "settings/user_file.h"
+#include "support/recorded_messages.h"
 #include "terminal/function_key_table.h"
 
 namespace quarn::kill {
 namespace {
-
-/// Opening a file tells that it has been opened.
-class SilentMessages final : public MessageOperations {
- public:
-  void ShowErrorMessage(const QString&, const QString&, const QString&, const QString&) override {}
-  void ShowInformationMessage(const QString&, const QString&, const QString&, const QString&) override {}
-  bool AskConfirmation(const QString&, const QString&, const QString&, const QString&,
-                       AnswerByDefault) override {
-    return false;
-  }
-  bool AskYesNo(const QString&, const QString&, const QString&, const QString&, AnswerByDefault) override {
-    return false;
-  }
-  bool AskSimple(const QString&, AnswerByDefault) override { return false; }
-  bool AskSimpleYesNo(const QString&, AnswerByDefault) override { return false; }
-  void ShowTransientMessage(const QString&, std::optional<QPoint>) override {}
-  void ShowPlainMessage(const QString&) override {}
-};
 
 /// Out of these, a setting of the dialogs is changed most of the time.
 constexpr std::array kDeeds{Deed::SetOption, Deed::SetOption,      Deed::SetOption, Deed::SaveCommands,
@@ -54,7 +37,7 @@ bool SaveCommands(const QString& path, const QString& text) {
 }
 
 bool OpenFile(const Paths& paths) {
-  SilentMessages messages;
+  test::RecordedMessages messages;
   SettingsRecord record;
   return !OpenUserFile(paths.user, paths.working, record, messages).isEmpty();
 }

@@ -30,9 +30,11 @@
 #include <thread>
 
 #include "device/pseudo_terminal.h"
-#include "serial/noted_surroundings.h"
 #include "serial/open_port.h"
 #include "serial/platform_serial.h"
+#include "support/counted_indicator.h"
+#include "support/recorded_messages.h"
+#include "support/transaction_hosts.h"
 #include "terminal/execute_command.h"
 
 namespace quarn {
@@ -175,16 +177,6 @@ class SoakInstrument {
   std::atomic<Clock::time_point> m_sent;
   std::atomic<int> m_served = 0;
   std::thread m_thread;
-};
-
-class SilentHost final : public TransactionHost {
- public:
-  void BeginWait() override {}
-  void EndWait() override {}
-  void KeepPainting() override {}
-  void ShowWaitingText(const QString& /*text*/) override {}
-  [[nodiscard]] int CaretPosition() const override { return -1; }
-  bool EscapePressed() override { return false; }
 };
 
 /// A process that never waits; it ends with this one.
@@ -331,9 +323,8 @@ class Soak {
   const QTemporaryDir m_folder;
   SoakInstrument m_instrument;
   SettingsRecord m_settings;
-  Journal m_journal;
-  NotedMessages m_messages{m_journal};
-  NotedIndicator m_indicator{m_journal};
+  test::RecordedMessages m_messages;
+  test::CountedIndicator m_indicator;
   const std::unique_ptr<SerialLineOpener> m_opener = CreateLineOpener(m_folder.path());
   PortConnection m_connection;
   TransactionEngine m_engine{m_connection};

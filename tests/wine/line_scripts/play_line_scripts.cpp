@@ -25,11 +25,12 @@
 #include <memory>
 #include <optional>
 
-#include "serial/noted_surroundings.h"
 #include "serial/open_port.h"
 #include "serial/platform_serial.h"
+#include "support/counted_indicator.h"
+#include "support/recorded_messages.h"
+#include "support/transaction_hosts.h"
 #include "terminal/framing.h"
-#include "terminal/scripted_host.h"
 #include "terminal/transaction.h"
 
 namespace quarn {
@@ -118,9 +119,8 @@ void LetFallSilent(SerialLine& line) {
 }
 
 void Play(const LineScript& script, const QString& port, SerialLineOpener& opener) {
-  Journal journal;
-  NotedMessages messages(journal);
-  NotedIndicator indicator(journal);
+  test::RecordedMessages messages;
+  test::CountedIndicator indicator;
   PortConnection connection;
   SettingsRecord settings = script.settings;
   settings.comPort = port;

@@ -46,4 +46,15 @@ class ScriptedHost final : public TransactionHost {
   void NoteOrder() { outsideWait = outsideWait || !IsWaiting(); }
 };
 
+/// Keeps nothing, so that a long run needs no memory for it.
+class SilentHost final : public TransactionHost {
+ public:
+  void BeginWait() override {}
+  void EndWait() override {}
+  void KeepPainting() override {}
+  void ShowWaitingText(const QString& /*text*/) override {}
+  [[nodiscard]] int CaretPosition() const override { return -1; }
+  bool EscapePressed() override { return false; }
+};
+
 }  // namespace quarn

@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <functional>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <utility>
@@ -98,6 +99,22 @@ class ScriptedLine : public SerialLine {
  private:
   [[nodiscard]] LineResult Works(bool works) const { return works ? LineResult() : LineResult(failure); }
 
+  Journal& m_journal;
+};
+
+/// Opens what a test says, and notes each path.
+class ScriptedOpener final : public SerialLineOpener {
+ public:
+  explicit ScriptedOpener(Journal& journal) : m_journal(journal) {}
+  /// The result of each call. Unset: a new line that notes its calls in the same journal.
+  std::function<OpenResult(const QString& path)> open;
+
+  OpenResult Open(const QString& devicePath) override {
+    m_journal.Note("open " + devicePath.toStdString());
+    return open ? open(devicePath) : OpenResult{std::make_shared<ScriptedLine>(m_journal), {}};
+  }
+
+ private:
   Journal& m_journal;
 };
 
