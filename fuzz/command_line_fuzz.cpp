@@ -1,4 +1,4 @@
-// The command line under any sequence of keys, pastes and stored commands, and what is framed from it.
+// The command line with any sequence of keys, pastes and stored commands, and the framed command.
 
 #include <algorithm>
 #include <array>
@@ -23,7 +23,7 @@ void Require(bool condition) {
 
 void RequireCursorAtEnd(const CommandLine& line) { Require(line.CursorPos() == line.Text().size()); }
 
-/// What typing may do: the text grows by at most this character and never beyond the limit.
+/// Typing adds at most this character, and never exceeds the limit.
 void CheckTyped(const CommandLine& before, const CommandLine& line, QChar character, int limit) {
   const bool typed = line.CursorPos() != before.CursorPos();
   if (!typed) {
@@ -37,7 +37,7 @@ void CheckTyped(const CommandLine& before, const CommandLine& line, QChar charac
   Require(line.Text()[std::min<qsizetype>(before.CursorPos(), before.Text().size())] == character);
 }
 
-/// One key or button, and what it must leave behind.
+/// One key or button, and a check of the state after it.
 void Step(CommandLine& line, std::uint8_t action, QChar character, int limit) {
   const CommandLine before = line;
   switch (action % 14) {

@@ -1,4 +1,4 @@
-// The simulated instrument's rules and the commands it takes off the line.
+// The simulated instrument's rules, and the commands that it reads from the line.
 
 #include <cstddef>
 #include <cstdint>
@@ -14,8 +14,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string_view text(reinterpret_cast<const char*>(data), size);
   std::string received(text);
   const auto commands = quarn::device::TakeCommands(received);
-  // No byte is part of two commands, and none is made up: they follow one another in what came, and what is
-  // left for the next is its end. What stands between was dropped, by a new STX or for being too long.
+  // Each byte belongs to one command at most, and none is invented: the commands are in the input, in order,
+  // and its end is kept for the next one. Bytes between them were dropped: by a new STX, or as too long.
   std::size_t at = 0;
   for (const auto& command : commands) {
     const std::string whole = command.before + command.text + command.after;
@@ -29,7 +29,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const quarn::device::Rules rules = quarn::device::ParseRules(text);
     for (const auto& command : commands) quarn::device::FindRule(rules, command.text);
   } catch (const std::runtime_error&) {
-    // The answer to a line that is no rule.
+    // The exception for a line that is not a rule.
   }
   return 0;
 }

@@ -8,8 +8,8 @@
 #include "serial/port_names.h"
 #include "serial/port_source.h"
 
-// Friendly names come from devices and drivers. The input is read as UTF-8 and, for units that UTF-8 cannot
-// say, as UTF-16.
+// Friendly names come from devices and drivers. The input is read as UTF-8, and as UTF-16 for units that
+// UTF-8 cannot express.
 
 namespace {
 
@@ -29,10 +29,10 @@ void CheckShortName(const QString& friendlyName) {
   Require(quarn::DevicePathOf(friendlyName).endsWith(friendlyName));
 }
 
-/// The number that a name is sorted by: COM7 stands where COM07 would.
+/// The number by which a name is sorted: COM7 sorts like COM07.
 QString NumberOf(const QString& shortName) { return shortName.mid(3).rightJustified(2, QLatin1Char('0')); }
 
-/// Sorting keeps every name that has a port, once for each time it came, in the order of the numbers.
+/// Sorting keeps every name with a port, as often as it occurs, in the order of the numbers.
 void CheckSorting(const QString& text) {
   const QStringList lines = text.split(QLatin1Char('\n')).mid(0, quarn::kPortCapacity);
   PortNames names;

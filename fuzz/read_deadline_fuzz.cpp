@@ -1,5 +1,5 @@
-// A line that hands over chunks at random moments of a made-up clock, read as serial_line_linux does: what a
-// read brings, and when it ends, is what its time-outs say, whatever the line does.
+// A line delivers chunks at random times of a simulated clock, and is read as serial_line_linux does. The
+// bytes of a read and its end must follow from its time-outs, whatever the line does.
 
 #include <algorithm>
 #include <chrono>
@@ -41,10 +41,10 @@ struct Chunk {
 
 struct Outcome {
   std::size_t bytes = 0;
-  std::optional<milliseconds> end;  ///< nothing: it waits for ever
+  std::optional<milliseconds> end;  ///< nullopt: it waits without limit
 };
 
-/// The reader's loop on the made-up clock.
+/// The reader's loop on the simulated clock.
 Outcome Read(const LineTimeouts& timeouts, std::size_t size, const std::vector<Chunk>& chunks) {
   const LineClock::time_point start{};
   ReadDeadline deadline(timeouts, size, start);
@@ -65,7 +65,7 @@ Outcome Read(const LineTimeouts& timeouts, std::size_t size, const std::vector<C
   return outcome;
 }
 
-/// The same by the words of the time-outs' description: no state but the list of arrivals.
+/// The same, computed from the description of the time-outs: its only state is the list of arrivals.
 Outcome Expected(const LineTimeouts& timeouts, std::size_t size, const std::vector<Chunk>& chunks) {
   const std::uint64_t total = std::uint64_t{timeouts.readTotalMultiplier} * size + timeouts.readTotalConstant;
   std::optional<milliseconds> last;

@@ -31,7 +31,7 @@ void CheckText(const QByteArray& text, int width) {
   Require(text.endsWith('\r'));
 }
 
-/// The text three times in a log: every line whole and in order, the last in view.
+/// Puts the text into a log three times: every line is complete and in order, and the last one is visible.
 void CheckLog(const QByteArray& text, const QString& lineNum) {
   // One log for all runs, as the program has one for all sessions.
   static OperationLog log;

@@ -7,8 +7,8 @@
 #include "settings/settings_table.h"
 #include "settings/settings_text.h"
 
-// The input is the bytes of a settings file. No file may crash what reads it, and what comes out of a
-// change must hold it and nothing more. A fatal limit is a proper end, so here it only ends the one call.
+// The input is the bytes of a settings file. No file may crash its reader, and a changed file must
+// have this change and no other. A fatal limit is a correct end; here it ends only one call.
 namespace quarn {
 namespace {
 
@@ -18,7 +18,7 @@ void Require(bool holds) {
   if (!holds) std::abort();
 }
 
-/// Runs one operation, as far as it gets before it passes a fatal limit.
+/// Runs one operation, until it ends or passes a fatal limit.
 template <typename Operation>
 void WithinBounds(Operation operation) {
   try {
@@ -40,7 +40,7 @@ void CheckUpdate(const QString& text, SettingsKey key, const QString& value) {
 
 void CheckNormalised(const QString& text, const QStringList& expected) {
   const std::optional<QStringList> entries = EntriesOf(text);
-  // Entries that name the frame themselves, or are too many, are not seen the same way again.
+  // Entries that contain ".BEGIN" or ".END", or too many entries, are read back differently.
   if (!entries || expected.size() > kMaxLines) return;
   for (const QString& entry : expected) {
     if (entry.startsWith(QStringLiteral(".BEGIN")) || entry.startsWith(QStringLiteral(".END"))) return;
@@ -66,7 +66,7 @@ void CheckAddAndRemove(const QString& text, const QString& line) {
 }
 
 void CheckFile(QByteArrayView bytes) {
-  // What a reader of a huge file gets: never more than the whole, never half a character.
+  // The reader of a huge file gets at most the whole file, and no partial character.
   (void)DecodeSettingsText(bytes, BytesAre::CutShort);
   const std::optional<QString> text = DecodeSettingsText(bytes);
   if (!text) return;
@@ -79,7 +79,7 @@ void CheckFile(QByteArrayView bytes) {
   WithinBounds([&] { CheckUpdate(*text, keys::kMem[3], QString()); });
   WithinBounds([&] { CheckUpdate(*text, SettingsKey(u".VER="), QStringLiteral("\u00E9\U0001F600")); });
   WithinBounds([&] { CheckAddAndRemove(*text, QStringLiteral("MARK_COLOR=WHITE")); });
-  // A key out of the file itself.
+  // A key of the file.
   WithinBounds([&] { CheckAddAndRemove(*text, text->section(u'\n', 2, 2) + u'+'); });
 }
 

@@ -13,9 +13,8 @@
 #include "settings/settings_table.h"
 #include "settings/working_file.h"
 
-// The input is a settings file of any version, as a file: compared with the program's keys and brought up to
-// date. Afterwards it has no key that the program does not know, has lost no entry that it does know,
-// and can be read again; or it is what it was.
+// The input is a settings file of any version. Its keys are compared with those of the program, and it is
+// updated. Then it has no unknown key and all its known entries, and can be read; or it is unchanged.
 namespace quarn {
 namespace {
 
@@ -25,7 +24,7 @@ void Require(bool holds) {
   if (!holds) std::abort();
 }
 
-/// One file of this process's own; in memory where there is such a place.
+/// One file of this process, in memory if the system has a place for that.
 class OneFile {
  public:
   OneFile() : m_folder(Place() + QStringLiteral("/quarn-fuzz-XXXXXX")) {}
@@ -34,7 +33,7 @@ class OneFile {
     QFile file(Path());
     Require(file.open(QIODevice::WriteOnly) && file.write(bytes, size) == size);
   }
-  /// The file alone, and nothing beside it.
+  /// The folder contains only this file.
   [[nodiscard]] qsizetype Count() const {
     return QDir(m_folder.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot).size();
   }
@@ -52,7 +51,7 @@ QStringList Entries(const QString& path) {
   return entries;
 }
 
-/// What an update must leave: entries that are known, and that no unknown one takes along.
+/// The entries that an update must keep: the known ones, unless the removal of an unknown one removes them.
 QStringList KeptOf(const QStringList& entries, const KeySetComparison& comparison) {
   QStringList kept;
   for (const QString& entry : entries) {
@@ -86,7 +85,7 @@ void CheckUpgrade(const QString& path) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const quarn::OneFile file;
   static const bool prepared = [] {
-    // Every file that cannot be read would be noted.
+    // Otherwise each file that cannot be read would be logged.
     QLoggingCategory::setFilterRules(QStringLiteral("quarn.settings.debug=false"));
     quarn::SetBoundsErrorHandler([](const quarn::PassedLimit&) { throw quarn::BoundsError{}; });
     return true;
@@ -96,7 +95,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   try {
     quarn::CheckUpgrade(file.Path());
   } catch (const quarn::BoundsError&) {
-    // A fatal limit is a proper end.
+    // A fatal limit is a correct end.
   }
   quarn::Require(file.Count() == 1);
   return 0;

@@ -21,7 +21,7 @@
 namespace quarn::send {
 namespace {
 
-/// There is nobody to ask and nothing to draw: messages go to standard error.
+/// Prints messages on standard error. Nobody can be asked.
 class StandardErrorMessages final : public MessageOperations {
  public:
   void ShowErrorMessage(const QString&, const QString& line0, const QString& line1,
@@ -51,7 +51,7 @@ class NoIndicator final : public WaitIndicator {
   void Restore() override {}
 };
 
-/// Nothing has to be painted or held; Ctrl+C is the ESC key.
+/// A shell needs no painting and no held input. Ctrl+C acts as the ESC key.
 class ShellHost final : public TransactionHost {
  public:
   void BeginWait() override {}
@@ -62,7 +62,7 @@ class ShellHost final : public TransactionHost {
   bool EscapePressed() override { return IsInterrupted(); }
 };
 
-/// A command as a message names it, not longer than a line.
+/// The command as shown in a message, at most one line long.
 QString Quoted(const QByteArray& command) {
   constexpr qsizetype kMost = 40;
   const QByteArray text = SpellOut(command.left(kMost));
@@ -70,7 +70,7 @@ QString Quoted(const QByteArray& command) {
          (command.size() > kMost ? QStringLiteral("...\"") : QStringLiteral("\""));
 }
 
-/// Half a command is another command: it is refused, and those beside it with it.
+/// Refuses all commands if one of them could be sent only in part: a part could be a different command.
 bool AllCanBeSent(const QByteArrayList& commands, const QString& delimiter) {
   for (const QByteArray& command : commands) {
     switch (TransmissionOf(delimiter, command)) {
@@ -89,8 +89,8 @@ bool AllCanBeSent(const QByteArrayList& commands, const QString& delimiter) {
   return true;
 }
 
-/// Why a port that is not listed may be there all the same: the folder with the numbers cannot be read, or
-/// not as often as a listing opens something. Empty when the list is to be trusted.
+/// Why a port may exist although it is not listed: the folder with the numbers cannot be opened, or too few
+/// files can be opened for a listing. Empty if the list is complete.
 QString WhyNotListed(const QString& portsFolder) {
   constexpr int kMostOpenAtATime = 16;
   std::vector<std::filesystem::directory_iterator> open;
@@ -127,13 +127,14 @@ QByteArray OutcomeText(const Options& options, const TransactionOutcome& outcome
   return LogTextOf(outcome, SpellOut(command), settings).replace('\r', '\n');
 }
 
-/// One command and what came of it; the exit status.
+/// Runs one command and prints its outcome. Returns the exit status.
 int SendOne(const Options& options, const SettingsRecord& settings, TransactionEngine& engine,
             const QByteArray& command) {
   ShellHost host;
   const TransactionOutcome outcome = engine.RunTransaction(settings, host, command);
   if (!Print(OutcomeText(options, outcome, command, settings))) return kNotPrinted;
-  // The log has no line for a read that failed and shows what came before once more. Scripts are told.
+  // For a failed read the log has no line of its own and shows the earlier response again. A script must
+  // know.
   if (!outcome.lineFailed) return static_cast<int>(outcome.result);
   const QString quoted = Quoted(command);
   const QString noThread = engine.WhyNoThread();
@@ -143,7 +144,7 @@ int SendOne(const Options& options, const SettingsRecord& settings, TransactionE
   return kFailed;
 }
 
-/// All of them, or as many as there are before one that ends the run.
+/// Runs the commands until one ends the run.
 int SendAll(const Options& options, const SettingsRecord& settings, const PortConnection& connection) {
   TransactionEngine engine(connection);
   int status = 0;

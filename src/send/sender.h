@@ -14,8 +14,8 @@ inline constexpr int kWrongUsage = 64;
 inline constexpr int kNotPrinted = 74;
 
 /// Opens the port, runs every command as one transaction and prints the outcomes on standard output, with
-/// line feeds for the log's CRs. Returns the exit status; what could not be opened, and a line that failed,
-/// is told on standard error.
+/// line feeds for the log's CRs. Returns the exit status. A port or file that cannot be
+/// opened, and a failed line, are reported on standard error.
 int Send(const Options& options);
 
 }  // namespace quarn::send

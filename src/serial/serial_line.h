@@ -10,13 +10,13 @@
 
 namespace quarn {
 
-/// Why a line operation failed: a closed set for decisions, and the system's own words for people.
+/// Why a line operation failed: a fixed set of values for decisions, and the system's text for the user.
 enum class LineError {
   None,
-  NotFound,      ///< no such port, or what stands there is no terminal device
+  NotFound,      ///< no such port, or not a terminal device
   NoPermission,  ///< the user may not open the device
   InUse,         ///< another program holds the line
-  Refused,       ///< the driver does not take the requested parameters
+  Refused,       ///< the driver refuses the requested parameters
   Disconnected,  ///< the far end or the adapter is gone
   Cancelled,     ///< CancelIo ended a read or a write
   Other,
@@ -24,11 +24,11 @@ enum class LineError {
 
 struct LineFailure {
   LineError kind = LineError::None;
-  QString reason{};  ///< for people; names the device
+  QString reason{};  ///< for the user; names the device
 };
 
-/// Whether an operation on a line was done, and if not, why: the failure of that one call, whatever other
-/// threads do with the line meanwhile. True when it was done.
+/// Whether an operation on a line succeeded, and if not, why. It is the failure of this call, whatever other
+/// threads do with the line. True after a success.
 class LineResult {
  public:
   LineResult() = default;
@@ -43,14 +43,14 @@ class LineResult {
   std::optional<LineFailure> m_failure;
 };
 
-/// Number of stop bits as the line knows them; the numbers are the comm API's.
+/// Number of stop bits; the numbers are those of the comm API.
 enum class StopBits : std::uint8_t { One = 0, OnePointFive = 1, Two = 2 };
 
-/// Parity; the numbers are the comm API's.
+/// Parity; the numbers are those of the comm API.
 enum class Parity : std::uint8_t { None = 0, Odd = 1, Even = 2 };
 
-/// The four line parameters that the program sets. Everything else of the driver's state stays as the
-/// driver had it when the line was opened.
+/// The four line parameters that the program sets. The rest of the driver's state stays as it was when the
+/// line was opened.
 struct LineState {
   std::uint32_t baudRate = 9600;  ///< bits per second
   std::uint8_t byteSize = 8;      ///< data bits, 5 to 8
@@ -64,7 +64,7 @@ struct LineState {
 ///  - A read ends when, after its first byte, no further byte came for `readInterval` (0: never).
 ///  - It also ends `readTotalMultiplier` x requested bytes + `readTotalConstant` after it was called
 ///    (both 0: never). A write has the same total limit with its own two values.
-///  - readInterval 0xFFFFFFFF with both totals 0 takes what is there and returns at once.
+///  - readInterval 0xFFFFFFFF with both totals 0: takes the received bytes and returns at once.
 struct LineTimeouts {
   std::uint32_t readInterval = 0;
   std::uint32_t readTotalMultiplier = 0;
@@ -75,17 +75,17 @@ struct LineTimeouts {
   bool operator==(const LineTimeouts&) const = default;
 };
 
-/// Outcome of one Read or Write. A call that ran into a time-out is not failed: it moved fewer bytes
-/// than were asked for, possibly none. When the line breaks, or CancelIo or Close ends the call, after
-/// some bytes have moved, it succeeds with those bytes and the next one fails.
+/// Outcome of one Read or Write. A time-out is not a failure: fewer bytes were moved than requested, possibly
+/// none. If the line breaks, or CancelIo or Close ends the call, after some bytes were moved, the call
+/// succeeds with these bytes and the next call fails.
 struct IoResult {
   bool ok = false;
   std::size_t bytes = 0;
-  /// What made the call fail, or ended it behind some bytes. Kind None when nothing did.
+  /// Why the call failed, or ended after some bytes. Kind None otherwise.
   LineFailure failure{};
 };
 
-/// One open serial line, in the comm API's own terms so that both platforms are mirrors of each other.
+/// One open serial line, in the terms of the comm API, so that both platforms behave alike.
 ///
 /// Threads: one thread reads or writes at a time. CancelIo and Close may be called from another thread
 /// while a Read or Write is blocked: they wake it first, and nothing is closed under a reader.
@@ -94,10 +94,10 @@ class SerialLine {
   virtual ~SerialLine() = default;
 
   virtual LineResult GetState(LineState& state) = 0;
-  /// Fails, and leaves the line as it was, when the driver refuses any of the four parameters.
+  /// If the driver refuses one of the four parameters, fails and leaves the line as it was.
   virtual LineResult SetState(const LineState& state) = 0;
   virtual LineResult SetTimeouts(const LineTimeouts& timeouts) = 0;
-  /// Drops what waits to be sent and what has been received but not read.
+  /// Drops bytes that are not sent yet, and received bytes that are not read yet.
   virtual LineResult Purge() = 0;
   /// Clears a communication error that the driver holds.
   virtual LineResult ClearError() = 0;
@@ -107,14 +107,14 @@ class SerialLine {
   /// AllowIo is called.
   virtual void CancelIo() = 0;
   virtual void AllowIo() = 0;
-  /// Puts the driver's former state back and closes. Fails when the system reports a failure; the line
-  /// is closed all the same. Every operation fails afterwards, with LineError::Disconnected, and AllowIo
-  /// changes nothing about that. May wait for queued bytes to go out, for less than a second; drops those
-  /// that do not. Returns within a second whatever the driver does.
+  /// Restores the driver's former state and closes. Fails if the system reports a failure; the line is
+  /// closed anyway. Afterwards every operation fails with LineError::Disconnected, also after AllowIo. Waits
+  /// less than a second for queued bytes to be sent, and drops the rest. Returns within a second whatever the
+  /// driver does.
   virtual LineResult Close() = 0;
-  /// Whether the line has died: it was hung up, its device is gone, or another one has its place; once a read
-  /// or a write has met that it stays so. May be asked at any time and costs next to nothing; never waits for
-  /// a read. False while it is not known, and for a line that was closed.
+  /// Whether the line is lost: it was hung up, its device is gone, or another device has its place. Once a
+  /// read or write has found this, it does not change. May be called at any time, is fast and never waits for
+  /// a read. False if this is not known, and for a closed line.
   virtual bool IsLost() = 0;
 };
 

@@ -33,14 +33,14 @@
 namespace quarn {
 namespace {
 
-/// "Permission denied" alone helps nobody: say which group may open the device.
+/// "Permission denied" alone does not help: name the group that may open the device.
 LineFailure NoPermissionFailure(const QString& node, const DeviceNode& device, int error) {
   const std::string known = NoPermissionReason(device);
   const QString reason = known.empty() ? SystemText(error) : QString::fromStdString(known);
   return {LineError::NoPermission, QStringLiteral("%1: %2").arg(node, reason)};
 }
 
-/// What a wait for a line has come to. Without a failure the line is ready, or the time is up.
+/// The result of waiting for a line. Without a failure the line is ready, or the time is up.
 struct Readiness {
   bool timedOut = false;
   std::optional<LineFailure> failure{};
@@ -51,21 +51,21 @@ IoResult EndedBy(LineFailure failure, std::size_t bytes) {
   return {.ok = bytes > 0, .bytes = bytes, .failure = std::move(failure)};
 }
 
-/// Closing waits no longer than this for bytes to go out, however slow the line: a person waits for it.
+/// The longest time that closing waits for bytes to be sent, however slow the line is: a person waits.
 constexpr std::chrono::milliseconds kLongestDrain{700};
-/// And no longer than this for a driver that waits by itself.
+/// The longest time that it lets the driver wait in one call.
 constexpr std::chrono::milliseconds kLongestWaitInDriver{100};
-/// No character takes more: a start bit, eight data bits, parity and two stop bits.
+/// The longest character: a start bit, eight data bits, parity and two stop bits.
 constexpr std::int64_t kMostBits = 12;
 
-/// What opening has taken and Close gives back.
+/// What opening took, and Close releases.
 struct LineHold {
   FileDescriptor line;
   FileDescriptor wake;
   dev_t device = 0;  ///< its number
   termios2 former{};
   TerminalKind kind = TerminalKind::Uart;
-  // Behind the descriptor that they are about, to be given back before it is closed.
+  // After the descriptor, so that they are released before it is closed.
   ExclusiveMark mark;
   LowLatency latency;
 };
@@ -95,7 +95,7 @@ class LinuxSerialLine final : public SerialLine {
     if (LineResult set = Control(TCSETS2, &wanted); !set) return set;
     LineState reported;
     if (LineResult looked = GetState(reported); !looked) {
-      // What cannot be looked at is not left in force.
+      // A state that cannot be checked must not stay.
       ControlLine(m_hold.line.Get(), TCSETS2, &earlier);
       return looked;
     }
@@ -120,7 +120,7 @@ class LinuxSerialLine final : public SerialLine {
     return Conclude(FlushLine(m_hold.line.Get(), TCIOFLUSH) == 0);
   }
 
-  /// Linux holds no error that would block a line; a state that cannot be read is one that is gone.
+  /// Linux keeps no error that blocks a line. If the state cannot be read, the device is gone.
   LineResult ClearError() override {
     LineState ignored;
     return GetState(ignored);
@@ -141,7 +141,7 @@ class LinuxSerialLine final : public SerialLine {
         continue;
       }
       if (count < 0 && (errno == EAGAIN || errno == EINTR)) continue;
-      // Zero bytes from a line that waits for at least one: it has been hung up.
+      // No bytes although the read waits for at least one: the line has been hung up.
       return EndedBy(Break(count == 0 ? EIO : errno), got);
     }
     return {.ok = true, .bytes = got};
@@ -174,7 +174,7 @@ class LinuxSerialLine final : public SerialLine {
 
   void AllowIo() override {
     const std::lock_guard guard(m_wakeMutex);
-    // The wake-up that Close sends is for good.
+    // The wake-up that Close sends is never cleared.
     if (m_closing) return;
     std::uint64_t count = 0;
     [[maybe_unused]] const ssize_t taken =
@@ -214,28 +214,27 @@ class LinuxSerialLine final : public SerialLine {
   /// Under m_wakeMutex.
   void Wake() {
     const std::uint64_t one = 1;
-    // Can only fail when the counter is full, and then the reader is awake already.
+    // This fails only if the counter is full, and then the reader is awake already.
     [[maybe_unused]] const ssize_t written =
         RetryOnEintr([&] { return ::write(m_hold.wake.Get(), &one, sizeof one); });
   }
 
-  /// What does not go out in time is dropped: the driver would wait for it when it is closed.
+  /// Bytes that are not sent in time are dropped: the driver would wait for them at the close.
   void LetBytesGoOut() {
     const int line = m_hold.line.Get();
     const auto now = LineClock::now();
     const auto longest = now + kLongestDrain;
     const auto deadline = WriteDeadline(Timeouts(), QueuedOutput(line), now).value_or(longest);
-    // The last bytes may still be in the chip's own buffer, and are to go out at the rate they were meant
-    // for.
+    // The last bytes may still be in the chip's buffer. They must be sent at their own rate.
     if (DrainOutput(line, std::min(deadline, longest))) {
       std::this_thread::sleep_until(std::min(m_sentBy, longest));
     }
   }
 
-  /// A line whose device is gone takes none of these; there is nothing left to put back then.
+  /// All of these calls fail if the device is gone; then there is nothing to restore.
   ///
-  /// A line that echoes sends back to the instrument what comes in. So that flag comes back last, by a call
-  /// that has nothing else to do, right before the descriptor is closed.
+  /// A line that echoes sends received bytes back to the instrument. So the echo flag is restored last, by a
+  /// call of its own, right before the descriptor is closed.
   void GiveBack() {
     const int line = m_hold.line.Get();
     m_hold.latency.PutBack(line);
@@ -248,7 +247,7 @@ class LinuxSerialLine final : public SerialLine {
     ControlLineBriefly(line, TCSETS2, &m_hold.former);
   }
 
-  /// How long a UART takes at most, if nothing holds it up.
+  /// The longest time that a UART needs, if nothing stops it.
   [[nodiscard]] LineClock::duration TimeToSend(ssize_t bytes) const {
     const auto rate = std::max<std::int64_t>(m_baudRate, 1);
     return std::chrono::microseconds(kMostBits * std::int64_t{bytes} * std::int64_t{1'000'000} / rate);
@@ -266,7 +265,7 @@ class LinuxSerialLine final : public SerialLine {
     if (count == 0) return {.timedOut = true};
     if (count < 0) return {.failure = FailureOfLine(errno)};
     if (polled[1].revents != 0) return Stopped();
-    return {};  // hang-ups and errors included: the read or write reports them
+    return {};  // also for hang-ups and errors, which the read or write reports
   }
 
   LineResult Control(unsigned long request, void* argument) {
@@ -274,14 +273,14 @@ class LinuxSerialLine final : public SerialLine {
     return Conclude(ControlLine(m_hold.line.Get(), request, argument) == 0);
   }
 
-  /// With the last system error when a call was not `done`.
+  /// With the last system error if a call was not `done`.
   [[nodiscard]] LineResult Conclude(bool done) const {
     return done ? LineResult() : LineResult(FailureOfLine(errno));
   }
 
   [[nodiscard]] LineFailure FailureOfLine(int error) const {
     LineFailure failure = FailureOf(m_node, error);
-    // The device was there when it was opened: a driver whose adapter is gone says so, too.
+    // The device existed when it was opened. A driver whose adapter is gone also gives this error.
     if (failure.kind == LineError::NotFound) failure.kind = LineError::Disconnected;
     return failure;
   }
@@ -307,13 +306,13 @@ class LinuxSerialLine final : public SerialLine {
   const QString m_node;
   LineHold m_hold;
   std::atomic<std::uint32_t> m_baudRate;
-  LineClock::time_point m_sentBy;  ///< when what was written has left a UART; under m_ioMutex
+  LineClock::time_point m_sentBy;  ///< when a UART has sent all written bytes; under m_ioMutex
   std::atomic<bool> m_cancelled = false;
-  std::atomic<bool> m_closing = false;  ///< never false again
-  std::atomic<bool> m_broken = false;   ///< nor is this
-  // Lock order: m_ioMutex, m_lineMutex; the other two alone, or under these.
-  std::mutex m_ioMutex;    ///< held by whoever reads, writes or closes
-  std::mutex m_lineMutex;  ///< held for one control call, or to close: these must not wait for a read
+  std::atomic<bool> m_closing = false;  ///< once true, stays true
+  std::atomic<bool> m_broken = false;   ///< once true, stays true
+  // Lock order: m_ioMutex, m_lineMutex; the others alone, or after these.
+  std::mutex m_ioMutex;    ///< held to read, write or close
+  std::mutex m_lineMutex;  ///< held for one control call, or to close; neither waits for a read
   std::mutex m_wakeMutex;  ///< held to set or clear the two flags above together with the wake-up
   mutable std::mutex m_timeoutsMutex;
   LineTimeouts m_timeouts;
@@ -321,15 +320,15 @@ class LinuxSerialLine final : public SerialLine {
 
 OpenResult Failed(LineFailure failure) { return {nullptr, std::move(failure)}; }
 
-/// Who else uses the device, in words; empty when nobody is seen to.
+/// Which other program uses the device, as text. Empty if none is known.
 QString UseOf(const DeviceNode& device) {
   const SystemRoots roots;
   const pid_t user = UsersOf({device}, roots).front();
   return user != 0 ? QString::fromStdString(UseText(user, roots)) : QString();
 }
 
-/// The same of a device that somebody without a lock may have open, and would read half of the answers of.
-/// The near end of a pseudo-terminal may be held by the program at its far end.
+/// The same for a serial device, which another program may have open without a lock. It would read a part of
+/// the responses. The near end of a pseudo-terminal may be held by the program at its far end.
 QString OpenElsewhere(const DeviceNode& device, TerminalKind kind) {
   const bool isSerialDevice =
       kind == TerminalKind::Uart && IsTerminalDevice(device.status, SystemRoots().sys);
@@ -340,7 +339,7 @@ OpenResult InUse(const QString& node, const QString& use) {
   return Failed({LineError::InUse, QStringLiteral("%1: %2").arg(node, use)});
 }
 
-/// Somebody else has the line, or the system could not say.
+/// Another program has the line, or the system could not tell.
 OpenResult NotTaken(const QString& node, const DeviceNode& device, int error) {
   if (LineErrorFromErrno(error) != LineError::InUse) return Failed(FailureOf(node, error));
   const QString use = UseOf(device);
@@ -351,9 +350,8 @@ OpenResult NotTaken(const QString& node, const DeviceNode& device, int error) {
 /// pseudo-terminal gets the lock only: there the mark outlives a program that crashed, and nobody could
 /// open the line again while its far end lives.
 ///
-/// Until it is raw the line may echo, so that comes as soon as it is known to be ours. Somebody may have
-/// opened it after it was asked who uses it and before the mark was set, so that is asked once more at the
-/// end.
+/// Until it is raw the line may echo, so it is made raw as soon as it is ours. Another program may have
+/// opened it after the first check and before the mark was set, so this is checked again at the end.
 OpenResult TakeLine(const QString& node, const DeviceNode& device, FileDescriptor line, TerminalKind kind) {
   LineHold hold;
   hold.wake = FileDescriptor(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
@@ -371,7 +369,7 @@ OpenResult TakeLine(const QString& node, const DeviceNode& device, FileDescripto
   MakeRaw(raw);
   if (ControlLine(descriptor, TCSETS2, &raw) != 0) return Failed(FailureOf(node, errno));
   if (kind == TerminalKind::Uart) {
-    // With what came in before it was raw, and its echo.
+    // Drops the bytes received before it was raw, and their echo.
     FlushLine(descriptor, TCIOFLUSH);
     if (const int notMarked = hold.mark.Set(descriptor); notMarked != 0) {
       ControlLine(descriptor, TCSETS2, &hold.former);
@@ -391,7 +389,7 @@ OpenResult OpenNode(const QString& node, std::optional<TerminalKind> knownKind) 
   const QByteArray path = QFile::encodeName(node);
   DeviceNode device{path.toStdString(), {}};
   if (::stat(path.constData(), &device.status) != 0) return Failed(FailureOf(node, errno));
-  // Opening a pipe or a disk would do things that a terminal program has no business with.
+  // Opening a pipe or a disk could have effects that a terminal program must not cause.
   if (!S_ISCHR(device.status.st_mode)) return Failed(FailureOf(node, ENOTTY));
   const TerminalKind kind = knownKind.value_or(
       IsPseudoTerminal(device.status.st_rdev) ? TerminalKind::PseudoTerminal : TerminalKind::Uart);
@@ -401,7 +399,7 @@ OpenResult OpenNode(const QString& node, std::optional<TerminalKind> knownKind) 
   if (line.IsValid()) {
     struct stat opened {};
     if (::fstat(line.Get(), &opened) != 0) return Failed(FailureOf(node, errno));
-    // Another device has got the name meanwhile; it is not the one that was asked about.
+    // Another device has the name now. It is not the one that was checked.
     if (opened.st_rdev != device.status.st_rdev) return Failed(FailureOf(node, ENODEV));
     return TakeLine(node, device, std::move(line), kind);
   }

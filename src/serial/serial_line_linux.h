@@ -17,7 +17,7 @@ class LinuxLineOpener final : public SerialLineOpener {
 };
 
 /// Opens a terminal device by its node, for instance "/dev/ttyUSB0", exclusively and as a binary line.
-/// The line's former state is put back when it is closed.
+/// The line's former state is restored when it is closed.
 OpenResult OpenTerminalDevice(const QString& node);
 
 }  // namespace quarn

@@ -17,15 +17,15 @@ static_assert(sizeof(DCB) == 28, "the comm API checks the record's length");
 /// ERROR_MAX_THRDS_REACHED, which MinGW-w64's headers lack.
 constexpr unsigned long kNoThread = 164;
 
-/// How long a driver has to end a call that was cancelled.
+/// How long a driver may take to end a cancelled call.
 constexpr std::chrono::milliseconds kCancelPatience{200};
-/// A call that was cancelled before it had reached the driver is cancelled again.
+/// A call that was cancelled before it reached the driver is cancelled again, after this time.
 constexpr std::chrono::milliseconds kCancelAgain{1};
-/// How often the driver is asked whether something has come.
+/// How often the driver is asked for received bytes.
 constexpr std::chrono::milliseconds kLook{2};
 
-/// The port was there when it was opened, and nobody else could open it: what says otherwise now is a driver
-/// whose device is gone.
+/// The port existed when it was opened, and no other program could open it. So these errors mean that its
+/// device is gone.
 LineFailure FailureOnOpenLine(unsigned long code, const QString& device) {
   LineFailure failure = FailureOfSystemError(code, device);
   if (failure.kind == LineError::NotFound || failure.kind == LineError::InUse) {
@@ -60,7 +60,7 @@ LineFailure Win32SerialLine::LeftBehind() const {
   return {LineError::Other, m_device + QStringLiteral(": the driver has not ended an earlier read or write")};
 }
 
-/// Without a longest time: until somebody cancels.
+/// Without a time limit: until it is cancelled.
 void Win32SerialLine::WaitForLeftBehind(Lock& lock, std::optional<std::chrono::milliseconds> longest) {
   const auto isOver = [&] {
     return !m_leftBehind || m_leftBehind->HasEnded() || m_closing || (!longest && m_cancelled);
@@ -70,7 +70,7 @@ void Win32SerialLine::WaitForLeftBehind(Lock& lock, std::optional<std::chrono::m
   } else {
     m_meeting->changed.wait(lock, isOver);
   }
-  // What it has read belongs to nobody any more.
+  // Nobody needs the bytes that it has read.
   if (m_leftBehind && m_leftBehind->HasEnded()) m_leftBehind = nullptr;
 }
 
@@ -151,7 +151,7 @@ bool Win32SerialLine::IsLost() {
   {
     const Lock lock(m_meeting->mutex);
     if (!m_handle || m_closing) return false;
-    // Where the system does one thing at a time on a line, a read would hold this up.
+    // Some systems do one operation at a time on a line. There a read would block this.
     if (m_lost || m_inIo || m_leftBehind) return m_lost;
     handle = m_handle;
   }
@@ -164,7 +164,7 @@ bool Win32SerialLine::IsLost() {
   return m_lost;
 }
 
-/// From here to its end a thread reads or writes.
+/// While this object exists, its thread reads or writes.
 class Win32SerialLine::IoScope {
  public:
   explicit IoScope(Win32SerialLine& line) : m_line(line), m_usable(line.BeginIo()) {}
@@ -173,7 +173,7 @@ class Win32SerialLine::IoScope {
   }
   IoScope(const IoScope&) = delete;
   IoScope& operator=(const IoScope&) = delete;
-  /// Null when nothing may be read or written.
+  /// Null if nothing may be read or written.
   [[nodiscard]] const std::shared_ptr<CommHandle>& Handle() const { return m_usable.handle; }
   /// Why not.
   [[nodiscard]] const LineFailure& Failure() const { return m_usable.failure; }
@@ -237,7 +237,7 @@ IoResult Win32SerialLine::Write(const char* data, std::size_t size) {
   return Await(CommTransfer::Write(io.Handle(), m_meeting, std::string(data, size)));
 }
 
-/// The call's outcome. What moved before the line broke counts; the next call meets the break.
+/// The call's outcome. Bytes moved before the line broke count; the next call reports the break.
 IoResult Win32SerialLine::Await(const std::shared_ptr<CommTransfer>& transfer) {
   if (!transfer) return {.failure = FailWith(kNoThread)};
   Lock lock(m_meeting->mutex);
@@ -289,7 +289,7 @@ LineResult Win32SerialLine::Close() {
 }
 
 OpenResult Win32LineOpener::Open(const QString& devicePath) {
-  // Share mode 0: while the port is open here no other program can open it.
+  // Share mode 0: while the port is open here, no other program can open it.
   void* handle = CreateFileW(devicePath.toStdWString().c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
                              OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
   if (handle == INVALID_HANDLE_VALUE) {

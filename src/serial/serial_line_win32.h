@@ -11,14 +11,15 @@
 
 namespace quarn {
 
-/// An open COM port. All input and output is synchronous, and a call to the driver lasts as long as the
-/// driver likes: it need not heed a cancellation. Therefore
-///  - a read is begun when there is something to read, and not before: nothing blocks on a silent line. The
-///    driver counts the total time of a read from there once more;
-///  - a read or write that does not end when it is cancelled is left to the thread that it runs on. Until it
-///    ends nobody knows what it takes from the line. So a purge, with which every transaction begins, waits
-///    for its end, or until it is cancelled itself; whatever else is asked of the line waits a moment and
-///    then fails. Afterwards the line is as good as before. The port is closed when it ends, too.
+/// An open COM port. All input and output is synchronous, and the driver decides how long a call lasts: it
+/// may ignore a cancellation. Therefore
+///  - a read starts only when there is something to read, so nothing blocks on a silent line. The driver
+///    counts the total time of a read anew from there;
+///  - a read or write that does not end after its cancellation is left behind on its own thread. Until it
+///  ends
+///    it may still take bytes from the line. So a purge, with which every transaction starts, waits for its
+///    end or for its own cancellation. Other operations wait a moment and then fail. Afterwards the line
+///    works as before. If the port was closed meanwhile, it is free when the call ends.
 class Win32SerialLine final : public SerialLine {
  public:
   /// Takes over `handle`, an open comm handle (a HANDLE; its type is kept out of this header).
@@ -32,26 +33,26 @@ class Win32SerialLine final : public SerialLine {
   LineResult SetTimeouts(const LineTimeouts& timeouts) override;
   LineResult Purge() override;
   LineResult ClearError() override;
-  /// A driver whose device is gone gives no state, also when the device is there again: the handle is its.
+  /// A driver whose device is gone gives no state, even after the device is back: the handle is the old one.
   bool IsLost() override;
   IoResult Read(char* buffer, std::size_t size) override;
   IoResult Write(const char* data, std::size_t size) override;
-  /// Returns when the other thread is out of Read or Write, which takes half a second at most.
+  /// Returns when the other thread has left Read or Write, after half a second at most.
   void CancelIo() override;
   void AllowIo() override;
-  /// The system itself puts the driver's state back; closing the handle is all there is to do. Fails when a
-  /// call that the driver does not end still has it.
+  /// Only closes the handle: the system restores the driver's state. Fails if a call that the driver does not
+  /// end still has the handle.
   LineResult Close() override;
 
  private:
   using Lock = std::unique_lock<std::mutex>;
   using Clock = std::chrono::steady_clock;
-  /// The handle for one call to the driver; null, with the reason, when there is none to be used.
+  /// The handle for one call to the driver. If it cannot be used: null, with the reason.
   struct Usable {
     std::shared_ptr<CommHandle> handle;
     LineFailure failure;
   };
-  /// Without a failure bytes have come, or the time is up.
+  /// Without a failure, bytes have been received or the time is up.
   struct Arrival {
     bool timedOut = false;
     std::optional<LineFailure> failure{};
@@ -69,7 +70,7 @@ class Win32SerialLine final : public SerialLine {
   /// Under the meeting's mutex, as the next one.
   [[nodiscard]] LineFailure Stopped() const;
   [[nodiscard]] LineFailure LeftBehind() const;
-  /// With the calling thread's last system error when a call was not `done`.
+  /// With the calling thread's last system error if a call was not `done`.
   LineResult Conclude(bool done);
   LineFailure FailWith(unsigned long code);
 
@@ -77,12 +78,12 @@ class Win32SerialLine final : public SerialLine {
   const std::shared_ptr<CommMeeting> m_meeting = std::make_shared<CommMeeting>();
   // Under the meeting's mutex.
   std::shared_ptr<CommHandle> m_handle;        ///< null once closed
-  std::shared_ptr<CommTransfer> m_leftBehind;  ///< what was cancelled and had not ended
+  std::shared_ptr<CommTransfer> m_leftBehind;  ///< a cancelled call that had not ended
   LineTimeouts m_timeouts;
   bool m_cancelled = false;
-  bool m_closing = false;  ///< never false again
+  bool m_closing = false;  ///< once true, stays true
   bool m_inIo = false;
-  bool m_lost = false;  ///< the driver has said that its device is gone
+  bool m_lost = false;  ///< the driver has reported that its device is gone
 };
 
 /// Opens COM ports.

@@ -20,7 +20,7 @@ TransactionOutcome ExecuteCommand(const ExecuteContext& context, TransactionHost
                                   const QString& command) {
   context.commandLine.SetLastCommand(command);
   if (!context.log.BeginTransaction()) return {.result = TransactionResult::LogFull};
-  // The record may change while the wait lets windows paint; one transaction has one set of settings.
+  // The settings may change while windows paint during the wait. A transaction uses one set of them.
   const SettingsRecord settings = context.settings;
   TransactionOutcome outcome = Transact(context, settings, host, command);
   if (outcome.result == TransactionResult::AlreadyRunning) context.engine.EndWorker(host);

@@ -8,7 +8,7 @@
 
 namespace quarn {
 
-/// What one command works on.
+/// The objects that a command uses.
 struct ExecuteContext {
   TransactionEngine& engine;
   const SettingsRecord& settings;

@@ -13,18 +13,18 @@ using Clock = std::chrono::steady_clock;
 constexpr std::chrono::milliseconds kPoll{10};
 constexpr std::chrono::milliseconds kWorkerGrace{500};
 
-/// Behind by this much, the process was stopped or the machine slept: no poll could be made.
+/// A delay of this length means that the process was stopped or the computer slept: no poll was possible.
 constexpr std::chrono::milliseconds kStopped = 10 * kPoll;
 
-/// When to poll after a poll that was due at `last`. Polls are counted from one start, so that what a poll
-/// itself takes does not add up. Those that could not be made are not made up for: the answer that they would
-/// have found may be in the driver, and its reader has to get its turn.
+/// The time of the poll after the one at `last`. Polls follow a fixed rhythm, so that the time of each poll
+/// does not add up. Polls that were not possible are skipped: the response may be in the driver already, and
+/// its reader must have time to read it.
 Clock::time_point NextPoll(Clock::time_point last) {
   const Clock::time_point now = Clock::now();
   return (now - last > kStopped ? now : last) + kPoll;
 }
 
-/// Holds the person's input for as long as it lives.
+/// Holds the user's input while it exists.
 class WaitScope {
  public:
   explicit WaitScope(TransactionHost& host) : m_host(host) { m_host.BeginWait(); }
@@ -46,8 +46,8 @@ TransactionOutcome TransactionEngine::RunTransaction(const SettingsRecord& setti
                                                      const QByteArray& command) {
   if (m_busy.IsSet()) return {.result = TransactionResult::AlreadyRunning};
   const WaitScope scope(host);
-  // A read left behind must be gone before this command's bytes go out: two reads would compete for one
-  // response. It also clears the busy flag at its end, so the flag comes after it.
+  // A read left behind must end before this command is sent: two reads would compete for one response. It
+  // also clears the busy flag at its end, so the flag is set afterwards.
   EndFormerWorker();
   ForgetOtherLine();
   m_busy.TrySet();
@@ -56,7 +56,7 @@ TransactionOutcome TransactionEngine::RunTransaction(const SettingsRecord& setti
   EndWorker(host);
   if (ended != TransactionResult::Received) return {.result = ended};
   const std::optional<Reading> reading = m_worker->Delivered();
-  // Whoever else cleared the flag, the response is not here yet, and what was kept is not it.
+  // If something else cleared the flag, the response has not come yet, and the kept bytes are not it.
   if (!reading) return {.result = TransactionResult::Aborted};
   Keep(*reading);
   return Evaluate(settings.delimiter, *reading);

@@ -11,11 +11,11 @@
 
 namespace quarn {
 
-/// How a transaction ended; the numbers are what the shell sees as exit status.
+/// How a transaction ended. The numbers from 0 are exit statuses of quarn-send.
 enum class TransactionResult : int {
   Received = 0,
   Timeout = 1,
-  InvalidData = 2,  ///< nothing left of the response once the delimiters are removed
+  InvalidData = 2,  ///< the response is empty without its delimiters
   Overflow = 3,     ///< truncated at the limit of COM_BUF
   Aborted = 4,
   AlreadyRunning = -1,
@@ -23,34 +23,34 @@ enum class TransactionResult : int {
   LogFull = 255,
 };
 
-/// What came of one transaction.
+/// The outcome of one transaction.
 struct TransactionOutcome {
   TransactionResult result = TransactionResult::Received;
-  /// What is shown, up to the first NUL: cleaned of its framing for Received, as it came for InvalidData and
-  /// Overflow, empty otherwise. After a read that failed it is what the reads before on the same line left.
+  /// The response to show, up to the first NUL: without its framing for Received, unchanged for InvalidData
+  /// and Overflow, otherwise empty. After a failed read: the bytes that earlier reads on this line left.
   QByteArray response{};
-  /// Every byte of this transaction's own read as it came, cut at the limit of COM_BUF for a response that is
-  /// longer. Empty where no read ended, or where it failed.
+  /// All bytes of this transaction's own read, unchanged, cut at the limit of COM_BUF. Empty if no read
+  /// ended, or if it failed.
   QByteArray raw{};
-  /// Bytes that the read brought, less one, also of those that were cut off; this is what an overflow is told
-  /// with. -1 where `raw` is empty.
+  /// Number of bytes read, minus one, including those cut off. The message about an overflow shows it. -1 if
+  /// `raw` is empty.
   std::int32_t byteCount = -1;
-  /// The read failed. The result does not tell: it is that of the response that is shown.
+  /// The read failed. `result` does not show this: it belongs to `response`.
   bool lineFailed = false;
 };
 
-/// What a transaction needs of whoever waits for it. Called on the user-interface thread only.
+/// What a transaction needs from the window or program that waits for it. User-interface thread only.
 class TransactionHost {
  public:
   virtual ~TransactionHost() = default;
-  /// From BeginWait to EndWait the person's input is held and no timer of a window runs.
+  /// From BeginWait to EndWait input is held and no window timer runs.
   virtual void BeginWait() = 0;
   virtual void EndWait() = 0;
-  /// Let windows paint. Called at every poll, about every 10 ms.
+  /// Lets windows paint. Called at every poll, about every 10 ms.
   virtual void KeepPainting() = 0;
-  /// Show `text` in place of the command line.
+  /// Shows `text` instead of the command line.
   virtual void ShowWaitingText(const QString& text) = 0;
-  /// Where the command line's caret stands; negative for none.
+  /// The position of the command line's caret; negative for none.
   [[nodiscard]] virtual int CaretPosition() const = 0;
   /// Whether the ESC key is down or has been pressed since BeginWait.
   virtual bool EscapePressed() = 0;
@@ -60,11 +60,11 @@ class ReceiveWorker;
 struct Reading;
 
 /// Runs transactions on the port of a connection: one command out, one response back, strictly one at a
-/// time. A response belongs to the command that it followed: a read that a time-out or ESC left behind
-/// goes on until the next transaction starts, which cancels it, waits for it and purges the line first.
+/// time. A response belongs to the command before it: a read left behind by a time-out or ESC goes on until
+/// the next transaction, which first cancels it, waits for its end and purges the line.
 ///
-/// Threads: all calls on the user-interface thread. The worker delivers what it has read and only then clears
-/// the busy flag.
+/// Threads: all calls on the user-interface thread. The worker stores the bytes read, and then clears the
+/// busy flag.
 class TransactionEngine {
  public:
   explicit TransactionEngine(const PortConnection& connection);
@@ -75,39 +75,39 @@ class TransactionEngine {
   /// Sends `command`, the bytes without their framing, and waits for its response. Returns AlreadyRunning at
   /// once while another call waits.
   ///
-  /// After a read that failed, what the reads before on the same line left is looked at in its place, and
-  /// gives result and response: no result tells of a failed read.
+  /// After a failed read, result and response are made from the bytes that earlier reads on the same line
+  /// left: no result stands for a failed read.
   TransactionOutcome RunTransaction(const SettingsRecord& settings, TransactionHost& host,
                                     const QByteArray& command);
 
   /// Clears the busy flag and waits up to 500 ms for a worker that still runs.
   void EndWorker(TransactionHost& host);
 
-  /// Why the last transaction had no thread that could have sent anything; empty when it had one. It ended
-  /// as one does whose read failed.
+  /// Why the last transaction got no thread, and so sent nothing. It ended like one whose read failed. Empty
+  /// if it got one.
   [[nodiscard]] QString WhyNoThread() const;
 
   [[nodiscard]] bool IsBusy() const { return m_busy.IsSet(); }
-  /// Counts the looks at the ESC key since the program started.
+  /// Counts the checks of the ESC key since the program started.
   [[nodiscard]] unsigned PollCounter() const { return m_pollCounter; }
 
  private:
   TransactionResult WaitForWorker(const SettingsRecord& settings, TransactionHost& host,
                                   const QByteArray& command);
-  /// The outcome of a transaction whose read has ended; `reading` has been kept already.
+  /// The outcome of a transaction whose read has ended. `reading` has been stored in m_kept already.
   [[nodiscard]] TransactionOutcome Evaluate(const QString& delimiter, const Reading& reading) const;
-  /// Ends the worker of the transaction before, and keeps what a read that was left behind has brought since.
+  /// Ends the worker of the previous transaction, and keeps the bytes of a read left behind.
   void EndFormerWorker();
-  /// Keeps the bytes of a read that did not fail.
+  /// Keeps the bytes of a read that succeeded.
   void Keep(const Reading& reading);
-  /// Empties what was kept when that has come from another line than the one that is open now.
+  /// Clears the kept bytes if they came from another line than the open one.
   void ForgetOtherLine();
 
   const PortConnection& m_connection;
   WaitableFlag m_busy;
   std::unique_ptr<ReceiveWorker> m_worker;
-  QByteArray m_kept;                      ///< what the last read that did not fail has brought
-  std::weak_ptr<SerialLine> m_answering;  ///< the line of the transaction before
+  QByteArray m_kept;                      ///< the bytes of the last successful read
+  std::weak_ptr<SerialLine> m_answering;  ///< the line of the previous transaction
   unsigned m_pollCounter = 0;
 };
 

@@ -27,7 +27,7 @@ namespace quarn::test {
 class ListedPorts final : public PortSource {
  public:
   QStringList names;
-  QStringList others;  ///< names that are given as they stand, in front of the ports'
+  QStringList others;  ///< names returned unchanged, before those of the ports
   bool works = true;
   std::optional<std::uint64_t> revision = {};
   std::function<void()> whileListing = {};
@@ -42,8 +42,8 @@ class ListedPorts final : public PortSource {
   }
 };
 
-/// The program's objects over a folder of its own, with real lines behind links in its ports folder, and
-/// messages, window and port list that a test reads and writes. What happens is one journal, in order.
+/// The program's objects with a folder of their own. The links in its ports folder lead to real lines.
+/// Messages, window and port list are doubles. One journal notes all events in order.
 class AppTest : public ::testing::Test {
  protected:
   AppTest()
@@ -78,7 +78,7 @@ class AppTest : public ::testing::Test {
     program.settings.comPort = port;
     program.state.currentPortName = port;
   }
-  /// The journal so far, which starts anew.
+  /// Returns the journal and empties it.
   QStringList Happened() { return std::exchange(journal, {}); }
 
  private:

@@ -1,4 +1,4 @@
-// Every kind of box over every kind of window, and the window under it closes or is gone.
+// Shows every kind of box over every kind of window, and closes or deletes the window under it.
 
 #include <QAbstractButton>
 #include <QLineEdit>
@@ -25,7 +25,7 @@ namespace {
 
 constexpr int kFewTicks = 2;
 
-/// Counts the ticks that other windows have, too.
+/// Counts ticks, which other windows get too.
 class Clock final : public PolledDialog {
  public:
   Clock() { StartTicks(); }
@@ -35,13 +35,13 @@ class Clock final : public PolledDialog {
   void OnTick(int /*ticks*/) override { ++ticks; }
 };
 
-/// Every other window has looked at what is asked of it.
+/// Every other window has handled its requests.
 void LetWindowsTick() {
   const Clock clock;
   ASSERT_TRUE(WaitUntil([&] { return clock.ticks >= kFewTicks; }));
 }
 
-/// Waits for a box, calls `during`, and sends it away with Escape, as often as one comes up.
+/// Waits for each box, calls `during` and closes the box with Escape.
 class BoxWatch {
  public:
   using During = std::function<void(QWidget& box)>;
@@ -172,7 +172,8 @@ class BoxStage : public AppTest {
 
 class BoxOverWindow : public BoxStage, public ::testing::WithParamInterface<Below> {
  protected:
-  /// The window under each kind of box: opened, `during` with the box in front of it, and `after`.
+  /// For each kind of box: opens the window, calls `during` while the box is in front of it, and then
+  /// `after`.
   void UnderEachBox(const std::function<void(QPointer<QDialog>& below, QWidget& box)>& during,
                     const std::function<void(const QPointer<QDialog>& below)>& after) {
     for (const BoxCase& kind : kBoxes) {
@@ -188,7 +189,7 @@ class BoxOverWindow : public BoxStage, public ::testing::WithParamInterface<Belo
       kind.show();
       EXPECT_EQ(watch.came, 1);
       after(below);
-      // One that was deleted has not said so.
+      // A deleted window has not cleared its flag.
       if (below.isNull()) real.state.open = {};
     }
   }
@@ -234,7 +235,7 @@ TEST_P(BoxOverWindow, IsOverBeforeTheWindowClosesOnRequest) {
         EXPECT_TRUE(below->isVisible());
       },
       [](const QPointer<QDialog>& below) {
-        // Nobody asks these two that way.
+        // These two get no such requests.
         const bool asked = GetParam().command != 0 && GetParam().command != command::kPortSettings;
         if (asked) {
           EXPECT_TRUE(Goes(below));
@@ -279,8 +280,8 @@ TEST_F(Boxes, TheListThatOnePortTooManyClosesIsThereUntilTheyAreOver) {
     // Back to thirty while the first message is up: the second comes while the list is about to close.
     Present(30);
     LetWindowsTick();
-    // It stays under its box, and goes as soon as that is over.
-    // Closed is enough: the loop in which it has been closed may be the one that this box holds up.
+    // The window stays under its box, and closes after it.
+    // It need not be deleted yet: this box may block the event loop that deletes it.
     const auto isClosed = [&] { return list.isNull() || !list->isVisible(); };
     EXPECT_TRUE(WaitUntil([&] { return isClosed() == !overTheList; }));
   });
@@ -329,7 +330,7 @@ TEST_F(Boxes, OverABoxKeepTheWindowsUnderBoth) {
   EXPECT_FALSE(BoxOver::IsOver(*main));
 }
 
-/// What a window does that shows a box, and the window is asked to close meanwhile.
+/// A window shows a box, and meanwhile it gets a request to close.
 struct Deed {
   const char* name;
   int window;
@@ -346,7 +347,7 @@ TEST_P(BusyWindow, EndsWhatItDoesBeforeItCloses) {
   ASSERT_FALSE(below.isNull());
   deed.prepare(real, *below);
   const BoxWatch watch([&](QWidget&) {
-    // The box is not over it: its own work alone keeps it.
+    // The box is over another window: only its own work keeps this one open.
     RaiseCloseRequests(real.state.requests);
     below->close();
     LetWindowsTick();
@@ -414,7 +415,7 @@ TEST_F(Boxes, TheChoiceOfAFileKeepsTheMainDialog) {
   const BoxWatch watch([&](QWidget& box) {
     EXPECT_TRUE(BoxOver::IsOver(*main));
     EXPECT_FALSE(main->close());
-    // A message over it belongs to nobody either.
+    // A message over it has no parent either.
     EXPECT_TRUE(WaitUntil([&] { return WindowForBox() == &box; }));
   });
   EXPECT_EQ(chooser.AskOpenFile({kText, {QStringLiteral("All (*)")}, QStringLiteral("qrn"), {}, m_folder}),

@@ -167,7 +167,7 @@ void EveryWindow::ModalFromMenu(int item, const Look& look) {
 
 void EveryWindow::Own(QDialog& window, const Look& look) {
   ASSERT_NO_FATAL_FAILURE(ShowActive(window));
-  // A window counts as active while its owner is; the keyboard is in one of them.
+  // A window counts as active while its owner is active. One of them has the keyboard.
   ASSERT_TRUE(WaitUntil([&] { return QApplication::activeWindow() == &window; }));
   look(window);
 }
@@ -195,7 +195,7 @@ void EveryWindow::Menu(QWidget& window, QMenu& menu, const Look& look) {
 Desktop::~Desktop() { QApplication::setPalette(m_before); }
 
 void Desktop::Be(Kind kind) {
-  // A palette that is made from one colour only would leave the link and the disabled texts as they are.
+  // A palette made from one colour would not change the link and the disabled texts.
   const bool dark = kind == Dark;
   QPalette colours;
   const QColor window = dark ? QColor(50, 50, 54) : QColor(239, 239, 239);

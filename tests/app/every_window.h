@@ -10,7 +10,7 @@ namespace quarn::test {
 
 class EveryWindow;
 
-/// A window of the program in one of its states: how it is brought up, looked at and sent away.
+/// A window of the program in one of its states: how it is opened, checked and closed.
 struct WindowCase {
   using Look = std::function<void(QWidget& window)>;
   const char* name;
@@ -19,13 +19,13 @@ struct WindowCase {
 
 inline std::ostream& operator<<(std::ostream& out, const WindowCase& each) { return out << each.name; }
 
-/// Runs each test once for each window. The windows are the real ones, brought up from the real main dialog
-/// where its menu does so.
+/// Runs each test once for each window. The windows are real, and opened by the real main dialog if its
+/// menu opens them.
 class EveryWindow : public MainDialog, public ::testing::WithParamInterface<WindowCase> {
  public:
   void SetUp() override;
 
-  /// Brings the window up, with the keyboard, and calls `look`.
+  /// Opens the window, gives it the keyboard, and calls `look`.
   void Visit(const WindowCase::Look& look);
 
   // For the table of windows.
@@ -36,11 +36,11 @@ class EveryWindow : public MainDialog, public ::testing::WithParamInterface<Wind
   void ListPorts(int count);
   /// A window that a menu item opens.
   void FromMenu(int item, const char* name, const WindowCase::Look& look);
-  /// The same for one that keeps the menu item waiting until it is gone.
+  /// The same for a window whose menu item returns only when it is closed.
   void ModalFromMenu(int item, const WindowCase::Look& look);
-  /// A window of the test's own.
+  /// A window that the test creates.
   static void Own(QDialog& window, const WindowCase::Look& look);
-  /// One that `call` brings up and waits for.
+  /// A window that `call` opens and waits for.
   static void Modal(const std::function<void()>& call, const WindowCase::Look& look);
   static void Menu(QWidget& window, QMenu& menu, const WindowCase::Look& look);
 };
@@ -50,7 +50,7 @@ const std::vector<WindowCase>& WindowCases();
 
 inline std::string NameOfCase(const ::testing::TestParamInfo<WindowCase>& info) { return info.param.name; }
 
-/// The desktop's colours for as long as it lives: bright ones or dark ones, in a style that uses them.
+/// While it exists, the desktop's colours are bright or dark, in a style that uses them.
 class Desktop {
  public:
   enum Kind { Bright, Dark };

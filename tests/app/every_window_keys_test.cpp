@@ -1,4 +1,4 @@
-// Every window by keyboard alone: what can be reached, and whether one sees where one is.
+// Every window with the keyboard alone: which controls can be reached, and whether the focus is visible.
 
 #include <QAbstractScrollArea>
 #include <QButtonGroup>
@@ -22,7 +22,7 @@ struct NotByTab {
   const char* reason;
 };
 
-/// What Tab passes by.
+/// Controls that Tab skips.
 constexpr std::array<NotByTab, 1> kNotByTab{{
     {"rows", "the list follows the row that has the focus"},
 }};
@@ -35,7 +35,7 @@ bool IsControl(const QWidget& widget) {
          dynamic_cast<const LinkLabel*>(&widget) != nullptr;
 }
 
-/// The buttons of which one is chosen, and which Tab takes as one; the widget alone when it is none of these.
+/// The group of exclusive buttons, which is one stop of Tab. The widget alone if it is in no group.
 QList<QWidget*> GroupOf(QWidget* widget) {
   const auto* radio = qobject_cast<QRadioButton*>(widget);
   if (radio == nullptr || radio->group() == nullptr) return {widget};
@@ -46,7 +46,7 @@ QList<QWidget*> GroupOf(QWidget* widget) {
   return group;
 }
 
-/// What the keyboard should reach, each group as the one of it that is first in the list.
+/// The controls that the keyboard should reach; of each group the first in the list.
 QSet<QWidget*> ToBeReached(const QWidget& window) {
   QSet<QWidget*> controls;
   for (QWidget* each : window.findChildren<QWidget*>()) {
@@ -64,7 +64,7 @@ void PressIn(QWidget& window, Qt::Key key, Qt::KeyboardModifiers modifiers = {})
   QTest::keyClick(window.windowHandle(), key, modifiers);
 }
 
-/// Who has the focus after each press, until it is back where it was.
+/// The control with the focus after each press, until the first one has it again.
 QList<QWidget*> RoundTrip(QWidget& window, Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
   QList<QWidget*> stops;
   const QWidget* start = QApplication::focusWidget();
@@ -88,12 +88,12 @@ QStringList Names(const QSet<QWidget*>& widgets) {
   return names;
 }
 
-/// The window's picture where this control is.
+/// The part of the window's picture that shows this control.
 QImage PictureOf(QWidget& window, const QWidget& control) {
   return window.grab(QRect(control.mapTo(&window, QPoint(0, 0)), control.size())).toImage();
 }
 
-/// A field's caret blinks; without it a picture shows what stays.
+/// Stops the blinking of a field's caret, so that pictures can be compared.
 class SteadyCaret {
  public:
   SteadyCaret() { QApplication::setCursorFlashTime(0); }

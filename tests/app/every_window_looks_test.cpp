@@ -1,5 +1,5 @@
-// Whether every window can be read: no text is cut off at any scaling, and each stands out from what is
-// behind it on a bright and on a dark desktop.
+// Whether every window can be read: no text is cut off at any scaling, and each has enough contrast on a
+// bright and on a dark desktop.
 
 #include <QAbstractButton>
 #include <QCheckBox>
@@ -28,7 +28,7 @@ namespace {
 /// The least contrast at which text counts as readable.
 constexpr double kReadable = 4.5;
 
-/// A text that a control shows, and the room that the control has for it, in the window's coordinates.
+/// A text of a control, and the space that the control has for it, in the window's coordinates.
 struct ShownText {
   std::string control;
   QString text;
@@ -87,7 +87,7 @@ bool Wraps(const QWidget& widget) {
   return label != nullptr && label->wordWrap();
 }
 
-/// All that can be read in the window.
+/// All texts in the window.
 QList<ShownText> TextsIn(QWidget& window) {
   QList<ShownText> shown;
   QList<QWidget*> widgets = window.findChildren<QWidget*>();
@@ -153,7 +153,7 @@ double Contrast(QRgb one, QRgb other) {
   return a > b ? a / b : b / a;
 }
 
-/// The most that anything in this part of the picture stands out from its commonest colour.
+/// The highest contrast in this part of the picture to its most frequent colour.
 double ContrastIn(const QImage& picture, QRect part) {
   QHash<QRgb, int> counts;
   part &= picture.rect();
@@ -177,7 +177,7 @@ void ExpectReadable(QWidget& window, const char* desktop) {
   const QTransform toPixels = QTransform::fromScale(picture.devicePixelRatio(), picture.devicePixelRatio());
   int read = 0;
   for (const ShownText& each : TextsIn(window)) {
-    // What cannot be used may be faint, but for the stored commands: they are there to be read.
+    // Disabled texts may have less contrast, except the stored commands: they must be readable.
     if (!each.enabled && !each.control.starts_with("MEM")) continue;
     ++read;
     EXPECT_GE(ContrastIn(picture, toPixels.mapRect(each.room)), kReadable)

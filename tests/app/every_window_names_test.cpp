@@ -1,4 +1,4 @@
-// What assistive tools are told about the controls of every window.
+// Names and roles of the controls of every window, for assistive tools.
 
 #include <QAccessible>
 #include <QCheckBox>
@@ -43,7 +43,7 @@ bool IsInteractive(QAccessible::Role role) {
   return roles.contains(role);
 }
 
-/// What a control of this kind is to be told as; nothing for a widget that is no control.
+/// The expected role of a control of this kind; nullopt for a widget that is not a control.
 std::optional<QAccessible::Role> RoleOfKind(const QWidget& widget) {
   if (qobject_cast<const QRadioButton*>(&widget) != nullptr) return QAccessible::RadioButton;
   if (qobject_cast<const QCheckBox*>(&widget) != nullptr) return QAccessible::CheckBox;
@@ -74,7 +74,7 @@ TEST_P(EveryWindowsNames, AreThereForEachControl) {
                                (node->object() != nullptr ? node->object()->objectName().toStdString() : "");
       EXPECT_NE(NameOf(node).trimmed(), QString()) << what;
       if (const auto* box = qobject_cast<QComboBox*>(node->object())) {
-        // Some systems take what is chosen for its name, and look for its label.
+        // On some systems the selected item is the name; then its label counts.
         EXPECT_NE(box->accessibleName(), QString()) << what;
         EXPECT_FALSE(node->relations(QAccessible::Label).isEmpty()) << what;
       }
@@ -149,7 +149,7 @@ TEST_P(EveryWindowsNames, LetATestFindEachControl) {
 
 INSTANTIATE_TEST_SUITE_P(All, EveryWindowsNames, ::testing::ValuesIn(WindowCases()), NameOfCase);
 
-/// The Terminal Screen alone, with what is typed there.
+/// The Terminal Screen alone, with its command line.
 class TerminalScreensNames : public MainDialog {
  protected:
   void SetUp() override {
@@ -184,7 +184,7 @@ TEST_F(TerminalScreensNames, TheCommandLineIsAFieldWithTextAndCaret) {
   EXPECT_EQ(text->characterRect(1).left(), first.right() + 1);
   EXPECT_EQ(text->offsetAtPoint(text->characterRect(3).center()), 3);
   EXPECT_EQ(text->offsetAtPoint(first.topLeft() - QPoint(5, 0)), -1);
-  // The caret that blinks in the picture of it is no part of what is told.
+  // The blinking caret is not part of the text.
   QTest::qWait(600);
   EXPECT_EQ(NameOf(field), QStringLiteral("Command line"));
   EXPECT_EQ(field->text(QAccessible::Value), QStringLiteral("meas?"));

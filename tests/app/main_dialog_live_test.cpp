@@ -34,7 +34,7 @@ class MainDialogLive : public MainDialog {
     QTest::mouseClick(button, Qt::LeftButton, {}, QPoint(8, button->height() / 2));
   }
   void List() { ASSERT_TRUE(RefreshPortList(ports, program.connection)); }
-  /// The main dialog has looked three times at what is asked of it.
+  /// The main dialog has checked its requests three times.
   void LetItTick() {
     for (int i = 0; i < 3; ++i) {
       program.state.requests.refresh.Add(Window::MainDialog);
@@ -100,7 +100,7 @@ TEST_F(MainDialogLive, TheListFollowsAChoiceByNumber) {
   EXPECT_EQ(list.windowTitle(), QStringLiteral("Quarn - Detailed COM Port List  (COM4)  "));
   EXPECT_FALSE(set->isEnabled()) << "it is connected already";
   EXPECT_TRUE(WaitUntil([&] { return dialog.windowTitle() == QStringLiteral("Quarn   (COM4)"); }));
-  // And the other way round.
+  // The reverse.
   Hit(list, 1031);
   EXPECT_TRUE(set->isEnabled());
   Hit(list, 1062);

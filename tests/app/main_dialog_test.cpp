@@ -158,7 +158,7 @@ TEST_F(MainDialog, KeysGoToTheTerminalScreenWhileItIsOpen) {
 TEST_F(MainDialog, TheMenuKeyGoesToTheTerminalScreenWhileItIsOpen) {
   int menus = 0;
   const auto ask = [&](QContextMenuEvent::Reason reason) {
-    // A menu that comes up has the keyboard until it is gone.
+    // An open menu has the keyboard until it closes.
     QTimer::singleShot(0, &dialog, [&] {
       QWidget* menu = QApplication::activePopupWidget();
       if (menu == nullptr) return;
@@ -183,7 +183,7 @@ TEST_F(MainDialog, MnemonicsOpenTheMenusWhileItIsClosed) {
   QTest::keyClick(dialog.windowHandle(), Qt::Key_F, Qt::AltModifier);
   QWidget* menu = QApplication::activePopupWidget();
   ASSERT_NE(menu, nullptr);
-  // Enter and Escape belong to the menu then.
+  // Then the menu gets Enter and Escape.
   QTest::keyClick(menu, Qt::Key_Escape);
   EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
 }

@@ -57,7 +57,7 @@ TEST_F(MainDialog, AWindowThatWasToldToCloseStaysWhenItIsWantedAgain) {
     Action(id)->trigger();
     QTest::qWait(2 * PolledDialog::kTickMs);
     EXPECT_EQ(Shown(name).size(), 1) << name;
-    // Told once more, and not wanted, it goes.
+    // After another request to close it closes, because it was not opened again.
     RaiseCloseRequests(program.state.requests);
     EXPECT_TRUE(WaitUntil([&, name = name] { return Shown(name).isEmpty(); })) << name;
   }
@@ -96,7 +96,7 @@ TEST_F(MainDialog, TwoQuickClicksLeaveOneTerminalScreen) {
     }
     return visible == 1;
   }));
-  QTest::qWait(3 * PolledDialog::kTickMs);  // nothing that was asked of the first one hits the second
+  QTest::qWait(3 * PolledDialog::kTickMs);  // requests for the first one do not affect the second
   EXPECT_NE(TerminalScreen(), nullptr);
   EXPECT_TRUE(program.state.open.Contains(Window::TerminalScreen));
 }

@@ -33,7 +33,7 @@ TEST(PathDisplay, KeepsAsMuchAsFits) {
       {kSlash, u"/home/someone/lab/a.qrn", 9, u".../a.qrn"},
       {kSlash, u"/home/someone/lab/a.qrn", 8, u"a.qrn"},
       {kSlash, u"/home/someone/lab/a.qrn", 5, u"a.qrn"},
-      // The middle of the name goes.
+      // The middle of the name is removed.
       {kSlash, u"/home/me/bench-settings.qrn", 12, u"bench....qrn"},
       {kSlash, u"bench-settings.qrn", 11, u"benc....qrn"},
       {kSlash, u"bench-settings.qrn", 4, u"b..."},
@@ -41,10 +41,10 @@ TEST(PathDisplay, KeepsAsMuchAsFits) {
       {kSlash, u"bench-settings.qrn", 0, u"..."},
       {kSlash, u"/bench-settings.qrn", 18, u"bench-settings.qrn"},
       {kSlash, u"", 0, u""},
-      // Neither half of a character outside the basic plane stands alone.
+      // A surrogate pair is not split.
       {kSlash, u"\U0001F600\U0001F600\U0001F600\U0001F600", 7, u"\U0001F600...\U0001F600"},
       {kSlash, u"\U0001F600\U0001F600\U0001F600\U0001F600", 6, u"\U0001F600..."},
-      // A backslash is a letter like any other, or parts the path.
+      // A backslash is an ordinary character, or separates parts of the path.
       {kSlash, u"/home/someone/a\\b.qrn", 17, u"/home/.../a\\b.qrn"},
       {kBoth, u"C:\\Users\\me\\lab\\a.qrn", 21, u"C:\\Users\\me\\lab\\a.qrn"},
       {kBoth, u"C:\\Users\\me\\lab\\a.qrn", 20, u"C:\\...\\me\\lab\\a.qrn"},

@@ -23,7 +23,7 @@ InstanceLock Take() {
   return TakeInstanceLock(reason);
 }
 
-/// A session's folder and a place for settings, in the environment for one test.
+/// Sets the session's folder and the folder of the settings in the environment, for one test.
 class InstanceLockTest : public ::testing::Test {
  protected:
   InstanceLockTest() {
@@ -156,7 +156,7 @@ TEST_F(InstanceLockTest, NeedsNoSettingsThatCanBeWritten) {
 }
 
 TEST_F(InstanceLockTest, NeedsNoPlaceThatAnotherUserCouldTakeFirst) {
-  // What stands in the folder for everybody's temporary files does not matter.
+  // The folder for temporary files of all users has no influence.
   Set("XDG_RUNTIME_DIR", QByteArray());
   const QTemporaryDir everybodys;
   const QByteArray before = qgetenv("TMPDIR");

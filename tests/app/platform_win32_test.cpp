@@ -12,7 +12,7 @@
 namespace quarn {
 namespace {
 
-// One test: what has been taken stays taken until this process ends.
+// One test only, because the lock is kept until this process ends.
 TEST(InstanceLockWin32, IsTheNameOfAMutex) {
   const HANDLE other = CreateEventW(nullptr, FALSE, FALSE, L"Quarn.exe");
   ASSERT_NE(other, nullptr);
@@ -75,7 +75,7 @@ TEST(AboutItemWin32, StandsBelowALineInTheSystemMenuAndIsChosenThere) {
 
   PostMessageW(HandleOf(dialog), WM_SYSCOMMAND, kItemId, 0);
   EXPECT_TRUE(test::WaitUntil([&chosen] { return chosen > 0; }));
-  // The lowest four bits are the system's own.
+  // The lowest four bits belong to the system.
   PostMessageW(HandleOf(dialog), WM_SYSCOMMAND, kItemId + 2, 0);
   EXPECT_TRUE(test::WaitUntil([&chosen] { return chosen > 1; }));
   EXPECT_EQ(chosen, 2);

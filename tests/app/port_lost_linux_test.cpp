@@ -1,11 +1,11 @@
-// The connected line dies, and its port is there again before anybody has looked at the list.
+// The connected line is lost, and its port is back before the list is checked.
 
 #include "app/port_monitor_fixture.h"
 
 namespace quarn::test {
 namespace {
 
-/// Connected to COM3, whose line dies when a test says so, while other things are listed or not.
+/// Connected to COM3. A test decides when its line is lost and which ports are listed.
 class LostLineTest : public PortMonitorTest {
  protected:
   void SetUp() override {
@@ -30,7 +30,7 @@ class LostLineTest : public PortMonitorTest {
 
   PseudoTerminal m_first;
   PseudoTerminal m_second;
-  // The title tells it before anything is asked.
+  // The title shows it before the question.
   const QStringList kLost{"stop timer", kGone, "start timer", "title", "menu state"};
   const QStringList kLostAndOffered = kLost + QStringList{"stop timer", kOffer};
 };
@@ -81,7 +81,7 @@ TEST_F(LostLineTest, EveryWindowIsToldBeforeTheOfferAndAfterItsAnswer) {
   whileShown = [&] {
     if (messages.shown.last() != kOffer) return;
     toldBefore = ConnectionRefreshesRaised();
-    // The windows look at what is asked of them while the question is up.
+    // The windows handle their requests while the question is shown.
     program.state.requests = {};
   };
   Ticks(5);
@@ -148,7 +148,7 @@ TEST_F(LostLineTest, IsToldAmongMorePortsThanTheDetailedListShows) {
   EXPECT_EQ(Happened(), kLostAndOffered + QStringList{"start timer"});
 }
 
-/// After another port was refused and this one could not be opened again it counts as connected.
+/// It counts as connected after another port was refused and this one could not be reopened.
 TEST_F(LostLineTest, IsALineThatIsNotThereAtAll) {
   ClosePort(program.connection);
   messages.answers = {false};

@@ -91,7 +91,7 @@ TEST_F(PortMonitorTest, DoesNotRestWhereNobodyTellsOfChanges) {
   }
 }
 
-/// The choice of a port has its message up: what changes meanwhile is looked at afterwards.
+/// While the message about a chosen port is shown the monitor waits; changes are handled afterwards.
 TEST_F(PortMonitorTest, DoesNotRestOverAChangeItHasNotLookedAt) {
   ports.revision = 1;
   StartMonitor();

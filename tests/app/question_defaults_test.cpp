@@ -1,4 +1,4 @@
-// Which answer each question of the program begins on.
+// The default answer of each question.
 
 #include <QLineEdit>
 #include <QMenu>
@@ -32,12 +32,12 @@ class QuestionDefaults : public MainDialog {
     found->setEnabled(true);
     found->click();
   }
-  /// A user file is in force that says something else.
+  /// A user file with other settings is open.
   void ChangeSettings() {
     program.userFile = m_folder + QStringLiteral("mine.qrn");
     WriteSettings(program.userFile, {{QStringLiteral("COM_BPS"), QStringLiteral("1200")}});
   }
-  /// The one question that has been asked, which has these words, and what it begins on.
+  /// The only question, which must have this text, and its default answer.
   void ExpectAsked(const char* words, AnswerByDefault wanted) {
     ASSERT_EQ(messages.defaults.size(), 1) << words << " in " << messages.shown.join(u' ').toStdString();
     EXPECT_TRUE(messages.shown.last().contains(QLatin1String(words))) << messages.shown.last().toStdString();

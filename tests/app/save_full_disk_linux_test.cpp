@@ -24,7 +24,7 @@ TEST_F(SaveOnFullDisk, TheOldFileStaysWholeAndInForce) {
   EXPECT_EQ(WorkingBytes(), working);
   EXPECT_EQ(program->userFile, user);
   EXPECT_EQ(disk.Files(), (QStringList{QStringLiteral("filler"), QStringLiteral("user.qrn")}));
-  EXPECT_FALSE(commands->MayExit());  // what is not saved is still asked about
+  EXPECT_FALSE(commands->MayExit());  // the question about unsaved settings still comes
 }
 
 }  // namespace

@@ -15,7 +15,7 @@ namespace {
 
 int WidestToolTip() { return kMostToolTipCharacters * QFontMetrics(QToolTip::font()).averageCharWidth(); }
 
-/// What a person reads in a tool tip of this text.
+/// The text that the tool tip shows.
 QString Read(const QString& toolTip) {
   if (!Qt::mightBeRichText(toolTip)) return toolTip;
   QTextDocument document;

@@ -98,7 +98,7 @@ TEST_F(DeviceProcess, DoesNotGrowWithWhatItHears) {
   Start({});
   QFile line(Node());
   ASSERT_TRUE(line.open(QIODevice::ReadWrite | QIODevice::Unbuffered));
-  // Sent when everything before it has been heard.
+  // The response comes after all earlier bytes were read.
   const auto answers = [&line] {
     EXPECT_EQ(line.write("\rmute\rid\r"), 9);
     QByteArray answer;

@@ -96,7 +96,7 @@ TEST_F(CommandFormat, ARefusedSpeedStaysWhatItWas) {
   Connect()->setTimeoutsWorks = false;
   Open();
   messages.whileShown = [&] {
-    // The dialog waits with all that is asked of it until the message is gone.
+    // The dialog handles requests only after the message is closed.
     state.requests.close.Add(Window::CommandFormat);
     QTest::qWait(3 * PolledDialog::kTickMs);
     EXPECT_TRUE(dialog);

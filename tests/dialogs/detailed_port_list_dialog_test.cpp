@@ -110,7 +110,7 @@ TEST_F(DetailedPortListDialog, SetDoesNothingForAPortThatHasBeenConnectedMeanwhi
   ASSERT_TRUE(Button(kSetId).isEnabled());
   ConnectTo("COM3");
   const auto line = program.connection.handle.Line();
-  // Nobody has told it: the button is still there to be clicked on.
+  // The dialog does not know it yet: the button can still be clicked.
   ASSERT_TRUE(Button(kSetId).isEnabled());
   Click(kSetId);
   EXPECT_EQ(Happened(), QStringList());
@@ -136,7 +136,7 @@ TEST_F(DetailedPortListDialog, ListChangeShowsTheCurrentPortAgain) {
   ConnectTo("COM3");
   Open();
   ClickRadio(1);
-  AskForTheList();  // the click has been looked at, too
+  AskForTheList();  // the click has been handled too
   EXPECT_EQ(Checked(), QList<int>{1});
   AskForTheList();
   EXPECT_EQ(Checked(), QList<int>{0});
@@ -218,7 +218,7 @@ TEST_F(DetailedPortListDialog, AListChangeIsLeftForTheNextOneWhenItCloses) {
   EXPECT_TRUE(program.state.requests.refresh.Contains(Window::DetailedPortList));
   ListOnly(3);
   Open();
-  // Its first look takes it.
+  // Its first tick takes the request.
   EXPECT_TRUE(WaitUntil([&] { return !program.state.requests.refresh.Contains(Window::DetailedPortList); }));
   EXPECT_EQ(RowsShown(), 3);
 }
@@ -234,7 +234,7 @@ TEST_F(DetailedPortListDialog, EachOfThirtyRowsChoosesItsPort) {
   }
   Click(kOkId);
   EXPECT_TRUE(IsGone());
-  // There is no device behind the name.
+  // The name has no device.
   EXPECT_EQ(Happened(), (QStringList{kApplyQuestion, "pause 500", ChoiceFailed("COM30", "")}));
 }
 

@@ -30,7 +30,7 @@ class DetailedPortListDialog : public PortDialogTest {
   QRadioButton& Radio(int row) { return *Control<QRadioButton>(*window, kRadios[row]); }
   QLabel& Description(int row) { return *Control<QLabel>(*window, kDescriptions[row]); }
   QString Status() { return Control<QLabel>(*window, kStatusId)->text(); }
-  /// The window manager tells the frame after a while only.
+  /// The window manager reports the frame later.
   bool BecomesHigh(int height) {
     return WaitUntil([&] { return OuterSize(*window).height() == height; });
   }
@@ -46,7 +46,7 @@ class DetailedPortListDialog : public PortDialogTest {
     }
     return rows;
   }
-  /// Tells it that the list has changed, and waits until it has looked.
+  /// Requests a refresh after a list change, and waits until the dialog has handled it.
   void AskForTheList() {
     program.state.requests.refresh.Add(Window::DetailedPortList);
     ASSERT_TRUE(

@@ -93,7 +93,7 @@ TEST_F(DetailedPortListDialog, RowsScrollWhereTheScreenIsTooLow) {
     EXPECT_TRUE(window->rect().contains(Button(kOkId).geometry()));
     auto* scroll = window->findChild<QScrollArea*>();
     EXPECT_GT(scroll->verticalScrollBar()->maximum(), 0);
-    // The current port is in sight.
+    // The current port is visible.
     const QRect row(Radio(29).mapTo(scroll->viewport(), QPoint(0, 0)), Radio(29).size());
     EXPECT_TRUE(scroll->viewport()->rect().intersects(row));
     EXPECT_EQ(Button(kOkId).geometry().intersects(scroll->geometry()), false);

@@ -17,7 +17,7 @@ inline constexpr int kEdit = 1070;
 inline constexpr int kOk = 1073;
 inline constexpr int kSend = 1011;
 
-/// A Function Key Table over a working settings file, with a Terminal Screen at hand.
+/// A Function Key Table with a working settings file and a Terminal Screen.
 class FunctionKeyTableDialogFixture : public TerminalFixture {
  protected:
   FunctionKeyTableDialogFixture() { EXPECT_TRUE(WriteDefaultFile(m_file)); }

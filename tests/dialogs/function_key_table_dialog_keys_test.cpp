@@ -5,7 +5,7 @@ namespace {
 
 class FunctionKeyTableDialogKeys : public FunctionKeyTableDialogFixture {
  protected:
-  /// Where Tab leads from here, until it is here again.
+  /// The controls that Tab reaches, until the first one has the focus again.
   static QList<int> TabsFrom(QWidget& first) {
     first.setFocus();
     QList<int> ids;

@@ -132,7 +132,7 @@ TEST_F(FunctionKeyTableDialog, SaveIntoAFileThatCannotBeWrittenTellsNobody) {
     if (there) {
       ASSERT_TRUE(QFile::setPermissions(m_file, QFile::ReadOwner));
     } else {
-      // Not everywhere can a file be removed that cannot be written.
+      // On some systems a read-only file cannot be removed.
       ASSERT_TRUE(QFile::setPermissions(m_file, QFile::ReadOwner | QFile::WriteOwner));
       ASSERT_TRUE(QFile::remove(m_file));
     }

@@ -33,7 +33,7 @@ TEST_F(OptionChanges, AnOpenPortTakesTheSpeedBeforeItIsWritten) {
   const auto line = Connect();
   settings.comBps = QStringLiteral("9600");
   Speed("LOW");
-  // A read that was left behind goes first.
+  // First a read left behind is cancelled.
   EXPECT_EQ(journal.Entries(),
             (std::vector<std::string>{"cancel", "allow", "get state", "set state", "set time-outs"}));
   EXPECT_EQ(line->timeouts, (LineTimeouts{135, 15, 75, 15, 75}));

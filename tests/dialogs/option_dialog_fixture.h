@@ -11,7 +11,7 @@
 
 namespace quarn::test {
 
-/// One of the dialogs of settings, with mouse and keys of its own.
+/// One of the option dialogs, used with mouse and keys.
 template <typename Dialog>
 class OptionDialogFixture : public DialogFixture {
  protected:
@@ -22,7 +22,7 @@ class OptionDialogFixture : public DialogFixture {
     ShowActive(*dialog);
   }
   QAbstractButton& Button(int id) { return *Control<QAbstractButton>(*dialog, id); }
-  /// Where a person would hit it: on its left end.
+  /// Where a user clicks: at its left end.
   void Click(int id) {
     QAbstractButton& button = Button(id);
     QTest::mouseClick(&button, Qt::LeftButton, {}, QPoint(8, button.height() / 2));
@@ -88,7 +88,7 @@ class OptionDialogFixture : public DialogFixture {
         [&] { state.requests.close.Add(window); },
     };
     for (const auto& way : ways) {
-      state.requests.close.Add(window);  // meant for an earlier one
+      state.requests.close.Add(window);  // a request for an earlier window
       Open();
       EXPECT_TRUE(state.open.Contains(window));
       EXPECT_FALSE(state.requests.close.Contains(window));

@@ -1,4 +1,4 @@
-// Options when their file cannot be written: they are in force all the same, and nobody is told.
+// Options whose file cannot be written: they take effect, and no message is shown.
 
 #include <QRadioButton>
 
@@ -11,7 +11,7 @@ namespace {
 template <typename Dialog>
 class UnwrittenOptions : public OptionDialogFixture<Dialog> {
  protected:
-  /// Every control but OK is clicked and changes a setting, unless it is chosen already.
+  /// Clicks every control but OK. Each changes a setting, unless it is selected already.
   void ClickEverything() {
     this->Open();
     for (const QAbstractButton* button : this->dialog->template findChildren<QAbstractButton*>()) {

@@ -18,7 +18,7 @@
 
 namespace quarn::test {
 
-/// What the port dialogs work on: real lines behind the ports, and a working settings file.
+/// The objects that the port dialogs use: ports with real lines, and a working settings file.
 class PortDialogTest : public AppTest {
  protected:
   void SetUp() override {
@@ -32,7 +32,7 @@ class PortDialogTest : public AppTest {
     return {program.settings,    program.workingSettingsFile, program.connection, program.state,
             *program.portSource, program.Environment(),       std::ref(pause)};
   }
-  /// A port with a real line behind it; the list is read anew.
+  /// Adds a port with a real line, and lists the ports.
   void Plug(const QString& port) {
     terminals.push_back(std::make_unique<PseudoTerminal>());
     PlugIn(port, *terminals.back());
@@ -43,14 +43,14 @@ class PortDialogTest : public AppTest {
     UnplugPort(PortsFolder(m_folder), port);
     List();
   }
-  /// The ports are there by name only.
+  /// Lists ports that have no line.
   void ListOnly(int count) {
     ports.names.clear();
     for (int i = 1; i <= count; ++i) ports.names.append(QStringLiteral("COM%1").arg(i));
     List();
   }
   void List() { ASSERT_TRUE(RefreshPortList(ports, program.connection)); }
-  /// The port is the configured one, in the file too, and open.
+  /// Makes this the configured port, also in the file, and opens it.
   void ConnectTo(const QString& port) {
     Configure(port);
     ASSERT_TRUE(UpdateValue(program.workingSettingsFile, keys::kComPort, port));
@@ -79,7 +79,7 @@ class PortDialogTest : public AppTest {
   bool IsGone() {
     return WaitUntil([this] { return window.isNull(); });
   }
-  /// At least one look of the dialog's at its surroundings.
+  /// Waits until the dialog has had a tick.
   void WaitForATick() { QTest::qWait(PolledDialog::kTickMs * 3 / 2); }
 
   NotedPause pause{journal, {}};

@@ -7,7 +7,7 @@
 namespace quarn::test {
 namespace {
 
-/// Another process that has the line for itself.
+/// Another process that has the line open exclusively.
 OtherProcess HolderOf(const PseudoTerminal& terminal) {
   const std::string& node = terminal.Node();
   return OtherProcess([node] {
@@ -21,7 +21,7 @@ using PortHeldByAnother = DetailedPortListDialog;
 TEST_F(PortHeldByAnother, IsNotConnected) {
   Plug("COM3");
   Plug("COM4");
-  // First, or the other process has a copy of the line that is open here.
+  // Started first. Otherwise it would inherit the line that is open here.
   const OtherProcess holder = HolderOf(*terminals.at(1));
   ConnectTo("COM3");
   EXPECT_FALSE(ConnectToChosenPort(

@@ -1,4 +1,4 @@
-// COM Port Number while it connects: nothing gets in between.
+// COM Port Number while it connects: input has no effect.
 
 #include <QTimer>
 #include <QWindow>

@@ -24,7 +24,7 @@ TEST_F(PortNumberDialog, OpensWithTheConnectedPort) {
 TEST_F(PortNumberDialog, SetIsEnabledAtFirstWithTheConnectedPort) {
   Plug("COM3");
   ConnectTo("COM3");
-  // Not shown: it has not looked at anything yet.
+  // It is not shown, so it has had no tick yet.
   window = new CPortNum(nullptr, Context());
   EXPECT_TRUE(Button(kSetNumber).isEnabled());
 }
@@ -32,7 +32,7 @@ TEST_F(PortNumberDialog, SetIsEnabledAtFirstWithTheConnectedPort) {
 TEST_F(PortNumberDialog, OpensWithNoneWhileNotConnected) {
   Plug("COM3");
   Configure("COM3");
-  // Not shown: it has not looked at anything yet.
+  // It is not shown, so it has had no tick yet.
   window = new CPortNum(nullptr, Context());
   EXPECT_EQ(Ports().currentText(), "NONE");
   EXPECT_FALSE(Button(kSetNumber).isEnabled());
@@ -137,7 +137,7 @@ TEST_F(PortNumberDialog, LooksTenTimesASecond) {
     program.state.requests.refresh.Add(Window::PortNumber);
     ASSERT_TRUE(WaitUntil([&] { return !program.state.requests.refresh.Contains(Window::PortNumber); }));
   }
-  // The first look may come at once, and a busy machine may keep it waiting.
+  // The first tick may come at once, or late on a busy computer.
   EXPECT_GE(time.elapsed(), 700);
   EXPECT_LE(time.elapsed(), 4000);
 }

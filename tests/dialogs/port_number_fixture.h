@@ -30,7 +30,7 @@ class PortNumberDialog : public PortDialogTest {
     QTest::mouseClick(&Ports(), Qt::LeftButton);
     QAbstractItemView& view = *Ports().view();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(view.window(), kLongestWaitMs));
-    // For a while the list takes a release for that of the very click that opened it, and stays open.
+    // For a short time the list treats a release as that of the click that opened it, and stays open.
     EXPECT_TRUE(WaitUntil([&] {
       const QModelIndex index = view.model()->index(Ports().findText(item), 0);
       if (view.isVisible())

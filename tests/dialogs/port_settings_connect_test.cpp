@@ -1,4 +1,4 @@
-// COM Port Settings and the line: what is set, stored and told, in which order.
+// COM Port Settings and the line: the order of setting, storing and messages.
 
 #include "dialogs/port_settings_fixture.h"
 

@@ -57,7 +57,7 @@ TEST_F(PortSettingsDialog, TheCloseBoxLeavesWhatWasPickedWithTheMouse) {
   QTest::mouseClick(&Box(kParity), Qt::LeftButton);
   QAbstractItemView& list = *Box(kParity).view();
   ASSERT_TRUE(QTest::qWaitForWindowExposed(list.window(), kLongestWaitMs));
-  // For a while the list takes a release for that of the very click that opened it, and for no choice.
+  // For a short time the list treats a release as that of the click that opened it, not as a choice.
   const QPoint even = list.visualRect(list.model()->index(Box(kParity).findText("Even"), 0)).center();
   EXPECT_TRUE(WaitUntil([&] {
     if (list.isVisible()) QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, even);

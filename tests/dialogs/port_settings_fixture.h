@@ -44,7 +44,7 @@ class PortSettingsDialog : public PortDialogTest {
     values.append({"FUNC_KEY", program.settings.enblNull});
     return FileWith(values);
   }
-  /// The parameters of the line that is open; of none where none is.
+  /// The parameters of the open line; default values if none is open.
   LineState OpenLineState() {
     LineState state{};
     EXPECT_TRUE(program.connection.handle.IsOpen());

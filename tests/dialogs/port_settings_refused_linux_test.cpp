@@ -1,4 +1,4 @@
-// COM Port Settings when the line refuses what was set: one and a half stop bits with eight data bits.
+// COM Port Settings when the line refuses the values: one and a half stop bits with eight data bits.
 
 #include "dialogs/port_settings_fixture.h"
 
@@ -21,7 +21,7 @@ TEST_F(PortSettingsDialog, OkOpensThePortBeforeItSaves) {
   Click(kOkLine);
   EXPECT_TRUE(IsGone());
   EXPECT_EQ(boxes, 2);
-  // Eight data bits and one and a half stop bits are no state of a line.
+  // No line has eight data bits and one and a half stop bits.
   EXPECT_EQ(Happened(), (QStringList{kSaveQuestion, kSetStateFailed}));
   EXPECT_FALSE(program.connection.connected.IsSet());
   EXPECT_EQ(program.settings.comStop, "1.5");

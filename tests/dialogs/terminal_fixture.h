@@ -66,7 +66,7 @@ class TerminalFixture : public ::testing::Test {
   void Click(const char* caption, Qt::KeyboardModifiers modifiers = {}) {
     QTest::mouseClick(&Button(caption), Qt::LeftButton, modifiers);
   }
-  /// A key as the person presses it: to whatever has the focus.
+  /// Presses a key; the control with the focus gets it.
   void Press(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
     QTest::keyClick(QApplication::focusWidget(), key, modifiers);
   }

@@ -132,7 +132,7 @@ TEST_F(TerminalLook, TheFontFitsTheRows) {
       settings.inputMax = QLatin1String(width);
       settings.lineNum = QLatin1String(numbers);
       const int client = TerminalWindowSize(settings, 100).width() - 16;
-      // A command's echo has its brackets around it.
+      // The echo of a command is in brackets.
       const int characters =
           ScreenWidthOf(settings.inputMax).lineWidth + 2 + (settings.lineNum == u"ON" ? 7 : 0);
       EXPECT_LE(RowRect(0).left() + metrics.horizontalAdvance(QString(characters, u'W')), client)
@@ -169,7 +169,7 @@ TEST_F(TerminalLook, ToolTipsShowTheStoredCommands) {
   Open();
   EXPECT_EQ(Button("F 1").toolTip(), QStringLiteral("meas?"));
   EXPECT_EQ(Button("F 2").toolTip(), QStringLiteral("function-2"));
-  // What looks like markup is shown as it is.
+  // Markup is shown unchanged.
   EXPECT_EQ(Button("F 10").toolTip(),
             QStringLiteral("<span style=\"white-space:pre\">&lt;b&gt;bold&lt;/b&gt;</span>"));
   settings.mem[0] = QStringLiteral("new");
@@ -191,7 +191,7 @@ TEST_F(TerminalLook, TheContextMenu) {
   EXPECT_TRUE(window->ContextMenu().isVisible());
   EXPECT_EQ(window->ContextMenu().pos(), window->mapToGlobal(QPoint(100, 100)));
   window->ContextMenu().close();
-  // The menu key knows no place: the menu covers neither the command line nor the buttons.
+  // The menu key gives no position. The menu covers neither the command line nor the buttons.
   QContextMenuEvent byKey(QContextMenuEvent::Keyboard, QPoint(300, 600),
                           window->mapToGlobal(QPoint(300, 600)));
   QApplication::sendEvent(window, &byKey);

@@ -153,7 +153,7 @@ TEST_F(TerminalRequests, TheSendActionComesAfterFocusAndEmptyingAndBeforeTheRest
   Open();
   Type("typed");
   bool told = false;
-  // There is no port, which the send action says in a message.
+  // There is no port, so sending shows a message.
   messages.whileShown = [&] {
     told = true;
     EXPECT_FALSE(state.requests.focus);

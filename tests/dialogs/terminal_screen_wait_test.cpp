@@ -19,17 +19,17 @@ class CountingDialog final : public PolledDialog {
   void OnTick(int /*ticks*/) override { ++ticks; }
 };
 
-/// Does something from another thread's view of time: while the transaction's wait handles events.
+/// Does something during a transaction's wait, when it handles events.
 class TerminalWait : public TerminalFixture {
  protected:
-  /// Runs `action` once the instrument has received `bytes`; input that comes then comes in the wait.
+  /// Runs `action` when the instrument has received `bytes`. Input made then arrives during the wait.
   void OnceReceived(const std::string& bytes, std::function<void()> action) {
     m_poll =
         std::make_unique<Poll>([this, bytes] { return instrument->Received() == bytes; }, std::move(action));
   }
 
  private:
-  /// The wait drops timers, but posted events are handled: this one posts itself until it is time.
+  /// During the wait timers are dropped, but posted events are handled. So this one posts itself again.
   class Poll : public QObject {
    public:
     Poll(std::function<bool()> ready, std::function<void()> action)
@@ -101,7 +101,7 @@ TEST_F(TerminalWait, EscapeTakesTheEntersTypedAheadWithIt) {
   });
   Press(Qt::Key_Return);
   ASSERT_EQ(window->RowText(1), QStringLiteral("Warning: Aborted by ESC Key\r"));
-  // What had been kept would come before what is typed now.
+  // Kept keys would come before the keys typed now.
   commandLine.Reset();
   for (const char each : {'i', 'd'}) QTest::keyClick(window->windowHandle(), each);
   QTest::keyClick(window->windowHandle(), Qt::Key_Return);
@@ -150,7 +150,7 @@ TEST_F(TerminalWait, KeysPressedMeanwhileAreHandedOnInTheirOrder) {
     for (const char each : {'a', 'b', 'c'}) QTest::keyClick(window->windowHandle(), each);
     QTest::keyClick(window->windowHandle(), Qt::Key_Left);
     QTest::keyClick(window->windowHandle(), 'x');
-    // Nothing of it has reached the command line while the answer is awaited.
+    // During the wait no key has reached the command line.
     EXPECT_EQ(commandLine.Text(), QStringLiteral("slow"));
     EXPECT_TRUE(engine.IsBusy());
   });
@@ -180,7 +180,7 @@ TEST_F(TerminalWait, AnEnterThatReachesTheWindowMeanwhileDoesNothing) {
   Open();
   Type("slow");
   OnceReceived("slow\r", [this] {
-    // Past the hold, straight to the widget.
+    // Directly to the widget, without the hold.
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
     EXPECT_EQ(window->SendCounter(), 1U);
   });
@@ -260,7 +260,7 @@ TEST_F(TerminalWait, NoTimerOfAnotherWindowRunsAndWindowsStillPaint) {
   EXPECT_EQ(other.ticks, before);
   EXPECT_TRUE(state.requests.clearLog);
   EXPECT_EQ(log.LineCount(), 2);
-  // Afterwards it goes on by itself.
+  // Afterwards the timers run again.
   EXPECT_TRUE(Until([&] { return other.ticks > before; }));
   EXPECT_TRUE(Until([&] { return log.LineCount() == 0; }));
 }
@@ -272,7 +272,7 @@ TEST_F(TerminalWait, TheWaitingMarkBlinksAtTheCaret) {
   Type("wait");
   Press(Qt::Key_Left);
   QStringList seen;
-  /// Writes down what the command line shows, as it is painted.
+  /// Records the texts of the command line, as they are painted.
   class Watcher : public QObject {
    public:
     Watcher(StaticText* text, QStringList* seen, std::function<void()> enough)
@@ -302,7 +302,7 @@ TEST_F(TerminalWait, TheWaitingMarkBlinksAtTheCaret) {
 }
 
 TEST_F(TerminalWait, ATimeOutIsLoggedAndALateAnswerIsNotTheNextOne) {
-  // Later than the wait for the answer, and for the read behind it, can last.
+  // Later than the end of the wait and of the read left behind.
   Connect("\"late\" -> 1500 line \"late answer\"\n\"next\" -> 200 line \"next answer\"");
   Open();
   Type("late");
@@ -314,7 +314,7 @@ TEST_F(TerminalWait, ATimeOutIsLoggedAndALateAnswerIsNotTheNextOne) {
   Type("next");
   ASSERT_TRUE(Until([this] { return instrument->Answers() == 1; }));
   Press(Qt::Key_Return);
-  // The late answer was there before the second command went out; nothing of it is credited to that.
+  // The late response came before the second command was sent, so it does not count as its response.
   EXPECT_EQ(window->RowText(4), QStringLiteral("next answer\r"));
   EXPECT_EQ(log.LineCount(), 5);
 }

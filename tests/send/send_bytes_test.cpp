@@ -1,4 +1,4 @@
-// What goes out and what is printed, byte for byte.
+// The bytes sent and the bytes printed.
 
 #include <algorithm>
 
@@ -10,7 +10,7 @@ namespace {
 
 class SendBytes : public SendProcess {
  protected:
-  /// Lines of printable ASCII and nothing else.
+  /// Only lines of printable ASCII.
   static void ExpectPlain(const QByteArray& text) {
     EXPECT_TRUE(std::ranges::all_of(text, [](char each) {
       return each == '\n' || (each >= ' ' && each <= '~');

@@ -1,4 +1,4 @@
-// The program with fewer and fewer descriptors. A sanitizer wants some of its own, and fails without.
+// The program with fewer and fewer descriptors. Not under sanitizers, which need descriptors themselves.
 
 #include <sys/resource.h>
 #include <unistd.h>
@@ -10,7 +10,7 @@ namespace {
 
 using SendDescriptors = SendProcess;
 
-/// However far it gets: it works, or the reason is the one there is, in one line.
+/// At each number it works, or prints the reason in one line.
 TEST_F(SendDescriptors, WithoutThemItIsFiveWithTheReason) {
   int refused = 0;
   Outcome sent;
@@ -20,7 +20,7 @@ TEST_F(SendDescriptors, WithoutThemItIsFiveWithTheReason) {
       if (::setrlimit(RLIMIT_NOFILE, &few) != 0) std::_Exit(99);
     };
     sent = Run(QStringLiteral(QUARN_SEND), {QStringLiteral("id")}, limit);
-    // Not even the program's libraries can be opened.
+    // Too few even to open the program's libraries.
     if (sent.exitCode == 127) continue;
     if (sent.exitCode == 0) break;
     ++refused;

@@ -78,7 +78,7 @@ TEST(ParseArguments, AValueIsNeverEmpty) {
   }
 }
 
-/// Where commands are bytes, a name need not be text; where they are text, they need not have bytes.
+/// If arguments are bytes, one may not be valid text; if they are text, one may not have bytes.
 TEST(ParseArguments, WhatIsLostOnTheWayIsRefused) {
   const Options name = ParseArguments({{QStringLiteral("--settings"), "--settings"}, {{}, "\xff.qrn"}});
   EXPECT_EQ(name.error, QStringLiteral("--settings: \"<0xff>.qrn\" is no UTF-8 text"));

@@ -11,8 +11,8 @@
 #include "serial/file_descriptor.h"
 
 #ifdef __SANITIZE_THREAD__
-// Starting a program shares this one's memory for a moment, and the thread sanitizer then takes this one
-// for a forked copy that may start no thread.
+// Starting a program shares this one's memory for a moment. The thread sanitizer then treats this process as
+// a forked copy, which must not start threads.
 extern "C" const char* __tsan_default_options() { return "die_after_fork=0"; }
 #endif
 
@@ -195,7 +195,7 @@ TEST_F(SendProcess, CtrlCIsFourAndPutsTheLineBack) {
     EXPECT_EQ(::tcgetattr(line.Get(), &now), 0);
     return now;
   };
-  // As a line is that no program has taken yet.
+  // The state of a line that no program has opened.
   termios untouched = state();
   untouched.c_lflag |= ECHO | ICANON;
   ASSERT_EQ(::tcsetattr(line.Get(), TCSANOW, &untouched), 0);

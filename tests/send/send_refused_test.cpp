@@ -1,4 +1,4 @@
-// What is not sent, each with its own reason in one line.
+// Commands that are not sent, each with its reason in one line.
 
 #include <sys/stat.h>
 
@@ -33,7 +33,7 @@ TEST_F(SendRefused, ACommandThatIsTooLong) {
 TEST_F(SendRefused, ACommandThatWouldBeCutAtItsOwnEnd) {
   ExpectRefused(Send({QStringLiteral("id"), QStringLiteral("one\ntwo")}), 64,
                 "\"one<LF>two\" holds the byte that ends a command, and would be cut off behind it");
-  // Another delimiter has another end.
+  // Another delimiter has another terminator.
   WriteSettings(Path("cr.qrn"), {{"DELIMITER=", "CR"}});
   EXPECT_EQ(Send({QStringLiteral("--settings"), Path("cr.qrn"), QStringLiteral("one\ntwo")}).exitCode, 0);
   EXPECT_EQ(m_instrument.Received(), "one\ntwo\r");

@@ -1,4 +1,4 @@
-// The program where the system gives it less than it needs.
+// The program on a system that gives it less than it needs.
 
 #include <linux/capability.h>
 #include <sys/prctl.h>
@@ -33,7 +33,7 @@ TEST_F(SendSurroundings, WithoutAThreadItIsFiveWithTheReason) {
   EXPECT_EQ(m_instrument.Received(), "");
 }
 
-/// Root, too, may then read only what its owner may.
+/// Then the permissions hold for root too.
 void BeLikeOtherUsers() {
   if (::geteuid() != 0) return;
   for (const int each : {CAP_DAC_OVERRIDE, CAP_DAC_READ_SEARCH}) {
@@ -66,7 +66,7 @@ bool IsStopped(qint64 process) {
   return file.open(QIODevice::ReadOnly) && file.readAll().contains(") T ");
 }
 
-/// An answer that came while nobody could look at it is one that came in time.
+/// A response that came while the process was stopped came in time.
 TEST_F(SendSurroundings, AnAnswerThatComesWhileTheProcessIsStoppedIsShown) {
   // The time-out is 265 polls of 10 ms. All of them are missed.
   constexpr std::chrono::milliseconds kStop{3500};

@@ -87,7 +87,7 @@ int FakeUart::Serial(unsigned long request, void* argument) {
   auto& settings = *static_cast<serial_struct*>(argument);
   if (request == TIOCGSERIAL) {
     settings = {};
-    // Another flag, to see that it stays.
+    // Another flag, which must be kept.
     settings.flags = int{ASYNC_SKIP_TEST} | (lowLatency ? int{ASYNC_LOW_LATENCY} : 0);
     return 0;
   }

@@ -9,8 +9,8 @@
 
 namespace quarn {
 
-/// Plays the driver of a UART: while one of these lives, the control calls that only a UART answers go to it
-/// instead of to the pseudo-terminal that carries the bytes. One at a time; any thread may make calls.
+/// Simulates the driver of a UART. While it exists, it answers the control calls that only a UART answers;
+/// the bytes go through a pseudo-terminal. One at a time; any thread may make calls.
 class FakeUart {
  public:
   FakeUart();
@@ -18,8 +18,8 @@ class FakeUart {
   FakeUart(const FakeUart&) = delete;
   FakeUart& operator=(const FakeUart&) = delete;
 
-  // What the driver does. Set before the call that it is about.
-  std::function<void(termios2&)> take = [](termios2&) {};  ///< what becomes of a state that it is given
+  // How the driver behaves. Set before the call.
+  std::function<void(termios2&)> take = [](termios2&) {};  ///< changes each state that is set
   std::function<int()> queued = [] { return 0; };          ///< bytes that it has not sent yet
   bool marked = false;                                     ///< the exclusive mark
   bool lowLatency = false;
@@ -30,22 +30,22 @@ class FakeUart {
   int failingSetState = 0;  ///< the error of every setting of the state; 0 for none
   int failingMark = 0;      ///< and of setting the exclusive mark
   bool noEventDescriptors = false;
-  /// Flow control holds the bytes in the chip: closing waits for them as long as drivers do, half a minute,
-  /// or until a signal comes.
+  /// Flow control holds the bytes in the chip: closing waits for them like a driver, for half a minute or
+  /// until a signal comes.
   bool holdsClose = false;
 
-  /// The state in which the line is found.
+  /// The state of the line before it is opened.
   void Preset(const termios2& state);
   [[nodiscard]] termios2 State() const;
-  /// The calls so far that change something, in order.
+  /// The calls that changed something, in order.
   [[nodiscard]] std::vector<std::string> Calls() const;
-  /// The calls that have met a line that is open and echoes; also those that change nothing.
+  /// The number of calls on the open line while it echoes, including those that change nothing.
   [[nodiscard]] int CallsWhileEchoing() const;
   [[nodiscard]] bool WasCalled(const std::string& call) const;
 
   /// The descriptor is about to be closed.
   void Closing(int descriptor);
-  /// Answers a control call; -1 with errno set for a failure, `passOn` for one that it has no part in.
+  /// Answers a control call: -1 with errno for a failure, `passOn` for a call that it does not simulate.
   int Control(int descriptor, unsigned long request, void* argument, bool& passOn);
 
  private:

@@ -6,7 +6,7 @@
 
 namespace quarn {
 
-/// Another process that tries to open a line and, when it can, holds it.
+/// Another process that tries to open a line, and holds it.
 class Holder {
  public:
   explicit Holder(const QString& node, const QStringList& more = {}) {
@@ -19,7 +19,7 @@ class Holder {
   Holder(const Holder&) = delete;
   Holder& operator=(const Holder&) = delete;
 
-  /// Its one line: a word for the outcome and the reason.
+  /// Its line of output: the outcome as a word, and the reason.
   QString Outcome() {
     while (!m_process.canReadLine() && m_process.waitForReadyRead(kLongestMs)) {
     }
@@ -29,7 +29,7 @@ class Holder {
     m_process.kill();
     m_process.waitForFinished(kLongestMs);
   }
-  /// What the list and a refused open call it; the kernel keeps 15 characters of a name.
+  /// Its name in the list and in a failed open; the kernel keeps 15 characters of it.
   [[nodiscard]] QString Use() const {
     return QStringLiteral("in use by quarn-line-hold (PID %1)").arg(m_process.processId());
   }

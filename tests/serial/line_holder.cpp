@@ -1,5 +1,5 @@
-// Another program on the line, for the tests of exclusive use: opens a terminal device, says how that
-// went and holds the line until its standard input ends or somebody kills it.
+// Another program on the line, for the tests of exclusive use. It opens a terminal device, prints the
+// outcome, and holds the line until its standard input ends or it is killed.
 
 #include <fcntl.h>
 #include <grp.h>
@@ -12,7 +12,7 @@
 
 namespace {
 
-/// Becomes a user who may open next to nothing.
+/// Becomes a user without permissions.
 bool BecomeNobody() {
   constexpr uid_t kNobody = 65534;
   return setgroups(0, nullptr) == 0 && setgid(kNobody) == 0 && setuid(kNobody) == 0;
@@ -28,7 +28,7 @@ void Say(const char* word, const QString& reason) {
 int main(int argc, char** argv) {
   if (argc < 2) return 2;
   if (argc > 2 && std::string_view(argv[2]) == "--plain") {
-    // A program that knows no lock.
+    // A program that uses no lock.
     Say(::open(argv[1], O_RDWR | O_NOCTTY | O_CLOEXEC) >= 0 ? "open" : "failed", {});
     while (std::getchar() != EOF) {
     }

@@ -73,7 +73,7 @@ TEST_P(SilenceOfRate, EndsAResponse) {
   }
 }
 
-// The silence is derived from the number in the text, even where the line itself then runs at 9600 bps.
+// The silence follows the number in the text, even if the line then runs at 9600 bps.
 INSTANTIATE_TEST_SUITE_P(
     LineParameters, SilenceOfRate,
     testing::Values(SilenceRow{"110", 7854, 11781}, SilenceRow{"300", 2880, 4320},

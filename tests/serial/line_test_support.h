@@ -16,11 +16,10 @@ inline void PrintTo(const QString& text, std::ostream* out) {
 
 namespace quarn {
 
-/// How long a test waits for what must happen before it says that it does not. No measure of speed: a
-/// loaded machine may take its time.
+/// How long a test waits for an event before it fails. Not a measure of speed: a busy computer may be slow.
 inline constexpr std::chrono::seconds kPatience{60};
 
-/// Waits until `condition` holds; false when it does not come to hold.
+/// Waits until `condition` holds; false if it does not.
 template <class Condition>
 bool Eventually(const Condition& condition) {
   const auto end = std::chrono::steady_clock::now() + kPatience;
@@ -43,8 +42,7 @@ bool Ends(std::future<Result>& work) {
   return work.wait_for(kPatience) == std::future_status::ready;
 }
 
-/// Whether work in another thread still goes on after a moment: long enough to see a call that does not
-/// block at all.
+/// Whether work in another thread still runs after a moment. A call that does not block has ended by then.
 template <class Result>
 bool StillRuns(std::future<Result>& work) {
   return work.wait_for(std::chrono::milliseconds(50)) == std::future_status::timeout;

@@ -10,14 +10,14 @@
 namespace quarn {
 namespace {
 
-// What ends a read or a write other than bytes and time-outs: the far end, CancelIo, Close.
+// Ends of a read or write other than bytes and time-outs: the far end, CancelIo, Close.
 class LinuxLineBreak : public PtyLineTest {
  protected:
   void SetUp() override {
     PtyLineTest::SetUp();
-    ASSERT_TRUE(m_line->SetTimeouts({}));  // nothing ends by itself
+    ASSERT_TRUE(m_line->SetTimeouts({}));  // no time-outs
   }
-  /// How many bytes have come in and wait for a reader.
+  /// The number of received bytes that are not read yet.
   [[nodiscard]] int Waiting() const {
     int waiting = -1;
     const int near = ::open(m_far.NodePath().c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);

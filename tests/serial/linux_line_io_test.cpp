@@ -17,7 +17,7 @@ std::string EveryByte() {
   return bytes;
 }
 
-/// Long enough that no scheduler makes a gap of it between bytes that are there already.
+/// Longer than any delay of the scheduler between bytes that are already received.
 constexpr LineTimeouts kPatient{.readInterval = 60'000};
 
 TEST_F(LinuxLineIo, EveryByteComesInUnchanged) {
@@ -41,7 +41,7 @@ TEST_F(LinuxLineIo, WhatComesInIsNotEchoed) {
   EXPECT_EQ(FarReceives(1), "!");
 }
 
-/// A process may have been stopped past the end of its read's time: what came meanwhile counts all the same.
+/// A process may be stopped until after the end of its read: bytes received meanwhile still count.
 TEST(PollLine, LooksOnceHoweverLateItIs) {
   std::array<int, 2> ends{};
   ASSERT_EQ(::pipe(ends.data()), 0);
@@ -101,7 +101,7 @@ TEST_F(LinuxLineIo, TheReadLastsAtLeastTheIntervalBeyondTheLastByte) {
   EXPECT_GE(taken, 120);
 }
 
-/// Sends pieces with a pause after each but the last, and says how long the longest pause really was.
+/// Sends pieces with a pause between them, and returns how long the longest pause really was.
 template <class Send>
 std::chrono::milliseconds SendInPieces(int pieces, std::chrono::milliseconds pause, const Send& send) {
   std::chrono::steady_clock::duration longest{};

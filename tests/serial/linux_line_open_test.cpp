@@ -37,7 +37,7 @@ QStringList AsOrdinaryUser() {
   return ::geteuid() == 0 ? QStringList{QStringLiteral("--as-nobody")} : QStringList();
 }
 
-/// What an ordinary user's program that knows no lock is told when it opens the device; 0: it is open.
+/// The error when an ordinary user's program without locks opens the device; 0: it succeeded.
 int ErrorOfAPlainOpen(const std::string& node) {
   constexpr uid_t kNobody = 65534;
   constexpr int kNotOrdinary = 200;
@@ -90,7 +90,7 @@ TEST_F(LinuxLineOpen, ASerialDeviceThatAnotherProgramHasOpenWithoutALockIsInUse)
     EXPECT_FALSE(refused.line);
     EXPECT_EQ(refused.failure.kind, LineError::InUse);
     EXPECT_EQ(refused.failure.reason, Node() + QStringLiteral(": ") + holder.Use());
-    // Whoever is at the far end may well keep the near end open.
+    // The program at the far end may keep the near end open.
     EXPECT_TRUE(OpenTerminalDevice(Node()).line);
   }
   const OpenResult opened = OpenTerminalDeviceAs(Node(), TerminalKind::Uart);
@@ -136,7 +136,7 @@ TEST_F(LinuxLineOpen, TheLockKeepsOthersOutWhileTheLineIsOpen) {
   EXPECT_NE(::flock(other.Get(), LOCK_EX | LOCK_NB), 0);
 }
 
-// The mark does not bind an administrator: what the system refuses is tried as an ordinary user.
+// The mark has no effect on an administrator, so this is tried as an ordinary user.
 
 TEST_F(LinuxLineOpen, AProgramThatOnlyMarksTheDeviceIsRespected) {
   const FileDescriptor other(::open(m_far.NodePath().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));

@@ -272,7 +272,7 @@ TEST_F(OpenPortTest, ReconfigureGivesTheOpenLineItsParameters) {
   const auto held = HoldLine();
   m_settings.portSpeed = QStringLiteral("LOW");
   EXPECT_TRUE(ReconfigurePort(m_settings, m_connection, m_environment));
-  // A read that was left behind goes first.
+  // First a read left behind is cancelled.
   EXPECT_EQ(m_journal.Entries(), (Steps{"cancel", "allow", "get state", "set state", "set time-outs"}));
   EXPECT_EQ(held->state.baudRate, 19200U);
   EXPECT_EQ(held->timeouts, TimeoutsOf(m_settings.comBps, m_settings.portSpeed));

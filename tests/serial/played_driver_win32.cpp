@@ -14,7 +14,7 @@ PlayedDriver::PlayedDriver() { g_played = this; }
 
 PlayedDriver::~PlayedDriver() {
   Release();
-  // Who is still in a call has to be out of it first.
+  // First all calls must have returned.
   Lock lock(m_mutex);
   m_changed.wait(lock, [this] { return m_inCall == 0; });
   g_played = nullptr;
@@ -182,7 +182,7 @@ BOOL PlayedDriver::Write(const char* data, DWORD size, DWORD* moved) {
 BOOL PlayedDriver::Cancel() {
   {
     const Lock lock(m_mutex);
-    // Says that it has, like some real ones.
+    // Reports success, like some real drivers.
     m_cancelled = m_heedsCancelling && m_inCall > 0;
   }
   m_changed.notify_all();
@@ -202,7 +202,7 @@ PlayedDriver* DriverOf(HANDLE handle) {
 
 }  // namespace
 
-// The parts under test are linked with the pointers of this file in place of the system's imports.
+// The tested code is linked with the pointers of this file instead of the system's imports.
 extern "C" {
 
 // NOLINTBEGIN: the linker's names

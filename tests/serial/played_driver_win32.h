@@ -9,9 +9,8 @@
 
 namespace quarn::test {
 
-/// The driver of a COM port, played by the test: the comm calls of this program that name its handle, and
-/// every opening of a path that begins with "COM", come here instead of to the system. One at a time. Any
-/// thread.
+/// Simulates the driver of a COM port. Comm calls with its handle, and every opening of a path that begins
+/// with "COM", come here instead of to the system. One at a time. Any thread.
 class PlayedDriver {
  public:
   PlayedDriver();
@@ -30,10 +29,10 @@ class PlayedDriver {
     bool hasTemplate;
   };
   [[nodiscard]] std::vector<Opening> Openings() const;
-  /// Whether the handle that was given out is open still.
+  /// Whether the handle is still open.
   [[nodiscard]] bool IsOpen() const;
 
-  // What it has in force.
+  // Its current state.
   void Have(const DCB& state);
   [[nodiscard]] DCB State() const;
   [[nodiscard]] COMMTIMEOUTS Timeouts() const;
@@ -48,7 +47,7 @@ class PlayedDriver {
   [[nodiscard]] std::string Sent() const;
   /// How many reads have been begun.
   [[nodiscard]] int Reads() const;
-  /// From now on a read or write lasts until Release, or until it is cancelled by a driver that does so.
+  /// From now on a read or write lasts until Release, or until its cancellation, if the driver heeds that.
   void Hold(bool heedsCancelling);
   void Release();
 

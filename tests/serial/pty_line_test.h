@@ -41,7 +41,7 @@ class PtyLineTest : public testing::Test {
   }
   IoResult Write(const std::string& bytes) const { return m_line->Write(bytes.data(), bytes.size()); }
 
-  /// The far end sends; all of it is on its way when this returns.
+  /// The far end sends. All bytes are in the line when this returns.
   void FarSends(std::string_view bytes) const {
     while (!bytes.empty()) {
       const ssize_t count = ::write(m_far.Descriptor(), bytes.data(), bytes.size());

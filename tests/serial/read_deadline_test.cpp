@@ -8,7 +8,7 @@ namespace {
 using std::chrono::milliseconds;
 
 constexpr std::uint32_t kMaximum = 0xFFFFFFFFU;
-/// Some moment; time only moves when a test says so.
+/// The start time. Only the test moves the time.
 const LineClock::time_point kStart{std::chrono::hours(1)};
 
 LineClock::time_point At(std::int64_t ms) { return kStart + milliseconds(ms); }

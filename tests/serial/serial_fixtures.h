@@ -60,7 +60,7 @@ class ScratchFolder {
   QTemporaryDir m_folder;
 };
 
-/// Another process that has done something and then waits to be ended.
+/// Another process that runs a function and then waits until it is ended.
 class OtherProcess {
  public:
   explicit OtherProcess(const std::function<bool()>& start) {

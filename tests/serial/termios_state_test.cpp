@@ -7,7 +7,7 @@
 namespace quarn {
 namespace {
 
-/// A line as a login leaves it: echo, signals, line ends mapped, everything that must not touch a byte.
+/// A line in the state of a login: echo, signals, mapped line ends, and everything else that changes bytes.
 termios2 CookedState() {
   termios2 state{};
   state.c_iflag = BRKINT | ICRNL | IXON | IXANY | IUCLC | ISTRIP | INPCK | PARMRK;

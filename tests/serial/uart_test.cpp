@@ -22,13 +22,13 @@ namespace {
 
 using Calls = std::vector<std::string>;
 
-/// A line that echoed: the flag comes back last.
+/// For a line that echoed: the flag is restored last.
 const Calls kGivenBack{"latency normal", "unmark", "set state", "flush input", "set state", "close"};
 
-/// Flow control holds the line: nothing goes out.
+/// Flow control holds the line: nothing is sent.
 int Stuck() { return 5; }
 
-/// Takes no other rate than 9600 bps.
+/// A driver that accepts only 9600 bps.
 void OnlyKnows9600(termios2& state) {
   state.c_ispeed = 9600;
   state.c_ospeed = 9600;
@@ -51,7 +51,7 @@ class UartTest : public testing::Test {
     EXPECT_TRUE(opened.line) << opened.failure.reason.toStdString();
     return opened.line;
   }
-  /// Closes the line and says what that made of the driver.
+  /// Closes the line and returns the calls to the driver.
   Calls CallsOfClose(SerialLine& line) const {
     const std::size_t before = m_uart.Calls().size();
     EXPECT_TRUE(line.Close());
@@ -83,7 +83,7 @@ TEST_F(UartTest, ALineThatAnotherProgramHasMarkedIsInUse) {
 
 TEST_F(UartTest, AProgramThatOpensTheDeviceMeanwhileHasIt) {
   std::unique_ptr<Holder> visitor;
-  // Behind the question who uses it, and before the mark that keeps others out.
+  // After the check who uses it, and before the exclusive mark.
   m_uart.take = [&](termios2&) {
     if (visitor) return;
     visitor = std::make_unique<Holder>(Node(), QStringList{QStringLiteral("--plain")});
@@ -161,7 +161,7 @@ TEST_F(UartTest, ADriverWithoutLowLatencyOpensAllTheSame) {
   m_uart.knowsLatency = true;
   m_uart.takesLatency = false;
   const auto line = Line();
-  // What could not be set is not put back either.
+  // A flag that could not be set is not restored.
   EXPECT_EQ(CallsOfClose(*line), (Calls{"unmark", "set state", "flush input", "set state", "close"}));
 }
 
@@ -206,7 +206,7 @@ TEST_F(UartTest, CloseDoesNotWaitForADriverThatWaitsForTheLine) {
   Calls calls;
   EXPECT_LT(MillisecondsOf([&] { calls = CallsOfClose(*line); }), 4'000);
   EXPECT_EQ(calls.back(), "interrupted") << "the driver was left to wait for half a minute";
-  // Bytes that only the chip has are not among those that are queued.
+  // Bytes in the chip are not counted as queued.
   m_uart.queued = [] { return 0; };
   const auto next = Line();
   EXPECT_LT(MillisecondsOf([&] { calls = CallsOfClose(*next); }), 4'000);
@@ -232,7 +232,7 @@ TEST_F(UartTest, CloseLeavesTheChipTheTimeForTheLastBytes) {
 
 TEST_F(UartTest, ALineEchoesOnlyUntilItIsRawAndNotBeforeItIsClosed) {
   const auto line = Line();
-  // Is it marked, what is its state, make it raw.
+  // Checks the mark, reads the state, sets the raw state.
   EXPECT_EQ(m_uart.CallsWhileEchoing(), 3);
   line->Close();
   EXPECT_EQ(m_uart.CallsWhileEchoing(), 3) << "something was asked of it while it echoed";
@@ -259,7 +259,7 @@ TEST_F(UartTest, LettingGoOfTheLineGivesEverythingBackToo) {
 TEST_F(UartTest, APseudoTerminalIsLeftWithoutMarkAndFlags) {
   const OpenResult opened = OpenTerminalDeviceAs(Node(), TerminalKind::PseudoTerminal);
   ASSERT_TRUE(opened.line);
-  // Nobody reads at the far end for as long as it likes; closing is not to wait for that.
+  // Nobody reads at the far end. Closing must not wait for that.
   m_uart.queued = Stuck;
   EXPECT_TRUE(opened.line->Close());
   EXPECT_EQ(m_uart.Calls(), (Calls{"set state", "set state", "close"}));
@@ -287,7 +287,7 @@ TEST_F(UartTest, OpenPortTellsOfARefusalAndKeepsTheLine) {
   EXPECT_EQ(connection.lastFailure.kind, LineError::Refused);
   EXPECT_TRUE(connection.lastFailure.reason.contains(QStringLiteral("128000 bps")));
 
-  // The next reset, with a rate that the driver has, closes it and opens it again.
+  // The next reset, with a supported rate, closes the line and opens it again.
   settings.comBps = QStringLiteral("9600");
   connection.portCount = 1;
   connection.portNames[0] = settings.comPort;
@@ -301,7 +301,7 @@ TEST(GroupName, ReadsGroupsWithManyMembers) {
   EXPECT_NE(name, "0");
   g_smallestGroupBuffer = 200'000;
   EXPECT_EQ(GroupName(0), name);
-  // As if the group were larger than any group is.
+  // As for a group larger than any real one.
   g_smallestGroupBuffer = static_cast<std::size_t>(-1);
   EXPECT_EQ(GroupName(0), "0");
   g_smallestGroupBuffer = 0;

@@ -14,17 +14,17 @@ namespace {
 
 using test::PlayedDriver;
 
-/// The line over a driver that does what no real one can be made to do.
+/// A line with a simulated driver, for behaviour that real drivers show rarely.
 class Win32Driver : public testing::Test {
  protected:
   void Open() {
     const OpenResult opened = Win32LineOpener().Open(QStringLiteral("COM3"));
     ASSERT_TRUE(opened.line) << opened.failure.reason.toStdString();
     m_line = opened.line;
-    // A read lasts until it is ended by somebody.
+    // A read lasts until it is cancelled.
     ASSERT_TRUE(m_line->SetTimeouts({}));
   }
-  /// With a read that has reached the driver, and lasts.
+  /// Opens the line and starts a read, which does not end.
   void OpenAndRead(bool heedsCancelling) {
     Open();
     m_driver.Hold(heedsCancelling);
@@ -32,7 +32,7 @@ class Win32Driver : public testing::Test {
     m_reading = InThread([this] { return Read(); });
     ASSERT_TRUE(Eventually([this] { return m_driver.Reads() == 1; }));
   }
-  /// What a read of this line gives: its bytes, or why it failed.
+  /// The outcome of a read: its bytes, or why it failed.
   std::string Read() const {
     std::string bytes(100, '\0');
     const IoResult result = m_line->Read(bytes.data(), bytes.size());
@@ -199,7 +199,7 @@ TEST_F(Win32Driver, WhatIsLeftBehindTakesNoAnswerOfAnotherCommand) {
   m_line->CancelIo();
   ASSERT_TRUE(Ends(m_reading));
   m_line->AllowIo();
-  // Nothing goes out as long as the earlier read would get the answer.
+  // Nothing is sent while the earlier read could take the response.
   LineState state;
   EXPECT_FALSE(Write("id\r"));
   EXPECT_EQ(m_driver.Sent(), "");

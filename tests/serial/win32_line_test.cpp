@@ -15,7 +15,7 @@ namespace {
 
 using test::ServedInstrument;
 
-/// A COM port with an instrument behind it.
+/// A COM port with an instrument.
 class Win32Line : public testing::Test {
  protected:
   void Serve(std::string_view rules) {
@@ -70,7 +70,7 @@ TEST_F(Win32Line, TheFourParametersAreSetAndRead) {
   }
 }
 
-/// The port once more, past the line. Windows would not give it to two.
+/// Opens the port again, beside the line. Only Wine allows that.
 class BareHandle {
  public:
   explicit BareHandle(const QString& port)
@@ -130,7 +130,7 @@ TEST_F(Win32Line, EveryByteGoesOutAndComesBackUnchanged) {
   ASSERT_TRUE(m_line->SetState({.baudRate = 115200}));
   ASSERT_TRUE(m_line->SetTimeouts({.readInterval = 500, .readTotalConstant = 10000}));
   std::string bytes;
-  // The instrument takes CR, LF, STX and ETX for the frame of a command.
+  // For the instrument CR, LF, STX and ETX frame a command.
   for (int byte = 0; byte < 256; ++byte) {
     if (byte != 2 && byte != 3 && byte != '\n' && byte != '\r') bytes += static_cast<char>(byte);
   }

@@ -10,7 +10,7 @@
 namespace quarn {
 namespace {
 
-/// HOME and XDG_CONFIG_HOME for one test, put back afterwards.
+/// Sets HOME and XDG_CONFIG_HOME for one test, and restores them.
 class DataFolderTest : public ::testing::Test {
  protected:
   DataFolderTest() { qputenv("HOME", m_home.path().toLocal8Bit()); }

@@ -15,12 +15,12 @@ long MostMemoryKilobytes() {
   return usage.ru_maxrss;
 }
 
-/// Files that take no room on the disk and more memory than there is: whatever is done with one, no more of
-/// it is read than tells that it is too large.
+/// Files that need no space on the disk and more memory than exists. Every operation stops reading when it
+/// knows that the file is too large.
 class HugeFile : public UserFile, public testing::WithParamInterface<qint64> {
  protected:
   void TearDown() override { EXPECT_LT(MostMemoryKilobytes() - m_before, 64 * 1024); }
-  /// A sound file's text, and nothing but zeros behind it.
+  /// The text of a valid file, followed by zeros.
   QString Huge(const QString& name) const {
     QString path = WithEntry("COM_PORT=NONE", "COM_PORT=COM3", name);
     QFile file(path);

@@ -79,13 +79,13 @@ TEST_F(KeyStoreEntries, SeesEveryLineOfTheLongestText) {
     EXPECT_EQ(List(bytes + "\n.END\n"), lines + 1) << lines;
     EXPECT_TRUE(m_entries.last().startsWith(QStringLiteral("B=")));
   }
-  // What lies behind the longest text is not there.
+  // Text after the longest length is not read.
   EXPECT_EQ(List(".BEGIN\n" + filler.repeated(17) + ".END\n"), 2);
   EXPECT_EQ(List(".BEGIN\nA=1\n.END\n" + QByteArray(20000, '\n')), 1);
 }
 
 TEST_F(KeyStoreEntries, ListsBytesThatAreFewerCharacters) {
-  // The limit of a text is in characters, whatever they take in the file.
+  // The limit counts characters, whatever their size in the file.
   const QByteArray euros = "A=" + QByteArray("\xE2\x82\xAC").repeated(1000) + "\r\n";
   EXPECT_EQ(List(".BEGIN\r\n" + euros.repeated(5) + "B=1\r\n.END\r\n"), 6);
 }

@@ -3,7 +3,7 @@
 #include "settings/settings_table.h"
 #include "settings/settings_test_support.h"
 
-// Whole files as they turn up: from earlier versions, other editors, cut short, or made to do harm.
+// Whole files: from earlier versions, from other editors, cut short, or malicious.
 namespace quarn {
 namespace {
 

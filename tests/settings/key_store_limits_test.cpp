@@ -4,8 +4,8 @@
 #include "settings/settings_table.h"
 #include "settings/settings_test_support.h"
 
-// Each limit at its last length and one beyond. The child of a death test works on the same folder, so the
-// bytes compared afterwards are the ones it left behind.
+// Each limit at its last length and one beyond. The child process of a death test uses the same folder, so
+// the test compares the bytes that it left.
 namespace quarn {
 namespace {
 

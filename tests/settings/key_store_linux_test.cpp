@@ -14,14 +14,14 @@
 #include "settings/settings_test_support.h"
 #include "settings/working_file.h"
 
-// Root is refused by no permission, so a write is made to fail by the largest size a file may have, which
-// holds for everybody, and permissions are looked at rather than run into.
+// Permissions do not stop root. So writes fail at the largest size of a file, which holds for root too, and
+// permissions are compared.
 namespace quarn {
 namespace {
 
 using KeyStoreLinux = SettingsFileTest;
 
-/// While it lives, no file can grow beyond `bytes`: a write behaves as on a full disk.
+/// While it exists, no file can grow beyond `bytes`: a write fails as on a full disk.
 class FullDisk {
  public:
   explicit FullDisk(rlim_t bytes) : m_signal(std::signal(SIGXFSZ, SIG_IGN)) {
@@ -68,7 +68,7 @@ TEST_F(KeyStoreLinux, AFailedUpdateSaysTrueAndSoDoesASaveAll) {
 }
 
 TEST_F(KeyStoreLinux, AReplacedFileIsAnotherOne) {
-  // The old bytes are still whole for whoever has the old file open: nothing was written into it.
+  // A program that has the old file open still reads the old bytes: they were not overwritten.
   const QByteArray bytes = ".BEGIN\nMEM0=old\n.END\n";
   const QString path = WithBytes(bytes);
   QFile before(path);
@@ -158,7 +158,7 @@ TEST_F(KeyStoreLinux, AReadOnlyFolderKeepsTheOldFile) {
   const QByteArray bytes = ".BEGIN\nMEM0=old\n.END\n";
   const QString path = WithBytes(bytes);
   ASSERT_EQ(chmod(Utf8(Path(QString())), 0500), 0);
-  // Root writes here all the same; what counts for both is that the file is whole and the result is true.
+  // Root can write here. For both the file must be complete and the result true.
   EXPECT_TRUE(UpdateValue(path, keys::kMem[0], QStringLiteral("new")));
   const std::optional<QString> value = ReadValue(path, keys::kMem[0]);
   ASSERT_EQ(chmod(Utf8(Path(QString())), 0700), 0);
@@ -207,7 +207,7 @@ class Reader {
   std::thread m_thread{[this] { Run(); }};
 };
 
-/// Whoever reads the file meanwhile finds it as it was before the operation or as it is after it.
+/// A reader finds the file as before the operation or as after it, at every moment.
 void ExpectNothingBetween(const QString& path, const std::function<void()>& operation) {
   const auto replace = [&path](const QByteArray& bytes) {
     const QString other = path + QStringLiteral(".other");

@@ -14,7 +14,7 @@ constexpr uid_t kNobody = 65534;
 
 QByteArray Utf8(const QString& path) { return QFile::encodeName(path); }
 
-/// Runs the steps in a process of an ordinary user and returns how many of them said no.
+/// Runs the steps in a process of an ordinary user. Returns how many of them failed.
 int FailuresAsOrdinaryUser(const QList<std::function<bool()>>& steps) {
   const pid_t child = fork();
   if (child == 0) {
@@ -125,7 +125,7 @@ TEST_F(UserFileLinux, AReadOnlyFileInAWritableFolderIsNotReplaced) {
   };
   EXPECT_EQ(FailuresAsOrdinaryUser(steps), 0);
   EXPECT_EQ(BytesOf(working), bytes);
-  // Where others may write, but not this user.
+  // Other users may write there, but not this one.
   if (geteuid() == 0) {
     ASSERT_EQ(chmod(Utf8(working), 0644), 0);
     EXPECT_EQ(FailuresAsOrdinaryUser(steps), 0);

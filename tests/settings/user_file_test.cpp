@@ -59,7 +59,7 @@ TEST_F(UserFile, YesUpdatesTheUserFileInPlaceAndLoadsIt) {
 }
 
 TEST_F(UserFile, AnUpdatedFileThatStillLacksAKeyIsRejectedWhenItIsLoaded) {
-  // A key that stands in another one's value counts as there when it is to be added.
+  // A key whose text is in another key's value counts as present, and is not added.
   QByteArray bytes = NormalisedBytes(SortedDefaults());
   bytes.replace("COM_BPS=9600\r\n", "").replace("MEM1=function-2", "MEM1=COM_BPS=1");
   const QString user = WithBytes(bytes, QStringLiteral("user.qrn"));
@@ -73,7 +73,7 @@ TEST_F(UserFile, AnUpdateThatWouldBeTooLargeIsNotMade) {
   messages.answers = {true};
   EXPECT_EQ(Open(user), user) << "what was removed makes room";
   EXPECT_EQ(BytesOf(user), SoundFileOfSize(16384));
-  // As many bytes as a file may have, and no room for one line more.
+  // The largest size of a file, so no line can be added.
   WithBytes(SoundFileOfSize(16384 + 18).replace("MARK_COLOR=WHITE\r\n", ""), QStringLiteral("user.qrn"));
   ASSERT_EQ(CompareWithDefaults(user).result, KeySetResult::Different);
   messages.answers = {true};
@@ -115,7 +115,7 @@ TEST_F(UserFile, AnEmptyValueIsRejectedAndTheWorkingTextComesBack) {
 }
 
 TEST_F(UserFile, TheWorkingFileComesBackByteForByte) {
-  // Neither an encoding that no settings file has nor bytes behind the last line are lost.
+  // A foreign encoding and bytes after the last line are kept.
   const QByteArray strange = "not \xFF settings\r" + QByteArray(16000, 'x');
   WithBytes(strange);
   ExpectRefused(WithEntry("COM_PORT=NONE", "COM_PORT=COM100"), {kNotLoaded});

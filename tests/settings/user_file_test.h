@@ -18,7 +18,7 @@ inline const QString kUpdated = QStringLiteral("information/: Information//Confi
 inline const QString kNotOpened =
     QStringLiteral("error/: Error//Destination folder error!/Could not open the QRN file.");
 
-/// A working file in force and a record that mirrors it.
+/// A working file, and a record with the same settings.
 class UserFile : public SettingsFileTest {
  protected:
   UserFile() { WithEntry("COM_PORT=NONE", "COM_PORT=COM7", QStringLiteral("Quarn.ini")); }
@@ -32,7 +32,7 @@ class UserFile : public SettingsFileTest {
     return WithBytes(bytes.replace(before, after), name);
   }
   QString Open(const QString& path) { return OpenUserFile(path, working, record, messages); }
-  /// Opens a file that must not load, and looks whether anything was lost by that.
+  /// Opens a file that must be refused, and checks that nothing changed.
   void ExpectRefused(const QString& path, const QStringList& shown) {
     const SettingsRecord before = record;
     const auto workingBefore = ReadWholeBytes(working);

@@ -13,13 +13,13 @@
 namespace quarn::test {
 namespace {
 
-/// Everything that writes a settings file, in any order and with any text: the next start reads the file as
-/// it was written, without a word.
+/// All operations that write a settings file, in any order and with any text. The next start must read the
+/// file as it was written, without a message.
 class WrittenFiles : public SettingsFileTest {
  protected:
   int Below(int limit) { return std::uniform_int_distribution<int>(0, limit - 1)(m_random); }
 
-  /// Short and long, of one to four bytes a character, with what has a meaning elsewhere in a file.
+  /// Short and long texts, of one to four bytes per character, also with the marks and keys of a file.
   QString AnyText() {
     static const QStringList pieces = {
         QStringLiteral("x"),          QStringLiteral("\u00B5"),      QStringLiteral("\u20AC"),
@@ -35,7 +35,7 @@ class WrittenFiles : public SettingsFileTest {
     if (Below(20) == 0) text += QLatin1Char('\n');
     return text;
   }
-  /// Of a setting that a dialog sets, as a person could have left it.
+  /// A value that a user could give this setting.
   QString ValueFor(const Setting& setting) {
     if (setting.key == keys::kComPort)
       return Below(2) == 0 ? QStringLiteral("COM12") : QStringLiteral("NONE");
@@ -61,7 +61,7 @@ class WrittenFiles : public SettingsFileTest {
     EXPECT_EQ(LoadSettings(m_working, loaded), LoadResult::Loaded);
     EXPECT_EQ(loaded, record);
   }
-  /// Refused is refused: with a message, and the file is what it was.
+  /// If refused: there was a message, and the file is unchanged.
   bool Stored(bool stored, const QByteArray& before) {
     EXPECT_EQ(m_messages.shown, stored ? QStringList() : QStringList{kTooLong});
     if (!stored) {
@@ -77,7 +77,7 @@ class WrittenFiles : public SettingsFileTest {
     EXPECT_EQ(OpenUserFile(m_user, m_working, record, m_messages), m_user);
     m_messages.shown.clear();
   }
-  /// A file of another version, of any size that one may have.
+  /// A file of another version and any valid size.
   void Upgrade() {
     QByteArray bytes = BytesOf(m_working);
     bytes.replace("MARK_COLOR=WHITE\r\n", Below(2) == 0 ? "" : "OLD_KEY=1\r\nOLDER\r\n");

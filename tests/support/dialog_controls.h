@@ -57,7 +57,7 @@ inline ::testing::AssertionResult TitleFits(const QWidget& dialog, const QString
          << title.toStdString() << " needs " << needed << " of " << dialog.width();
 }
 
-/// Enlarges the program's font for as long as it lives.
+/// Enlarges the program's font while it exists.
 class FontScale {
  public:
   explicit FontScale(int percent) : m_before(QApplication::font()) {

@@ -22,8 +22,8 @@
 
 namespace quarn::test {
 
-/// What dialogs of settings and ports work on, without a program around it: the default settings, a working
-/// settings file of its own that says the same, and lines, messages and waits that are only noted.
+/// The objects that dialogs use, without the rest of the program: the default settings, a working settings
+/// file with them, and doubles for lines, messages and waits.
 class DialogFixture : public ::testing::Test {
  protected:
   DialogFixture() {

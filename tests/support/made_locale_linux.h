@@ -7,7 +7,7 @@
 
 namespace quarn::test {
 
-/// A German locale with an encoding of eight bits, made for this test: the system has it or has it not.
+/// A German locale with an 8-bit encoding, made for this test: the system may not have one.
 class MadeLocale {
  public:
   explicit MadeLocale(const char* codeset) : m_name(QStringLiteral("de_DE.") + QLatin1String(codeset)) {

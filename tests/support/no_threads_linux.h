@@ -12,8 +12,8 @@
 
 namespace quarn::test {
 
-/// From now on the system gives this process no further thread, nor any program that it turns into: as a
-/// limit on a user's processes does, which does not count for root. False when that cannot be had.
+/// From now on this process, and a program that it executes, gets no new thread. A limit on the user's
+/// processes does the same, but not for root. False if the system does not allow this.
 inline bool ForbidThreads() {
   std::array<sock_filter, 8> rules = {{
       BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),

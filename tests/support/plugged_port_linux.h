@@ -9,12 +9,12 @@
 
 namespace quarn::test {
 
-/// Makes the line reachable as this port of the folder.
+/// Makes this line a port of the folder.
 inline void PlugPort(const QString& portsFolder, const QString& port, const PseudoTerminal& line) {
   ASSERT_TRUE(QFile::link(QString::fromStdString(line.Node()), portsFolder + QLatin1Char('/') + port));
 }
 
-/// No line can be reached as this port any more. False when none could.
+/// Removes the port from the folder. False if there was none.
 inline bool UnplugPort(const QString& portsFolder, const QString& port) {
   return QFile::remove(portsFolder + QLatin1Char('/') + port);
 }

@@ -9,15 +9,14 @@
 
 namespace quarn::test {
 
-/// Messages written down instead of shown, one text each: kind, suffix and lines parted by "/". Questions
-/// get the answers laid out beforehand, and No when these have run out. `defaults` keeps what each question
-/// was asked to begin on.
+/// Records messages instead of showing them, one text each: kind, suffix and lines, separated by "/".
+/// Questions get the prepared answers, and then No. `defaults` has the default answer of each question.
 class RecordedMessages final : public MessageOperations {
  public:
   QStringList shown;
   std::deque<bool> answers;
   std::vector<AnswerByDefault> defaults;
-  /// Called while a message is up, as another window's timer would be.
+  /// Called while a message is shown, as a timer of another window would be.
   std::function<void()> whileShown;
 
   void ShowErrorMessage(const QString& captionSuffix, const QString& line0, const QString& line1,

@@ -12,7 +12,7 @@
 
 namespace quarn {
 
-/// What happened, in order, told by several objects. Any thread.
+/// The events of several objects, in order. Any thread.
 class Journal {
  public:
   void Note(std::string entry) {
@@ -29,12 +29,12 @@ class Journal {
   std::vector<std::string> m_entries;
 };
 
-/// A line that does what a test tells it and notes what it is asked for.
+/// A line that behaves as the test sets it, and notes its calls.
 class ScriptedLine : public SerialLine {
  public:
   explicit ScriptedLine(Journal& journal) : m_journal(journal) {}
 
-  // What the calls give. Set before the line is used.
+  // The results of the calls. Set before the line is used.
   LineState state{.baudRate = 50, .byteSize = 6, .stopBits = StopBits::Two, .parity = Parity::Even};
   bool getStateWorks = true;
   bool setStateWorks = true;
@@ -42,12 +42,12 @@ class ScriptedLine : public SerialLine {
   bool purgeWorks = true;
   bool closeWorks = true;
   bool lost = false;
-  LineFailure failure;  ///< of every call that does not work
+  LineFailure failure;  ///< of every call that fails
   std::function<IoResult(char*, std::size_t)> read;
   std::function<IoResult(const char*, std::size_t)> write;
   std::function<void()> cancel;
 
-  // What was asked for.
+  // The arguments of the calls.
   LineTimeouts timeouts;
   std::size_t readSize = 0;
   QByteArray written;
@@ -102,7 +102,7 @@ class ScriptedLine : public SerialLine {
   Journal& m_journal;
 };
 
-/// Opens what a test says, and notes each path.
+/// Returns the lines that the test sets, and notes each path.
 class ScriptedOpener final : public SerialLineOpener {
  public:
   explicit ScriptedOpener(Journal& journal) : m_journal(journal) {}

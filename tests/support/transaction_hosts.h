@@ -7,13 +7,13 @@
 
 namespace quarn {
 
-/// Whoever waits for a transaction: counts what it is asked for, and answers as a test says.
+/// Waits for a transaction: counts its calls, and answers as the test sets it.
 class ScriptedHost final : public TransactionHost {
  public:
   int caret = -1;
-  /// Looks at the ESC key before it is found pressed; 0: never pressed.
+  /// The check at which the ESC key is pressed; 0: never.
   int escapeAtLook = 0;
-  /// Run once, at the first chance to paint.
+  /// Called once, at the first call to paint.
   std::function<void()> whilePainting;
 
   int begun = 0;
@@ -21,7 +21,7 @@ class ScriptedHost final : public TransactionHost {
   int painted = 0;
   int looks = 0;
   QStringList texts;
-  bool outsideWait = false;  ///< something was asked for while no wait was on
+  bool outsideWait = false;  ///< there was a call outside a wait
 
   [[nodiscard]] bool IsWaiting() const { return begun == ended + 1; }
 
@@ -46,7 +46,7 @@ class ScriptedHost final : public TransactionHost {
   void NoteOrder() { outsideWait = outsideWait || !IsWaiting(); }
 };
 
-/// Keeps nothing, so that a long run needs no memory for it.
+/// Records nothing, so that a long run needs no memory for it.
 class SilentHost final : public TransactionHost {
  public:
   void BeginWait() override {}

@@ -226,7 +226,7 @@ TEST(CommandLine, TicksThatWereSleptOverCountForTheBlink) {
   EXPECT_EQ(line.TicksToBlink(), 2);
   EXPECT_TRUE(line.Tick(2));
   EXPECT_EQ(line.TicksToBlink(), 5);
-  // However many they were, it is one blink.
+  // Any number of them is one blink.
   EXPECT_TRUE(line.Tick(50));
   EXPECT_EQ(line.DisplayText(), QStringLiteral("|"));
 }

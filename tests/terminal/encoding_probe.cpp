@@ -1,5 +1,5 @@
-// encoding_probe COMMAND...: runs each command, given in UTF-8, over a line that takes everything, and prints
-// what went out and what the log then shows, in hexadecimal digits.
+// encoding_probe COMMAND...: runs each command, given in UTF-8, over a scripted line, and prints the sent
+// bytes and the log in hexadecimal digits.
 
 #include <cstdio>
 

@@ -60,7 +60,7 @@ TEST(TransmissionOf, TellsWhatSendingLeavesOut) {
                "\x02"
                "a\rb"),
             Transmission::Whole);
-  // Nothing of the command itself is lost.
+  // No byte of the command is lost.
   EXPECT_EQ(of("CR", "id\r"), Transmission::Whole);
   EXPECT_EQ(of("CRLF", "id\r\n"), Transmission::Whole);
   EXPECT_EQ(of("STX_ETX", "id\x03"), Transmission::Whole);

@@ -34,7 +34,7 @@ TEST(DecodeText, IsTheWayBack) {
   EXPECT_EQ(DecodeText("EUC-JP", "\xc6"), std::nullopt);
 }
 
-/// What the probe prints for the commands, under the locale that the environment names.
+/// The output of the probe for the commands, with this locale in the environment.
 QByteArray Probe(const QProcessEnvironment& environment, const QStringList& commands) {
   QProcess probe;
   probe.setProcessEnvironment(environment);
@@ -65,7 +65,7 @@ TEST(SystemEncoding, IsUtf8WithoutALocale) {
   }
 }
 
-/// "[5 <U+20AC>]" in the log; nothing on the line, and no question mark for the instrument to wonder at.
+/// The log shows "[5 <U+20AC>]". Nothing is sent, not even a question mark instead of the character.
 TEST(SystemEncoding, IsThatOfTheLocaleAndWhatItLacksIsNotSent) {
   const test::MadeLocale latin("ISO-8859-1");
   QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();

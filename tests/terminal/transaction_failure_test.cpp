@@ -11,7 +11,7 @@ namespace {
 
 using Steps = std::vector<std::string>;
 
-/// Transactions over a line that does what no real one can be made to do.
+/// Transactions over a scripted line, for behaviour that a real line shows rarely.
 class TransactionFailure : public TransactionTest {
  protected:
   TransactionFailure() { m_connection.handle = PortHandle(m_line); }
@@ -39,7 +39,7 @@ TEST_F(TransactionFailure, PurgesSendsClearsTheErrorAndReadsOnce) {
   EXPECT_EQ(m_line->readSize, 8191U);
 }
 
-/// The instrument gets its breath before the next command, however soon that is asked for.
+/// The instrument gets a pause before the next command, however soon that is sent.
 TEST_F(TransactionFailure, FiftyMillisecondsLieBetweenAResponseAndTheEndOfItsTransaction) {
   using Clock = std::chrono::steady_clock;
   Clock::time_point read;
@@ -53,8 +53,8 @@ TEST_F(TransactionFailure, FiftyMillisecondsLieBetweenAResponseAndTheEndOfItsTra
   EXPECT_FALSE(m_engine->IsBusy());
 }
 
-/// What a stop of the process is to the wait: for a while nothing is polled. The read needs some more time
-/// then.
+/// Like a stop of the process during the wait: for some time there are no polls. Then the read needs some
+/// more time.
 TEST_F(TransactionFailure, PollsThatCouldNotBeMadeDoNotCount) {
   SetShortestTimeout();
   std::promise<void> goesOn;
@@ -162,7 +162,7 @@ TEST_F(TransactionFailure, AnAnswerOfAnotherLineIsNeverShown) {
   EXPECT_EQ(Run("four"), TransactionResult::InvalidData);
 }
 
-/// The former bytes are those of the line's last read that did not fail, also when nobody waited for it.
+/// The kept bytes are those of the line's last successful read, even if nobody waited for it.
 TEST_F(TransactionFailure, WhatAReadLeftBehindStillBroughtIsTheFormerBuffer) {
   std::promise<void> cancelled;
   int reads = 0;

@@ -15,8 +15,8 @@ namespace quarn {
 using test::ServedInstrument;
 using test::SetServedTimeouts;
 
-/// Settings under which a response ends after 180 ms of silence, and only a silent line or ESC ends the
-/// wait for one: no test depends on how fast the machine is.
+/// With these settings a response ends after 180 ms of silence, and only silence or ESC ends the wait. So no
+/// test depends on the speed of the computer.
 inline SettingsRecord PatientSettings() {
   SettingsRecord settings;
   settings.delimiter = QStringLiteral("CR");
@@ -34,7 +34,7 @@ class TransactionTest : public testing::Test {
   /// Before what a test scripted for the line goes.
   void TearDown() override { m_engine.reset(); }
 
-  /// The line gets the time-outs of the settings, which have to be made before.
+  /// Sets the time-outs of the settings on the line. Change the settings before.
   void Serve(const std::string& rules) {
     m_instrument.emplace(rules);
     const OpenResult opened = OpenServedLine(*m_instrument);
@@ -50,7 +50,7 @@ class TransactionTest : public testing::Test {
     m_settings.rTimeout = QStringLiteral("ON");
   }
 
-  /// A read ends after 180 ms of silence behind a byte, or half a second after the call.
+  /// A read ends 180 ms after its last byte, or half a second after the call.
   static LineTimeouts ShortTotal() {
     return {.readInterval = 180,
             .readTotalMultiplier = 0,

@@ -10,7 +10,7 @@ namespace {
 
 class TransactionHangUp : public TransactionTest {
  protected:
-  /// A silence of 2880 ms: the hang-up comes first.
+  /// A silence of 2880 ms, so that the hang-up comes first.
   TransactionHangUp() { m_settings.comBps = QStringLiteral("300"); }
 };
 
@@ -65,7 +65,7 @@ QByteArray LogOfTwoCommands(const std::function<bool()>& between) {
          (engine.IsBusy() || host.begun != host.ended ? " busy" : "");
 }
 
-/// What a failed read leaves in the log, and nothing on the line: not the end of the program and of its log.
+/// Nothing is sent, and the log is as after a failed read. The program goes on.
 TEST(NoThread, IsAFailedRead) {
   const auto play = [] {
     std::fputs(LogOfTwoCommands(test::ForbidThreads).constData(), stderr);

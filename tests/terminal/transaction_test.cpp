@@ -191,7 +191,7 @@ TEST_F(TransactionTest, ALineSilentUntilTheTotalIsInvalidData) {
   EXPECT_EQ(m_instrument->Received(), "mute\r");
 }
 
-/// An instrument that neither falls silent nor fills the read does not hold the program up for ever.
+/// The wait ends also for an instrument that neither falls silent nor fills the read.
 TEST_F(TransactionTest, ATrickleThatNeverFallsSilentEndsAtTheTotal) {
   std::string rule = "\"drip\" ->";
   for (int i = 0; i < 100; ++i) rule += " 50 \"x\"";

@@ -91,7 +91,7 @@ TEST_F(TransactionWait, AfterEscTheNextCommandGetsItsResponse) {
   EXPECT_EQ(Response(), "SIM\r");
 }
 
-/// At the lowest speed a read goes on for seconds behind a byte.
+/// At the lowest speed a read lasts for seconds after its last byte.
 TEST_F(TransactionWait, EscInTheMiddleOfAResponseLeavesTheNextCommandItsOwn) {
   m_settings.comBps = QStringLiteral("110");
   Serve("\"begun\" -> \"BEG\"\n\"id\" -> line \"SIM\"");

@@ -49,7 +49,7 @@ TEST(WaitPlan, EveryTwentiethPollRefreshesAndDoesNotCount) {
   }
 }
 
-/// Polls until the plan gives up; -1 when it does not within `most`.
+/// The number of polls until the time-out; -1 if there is none within `most`.
 int PollsUntilTimeout(WaitPlan& plan, int most) {
   for (int poll = 1; poll <= most; ++poll) {
     if (plan.Next() == WaitPlan::Step::TimedOut) return poll;
@@ -58,8 +58,8 @@ int PollsUntilTimeout(WaitPlan& plan, int most) {
 }
 
 TEST(WaitPlan, TimesOutWhenTheCountExceedsTheLimit) {
-  // 19 polls of 20 count. The limit is exceeded by the 51st counted poll, which is the 53rd of all, and
-  // the next one finds that out.
+  // 19 polls of 20 count. The limit is exceeded by the 51st counted poll, which is the 53rd of all;
+  // the next one notices it.
   WaitPlan shortest(Settings("115200", "6K"));
   EXPECT_EQ(PollsUntilTimeout(shortest, 1000), 54);
   EXPECT_EQ(shortest.Refreshes(), 2);

@@ -16,7 +16,7 @@
 namespace quarn::test {
 namespace {
 
-/// Writes down what reaches it.
+/// Records its events.
 class Recorder final : public QWidget {
  public:
   Recorder() {
@@ -105,7 +105,7 @@ TEST(InputHold, PaintsButRunsNoTimer) {
   EXPECT_TRUE(WaitUntil([&] { return window.timers > 0; }));
 }
 
-/// A key on its way down or up, as the system tells of it.
+/// A press or release of a key, as reported by the system.
 void Key(const Recorder& window, QEvent::Type type, Qt::Key key, bool repeat = false) {
   qt_handleKeyEvent(window.windowHandle(), type, key, Qt::NoModifier, QString(), repeat);
 }
@@ -157,7 +157,7 @@ TEST(InputHold, AnEscapeThatIsDownIsSeenByTheHoldThatBegins) {
   Recorder window;
   InputHold hold;
   Key(window, QEvent::KeyPress, Qt::Key_Escape);
-  // A key that is pressed while it is down ends its repeats, not its being down.
+  // Another key ends the repeats of ESC, but ESC is still down.
   QTest::keyClick(window.windowHandle(), 'a');
   hold.Begin();
   EXPECT_TRUE(hold.EscapePressed());
@@ -187,12 +187,12 @@ TEST(InputHold, AnEscapeIsNotDownForEverWhenNobodySawItLetGo) {
   auto closed = std::make_unique<Recorder>();
   InputHold hold;
   Key(*closed, QEvent::KeyPress, Qt::Key_Escape);
-  // The window that had the keyboard is gone; the key is let go in another program.
+  // The window with the keyboard is gone; the key is released in another program.
   closed.reset();
   Recorder window;
   hold.Begin();
   EXPECT_FALSE(hold.EscapePressed());
-  // A repeat tells that it is down still.
+  // A repeat shows that it is still down.
   Key(window, QEvent::KeyPress, Qt::Key_Escape, true);
   EXPECT_TRUE(hold.EscapePressed());
   Key(window, QEvent::KeyRelease, Qt::Key_Escape);
@@ -201,7 +201,7 @@ TEST(InputHold, AnEscapeIsNotDownForEverWhenNobodySawItLetGo) {
 }
 
 TEST(InputHold, AnEscapeThatIsHandedOnIsNotTakenForAKeyThatIsDown) {
-  /// Is gone at its first key, and with it the receiver of the key's release.
+  /// Deletes itself at its first key, so the key's release has no receiver.
   class Short final : public QWidget {
    protected:
     void keyPressEvent(QKeyEvent*) override { deleteLater(); }
@@ -224,7 +224,7 @@ TEST(InputHold, AnEscapeThatIsHandedOnIsNotTakenForAKeyThatIsDown) {
 TEST(InputHold, AnEscapeTypedBehindTheKeyThatBeginsTheNextHoldCountsForIt) {
   Recorder window;
   InputHold hold;
-  /// The next hold begins with the key that is handed on.
+  /// The delivered key starts the next hold.
   class Beginner final : public QObject {
    public:
     explicit Beginner(InputHold* hold) : m_hold(hold) {}

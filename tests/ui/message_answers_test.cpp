@@ -128,7 +128,7 @@ TEST(MessageAnswers, AQuestionThatComesByItselfTakesNoLetterOfWhoIsTyping) {
   ShowActive(*box);
   Press(Qt::Key_N);
   Press(Qt::Key_Y);
-  // Once it can have been read.
+  // After enough time to read it.
   EXPECT_TRUE(WaitUntil([&] {
     if (box->isVisible()) Press(Qt::Key_N);
     return !box->isVisible();

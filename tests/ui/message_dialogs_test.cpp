@@ -180,7 +180,7 @@ TEST(MessageDialogs, StandCentredOrWhereTheyWerePut) {
       StandsOnScreen(unplaced, [&](QSize screen) { return CentredPosition(screen, OuterSize(unplaced)); }));
 }
 
-/// A button of this kind in a dialog that has the keyboard, as it looks.
+/// The picture of a button of this kind in an active dialog.
 template <typename Button>
 QImage LookOf(bool hasFocus, bool isDefault) {
   QDialog dialog;
@@ -193,7 +193,7 @@ QImage LookOf(bool hasFocus, bool isDefault) {
   column->addWidget(button);
   ShowActive(dialog);
   other->setFocus();
-  // Focus that a key has moved is shown.
+  // The focus is drawn after a key has moved it.
   if (hasFocus) Press(Qt::Key_Tab);
   EXPECT_EQ(button->hasFocus(), hasFocus);
   return button->grab().toImage();

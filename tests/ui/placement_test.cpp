@@ -16,7 +16,7 @@
 namespace quarn {
 namespace {
 
-/// Shown, and its frame is known.
+/// Shows the window and waits until its frame is known.
 void ShowWithFrame(QWidget& window) {
   window.show();
   ASSERT_TRUE(test::WaitUntil([&] { return IsFrameKnown(window); }));
@@ -64,7 +64,7 @@ TEST(Placement, AFrameThatNobodyReportsIsNoneInTheEnd) {
   QWidget window;
   window.winId();
   if (!window.windowHandle()->frameMargins().isNull()) {
-    // This system knows frames before a window is shown.
+    // On this system frames are known before a window is shown.
     EXPECT_TRUE(IsFrameKnown(window));
     TakeForFrameless(window);
     EXPECT_EQ(FrameOf(window), window.windowHandle()->frameMargins()) << "what is reported counts";
@@ -88,7 +88,7 @@ TEST(Placement, AWindowThatSomebodyHasMovedIsLeftAlone) {
 }
 
 TEST(Placement, AWindowThatIsPutThereAgainIsNotMovedByItsLayout) {
-  // A size that is only found when the window is shown would be taken for a move.
+  // A size set at the showing would count as a move.
   QWidget window;
   auto* column = new QVBoxLayout(&window);
   column->setSizeConstraint(QLayout::SetFixedSize);
@@ -115,7 +115,7 @@ TEST(Placement, ADialogIsPlacedEachTimeItAppears) {
   for (int times = 0; times < 2; ++times) {
     dialog.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&dialog, test::kLongestWaitMs));
-    // A window manager takes its time, and may tell of an earlier place meanwhile.
+    // A window manager may be late, and report an earlier position first.
     const auto isAt = [&dialog](const QPoint& place) {
       return test::WaitUntil([&] { return dialog.pos() == place; });
     };
@@ -136,7 +136,7 @@ TEST(Placement, DialogUnitsGrowWithTheFont) {
   EXPECT_GT(twice.height(), normal.height() * 3 / 2);
 }
 
-/// How often something looked at by a timer of its own has looked.
+/// How often a timer has fired.
 class TimerCount : public QObject {
  public:
   explicit TimerCount(QObject& looking) { looking.installEventFilter(this); }
@@ -156,7 +156,7 @@ TEST(Placement, NobodyLooksForAFrameThatIsThere) {
   place.Put([&] { window.move(40, 50); });
   ShowWithFrame(window);
   ASSERT_TRUE(test::WaitUntil([&] { return looks.count > 0; }));
-  // Twenty looks would fit in.
+  // Time for twenty ticks.
   const auto rests = [&] {
     const int before = looks.count;
     QTest::qWait(200);
@@ -170,7 +170,7 @@ constexpr QSize kScreen{1000, 800};
 
 TEST(DialogPlacement, BelowWhereThereIsRoom) {
   EXPECT_EQ(PlaceBelowOrAbove({30, 20, 400, 150}, {300, 100}, kScreen), QPoint(30, 180));
-  // Exactly down to the screen's edge still fits.
+  // A window that ends exactly at the screen's edge fits.
   EXPECT_EQ(PlaceBelowOrAbove({30, 540, 400, 150}, {300, 100}, kScreen), QPoint(30, 700));
 }
 

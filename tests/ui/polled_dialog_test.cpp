@@ -10,7 +10,7 @@
 namespace quarn::test {
 namespace {
 
-// When: which ticks are slept over.
+// Which ticks are skipped.
 
 TEST(TickPlan, WithoutQuietTicksEachIsPlanned) {
   TickPlan plan;
@@ -76,7 +76,7 @@ TEST(TickPlan, ATimerMayFireALittleEarly) {
   EXPECT_EQ(plan.DueTime(), 600);
 }
 
-// The window itself.
+// Real windows.
 
 class Sleeper final : public PolledDialog {
  public:
@@ -121,7 +121,7 @@ TEST(PolledDialog, DoesNotTickAfterItsStop) {
   EXPECT_EQ(dialog.ticks.size(), before);
 }
 
-/// The tick of one window asks something of another that sleeps.
+/// The tick of one window makes a request to another one, which skips ticks.
 TEST(PolledDialog, WakesForWhatAnothersTickAsksOfIt) {
   Sleeper asleep;
   class Asking final : public PolledDialog {
@@ -141,8 +141,8 @@ TEST(PolledDialog, WakesForWhatAnothersTickAsksOfIt) {
   EXPECT_TRUE(WaitForTicks(asleep, 1));
 }
 
-/// No timer runs while the program waits for a response. A tick whose time came meanwhile follows soon,
-/// however long the window had meant to sleep.
+/// No timer runs while the program waits for a response. A tick that was due meanwhile follows soon,
+/// however many ticks the window skips.
 TEST(PolledDialog, TicksSoonAfterAWaitThatHeldItsTimer) {
   const Sleeper awake(0);
   const Sleeper dialog(9);

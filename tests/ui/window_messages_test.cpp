@@ -23,7 +23,7 @@ struct AskedQuestion {
 
 std::ostream& operator<<(std::ostream& out, const AskedQuestion& question) { return out << question.name; }
 
-/// Presses the button with this number in the next box that comes up.
+/// Presses the button with this number in the next box.
 class Presser : public QObject {
  public:
   explicit Presser(int controlId) {

@@ -28,7 +28,8 @@ struct FunctionKeyTableContext {
   QRect& savedWindowRect;
 };
 
-/// The ten stored commands: shown, edited, saved, and handed to the Terminal Screen through its requests.
+/// Shows the ten stored commands, lets the user edit and save them, and passes one to the Terminal Screen by
+/// a request.
 class CSetMem final : public ModelessWindow {
  public:
   CSetMem(QWidget* owner, const FunctionKeyTableContext& context);

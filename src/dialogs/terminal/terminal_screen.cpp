@@ -108,7 +108,7 @@ void CTerminalScreen::CreateControls() {
     m_buttons[i] = button;
     if (description.controlId == kSendButtonId) m_sendButton = button;
   }
-  // It blinks: with nothing above it, no other control is looked at when it is painted.
+  // Its caret blinks. On top of the other controls, it is painted without painting them.
   m_commandDisplay->raise();
 }
 
@@ -158,7 +158,7 @@ void CTerminalScreen::ApplyColours() {
   if (IsDark(m_scheme)) colours.setColor(QPalette::WindowText, kWhite);
   m_prompt->setPalette(colours);
   m_commandDisplay->setPalette(colours);
-  // It changes with every blink of the cursor.
+  // The text changes with each blink of the caret.
   m_commandDisplay->SetBackground(BackgroundOf(m_scheme));
   for (StaticText* row : m_rows) row->setPalette(colours);
   update();
@@ -202,7 +202,7 @@ void CTerminalScreen::ShowWaitingText(const QString& text) { m_commandDisplay->S
 
 void CTerminalScreen::changeEvent(QEvent* event) {
   ModelessWindow::changeEvent(event);
-  // The desktop's colours have changed; some of them are in the palettes of the lines.
+  // The desktop's colours have changed, and the palettes of the lines contain some of them.
   if (event->type() == QEvent::PaletteChange) ApplyColours();
 }
 

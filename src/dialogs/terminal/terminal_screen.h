@@ -21,8 +21,8 @@ namespace quarn {
 
 class StaticText;
 
-/// What the Terminal Screen works on. All of it outlives the window: log, command line and the window's
-/// last place are there again when it is opened anew.
+/// The objects that the Terminal Screen uses. All of them outlive the window, so log, command line and the
+/// window's last position are kept until it is opened again.
 struct TerminalScreenContext {
   SettingsRecord& settings;
   PortConnection& connection;
@@ -32,7 +32,7 @@ struct TerminalScreenContext {
   CommandLine& commandLine;
   MessageOperations& messages;
   QRect& savedWindowRect;
-  /// Open the dialogs of its menu unless they are open; empty: the item is disabled.
+  /// Open the dialogs of its menu, if they are not open. An item whose function is empty is disabled.
   std::function<void()> openFunctionKeyTable = {};
   std::function<void()> openScreenOption = {};
 };
@@ -91,8 +91,8 @@ class CTerminalScreen final : public ModelessWindow, private TransactionHost {
   void PressButton(const TerminalButton& button);
 
   [[nodiscard]] bool IsPortOpen() const { return m_context.connection.connected.IsSet(); }
-  /// Whether a command can reach a device. Tells the person when it cannot: without a line, or on one that
-  /// has died and whose loss has not been told yet, the answer would be that of an earlier command.
+  /// Whether a command can reach a device. If not, shows a message: without a line, or on a lost line that
+  /// has not been reported yet, the log would show the response to an earlier command.
   bool CanSend();
   [[nodiscard]] int CommandLimit() const;
 

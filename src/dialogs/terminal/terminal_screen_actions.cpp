@@ -1,4 +1,4 @@
-// What the Terminal Screen does on keys, buttons, menu choices and requests.
+// How the Terminal Screen handles keys, buttons, menu items and requests.
 
 #include <QApplication>
 #include <QClipboard>
@@ -74,7 +74,7 @@ void CTerminalScreen::TypeText(const QString& text) {
 }
 
 void CTerminalScreen::keyPressEvent(QKeyEvent* event) {
-  // A key that a button passed up has been looked at already; only the window's own keys are new here.
+  // A key that comes from a button was handled in the event filter. Only the window's own keys are new here.
   const bool own = QApplication::focusWidget() == nullptr || QApplication::focusWidget() == this;
   if (own && HandleKey(*event)) return;
   if (event->key() != Qt::Key_Escape) ModelessWindow::keyPressEvent(event);
@@ -164,7 +164,7 @@ void CTerminalScreen::PressButton(const TerminalButton& button) {
 void CTerminalScreen::CopyToClipboard(const QString& text) { QGuiApplication::clipboard()->setText(text); }
 
 void CTerminalScreen::PasteFromClipboard() {
-  // Another program may take its time. One that has no text, or does not give it, changes nothing.
+  // Another program may answer late. If it has no text or does not provide it, nothing changes.
   if (m_hold.IsHolding()) return;
   const Busy busy(*this);
   const std::optional<QString> text = ClipboardText(m_hold);
@@ -198,7 +198,7 @@ void CTerminalScreen::PressSend() {
 void CTerminalScreen::SendIfTyped() {
   const Busy busy(*this);
   if (m_context.commandLine.Text().isEmpty()) return;
-  // Without a connection the transaction tells that there was no answer.
+  // Without a connection the transaction reports that there was no response.
   if (IsPortOpen() && !CanSend()) return;
   Transact();
   ShowCommandLine();
@@ -209,7 +209,7 @@ void CTerminalScreen::Transact() {
   const TransactionResult result = ExecuteCommand(context, *this, m_context.commandLine.Text()).result;
   RedrawLogRows();
   if (result == TransactionResult::Aborted) {
-    // What another window asked to send before is typed ahead as well.
+    // Earlier send requests of other windows are dropped like keys typed ahead.
     Requests().sendCommandLine = false;
     Requests().pressSend = false;
   }
@@ -286,7 +286,7 @@ void CTerminalScreen::wheelEvent(QWheelEvent* event) {
 }
 
 void CTerminalScreen::contextMenuEvent(QContextMenuEvent* event) {
-  // With the key there is no pointer to go by: the menu comes up at the log.
+  // The menu key gives no pointer position. The menu opens at the log.
   const bool byKey = event->reason() == QContextMenuEvent::Keyboard;
   m_menu->popup(byKey ? m_rows.front()->mapToGlobal(QPoint()) : event->globalPos());
 }

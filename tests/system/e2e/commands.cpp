@@ -14,7 +14,7 @@
 namespace quarn::test {
 namespace {
 
-/// After this long a key is taken for swallowed, as Enter is by the list of names that match.
+/// After this time a key counts as lost, like an Enter that the list of matching names takes.
 ::testing::AssertionResult Becomes(const QString& expected, const std::function<QString()>& read) {
   QString found;
   if (Eventually([&] {

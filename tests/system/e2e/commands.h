@@ -9,7 +9,7 @@
 
 namespace quarn::test {
 
-/// A pseudo-terminal nobody answers on, which tells when the program has let go of it.
+/// A pseudo-terminal that nobody answers. It reports when the program has closed it.
 class FarEnd {
  public:
   FarEnd();
@@ -18,7 +18,7 @@ class FarEnd {
   FarEnd& operator=(const FarEnd&) = delete;
 
   [[nodiscard]] QString NodePath() const { return m_node; }
-  /// True from the moment on that the last who had opened it has closed it; false when nobody has yet.
+  /// True after the last program that had it open has closed it; false before any has opened it.
   [[nodiscard]] bool HungUp() const;
 
  private:
@@ -26,7 +26,7 @@ class FarEnd {
   QString m_node;
 };
 
-/// Writes down what a property of a window has been, also when it was so only for a moment.
+/// Records the values of a window's property, also short-lived ones.
 class PropertyWatch {
  public:
   PropertyWatch(const Desktop& desktop, const QStringList& window, const QString& property);
@@ -42,7 +42,7 @@ class PropertyWatch {
   QByteArray m_lines;
 };
 
-/// An end-to-end test of the main window's commands: what they ask, tell and leave behind.
+/// An end-to-end test of the main window's commands: questions, messages and results.
 class Commands : public AccessibleWindows {
  protected:
   Commands();
@@ -53,16 +53,16 @@ class Commands : public AccessibleWindows {
   QString UserFile(const QString& name, const QList<QPair<QString, QString>>& values);
   [[nodiscard]] QString PathOf(const QString& name) const { return files.filePath(name); }
   static QByteArray BytesOf(const QString& path);
-  /// Changes a setting in force, as dialogs do.
+  /// Changes a current setting, as dialogs do.
   void ChangeSettings();
 
-  /// Waits for the message that closes by itself; each is up for two seconds.
+  /// Waits for a message that closes by itself, after two seconds.
   ::testing::AssertionResult Passes(const QString& text);
   /// Waits for a box with one button that says this, and presses the button.
   void Acknowledge(const QString& titlePattern, const QStringList& texts);
   /// Waits for a question that says this, and answers it with YES or NO.
   void Answer(const QStringList& texts, const QString& answer);
-  /// Chooses from a menu when no message is in the way.
+  /// Chooses from a menu when no message is shown.
   void Choose(const QString& menu, const QString& item);
   /// Types a path into a file dialog and presses Enter until `until`, else until the dialog is gone.
   void TypePath(const QString& titlePattern, const QString& path, std::function<bool()> until = {});

@@ -110,7 +110,7 @@ EndToEnd::EndToEnd() : portLinks(config.filePath(QStringLiteral("Halvo/Quarn/por
   environment.insert(QStringLiteral("HOME"), home.path());
   environment.insert(QStringLiteral("XDG_CONFIG_HOME"), config.path());
   environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), runtime.path());
-  // The session of whoever runs the tests is none of the program's business, and none is started for it.
+  // The program must not use the session of the user who runs the tests, and gets none of its own.
   environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"),
                      QStringLiteral("unix:path=") + runtime.filePath(QStringLiteral("no-session")));
   environment.remove(QStringLiteral("AT_SPI_BUS_ADDRESS"));
@@ -236,8 +236,8 @@ void EndToEnd::ChooseFromContextMenu(int item) {
   };
   Focus(terminal);
   const qsizetype before = windows();
-  // The menu is a window without a title. A click that comes right after a box has closed may be dropped, as
-  // it is when a person clicks too early: click again.
+  // The menu is a window without a title. A click right after a box has closed may be dropped, so the test
+  // clicks again.
   EXPECT_TRUE(Eventually([&] {
     ClickAt(terminal, QPoint(200, 300), 3);
     return Eventually([&] { return windows() > before; }, kOneTryMs);

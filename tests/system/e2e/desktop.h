@@ -19,7 +19,7 @@
 
 namespace quarn::test {
 
-/// A virtual X display with a window manager, both gone with the object.
+/// A virtual X display with a window manager. Both end with the object.
 class Desktop {
  public:
   Desktop();
@@ -32,9 +32,9 @@ class Desktop {
   QByteArray Run(const QString& tool, const QStringList& arguments) const;
   /// The ids of the visible windows whose titles match; empty when there is none.
   QStringList Windows(const QString& titlePattern) const;
-  /// What the window manager has put on each side; nothing while it has not told.
+  /// The frame of the window manager; nullopt until it is reported.
   [[nodiscard]] std::optional<QMargins> Frame(const QString& window) const;
-  /// Where the window is on the screen, with its frame; nothing while that is not known.
+  /// The place of the window with its frame; nullopt until it is known.
   [[nodiscard]] std::optional<QRect> Outer(const QString& window) const;
   [[nodiscard]] QProcessEnvironment Environment() const;
 
@@ -58,8 +58,8 @@ class EndToEnd : public ::testing::Test {
   [[nodiscard]] QString SettingsFile() const;
   /// Makes an instrument with these rules reachable as COM3.
   void PlugIn(std::string_view rules);
-  /// Takes the instrument and its port away, whatever the program is doing with it; `PlugIn` brings them
-  /// back. The link goes first: the system may give the number of a device that has gone to another one.
+  /// Removes the instrument and its port; `PlugIn` brings them back. The link is removed first, because the
+  /// system may give the number of a removed device to another one.
   void UnplugPort();
   void StartProgram(const QStringList& arguments = {});
   /// Runs the program once more, in the same account and on the same desktop.

@@ -5,8 +5,8 @@
 namespace quarn::test {
 namespace {
 
-/// After this long without an effect, a key or click is taken for lost.
-/// No frame of the window manager's is as wide and high as this.
+/// After this time without an effect, a key or click counts as lost.
+/// Larger than any frame of the window manager.
 constexpr int kFrame = 60;
 
 }  // namespace
@@ -61,7 +61,7 @@ void Dialogs::Pick(const QString& titlePattern, qsizetype list, const QString& i
   }));
   Focus(WaitForWindow(titlePattern));
   EXPECT_TRUE(Eventually([&] {
-    // Counted anew for each try: a note that goes by itself may have been among them.
+    // Counted again for each try, because a message may have closed by itself meanwhile.
     const qsizetype before = CountWindows();
     if (found) ClickOnScreen(found->place.center());
     if (!Eventually([&] { return CountWindows() > before; }, kOneTryMs)) return false;

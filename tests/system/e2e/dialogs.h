@@ -6,21 +6,21 @@
 
 namespace quarn::test {
 
-/// An end-to-end test of the dialogs that the menu opens: what their controls change, here and in the
-/// working settings file.
+/// An end-to-end test of the dialogs that the menu opens: the effects of their controls, also on the working
+/// settings file.
 class Dialogs : public Commands {
  protected:
   /// Opens a dialog from its menu and waits until its controls can be clicked on.
   void OpenDialog(const QString& menu, const QString& item, const QString& titlePattern);
   /// Moves a dialog off the main window, whose menu it may cover.
   void MoveAside(const QString& titlePattern, QPoint place);
-  /// Clicks on what has this name until the effect is there; a click is lost when it comes too early.
+  /// Clicks on the control with this name until the effect is seen: an early click may be lost.
   void ClickUntil(const QString& titlePattern, const QString& name, const std::function<bool()>& effect);
   /// Opens a drop-down list with the mouse and picks an item by typing it. The lists count from the top.
   void Pick(const QString& titlePattern, qsizetype list, const QString& item);
   /// The drop-down list; its name is the item it shows.
   std::optional<Control> FindList(const QString& titlePattern, qsizetype list);
-  /// How many windows of the program are to be seen: menus and lists are some, too.
+  /// The number of visible windows of the program, including menus and lists.
   qsizetype CountWindows();
   void PressOk(const QString& titlePattern);
   /// Clicks on the button that the window manager puts on the frame.
@@ -28,11 +28,11 @@ class Dialogs : public Commands {
 
   bool IsChecked(const QString& titlePattern, const QString& name);
   bool IsEnabled(const QString& titlePattern, const QString& name);
-  /// What is written down here is what the file is compared with: call when the program has started.
+  /// Records the file for later comparisons. Call it when the program has started.
   void NoteSettingsFile() { m_noted = BytesOf(SettingsFile()); }
-  /// The file is what was noted, with this value put in.
+  /// The file is as recorded, with this value.
   [[nodiscard]] bool FileHas(const QByteArray& key, const QByteArray& value) const;
-  /// The same, waited for, and noted.
+  /// Waits for the same, and records it.
   ::testing::AssertionResult FileBecomes(const QByteArray& key, const QByteArray& value);
   ::testing::AssertionResult FileBecomes(const QList<QPair<QByteArray, QByteArray>>& values);
   [[nodiscard]] ::testing::AssertionResult FileIsUnchanged() const;

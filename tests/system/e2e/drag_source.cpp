@@ -13,8 +13,8 @@ void Tell(const char* what) {
   std::fflush(stdout);
 }
 
-/// A window of another program: pressed and moved, it drags the files named on the command line, and tells
-/// what becomes of them.
+/// A window of another program. When pressed and moved, it drags the files named on the command line, and
+/// prints the result.
 class Source : public QLabel {
  public:
   Source() : QLabel(QStringLiteral("Drag me")) {
@@ -34,7 +34,7 @@ class Source : public QLabel {
     drag->setMimeData(files);
     connect(drag, &QDrag::actionChanged, this,
             [](Qt::DropAction action) { Tell(action == Qt::IgnoreAction ? "refused" : "welcome"); });
-    // After the drop the other program still fetches what was dropped; the drag is gone when it is done.
+    // After the drop the other program still reads the data. Then the drag is deleted.
     connect(drag, &QObject::destroyed, this, [] { Tell("over"); });
     Tell("dragging");
     Tell(drag->exec(Qt::CopyAction) == Qt::CopyAction ? "taken" : "left");

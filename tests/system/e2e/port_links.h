@@ -14,16 +14,16 @@ class PortLinks {
   PortLinks(const PortLinks&) = delete;
   PortLinks& operator=(const PortLinks&) = delete;
 
-  /// Makes the device a port, in place of what had that name.
+  /// Makes the device this port, instead of the former device.
   bool Add(const QString& name, const QString& device);
-  /// Lets a port lead to another device; at every moment it leads to one.
+  /// Makes a port lead to another device, without a moment in which it leads to none.
   bool Lead(const QString& name, const QString& device);
   bool Remove(const QString& name);
-  /// All there are, also those whose device has gone; sorted.
+  /// All ports, also those whose device is gone; sorted.
   [[nodiscard]] QStringList Names() const;
   /// Opens `count` pseudo-terminals, which nobody serves, as COM<first>, COM<first + 1>, ...
   bool AddSilent(int count, int first);
-  /// Takes away everything that `AddSilent` has made.
+  /// Removes everything that `AddSilent` has made.
   void RemoveSilent();
 
  private:

@@ -31,7 +31,7 @@ class PortWatch : public Commands {
     ASSERT_TRUE(Eventually([this] { return RowsOfList() == kMost; })) << RowsOfList();
     ASSERT_TRUE(WaitForNoWindow(kPassing));
   }
-  /// Chooses the detailed list until `effect` shows: a box that comes up meanwhile takes the choice away.
+  /// Chooses the detailed list until `effect` is seen: a box that opens meanwhile cancels the choice.
   void ChooseList(const std::function<bool()>& effect) {
     EXPECT_TRUE(Eventually([&] {
       Choose(kPortMenu, kListItem);
@@ -43,7 +43,7 @@ class PortWatch : public Commands {
     for (const Control& each : Controls(kList)) rows += each.role == QLatin1String("radio button") ? 1 : 0;
     return rows;
   }
-  /// Chooses the detailed list: whether the box that refuses it comes. What comes instead is closed.
+  /// Chooses the detailed list. Returns whether the box that refuses it opens; another window is closed.
   bool ListIsRefused() {
     ChooseList([this] { return !desktop.Windows(kList).isEmpty() || !Texts(kInformation).isEmpty(); });
     if (Texts(kInformation) == kListRefused) return true;
@@ -131,7 +131,7 @@ TEST_F(PortWatch, MoreThanThirtyPortsAreNotAnnounced) {
   ShowThirty();
   ClickButton(kList, QStringLiteral("OK"), [this] { return desktop.Windows(kList).isEmpty(); });
   ASSERT_TRUE(portLinks.AddSilent(1, 99));
-  // Nothing but the refusal shows that the port has been noticed.
+  // Only the refusal shows that the port has been noticed.
   EXPECT_TRUE(Eventually([this] { return ListIsRefused(); }));
   EXPECT_TRUE(desktop.Windows(kPassing).isEmpty()) << "the port has been announced";
   AnswerBox(kInformation, QStringLiteral("OK"));

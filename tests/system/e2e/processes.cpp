@@ -10,7 +10,7 @@ namespace quarn::test {
 namespace {
 
 constexpr int kEndMs = 5000;
-// To look is dear: a window with a hundred controls is read as a whole.
+// A check is slow: it reads a whole window with a hundred controls.
 constexpr int kPollMs = 60;
 
 }  // namespace
@@ -46,7 +46,7 @@ ProgramRun::ProgramRun(const QString& program, const QStringList& arguments,
 
 std::optional<ProgramEnd> ProgramRun::WaitForEnd(int limitMs) {
   if (m_process.state() != QProcess::NotRunning && !m_process.waitForFinished(limitMs)) return {};
-  // One that could not be started counts as crashed, and says why.
+  // A program that could not be started counts as crashed, with the reason.
   if (m_process.error() == QProcess::FailedToStart)
     return ProgramEnd{.crashed = true, .errors = m_process.errorString().toUtf8()};
   return ProgramEnd{.crashed = m_process.exitStatus() == QProcess::CrashExit,

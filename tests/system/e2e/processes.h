@@ -9,10 +9,10 @@
 
 namespace quarn::test {
 
-/// How long an input may take to show an effect before it is given again: a loaded machine loses some.
+/// The time after which an input without effect is repeated: a busy computer loses some.
 inline constexpr int kOneTryMs = 2500;
 
-/// Waits until `condition` holds; false when it does not within `limitMs`.
+/// Waits until `condition` holds; false if it does not within `limitMs`.
 bool Eventually(const std::function<bool()>& condition, int limitMs = 20000);
 
 /// A process that does not outlive this one, however this one ends.
@@ -21,10 +21,10 @@ class ChildProcess : public QProcess {
   ChildProcess();
 };
 
-/// Ends a process, by force when it does not go.
+/// Ends a process, by force if necessary.
 void End(QProcess& process);
 
-/// How a program has ended, and all it has printed.
+/// How a program ended, and its output.
 struct ProgramEnd {
   bool crashed = false;
   int exitCode = 0;
@@ -32,7 +32,7 @@ struct ProgramEnd {
   QByteArray errors{};
 };
 
-/// A program that is expected to end by itself; it is ended with the object if it has not.
+/// A program that should end by itself. The destructor ends it otherwise.
 class ProgramRun {
  public:
   ProgramRun(const QString& program, const QStringList& arguments, const QProcessEnvironment& environment);
@@ -40,7 +40,7 @@ class ProgramRun {
   ProgramRun(const ProgramRun&) = delete;
   ProgramRun& operator=(const ProgramRun&) = delete;
 
-  /// Nothing when it is still running after `limitMs`.
+  /// nullopt if it is still running after `limitMs`.
   std::optional<ProgramEnd> WaitForEnd(int limitMs = 20000);
 
  private:

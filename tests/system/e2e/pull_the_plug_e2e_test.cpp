@@ -17,7 +17,7 @@ namespace {
 
 using std::chrono::milliseconds;
 
-/// What the program is at when the plug is pulled.
+/// The state of the program when the plug is pulled.
 enum class Doing { Nothing, Writing, Waiting, Receiving, PortNumber, PortList, PortSettings };
 constexpr std::array kDoings{Doing::Nothing,    Doing::Writing,  Doing::Waiting,     Doing::Receiving,
                              Doing::PortNumber, Doing::PortList, Doing::PortSettings};
@@ -32,7 +32,7 @@ constexpr long kPlugGrowthAllowedKib = 6144;
 /// At ten milliseconds a byte it may take ten seconds to be sent.
 constexpr int kLongCommand = 1000;
 
-/// An answer that keeps coming for ten seconds, without a silence that would end it.
+/// An answer that lasts ten seconds, without a silence that ends it.
 std::string EndlessAnswer() {
   std::string steps = "\"slow\" ->";
   for (int i = 0; i < 500; ++i) steps += " \"a\" 20";

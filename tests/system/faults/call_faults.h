@@ -8,22 +8,21 @@
 
 namespace quarn::test {
 
-/// What a fault-free call does besides its work, and which call fails.
+/// Which system call fails, and how the others behave.
 struct FaultPlan {
   int failing = 0;          ///< the number of the call that fails, counted from 1; 0: none
-  int error = 0;            ///< and what it says
-  int interruptions = 0;    ///< how often each call that can wait is interrupted before it does its work
+  int error = 0;            ///< its error
+  int interruptions = 0;    ///< how often each call that can wait is interrupted before it succeeds
   bool byteByByte = false;  ///< a read or write moves a single byte
-  bool byHalves = false;    ///< a write moves half of what it is given
+  bool byHalves = false;    ///< a write moves half of its bytes
   int pauseMs = 0;          ///< how long each write and each flush takes
-  /// What happens right before the call `failing`, which then is made as if nothing were the matter.
+  /// Called right before the call `failing`, which is then made normally.
   std::function<void()> event;
 };
 
-/// While one lives, system calls of the thread that made it fail as planned: those on paths that begin with
-/// `place` and on descriptors that were opened there, before or since, and those with an event
-/// descriptor. One at a time. Calls count in the program's own code and in the libraries that it uses. A
-/// flush is only counted: no test needs the disk to settle.
+/// While it exists, system calls of its thread fail as planned: calls on paths that begin with `place`, on
+/// descriptors opened there, before or since, and on event descriptors. One at a time. Calls of the libraries
+/// count too. A flush is only counted: no test needs the data on the disk.
 class CallFaults {
  public:
   CallFaults(std::string place, FaultPlan plan);
@@ -31,11 +30,11 @@ class CallFaults {
   CallFaults(const CallFaults&) = delete;
   CallFaults& operator=(const CallFaults&) = delete;
 
-  /// Whether the call that was to fail came.
+  /// Whether the failing call was reached.
   [[nodiscard]] bool Struck() const { return m_plan.failing > 0 && m_calls >= m_plan.failing; }
   /// How many of the calls so far were writes and flushes.
   [[nodiscard]] int Writes() const;
-  /// How many files were made in a way that would have followed a link, or taken what stood there.
+  /// How many files were created in a way that follows a link or uses an existing file.
   [[nodiscard]] int MadeOverAnything() const { return m_madeOverAnything; }
   /// Its name, as "write".
   [[nodiscard]] const std::string& Failed() const { return m_failed; }
@@ -44,11 +43,11 @@ class CallFaults {
 
   // For the calls themselves.
 
-  /// The layer that looks at this thread's calls, if any.
+  /// The object that handles this thread's calls, if any.
   static CallFaults* Current();
   [[nodiscard]] bool Concerns(const char* path) const;
   [[nodiscard]] bool Concerns(int descriptor) const { return m_descriptors.contains(descriptor); }
-  /// Counts a call. The error that it ends with instead of doing its work; 0 for none.
+  /// Counts a call. Returns the error with which it fails, or 0.
   int Error(const char* name);
   /// The same for a call that can wait, and may be interrupted.
   int ErrorOrInterruption(const char* name);
@@ -69,8 +68,8 @@ class CallFaults {
   std::string m_failed;
   int m_calls = 0;
   int m_madeOverAnything = 0;
-  bool m_eventUnderWay = false;                ///< whose calls are its own affair
-  std::map<std::string, int> m_interruptions;  ///< of the call that is under way
+  bool m_eventUnderWay = false;                ///< its own calls do not count
+  std::map<std::string, int> m_interruptions;  ///< of the current call
 };
 
 }  // namespace quarn::test

@@ -14,21 +14,21 @@
 
 namespace quarn::test {
 
-/// One fault, as a check wants to know it.
+/// One fault, as passed to a check.
 struct Fault {
-  bool struck = false;  ///< false when the operation ran through without
+  bool struck = false;  ///< false if the operation ended without it
   std::string call;
   int error = 0;
 };
 
-/// How an operation is tried: what stands before it, what it does, and what must hold afterwards.
+/// A test of an operation: its preparation, the operation, and the check after it.
 template <class Arrange, class Act, class Check>
 class FaultRun {
  public:
   FaultRun(std::string name, std::string place, Arrange arrange, Act act, Check check)
       : m_name(std::move(name)), m_place(std::move(place)), m_arrange(arrange), m_act(act), m_check(check) {}
 
-  /// Lets the first call fail, then the second, until the operation runs through; anew with each error.
+  /// Makes the first call fail, then the second, until the operation ends without a fault. Once per error.
   template <class Errors>
   void Play(const Errors& errors, FaultPlan plan = {}) {
     int points = 0;
@@ -46,7 +46,7 @@ class FaultRun {
     std::cout << '\n';
   }
 
-  /// None of these is a fault: each call that can wait is interrupted, and a read or write moves one byte.
+  /// Without faults: each call that can wait is interrupted, and a read or write moves one byte.
   void PlayHeldUp() {
     FaultPlan interrupted;
     interrupted.interruptions = 3;
@@ -56,7 +56,7 @@ class FaultRun {
     PlayThrough(byteByByte);
   }
 
-  /// Lets this happen before the first call, then before the second, until the operation runs through.
+  /// Calls this before the first call, then before the second, until the operation ends without it.
   void PlayEvent(const std::function<void()>& event) {
     FaultPlan plan;
     plan.event = event;
@@ -64,7 +64,7 @@ class FaultRun {
   }
 
  private:
-  /// Plays the operation once under a plan in which nothing fails for good.
+  /// Runs the operation once with a plan in which no call fails finally.
   void PlayThrough(const FaultPlan& plan) {
     std::map<std::string, int> seen;
     EXPECT_FALSE(Strikes(plan, seen));
@@ -94,7 +94,7 @@ class FaultRun {
   Check m_check;
 };
 
-/// A disk without room, one that is not to be written, and one that breaks.
+/// A full disk, a read-only one, and a broken one.
 inline constexpr std::array kFileErrors = {ENOSPC, EACCES, EIO};
 
 }  // namespace quarn::test

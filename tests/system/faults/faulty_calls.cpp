@@ -12,8 +12,8 @@
 #include "system/faults/call_faults.h"
 
 // The system's functions under their own names. The program's dynamic symbols come before those of every
-// library, so that calls in libraries come here, too. The names in C++ are others, or the declarations and
-// the inline functions of the system's headers would be in the way.
+// library, so that calls in libraries come here, too. In C++ they have other names, because of the
+// declarations and inline functions in the system's headers.
 #define QUARN_SYSTEM_CALL(result, name, ...)                                                          \
   extern "C" __attribute__((visibility("default"))) result Faulty_##name(__VA_ARGS__) __asm__(#name); \
   result Faulty_##name(__VA_ARGS__)
@@ -99,7 +99,7 @@ QUARN_SYSTEM_CALL(int, close, int descriptor) {
   static auto* const next = Next<int(int)>("close");
   const int error = ErrorOn(descriptor, "close");
   if (IsFaulty(descriptor)) CallFaults::Current()->Closed(descriptor);
-  // The system gives the descriptor up whatever else it says.
+  // The system releases the descriptor, whatever it returns.
   const int result = next(descriptor);
   return error != 0 ? Failure(error) : result;
 }

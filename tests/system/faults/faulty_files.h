@@ -9,12 +9,12 @@
 
 namespace quarn::test {
 
-/// The files of a test before, and what may be there after a fault.
+/// The files before an operation, and those allowed after a fault.
 class FaultyFiles : public SettingsFileTest {
  protected:
   [[nodiscard]] std::string Place() const { return QFile::encodeName(Path(QString())).toStdString(); }
 
-  /// Plays an operation with every file error at every call.
+  /// Runs an operation with every file error at every call.
   template <class Arrange, class Act, class Check>
   void PlayFaults(const char* name, const Arrange& arrange, const Act& act, const Check& check) {
     FaultRun run(name, Place(), arrange, act, check);
@@ -35,17 +35,17 @@ class FaultyFiles : public SettingsFileTest {
   [[nodiscard]] static QByteArray WithPort(const QByteArray& port) {
     return DefaultsWith("COM_PORT=NONE", "COM_PORT=" + port);
   }
-  /// The bytes at the path; null where nothing stands.
+  /// The bytes at the path; null if there is no file.
   [[nodiscard]] static QByteArray BytesAt(const QString& path) {
     return QFile::exists(path) ? BytesOf(path) : QByteArray();
   }
-  /// One of the two; the new one when there was no fault.
+  /// The file has the old or the new bytes; the new ones without a fault.
   static void ExpectOldOrNew(const Fault& fault, const QString& path, const QByteArray& before,
                              const QByteArray& after) {
     const QByteArray bytes = BytesAt(path);
     EXPECT_TRUE(bytes == after || (fault.struck && bytes == before)) << bytes.constData();
   }
-  /// Nothing but these; a temporary file only where it could not be removed.
+  /// The folder has only these files; a temporary file only if it could not be removed.
   void ExpectFiles(const Fault& fault, QStringList names) const {
     if (fault.call == "unlink") return;
     QStringList found = FilesInFolder();
@@ -57,7 +57,7 @@ class FaultyFiles : public SettingsFileTest {
     QFile::remove(Path(name));
     EXPECT_FALSE(QFile::exists(Path(name)));
   }
-  /// Takes away what an earlier fault left.
+  /// Removes what an earlier fault left.
   void Clear() const {
     for (const QString& name : FilesInFolder()) Remove(name);
   }

@@ -4,7 +4,7 @@
 namespace quarn::test {
 namespace {
 
-/// The messages that end the opening of a good file in which something fails.
+/// The messages after a good file could not be opened because of a fault.
 bool MayStopOpen(const QString& message) {
   const QStringList known{
       kFileNotFound, kNotLoaded,
@@ -29,7 +29,7 @@ class FileCommandFaults : public FileCommandsTest {
     run.Play(kFileErrors);
     run.PlayHeldUp();
   }
-  /// A save did its work, or said that it did not and left the file as it was.
+  /// The file was saved; or a message said that it was not, and it is unchanged.
   void ExpectSaved(const Fault& fault, const QString& path, const QByteArray& before) const {
     const QByteArray bytes = QFile::exists(path) ? BytesOf(path) : QByteArray();
     if (messages->shown.isEmpty()) {

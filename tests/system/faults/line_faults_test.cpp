@@ -15,10 +15,10 @@
 namespace quarn::test {
 namespace {
 
-/// A driver that breaks, a device that went, one that refuses, one that has no room, and a line that is held.
+/// A broken driver, a lost device, a refusal, no memory, and a line in use.
 constexpr std::array kLineErrors = {EIO, ENODEV, EINVAL, ENOMEM, EBUSY};
 
-/// What each of them means on a line that is open.
+/// What each of them means on an open line.
 LineError Meaning(int error) {
   switch (error) {
     case EIO:
@@ -33,7 +33,7 @@ LineError Meaning(int error) {
   }
 }
 
-/// And on one that is being opened.
+/// What each of them means while a line is opened.
 LineError MeaningAtOpen(int error) { return error == ENODEV ? LineError::NotFound : Meaning(error); }
 
 constexpr LineState kWanted{.baudRate = 19200, .byteSize = 8};
@@ -44,13 +44,13 @@ std::ptrdiff_t OpenDescriptors() {
   return std::distance(begin(all), end(all));
 }
 
-/// A line as it is opened here and closed again around each fault; as a UART or a pseudo-terminal.
+/// A line that is opened and closed again for each fault; as a UART or a pseudo-terminal.
 class LineFaults : public testing::TestWithParam<TerminalKind> {
  protected:
   LineFaults() {
     if (GetParam() != TerminalKind::Uart) return;
     m_uart.emplace();
-    // A fault comes before the driver has seen the call.
+    // With a fault the driver does not get the call.
     m_uart->failing = [](int descriptor) {
       CallFaults* faults = CallFaults::Current();
       return faults != nullptr && faults->Concerns(descriptor) ? faults->ErrorOrInterruption("ioctl") : 0;
@@ -60,7 +60,7 @@ class LineFaults : public testing::TestWithParam<TerminalKind> {
   [[nodiscard]] OpenResult Open() const {
     return OpenTerminalDeviceAs(QString::fromStdString(m_far.NodePath()), GetParam());
   }
-  /// A line that is open and set, with nothing under way; before any fault.
+  /// An open, configured and idle line, before any fault.
   void OpenAfresh() {
     CloseWithoutFault();
     m_line = Open().line;
@@ -73,11 +73,11 @@ class LineFaults : public testing::TestWithParam<TerminalKind> {
     if (m_line) m_line->Close();
     m_line.reset();
     if (!m_uart) return;
-    // The last descriptor that is closed takes the mark along.
+    // Closing the last descriptor removes the mark.
     m_uart->marked = false;
     m_uart->lowLatency = false;
   }
-  /// Plays one operation of an open line; `act` gives its result.
+  /// Runs one operation of an open line; `act` returns its result.
   template <class Act>
   void PlayOnLine(const char* name, const Act& act) {
     LineResult done;
@@ -105,15 +105,15 @@ class LineFaults : public testing::TestWithParam<TerminalKind> {
       CloseWithoutFault();
       EXPECT_EQ(OpenDescriptors(), descriptors) << "a descriptor was left open";
     };
-    // The tests' folders and everything else is no concern of these faults.
+    // These faults concern only the line.
     FaultRun run(name + what, m_far.NodePath(), arrange, act, checkAll);
     run.Play(kLineErrors);
     run.PlayHeldUp();
   }
-  /// Whether the call is one whose failure changes nothing: its work is an extra, or done by then.
+  /// Whether a failure of this call has no effect: it is optional, or its work is already done.
   [[nodiscard]] bool GoesOn(const Fault& fault) const { return m_extras.contains(fault.call); }
 
-  /// After the fault the line does its work, or can be closed and opened again to do it.
+  /// After the fault the line works, or works after it is closed and opened again.
   void ExpectWorks() {
     OpenAfresh();
     EXPECT_EQ(m_line->Write("ping", 4).bytes, 4U);
@@ -212,7 +212,7 @@ TEST_P(LineFaults, Read) {
       },
       [&](const Fault& fault) {
         EXPECT_TRUE(!fault.struck || result.failure.kind == Meaning(fault.error));
-        // What had come by then is handed over, and what had not waits for the next read.
+        // Bytes received until then are returned; later ones come with the next read.
         EXPECT_EQ(result.ok, !got.empty());
         EXPECT_TRUE(fault.struck || result.ok);
         if (!result.ok) got.assign(buffer.data(), m_line->Read(buffer.data(), buffer.size()).bytes);
@@ -222,7 +222,7 @@ TEST_P(LineFaults, Read) {
 }
 
 TEST_P(LineFaults, CancelAndAllow) {
-  // Neither has a way to fail; an interruption must not keep the line from being used again.
+  // Neither can fail. After an interruption the line must still be usable.
   OpenAfresh();
   CloseWithoutFault();
   FaultPlan plan;

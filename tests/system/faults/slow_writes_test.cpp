@@ -10,15 +10,14 @@ namespace quarn::test {
 namespace {
 
 constexpr int kPauseMs = 50;
-/// For the rest of an operation, on a computer that has other work.
+/// For the rest of an operation, on a busy computer.
 constexpr int kBesidesMs = 2000;
 
-/// A disk on which each write and each flush takes its time. Windows write where they are clicked: the time
-/// that an operation takes is the time for which they stand still.
+/// A disk with slow writes and flushes. Windows write during a click, so they do not react for the time of
+/// the operation.
 class SlowWrites : public FileCommandsTest {
  protected:
-  /// Runs an operation that replaces a file so many times: one write and one flush each, and nothing but
-  /// these is waited for.
+  /// Runs an operation that replaces files this often: one write and one flush each, and no other delay.
   template <class Act>
   void ExpectReplacements(int replacements, const Act& act) {
     FaultPlan slow;

@@ -10,8 +10,8 @@ const QString kInvalid =
 const QString kFolderError =
     QStringLiteral("error/: Error//Destination folder error!/Could not open the QRN file.");
 
-/// The folder of the settings, or the one of the user file, is taken away with all that is in it: before an
-/// operation, and before each of its calls to the system.
+/// Removes the folder of the settings or of the user file, with its content: before an operation, and before
+/// each of its system calls.
 class VanishedFolder : public FileCommandsTest {
  protected:
   [[nodiscard]] QString SettingsFolder() const { return Path(QString()); }
@@ -28,7 +28,7 @@ class VanishedFolder : public FileCommandsTest {
     ASSERT_EQ(file.write(bytes), bytes.size());
   }
   static void Vanish(const QString& folder) { ASSERT_TRUE(QDir(folder).removeRecursively()); }
-  /// Both folders as they are in the middle of things: COM7 in force, and a user file with COM3.
+  /// Both folders during normal use: COM7 is the current port, and a user file has COM3.
   void Afresh() {
     for (const QString& folder : {SettingsFolder(), UserFolder()}) {
       Vanish(folder);
@@ -40,8 +40,7 @@ class VanishedFolder : public FileCommandsTest {
     program->userFile = UserPath();
     messages->shown.clear();
   }
-  /// Plays the operation with this folder vanishing at each point; `check` hears whether it was there all the
-  /// time.
+  /// Runs the operation with this folder removed at each point. `check` gets whether it existed all the time.
   template <class Act, class Check>
   void Play(const char* name, const QString& vanishing, const Act& act, const Check& check) {
     const auto whole = [&](const Fault& fault) {
@@ -54,7 +53,7 @@ class VanishedFolder : public FileCommandsTest {
         name, place, [this] { Afresh(); }, act, whole);
     run.PlayEvent([&] { Vanish(vanishing); });
   }
-  /// The file that is left is whole, and what is in force is what stands in the settings.
+  /// The remaining file is complete, and the current settings are those of the file.
   void ExpectKept(const QString& path, const char* port) const {
     EXPECT_EQ(BytesOf(path), PortBytes(port));
     EXPECT_EQ(program->settings.comPort, QLatin1String("COM7"));
@@ -99,7 +98,7 @@ TEST_F(VanishedFolder, SaveWithoutTheUsersFolderKeepsTheSettings) {
   Play("Save, the user's folder gone", UserFolder(), save, [this](bool there) {
     ExpectSavedOrTold(there);
     ExpectKept(program->workingSettingsFile, "COM7");
-    // What is not saved is asked about.
+    // The question about unsaved settings comes.
     messages->shown.clear();
     messages->answers = {false};
     EXPECT_EQ(commands->MayExit(), there);

@@ -22,8 +22,8 @@ const QString kStartDifferent =
 
 class WorkingFileFaults : public FaultyFiles {
  protected:
-  /// The start with this file (null: none), which without a fault shows `shown` and leaves `after`. A fault
-  /// may at most end in the defaults, and says so; then what stood there is kept beside.
+  /// The start with this file (null: none). Without a fault it shows `shown` and leaves `after`. A fault may
+  /// at most lead to the defaults, with a message; then a copy of the file is kept.
   void PlayStart(const char* name, const QByteArray& before, const QStringList& shown,
                  const QByteArray& after) {
     PlayFaults(
@@ -43,7 +43,7 @@ class WorkingFileFaults : public FaultyFiles {
           if (!bytes.isNull()) files.append(QStringLiteral("Quarn.ini"));
           if (!kept.isNull()) files.append(QStringLiteral("Quarn.ini.damaged"));
           ExpectFiles(fault, files);
-          // As it was, or as it had been brought up to date by then.
+          // Unchanged, or already updated.
           const bool isKept = !kept.isNull() && (kept == before || (kept == after && after != defaults));
           EXPECT_TRUE(kept.isNull() || isKept) << kept.constData();
           EXPECT_TRUE(bytes != defaults || before.isNull() || isKept) << "lost: " << before.constData();
@@ -59,7 +59,7 @@ class WorkingFileFaults : public FaultyFiles {
   static QString PortIn(const QByteArray& bytes) {
     return bytes.contains("COM_PORT=COM7") ? QStringLiteral("COM7") : QStringLiteral("NONE");
   }
-  /// Some more was said than without the fault, and it was that the defaults are used.
+  /// There was one more message than without the fault: that the defaults are used.
   void ExpectDefaultsWereTold(const QByteArray& before, const QStringList& shown) const {
     ASSERT_FALSE(messages.shown.isEmpty());
     const QStringList mayEndWith{kStartNotFound, kStartInvalid, kStartBadPort};
@@ -119,7 +119,7 @@ TEST_F(WorkingFileFaults, PreparingTheWorkingFile) {
           }
         });
   }
-  // No fault makes an abandoned file of a good one.
+  // No fault may lead to a good file being given up.
   PlayFaults(
       "keep a good file", [&] { WithBytes(WithPort("COM7"), QStringLiteral("Quarn/Quarn.ini")); },
       [&] { PrepareWorkingFile(folder); },
@@ -154,7 +154,7 @@ class UserFileFaults : public FaultyFiles {
   void ExpectLoaded(const QByteArray& user) const {
     EXPECT_EQ(BytesAt(working), WithPort("COM3"));
     EXPECT_EQ(record.comPort, QStringLiteral("COM3"));
-    // A file that could not be written has been brought up to date in the copy, and nobody says otherwise.
+    // A file that could not be written was updated in the working copy, without a message.
     const bool updated = messages.shown.contains(kUpdated);
     EXPECT_EQ(BytesAt(userFile), updated ? WithPort("COM3") : user);
     QStringList shown;
@@ -162,7 +162,7 @@ class UserFileFaults : public FaultyFiles {
     if (updated) shown.append(kUpdated);
     EXPECT_EQ(messages.shown, shown + QStringList{kOpened});
   }
-  /// Everything is what it was, an update that was told of apart, and one message says why.
+  /// Nothing has changed, except a reported update, and one message says why.
   void ExpectRefused(const Fault& fault, const QByteArray& user) const {
     EXPECT_EQ(record, before);
     const bool updated = messages.shown.contains(kUpdated);
@@ -175,7 +175,7 @@ class UserFileFaults : public FaultyFiles {
       EXPECT_TRUE(text == kMayUpdate || text == kUpdated) << text.toStdString();
     }
     const QByteArray bytes = BytesAt(working);
-    // Putting the old text back is a write like any other.
+    // Restoring the old text is a write too.
     const bool notPutBack = fault.struck && last == kNotLoaded && bytes == BytesAt(userFile);
     EXPECT_TRUE(bytes == WithPort("COM7") || notPutBack) << bytes.constData();
   }
@@ -192,7 +192,7 @@ class UserFileFaults : public FaultyFiles {
 TEST_F(UserFileFaults, OpeningAGoodFile) {
   m_check = [this](const Fault& fault) {
     EXPECT_TRUE(fault.struck || !opened.isEmpty());
-    // The only fault was spent before the old text was to be put back.
+    // The only fault came before the old text was restored.
     EXPECT_EQ(BytesAt(working), WithPort(opened.isEmpty() ? "COM7" : "COM3"));
   };
   PlayOpen("open a user file", WithPort("COM3"));

@@ -1,12 +1,11 @@
 // Ends a process at random moments, without a chance to clean up, while it writes settings without a pause
-// as the windows of the program do; then looks at what the files hold.
+// as the windows of the program do. Then it checks the files.
 //
 //   quarn-kill KILLS [SEED]
 //
-// Both files have to be, byte for byte, what they are before or after the step under way; all steps before it
-// have to be done. The next start has to take the files as they
-// are, without a message, whatever else a write that was cut short has left in the folder. Ends with 0 and
-// the counts on standard output, or says what went wrong and ends with 1.
+// Both files must be, byte for byte, as before or after the current step; all earlier steps must be complete.
+// The next start must accept the files without a message, whatever an interrupted write has left in the
+// folder. Ends with 0 and prints the counts, or prints what went wrong and ends with 1.
 
 #include <poll.h>
 #include <sys/prctl.h>
@@ -38,10 +37,10 @@ namespace {
 constexpr std::array kDeedNames{"an option", "the commands", "save all", "save", "open", "defaults"};
 constexpr char kWriterMark[] = "--write";
 constexpr int kLatestMomentUs = 40000;
-/// A writer that has not begun by then never will.
+/// A writer that has not started by then never will.
 constexpr int kLongestStartMs = 60000;
 
-/// The process that is going to be killed: one byte on standard output for each step, before it begins.
+/// The process to kill. It prints one byte before each step.
 int Write(const char* folder, std::uint32_t seed, int writer) {
   ::prctl(PR_SET_PDEATHSIG, SIGKILL);
   const Paths paths = PathsIn(QString::fromLocal8Bit(folder));
@@ -81,7 +80,7 @@ class Writer {
     pollfd progress{.fd = m_progress, .events = POLLIN, .revents = 0};
     return ::poll(&progress, 1, kLongestStartMs) == 1 && (progress.revents & POLLIN) != 0;
   }
-  /// Whether it was this that has ended it.
+  /// Whether this killed it.
   bool Kill() {
     if (m_process < 0) return false;
     int status = 0;
@@ -89,7 +88,7 @@ class Writer {
     ::waitpid(std::exchange(m_process, -1), &status, 0);
     return WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL;
   }
-  /// How many steps it had begun. Once it is killed.
+  /// How many steps it had started. Call after the kill.
   [[nodiscard]] int StepsBegun() const {
     int steps = 0;
     std::array<char, 4096> bytes{};
@@ -123,14 +122,14 @@ class KillRun {
   bool RunOne() {
     Writer writer(m_paths.folder, m_seed, m_number);
     if (!writer.HasBegun()) return Complain("the writer does not begin");
-    // A moment at random is what this is about.
+    // The moment is random on purpose.
     std::this_thread::sleep_for(
         std::chrono::microseconds(std::uniform_int_distribution<int>(0, kLatestMomentUs)(m_random)));
     if (!writer.Kill()) return Complain("the writer has ended by itself");
     return IsWhole(writer.StepsBegun()) && NextStartTakesIt() && CountStrays();
   }
 
-  /// What the files hold has to be what they held before the last step, or what they hold after it.
+  /// The files must have their content from before or after the last step.
   bool IsWhole(int begun) {
     for (int number = 0; number < begun - 1; ++number)
       m_state = After(StepOf(m_seed, m_number, number), m_state, m_defaults);

@@ -14,11 +14,11 @@
 namespace quarn::kill {
 namespace {
 
-/// Out of these, a setting of the dialogs is changed most of the time.
+/// One of these is chosen at random; changing one setting is the most frequent.
 constexpr std::array kDeeds{Deed::SetOption, Deed::SetOption,      Deed::SetOption, Deed::SaveCommands,
                             Deed::SaveAll,   Deed::Save,           Deed::Save,      Deed::Open,
                             Deed::Open,      Deed::RestoreDefaults};
-/// Files of different lengths: the rest of a longer one would be seen.
+/// Files have different lengths, so that the rest of a longer one is noticed.
 constexpr int kLongestFill = 150;
 
 bool IsPort(const Setting& setting) { return setting.key == keys::kComPort; }

@@ -8,10 +8,10 @@
 
 namespace quarn::kill {
 
-/// What is done to the settings, as the windows do it.
+/// The changes to the settings, as windows make them.
 enum class Deed { SetOption, SaveCommands, SaveAll, Save, Open, RestoreDefaults };
 
-/// One deed. It is the same for the same seed, writer and number, and no other one writes its text.
+/// One change. The same seed, writer and number give the same one, and its text is unique.
 struct Step {
   Deed deed = Deed::SetOption;
   /// The setting's place in the table, for SetOption.
@@ -20,7 +20,7 @@ struct Step {
 };
 Step StepOf(std::uint32_t seed, int writer, int number);
 
-/// A record with this text under every key but that of the port, whose name has to be one.
+/// A record with this text under every key, except the port, which needs a valid name.
 SettingsRecord RecordOf(const QString& text);
 
 /// The folder's name ends with a separator.
@@ -31,17 +31,17 @@ struct Paths {
 };
 Paths PathsIn(const QString& folder);
 
-/// Does it with the program's own operations. False when one of them says that it has failed.
+/// Makes the change with the program's operations. False if one of them fails.
 bool Perform(const Step& step, const Paths& paths);
 
-/// What both files hold.
+/// The content of both files.
 struct Contents {
   QByteArray working;
   QByteArray user;
   bool operator==(const Contents&) const = default;
 };
 
-/// What the files hold after the step; worked out on the bytes alone.
+/// The content after the step, computed from the bytes alone.
 Contents After(const Step& step, const Contents& before, const QByteArray& defaults);
 
 }  // namespace quarn::kill

@@ -30,9 +30,9 @@ class Completion : public testing::Test {
     if (!m_home.empty()) fs::remove_all(m_home);
   }
 
-  /// What the last of the words is completed to. The words stand as a shell takes them.
+  /// The completions of the last word. The words are in shell syntax.
   [[nodiscard]] std::set<std::string> Complete(const std::string& words) const {
-    // compopt works in a completion only; here it need not.
+    // compopt works only during a completion, and is not needed here.
     const std::string script =
         "cd \"$HOME\"; unset XDG_CONFIG_HOME; compopt() { :; }\n"
         "source '" QUARN_BUILD

@@ -15,7 +15,7 @@ const std::string kVersion = identity::kShortVersion;
 const std::string kDate = identity::kBuildDate;
 const std::string kYear = kDate.substr(0, 4);
 
-/// The heading of the newest release, which may have changes above it that are not released.
+/// The heading of the newest release. Unreleased changes may be above it.
 std::string NewestRelease(const std::string& changelog) {
   for (const std::string& line : LinesOf(changelog)) {
     if (line.starts_with("## ") && line != "## [Unreleased]") return line;
@@ -23,7 +23,7 @@ std::string NewestRelease(const std::string& changelog) {
   return "no release";
 }
 
-/// The file has these lines, whatever they are indented by.
+/// The file has these lines, with any indentation.
 void ExpectLines(const std::string& text, const std::vector<std::string>& expected) {
   std::vector<std::string> lines = LinesOf(text);
   for (std::string& line : lines) line.erase(0, std::min(line.find_first_not_of(' '), line.size()));
@@ -47,7 +47,7 @@ TEST(Identity, IsWhatTheProgramsSay) {
   EXPECT_EQ(OutputOfProgram("quarn-device", "--version"), "quarn-device " + kVersion + "\n");
 }
 
-/// What starts the program gives it the file that was clicked on; some desktops do so without being told.
+/// The desktop entry passes the clicked file to the program. Some desktops do that anyway.
 TEST(Identity, IsInTheDesktopEntry) {
   ExpectLines(FilledInFile("linux/quarn.desktop"), {"Name=" + kName, "Exec=quarn %f"});
 }

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::array kPrograms{"quarn", "quarn-send", "quarn-device"};
 
-/// A manual as it is read: hyphens of options without what keeps them from becoming dashes.
+/// The text of a manual, without the backslashes before the hyphens of options.
 std::string Manual(const std::string& program) {
   const std::string text = FilledInFile("linux/" + program + ".1");
   return std::regex_replace(text, std::regex(R"(\\-)"), "-");

@@ -49,7 +49,7 @@ std::string OutputOfProgram(const std::string& program, const std::string& optio
 }
 
 std::set<std::string> OptionsIn(const std::string& text) {
-  // Not the end of a word, nor the arrow of a rule.
+  // Not inside a word, and not the arrow of a rule.
   static const std::regex option(R"((^|[^-\w])(--[a-z-]*)(?=[^-\w>]|$))");
   std::set<std::string> options;
   for (std::sregex_iterator each(text.begin(), text.end(), option), end; each != end; ++each) {

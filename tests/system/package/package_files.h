@@ -6,7 +6,7 @@
 
 namespace quarn {
 
-/// What a file holds. A file that cannot be read fails the test.
+/// The content of a file. If it cannot be read, the test fails.
 std::string Contents(const std::string& path);
 
 /// A file of the source tree.
@@ -17,13 +17,13 @@ std::string FilledInFile(const std::string& name);
 
 std::vector<std::string> LinesOf(const std::string& text);
 
-/// What a shell command prints. One that fails makes the test fail.
+/// The output of a shell command. If it fails, the test fails.
 std::string OutputOf(const std::string& shellCommand);
 
-/// What one of the programs prints when it gets this option.
+/// The output of one of the programs with this option.
 std::string OutputOfProgram(const std::string& program, const std::string& option);
 
-/// The long options that a text mentions, "--" alone among them.
+/// The long options in a text, also "--" alone.
 std::set<std::string> OptionsIn(const std::string& text);
 
 }  // namespace quarn

@@ -1,4 +1,4 @@
-// The programs on a terminal that takes nothing, or that nobody has.
+// The programs with a terminal that cannot be written, or without one.
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 namespace quarn {
 namespace {
 
-/// What a command with one of the programs in front says on standard error, and its exit status.
+/// Standard error and exit status of a command that starts with one of the programs.
 std::string SaidBy(const std::string& program, const std::string& rest) {
   return OutputOf("'" QUARN_PROGRAMS "/" + program + "' " + rest + "; echo $?");
 }

@@ -13,7 +13,7 @@
 namespace quarn::test {
 namespace {
 
-/// The rooms in the table's order, and for each what its files may include.
+/// The rooms in the order of the table, and for each the rooms that its files may include.
 using Table = std::vector<std::pair<std::string, std::set<std::string>>>;
 
 Table ParseTable(std::istream& text) {
@@ -34,8 +34,7 @@ Table::const_iterator RowOf(const Table& table, const std::string& room) {
 
 std::string FolderOf(const std::string& path) { return path.substr(0, path.rfind('/')); }
 
-/// The includes of ours in a source's text, as they are written there. What stands beside a file or is
-/// generated has no folder, and is nobody else's room.
+/// The program's own includes in a source, as written. A generated header has no folder, and so no room.
 std::vector<std::string> IncludesOf(const std::string& text) {
   static const std::regex kInclude(R"re((?:^|\n)[ \t]*#[ \t]*include[ \t]*"([^"\n]+/[^"\n]+)")re");
   std::vector<std::string> includes;
@@ -45,7 +44,7 @@ std::vector<std::string> IncludesOf(const std::string& text) {
   return includes;
 }
 
-/// What a file of that room includes and may not.
+/// The includes of a file that its room may not use.
 std::vector<std::string> Forbidden(const Table& table, const std::string& room, const std::string& text) {
   std::vector<std::string> found;
   const auto row = RowOf(table, room);
@@ -93,7 +92,7 @@ TEST(Rooms, EveryIncludeIsOneThatTheTableAllows) {
   }
 }
 
-/// A folder of sources that the table does not know would be looked at by nobody.
+/// A folder that is missing in the table would not be checked.
 TEST(Rooms, TheTableKnowsEveryFolderOfSources) {
   const Table table = TheTable();
   for (const auto& entry : std::filesystem::recursive_directory_iterator(kSource)) {
@@ -111,7 +110,7 @@ TEST(Rooms, NamesInTheTableAreThere) {
   }
 }
 
-/// The table has the lower rooms first: an arrow that runs back would make two rooms one.
+/// Lower rooms come first in the table, so that no arrows form a circle.
 TEST(Rooms, EachUsesOnlyThoseAboveItInTheTable) {
   std::set<std::string> above;
   for (const auto& [room, allowed] : TheTable()) {

@@ -1,12 +1,11 @@
-// A long run of the real transaction engine over pseudo-terminals, against an instrument that now and then
-// answers late, in two bursts, not at all, or hangs up, while another process takes what processor it can
-// get.
+// A long run of the real transaction engine over pseudo-terminals. The instrument sometimes answers late, in
+// two bursts, not at all, or hangs up. Another process uses as much processor time as it can.
 //
 //   quarn-soak TRANSACTIONS [SEED]
 //
-// Every line of the log has to belong to the command above it. Each command is a number of its own, and its
-// answer holds that number: nothing can be taken for something else. What memory and descriptors the process
-// has may not grow. Ends with 0 and the counts on standard output, or says what went wrong and ends with 1.
+// Every line of the log must belong to the command above it. Each command has its own number, and its
+// response has the same one, so that a mix-up is noticed. Memory and descriptors must not grow. Ends with 0
+// and prints the counts, or prints what went wrong and ends with 1.
 
 #include <poll.h>
 #include <sys/prctl.h>
@@ -51,16 +50,16 @@ constexpr milliseconds kLate{1300};
 constexpr milliseconds kBetweenBursts{3};
 /// The silence that ends a response lasts 12 ms at this speed.
 constexpr milliseconds kSurelyTogether{10};
-/// An answer that takes the instrument this long comes too late on a computer that is much too busy.
+/// If the instrument needs this long for an answer, the computer is too busy for this test.
 constexpr milliseconds kHeldUp{300};
-/// From here on memory has to stay as it is: everything has been used once.
+/// From this transaction on memory must not grow: everything has been used once.
 constexpr int kWarmUp = 200;
 constexpr long kGrowthAllowedKib = 2048;
 
 enum class Fate { Answer, Late, TwoBursts, Missing, HangUp };
 constexpr std::array kFateNames{"answered", "late", "in two bursts", "missing", "hung up"};
 
-/// One fate for each command, the same for the same seed.
+/// What happens to each command; the same for the same seed.
 Fate FateOf(std::uint32_t seed, int number) {
   std::seed_seq sequence{seed, static_cast<std::uint32_t>(number)};
   std::mt19937 random(sequence);
@@ -79,7 +78,7 @@ std::string AnswerOf(int number) {
 
 std::string FirstBurst(const std::string& answer) { return answer.substr(0, answer.size() / 2); }
 
-/// The far end: serves one command after the other, and lays a new line after it has hung up.
+/// The far end. It serves the commands one after the other, and makes a new line after it has hung up.
 class SoakInstrument {
  public:
   SoakInstrument(const std::string& folder, std::uint32_t seed) : m_link(folder + "/" + kPort), m_seed(seed) {
@@ -93,13 +92,13 @@ class SoakInstrument {
   SoakInstrument(const SoakInstrument&) = delete;
   SoakInstrument& operator=(const SoakInstrument&) = delete;
 
-  /// The commands that have been served to the end, whatever that was.
+  /// The number of commands that it has finished with, in any way.
   [[nodiscard]] int Served() const { return m_served; }
   /// The first command that was not the one after the one before.
   [[nodiscard]] bool SawAllInOrder() const { return m_inOrder; }
-  /// Whether this process was held up between the last two bursts, so that they may count as two responses.
+  /// Whether this process was delayed between the last two bursts, so that they may be two responses.
   [[nodiscard]] bool BurstsCameApart() const { return m_burstsApart; }
-  /// Whether this process was held up before the last answer to a command that was sent at `start`.
+  /// Whether this process was delayed before its last answer to the command sent at `start`.
   [[nodiscard]] bool WasHeldUp(Clock::time_point start) const { return m_sent.load() - start > kHeldUp; }
 
  private:
@@ -275,7 +274,7 @@ class Soak {
                                                     QString::fromStdString(CommandOf(m_number)))
                                          .result;
     ++m_counts.at(static_cast<std::size_t>(fate));
-    // Who gives up on an instrument waits until it is done before asking it anew.
+    // After a time-out, waits until the instrument is done before the next command.
     while (m_instrument.Served() < m_number) std::this_thread::sleep_for(milliseconds(1));
     if (!IsAsItShould(fate, result)) return Complain("result " + std::to_string(static_cast<int>(result)));
     if (fate != Fate::HangUp) return true;
@@ -305,7 +304,7 @@ class Soak {
       case Fate::Missing:
         return result == TransactionResult::Timeout && LoggedText() == head + kTimeoutLine;
       case Fate::HangUp:
-        // A failed read has no report of its own: what the buffer held is shown once more.
+        // A failed read reports nothing of its own: the former content of the buffer is shown again.
         return result == TransactionResult::Received ? LoggedText() == head + m_lastAnswer
                                                      : LoggedText().starts_with(head);
     }

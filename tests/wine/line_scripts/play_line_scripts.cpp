@@ -1,9 +1,9 @@
-// Plays line scripts on a port behind which an instrument answers by the same file, and prints what the
-// line did, one script to a line. The same file is played on every system; what is printed must agree.
+// Runs line scripts on a port whose instrument answers by the same file, and prints the results, one line per
+// script. The results for a file must be the same on every system.
 //
 //   quarn-line-scripts FILE PORT PORTS-FOLDER [NAME...]
 //
-// FILE holds the instrument's rules. Above the rule for a script stand its settings, in a comment:
+// FILE has the instrument's rules. The settings of a script are in a comment above its rule:
 //
 //   #! 9600 HIGH CR 1K respond     COM_BPS, PORT_SPEED, DELIMITER, COM_BUF; then one transaction
 //   #! 9600 HIGH CR 1K timeout     the same with R_TIMEOUT=ON
@@ -84,7 +84,7 @@ QString Outcome(int result, const QByteArray& bytes) {
   return QStringLiteral("%1 %2 %3").arg(result).arg(bytes.size()).arg(QString::fromLatin1(sum));
 }
 
-/// Every read with its own outcome: whether it succeeded, and what it brought.
+/// The outcome of each read: whether it succeeded, and its bytes.
 QStringList Read(const LineScript& script, SerialLine& line) {
   QStringList outcomes;
   line.Purge();
@@ -110,7 +110,7 @@ QStringList Transact(const LineScript& script, const PortConnection& connection)
               .arg(outcome.lineFailed ? QStringLiteral("failed") : QStringLiteral("ended"))};
 }
 
-/// Until nothing more comes: what is left of an answer is not for the next command.
+/// Reads until the line is silent: the rest of a response must not reach the next command.
 void LetFallSilent(SerialLine& line) {
   std::array<char, 30> rest{};
   for (IoResult read = line.Read(rest.data(), rest.size()); read.ok && read.bytes > 0;) {

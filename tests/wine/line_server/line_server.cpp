@@ -1,13 +1,13 @@
 // Gives programs that run under Wine COM ports with simulated instruments behind them. A program under Wine
-// can neither make a pseudo-terminal nor talk to another system's process through a pipe; it can use files:
+// can neither make a pseudo-terminal nor use a pipe to a Linux process. It can use files:
 //
-//   FOLDER/port-com3.rules     written by whoever wants an instrument as COM3; removed to have it unplugged
-//   FOLDER/port-com3.ready     written here once COM3 can be opened, or with a complaint in it
+//   FOLDER/port-com3.rules     written by the user of an instrument as COM3; removed to unplug it
+//   FOLDER/port-com3.ready     written here when COM3 can be opened; if it cannot, with the reason
 //   FOLDER/port-com3.received  written here: every byte that has come over the wire
 //   FOLDER/port-com3.answers   written here: how many answers have been sent to their last byte
 //
 // (To Windows, com3.rules would be the port and no file.) Each file appears whole, by a rename. Empty rules
-// are an instrument that says nothing; the word "built-in" stands for the instrument's own.
+// are an instrument that never answers; "built-in" stands for the instrument's own rules.
 
 #include <signal.h>
 
@@ -73,9 +73,9 @@ class Port {
   Port(const Port&) = delete;
   Port& operator=(const Port&) = delete;
 
-  /// Writes down what has changed since the last time.
+  /// Writes the files that have changed since the last call.
   void Report() {
-    // The bytes first: whoever sees the answer counted finds its command.
+    // The bytes first: when an answer is counted, its command must be in the file.
     const int answers = m_answers;
     const std::string received = m_instrument.Received();
     if (received.size() != m_reportedBytes) Write(File("received"), received);

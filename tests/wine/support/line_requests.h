@@ -12,7 +12,7 @@
 
 namespace quarn::test {
 
-/// A port with an instrument behind it, asked for from quarn-line-server, which says how.
+/// A port with an instrument, requested from quarn-line-server; its source describes the files.
 class LineRequest {
  public:
   LineRequest(const QString& port, const QByteArray& rules) : m_port(port) {
@@ -24,7 +24,7 @@ class LineRequest {
     EXPECT_EQ(Contents("ready").toStdString(), "");
   }
   ~LineRequest() {
-    // The port is free for the next one when the server has let go of it.
+    // The port is free when the server has closed it.
     EXPECT_TRUE(QFile::remove(Path("rules")));
     EXPECT_TRUE(Becomes([this] { return !QFile::exists(Path("ready")); }));
   }
@@ -35,7 +35,7 @@ class LineRequest {
   /// What the server says about the port: "received" or "answers".
   [[nodiscard]] QByteArray Contents(const char* kind) const {
     QFile file(Path(kind));
-    // The server puts the next one in its place at any moment.
+    // The server may replace the file at any moment.
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
   }
 

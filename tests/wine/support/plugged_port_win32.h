@@ -7,7 +7,7 @@
 
 namespace quarn::test {
 
-/// A line with nobody at its far end. It is plugged in as one port at most.
+/// A line that nobody answers. It can be plugged in as one port.
 class PseudoTerminal {
  public:
   PseudoTerminal() = default;
@@ -32,12 +32,12 @@ class PseudoTerminal {
   mutable QString m_port;
 };
 
-/// Makes the line reachable as this port of the system.
+/// Makes this line a port of the system.
 inline void PlugPort(const QString& /*portsFolder*/, const QString& port, const PseudoTerminal& line) {
   line.PlugIn(port);
 }
 
-/// No line can be reached as this port any more. False when none could.
+/// Removes the port. False if there was none.
 inline bool UnplugPort(const QString& /*portsFolder*/, const QString& port) {
   return PseudoTerminal::Unplug(port);
 }
