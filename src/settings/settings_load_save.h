@@ -7,10 +7,6 @@
 #include "settings/settings_record.h"
 #include "settings/settings_text.h"
 
-// How the windows write what the user has selected or typed. If the next start could not read the result,
-// nothing is written and a message says so; updating the current settings is the caller's task.
-// User-interface thread only: a message runs an event loop.
-
 namespace quarn {
 
 enum class LoadResult {
@@ -36,6 +32,10 @@ bool SaveAllSettings(const QString& path, const SettingsRecord& record);
 /// Whether a COM_PORT text can be a port: "NONE", or "COM" and one or two more characters, none of them from
 /// "(" to "/". The length is that in the system's 8-bit encoding; the characters need not be digits.
 [[nodiscard]] bool ValidatePortName(const QString& name);
+
+// How the windows write what the user has selected or typed. If the next start could not read the result,
+// nothing is written and a message says so; updating the current settings is the caller's task.
+// User-interface thread only: a message runs an event loop.
 
 /// Shows that the settings were not saved because they would not fit into their file.
 void TellSettingsTooLong(MessageOperations& messages);

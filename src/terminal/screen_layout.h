@@ -11,6 +11,9 @@
 
 namespace quarn {
 
+// Title, geometry, colours and captions of the Terminal Screen, all derived from the settings. Rectangles are
+// pixels in the client area.
+
 /// The values that depend on INPUT_MAX.
 struct ScreenWidth {
   QString letter;    ///< as the window's title shows it
@@ -22,9 +25,6 @@ struct ScreenWidth {
 
 /// The row for "N", "M" or "W". For any other text: no input is possible, and lines are as narrow as for "N".
 const ScreenWidth& ScreenWidthOf(const QString& inputMax);
-
-// Geometry, colours and captions of the Terminal Screen, all derived from the settings. Rectangles are pixels
-// in the client area.
 
 inline constexpr int kTerminalButtonCount = 12;
 

@@ -4,8 +4,6 @@
 #include <QButtonGroup>
 #include <QPushButton>
 
-class QWidget;
-
 namespace quarn {
 
 /// Every control carries its number as the dynamic property "controlId".

@@ -6,7 +6,6 @@
 #include <QSize>
 
 class QFont;
-class QRect;
 class QWidget;
 
 namespace quarn {
@@ -33,9 +32,6 @@ void TakeForFrameless(QWidget& window);
 /// The window's outer size.
 QSize OuterSize(const QWidget& window);
 
-/// Dialog units to pixels for a font: a quarter of its average character's width, an eighth of its height.
-QRect MapDialogUnits(const QFont& font, const QRect& units);
-
 // The places of the dialogs in the main dialog's menu. Rectangles and sizes include the frame.
 
 /// Under the main dialog's left edge; above it if there is no room below.
@@ -46,6 +42,9 @@ QPoint PlaceBeside(const QRect& mainDialog, QSize dialog, QSize screen);
 
 /// Under the main dialog's left edge, but within the screen at the bottom and on the right.
 QPoint PlaceBelowOnScreen(const QRect& mainDialog, QSize dialog, QSize screen);
+
+/// Dialog units to pixels for a font: a quarter of its average character's width, an eighth of its height.
+QRect MapDialogUnits(const QFont& font, const QRect& units);
 
 /// The common measurements of the dialogs: dialog units of the window's font, and standard distances. Input
 /// in units, results in pixels.

@@ -85,10 +85,8 @@ const OptionDialogPlan kScreenPlan{
 constexpr OptionBinding kPosition{&SettingsRecord::mainPos, keys::kMainPos};
 
 constexpr std::array kMainButtons{
-    OptionButton{1073, Radio, "TOP - LEFT", "topLeft", kPosition, values::kTopLeft,
-                 StoreOption},
-    OptionButton{1074, Radio, "TOP - RIGHT", "topRight", kPosition, values::kTopRight,
-                 StoreOption},
+    OptionButton{1073, Radio, "TOP - LEFT", "topLeft", kPosition, values::kTopLeft, StoreOption},
+    OptionButton{1074, Radio, "TOP - RIGHT", "topRight", kPosition, values::kTopRight, StoreOption},
 };
 
 constexpr std::array kMainLabels{OptionLabel{keys::kMainPos, "Startup Display Position  ---"}};
