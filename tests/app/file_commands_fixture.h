@@ -16,6 +16,7 @@
 #include "support/message_texts.h"
 #include "support/recorded_messages.h"
 #include "support/recorded_window.h"
+#include "support/scripted_chooser.h"
 #include "support/scripted_line.h"
 
 namespace quarn::test {
@@ -35,24 +36,6 @@ class TwoPorts final : public PortSource {
   bool FriendlyNames(QStringList& names) override {
     names = {QStringLiteral("Adapter (COM3)"), QStringLiteral("Adapter (COM7)")};
     return true;
-  }
-};
-
-class ScriptedChooser final : public FileChooser {
- public:
-  QString answer;
-  QList<FileQuestion> opened;
-  QList<FileQuestion> saved;
-  std::function<void()> whileShown;
-
-  QString AskOpenFile(const FileQuestion& question) override { return Ask(opened, question); }
-  QString AskSaveFile(const FileQuestion& question) override { return Ask(saved, question); }
-
- private:
-  QString Ask(QList<FileQuestion>& asked, const FileQuestion& question) {
-    asked.append(question);
-    if (whileShown) whileShown();
-    return answer;
   }
 };
 
