@@ -1,8 +1,10 @@
 #include <QApplication>
 #include <cstdlib>
+#include <memory>
 
 #include "app/fatal_limits.h"
 #include "app/file_argument.h"
+#include "app/platform.h"
 #include "app/program.h"
 #include "app/start_up.h"
 #include "app/window_stage.h"
@@ -25,8 +27,11 @@ QStringList ArgumentsOf(int argc, char* argv[]) {
 
 int main(int argc, char* argv[]) {
   quarn::OccupyStandardStreams();
-  if (const auto status = quarn::AnswerAtOnce(ArgumentsOf(argc, argv))) return *status;
+  const QStringList arguments = ArgumentsOf(argc, argv);
+  if (const auto status = quarn::AnswerAtOnce(arguments)) return *status;
+  auto session = std::make_unique<quarn::DesktopSession>(arguments);
   const QApplication application(argc, argv);
+  session.reset();
   QApplication::setWindowIcon(quarn::ApplicationIcon());
   // Message boxes close before the main dialog exists, and this must not end the program.
   QApplication::setQuitOnLastWindowClosed(false);

@@ -35,4 +35,19 @@ int MessageFontHeight();
 /// Adds an item to the window's own menu: the system menu if the system has one, otherwise the context menu.
 void AddWindowMenuItem(QWidget& window, const QString& text, std::function<void()> chosen);
 
+/// Chooses the display of a session that has two, and keeps the program from a session bus that does not
+/// answer. Make it before the application object, and destroy it afterwards: programs that this one starts
+/// choose for themselves.
+class DesktopSession {
+ public:
+  /// `arguments`: the process's own, with the program first.
+  explicit DesktopSession(const QStringList& arguments);
+  ~DesktopSession();
+  DesktopSession(const DesktopSession&) = delete;
+  DesktopSession& operator=(const DesktopSession&) = delete;
+
+ private:
+  const bool m_choseDisplay;
+};
+
 }  // namespace quarn

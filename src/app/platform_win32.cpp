@@ -108,4 +108,8 @@ void AddWindowMenuItem(QWidget& window, const QString& text, std::function<void(
   new SystemMenuItem(window, std::move(chosen));
 }
 
+// There is one display, and no session bus.
+DesktopSession::DesktopSession(const QStringList& /*arguments*/) : m_choseDisplay(false) {}
+DesktopSession::~DesktopSession() = default;
+
 }  // namespace quarn

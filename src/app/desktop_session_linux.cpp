@@ -1,0 +1,84 @@
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <QByteArray>
+#include <QDeadlineTimer>
+#include <cerrno>
+#include <cstddef>
+#include <cstring>
+#include <optional>
+
+#include "app/platform.h"
+#include "serial/file_descriptor.h"
+#include "serial/retry_on_eintr_linux.h"
+
+namespace quarn {
+namespace {
+
+constexpr char kPlatform[] = "QT_QPA_PLATFORM";
+constexpr char kBus[] = "DBUS_SESSION_BUS_ADDRESS";
+constexpr int kBusAnswerMs = 1000;
+
+/// Windows have places of their own, which only X11 lets a program choose. Where a Wayland session has an X
+/// server as well, and nobody has asked for something else, the program uses that one.
+bool PrefersX11(const QStringList& arguments) {
+  const bool asked = !qEnvironmentVariableIsEmpty(kPlatform) ||
+                     arguments.contains(QStringLiteral("-platform")) ||
+                     arguments.contains(QStringLiteral("--platform"));
+  return !asked && !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") && !qEnvironmentVariableIsEmpty("DISPLAY");
+}
+
+/// The socket of the session bus; nothing if its address is of another kind, or there is none.
+std::optional<QByteArray> BusSocket() {
+  QByteArray address = qgetenv(kBus);
+  if (address.isEmpty()) {
+    const QByteArray folder = qgetenv("XDG_RUNTIME_DIR");
+    return folder.isEmpty() ? std::nullopt : std::optional(folder + "/bus");
+  }
+  address = address.split(';').value(0);
+  const qsizetype value = address.indexOf('=') + 1;
+  const QByteArray name = QByteArray::fromPercentEncoding(address.mid(value).split(',').value(0));
+  if (address.startsWith("unix:path=")) return name;
+  // A name that begins with a zero byte is not one of a file.
+  if (address.startsWith("unix:abstract=")) return QByteArray(1, '\0') + name;
+  return std::nullopt;
+}
+
+/// Whether somebody listens there and says nothing for a second. A first question of the protocol: may this
+/// user in?
+bool IsSilent(const QByteArray& socketName) {
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  if (socketName.size() >= static_cast<qsizetype>(sizeof address.sun_path)) return false;
+  std::memcpy(address.sun_path, socketName.constData(), static_cast<std::size_t>(socketName.size()));
+  const auto length =
+      static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + static_cast<std::size_t>(socketName.size()));
+  const FileDescriptor bus(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+  if (bus.Get() < 0) return false;
+  // A queue of callers that is full is a silence as well.
+  if (::connect(bus.Get(), reinterpret_cast<const sockaddr*>(&address), length) != 0) return errno == EAGAIN;
+  const QByteArray question =
+      QByteArray(1, '\0') + "AUTH EXTERNAL " + QByteArray::number(::geteuid()).toHex() + "\r\n";
+  if (::send(bus.Get(), question.constData(), static_cast<std::size_t>(question.size()), MSG_NOSIGNAL) < 0)
+    return false;
+  pollfd answer{bus.Get(), POLLIN, 0};
+  const QDeadlineTimer end(kBusAnswerMs);
+  return RetryOnEintr([&] { return ::poll(&answer, 1, static_cast<int>(end.remainingTime())); }) == 0;
+}
+
+}  // namespace
+
+DesktopSession::DesktopSession(const QStringList& arguments) : m_choseDisplay(PrefersX11(arguments)) {
+  if (m_choseDisplay) qputenv(kPlatform, "xcb;wayland");
+  const std::optional<QByteArray> bus = BusSocket();
+  // Qt would wait for its answer before it shows the first window.
+  if (bus && IsSilent(*bus)) qputenv(kBus, "disabled:");
+}
+
+DesktopSession::~DesktopSession() {
+  if (m_choseDisplay) qunsetenv(kPlatform);
+}
+
+}  // namespace quarn

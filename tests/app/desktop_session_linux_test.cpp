@@ -1,0 +1,110 @@
+#include <gtest/gtest.h>
+
+#include <QFileInfo>
+#include <QTemporaryDir>
+#include <thread>
+
+#include "app/platform.h"
+#include "support/silent_socket_linux.h"
+
+namespace quarn::test {
+namespace {
+
+const QByteArrayList kVariables{"QT_QPA_PLATFORM", "WAYLAND_DISPLAY", "DISPLAY", "DBUS_SESSION_BUS_ADDRESS",
+                                "XDG_RUNTIME_DIR"};
+
+/// The environment is as it was before when a test ends.
+class DesktopSessionTest : public ::testing::Test {
+ protected:
+  DesktopSessionTest() {
+    for (const QByteArray& name : kVariables) {
+      m_before.append(qgetenv(name));
+      qunsetenv(name);
+    }
+    qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=" + Path("nobody").toLocal8Bit());
+  }
+  ~DesktopSessionTest() override {
+    for (qsizetype i = 0; i < kVariables.size(); ++i) {
+      if (m_before[i].isNull()) {
+        qunsetenv(kVariables[i]);
+      } else {
+        qputenv(kVariables[i], m_before[i]);
+      }
+    }
+  }
+  [[nodiscard]] QString Path(const char* name) const { return m_folder.filePath(QLatin1String(name)); }
+  /// The platform that the application object would find.
+  static QByteArray ChosenPlatform(const QStringList& arguments = {QStringLiteral("quarn")}) {
+    const DesktopSession session(arguments);
+    return qgetenv("QT_QPA_PLATFORM");
+  }
+  static QByteArray BusAfterwards() {
+    const DesktopSession session({QStringLiteral("quarn")});
+    return qgetenv("DBUS_SESSION_BUS_ADDRESS");
+  }
+
+ private:
+  QTemporaryDir m_folder;
+  QByteArrayList m_before;
+};
+
+TEST_F(DesktopSessionTest, OfTwoDisplaysTheOneWithPlacesIsTaken) {
+  qputenv("WAYLAND_DISPLAY", "wayland-0");
+  EXPECT_EQ(ChosenPlatform(), QByteArray());
+  qputenv("DISPLAY", ":0");
+  EXPECT_EQ(ChosenPlatform(), QByteArray("xcb;wayland"));
+  EXPECT_FALSE(qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) << "programs that it starts would have it";
+  qunsetenv("WAYLAND_DISPLAY");
+  EXPECT_EQ(ChosenPlatform(), QByteArray());
+}
+
+TEST_F(DesktopSessionTest, WhatWasAskedForIsTaken) {
+  qputenv("WAYLAND_DISPLAY", "wayland-0");
+  qputenv("DISPLAY", ":0");
+  EXPECT_EQ(ChosenPlatform({QStringLiteral("quarn"), QStringLiteral("-platform"), QStringLiteral("wayland")}),
+            QByteArray());
+  qputenv("QT_QPA_PLATFORM", "wayland");
+  EXPECT_EQ(ChosenPlatform(), QByteArray("wayland"));
+  EXPECT_EQ(qgetenv("QT_QPA_PLATFORM"), QByteArray("wayland"));
+}
+
+TEST_F(DesktopSessionTest, ABusThatDoesNotAnswerIsLeftAlone) {
+  const SilentSocket bus(Path("bus"));
+  for (const QByteArray& address : {"unix:path=" + Path("bus").toLocal8Bit() + ",guid=1",
+                                    "unix:path=" + Path("%62us").toLocal8Bit() + ";unix:path=/x"}) {
+    qputenv("DBUS_SESSION_BUS_ADDRESS", address);
+    EXPECT_EQ(BusAfterwards(), QByteArray("disabled:")) << address.constData();
+  }
+  qunsetenv("DBUS_SESSION_BUS_ADDRESS");
+  qputenv("XDG_RUNTIME_DIR", QFileInfo(Path("bus")).path().toLocal8Bit());
+  EXPECT_EQ(BusAfterwards(), QByteArray("disabled:")) << "the session's usual place";
+}
+
+TEST_F(DesktopSessionTest, ABusThatAnswersStays) {
+  const SilentSocket server(Path("bus"));
+  QByteArray question;
+  std::thread answering([&server, &question] {
+    const int caller = ::accept(server.Descriptor(), nullptr, nullptr);
+    QByteArray bytes(64, '\0');
+    const ssize_t count = ::recv(caller, bytes.data(), static_cast<std::size_t>(bytes.size()), 0);
+    question = bytes.first(qMax<ssize_t>(count, 0));
+    EXPECT_EQ(::send(caller, "REJECTED EXTERNAL\r\n", 19, MSG_NOSIGNAL), 19);
+    ::close(caller);
+  });
+  const QByteArray address = "unix:path=" + Path("bus").toLocal8Bit();
+  qputenv("DBUS_SESSION_BUS_ADDRESS", address);
+  EXPECT_EQ(BusAfterwards(), address);
+  answering.join();
+  EXPECT_TRUE(question.startsWith(QByteArray("\0AUTH EXTERNAL ", 15))) << question.constData();
+  EXPECT_TRUE(question.endsWith("\r\n"));
+}
+
+TEST_F(DesktopSessionTest, ABusThatIsNotThereStays) {
+  const QByteArray address = qgetenv("DBUS_SESSION_BUS_ADDRESS");
+  EXPECT_EQ(BusAfterwards(), address);
+  qputenv("DBUS_SESSION_BUS_ADDRESS", "tcp:host=localhost");
+  EXPECT_EQ(BusAfterwards(), QByteArray("tcp:host=localhost")) << "of another kind";
+}
+
+}  // namespace
+}  // namespace quarn::test
