@@ -50,8 +50,9 @@ bool EndsDialogs(const QEvent& event) {
 CQuarnDlg::CQuarnDlg(Program& program)
     : m_program(program), m_chooser(this), m_files(program, *this, m_chooser), m_monitor(program, *this) {
   setObjectName(QStringLiteral("CQuarnDlg"));
-  // A program that is open all day is often minimised between two measurements.
-  setWindowFlag(Qt::WindowMinimizeButtonHint);
+  // A program that is open all day is often minimised between two measurements, and some window managers let
+  // nobody minimise a dialog.
+  setWindowFlags((windowFlags() & ~Qt::WindowType_Mask) | Qt::Window | Qt::WindowMinimizeButtonHint);
   CreateControls();
   CreateMenus();
   UpdateMenuState();

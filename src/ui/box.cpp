@@ -3,8 +3,12 @@
 #include <QApplication>
 #include <QDialog>
 #include <QEvent>
+#include <QTimer>
 #include <QWindow>
 #include <algorithm>
+#include <memory>
+
+#include "ui/box_order.h"
 
 namespace quarn {
 namespace {
@@ -60,6 +64,37 @@ class LastLook final : public QObject {
   bool m_wasActive = false;
 };
 
+/// Gives the keyboard back to the window that was under a box. A window manager may choose another one when
+/// it sees the box go, after it has been asked: until then, ask again. Ends with the person's next key or
+/// click.
+class KeyboardReturn final : public QObject {
+ public:
+  explicit KeyboardReturn(QWidget& window) : QObject(&window), m_window(window) {
+    for (const QWindow* each : QGuiApplication::topLevelWindows()) {
+      if (each->isVisible() && each != window.windowHandle()) m_others.push_back(each);
+    }
+    connect(qGuiApp, &QGuiApplication::focusWindowChanged, this, [this](const QWindow* focused) {
+      if (std::ranges::find(m_others, focused) != m_others.end()) m_window.activateWindow();
+    });
+    qApp->installEventFilter(this);
+    QTimer::singleShot(kLongestMs, this, &QObject::deleteLater);
+    m_window.activateWindow();
+  }
+
+ protected:
+  bool eventFilter(QObject* /*watched*/, QEvent* event) override {
+    const bool input = event->type() == QEvent::KeyPress || event->type() == QEvent::MouseButtonPress;
+    if (input && event->spontaneous()) deleteLater();
+    return false;
+  }
+
+ private:
+  static constexpr int kLongestMs = 500;
+
+  QWidget& m_window;
+  std::vector<const QWindow*> m_others;  ///< only compared with
+};
+
 }  // namespace
 
 QWidget* WindowForBox() {
@@ -81,11 +116,12 @@ int RunBox(QDialog& box) {
   const QPointer<QWidget> below = window;
   const BoxOver over(window);
   const InFrontOf inFront(box, window);
+  const std::unique_ptr<BoxOrder> order = KeepInFront(box);
   const LastLook look(box);
   const int result = box.exec();
   // Not every system returns the keyboard focus automatically.
   QWidget* const left = below.data();
-  if (look.WasActive() && left != nullptr && left->isVisible()) left->activateWindow();
+  if (look.WasActive() && left != nullptr && left->isVisible()) new KeyboardReturn(*left);
   return result;
 }
 

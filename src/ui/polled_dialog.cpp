@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "ui/box.h"
+#include "ui/box_order.h"
 
 namespace quarn {
 namespace {
@@ -41,6 +42,11 @@ void PolledDialog::done(int result) {
   } else {
     QDialog::done(result);
   }
+}
+
+void PolledDialog::setVisible(bool visible) {
+  if (visible && !isVisible()) LetStandAlone(*this);
+  QDialog::setVisible(visible);
 }
 
 void PolledDialog::CloseIfPutOff() {

@@ -40,6 +40,7 @@ class PolledDialog : public QDialog {
   /// Cancels a delayed close.
   void WithdrawClose();
   void done(int result) override;
+  void setVisible(bool visible) override;
   /// Call before it is shown: `place` moves it to its place, and does so again when its frame is known.
   void Put(std::function<void()> place) { m_place.Put(std::move(place)); }
 
