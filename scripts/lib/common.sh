@@ -67,7 +67,7 @@ need() {
     case $group in
       build) packages+=(g++ cmake ninja-build pkg-config qt6-base-dev libudev-dev libxcb1-dev) ;;
       test) packages+=(libgtest-dev libumockdev-dev umockdev fonts-dejavu-core util-linux locales) ;;
-      window) packages+=(xvfb xauth openbox xdotool x11-utils xclip maim dbus-daemon fonts-dejavu-core) ;;
+      window) packages+=(xvfb xauth openbox xdotool wmctrl x11-utils xclip maim dbus-daemon fonts-dejavu-core) ;;
       pictures) packages+=(pngquant imagemagick x11-xserver-utils) ;;
       bench) packages+=(libbenchmark-dev python3) ;;
       windows)
