@@ -8,7 +8,7 @@
 #include <QLabel>
 #include <QMimeData>
 #include <QPushButton>
-#include <QWindow>
+#include <QTimer>
 #include <utility>
 
 #include "app/path_display.h"
@@ -184,6 +184,16 @@ bool CQuarnDlg::eventFilter(QObject* receiver, QEvent* event) {
   }
   if (swallow) event->accept();
   return swallow;
+}
+
+void CQuarnDlg::showEvent(QShowEvent* event) {
+  PolledDialog::showEvent(event);
+  // Qt's option -title is for its first plain window. This one's title says what is going on.
+  QTimer::singleShot(0, this, [this] {
+    const QString title = windowTitle();
+    setWindowTitle(QString());
+    setWindowTitle(title);
+  });
 }
 
 void CQuarnDlg::closeEvent(QCloseEvent* event) {

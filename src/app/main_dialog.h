@@ -51,6 +51,7 @@ class CQuarnDlg final : public PolledDialog, public MainWindow {
   void OnTick(int ticks) override;
   [[nodiscard]] int QuietTicks() const override;
   bool eventFilter(QObject* receiver, QEvent* event) override;
+  void showEvent(QShowEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
   void dragEnterEvent(QDragEnterEvent* event) override;
   void dropEvent(QDropEvent* event) override;

@@ -64,35 +64,33 @@ class LastLook final : public QObject {
   bool m_wasActive = false;
 };
 
-/// Gives the keyboard back to the window that was under a box. A window manager may choose another one when
-/// it sees the box go, after it has been asked: until then, ask again. Ends with the person's next key or
-/// click.
+/// Gives the keyboard back to the window that was under a box. A window manager of X11 chooses a window
+/// itself when it sees the box go, and may do so after it has been asked: so it is asked after its choice.
 class KeyboardReturn final : public QObject {
  public:
-  explicit KeyboardReturn(QWidget& window) : QObject(&window), m_window(window) {
-    for (const QWindow* each : QGuiApplication::topLevelWindows()) {
-      if (each->isVisible() && each != window.windowHandle()) m_others.push_back(each);
+  explicit KeyboardReturn(QWidget& window) : QObject(&window) {
+    if (QGuiApplication::platformName() != u"xcb") {
+      window.activateWindow();
+      deleteLater();
+      return;
     }
-    connect(qGuiApp, &QGuiApplication::focusWindowChanged, this, [this](const QWindow* focused) {
-      if (std::ranges::find(m_others, focused) != m_others.end()) m_window.activateWindow();
+    QWindowList others = QGuiApplication::topLevelWindows();
+    others.removeIf([&](const QWindow* each) { return !each->isVisible() || each == window.windowHandle(); });
+    connect(qGuiApp, &QGuiApplication::focusWindowChanged, this, [this, &window, others](QWindow* focused) {
+      if (focused == nullptr) return;
+      if (others.contains(focused)) window.activateWindow();
+      // Whatever comes then is what the person wants.
+      disconnect(qGuiApp, nullptr, this, nullptr);
+      deleteLater();
     });
-    qApp->installEventFilter(this);
-    QTimer::singleShot(kLongestMs, this, &QObject::deleteLater);
-    m_window.activateWindow();
-  }
-
- protected:
-  bool eventFilter(QObject* /*watched*/, QEvent* event) override {
-    const bool input = event->type() == QEvent::KeyPress || event->type() == QEvent::MouseButtonPress;
-    if (input && event->spontaneous()) deleteLater();
-    return false;
+    QTimer::singleShot(kChoiceMs, this, [this, &window] {
+      if (QGuiApplication::focusWindow() == nullptr) window.activateWindow();
+      deleteLater();
+    });
   }
 
  private:
-  static constexpr int kLongestMs = 500;
-
-  QWidget& m_window;
-  std::vector<const QWindow*> m_others;  ///< only compared with
+  static constexpr int kChoiceMs = 50;
 };
 
 }  // namespace
