@@ -11,7 +11,7 @@
 namespace quarn::test {
 namespace {
 
-constexpr int kStartMs = 20000;
+constexpr int kStartMs = kLongestWaitMs;
 constexpr int kCallMs = 10000;
 constexpr char kAccessible[] = "org.a11y.atspi.Accessible";
 constexpr char kRoot[] = "/org/a11y/atspi/accessible/root";

@@ -8,7 +8,7 @@
 namespace quarn::test {
 namespace {
 
-constexpr int kToolMs = 20000;
+constexpr int kToolMs = kLongestWaitMs;
 constexpr int kDesktopMs = 60000;
 
 /// The command that starts the window manager.
@@ -21,10 +21,7 @@ QStringList WindowManager() {
 
 Desktop::Desktop() {
   if (!StartServer()) qFatal("no virtual display: %s", m_server.readAllStandardError().constData());
-  QProcessEnvironment environment = Environment();
-  // The tests have an accessibility bus of their own.
-  environment.insert(QStringLiteral("NO_AT_BRIDGE"), QStringLiteral("1"));
-  m_manager.setProcessEnvironment(environment);
+  m_manager.setProcessEnvironment(StartBus());
   m_manager.setProcessChannelMode(QProcess::MergedChannels);
   const QStringList manager = WindowManager();
   const auto isThere = [this, &manager] {
@@ -37,6 +34,22 @@ Desktop::Desktop() {
         .contains("window id");
   };
   if (!Eventually(isThere, kDesktopMs)) qFatal("no window manager: %s", m_manager.readAll().constData());
+}
+
+QProcessEnvironment Desktop::StartBus() {
+  QProcessEnvironment environment = Environment();
+  // The tests have an accessibility bus of their own.
+  environment.insert(QStringLiteral("NO_AT_BRIDGE"), QStringLiteral("1"));
+  if (!qEnvironmentVariableIsSet("QUARN_WINDOW_MANAGER_BUS")) return environment;
+  m_bus.setProcessEnvironment(environment);
+  m_bus.setStandardErrorFile(QProcess::nullDevice());
+  m_bus.start(QStringLiteral("dbus-daemon"),
+              {QStringLiteral("--session"), QStringLiteral("--nofork"), QStringLiteral("--print-address=1")});
+  QByteArray address;
+  while (!address.endsWith('\n') && m_bus.waitForReadyRead(kToolMs)) address += m_bus.readAllStandardOutput();
+  if (!address.endsWith('\n')) qFatal("no bus for the window manager");
+  environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), QString::fromLocal8Bit(address.trimmed()));
+  return environment;
 }
 
 bool Desktop::StartServer() {
@@ -63,6 +76,7 @@ bool Desktop::StartServer() {
 
 Desktop::~Desktop() {
   End(m_manager);
+  End(m_bus);
   End(m_server);
 }
 

@@ -40,8 +40,11 @@ class Desktop {
 
  private:
   bool StartServer();
+  /// The environment of the window manager, with its bus.
+  QProcessEnvironment StartBus();
 
   ChildProcess m_server;
+  ChildProcess m_bus;
   ChildProcess m_manager;
   QString m_display;
 };

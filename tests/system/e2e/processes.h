@@ -11,9 +11,11 @@ namespace quarn::test {
 
 /// The time after which an input without effect is repeated: a busy computer loses some.
 inline constexpr int kOneTryMs = 2500;
+/// No wait takes this long, however busy the computer is.
+inline constexpr int kLongestWaitMs = 60000;
 
 /// Waits until `condition` holds; false if it does not within `limitMs`.
-bool Eventually(const std::function<bool()>& condition, int limitMs = 20000);
+bool Eventually(const std::function<bool()>& condition, int limitMs = kLongestWaitMs);
 
 /// A process that does not outlive this one, however this one ends.
 class ChildProcess : public QProcess {
@@ -41,7 +43,7 @@ class ProgramRun {
   ProgramRun& operator=(const ProgramRun&) = delete;
 
   /// nullopt if it is still running after `limitMs`.
-  std::optional<ProgramEnd> WaitForEnd(int limitMs = 20000);
+  std::optional<ProgramEnd> WaitForEnd(int limitMs = kLongestWaitMs);
 
  private:
   ChildProcess m_process;

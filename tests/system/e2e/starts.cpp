@@ -10,7 +10,7 @@
 namespace quarn::test {
 namespace {
 
-constexpr int kLastEndMs = 20000;
+constexpr int kLastEndMs = kLongestWaitMs;
 
 /// Waits for what `read` gives to be `wanted`, and says what it is instead.
 ::testing::AssertionResult Becomes(const QString& wanted, const std::function<QString()>& read) {
