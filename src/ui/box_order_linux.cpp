@@ -1,5 +1,3 @@
-#include <xcb/xcb.h>
-
 #include <QAbstractNativeEventFilter>
 #include <QGuiApplication>
 #include <QPointer>
@@ -7,6 +5,7 @@
 #include <QWindow>
 
 #include "ui/box_order.h"
+#include "ui/x11_linux.h"
 
 namespace quarn {
 namespace {
@@ -23,9 +22,7 @@ class RaisedOnFocus final : public BoxOrder, public QAbstractNativeEventFilter {
   bool nativeEventFilter(const QByteArray& eventType, void* message, qintptr* /*result*/) override {
     QWidget* const box = m_box.data();
     if (eventType != "xcb_generic_event_t" || box == nullptr || !box->isVisible()) return false;
-    constexpr int kSentByAnother = 0x80;
-    const auto& event = *static_cast<const xcb_generic_event_t*>(message);
-    if ((event.response_type & ~kSentByAnother) != XCB_FOCUS_IN) return false;
+    if (KindOfEvent(*static_cast<const xcb_generic_event_t*>(message)) != XCB_FOCUS_IN) return false;
     if (static_cast<const xcb_focus_in_event_t*>(message)->event != box->winId()) box->raise();
     return false;
   }

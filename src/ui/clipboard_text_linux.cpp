@@ -2,37 +2,25 @@
 // owner itself, on its own connection.
 
 #include <poll.h>
-#include <xcb/xcb.h>
 
 #include <QDeadlineTimer>
 #include <QGuiApplication>
 #include <array>
-#include <cstdlib>
-#include <memory>
 #include <optional>
 #include <string_view>
 
 #include "ui/clipboard_text.h"
 #include "ui/input_hold.h"
+#include "ui/x11_linux.h"
 
 namespace quarn {
 namespace {
-
-struct Freed {
-  void operator()(void* each) const { std::free(each); }
-};
-template <typename T>
-using Reply = std::unique_ptr<T, Freed>;
-
-struct Disconnected {
-  void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
-};
 
 /// One request to the owner of the clipboard.
 class Question {
  public:
   Question(InputHold& hold, QClipboard::Mode mode, int limitMs)
-      : m_hold(hold), m_deadline(limitMs, Qt::PreciseTimer), m_connection(xcb_connect(nullptr, nullptr)) {
+      : m_hold(hold), m_deadline(limitMs, Qt::PreciseTimer), m_connection(ConnectToDisplay()) {
     if (xcb_connection_has_error(m_connection.get()) != 0) return;
     const xcb_setup_t* setup = xcb_get_setup(m_connection.get());
     const xcb_screen_t* screen = xcb_setup_roots_iterator(setup).data;
@@ -63,18 +51,13 @@ class Question {
   }
 
  private:
-  xcb_atom_t Atom(std::string_view name) {
-    const auto asked =
-        xcb_intern_atom(m_connection.get(), 0, static_cast<std::uint16_t>(name.size()), name.data());
-    const Reply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(m_connection.get(), asked, nullptr));
-    return reply ? reply->atom : xcb_atom_t{XCB_NONE};
-  }
+  xcb_atom_t Atom(std::string_view name) { return AtomOf(m_connection.get(), name); }
 
   /// The next event; null if the time is over or the display is gone.
-  Reply<xcb_generic_event_t> Next() {
+  XcbReply<xcb_generic_event_t> Next() {
     constexpr int kStepMs = 10;
     while (xcb_connection_has_error(m_connection.get()) == 0) {
-      if (Reply<xcb_generic_event_t> event{xcb_poll_for_event(m_connection.get())}) return event;
+      if (XcbReply<xcb_generic_event_t> event{xcb_poll_for_event(m_connection.get())}) return event;
       if (m_deadline.hasExpired()) break;
       m_hold.Pump();
       pollfd display{.fd = xcb_get_file_descriptor(m_connection.get()), .events = POLLIN, .revents = 0};
@@ -83,15 +66,10 @@ class Question {
     return nullptr;
   }
 
-  static int ResponseType(const xcb_generic_event_t& event) {
-    constexpr int kSentByAProgram = 0x80;
-    return event.response_type & ~kSentByAProgram;
-  }
-
   /// Whether the owner has a text of this kind; nullopt if it does not say.
   std::optional<bool> IsAnswered() {
     while (const auto event = Next()) {
-      if (ResponseType(*event) != XCB_SELECTION_NOTIFY) continue;
+      if (KindOfEvent(*event) != XCB_SELECTION_NOTIFY) continue;
       return reinterpret_cast<const xcb_selection_notify_event_t&>(*event).property != XCB_NONE;
     }
     return std::nullopt;
@@ -104,7 +82,7 @@ class Question {
     // A long text comes in pieces: each is stored after the previous one was read; the last is empty.
     QByteArray whole;
     while (const auto event = Next()) {
-      if (ResponseType(*event) != XCB_PROPERTY_NOTIFY) continue;
+      if (KindOfEvent(*event) != XCB_PROPERTY_NOTIFY) continue;
       const auto& changed = reinterpret_cast<const xcb_property_notify_event_t&>(*event);
       if (changed.atom != m_property || changed.state != XCB_PROPERTY_NEW_VALUE) continue;
       const QByteArray piece = Take(type);
@@ -119,7 +97,8 @@ class Question {
     constexpr std::uint32_t kMostWords = kMostBytes / 4;
     const auto asked = xcb_get_property(m_connection.get(), 1, m_window, m_property,
                                         XCB_GET_PROPERTY_TYPE_ANY, 0, kMostWords);
-    const Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(m_connection.get(), asked, nullptr));
+    const XcbReply<xcb_get_property_reply_t> reply(
+        xcb_get_property_reply(m_connection.get(), asked, nullptr));
     if (!reply) return {};
     type = reply->type;
     return {static_cast<const char*>(xcb_get_property_value(reply.get())),
@@ -130,7 +109,7 @@ class Question {
 
   InputHold& m_hold;
   const QDeadlineTimer m_deadline;
-  const std::unique_ptr<xcb_connection_t, Disconnected> m_connection;
+  const XcbConnection m_connection;
   xcb_window_t m_window = XCB_NONE;
   xcb_atom_t m_selection = XCB_NONE;
   xcb_atom_t m_property = XCB_NONE;

@@ -1,10 +1,8 @@
 #include "ui/key_state.h"
 
-#include <xcb/xcb.h>
-
 #include <QGuiApplication>
-#include <cstdlib>
-#include <memory>
+
+#include "ui/x11_linux.h"
 
 namespace quarn {
 
@@ -12,11 +10,9 @@ std::optional<bool> IsKeyDown(quint32 scanCode) {
   constexpr quint32 kLastKey = 255;
   constexpr quint32 kBits = 8;
   if (scanCode == 0 || scanCode > kLastKey || QGuiApplication::platformName() != u"xcb") return std::nullopt;
-  const std::unique_ptr<xcb_connection_t, decltype(&xcb_disconnect)> display(xcb_connect(nullptr, nullptr),
-                                                                             xcb_disconnect);
+  const XcbConnection display = ConnectToDisplay();
   const auto asked = xcb_query_keymap(display.get());
-  const std::unique_ptr<xcb_query_keymap_reply_t, decltype(&std::free)> reply(
-      xcb_query_keymap_reply(display.get(), asked, nullptr), std::free);
+  const XcbReply<xcb_query_keymap_reply_t> reply(xcb_query_keymap_reply(display.get(), asked, nullptr));
   if (!reply) return std::nullopt;
   return (reply->keys[scanCode / kBits] >> (scanCode % kBits) & 1) != 0;
 }

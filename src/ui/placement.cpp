@@ -10,6 +10,8 @@
 #include <cmath>
 #include <optional>
 
+#include "ui/usual_frame.h"
+
 namespace quarn {
 namespace {
 
@@ -27,7 +29,7 @@ QPoint PrimaryScreenOrigin() {
 
 /// The last known frame of one of our windows.
 QMargins& UsualFrame() {
-  static QMargins frame{8, 31, 8, 8};
+  static QMargins frame = FrameOfNewWindows().value_or(QMargins{8, 31, 8, 8});
   return frame;
 }
 

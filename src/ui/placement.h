@@ -22,8 +22,8 @@ void CenterOnScreen(QWidget& window);
 void PlaceOnScreenByPercent(QWidget& window, int xPercent, int yPercent);
 
 /// The frame that the window manager draws around the window's client area. Until it is known, the frame of
-/// another window of ours; if there is none, 8 left and right, 31 above, 8 below, for which the fixed window
-/// sizes were designed. Empty for a window without a frame.
+/// another window of ours, or the one that the window manager announces; if there is none, 8 left and right,
+/// 31 above, 8 below, for which the fixed window sizes were designed. Empty for a window without a frame.
 QMargins FrameOf(const QWidget& window);
 /// Whether FrameOf returns the real frame and not an estimate.
 bool IsFrameKnown(const QWidget& window);
