@@ -289,6 +289,42 @@ TEST_F(Win32Driver, ADeviceThatIsGoneEndsAReadThatWaits) {
   }
 }
 
+TEST_F(Win32Driver, AMessageComesBeforeTheLossThreeTimes) {
+  for (int round = 0; round < 3; ++round) {
+    m_driver.FailWith(ERROR_SUCCESS);
+    Open();
+    m_driver.Receive("message");
+    EXPECT_EQ(Read(), "message");
+    EXPECT_FALSE(m_line->IsLost());
+    auto reading = InThread([this] { return Read(); });
+    EXPECT_TRUE(StillRuns(reading));
+    m_driver.FailWith(ERROR_BAD_COMMAND);
+    ASSERT_TRUE(Ends(reading));
+    EXPECT_EQ(reading.get(), "disconnected");
+    EXPECT_EQ(Read(), "disconnected");
+    EXPECT_TRUE(m_line->IsLost());
+    m_line->Close();
+  }
+}
+
+TEST_F(Win32Driver, BytesBeforeTheErrorOfTheirReadAreTheAnswer) {
+  for (int round = 0; round < 3; ++round) {
+    m_driver.FailWith(ERROR_SUCCESS);
+    Open();
+    m_driver.Hold(true);
+    m_driver.Receive("message");
+    auto reading = InThread([this] { return Read(); });
+    ASSERT_TRUE(Eventually([this, round] { return m_driver.Reads() == round + 1; }));
+    m_driver.FailWith(ERROR_BAD_COMMAND);
+    m_driver.Release();
+    ASSERT_TRUE(Ends(reading));
+    EXPECT_EQ(reading.get(), "message");
+    EXPECT_EQ(Read(), "disconnected");
+    EXPECT_TRUE(m_line->IsLost());
+    m_line->Close();
+  }
+}
+
 TEST_F(Win32Driver, ALineWhoseDeviceIsGoneIsLostForGood) {
   Open();
   EXPECT_FALSE(m_line->IsLost());

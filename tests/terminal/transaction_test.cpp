@@ -203,6 +203,22 @@ TEST_F(TransactionTest, ATrickleThatNeverFallsSilentEndsAtTheTotal) {
   EXPECT_EQ(Response(), QByteArray(Response().size(), 'x'));
 }
 
+/// Of this line, or of another program that had it before.
+TEST_F(TransactionTest, WhatCameBeforeTheOpenIsInNoAnswer) {
+  Serve("\"early\" -> \"old\" \n \"id\" -> \"new\"");
+  const std::shared_ptr<SerialLine> former = m_connection.handle.Line();
+  ASSERT_TRUE(former->Write("early\r", 6).ok);
+  ASSERT_TRUE(Eventually([this] { return m_instrument->Answers() == 1; }));
+  ASSERT_TRUE(ClosePort(m_connection));
+  const OpenResult opened = OpenServedLine(*m_instrument);
+  ASSERT_TRUE(opened.line) << opened.failure.reason.toStdString();
+  ASSERT_TRUE(SetServedTimeouts(*opened.line, TimeoutsOf(m_settings.comBps, m_settings.portSpeed)));
+  m_connection.handle = PortHandle(opened.line);
+  EXPECT_EQ(Run("id"), TransactionResult::Received);
+  EXPECT_EQ(Response(), "new");
+  EXPECT_EQ(m_outcome.raw, "new");
+}
+
 TEST_F(TransactionTest, ACommandTooLongToSendIsNotSent) {
   SetShortestTimeout();
   Serve("* -> line \"ERR\"");
