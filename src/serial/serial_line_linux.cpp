@@ -141,8 +141,11 @@ class LinuxSerialLine final : public SerialLine {
         continue;
       }
       if (count < 0 && (errno == EAGAIN || errno == EINTR)) continue;
-      // No bytes although the read waits for at least one: the line has been hung up.
-      return EndedBy(Break(count == 0 ? EIO : errno), got);
+      const int error = count == 0 ? EIO : errno;
+      // No bytes are a hang-up, unless another program has set the line to wait for none: then somebody has
+      // taken the bytes that were there.
+      if (count == 0 && !HasHungUp()) continue;
+      return EndedBy(Break(error), got);
     }
     return {.ok = true, .bytes = got};
   }
@@ -200,9 +203,7 @@ class LinuxSerialLine final : public SerialLine {
     const std::lock_guard guard(m_lineMutex);
     if (!m_hold.line.IsValid()) return false;
     if (m_broken) return true;
-    pollfd polled{m_hold.line.Get(), 0, 0};
-    const int ready = RetryOnEintr([&] { return ::poll(&polled, 1, 0); });
-    return (ready > 0 && (polled.revents & (POLLHUP | POLLERR)) != 0) || HasLostItsNode();
+    return HasHungUp() || HasLostItsNode();
   }
 
  private:
@@ -290,6 +291,12 @@ class LinuxSerialLine final : public SerialLine {
     LineFailure failure = FailureOfLine(error);
     if (failure.kind == LineError::Disconnected) m_broken = true;
     return failure;
+  }
+
+  [[nodiscard]] bool HasHungUp() const {
+    pollfd polled{m_hold.line.Get(), 0, 0};
+    const int ready = RetryOnEintr([&] { return ::poll(&polled, 1, 0); });
+    return ready > 0 && (polled.revents & (POLLHUP | POLLERR)) != 0;
   }
 
   /// Whether the device that was opened is no longer the one under its name.

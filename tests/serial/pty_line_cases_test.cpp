@@ -4,6 +4,8 @@
 #include <sys/ioctl.h>
 #include <termios.h>
 
+#include <atomic>
+
 #include "serial/file_descriptor.h"
 #include "serial/pty_line_test.h"
 
@@ -72,6 +74,29 @@ TEST_F(PtyLineCases, AndSoDoesOneThatIsMadeSoWhileItIsOpen) {
   ASSERT_TRUE(m_line->SetTimeouts({}));
   ASSERT_NO_FATAL_FAILURE(LeaveWithoutWaiting());
   ExpectAReadWaits();
+}
+
+TEST_F(PtyLineCases, BytesThatAreTakenFromUnderAReadAreNoLoss) {
+  ASSERT_NO_FATAL_FAILURE(Open());
+  ASSERT_TRUE(m_line->SetTimeouts({}));
+  ASSERT_NO_FATAL_FAILURE(LeaveWithoutWaiting());
+  // With these settings a read of the system that comes too late gives no bytes and no error.
+  std::atomic<bool> enough = false;
+  auto dropping = InThread([&] {
+    while (!enough) EXPECT_TRUE(m_line->Purge());
+  });
+  auto reading = ReadInThread(20'000);
+  for (int i = 0; i < 20'000; ++i) {
+    FarSends("x");
+    if (reading.wait_for(std::chrono::seconds(0)) == std::future_status::ready) break;
+  }
+  enough = true;
+  dropping.get();
+  EXPECT_FALSE(m_line->IsLost());
+  m_line->CancelIo();
+  ASSERT_TRUE(Ends(reading));
+  const LineError end = reading.get().result.failure.kind;
+  EXPECT_TRUE(end == LineError::None || end == LineError::Cancelled) << static_cast<int>(end);
 }
 
 TEST_F(PtyLineCases, MarksOfBreaksAndParityErrorsAreOffWhoeverLeftThemOn) {
