@@ -19,6 +19,14 @@ const QString kConfirmation = QStringLiteral(": Confirmation");
 const QString kSuffix = QStringLiteral("qrn");
 const QString kQrnFiles = QStringLiteral("QRN Files (*.qrn) (*.qrn)");
 
+/// A list made from braces does not check that it got memory.
+QStringList FiltersWith(const QString& allFiles) {
+  QStringList filters;
+  filters.append(kQrnFiles);
+  filters.append(allFiles);
+  return filters;
+}
+
 void CloseConnection(Program& program) {
   ClosePort(program.connection);
   program.connection.connected.Update(PortChange::Closed);
@@ -45,10 +53,8 @@ void FileCommands::Open() {
   Run([this] {
     if (!MayLoseChanges()) return;
     const QString path = m_chooser.AskOpenFile({QStringLiteral("Open Quarn Configuration File"),
-                                                {kQrnFiles, QStringLiteral("All Files (*.*) (*)")},
-                                                kSuffix,
-                                                QString(),
-                                                FolderInForce()});
+                                                FiltersWith(QStringLiteral("All Files (*.*) (*)")), kSuffix,
+                                                QString(), FolderInForce()});
     if (path.isEmpty()) return;
     if (!LoadUserFile(m_program, path).isEmpty()) m_program.fileLoaded = true;
     // Also a file that could not be loaded: the user can repair it by saving.
@@ -68,8 +74,7 @@ void FileCommands::SaveAs() {
   Run([this] {
     const QString& inForce = m_program.userFile;
     const QString path = m_chooser.AskSaveFile({QStringLiteral("Save As Quarn Configuration File"),
-                                                {kQrnFiles, QStringLiteral("All files (*.*) (*)")},
-                                                kSuffix,
+                                                FiltersWith(QStringLiteral("All files (*.*) (*)")), kSuffix,
                                                 inForce.isEmpty() ? QStringLiteral("Untitled.qrn") : inForce,
                                                 FolderInForce()});
     if (!path.isEmpty() && CopyTo(path)) SetUserFile(path);

@@ -145,7 +145,10 @@ std::optional<QString> ReadValue(const QString& path, SettingsKey key) {
 }
 
 bool UpdateValue(const QString& path, SettingsKey key, const QString& value) {
-  return UpdateValues(path, {{key, value}});
+  // A list made from braces does not check that it got memory.
+  QList<NewValue> values;
+  values.append({key, value});
+  return UpdateValues(path, values);
 }
 
 bool UpdateValues(const QString& path, const QList<NewValue>& values) {

@@ -114,8 +114,10 @@ std::optional<QStringList> EntriesOf(const QString& text) {
   const qsizetype begin = IndexOfLineBeginning(lines, kBeginLine);
   const qsizetype end = IndexOfLineBeginning(lines, kEndLine);
   if (begin < 0 || end < 0) return std::nullopt;
-  // mid() would read a negative count as "all the rest".
-  return lines.mid(begin + 1, std::max<qsizetype>(0, end - begin - 1));
+  // One by one: mid() writes into the new list without checking that it got memory for it.
+  QStringList entries;
+  for (qsizetype i = begin + 1; i < end; ++i) entries.append(lines[i]);
+  return entries;
 }
 
 QString NormalisedText(QStringList entries) {

@@ -53,6 +53,15 @@ bool IsPrintable(char32_t character) {
          category != QChar::Separator_Paragraph;
 }
 
+/// The character at `next`, which moves behind it. Half a surrogate pair counts as the replacement character.
+/// QString's own conversion does not check that it got memory.
+char32_t TakeCharacter(QStringView text, qsizetype& next) {
+  const QChar unit = text[next++];
+  if (!unit.isSurrogate()) return unit.unicode();
+  const bool pair = unit.isHighSurrogate() && next < text.size() && text[next].isLowSurrogate();
+  return pair ? QChar::surrogateToUcs4(unit, text[next++]) : char32_t{QChar::ReplacementCharacter};
+}
+
 }  // namespace
 
 const std::array<const char*, 32> kControlMnemonicTable = {
@@ -81,7 +90,8 @@ QByteArray SpellOut(const QByteArray& bytes) {
 
 QByteArray RenderCommandForLog(const QString& command) {
   QByteArray text;
-  for (const char32_t each : command.toUcs4()) {
+  for (qsizetype next = 0; next < command.size();) {
+    const char32_t each = TakeCharacter(command, next);
     const QString character = QString::fromUcs4(&each, 1);
     const std::optional<QByteArray> bytes = ToSystemEncoding(character);
     if (!bytes) {

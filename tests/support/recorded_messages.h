@@ -3,6 +3,7 @@
 #include <QStringList>
 #include <deque>
 #include <functional>
+#include <initializer_list>
 #include <vector>
 
 #include "base/message_operations.h"
@@ -55,8 +56,11 @@ class RecordedMessages final : public MessageOperations {
   void ShowPlainMessage(const QString& text) override { Record(QStringLiteral("plain"), {text}); }
 
  private:
-  void Record(const QString& kind, const QStringList& texts) {
-    shown.append(kind + QLatin1Char('/') + texts.join(QLatin1Char('/')));
+  /// In a way that ends in an exception if there is no memory.
+  void Record(const QString& kind, std::initializer_list<QStringView> texts) {
+    QString entry = kind;
+    for (const QStringView text : texts) entry.append(u'/').append(text);
+    shown.append(entry);
     if (whileShown) whileShown();
   }
   bool NextAnswer() {

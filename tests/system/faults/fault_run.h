@@ -5,12 +5,17 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
+#include <fstream>
 #include <functional>
 #include <iostream>
+#include <iterator>
 #include <map>
+#include <set>
 #include <string>
 
 #include "system/faults/call_faults.h"
+#include "system/faults/memory_fault.h"
 
 namespace quarn::test {
 
@@ -56,6 +61,39 @@ class FaultRun {
     PlayThrough(byteByByte);
   }
 
+  /// The first allocation gets no memory, then the second, until the operation ends without that; each time
+  /// in a copy of this process. It may end the copy, but only with the message about it, and with whole
+  /// files: each has the content that some file had before the operation or has after it. Returns the number
+  /// of allocations.
+  int PlayWithoutMemory(int step = 1) {
+    std::set<std::string> whole;
+    for (const bool acts : {false, true}) {
+      const ProcessEnd end = InCopyOfThisProcess([&] {
+        m_arrange();
+        if (acts) m_act();
+        return 0;
+      });
+      EXPECT_TRUE(end.itself) << end.text;
+      whole.merge(FileContents());
+    }
+    std::map<std::string, int> ends;
+    int failing = 0;
+    int points = 0;
+    for (; !testing::Test::HasFailure(); ++points) {
+      failing += failing < kAlwaysPlayed ? 1 : step;
+      SCOPED_TRACE(m_name + ", no memory at allocation " + std::to_string(failing));
+      const ProcessEnd end = InCopyOfThisProcess([&] { return PlayMemoryFault(failing); });
+      if (end.itself && end.status == kNotReached) break;
+      ++ends[end.itself ? "went on" : "ended"];
+      EXPECT_TRUE(end.said || (end.itself && end.status == kReached)) << end.text;
+      for (const std::string& content : FileContents()) EXPECT_TRUE(whole.contains(content)) << content;
+    }
+    std::cout << "memory: " << m_name << ": " << points;
+    for (const auto& [end, count] : ends) std::cout << ", " << end << ' ' << count;
+    std::cout << '\n';
+    return points;
+  }
+
   /// Calls this before the first call, then before the second, until the operation ends without it.
   void PlayEvent(const std::function<void()>& event) {
     FaultPlan plan;
@@ -68,6 +106,41 @@ class FaultRun {
   void PlayThrough(const FaultPlan& plan) {
     std::map<std::string, int> seen;
     EXPECT_FALSE(Strikes(plan, seen));
+  }
+
+  static constexpr int kAlwaysPlayed = 100;
+  enum MemoryStatus { kReached, kNotReached, kCheckFailed };
+
+  int PlayMemoryFault(int failing) {
+    m_arrange();
+    Fault fault{.struck = false, .call = "malloc", .error = ENOMEM};
+    {
+      const MemoryFault memory(failing);
+      m_act();
+      fault.struck = memory.Struck();
+    }
+    m_check(fault);
+    if (testing::Test::HasFailure()) return kCheckFailed;
+    return fault.struck ? kReached : kNotReached;
+  }
+
+  /// Whether the name is that of a file with a dot and six more characters.
+  static bool IsTemporary(const std::filesystem::path& path) {
+    constexpr std::string_view kAdded = ".XXXXXX";
+    return path.extension().string().size() == kAdded.size() && path.stem().has_extension();
+  }
+
+  /// Of the files at the place, if it is a folder of the test's; not of temporary ones, which nothing reads.
+  [[nodiscard]] std::set<std::string> FileContents() const {
+    namespace fs = std::filesystem;
+    std::set<std::string> contents;
+    if (m_place == "/" || !fs::is_directory(m_place)) return contents;
+    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(m_place)) {
+      if (!entry.is_regular_file() || IsTemporary(entry.path())) continue;
+      std::ifstream file(entry.path(), std::ios::binary);
+      contents.emplace(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+    }
+    return contents;
   }
 
   bool Strikes(const FaultPlan& plan, std::map<std::string, int>& seen) {

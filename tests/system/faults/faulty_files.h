@@ -24,6 +24,7 @@ class FaultyFiles : public SettingsFileTest {
     byHalves.byHalves = true;
     run.Play(std::array{ENOSPC}, byHalves);
     run.PlayHeldUp();
+    EXPECT_GT(run.PlayWithoutMemory(), 0);
   }
 
   /// The bytes of a default file with one text replaced.

@@ -28,6 +28,7 @@ class FileCommandFaults : public FileCommandsTest {
     FaultRun run(name, place, afresh, act, check);
     run.Play(kFileErrors);
     run.PlayHeldUp();
+    EXPECT_GT(run.PlayWithoutMemory(), 0);
   }
   /// The file was saved; or a message said that it was not, and it is unchanged.
   void ExpectSaved(const Fault& fault, const QString& path, const QByteArray& before) const {
