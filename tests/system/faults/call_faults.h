@@ -8,6 +8,8 @@
 
 namespace quarn::test {
 
+class DiskJournal;
+
 /// Which system call fails, and how the others behave.
 struct FaultPlan {
   int failing = 0;          ///< the number of the call that fails, counted from 1; 0: none
@@ -41,7 +43,12 @@ class CallFaults {
   /// All calls so far: how many of each name.
   [[nodiscard]] const std::map<std::string, int>& Seen() const { return m_seen; }
 
+  /// From now on the calls that succeed are noted there.
+  void NoteIn(DiskJournal& journal) { m_journal = &journal; }
+
   // For the calls themselves.
+
+  [[nodiscard]] DiskJournal* Journal() const { return m_journal; }
 
   /// The object that handles this thread's calls, if any.
   static CallFaults* Current();
@@ -66,6 +73,7 @@ class CallFaults {
   std::set<int> m_descriptors;
   std::map<std::string, int> m_seen;
   std::string m_failed;
+  DiskJournal* m_journal = nullptr;
   int m_calls = 0;
   int m_madeOverAnything = 0;
   bool m_eventUnderWay = false;                ///< its own calls do not count

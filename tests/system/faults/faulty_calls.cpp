@@ -10,6 +10,7 @@
 #include <ctime>
 
 #include "system/faults/call_faults.h"
+#include "system/faults/disk_journal.h"
 
 // The system's functions under their own names. The program's dynamic symbols come before those of every
 // library, so that calls in libraries come here, too. In C++ they have other names, because of the
@@ -50,13 +51,31 @@ bool IsFaulty(int descriptor) {
   return faults != nullptr && faults->Concerns(descriptor);
 }
 
+/// Notes a call in the journal, if there is one and the call has succeeded.
+template <class Note>
+auto Noted(auto result, const char* path, const Note& note) {
+  CallFaults* faults = CallFaults::Current();
+  if (result >= 0 && faults != nullptr && faults->Journal() != nullptr && faults->Concerns(path)) {
+    note(*faults->Journal());
+  }
+  return result;
+}
+
+template <class Note>
+auto Noted(auto result, int descriptor, const Note& note) {
+  if (result >= 0 && IsFaulty(descriptor) && CallFaults::Current()->Journal() != nullptr) {
+    note(*CallFaults::Current()->Journal());
+  }
+  return result;
+}
+
 /// A flush is only counted, and takes its time.
 template <class Flush>
 int Flushed(int descriptor, const char* name, const Flush& flush) {
   if (!IsFaulty(descriptor)) return flush(descriptor);
   if (const int error = ErrorOn(descriptor, name, true)) return Failure(error);
   CallFaults::Current()->TakeTime();
-  return 0;
+  return Noted(0, descriptor, [&](auto& journal) { journal.Flushed(descriptor); });
 }
 
 template <class Open>
@@ -67,7 +86,7 @@ int OpenedBy(const char* path, int flags, const Open& open) {
   if (const int error = faults->ErrorOrInterruption("open")) return Failure(error);
   const int descriptor = open();
   if (descriptor >= 0) faults->Opened(descriptor);
-  return descriptor;
+  return Noted(descriptor, path, [&](auto& journal) { journal.Opened(descriptor, path, flags); });
 }
 
 /// The third argument of an open, where there is one.
@@ -115,7 +134,10 @@ QUARN_SYSTEM_CALL(ssize_t, write, int descriptor, const void* buffer, std::size_
   if (const int error = ErrorOn(descriptor, "write", true)) return Failure(error);
   if (!IsFaulty(descriptor)) return next(descriptor, buffer, size);
   CallFaults::Current()->TakeTime();
-  return next(descriptor, buffer, CallFaults::Current()->WriteSize(size));
+  const ssize_t written = next(descriptor, buffer, CallFaults::Current()->WriteSize(size));
+  return Noted(written, descriptor, [&](auto& journal) {
+    journal.Wrote(descriptor, static_cast<const char*>(buffer), static_cast<std::size_t>(written));
+  });
 }
 
 QUARN_SYSTEM_CALL(int, fsync, int descriptor) {
@@ -137,7 +159,8 @@ QUARN_SYSTEM_CALL(int, fchmod, int descriptor, mode_t mode) {
 QUARN_SYSTEM_CALL(int, ftruncate64, int descriptor, off64_t size) {
   static auto* const next = Next<int(int, off64_t)>("ftruncate64");
   if (const int error = ErrorOn(descriptor, "ftruncate")) return Failure(error);
-  return next(descriptor, size);
+  return Noted(next(descriptor, size), descriptor,
+               [&](auto& journal) { journal.Truncated(descriptor, static_cast<std::size_t>(size)); });
 }
 
 QUARN_SYSTEM_CALL(off64_t, lseek64, int descriptor, off64_t offset, int from) {
@@ -244,26 +267,28 @@ QUARN_SYSTEM_CALL(char*, realpath, const char* path, char* resolved) {
 QUARN_SYSTEM_CALL(int, rename, const char* from, const char* to) {
   static auto* const next = Next<int(const char*, const char*)>("rename");
   if (const int error = ErrorOn(to, "rename")) return Failure(error);
-  return next(from, to);
+  return Noted(next(from, to), to, [&](auto& journal) { journal.Renamed(from, to); });
 }
 
 QUARN_SYSTEM_CALL(int, renameat2, int fromFolder, const char* from, int toFolder, const char* to,
                   unsigned int flags) {
   static auto* const next = Next<int(int, const char*, int, const char*, unsigned int)>("renameat2");
   if (const int error = ErrorOn(to, "rename")) return Failure(error);
-  return next(fromFolder, from, toFolder, to, flags);
+  return Noted(next(fromFolder, from, toFolder, to, flags), to,
+               [&](auto& journal) { journal.Renamed(from, to); });
 }
 
 QUARN_SYSTEM_CALL(int, linkat, int fromFolder, const char* from, int toFolder, const char* to, int flags) {
   static auto* const next = Next<int(int, const char*, int, const char*, int)>("linkat");
   if (const int error = ErrorOn(to, "link")) return Failure(error);
-  return next(fromFolder, from, toFolder, to, flags);
+  return Noted(next(fromFolder, from, toFolder, to, flags), to,
+               [&](auto& journal) { journal.Linked(from, to); });
 }
 
 QUARN_SYSTEM_CALL(int, unlink, const char* path) {
   static auto* const next = Next<int(const char*)>("unlink");
   if (const int error = ErrorOn(path, "unlink")) return Failure(error);
-  return next(path);
+  return Noted(next(path), path, [&](auto& journal) { journal.Removed(path); });
 }
 
 QUARN_SYSTEM_CALL(int, mkdir, const char* path, mode_t mode) {
