@@ -7,6 +7,7 @@
 #include <optional>
 #include <system_error>
 
+#include "settings/data_folder.h"
 #include "settings/key_store.h"
 #include "settings/settings_table.h"
 #include "settings/settings_text.h"
@@ -22,7 +23,8 @@ bool CopyToDamagedFile(const QString& path, const QByteArray& bytes) {
   if (!WriteWholeBytes(kept, bytes)) return false;
   // With the same permissions; and writable, so that the next one can replace it.
   QFile::setPermissions(kept, QFile::permissions(path) | QFile::WriteOwner);
-  return true;
+  // The file itself is replaced next. After a power loss one of the two must be there.
+  return FlushNamesBeside(kept);
 }
 
 }  // namespace
@@ -41,7 +43,8 @@ bool KeepDamagedFile(const QString& path) {
 bool MoveToDamagedFile(const QString& path) {
   std::error_code error;
   std::filesystem::rename(path.toStdU16String(), DamagedFileOf(path).toStdU16String(), error);
-  if (!error) return true;
+  // Something else takes its place next.
+  if (!error) return FlushNamesBeside(path);
   qCDebug(lcDamaged) << "cannot move" << path << QString::fromStdString(error.message());
   return false;
 }

@@ -25,4 +25,8 @@ inline QString WorkingSettingsFile(const QString& dataFolder) {
 /// The folder that assigns COM numbers to serial devices, if the system does not.
 inline QString PortsFolder(const QString& dataFolder) { return dataFolder + QStringLiteral("ports"); }
 
+/// Returns when the names of the files beside `path` are on the disk as they are now: until then a power loss
+/// may take back one renaming and leave a later one. False if the system reports a failure.
+[[nodiscard]] bool FlushNamesBeside(const QString& path);
+
 }  // namespace quarn

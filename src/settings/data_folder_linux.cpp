@@ -1,7 +1,10 @@
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <cerrno>
 
 #include "identity.h"
@@ -20,6 +23,16 @@ void MakeFolder(const QString& path) {
   if (above.isEmpty()) return;
   MakeFolder(above);
   ::mkdir(QFile::encodeName(path).constData(), kPrivate);
+}
+
+/// Calls it again while signals interrupt it.
+template <class Call>
+int Repeated(const Call& call) {
+  int result = -1;
+  do {
+    result = call();
+  } while (result < 0 && errno == EINTR);
+  return result;
 }
 
 }  // namespace
@@ -42,5 +55,16 @@ QString WhyNoDataFolder() {
 }
 
 void MakeDataFolder(const QString& dataFolder) { MakeFolder(QDir::cleanPath(dataFolder)); }
+
+bool FlushNamesBeside(const QString& path) {
+  const QByteArray folder = QFile::encodeName(QFileInfo(path).path() + u'/');
+  const int descriptor =
+      Repeated([&] { return ::open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); });
+  if (descriptor < 0) return false;
+  // Some file systems flush no folder.
+  const bool flushed = Repeated([descriptor] { return ::fsync(descriptor); }) == 0 || errno == EINVAL;
+  ::close(descriptor);
+  return flushed;
+}
 
 }  // namespace quarn

@@ -5,6 +5,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include "settings/damaged_file.h"
 #include "settings/key_store.h"
 #include "settings/settings_load_save.h"
 #include "settings/settings_table.h"
@@ -70,6 +71,13 @@ class PowerLoss : public FaultyFiles {
     LoadInitialSettings(folder.filePath(QStringLiteral("Quarn.ini")), record, m_messages);
     return record;
   }
+  /// Some file has exactly these bytes.
+  static bool Keeps(const DiskState& state, const QByteArray& bytes) {
+    return std::any_of(state.begin(), state.end(), [&](const auto& file) {
+      return !IsTemporary(file.first) && file.second == bytes.toStdString();
+    });
+  }
+
   const QString working = Path();
   const QString user = Path(QStringLiteral("user.qrn"));
   RecordedMessages m_messages;
@@ -171,6 +179,29 @@ TEST_F(PowerLoss, AStartWithAFileOfAnotherVersion) {
   Play(
       "a start with a file of another version", [&] { LoadInitialSettings(working, record, m_messages); },
       [this](const DiskState& state) { EXPECT_EQ(Start(state).comPort, QStringLiteral("COM7")); });
+}
+
+/// What is replaced by the defaults is kept, in its own file or in the copy, whatever reaches the disk first.
+TEST_F(PowerLoss, ADamagedFileIsKept) {
+  const QByteArray damaged = "no settings";
+  WithBytes(damaged);
+  SettingsRecord record;
+  Play(
+      "a start with a damaged file", [&] { LoadInitialSettings(working, record, m_messages); },
+      [&](const DiskState& state) { EXPECT_TRUE(Keeps(state, damaged)) << "it is lost"; });
+}
+
+TEST_F(PowerLoss, AFileThatIsTooLargeIsKept) {
+  const QByteArray large(kMaxFileBytes + 1, 'x');
+  WithBytes(large);
+  SettingsRecord record;
+  Play(
+      "a start with a file that is too large",
+      [&] {
+        PrepareWorkingFile(Path(QString()) + u'/');
+        LoadInitialSettings(working, record, m_messages);
+      },
+      [&](const DiskState& state) { EXPECT_TRUE(Keeps(state, large)) << "it is lost"; });
 }
 
 /// A morning's work: nothing flushes the folder in between, so that any version of each file may come back.
