@@ -5,15 +5,15 @@
 #include <cstdlib>
 
 #include "serial/friendly_name.h"
+#include "serial/port_description_linux.h"
 #include "serial/port_names.h"
-#include "serial/port_source.h"
 
-// Friendly names come from devices and drivers. The input is read as UTF-8, and as UTF-16 for units that
-// UTF-8 cannot express.
+// The friendly names of Windows and the descriptions of Linux: both contain texts of devices. The input is
+// read as UTF-8, and as UTF-16 for units that UTF-8 cannot express.
 
 namespace {
 
-using quarn::PortNames;
+using quarn::Port;
 
 void Require(bool holds) {
   if (!holds) {
@@ -21,51 +21,50 @@ void Require(bool holds) {
   }
 }
 
-void CheckShortName(const QString& friendlyName) {
-  const QString name = quarn::ShortPortName(friendlyName);
+void CheckPortName(const QString& friendlyName) {
+  const QString name = quarn::PortNameIn(friendlyName);
   Require(name.isEmpty() ||
           (name.startsWith(QLatin1String("COM")) && (name.size() == 4 || name.size() == 5)));
   Require(name.isEmpty() || friendlyName.contains(QLatin1Char('(') + name + QLatin1Char(')')));
   Require(quarn::DevicePathOf(friendlyName).endsWith(friendlyName));
 }
 
-/// The number by which a name is sorted: COM7 sorts like COM07.
-QString NumberOf(const QString& shortName) { return shortName.mid(3).rightJustified(2, QLatin1Char('0')); }
+/// The number by which a port is sorted: COM7 sorts like COM07.
+QString NumberOf(const Port& port) { return port.name.mid(3).rightJustified(2, QLatin1Char('0')); }
 
-/// Sorting keeps every name with a port, as often as it occurs, in the order of the numbers.
-void CheckSorting(const QString& text) {
-  const QStringList lines = text.split(QLatin1Char('\n')).mid(0, quarn::kPortCapacity);
-  PortNames names;
-  std::ranges::copy(lines, names.begin());
+/// Every friendly name with a port name gives one port, and the ports are in the order of the numbers.
+void CheckPorts(const QString& text) {
+  const QStringList lines = text.split(QLatin1Char('\n')).mid(0, quarn::kFriendlyNameCount);
+  const QList<Port> ports = quarn::PortsNamed(lines);
+  Require(std::ranges::is_sorted(ports, {}, NumberOf));
   QStringList expected;
   for (const QString& line : lines) {
-    if (const QString name = quarn::ShortPortName(line); !name.isEmpty()) expected.append(name);
+    if (!quarn::PortNameIn(line).isEmpty()) expected.append(line);
   }
-  auto count = static_cast<std::int32_t>(lines.size());
-  quarn::SortPortNames(count, names);
-  Require(count == expected.size());
-  QStringList sorted(names.begin(), names.begin() + count);
-  Require(std::ranges::is_sorted(sorted, {}, NumberOf));
-  Require(
-      std::all_of(names.begin() + count, names.end(), [](const QString& name) { return name.isEmpty(); }));
+  QStringList used;
+  for (const Port& port : ports) {
+    Require(port.name == quarn::PortNameIn(port.description));
+    used.append(port.description);
+  }
   expected.sort();
-  sorted.sort();
-  Require(sorted == expected);
+  used.sort();
+  Require(used == expected);
 }
 
-void CheckComposing(const QString& text) {
+void CheckDescription(const QString& text) {
   const QStringList parts = text.split(QLatin1Char('\n'));
-  const QString portName = QStringLiteral("COM%1").arg(text.size() % 99 + 1);
-  const QString name = quarn::ComposeFriendlyName({parts.value(0), parts.value(1), parts.value(2), portName});
-  Require(quarn::ShortPortName(name) == portName);
-  Require(name.size() <= quarn::kFriendlyNameCapacity);
-  Require(name.isValidUtf16());
+  const QString name = QStringLiteral("COM%1").arg(text.size() % 99 + 1);
+  const QString description = quarn::DescriptionOf({parts.value(0), parts.value(1), parts.value(2), name});
+  Require(description.endsWith(QStringLiteral(" (%1)").arg(name)));
+  Require(description.count(QLatin1String("(COM")) == 1);
+  Require(description.size() <= 250);
+  Require(description.isValidUtf16());
 }
 
 void Check(const QString& text) {
-  CheckShortName(text);
-  CheckSorting(text);
-  CheckComposing(text);
+  CheckPortName(text);
+  CheckPorts(text);
+  CheckDescription(text);
 }
 
 }  // namespace

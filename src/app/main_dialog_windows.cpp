@@ -78,7 +78,7 @@ void CQuarnDlg::OpenPortNumber() {
 }
 
 void CQuarnDlg::OpenDetailedPortList() {
-  if (m_program.state.tooManyPorts) {
+  if (m_program.connection.portNames.size() > kPortRowCount) {
     m_program.messages->ShowInformationMessage(
         QStringLiteral(": Information"), QString(),
         QStringLiteral("Too many COM ports to display in the detailed list. "),

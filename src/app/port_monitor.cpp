@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "app/connection_commands.h"
+#include "dialogs/serial/port_rules.h"
 #include "serial/port_list.h"
 #include "settings/setting_values.h"
 #include "settings/settings_load_save.h"
@@ -14,11 +15,6 @@ namespace {
 /// A dead line is handled at this tick. An unplugged port disappears from the list slightly later than its
 /// line dies, and that has a different message.
 constexpr int kLossSettled = 3;
-
-bool IsListed(const PortList& list, const QString& port) {
-  const auto end = list.names.begin() + std::clamp(list.count, 0, kPortCapacity);
-  return std::find(list.names.begin(), end, port) != end;
-}
 
 /// The tick is paused while this exists.
 class RestingTimer {
@@ -34,23 +30,20 @@ class RestingTimer {
 
 }  // namespace
 
-PortEvent DecideOnPorts(const PortList& before, const PortList& now, bool connected,
+PortEvent DecideOnPorts(const QStringList& before, const QStringList& now, bool connected,
                         const QString& currentPortName) {
-  if (before.count > now.count && connected) {
-    return IsListed(now, currentPortName) ? PortEvent::None : PortEvent::Vanished;
+  if (before.size() > now.size() && connected) {
+    return now.contains(currentPortName) ? PortEvent::None : PortEvent::Vanished;
   }
-  if (before.count < now.count && !connected) {
-    const auto [added, old] = std::mismatch(now.names.begin(), now.names.end(), before.names.begin());
-    if (added != now.names.end() && *added == currentPortName) return PortEvent::Returned;
+  if (before.size() < now.size() && !connected) {
+    // There is a difference: the list has become longer.
+    const auto [added, old] = std::mismatch(now.begin(), now.end(), before.begin(), before.end());
+    if (*added == currentPortName) return PortEvent::Returned;
   }
   return PortEvent::None;
 }
 
-void PortMonitor::ListPorts() {
-  RefreshPortList(*m_program.portSource, m_program.connection);
-  m_program.state.tooManyPorts = m_program.connection.portCount >= kTooManyPorts;
-  m_before = m_program.connection.portNames;
-}
+void PortMonitor::ListPorts() { RefreshPortList(*m_program.portSource, m_program.connection); }
 
 bool PortMonitor::IsAtRest() const {
   return m_startDelay == 0 && m_seenRevision && m_program.portSource->Revision() == m_seenRevision &&
@@ -66,11 +59,10 @@ void PortMonitor::Tick(int ticks) {
     return;
   }
   m_ticks += static_cast<std::uint32_t>(ticks);
-  std::int32_t count = 0;
-  const bool counted = CountPorts(*m_program.portSource, count);
+  const std::optional<QList<Port>> ports = m_program.portSource->Ports();
   m_seenRevision = m_program.portSource->Revision();
   m_updating = true;
-  if (counted && count != m_program.connection.portCount) Update();
+  if (ports && ports->size() != m_program.connection.portNames.size()) Update();
   m_lostTicks = IsLineLost() ? m_lostTicks + 1 : 0;
   if (m_lostTicks >= kLossSettled) HandleLostLine();
   m_updating = false;
@@ -78,17 +70,15 @@ void PortMonitor::Tick(int ticks) {
 
 PortEvent PortMonitor::Update() {
   PortConnection& connection = m_program.connection;
-  m_before = connection.portNames;
-  const PortList before{connection.portCount, m_before};
+  const QStringList before = connection.portNames;
   m_program.waitIndicator->Show();
   const bool listed = RefreshPortList(*m_program.portSource, connection);
   m_program.waitIndicator->Restore();
   if (!listed) return PortEvent::None;
   // The decision uses the listed ports, even if they change while a message is shown.
-  const PortList now{connection.portCount, connection.portNames};
-  m_program.state.tooManyPorts = now.count >= kTooManyPorts;
+  const QStringList now = connection.portNames;
   PortEvent event = PortEvent::None;
-  if (m_program.state.tooManyPorts) {
+  if (now.size() > kPortRowCount) {
     TellTooMany();
   } else {
     m_program.messages->ShowTransientMessage(QStringLiteral("COM port list has been updated."), {});
@@ -123,18 +113,17 @@ void PortMonitor::HandleLostLine() {
   // The next tick comes after the question.
   m_window.SetTitle(QString());
   m_window.UpdateMenuState();
-  std::int32_t count = 0;
-  if (!CountPorts(*m_program.portSource, count)) return;
+  const std::optional<QList<Port>> ports = m_program.portSource->Ports();
+  if (!ports) return;
   PortEvent event = PortEvent::None;
-  if (count != connection.portCount) {
+  if (ports->size() != connection.portNames.size()) {
     event = Update();
   } else {
     // An equal count is not reported as a change, but a port that is offered must exist now.
     ListPorts();
     RaiseConnectionRefreshes(m_program.state.requests);
   }
-  const PortList now{connection.portCount, connection.portNames};
-  if (event == PortEvent::Returned || !IsListed(now, port)) return;
+  if (event == PortEvent::Returned || !connection.portNames.contains(port)) return;
   OfferToConnect(port);
   RaiseConnectionRefreshes(m_program.state.requests);
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QString>
+#include <QStringList>
 #include <cstdint>
 #include <optional>
 
@@ -9,24 +9,15 @@
 
 namespace quarn {
 
-/// With this many ports the detailed list cannot show them all.
-inline constexpr int kTooManyPorts = 31;
-
-/// The ports present at one moment: the first `count` names.
-struct PortList {
-  std::int32_t count = 0;
-  PortNames names;
-};
-
 enum class PortEvent {
   None,
   Vanished,  ///< the connected port is no longer there
   Returned,  ///< the configured port is there again, and not connected
 };
 
-/// The meaning of a change of the ports present. An added port is looked for only at the first position where
-/// the two lists differ.
-PortEvent DecideOnPorts(const PortList& before, const PortList& now, bool connected,
+/// The meaning of a change of the ports present, given by their names. An added port is looked for only at
+/// the first position where the two lists differ.
+PortEvent DecideOnPorts(const QStringList& before, const QStringList& now, bool connected,
                         const QString& currentPortName);
 
 /// Watches the ports present, and reacts when the connected one disappears or the configured one returns.
@@ -36,7 +27,7 @@ class PortMonitor {
  public:
   PortMonitor(Program& program, MainWindow& window) : m_program(program), m_window(window) {}
 
-  /// Lists the ports present and remembers them for comparison with the next change.
+  /// Lists the ports present.
   void ListPorts();
   /// One tick of 100 ms, or the last of several, of which the others had nothing to do. The first ten are
   /// ignored.
@@ -55,7 +46,6 @@ class PortMonitor {
 
   Program& m_program;
   MainWindow& m_window;
-  PortNames m_before;
   std::uint32_t m_startDelay = 10;
   std::uint32_t m_ticks = 0;
   std::optional<std::uint64_t> m_seenRevision;  ///< of the ports, at the last tick

@@ -23,8 +23,7 @@ void WindowStage::ShowSplash() {
 /// devices.
 void WindowStage::PrepareUnderSplash() {
   m_dialog = std::make_unique<CQuarnDlg>(m_program);
-  QStringList names;
-  m_program.portSource->FriendlyNames(names);
+  m_program.portSource->Ports();
 }
 
 int WindowStage::Dpi() { return WindowDpi(*m_dialog); }

@@ -6,58 +6,44 @@ namespace quarn {
 
 namespace {
 
-/// The short name is searched in this many positions of a friendly name.
-constexpr qsizetype kVisiblePositions = 250;
+constexpr int kScannedPositions = 250;
 
-bool IsShown(QChar unit) {
-  switch (unit.category()) {
-    case QChar::Other_Control:
-    case QChar::Other_Format:
-    case QChar::Separator_Line:
-    case QChar::Separator_Paragraph:
-      return false;
-    default:
-      return true;
-  }
-}
-
-/// The text without invisible characters and half surrogate pairs.
-QString Printable(const QString& text) {
-  QString result;
-  result.reserve(text.size());
-  for (qsizetype i = 0; i < text.size(); ++i) {
-    if (text[i].isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate()) {
-      result += text[i];
-      result += text[++i];
-    } else if (!text[i].isSurrogate() && IsShown(text[i])) {
-      result += text[i];
-    }
-  }
-  return result.trimmed();
-}
-
-/// At most `units` UTF-16 units of the text, without half a character at the end.
-QString CutTo(const QString& text, qsizetype units) {
-  QString result = text.left(std::max<qsizetype>(units, 0));
-  if (!result.isEmpty() && result.back().isHighSurrogate()) {
-    result.chop(1);
-  }
-  return result;
+/// "07-COM7": COM9 is before COM10.
+QString SortKeyOf(const Port& port) {
+  const QString number = port.name.mid(3).rightJustified(2, QLatin1Char('0'));
+  return number + QLatin1Char('-') + port.name;
 }
 
 }  // namespace
 
-QString ComposeFriendlyName(const PortDescription& port) {
-  QString rest = QStringLiteral(" - ") + Printable(port.node);
-  if (!port.unavailableReason.isEmpty()) {
-    rest += QStringLiteral(", ") + Printable(port.unavailableReason);
+QString PortNameIn(const QString& friendlyName) {
+  const qsizetype end = std::min<qsizetype>(friendlyName.size(), kScannedPositions);
+  const auto closesAt = [&](qsizetype at) {
+    return at < friendlyName.size() && friendlyName[at] == QLatin1Char(')');
+  };
+  for (qsizetype i = 0; i < end; ++i) {
+    if (QStringView(friendlyName).mid(i, 4) != u"(COM") {
+      continue;
+    }
+    if (closesAt(i + 5)) {
+      return friendlyName.mid(i + 1, 4);
+    }
+    if (closesAt(i + 6)) {
+      return friendlyName.mid(i + 1, 5);
+    }
   }
-  const QString bracket = QStringLiteral(" (") + port.portName + QLatin1Char(')');
-  const qsizetype room = kVisiblePositions - bracket.size();
-  QString head = CutTo(CutTo(Printable(port.product), room - rest.size()) + rest, room);
-  // Last, so that no cut or removal can form these four characters again.
-  head.replace(QLatin1String("(COM"), QLatin1String("[COM"));
-  return head + bracket;
+  return {};
+}
+
+QList<Port> PortsNamed(const QStringList& friendlyNames) {
+  QList<Port> ports;
+  for (const QString& friendlyName : friendlyNames.filter(QStringLiteral("COM")).mid(0, kFriendlyNameCount)) {
+    if (const QString name = PortNameIn(friendlyName); !name.isEmpty()) {
+      ports.append({name, friendlyName});
+    }
+  }
+  std::ranges::stable_sort(ports, {}, SortKeyOf);
+  return ports;
 }
 
 }  // namespace quarn

@@ -1,22 +1,26 @@
 #pragma once
 
+#include <QList>
 #include <QString>
+#include <QStringList>
+
+#include "serial/port_source.h"
 
 namespace quarn {
 
-/// The parts of a friendly name, for a system that does not provide complete ones.
-struct PortDescription {
-  QString product;            ///< the device's own name: outside input, may contain anything
-  QString node;               ///< the device's path, for instance /dev/ttyUSB0
-  QString unavailableReason;  ///< why the port cannot be opened; empty if it can
-  QString portName;           ///< COM1 to COM99
-};
+// Friendly names are what Windows calls its devices: "USB Serial Port (COM3)". Pure functions, any thread;
+// only the Windows source uses them, but they are compiled and tested on all systems.
 
-/// "<product> - <node>, <unavailable reason> (COM3)".
-///
-/// Whatever the parts contain, ShortPortName of the result is `portName`: a "(COM" in them becomes "[COM",
-/// control and other invisible characters are removed, and the product, then the rest, is cut so that the
-/// closing bracket is within the first 250 positions.
-QString ComposeFriendlyName(const PortDescription& port);
+/// Only the first 100 friendly names that contain "COM" are used, whether or not they give a port.
+inline constexpr int kFriendlyNameCount = 100;
+
+/// The name ("COM3", "COM12") in the brackets of a friendly name, or an empty text. The first bracket with
+/// one or two characters after COM counts, if it starts within the first 250 positions. These characters need
+/// not be digits.
+QString PortNameIn(const QString& friendlyName);
+
+/// The ports with these friendly names, in ascending number order; ports with the same name keep their order.
+/// The description of a port is its friendly name. A friendly name that contains no port name gives no port.
+QList<Port> PortsNamed(const QStringList& friendlyNames);
 
 }  // namespace quarn

@@ -57,7 +57,7 @@ bool ReconfigurePort(const SettingsRecord& settings, PortConnection& connection,
 
 bool ConnectPort(const SettingsRecord& settings, PortConnection& connection,
                  const PortEnvironment& environment) {
-  if (!IsPortAvailable(settings.comPort, connection.portCount, connection.portNames)) {
+  if (!connection.portNames.contains(settings.comPort)) {
     connection.lastFailure = {LineError::NotFound, QStringLiteral("%1 is not present").arg(settings.comPort)};
     return false;
   }

@@ -1,8 +1,6 @@
 #pragma once
 
-#include <QString>
-#include <array>
-#include <cstdint>
+#include <QStringList>
 #include <memory>
 #include <utility>
 
@@ -10,11 +8,6 @@
 #include "serial/serial_line.h"
 
 namespace quarn {
-
-/// At most this many ports are listed.
-inline constexpr int kPortCapacity = 100;
-
-using PortNames = std::array<QString, kPortCapacity>;
 
 /// The open port, nothing (null), or what a failed open leaves behind (invalid). Both null and invalid
 /// mean "not open".
@@ -43,8 +36,8 @@ struct PortConnection {
   PortHandle handle;
   /// Updated by the commands that connect and disconnect, never by OpenPort itself.
   ConnectedMark connected;
-  std::int32_t portCount = 0;
-  PortNames portNames;
+  /// The ports present, in ascending number order. RefreshPortList replaces it.
+  QStringList portNames;
   /// Why the last OpenPort failed; kind None after a success.
   LineFailure lastFailure;
 };

@@ -1,15 +1,21 @@
 #pragma once
 
-#include <QStringList>
+#include <QList>
+#include <QString>
 #include <cstdint>
 #include <optional>
 
 namespace quarn {
 
-/// The maximum length of a friendly name in UTF-16 units (a buffer of 520 bytes with its closing NUL).
-inline constexpr int kFriendlyNameCapacity = 259;
+/// A serial port that is present.
+struct Port {
+  QString name;         ///< "COM3"
+  QString description;  ///< its text in the detailed list: "USB Adapter - /dev/ttyUSB0 (COM3)"
 
-/// The source of the friendly names of the ports present.
+  bool operator==(const Port&) const = default;
+};
+
+/// The source of the ports present.
 ///
 /// Threads: only the user-interface thread. It is polled ten times a second, so a call must be very cheap if
 /// nothing has changed.
@@ -17,12 +23,12 @@ class PortSource {
  public:
   virtual ~PortSource() = default;
 
-  /// Replaces `names` with the friendly names of at most 100 present ports, each of at most 259 UTF-16 units.
-  /// If the device list cannot be obtained, returns false and does not change `names`.
-  virtual bool FriendlyNames(QStringList& names) = 0;
+  /// The ports present, at most 100, in ascending number order. Two ports can have the same name. Returns
+  /// nullopt if the device list cannot be obtained.
+  virtual std::optional<QList<Port>> Ports() = 0;
 
-  /// A number that changes whenever FriendlyNames may return something new. A change also wakes this thread's
-  /// event loop. Returns nullopt if changes cannot be detected; poll FriendlyNames instead.
+  /// A number that changes whenever Ports may return something new. A change also wakes this thread's event
+  /// loop. Returns nullopt if changes cannot be detected; poll Ports instead.
   virtual std::optional<std::uint64_t> Revision() { return std::nullopt; }
 };
 

@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "serial/friendly_name.h"
+#include "serial/port_description_linux.h"
 #include "serial/port_pins_linux.h"
 #include "serial/port_use_linux.h"
 
@@ -48,7 +48,7 @@ LinuxPortSource::LinuxPortSource(const QString& portsFolder, SystemRoots roots, 
       m_folder(m_folderPath, m_roots),
       m_watch(mode) {}
 
-bool LinuxPortSource::FriendlyNames(QStringList& names) {
+std::optional<QList<Port>> LinuxPortSource::Ports() {
   // Read even if the result is known to be stale, so that old events do not pile up.
   const bool changed = m_watch.Changed();
   if (std::exchange(m_changePending, false)) {
@@ -64,10 +64,9 @@ bool LinuxPortSource::FriendlyNames(QStringList& names) {
     }
   }
   if (m_last != Listing::Good) {
-    return false;
+    return std::nullopt;
   }
-  names = m_names;
-  return true;
+  return m_ports;
 }
 
 std::optional<std::uint64_t> LinuxPortSource::Revision() {
@@ -109,7 +108,7 @@ LinuxPortSource::Listing LinuxPortSource::List(WatchPlan& plan) {
     return Listing::NoFolder;
   }
   StampLinks(*links);
-  m_names = NamesOf(*links, devices->devices);
+  m_ports = PortsOf(*links, devices->devices);
   PlanWatch(*links, dependencies, plan);
   return Listing::Good;
 }
@@ -141,24 +140,24 @@ void LinuxPortSource::StampLinks(const std::vector<PortLink>& links) {
   m_presentBefore = std::move(present);
 }
 
-QStringList LinuxPortSource::NamesOf(const std::vector<PortLink>& links,
+QList<Port> LinuxPortSource::PortsOf(const std::vector<PortLink>& links,
                                      const std::vector<SerialDevice>& devices) const {
   std::vector<DeviceNode> nodes;
-  std::vector<int> numbers;
+  QStringList names;
   for (const PortLink& link : links) {
     if (link.present) {
       nodes.push_back({link.target.node, link.target.status});
-      numbers.push_back(link.number);
+      names.append(QStringLiteral("COM%1").arg(link.number));
     }
   }
   const std::vector<pid_t> users = UsersOf(nodes, m_roots);
-  QStringList names;
+  QList<Port> ports;
   for (std::size_t i = 0; i < nodes.size(); ++i) {
-    names.append(ComposeFriendlyName({ProductOf(nodes[i].status, devices), TextOf(nodes[i].path),
-                                      UnavailableReason(nodes[i], users[i], m_roots),
-                                      QStringLiteral("COM%1").arg(numbers[i])}));
+    const QString& name = names[static_cast<qsizetype>(i)];
+    ports.append({name, DescriptionOf({ProductOf(nodes[i].status, devices), TextOf(nodes[i].path),
+                                       UnavailableReason(nodes[i], users[i], m_roots), name})});
   }
-  return names;
+  return ports;
 }
 
 void LinuxPortSource::PlanWatch(const std::vector<PortLink>& links,

@@ -2,7 +2,6 @@
 
 #include <QSocketNotifier>
 #include <QString>
-#include <QStringList>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -27,7 +26,7 @@ class LinuxPortSource final : public PortSource {
   explicit LinuxPortSource(const QString& portsFolder, SystemRoots roots = {},
                            ChangeWatch::Mode mode = ChangeWatch::Mode::Events);
 
-  bool FriendlyNames(QStringList& names) override;
+  std::optional<QList<Port>> Ports() override;
   /// After the first call, the thread's event loop wakes when something may have changed.
   std::optional<std::uint64_t> Revision() override;
 
@@ -39,7 +38,7 @@ class LinuxPortSource final : public PortSource {
  private:
   enum class Listing {
     None,      ///< out of date, or the devices could not be listed: try again at once
-    Good,      ///< m_names holds the result
+    Good,      ///< m_ports holds the result
     NoFolder,  ///< the ports folder cannot be read
   };
 
@@ -47,7 +46,7 @@ class LinuxPortSource final : public PortSource {
   void Notify();
   void Tell(const std::error_code& problem);
   void StampLinks(const std::vector<PortLink>& links);
-  [[nodiscard]] QStringList NamesOf(const std::vector<PortLink>& links,
+  [[nodiscard]] QList<Port> PortsOf(const std::vector<PortLink>& links,
                                     const std::vector<SerialDevice>& devices) const;
   void PlanWatch(const std::vector<PortLink>& links, const std::vector<FolderEntry>& dependencies,
                  WatchPlan& plan) const;
@@ -56,7 +55,7 @@ class LinuxPortSource final : public PortSource {
   SystemRoots m_roots;
   PortFolder m_folder;
   ChangeWatch m_watch;
-  QStringList m_names;
+  QList<Port> m_ports;
   std::vector<int> m_presentBefore;
   Listing m_last = Listing::None;
   std::error_code m_told;  ///< the last reported problem of the folder

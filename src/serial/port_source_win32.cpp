@@ -12,7 +12,7 @@
 #include <optional>
 #include <vector>
 
-#include "serial/port_connection.h"
+#include "serial/friendly_name.h"
 
 namespace quarn {
 
@@ -21,6 +21,9 @@ namespace {
 /// GUID_DEVINTERFACE_COMPORT of the Windows driver kit.
 constexpr GUID kComPortInterface = {
     0x86E0D1E0, 0x8089, 0x11D0, {0x9C, 0xE4, 0x08, 0x00, 0x3E, 0x30, 0x1F, 0x73}};
+
+/// A friendly name is read into 520 bytes. A longer one cannot be read.
+constexpr std::size_t kFriendlyNameUnits = 260;
 
 class DeviceInfoList {
  public:
@@ -60,7 +63,7 @@ std::optional<SP_DEVINFO_DATA> DeviceOf(const DeviceInfoList& list, SP_DEVICE_IN
 }
 
 std::optional<QString> FriendlyNameOf(const DeviceInfoList& list, SP_DEVINFO_DATA& device) {
-  std::array<wchar_t, kFriendlyNameCapacity + 1> name{};
+  std::array<wchar_t, kFriendlyNameUnits> name{};
   if (SetupDiGetDeviceRegistryPropertyW(list.Get(), &device, SPDRP_FRIENDLYNAME, nullptr,
                                         static_cast<BYTE*>(static_cast<void*>(name.data())),
                                         static_cast<DWORD>(sizeof name), nullptr) == FALSE) {
@@ -73,27 +76,23 @@ std::optional<QString> FriendlyNameOf(const DeviceInfoList& list, SP_DEVINFO_DAT
 
 }  // namespace
 
-bool Win32PortSource::FriendlyNames(QStringList& names) {
+std::optional<QList<Port>> Win32PortSource::Ports() {
   const DeviceInfoList list;
   if (!list.IsValid()) {
-    return false;
+    return std::nullopt;
   }
-  QStringList found;
-  for (DWORD index = 0; found.size() < kPortCapacity; ++index) {
+  QStringList names;
+  for (DWORD index = 0;; ++index) {
     SP_DEVICE_INTERFACE_DATA port{};
     port.cbSize = sizeof port;
     if (SetupDiEnumDeviceInterfaces(list.Get(), nullptr, &kComPortInterface, index, &port) == FALSE) {
-      break;
+      return PortsNamed(names);
     }
     std::optional<SP_DEVINFO_DATA> device = DeviceOf(list, port);
-    const std::optional<QString> name = device ? FriendlyNameOf(list, *device) : std::nullopt;
-    // Checked here, so that a device without a usable name takes none of the hundred places.
-    if (name && name->contains(QLatin1String("COM"))) {
-      found.append(*name);
+    if (const std::optional<QString> name = device ? FriendlyNameOf(list, *device) : std::nullopt) {
+      names.append(*name);
     }
   }
-  names = found;
-  return true;
 }
 
 }  // namespace quarn

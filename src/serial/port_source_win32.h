@@ -4,10 +4,10 @@
 
 namespace quarn {
 
-/// The COM ports present on Windows, in the order and with the names of the device manager.
+/// The COM ports present on Windows, with the names that the device manager shows.
 class Win32PortSource final : public PortSource {
  public:
-  bool FriendlyNames(QStringList& names) override;
+  std::optional<QList<Port>> Ports() override;
 };
 
 }  // namespace quarn

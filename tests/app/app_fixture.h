@@ -16,31 +16,13 @@
 #include "settings/key_store.h"
 #include "settings/settings_load_save.h"
 #include "support/counted_indicator.h"
+#include "support/listed_ports.h"
 #include "support/message_texts.h"
 #include "support/plugged_port.h"
 #include "support/recorded_messages.h"
 #include "support/recorded_window.h"
 
 namespace quarn::test {
-
-/// The ports that a test says are there.
-class ListedPorts final : public PortSource {
- public:
-  QStringList names;
-  QStringList others;  ///< names returned unchanged, before those of the ports
-  bool works = true;
-  std::optional<std::uint64_t> revision = {};
-  std::function<void()> whileListing = {};
-
-  std::optional<std::uint64_t> Revision() override { return revision; }
-  bool FriendlyNames(QStringList& result) override {
-    if (whileListing) whileListing();
-    if (!works) return false;
-    result = others;
-    for (const QString& name : names) result.append(QStringLiteral("Adapter (%1)").arg(name));
-    return true;
-  }
-};
 
 /// The program's objects with a folder of their own. The links in its ports folder lead to real lines.
 /// Messages, window and port list are doubles. One journal notes all events in order.
@@ -72,7 +54,7 @@ class AppTest : public ::testing::Test {
   /// Makes the pseudo-terminal reachable as this port, and lists it.
   void PlugIn(const QString& port, const PseudoTerminal& terminal) {
     PlugPort(PortsFolder(m_folder), port, terminal);
-    ports.names.append(port);
+    ports.present.append(Adapter(port));
   }
   void Configure(const QString& port) {
     program.settings.comPort = port;

@@ -135,10 +135,7 @@ class BoxStage : public AppTest {
     Present(count);
     ASSERT_TRUE(RefreshPortList(listed, real.connection));
   }
-  void Present(int count) {
-    listed.names.clear();
-    for (int i = 1; i <= count; ++i) listed.names.append(QStringLiteral("COM%1").arg(i));
-  }
+  void Present(int count) { listed.present = Adapters(count); }
   /// Opens the window and gives it the keyboard.
   QPointer<QDialog> Open(int item) {
     for (QAction* action : main->findChildren<QAction*>()) {
@@ -373,7 +370,7 @@ INSTANTIATE_TEST_SUITE_P(
         Deed{"TerminalSend", command::kTerminalScreen, Nothing, "SEND"},
         Deed{"PortNumberSet", command::kPortNumber,
              [](Program& program, QDialog& window) {
-               program.connection.portCount = 0;
+               program.connection.portNames.clear();
                window.findChild<QAbstractButton*>(QStringLiteral("setButton"))->setEnabled(true);
              },
              "setButton"},
@@ -387,7 +384,7 @@ INSTANTIATE_TEST_SUITE_P(
              "SAVE"},
         Deed{"DetailedListSet", command::kDetailedPortList,
              [](Program& program, QDialog& window) {
-               program.connection.portCount = 0;
+               program.connection.portNames.clear();
                window.findChild<QAbstractButton*>(QStringLiteral("setButton"))->setEnabled(true);
              },
              "setButton"},

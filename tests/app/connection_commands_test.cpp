@@ -4,6 +4,7 @@
 #include <functional>
 
 #include "app/app_fixture.h"
+#include "serial/port_list.h"
 #include "support/noted_pause.h"
 #include "support/scripted_line.h"
 
@@ -18,15 +19,9 @@ class ConnectionCommands : public AppTest {
     RefreshPorts();
     Configure(QStringLiteral("COM3"));
   }
-  void RefreshPorts() {
-    program.connection.portCount = static_cast<std::int32_t>(ports.names.size());
-    program.connection.portNames.fill(QString());
-    for (qsizetype i = 0; i < ports.names.size(); ++i) {
-      program.connection.portNames[static_cast<std::size_t>(i)] = ports.names[i];
-    }
-  }
+  void RefreshPorts() { ASSERT_TRUE(RefreshPortList(ports, program.connection)); }
   void Unplug() {
-    ports.names.clear();
+    ports.present.clear();
     RefreshPorts();
   }
   void ConnectSilently() {

@@ -144,8 +144,7 @@ void EveryWindow::Visit(const Look& look) {
 }
 
 void EveryWindow::ListPorts(int count) {
-  ports.names.clear();
-  for (int i = 1; i <= count; ++i) ports.names.append(QStringLiteral("COM%1").arg(i));
+  ports.present = Adapters(count);
   ASSERT_TRUE(RefreshPortList(ports, program.connection));
   Configure(QStringLiteral("COM2"));
   program.connection.connected.Update(count > 1 ? PortChange::Opened : PortChange::Closed);

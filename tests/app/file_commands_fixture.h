@@ -13,6 +13,7 @@
 #include "settings/settings_table.h"
 #include "settings/settings_test_support.h"
 #include "support/counted_indicator.h"
+#include "support/listed_ports.h"
 #include "support/message_texts.h"
 #include "support/recorded_messages.h"
 #include "support/recorded_window.h"
@@ -31,23 +32,16 @@ inline const QString kRestored = QStringLiteral("transient/Loaded the initial de
 inline const QString kNotSaved =
     QStringLiteral("error/: Error//Could not save to the QRN file!/Destination folder error.");
 
-class TwoPorts final : public PortSource {
- public:
-  bool FriendlyNames(QStringList& names) override {
-    names = {QStringLiteral("Adapter (COM3)"), QStringLiteral("Adapter (COM7)")};
-    return true;
-  }
-};
-
 /// A program that is connected to COM7 in the internal configuration state.
 class FileCommandsTest : public SettingsFileTest {
  protected:
   FileCommandsTest() {
     auto recorded = std::make_unique<RecordedMessages>();
     messages = recorded.get();
-    program = std::make_unique<Program>(
-        Path(QString()) + QLatin1Char('/'), std::make_unique<ScriptedOpener>(journal),
-        std::make_unique<TwoPorts>(), std::move(recorded), std::make_unique<CountedIndicator>());
+    program = std::make_unique<Program>(Path(QString()) + QLatin1Char('/'),
+                                        std::make_unique<ScriptedOpener>(journal),
+                                        std::make_unique<ListedPorts>(Adapters({"COM3", "COM7"})),
+                                        std::move(recorded), std::make_unique<CountedIndicator>());
     window.userFile = [this] { return program->userFile; };
     commands = std::make_unique<FileCommands>(*program, window, chooser);
   }

@@ -75,7 +75,7 @@ TEST_F(MainDialogLive, SleepsUntilThePortsChange) {
   EXPECT_EQ(dialog.Monitor().TickCount(), before);
   PlugIn(QStringLiteral("COM3"), port);
   ports.revision = 2;
-  EXPECT_TRUE(WaitUntil([&] { return program.connection.portCount == 1; }));
+  EXPECT_TRUE(WaitUntil([&] { return program.connection.portNames.size() == 1; }));
   EXPECT_EQ(Happened(), QStringList{"transient/COM port list has been updated."});
   EXPECT_GE(dialog.Monitor().TickCount(), before + 5) << "those that were slept over count";
 }

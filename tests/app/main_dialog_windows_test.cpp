@@ -64,13 +64,17 @@ TEST_F(MainDialog, AWindowThatWasToldToCloseStaysWhenItIsWantedAgain) {
 }
 
 TEST_F(MainDialog, DetailedListDoesNotOpenForTooManyPorts) {
-  program.state.tooManyPorts = true;
+  program.connection.portNames = QStringList(31, QStringLiteral("COM1"));
   Action(32792)->trigger();
   EXPECT_EQ(Happened(),
             QStringList{"information/: Information//Too many COM ports to display in the detailed list. "
                         "/Select a COM port from the \"COM Port Number\" dialog."});
   EXPECT_TRUE(Shown("CPortDetails").isEmpty());
   EXPECT_FALSE(program.state.open.Contains(Window::DetailedPortList));
+  program.connection.portNames.removeLast();
+  Action(32792)->trigger();
+  EXPECT_EQ(Happened(), QStringList());
+  EXPECT_EQ(Shown("CPortDetails").size(), 1);
 }
 
 TEST_F(MainDialog, SwitchOpensAndClosesTheTerminalScreen) {

@@ -90,7 +90,7 @@ TEST_F(LostLineTest, EveryWindowIsToldBeforeTheOfferAndAfterItsAnswer) {
 }
 
 TEST_F(LostLineTest, IsSeenAfterTheMessageAboutAnotherPort) {
-  ports.names.append("COM9");
+  ports.present.append(Adapter("COM9"));
   messages.answers = {false};
   whileShown = [this] {
     if (messages.shown.last() == kUpdated) AwayAndBack();
@@ -103,18 +103,18 @@ TEST_F(LostLineTest, OfAPortThatIsUnpluggedIsToldAsThat) {
   m_first.Close();
   Ticks(2);
   EXPECT_EQ(Happened(), QStringList()) << "the list is a moment behind";
-  ports.names.clear();
+  ports.present.clear();
   Ticks(5);
   EXPECT_EQ(Happened(), (QStringList{kUpdated, "stop timer", kGone, "start timer"}));
 }
 
 TEST_F(LostLineTest, WithAnotherPortInItsPlaceIsOfferedWhenItIsBack) {
   m_first.Close();
-  ports.names = {"COM9"};
+  ports.present = Adapters({"COM9"});
   Ticks(5);
   EXPECT_EQ(Happened(), kLost);
-  EXPECT_EQ(program.connection.portNames[0], QStringLiteral("COM9"));
-  ports.names = {"COM3", "COM9"};
+  EXPECT_EQ(program.connection.portNames, QStringList{"COM9"});
+  ports.present = Adapters({"COM3", "COM9"});
   messages.answers = {false};
   Ticks(5);
   EXPECT_EQ(Happened(), (QStringList{kUpdated, "stop timer", kOffer, "start timer"}));
@@ -124,7 +124,7 @@ TEST_F(LostLineTest, IsOfferedOnceWhateverHappensWhileItIsTold) {
   AwayAndBack();
   messages.answers = {false};
   whileShown = [this] {
-    if (messages.shown.last() == kGone) ports.names.append("COM9");
+    if (messages.shown.last() == kGone) ports.present.append(Adapter("COM9"));
   };
   Ticks(5);
   EXPECT_EQ(Happened(), (kLost + QStringList{kUpdated, "stop timer", kOffer, "start timer"}));
@@ -139,7 +139,7 @@ TEST_F(LostLineTest, IsToldWhereThePortsCannotBeListed) {
 }
 
 TEST_F(LostLineTest, IsToldAmongMorePortsThanTheDetailedListShows) {
-  ports.names = Ports(31);
+  ports.present = Adapters(31);
   Ticks(1);
   EXPECT_EQ(Happened(), QStringList());
   m_first.Close();

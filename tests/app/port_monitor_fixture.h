@@ -5,13 +5,6 @@
 
 namespace quarn::test {
 
-/// COM1, COM2 and so on.
-inline QStringList Ports(int count) {
-  QStringList names;
-  for (int i = 1; i <= count; ++i) names.append(QStringLiteral("COM%1").arg(i));
-  return names;
-}
-
 /// The port monitor over the ports that a test lists.
 class PortMonitorTest : public AppTest {
  protected:

@@ -1,10 +1,11 @@
 #include "app/app_fixture.h"
 #include "app/port_monitor.h"
+#include "serial/friendly_name.h"
 
 namespace quarn::test {
 namespace {
 
-/// Devices whose names hold "COM" and name no port that can be opened.
+/// Devices with "COM" in their friendly names that are not ports from COM1 to COM99.
 class PortMonitorNames : public AppTest {
  protected:
   void SetUp() override { MakeFolders(); }
@@ -17,28 +18,27 @@ class PortMonitorNames : public AppTest {
 };
 
 TEST_F(PortMonitorNames, ADeviceWithoutAUsableNameDisturbsNobody) {
-  ports.names = {"COM3"};
   for (const char* name : {"USB Serial Port (COM104)", "pair (COM5->COM6)", "Gadget COM7 serial"}) {
-    ports.others = {QString::fromLatin1(name)};
+    ports.present = PortsNamed({QStringLiteral("Adapter (COM3)"), QString::fromLatin1(name)});
     m_monitor.ListPorts();
-    TickTimes(1000);
+    TickTimes(20);
     EXPECT_EQ(Happened(), QStringList()) << name;
-    EXPECT_EQ(program.connection.portCount, 1) << name;
+    EXPECT_EQ(program.connection.portNames, QStringList{"COM3"}) << name;
   }
 }
 
 TEST_F(PortMonitorNames, NorDoesOneThatComesOrGoesWhileOthersAreThere) {
-  ports.names = {"COM3"};
+  ports.present = PortsNamed({"Adapter (COM3)"});
   m_monitor.ListPorts();
   TickTimes(11);
-  ports.others = {"USB Serial Port (COM104)"};
-  TickTimes(1000);
+  ports.present = PortsNamed({"USB Serial Port (COM104)", "Adapter (COM3)"});
+  TickTimes(20);
   EXPECT_EQ(Happened(), QStringList());
-  ports.names = {"COM3", "COM4"};
-  TickTimes(1000);
-  EXPECT_EQ(Happened(), QStringList{m_updated}) << "a port that is one is told of, once";
-  ports.others.clear();
-  TickTimes(1000);
+  ports.present = PortsNamed({"USB Serial Port (COM104)", "Adapter (COM3)", "Adapter (COM4)"});
+  TickTimes(20);
+  EXPECT_EQ(Happened(), QStringList{m_updated}) << "a port is reported, once";
+  ports.present = PortsNamed({"Adapter (COM3)", "Adapter (COM4)"});
+  TickTimes(20);
   EXPECT_EQ(Happened(), QStringList());
 }
 

@@ -90,7 +90,7 @@ TEST_F(QuestionDefaults, NobodyLosesStoredCommandsWithEnter) {
 TEST_F(QuestionDefaults, ToConnectIsTheDefault) {
   Configure(QStringLiteral("COM3"));
   dialog.Monitor().ListPorts();
-  ports.names = {QStringLiteral("COM3")};
+  ports.present = Adapters({"COM3"});
   for (int i = 0; i < 12; ++i) dialog.Monitor().Tick();
   ExpectAsked("Do you want to connect to \"COM3\" ?", AnswerByDefault::AgreeUncalled);
 }

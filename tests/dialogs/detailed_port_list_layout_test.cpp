@@ -62,11 +62,10 @@ TEST_F(DetailedPortListDialog, HeightFollowsTheRows) {
 }
 
 TEST_F(DetailedPortListDialog, LongDescriptionsAreWholeInTheToolTip) {
-  ports.names = {QStringLiteral("COM1")};
-  List();
-  ports.names = {QString(40, u'W') + QStringLiteral("<b>) - /dev/ttyUSB0 (COM1")};
+  ListOnly(1);
+  const QString whole = QString(40, u'W') + QStringLiteral("<b> - /dev/ttyUSB0 (COM1)");
+  ports.present = {{QStringLiteral("COM1"), whole}};
   Open();
-  const QString whole = QStringLiteral("Adapter (%1)").arg(ports.names.first());
   EXPECT_LE(Description(0).sizeHint().width(), Description(0).width());
   EXPECT_TRUE(Description(0).text().endsWith("(COM1)"));
   EXPECT_TRUE(Description(0).text().contains(QChar(0x2026)));
@@ -74,7 +73,7 @@ TEST_F(DetailedPortListDialog, LongDescriptionsAreWholeInTheToolTip) {
             QStringLiteral("<span style=\"white-space:pre\">%1</span>").arg(whole.toHtmlEscaped()));
   EXPECT_EQ(Description(0).accessibleName(), whole);
   EXPECT_TRUE(Description(0).text().endsWith(" - /dev/ttyUSB0 (COM1)")) << "the product gives way first";
-  ports.names = {QString(200, u'W') + QStringLiteral(" (COM1")};
+  ports.present = {{QStringLiteral("COM1"), QString(200, u'W') + QStringLiteral(" (COM1)")}};
   program.state.requests.refresh.Add(Window::DetailedPortList);
   ASSERT_TRUE(WaitUntil([&] { return !program.state.requests.refresh.Contains(Window::DetailedPortList); }));
   EXPECT_TRUE(Description(0).text().endsWith("(COM1)"));
@@ -104,17 +103,17 @@ TEST_F(DetailedPortListDialog, RowsScrollWhereTheScreenIsTooLow) {
 TEST_F(DetailedPortListDialog, NothingIsClippedWithLargerFonts) {
   for (const int percent : {100, 150}) {
     const FontScale scale(percent);
-    for (const QStringList& names : {QStringList(), QStringList{"COM88", "COM99"}}) {
-      ports.names = names;
+    for (const QList<Port>& present : {QList<Port>(), Adapters({"COM88", "COM99"})}) {
+      ports.present = present;
       List();
       Open();
       ExpectNothingClipped(*window);
-      for (int i = 0; i < names.size(); ++i) {
-        EXPECT_EQ(Radio(i).text(), names.at(i));
+      for (int i = 0; i < present.size(); ++i) {
+        EXPECT_EQ(Radio(i).text(), present.at(i).name);
         EXPECT_GE(Radio(i).width(), Radio(i).sizeHint().width());
       }
       for (const int id : {kSetId, kOkId}) {
-        if (names.isEmpty()) continue;
+        if (present.isEmpty()) continue;
         EXPECT_GE(Button(id).width(), Button(id).minimumSizeHint().width());
         EXPECT_GE(Button(id).height(), Button(id).minimumSizeHint().height());
         EXPECT_TRUE(window->rect().contains(Button(id).geometry()));
@@ -126,7 +125,7 @@ TEST_F(DetailedPortListDialog, NothingIsClippedWithLargerFonts) {
 }
 
 TEST_F(DetailedPortListDialog, TitleIsSeenWholeWithLargerFonts) {
-  ports.names = {QStringLiteral("COM99")};
+  ports.present = Adapters({"COM99"});
   List();
   Configure("COM99");
   for (const int percent : {100, 150}) {

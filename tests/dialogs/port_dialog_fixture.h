@@ -39,14 +39,13 @@ class PortDialogTest : public AppTest {
     List();
   }
   void Unplug(const QString& port) {
-    ports.names.removeAll(port);
+    ports.present.removeAll(Adapter(port));
     UnplugPort(PortsFolder(m_folder), port);
     List();
   }
   /// Lists ports that have no line.
   void ListOnly(int count) {
-    ports.names.clear();
-    for (int i = 1; i <= count; ++i) ports.names.append(QStringLiteral("COM%1").arg(i));
+    ports.present = Adapters(count);
     List();
   }
   void List() { ASSERT_TRUE(RefreshPortList(ports, program.connection)); }

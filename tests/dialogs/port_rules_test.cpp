@@ -12,18 +12,13 @@ const PortSituation kClosed{"COM3", false, {"COM1", "COM3"}};
 const PortSituation kGone{"COM3", true, {"COM1"}};
 const PortSituation kNothing{"NONE", false, {}};
 
-TEST(PortRules, SituationTakesTheNamesThatCount) {
+TEST(PortRules, SituationIsThatOfTheConnection) {
   SharedState state;
   PortConnection connection;
-  connection.portNames[0] = "COM1";
-  connection.portNames[1] = "COM2";
-  connection.portCount = 1;
-  EXPECT_EQ(SituationOf(state, connection).ports, QStringList{"COM1"});
-  connection.portCount = -3;
-  EXPECT_EQ(SituationOf(state, connection).ports, QStringList());
-  connection.portCount = 1000;
-  EXPECT_EQ(SituationOf(state, connection).ports.size(), 100);
+  connection.portNames = {"COM1", "COM2"};
+  EXPECT_EQ(SituationOf(state, connection).ports, (QStringList{"COM1", "COM2"}));
   EXPECT_EQ(SituationOf(state, connection).current, "NONE");
+  EXPECT_FALSE(SituationOf(state, connection).connected);
 }
 
 TEST(PortNumberRules, OpensWithTheCurrentPortWhenItIsListedAndConnected) {
@@ -72,36 +67,25 @@ TEST(PortNumberRules, TitleNamesPortAndStatus) {
 }
 
 TEST(PortListRules, RowsFollowTheNamesAndTellWhatTheyAre) {
-  FriendlyNameTable names;
-  names[0] = "Adapter - /dev/ttyUSB0, in use by PID 7 (COM10)";
-  names[1] = "Board - /dev/ttyACM0 (COM2)";
-  names[2] = "COM without a number";
-  const QList<PortRow> rows = PortRowsOf({"COM2", "COM7", "COM10"}, names);
-  ASSERT_EQ(rows.size(), 3);
-  EXPECT_EQ(rows[0].port, "COM2");
-  EXPECT_EQ(rows[0].description, "Board - /dev/ttyACM0 (COM2)");
-  EXPECT_EQ(rows[1].description, "COM7");  // vanished between the two looks
-  EXPECT_EQ(rows[2].port, "COM10");
-  EXPECT_EQ(rows[2].description, "Adapter - /dev/ttyUSB0, in use by PID 7 (COM10)");
+  const Port board{"COM2", "Board - /dev/ttyACM0 (COM2)"};
+  const Port adapter{"COM10", "Adapter - /dev/ttyUSB0, in use by PID 7 (COM10)"};
+  const QList<Port> rows = PortRowsOf({"COM2", "COM7", "COM10"}, {adapter, board});
+  // COM7 has vanished since it was listed.
+  EXPECT_EQ(rows, (QList<Port>{board, {"COM7", "COM7"}, adapter}));
   EXPECT_EQ(RowOf(rows, "COM10"), 2);
   EXPECT_EQ(RowOf(rows, "COM1"), std::nullopt);
   EXPECT_EQ(RowOf(rows, "com2"), std::nullopt);
 }
 
 TEST(PortListRules, TwoDevicesOfOneNameHaveARowEach) {
-  FriendlyNameTable names;
-  names[0] = "First (COM2)";
-  names[1] = "Second (COM2)";
-  const QList<PortRow> rows = PortRowsOf({"COM2", "COM2"}, names);
-  ASSERT_EQ(rows.size(), 2);
-  EXPECT_EQ(rows[0].description, "First (COM2)");
-  EXPECT_EQ(rows[1].description, "Second (COM2)");
+  const QList<Port> two{{"COM2", "First (COM2)"}, {"COM2", "Second (COM2)"}};
+  EXPECT_EQ(PortRowsOf({"COM2", "COM2"}, two), two);
 }
 
 TEST(PortListRules, ThereAreThirtyRows) {
   QStringList ports;
   for (int i = 1; i <= 31; ++i) ports.append(QStringLiteral("COM%1").arg(i));
-  EXPECT_EQ(PortRowsOf(ports, FriendlyNameTable()).size(), 30);
+  EXPECT_EQ(PortRowsOf(ports, {}).size(), 30);
   EXPECT_TRUE(IsRowSetEnabled({"NONE", false, ports}, "COM30"));
   EXPECT_FALSE(IsRowSetEnabled({"NONE", false, ports}, "COM31"));
 }

@@ -15,13 +15,13 @@ std::vector<std::string> NodesOf(const std::optional<DeviceList>& list) {
 }
 
 /// The list once an event on its way has arrived; events travel through a socket.
-QStringList ListUntil(LinuxPortSource& source, qsizetype count) {
-  QStringList names = List(source);
-  for (int i = 0; i < 500 && names.size() != count; ++i) {
+QList<Port> ListUntil(LinuxPortSource& source, qsizetype count) {
+  QList<Port> ports = List(source);
+  for (int i = 0; i < 500 && ports.size() != count; ++i) {
     ::usleep(10000);
-    names = List(source);
+    ports = List(source);
   }
-  return names;
+  return ports;
 }
 
 TEST(ListSerialDevices, HasOnlyRealLines) {
@@ -104,10 +104,24 @@ TEST(LinuxPortSource, PinsAndNamesAnAdapter) {
   tree.AddBuiltIn(2, "0");
   const ScratchFolder scratch;
   LinuxPortSource source(QString::fromStdString(scratch.At("ports")), QuietRoots());
-  EXPECT_EQ(List(source),
-            (QStringList{"Evil [COM9) box - /dev/ttyUSB0 (COM1)", "Serial Port - /dev/ttyS1 (COM2)"}));
+  EXPECT_EQ(List(source), (QList<Port>{{"COM1", "Evil [COM9) box - /dev/ttyUSB0 (COM1)"},
+                                       {"COM2", "Serial Port - /dev/ttyS1 (COM2)"}}));
   EXPECT_EQ(scratch.TargetOf("ports/COM1"), "/dev/serial/by-id/usb-A");
   EXPECT_EQ(scratch.TargetOf("ports/COM2"), "/dev/ttyS1");
+}
+
+TEST(LinuxPortSource, ListsInTheOrderOfTheNumbers) {
+  DeviceTree tree;
+  QStringList expected;
+  for (int n = 1; n <= 11; ++n) {
+    tree.AddAdapter(n);
+    expected.append(QStringLiteral("COM%1").arg(n));
+  }
+  const ScratchFolder scratch;
+  LinuxPortSource source(QString::fromStdString(scratch.At("ports")), QuietRoots());
+  QStringList names;
+  for (const Port& port : List(source)) names.append(port.name);
+  EXPECT_EQ(names, expected);
 }
 
 QStringList g_warnings;
@@ -154,21 +168,21 @@ TEST(LinuxPortSource, AnAdapterKeepsItsNumberThroughUnplugging) {
   tree.LinkSerial("by-id", "usb-A", "ttyUSB0");
   const ScratchFolder scratch;
   LinuxPortSource source(QString::fromStdString(scratch.At("ports")), QuietRoots());
-  EXPECT_EQ(List(source), QStringList("Adapter - /dev/ttyUSB0 (COM1)"));
+  EXPECT_EQ(List(source), (QList<Port>{{"COM1", "Adapter - /dev/ttyUSB0 (COM1)"}}));
 
   tree.Remove(first);
-  EXPECT_EQ(ListUntil(source, 0), QStringList());
+  EXPECT_EQ(ListUntil(source, 0), QList<Port>());
 
   const std::string second = tree.AddAdapter(5);
   tree.Announce(second, "add");
-  EXPECT_EQ(ListUntil(source, 1), QStringList("Adapter - /dev/ttyUSB5 (COM2)"));
+  EXPECT_EQ(ListUntil(source, 1), (QList<Port>{{"COM2", "Adapter - /dev/ttyUSB5 (COM2)"}}));
 
   // Back, but at another place and thus under another node.
   const std::string again = tree.AddAdapter(7, lines);
   tree.LinkSerial("by-id", "usb-A", "ttyUSB7");
   tree.Announce(again, "add");
-  EXPECT_EQ(ListUntil(source, 2),
-            (QStringList{"Adapter - /dev/ttyUSB7 (COM1)", "Adapter - /dev/ttyUSB5 (COM2)"}));
+  EXPECT_EQ(ListUntil(source, 2), (QList<Port>{{"COM1", "Adapter - /dev/ttyUSB7 (COM1)"},
+                                               {"COM2", "Adapter - /dev/ttyUSB5 (COM2)"}}));
 }
 
 TEST(LinuxPortSource, NoticesAnEventOfUdevAlone) {

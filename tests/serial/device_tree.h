@@ -107,10 +107,10 @@ inline SystemRoots QuietRoots() {
   return roots;
 }
 
-inline QStringList List(LinuxPortSource& source) {
-  QStringList names;
-  EXPECT_TRUE(source.FriendlyNames(names));
-  return names;
+inline QList<Port> List(LinuxPortSource& source) {
+  const std::optional<QList<Port>> ports = source.Ports();
+  EXPECT_TRUE(ports);
+  return ports.value_or(QList<Port>());
 }
 
 }  // namespace quarn

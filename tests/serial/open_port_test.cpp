@@ -1,7 +1,6 @@
 #include "serial/open_port.h"
 
 #include <QStringList>
-#include <algorithm>
 #include <memory>
 
 #include "serial/line_parameters.h"
@@ -31,10 +30,7 @@ class OpenPortTest : public testing::Test {
     List({QStringLiteral("COM1"), QStringLiteral("COM3")});
   }
 
-  void List(const QStringList& names) {
-    m_connection.portCount = static_cast<std::int32_t>(names.size());
-    std::copy(names.begin(), names.end(), m_connection.portNames.begin());
-  }
+  void List(const QStringList& names) { m_connection.portNames = names; }
   bool Open() { return OpenPort(m_settings, m_connection, m_environment); }
   bool Connect() { return ConnectPort(m_settings, m_connection, m_environment); }
   bool Reset() { return ResetPort(m_settings, m_connection, m_environment); }
@@ -161,13 +157,6 @@ TEST_F(OpenPortTest, ConnectTouchesNothingForAPortThatIsNotListed) {
     EXPECT_EQ(m_connection.lastFailure.kind, LineError::NotFound);
   }
   EXPECT_EQ(m_journal.Entries(), Steps{});
-}
-
-TEST_F(OpenPortTest, ConnectLooksAtTheCountedNamesOnly) {
-  m_connection.portCount = 1;
-  EXPECT_FALSE(Connect());
-  EXPECT_EQ(m_journal.Entries(), Steps{});
-  EXPECT_TRUE(m_connection.handle.IsNull());
 }
 
 TEST_F(OpenPortTest, ResetPurgesClosesAndConnectsWithTheIndicatorShownThroughout) {

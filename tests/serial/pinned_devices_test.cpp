@@ -55,10 +55,10 @@ class PinnedDevices : public testing::Test {
   QStringList Ports() {
     LinuxPortSource source(Folder(), QuietRoots());
     QStringList ports;
-    for (const QString& name : List(source)) {
-      const qsizetype node = name.indexOf(QStringLiteral("/dev/")) + 5;
-      ports.append(name.mid(name.indexOf(QStringLiteral("(COM")) + 1).chopped(1) + QLatin1Char(' ') +
-                   name.mid(node, name.indexOf(QLatin1Char(' '), node) - node));
+    for (const Port& port : List(source)) {
+      const QString node =
+          port.description.section(QStringLiteral("/dev/"), 1).section(QLatin1Char(' '), 0, 0);
+      ports.append(port.name + QLatin1Char(' ') + node);
     }
     // What the list says is what an open would get.
     for (int number = 1; number < 10; ++number) {

@@ -14,7 +14,6 @@
 #include <string_view>
 #include <tuple>
 
-#include "serial/port_names.h"
 #include "serial/port_use_linux.h"
 #include "serial_fixtures.h"
 
@@ -26,23 +25,17 @@ namespace {
 
 constexpr const char* kPort = "COM57";
 
-QStringList List(LinuxPortSource& source) {
-  QStringList names;
-  EXPECT_TRUE(source.FriendlyNames(names));
-  return names;
-}
-
-/// The friendly name that carries a port, or the empty text.
-QString NameOf(const QStringList& names, const QString& port) {
-  for (const QString& name : names) {
-    if (ShortPortName(name) == port) {
-      return name;
-    }
+/// The description of the port with this name, or the empty text if it is not listed.
+QString DescriptionIn(LinuxPortSource& source, const QString& name) {
+  const std::optional<QList<Port>> ports = source.Ports();
+  EXPECT_TRUE(ports);
+  for (const Port& port : ports.value_or(QList<Port>())) {
+    if (port.name == name) return port.description;
   }
   return {};
 }
 
-QString PseudoTerminalName(const std::string& node) {
+QString TerminalDescription(const std::string& node) {
   return QStringLiteral("Pseudo-terminal - %1 (%2)").arg(QString::fromStdString(node), kPort);
 }
 
@@ -66,16 +59,16 @@ INSTANTIATE_TEST_SUITE_P(Watching, LinuxPortSourceTest,
 
 TEST_P(LinuxPortSourceTest, NoticesTheFolderAndItsLinks) {
   const PseudoTerminal terminal;
-  EXPECT_EQ(NameOf(List(m_source), kPort), "");
+  EXPECT_EQ(DescriptionIn(m_source, kPort), "");
   ::mkdir(m_scratch.At("ports").c_str(), 0700);
-  EXPECT_EQ(NameOf(List(m_source), kPort), "");
+  EXPECT_EQ(DescriptionIn(m_source, kPort), "");
   m_scratch.Link("ports/COM57", terminal.Node());
-  EXPECT_EQ(NameOf(List(m_source), kPort), PseudoTerminalName(terminal.Node()));
+  EXPECT_EQ(DescriptionIn(m_source, kPort), TerminalDescription(terminal.Node()));
   ASSERT_EQ(::rename(m_scratch.At("ports/COM57").c_str(), m_scratch.At("ports/COM58").c_str()), 0);
-  EXPECT_EQ(NameOf(List(m_source), kPort), "");
-  EXPECT_NE(NameOf(List(m_source), "COM58"), "");
+  EXPECT_EQ(DescriptionIn(m_source, kPort), "");
+  EXPECT_NE(DescriptionIn(m_source, "COM58"), "");
   m_scratch.Remove("ports/COM58");
-  EXPECT_EQ(NameOf(List(m_source), "COM58"), "");
+  EXPECT_EQ(DescriptionIn(m_source, "COM58"), "");
 }
 
 TEST_P(LinuxPortSourceTest, APseudoTerminalsEndIsSeenAtTheNextListing) {
@@ -85,13 +78,13 @@ TEST_P(LinuxPortSourceTest, APseudoTerminalsEndIsSeenAtTheNextListing) {
   for (int attempt = 0; attempt < kMostAttempts; ++attempt) {
     PseudoTerminal terminal;
     m_scratch.Link("own/COM57", terminal.Node());
-    ASSERT_NE(NameOf(List(source), kPort), "");
+    ASSERT_NE(DescriptionIn(source, kPort), "");
     terminal.Close();
-    ASSERT_EQ(NameOf(List(source), kPort), "");
+    ASSERT_EQ(DescriptionIn(source, kPort), "");
     // The kernel gives the lowest free number again, unless another process has asked first.
     const PseudoTerminal next;
     if (next.Node() == m_scratch.TargetOf("own/COM57")) {
-      EXPECT_NE(NameOf(List(source), kPort), "");
+      EXPECT_NE(DescriptionIn(source, kPort), "");
       return;
     }
     m_scratch.Remove("own/COM57");
@@ -107,14 +100,14 @@ TEST_P(LinuxPortSourceTest, NoticesAChangeBehindALinkedFolder) {
   m_scratch.Link("here", "a");
   m_scratch.Link("own/COM57", "../here/device");
   LinuxPortSource source(QString::fromStdString(m_scratch.At("own")), {}, GetParam());
-  EXPECT_EQ(NameOf(List(source), kPort), "");
+  EXPECT_EQ(DescriptionIn(source, kPort), "");
   m_scratch.Link("b/device", terminal.Node());
-  EXPECT_EQ(NameOf(List(source), kPort), "");
+  EXPECT_EQ(DescriptionIn(source, kPort), "");
   m_scratch.Remove("here");
   m_scratch.Link("here", "b");
-  EXPECT_NE(NameOf(List(source), kPort), "");
+  EXPECT_NE(DescriptionIn(source, kPort), "");
   m_scratch.Remove("b/device");
-  EXPECT_EQ(NameOf(List(source), kPort), "");
+  EXPECT_EQ(DescriptionIn(source, kPort), "");
 }
 
 TEST_P(LinuxPortSourceTest, NoticesThatTheFolderWasReplaced) {
@@ -122,13 +115,13 @@ TEST_P(LinuxPortSourceTest, NoticesThatTheFolderWasReplaced) {
   m_scratch.Folder("own");
   LinuxPortSource source(QString::fromStdString(m_scratch.At("own")), {}, GetParam());
   m_scratch.Link("own/COM57", terminal.Node());
-  EXPECT_NE(NameOf(List(source), kPort), "");
+  EXPECT_NE(DescriptionIn(source, kPort), "");
   ASSERT_EQ(::rename(m_scratch.At("own").c_str(), m_scratch.At("aside").c_str()), 0);
-  EXPECT_EQ(NameOf(List(source), kPort), "");
+  EXPECT_EQ(DescriptionIn(source, kPort), "");
   // The listing itself made a new one if this machine has lines to pin.
   ::mkdir(m_scratch.At("own").c_str(), 0700);
   m_scratch.Link("own/COM57", terminal.Node());
-  EXPECT_NE(NameOf(List(source), kPort), "");
+  EXPECT_NE(DescriptionIn(source, kPort), "");
 }
 
 TEST_P(LinuxPortSourceTest, ListsAfreshOnlyAfterAChange) {
@@ -137,26 +130,24 @@ TEST_P(LinuxPortSourceTest, ListsAfreshOnlyAfterAChange) {
   m_scratch.Link("own/COM57", terminal.Node());
   LinuxPortSource source(QString::fromStdString(m_scratch.At("own")), {}, GetParam());
   // Pins made for the machine's own lines are a change in their turn.
-  List(source);
-  List(source);
+  source.Ports();
+  source.Ports();
   const std::uint64_t before = source.ListingCount();
   for (int i = 0; i < 100; ++i) {
-    EXPECT_EQ(NameOf(List(source), kPort), PseudoTerminalName(terminal.Node()));
+    EXPECT_EQ(DescriptionIn(source, kPort), TerminalDescription(terminal.Node()));
   }
   EXPECT_EQ(source.ListingCount(), before);
   source.Forget();
-  List(source);
+  source.Ports();
   EXPECT_EQ(source.ListingCount(), before + 1);
 }
 
-TEST_P(LinuxPortSourceTest, KeepsWhatItHadWhenTheFolderCannotBeRead) {
+TEST_P(LinuxPortSourceTest, HasNoListWhileTheFolderCannotBeRead) {
   m_scratch.File("ports");
-  QStringList names("before");
-  EXPECT_FALSE(m_source.FriendlyNames(names));
-  EXPECT_FALSE(m_source.FriendlyNames(names));
-  EXPECT_EQ(names, QStringList("before"));
+  EXPECT_EQ(m_source.Ports(), std::nullopt);
+  EXPECT_EQ(m_source.Ports(), std::nullopt);
   m_scratch.Remove("ports");
-  EXPECT_TRUE(m_source.FriendlyNames(names));
+  EXPECT_NE(m_source.Ports(), std::nullopt);
 }
 
 /// Notes what the serial room warns of while it lives.
@@ -220,14 +211,12 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST_P(UnusableFolder, IsFoundOutOnceAndToldOnce) {
   Break();
-  QStringList names("before");
-  EXPECT_FALSE(m_source.FriendlyNames(names));
+  EXPECT_EQ(m_source.Ports(), std::nullopt);
   const std::uint64_t before = m_source.ListingCount();
   for (int i = 0; i < 100; ++i) {
-    EXPECT_FALSE(m_source.FriendlyNames(names));
+    EXPECT_EQ(m_source.Ports(), std::nullopt);
   }
   EXPECT_EQ(m_source.ListingCount(), before);
-  EXPECT_EQ(names, QStringList("before"));
   EXPECT_EQ(Warnings::Texts(), QStringList(Warning()));
 }
 
@@ -236,8 +225,7 @@ TEST(PortSourceWarning, SpellsOutWhatAFolderIsCalled) {
   const Warnings warnings;
   scratch.File("\x1b[2Jports");
   LinuxPortSource source(QString::fromStdString(scratch.At("\x1b[2Jports")));
-  QStringList names;
-  EXPECT_FALSE(source.FriendlyNames(names));
+  EXPECT_EQ(source.Ports(), std::nullopt);
   ASSERT_EQ(Warnings::Texts().size(), 1);
   EXPECT_TRUE(Warnings::Texts()[0].contains(QStringLiteral("\\u001B[2Jports")))
       << Warnings::Texts()[0].toStdString();
@@ -246,15 +234,14 @@ TEST(PortSourceWarning, SpellsOutWhatAFolderIsCalled) {
 
 TEST_P(UnusableFolder, IsSeenWhenItIsMended) {
   const PseudoTerminal terminal;
-  QStringList names;
   for (int time = 1; time <= 2; ++time) {
     Break();
-    EXPECT_FALSE(m_source.FriendlyNames(names));
+    EXPECT_EQ(m_source.Ports(), std::nullopt);
     EXPECT_EQ(Warnings::Texts().size(), time) << "each failure is told";
     m_scratch.Remove("ports");
     m_scratch.Folder("ports");
     m_scratch.Link("ports/COM57", terminal.Node());
-    EXPECT_EQ(NameOf(List(m_source), kPort), PseudoTerminalName(terminal.Node()));
+    EXPECT_EQ(DescriptionIn(m_source, kPort), TerminalDescription(terminal.Node()));
     ASSERT_EQ(::rename(m_scratch.At("ports").c_str(), m_scratch.At("aside" + std::to_string(time)).c_str()),
               0);
   }
@@ -262,11 +249,10 @@ TEST_P(UnusableFolder, IsSeenWhenItIsMended) {
 
 TEST_P(UnusableFolder, IsNotToldAgainWhenItIsListedAgain) {
   Break();
-  QStringList names;
-  EXPECT_FALSE(m_source.FriendlyNames(names));
+  EXPECT_EQ(m_source.Ports(), std::nullopt);
   const std::uint64_t before = m_source.ListingCount();
   m_source.Forget();
-  EXPECT_FALSE(m_source.FriendlyNames(names));
+  EXPECT_EQ(m_source.Ports(), std::nullopt);
   EXPECT_GT(m_source.ListingCount(), before);
   EXPECT_EQ(Warnings::Texts().size(), 1);
 }
@@ -294,10 +280,9 @@ TEST(LinuxPortSource, CachesAndTellsThatTheFolderMayNotBeRead) {
   EXPECT_EQ(InUnprivilegedProcess([&] {
               const Warnings warnings;
               LinuxPortSource source(QString::fromStdString(scratch.At("ports")));
-              QStringList names;
-              const bool failed = !source.FriendlyNames(names);
+              const bool failed = !source.Ports();
               const std::uint64_t before = source.ListingCount();
-              const bool failedAgain = !source.FriendlyNames(names);
+              const bool failedAgain = !source.Ports();
               return failed && failedAgain && source.ListingCount() == before &&
                      Warnings::Texts().size() == 1 &&
                      Warnings::Texts().constFirst().endsWith(QStringLiteral("Permission denied"));
@@ -324,18 +309,18 @@ TEST(LinuxPortSource, NotesWhenALinkWasLastSeen) {
   makeOld("COM57");
   makeOld("COM58");
   LinuxPortSource source(QString::fromStdString(scratch.Path()));
-  List(source);
+  source.Ports();
   EXPECT_GT(secondsOf("COM57"), 1000);
   EXPECT_EQ(secondsOf("COM58"), 1000);
   // It may have been there for long since the last listing; absent it is only from now on.
   makeOld("COM57");
   terminal.Close();
   scratch.Remove("device");
-  EXPECT_EQ(NameOf(List(source), kPort), "");
+  EXPECT_EQ(DescriptionIn(source, kPort), "");
   EXPECT_GT(secondsOf("COM57"), 1000);
   makeOld("COM57");
   source.Forget();
-  List(source);
+  source.Ports();
   EXPECT_EQ(secondsOf("COM57"), 1000);
 }
 
@@ -344,17 +329,17 @@ TEST(LinuxPortSource, SaysWhoUsesThePort) {
   const PseudoTerminal terminal;
   scratch.Link("COM57", terminal.Node());
   LinuxPortSource source(QString::fromStdString(scratch.Path()));
-  EXPECT_EQ(NameOf(List(source), kPort), PseudoTerminalName(terminal.Node()));
+  EXPECT_EQ(DescriptionIn(source, kPort), TerminalDescription(terminal.Node()));
   OtherProcess user([&] {
     const int line = ::open(terminal.Node().c_str(), O_RDWR | O_NOCTTY);
     return line >= 0 && ::flock(line, LOCK_EX | LOCK_NB) == 0;
   });
-  EXPECT_EQ(NameOf(List(source), kPort),
+  EXPECT_EQ(DescriptionIn(source, kPort),
             QStringLiteral("Pseudo-terminal - %1, in use by port_source_tes (PID %2) (COM57)")
                 .arg(QString::fromStdString(terminal.Node()))
                 .arg(user.Pid()));
   user.End();
-  EXPECT_EQ(NameOf(List(source), kPort), PseudoTerminalName(terminal.Node()));
+  EXPECT_EQ(DescriptionIn(source, kPort), TerminalDescription(terminal.Node()));
 }
 
 TEST(UsersOf, FindsWhoHoldsALock) {

@@ -7,8 +7,6 @@
 #include <memory>
 #include <vector>
 
-#include "serial/port_list.h"
-
 namespace quarn {
 namespace {
 
@@ -72,29 +70,28 @@ class Device {
   Key m_control;
 };
 
-QStringList Listed() {
-  QStringList names{QStringLiteral("left over")};
-  EXPECT_TRUE(Win32PortSource().FriendlyNames(names));
-  names.sort();
-  return names;
+QList<Port> Listed() {
+  const std::optional<QList<Port>> ports = Win32PortSource().Ports();
+  EXPECT_TRUE(ports);
+  return ports.value_or(QList<Port>());
 }
 
 TEST(PortSourceWin32, ListsThePortsThatArePresent) {
-  EXPECT_EQ(Listed(), QStringList());
+  EXPECT_EQ(Listed(), QList<Port>());
   {
     const Device first(QStringLiteral("QUARN1"), QStringLiteral("Sim\u00fclator (COM3)"));
-    EXPECT_EQ(Listed(), QStringList{QStringLiteral("Sim\u00fclator (COM3)")});
+    EXPECT_EQ(Listed(), (QList<Port>{{"COM3", QStringLiteral("Sim\u00fclator (COM3)")}}));
     const Device second(QStringLiteral("QUARN2"), QStringLiteral("USB Serial Port (COM12)"));
-    EXPECT_EQ(Listed(), (QStringList{QStringLiteral("Sim\u00fclator (COM3)"),
-                                     QStringLiteral("USB Serial Port (COM12)")}));
+    EXPECT_EQ(Listed(), (QList<Port>{{"COM3", QStringLiteral("Sim\u00fclator (COM3)")},
+                                     {"COM12", "USB Serial Port (COM12)"}}));
   }
-  EXPECT_EQ(Listed(), QStringList());
+  EXPECT_EQ(Listed(), QList<Port>());
 }
 
 TEST(PortSourceWin32, ADeviceThatIsKnownAndAwayIsNotListed) {
   const Device away(QStringLiteral("QUARN1"), QStringLiteral("Serial (COM4)"), false);
   const Device there(QStringLiteral("QUARN2"), QStringLiteral("Serial (COM5)"));
-  EXPECT_EQ(Listed(), QStringList{QStringLiteral("Serial (COM5)")});
+  EXPECT_EQ(Listed(), (QList<Port>{{"COM5", "Serial (COM5)"}}));
 }
 
 TEST(PortSourceWin32, PassesOverWhatIsNoComPortOrHasNoName) {
@@ -102,14 +99,14 @@ TEST(PortSourceWin32, PassesOverWhatIsNoComPortOrHasNoName) {
   const Device nameless(QStringLiteral("QUARN2"));
   const Device small(QStringLiteral("QUARN3"), QStringLiteral("Serial (com4)"));
   const Device port(QStringLiteral("QUARN4"), QStringLiteral("Serial (COM5)"));
-  EXPECT_EQ(Listed(), QStringList{QStringLiteral("Serial (COM5)")});
+  EXPECT_EQ(Listed(), (QList<Port>{{"COM5", "Serial (COM5)"}}));
 }
 
 TEST(PortSourceWin32, ANameThatDoesNotFitIsPassedOver) {
-  const QString tail = QStringLiteral(" (COM6)");
-  const Device fits(QStringLiteral("QUARN1"), QString(259 - tail.size(), u'x') + tail);
-  const Device tooLong(QStringLiteral("QUARN2"), QString(260 - tail.size(), u'y') + tail);
-  EXPECT_EQ(Listed(), QStringList{QString(259 - tail.size(), u'x') + tail});
+  const QString longest = QStringLiteral("Serial (COM6)").leftJustified(259, u'x');
+  const Device fits(QStringLiteral("QUARN1"), longest);
+  const Device tooLong(QStringLiteral("QUARN2"), longest + u'x');
+  EXPECT_EQ(Listed(), (QList<Port>{{"COM6", longest}}));
 }
 
 TEST(PortSourceWin32, AHundredPortsAreEnough) {
@@ -125,13 +122,8 @@ TEST(PortSourceWin32, TheListIsInTheOrderOfTheNumbers) {
   const Device ten(QStringLiteral("QUARN1"), QStringLiteral("Serial (COM10)"));
   const Device two(QStringLiteral("QUARN2"), QStringLiteral("Serial (COM2)"));
   const Device nine(QStringLiteral("QUARN3"), QStringLiteral("Serial (COM9)"));
-  Win32PortSource source;
-  PortConnection connection;
-  ASSERT_TRUE(RefreshPortList(source, connection));
-  ASSERT_EQ(connection.portCount, 3);
-  EXPECT_EQ(connection.portNames[0], QStringLiteral("COM2"));
-  EXPECT_EQ(connection.portNames[1], QStringLiteral("COM9"));
-  EXPECT_EQ(connection.portNames[2], QStringLiteral("COM10"));
+  EXPECT_EQ(Listed(),
+            (QList<Port>{{"COM2", "Serial (COM2)"}, {"COM9", "Serial (COM9)"}, {"COM10", "Serial (COM10)"}}));
 }
 
 }  // namespace

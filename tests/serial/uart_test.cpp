@@ -289,8 +289,7 @@ TEST_F(UartTest, OpenPortTellsOfARefusalAndKeepsTheLine) {
 
   // The next reset, with a supported rate, closes the line and opens it again.
   settings.comBps = QStringLiteral("9600");
-  connection.portCount = 1;
-  connection.portNames[0] = settings.comPort;
+  connection.portNames = {settings.comPort};
   EXPECT_TRUE(ResetPort(settings, connection, environment));
   EXPECT_EQ(connection.lastFailure.kind, LineError::None);
 }

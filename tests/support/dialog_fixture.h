@@ -15,6 +15,7 @@
 #include "settings/settings_table.h"
 #include "support/counted_indicator.h"
 #include "support/dialog_controls.h"
+#include "support/listed_ports.h"
 #include "support/recorded_messages.h"
 #include "support/scripted_line.h"
 #include "support/waits.h"
@@ -82,16 +83,9 @@ class DialogFixture : public ::testing::Test {
   QByteArray before;  ///< the file at the start
 
  private:
-  struct NoPorts final : PortSource {
-    bool FriendlyNames(QStringList& result) override {
-      result.clear();
-      return true;
-    }
-  };
-
   QTemporaryDir m_folder;
   const QString m_file = m_folder.filePath(QStringLiteral("Quarn.ini"));
-  NoPorts m_source;
+  ListedPorts m_source;
   ScriptedOpener m_opener{journal};
   CountedIndicator m_indicator;
 };

@@ -88,11 +88,8 @@ void CPortDetails::ShowTitle(const QString& status) {
 
 void CPortDetails::ShowList() {
   const PortSituation situation = Situation();
-  FriendlyNameTable names;
-  std::int32_t count = 0;
-  // Without them a row shows its port's name.
-  EnumeratePorts(Context().portSource, names, count);
-  m_shown = PortRowsOf(situation.ports, names);
+  // Asked for again: whether a port can be opened may have changed since they were listed.
+  m_shown = PortRowsOf(situation.ports, Context().portSource.Ports().value_or(QList<Port>()));
   ShowTitle(QString());
   m_status->setText(PortListStatus(situation));
   LayOut();
@@ -117,7 +114,7 @@ void CPortDetails::FillRows() {
     row.radio->setVisible(shown);
     row.description->setVisible(shown);
     if (!shown) continue;
-    const PortRow& port = m_shown[i];
+    const Port& port = m_shown[i];
     const QString fitting =
         FittingDescription(port.description, row.description->fontMetrics(),
                            row.description->width() - DialogGrid(*this).Width(DialogGrid::kGap));
@@ -125,7 +122,7 @@ void CPortDetails::FillRows() {
     SetPlainToolTip(*row.description, fitting == port.description ? QString() : port.description,
                     Qt::ElideMiddle);
     row.description->setAccessibleName(port.description);
-    row.radio->setText(port.port);
+    row.radio->setText(port.name);
     row.radio->setAccessibleName(port.description);
   }
 }
@@ -161,7 +158,7 @@ void CPortDetails::ClickRow(int index) {
     Mark(m_selected);  // the click has already marked its row
     return;
   }
-  m_selected = m_shown[index].port;
+  m_selected = m_shown[index].name;
   Mark(m_selected);
   ApplySetRule(m_selected);
   m_rowClicked = true;

@@ -57,7 +57,7 @@ class CPortDetails final : public PortDialog {
   std::array<Row, kPortRowCount> m_rows;
   QPushButton* m_set = nullptr;
   QPushButton* m_ok = nullptr;
-  QList<PortRow> m_shown;
+  QList<Port> m_shown;
   QString m_selected;
   bool m_rowClicked = false;
   QMargins m_frame;

@@ -8,11 +8,7 @@
 namespace quarn {
 
 PortSituation SituationOf(const SharedState& state, const PortConnection& connection) {
-  PortSituation situation{state.currentPortName, connection.connected.IsSet(), {}};
-  for (int i = 0; i < std::clamp(connection.portCount, 0, kPortCapacity); ++i) {
-    situation.ports.append(connection.portNames[static_cast<std::size_t>(i)]);
-  }
-  return situation;
+  return {state.currentPortName, connection.connected.IsSet(), connection.portNames};
 }
 
 PortChoice ChoiceAtOpening(const PortSituation& situation) {
@@ -44,28 +40,25 @@ QString PortNumberTitle(const PortSituation& situation, const QString& status) {
          port + QStringLiteral(")  ") + status;
 }
 
-QList<PortRow> PortRowsOf(const QStringList& ports, const FriendlyNameTable& friendlyNames) {
-  QList<QString> unused(friendlyNames.begin(), friendlyNames.end());
-  QList<PortRow> rows;
-  for (const QString& port : ports.first(std::min<qsizetype>(ports.size(), kPortRowCount))) {
-    const auto found = std::find_if(unused.begin(), unused.end(),
-                                    [&](const QString& each) { return ShortPortName(each) == port; });
-    rows.append({port, found == unused.end() ? port : *found});
-    // Two devices with the same name have a row each.
-    if (found != unused.end()) unused.erase(found);
+QList<Port> PortRowsOf(const QStringList& names, QList<Port> present) {
+  QList<Port> rows;
+  for (const QString& name : names.mid(0, kPortRowCount)) {
+    const std::optional<int> found = RowOf(present, name);
+    // Taken out, so that two devices with the same name have a row each.
+    rows.append(found ? present.takeAt(*found) : Port{name, name});
   }
   return rows;
 }
 
-std::optional<int> RowOf(const QList<PortRow>& rows, const QString& port) {
+std::optional<int> RowOf(const QList<Port>& rows, const QString& name) {
   const auto found =
-      std::find_if(rows.begin(), rows.end(), [&](const PortRow& row) { return row.port == port; });
+      std::find_if(rows.begin(), rows.end(), [&](const Port& port) { return port.name == name; });
   if (found == rows.end()) return std::nullopt;
   return static_cast<int>(found - rows.begin());
 }
 
 bool IsRowSetEnabled(const PortSituation& situation, const QString& name) {
-  if (!situation.ports.first(std::min<qsizetype>(situation.ports.size(), kPortRowCount)).contains(name)) {
+  if (!situation.ports.mid(0, kPortRowCount).contains(name)) {
     return false;
   }
   return !situation.connected || name != situation.current;

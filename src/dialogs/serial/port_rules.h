@@ -6,7 +6,7 @@
 
 #include "dialogs/shared_state.h"
 #include "serial/port_connection.h"
-#include "serial/port_list.h"
+#include "serial/port_source.h"
 #include "settings/setting_values.h"
 #include "settings/settings_record.h"
 
@@ -18,7 +18,7 @@ namespace quarn {
 struct PortSituation {
   QString current = NoPort();  ///< the current port name
   bool connected = false;
-  QStringList ports;  ///< the ports present, in their order
+  QStringList ports;  ///< the names of the ports present, in ascending number order
 };
 
 PortSituation SituationOf(const SharedState& state, const PortConnection& connection);
@@ -48,18 +48,14 @@ QString PortNumberTitle(const PortSituation& situation, const QString& status);
 
 // Detailed COM Port List.
 
+/// The list is for this many ports. It is not opened for more.
 inline constexpr int kPortRowCount = 30;
 
-struct PortRow {
-  QString port;
-  QString description;  ///< the friendly name; the port's name if the system has none
-};
-
-/// One row for each of the first 30 names of the list, with the friendly name that contains exactly this
-/// short name.
-QList<PortRow> PortRowsOf(const QStringList& ports, const FriendlyNameTable& friendlyNames);
-/// The row of this port, if it has one.
-std::optional<int> RowOf(const QList<PortRow>& rows, const QString& port);
+/// One row for each of the first 30 names, with its description from the ports that are present now. A name
+/// that is not among these is its own description.
+QList<Port> PortRowsOf(const QStringList& names, QList<Port> present);
+/// The row of the port with this name, if it has one.
+std::optional<int> RowOf(const QList<Port>& rows, const QString& name);
 /// Whether SET is enabled when `name` is selected.
 bool IsRowSetEnabled(const PortSituation& situation, const QString& name);
 QString PortListStatus(const PortSituation& situation);
