@@ -19,8 +19,8 @@ QStringList SplitTextLines(QStringView text, QChar terminator) {
   return lines;
 }
 
-void SortTextList(QStringList& list, qsizetype capacity) {
-  if (list.size() > capacity) return;
+void SortTextList(QStringList& list) {
+  if (list.size() > kMaxLines) return;
   list.removeAll(QString());
   // QString's own order is the order of code units.
   std::sort(list.begin(), list.end());

@@ -5,8 +5,7 @@
 
 namespace quarn {
 
-/// The maximum number of entries in a list of lines, file entries or port names, unless its owner sets a
-/// lower one.
+/// The maximum number of entries in a list of lines or file entries.
 inline constexpr qsizetype kMaxLines = 1024;
 /// The longest line that can be split off, in 16-bit characters; a longer one is a fatal bounds error.
 inline constexpr qsizetype kMaxLineCharacters = 1023;
@@ -16,7 +15,7 @@ inline constexpr qsizetype kMaxLineCharacters = 1023;
 [[nodiscard]] QStringList SplitTextLines(QStringView text, QChar terminator = u'\n');
 
 /// Removes empty entries and sorts the rest in ascending order of 16-bit code units, in any locale. A list of
-/// more than `capacity` entries is not changed.
-void SortTextList(QStringList& list, qsizetype capacity = kMaxLines);
+/// more than kMaxLines entries is not changed.
+void SortTextList(QStringList& list);
 
 }  // namespace quarn
