@@ -27,5 +27,7 @@ void SpeakToConsoleInSystemEncoding();
 /// From now on standard output passes every byte unchanged: no line end is translated. Does nothing on
 /// systems that never translate.
 void PassBytesAsTheyAre();
+/// The same for standard input, which also does not end at a byte 1A.
+void TakeBytesAsTheyAre();
 
 }  // namespace quarn::send

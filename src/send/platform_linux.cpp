@@ -29,4 +29,6 @@ void SpeakToConsoleInSystemEncoding() {}
 
 void PassBytesAsTheyAre() {}
 
+void TakeBytesAsTheyAre() {}
+
 }  // namespace quarn::send

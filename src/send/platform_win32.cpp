@@ -51,4 +51,6 @@ void PassBytesAsTheyAre() {
   ::_setmode(::_fileno(stdout), _O_BINARY);
 }
 
+void TakeBytesAsTheyAre() { ::_setmode(::_fileno(stdin), _O_BINARY); }
+
 }  // namespace quarn::send

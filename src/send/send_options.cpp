@@ -1,105 +1,144 @@
 #include "send/send_options.h"
 
-#include "terminal/render.h"
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <span>
+
+#include "send/option_values.h"
+#include "send/option_words.h"
 
 namespace quarn::send {
-
-const char kUsage[] =
-    "usage: quarn-send [--settings FILE] [--port COMn] [--raw] [--] COMMAND...\n"
-    "\n"
-    "Sends each COMMAND to the serial port, waits for its response and prints both as in the\n"
-    "operation log.\n"
-    "\n"
-    "  --settings FILE  use the settings in FILE instead of the current ones\n"
-    "  --port COMn      use this port instead of the one in the settings\n"
-    "  --raw            print only the response, byte for byte\n"
-    "  --               all following words are commands, even if they begin with -\n"
-    "  --help, --version\n"
-    "\n"
-    "exit status of the last command:\n"
-    "  0 response received    1 response time-out    2 empty response\n"
-    "  3 response truncated   4 aborted (Ctrl+C)\n"
-    "  5 the port or the settings could not be opened, or the line failed\n"
-    "  64 wrong usage, or a command that cannot be sent\n"
-    "  74 standard output could not be written\n";
-
 namespace {
 
-/// Reads the words from left to right.
-class Parser {
- public:
-  explicit Parser(const Arguments& arguments) : m_arguments(arguments) {}
+constexpr std::array kNames{
+    OptionName{"bps", true},       OptionName{"buffer", true},    OptionName{"data-bits", true},
+    OptionName{"defaults", false}, OptionName{"delimiter", true}, OptionName{"escapes", false},
+    OptionName{"file", true},      OptionName{"help", false},     OptionName{"parity", true},
+    OptionName{"port", true},      OptionName{"raw", false},      OptionName{"settings", true},
+    OptionName{"speed", true},     OptionName{"stop-bits", true}, OptionName{"timeout", true},
+    OptionName{"version", false},
+};
 
-  Options Parse() {
-    while (m_next < m_arguments.size() && m_options.error.isEmpty()) TakeWord(m_arguments[m_next++]);
-    const bool needsCommand = m_options.error.isEmpty() && !m_options.help && !m_options.version;
-    if (needsCommand && m_options.commands.isEmpty()) {
-      m_options.error = QStringLiteral("no command given");
-    }
+/// Turns the words of the options into their values. The first error stays.
+class Reader {
+ public:
+  explicit Reader(const Arguments& arguments) : m_words(kNames, arguments) {}
+
+  Options Read() {
+    m_options.error = m_words.Error();
+    m_options.help = m_words.Has("help");
+    m_options.version = m_words.Has("version");
+    if (!m_options.error.isEmpty()) return m_options;
+    ReadPort();
+    ReadLine();
+    ReadCommands();
+    ReadOutput();
     return m_options;
   }
 
  private:
-  void TakeWord(const Argument& word) {
-    const bool isOption = !m_onlyCommands && Bytes(word).startsWith('-');
-    if (isOption) {
-      TakeOption(Bytes(word));
-    } else if (word.bytes) {
-      m_options.commands.append(*word.bytes);
+  void ReadPort() {
+    m_options.settingsFile = Text("settings");
+    m_options.defaults = m_words.Has("defaults");
+    m_options.port = Text("port");
+    if (m_options.defaults && m_words.Has("settings")) {
+      Refuse(QStringLiteral("--settings and --defaults exclude each other"));
+    }
+  }
+
+  void ReadLine() {
+    m_options.line.rate = Number("bps", 1, std::numeric_limits<std::int32_t>::max());
+    m_options.line.dataBits = Setting("data-bits", values::kDataBits);
+    m_options.line.parity = Setting("parity", values::kParities);
+    m_options.line.stopBits = Setting("stop-bits", values::kStopBits);
+    m_options.line.delimiter = Setting("delimiter", values::kDelimiters);
+    m_options.line.buffer = Setting("buffer", values::kBufferSizes);
+    m_options.line.speed = Setting("speed", values::kSpeeds);
+    m_options.timeout = Seconds("timeout", LeastTime::Some);
+  }
+
+  void ReadCommands() {
+    m_options.escapes = m_words.Has("escapes");
+    for (const QString& file : m_words.Values("file")) {
+      if (file == QLatin1String("-")) {
+        AddStandardInput();
+      } else {
+        m_options.commands.push_back({.kind = CommandSource::Kind::File, .file = file});
+      }
+    }
+    for (const CommandWord& each : m_words.Commands()) AddWord(each);
+    if (m_options.commands.empty() && NeedsCommands()) Refuse(QStringLiteral("no command given"));
+  }
+
+  void AddWord(const CommandWord& each) {
+    if (!each.isLiteral && each.word.text == QStringLiteral("-")) {
+      AddStandardInput();
+    } else if (each.word.bytes) {
+      m_options.commands.push_back({.kind = CommandSource::Kind::Word, .bytes = *each.word.bytes});
     } else {
-      m_options.error = QStringLiteral("\"%1\" cannot be sent: the system's character set lacks some of it")
-                            .arg(Spelled(Bytes(word)));
+      Refuse(QStringLiteral("\"%1\" cannot be sent: the system's character set lacks some of it")
+                 .arg(Spelled(each.word.text.value_or(QString()).toUtf8())));
     }
   }
 
-  void TakeOption(const QByteArray& name) {
-    if (name == "--") {
-      m_onlyCommands = true;
-    } else if (name == "--raw") {
-      m_options.raw = true;
-    } else if (name == "--help") {
-      m_options.help = true;
-    } else if (name == "--version") {
-      m_options.version = true;
-    } else if (name == "--settings") {
-      TakeValue(name, m_options.settingsFile);
-    } else if (name == "--port") {
-      TakeValue(name, m_options.port);
-    } else {
-      m_options.error = QStringLiteral("unknown option: %1 (a command that begins with - stands after --)")
-                            .arg(Spelled(name));
-    }
+  void AddStandardInput() {
+    const bool again = std::ranges::any_of(m_options.commands, [](const CommandSource& each) {
+      return each.kind == CommandSource::Kind::StandardInput;
+    });
+    if (again) return Refuse(QStringLiteral("standard input can be read only once"));
+    m_options.commands.push_back({.kind = CommandSource::Kind::StandardInput});
   }
 
-  void TakeValue(const QByteArray& name, QString& value) {
-    const QString option = QString::fromLatin1(name);
-    if (m_next == m_arguments.size()) {
-      m_options.error = option + QStringLiteral(" takes a value");
-      return;
-    }
-    const Argument& word = m_arguments[m_next++];
-    value = word.text.value_or(QString());
-    if (!word.text) {
-      m_options.error = QStringLiteral("%1: \"%2\" is no UTF-8 text")
-                            .arg(option, Spelled(word.bytes.value_or(QByteArray())));
-    } else if (value.isEmpty()) {
-      m_options.error = option + QStringLiteral(" takes a value");
-    }
+  void ReadOutput() { m_options.raw = m_words.Has("raw"); }
+
+  [[nodiscard]] bool NeedsCommands() const { return !m_options.help && !m_options.version; }
+
+  /// The value given last.
+  QString Text(const char* name) {
+    const QStringList values = m_words.Values(name);
+    return values.isEmpty() ? QString() : values.last();
   }
 
-  static QByteArray Bytes(const Argument& word) {
-    return word.bytes ? *word.bytes : word.text.value_or(QString()).toUtf8();
+  std::optional<std::uint32_t> Number(const char* name, std::uint32_t least, std::uint32_t most) {
+    if (!m_words.Has(name)) return std::nullopt;
+    const auto number = NumberIn(Text(name), least, most);
+    if (!number) RefuseValue(name, QStringLiteral("a whole number from %1 to %2").arg(least).arg(most));
+    return number;
   }
-  static QString Spelled(const QByteArray& bytes) { return QString::fromLatin1(SpellOut(bytes)); }
 
-  const Arguments& m_arguments;
-  std::size_t m_next = 0;
-  bool m_onlyCommands = false;
+  enum class LeastTime { None, Some };
+  std::optional<std::chrono::milliseconds> Seconds(const char* name, LeastTime least) {
+    if (!m_words.Has(name)) return std::nullopt;
+    const auto time = SecondsIn(Text(name));
+    if (!time || (least == LeastTime::Some && time->count() == 0)) {
+      RefuseValue(name, QStringLiteral("a number of seconds, such as 2 or 0.25"));
+    }
+    return time;
+  }
+
+  std::optional<QString> Setting(const char* name, std::span<const SettingValue> values) {
+    if (!m_words.Has(name)) return std::nullopt;
+    const auto text = SettingTextIn(Text(name), values);
+    if (!text) RefuseValue(name, Alternatives(values));
+    return text;
+  }
+
+  void RefuseValue(const char* name, const QString& wanted) {
+    Refuse(QStringLiteral("--%1 %2: it must be %3")
+               .arg(QString::fromLatin1(name), Spelled(Text(name).toUtf8()), wanted));
+  }
+
+  void Refuse(const QString& reason) {
+    if (m_options.error.isEmpty()) m_options.error = reason;
+  }
+
+  const OptionWords m_words;
   Options m_options;
 };
 
 }  // namespace
 
-Options ParseArguments(const Arguments& arguments) { return Parser(arguments).Parse(); }
+Options ParseArguments(const Arguments& arguments) { return Reader(arguments).Read(); }
 
 }  // namespace quarn::send

@@ -1,17 +1,13 @@
 #include "send/sender.h"
 
-#include <filesystem>
-#include <optional>
-#include <vector>
-
+#include "send/commands.h"
+#include "send/connect.h"
+#include "send/failure_text.h"
 #include "send/interruption.h"
 #include "send/platform.h"
 #include "send/settings_choice.h"
 #include "send/standard_output.h"
 #include "serial/open_port.h"
-#include "serial/platform_serial.h"
-#include "serial/port_list.h"
-#include "serial/port_names.h"
 #include "settings/data_folder.h"
 #include "terminal/framing.h"
 #include "terminal/log_text.h"
@@ -20,36 +16,6 @@
 
 namespace quarn::send {
 namespace {
-
-/// Prints messages on standard error. Nobody can be asked.
-class StandardErrorMessages final : public MessageOperations {
- public:
-  void ShowErrorMessage(const QString&, const QString& line0, const QString& line1,
-                        const QString& line2) override {
-    Complain(QStringLiteral("%1 %2 %3").arg(line1, line0, line2).simplified());
-  }
-  void ShowInformationMessage(const QString& suffix, const QString& line0, const QString& line1,
-                              const QString& line2) override {
-    ShowErrorMessage(suffix, line0, line1, line2);
-  }
-  bool AskConfirmation(const QString&, const QString&, const QString&, const QString&,
-                       AnswerByDefault) override {
-    return false;
-  }
-  bool AskYesNo(const QString&, const QString&, const QString&, const QString&, AnswerByDefault) override {
-    return false;
-  }
-  bool AskSimple(const QString&, AnswerByDefault) override { return false; }
-  bool AskSimpleYesNo(const QString&, AnswerByDefault) override { return false; }
-  void ShowTransientMessage(const QString& text, std::optional<QPoint>) override { Complain(text); }
-  void ShowPlainMessage(const QString& text) override { Complain(text); }
-};
-
-class NoIndicator final : public WaitIndicator {
- public:
-  void Show() override {}
-  void Restore() override {}
-};
 
 /// A shell needs no painting and no held input. Ctrl+C acts as the ESC key.
 class ShellHost final : public TransactionHost {
@@ -61,14 +27,6 @@ class ShellHost final : public TransactionHost {
   [[nodiscard]] int CaretPosition() const override { return -1; }
   bool EscapePressed() override { return IsInterrupted(); }
 };
-
-/// The command as shown in a message, at most one line long.
-QString Quoted(const QByteArray& command) {
-  constexpr qsizetype kMost = 40;
-  const QByteArray text = SpellOut(command.left(kMost));
-  return QLatin1Char('"') + QString::fromLatin1(text) +
-         (command.size() > kMost ? QStringLiteral("...\"") : QStringLiteral("\""));
-}
 
 /// Refuses all commands if one of them could be sent only in part: a part could be a different command.
 bool AllCanBeSent(const QByteArrayList& commands, const QString& delimiter) {
@@ -87,38 +45,6 @@ bool AllCanBeSent(const QByteArrayList& commands, const QString& delimiter) {
     }
   }
   return true;
-}
-
-/// Why a port may exist although it is not listed: the folder with the numbers cannot be opened, or too few
-/// files can be opened for a listing. Empty if the list is complete.
-QString WhyNotListed(const QString& portsFolder) {
-  constexpr int kMostOpenAtATime = 16;
-  std::vector<std::filesystem::directory_iterator> open;
-  for (int i = 0; i < kMostOpenAtATime; ++i) {
-    std::error_code error;
-    open.emplace_back(portsFolder.toStdU16String(), error);
-    if (error == std::errc::no_such_file_or_directory) break;
-    if (error) return portsFolder + QStringLiteral(": ") + QString::fromStdString(error.message());
-  }
-  return {};
-}
-
-bool Connect(const SettingsRecord& settings, const QString& portsFolder, PortConnection& connection) {
-  if (IsBeyondLastPort(settings.comPort)) {
-    Complain(QStringLiteral("%1: port numbers end at 99. %2")
-                 .arg(settings.comPort, HowToChangePortNumber(portsFolder)));
-    return false;
-  }
-  const auto opener = CreateLineOpener(portsFolder);
-  const auto source = CreatePortSource(portsFolder);
-  StandardErrorMessages messages;
-  NoIndicator indicator;
-  RefreshPortList(*source, connection);
-  if (ConnectPort(settings, connection, {*opener, messages, indicator})) return true;
-  const bool missing = connection.lastFailure.kind == LineError::NotFound;
-  const QString unlisted = missing ? WhyNotListed(portsFolder) : QString();
-  Complain(unlisted.isEmpty() ? connection.lastFailure.reason : unlisted);
-  return false;
 }
 
 QByteArray OutcomeText(const Options& options, const TransactionOutcome& outcome, const QByteArray& command,
@@ -145,10 +71,12 @@ int SendOne(const Options& options, const SettingsRecord& settings, TransactionE
 }
 
 /// Runs the commands until one ends the run.
-int SendAll(const Options& options, const SettingsRecord& settings, const PortConnection& connection) {
+int SendAll(const Options& options, const QByteArrayList& commands, const SettingsRecord& settings,
+            const PortConnection& connection) {
   TransactionEngine engine(connection);
+  engine.SetOwnTimeout(options.timeout);
   int status = 0;
-  for (const QByteArray& command : options.commands) {
+  for (const QByteArray& command : commands) {
     if (IsInterrupted()) return static_cast<int>(TransactionResult::Aborted);
     status = SendOne(options, settings, engine, command);
     if (status == kFailed || status == kNotPrinted) break;
@@ -160,18 +88,28 @@ int SendAll(const Options& options, const SettingsRecord& settings, const PortCo
 
 int Send(const Options& options) {
   const QString dataFolder = DataFolder();
-  if (dataFolder.isEmpty()) {
-    Complain(WhyNoDataFolder());
-    return kFailed;
-  }
   SettingsRecord settings;
   PortConnection connection;
   if (!LoadChosenSettings(options, dataFolder, settings)) return kFailed;
-  if (!AllCanBeSent(options.commands, settings.delimiter)) return kWrongUsage;
+  const Commands commands = CollectCommands(options, ReadCommandFile);
+  if (!commands.failure.isEmpty()) {
+    Complain(commands.failure);
+    return kFailed;
+  }
+  if (!commands.error.isEmpty()) {
+    Complain(commands.error);
+    return kWrongUsage;
+  }
+  if (!AllCanBeSent(commands.list, settings.delimiter)) return kWrongUsage;
+  // A number is a link there.
+  if (dataFolder.isEmpty() && !settings.comPort.contains(u'/')) {
+    Complain(WhyNoDataFolder());
+    return kFailed;
+  }
   NoticeInterruption();
-  if (!Connect(settings, PortsFolder(dataFolder), connection)) return kFailed;
+  if (!Connect(options, settings, PortsFolder(dataFolder), connection)) return kFailed;
   if (options.raw) PassBytesAsTheyAre();
-  const int status = SendAll(options, settings, connection);
+  const int status = SendAll(options, commands.list, settings, connection);
   ClosePort(connection);
   return status;
 }

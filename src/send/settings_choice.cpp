@@ -4,10 +4,14 @@
 #include <filesystem>
 #include <system_error>
 
+#include "send/connect.h"
 #include "send/standard_output.h"
+#include "serial/line_parameters.h"
 #include "settings/data_folder.h"
 #include "settings/key_store.h"
+#include "settings/setting_values.h"
 #include "settings/settings_load_save.h"
+#include "settings/settings_table.h"
 
 namespace quarn::send {
 namespace {
@@ -38,19 +42,64 @@ QString WhyNotComplete(const QString& path) {
                              : QStringLiteral("not a settings file: it is no UTF-8 text");
 }
 
-}  // namespace
+QString ChosenFile(const Options& options, const QString& dataFolder) {
+  return options.settingsFile.isEmpty() ? WorkingSettingsFile(dataFolder) : options.settingsFile;
+}
 
-bool LoadChosenSettings(const Options& options, const QString& dataFolder, SettingsRecord& settings) {
-  const QString file =
-      options.settingsFile.isEmpty() ? WorkingSettingsFile(dataFolder) : options.settingsFile;
+/// With a port in the options no file is needed, but one that is there is used.
+bool NeedsNoFile(const Options& options, const QString& dataFolder) {
+  if (options.defaults) return true;
+  if (!options.settingsFile.isEmpty() || options.port.isEmpty()) return false;
+  std::error_code error;
+  return dataFolder.isEmpty() ||
+         std::filesystem::status(WorkingSettingsFile(dataFolder).toStdU16String(), error).type() ==
+             std::filesystem::file_type::not_found;
+}
+
+/// Returns false and prints the reason if they cannot be read.
+bool Load(const QString& file, SettingsRecord& settings) {
   QString reason = WhyNotReadable(file);
   if (reason.isEmpty() && LoadSettings(file, settings) != LoadResult::Loaded) reason = WhyNotComplete(file);
-  if (!reason.isEmpty()) {
-    Complain(file + QStringLiteral(": ") + reason);
+  if (!reason.isEmpty()) Complain(file + QStringLiteral(": ") + reason);
+  return reason.isEmpty();
+}
+
+}  // namespace
+
+void ApplyOptions(const Options& options, SettingsRecord& settings) {
+  if (!options.port.isEmpty()) settings.comPort = PortNameOf(options.port);
+  const LineOptions& line = options.line;
+  if (line.rate) settings.comBps = QString::number(*line.rate);
+  settings.comBits = line.dataBits.value_or(settings.comBits);
+  settings.comParity = line.parity.value_or(settings.comParity);
+  settings.comStop = line.stopBits.value_or(settings.comStop);
+  settings.delimiter = line.delimiter.value_or(settings.delimiter);
+  settings.comBuf = line.buffer.value_or(settings.comBuf);
+  settings.portSpeed = line.speed.value_or(settings.portSpeed);
+}
+
+QString ReplacedRate(const Options& options, const SettingsRecord& settings) {
+  if (options.line.rate || FindValue(values::kBitRates, settings.comBps) != nullptr) return {};
+  return QStringLiteral(
+             "the settings name %1 bps, which they do not offer; the line runs at %2 (--bps sets any rate)")
+      .arg(settings.comBps)
+      .arg(BaudRateOf(settings.comBps));
+}
+
+bool LoadChosenSettings(const Options& options, const QString& dataFolder, SettingsRecord& settings) {
+  if (NeedsNoFile(options, dataFolder)) {
+    settings = DefaultSettings();
+  } else if (options.settingsFile.isEmpty() && dataFolder.isEmpty()) {
+    Complain(WhyNoDataFolder());
+    return false;
+  } else if (!Load(ChosenFile(options, dataFolder), settings)) {
     return false;
   }
-  if (!options.port.isEmpty()) settings.comPort = options.port;
-  return true;
+  if (const QString text = ReplacedRate(options, settings); !text.isEmpty()) Complain(text);
+  ApplyOptions(options, settings);
+  if (settings.comPort != kNoPort) return true;
+  Complain(QStringLiteral("no port is chosen; name one with --port (quarn-send --list shows them)"));
+  return false;
 }
 
 }  // namespace quarn::send

@@ -6,32 +6,50 @@
 namespace quarn {
 namespace {
 
-LineResult SetUp(SerialLine& line, const SettingsRecord& settings, MessageOperations& messages) {
-  LineState state;
-  if (LineResult got = line.GetState(state); !got) return got;
-  state.baudRate = BaudRateOf(settings.comBps);
-  state.byteSize = ByteSizeOf(settings.comBits);
-  state.stopBits = StopBitsOf(settings.comStop);
-  state.parity = ParityOf(settings.comParity);
-  if (LineResult set = line.SetState(state); !set) {
-    messages.ShowPlainMessage(QStringLiteral("Failed to set serial port state"));
-    return set;
+/// A failed look at the state has no message.
+QString TextOf(SetUpStep failed) {
+  switch (failed) {
+    case SetUpStep::GetState:
+      break;
+    case SetUpStep::SetState:
+      return QStringLiteral("Failed to set serial port state");
+    case SetUpStep::SetTimeouts:
+      return QStringLiteral("Failed to set serial port timeouts");
   }
-  LineResult set = line.SetTimeouts(TimeoutsOf(settings.comBps, settings.portSpeed));
-  if (!set) messages.ShowPlainMessage(QStringLiteral("Failed to set serial port timeouts"));
-  return set;
+  return {};
 }
 
 bool Configure(const SettingsRecord& settings, PortConnection& connection,
                const PortEnvironment& environment) {
   // Keeps a reference: while a message is shown the line may be closed.
   const std::shared_ptr<SerialLine> line = connection.handle.Line();
-  const LineResult result = SetUp(*line, settings, environment.messages);
-  if (!result) connection.lastFailure = result.Failure();
-  return static_cast<bool>(result);
+  SetUpStep step{};
+  const LineResult result = SetUpLine(*line, LineSetUpOf(settings), step);
+  if (result) return true;
+  if (const QString text = TextOf(step); !text.isEmpty()) environment.messages.ShowPlainMessage(text);
+  connection.lastFailure = result.Failure();
+  return false;
 }
 
 }  // namespace
+
+LineSetUp LineSetUpOf(const SettingsRecord& settings) {
+  return {.state = {.baudRate = BaudRateOf(settings.comBps),
+                    .byteSize = ByteSizeOf(settings.comBits),
+                    .stopBits = StopBitsOf(settings.comStop),
+                    .parity = ParityOf(settings.comParity)},
+          .timeouts = TimeoutsOf(settings.comBps, settings.portSpeed)};
+}
+
+LineResult SetUpLine(SerialLine& line, const LineSetUp& wanted, SetUpStep& step) {
+  step = SetUpStep::GetState;
+  LineState former;
+  if (LineResult got = line.GetState(former); !got) return got;
+  step = SetUpStep::SetState;
+  if (LineResult set = line.SetState(wanted.state); !set) return set;
+  step = SetUpStep::SetTimeouts;
+  return line.SetTimeouts(wanted.timeouts);
+}
 
 bool OpenPort(const SettingsRecord& settings, PortConnection& connection,
               const PortEnvironment& environment) {

@@ -15,6 +15,17 @@ struct PortEnvironment {
   WaitIndicator& waitIndicator;
 };
 
+/// What a line is set to.
+struct LineSetUp {
+  LineState state;
+  LineTimeouts timeouts;
+};
+LineSetUp LineSetUpOf(const SettingsRecord& settings);
+
+enum class SetUpStep { GetState, SetState, SetTimeouts };
+/// Sets parameters and time-outs of an open line. A failure's step goes into `step`.
+LineResult SetUpLine(SerialLine& line, const LineSetUp& wanted, SetUpStep& step);
+
 // All on the user-interface thread. None of them touches PortConnection::connected.
 
 /// Opens the port named by COM_PORT for exclusive use and sets line parameters and time-outs. The result of

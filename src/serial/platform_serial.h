@@ -13,6 +13,12 @@ namespace quarn {
 std::unique_ptr<SerialLineOpener> CreateLineOpener(const QString& portsFolder);
 std::unique_ptr<PortSource> CreatePortSource(const QString& portsFolder);
 
+/// The device of a port, by its name ("COM4") or by its own path, without a list of the ports. Empty if there
+/// is none, or none that can be a port.
+QString FindPortDevice(const QString& portsFolder, const QString& port);
+/// Opens a device that FindPortDevice has found.
+OpenResult OpenPortDevice(const QString& device);
+
 /// Tells the user, in one sentence, how to change a port's number.
 QString HowToChangePortNumber(const QString& portsFolder);
 

@@ -1,6 +1,9 @@
 #include <QDir>
+#include <QFile>
 
+#include "serial/link_path_linux.h"
 #include "serial/platform_serial.h"
+#include "serial/port_folder_linux.h"
 #include "serial/port_source_linux.h"
 #include "serial/serial_line_linux.h"
 
@@ -13,6 +16,17 @@ std::unique_ptr<SerialLineOpener> CreateLineOpener(const QString& portsFolder) {
 std::unique_ptr<PortSource> CreatePortSource(const QString& portsFolder) {
   return std::make_unique<LinuxPortSource>(portsFolder);
 }
+
+QString FindPortDevice(const QString& portsFolder, const QString& port) {
+  if (PortLinkNumber(QFile::encodeName(port).toStdString())) return ResolvePort(portsFolder, port);
+  const QDir folder = port.contains(u'/') ? QDir::current() : QDir(QStringLiteral("/dev"));
+  const QString path = QDir::cleanPath(folder.absoluteFilePath(port));
+  const ResolvedPath end = ResolvePath({}, QFile::encodeName(path).toStdString());
+  if (end.node.empty() || !IsTerminalDevice(end.status, SystemRoots().sys)) return {};
+  return QFile::decodeName(QByteArray::fromStdString(end.node));
+}
+
+OpenResult OpenPortDevice(const QString& device) { return OpenTerminalDevice(device); }
 
 QString HowToChangePortNumber(const QString& portsFolder) {
   return QStringLiteral("A port has the name of its link in %1, which can be renamed.")

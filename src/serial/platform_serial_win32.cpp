@@ -1,4 +1,7 @@
+#include <QRegularExpression>
+
 #include "serial/platform_serial.h"
+#include "serial/port_names.h"
 #include "serial/port_source_win32.h"
 #include "serial/serial_line_win32.h"
 
@@ -13,6 +16,15 @@ std::unique_ptr<SerialLineOpener> CreateLineOpener(const QString& /*portsFolder*
 std::unique_ptr<PortSource> CreatePortSource(const QString& /*portsFolder*/) {
   return std::make_unique<Win32PortSource>();
 }
+
+/// Whether there is such a port shows when it is opened. Nothing else is ever opened: a name can also be that
+/// of a disk.
+QString FindPortDevice(const QString& /*portsFolder*/, const QString& port) {
+  static const QRegularExpression name(QStringLiteral("\\ACOM[0-9]{1,9}\\z"));
+  return name.match(port).hasMatch() ? DevicePathOf(port) : QString();
+}
+
+OpenResult OpenPortDevice(const QString& device) { return Win32LineOpener().Open(device); }
 
 QString HowToChangePortNumber(const QString& /*portsFolder*/) {
   return QStringLiteral(

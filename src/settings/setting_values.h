@@ -40,6 +40,7 @@ inline constexpr SettingValue kCr{u"CR"};
 inline constexpr SettingValue kLf{u"LF"};
 inline constexpr SettingValue kCrLf{u"CRLF"};
 inline constexpr SettingValue kStxEtx{u"STX_ETX"};
+inline constexpr std::array kDelimiters{kCr, kLf, kCrLf, kStxEtx};
 
 // COM_BUF: bytes.
 inline constexpr SettingValue kBuffer1K{u"1K", 1024};
@@ -85,6 +86,7 @@ inline constexpr std::array kStopBits{k1StopBit, k1And5StopBits, k2StopBits};
 // PORT_SPEED.
 inline constexpr SettingValue kHighSpeed{u"HIGH"};
 inline constexpr SettingValue kLowSpeed{u"LOW"};
+inline constexpr std::array kSpeeds{kHighSpeed, kLowSpeed};
 
 // INPUT_MAX: characters of a command, and of a line of a response in the log.
 inline constexpr SettingValue kNarrow{u"N", 48};

@@ -10,7 +10,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::chrono::milliseconds kPoll{10};
+constexpr std::chrono::milliseconds kPoll = kPollTime;
 constexpr std::chrono::milliseconds kWorkerGrace{500};
 
 /// A delay of this length means that the process was stopped or the computer slept: no poll was possible.
@@ -82,7 +82,7 @@ void TransactionEngine::ForgetOtherLine() {
 
 TransactionResult TransactionEngine::WaitForWorker(const SettingsRecord& settings, TransactionHost& host,
                                                    const QByteArray& command) {
-  WaitPlan plan(settings);
+  WaitPlan plan(settings, m_ownTimeout);
   const QString shown = FromSystemEncoding(command).value_or(QString());
   Clock::time_point next = Clock::now();
   while (m_busy.IsSet()) {

@@ -2,8 +2,10 @@
 
 #include <QByteArray>
 #include <QString>
+#include <chrono>
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 #include "serial/port_connection.h"
 #include "settings/settings_record.h"
@@ -72,6 +74,9 @@ class TransactionEngine {
   TransactionEngine(const TransactionEngine&) = delete;
   TransactionEngine& operator=(const TransactionEngine&) = delete;
 
+  /// From now on a wait ends after this time, whatever the settings say; nullopt: they decide.
+  void SetOwnTimeout(std::optional<std::chrono::milliseconds> timeout) { m_ownTimeout = timeout; }
+
   /// Sends `command`, the bytes without their framing, and waits for its response. Returns AlreadyRunning at
   /// once while another call waits.
   ///
@@ -108,6 +113,7 @@ class TransactionEngine {
   std::unique_ptr<ReceiveWorker> m_worker;
   QByteArray m_kept;                      ///< the bytes of the last successful read
   std::weak_ptr<SerialLine> m_answering;  ///< the line of the previous transaction
+  std::optional<std::chrono::milliseconds> m_ownTimeout;
   unsigned m_pollCounter = 0;
 };
 

@@ -43,11 +43,17 @@ QString WaitingText(const QString& command, int caret, int refresh) {
   return WithCharacterAt(command, caret, u'*');
 }
 
-WaitPlan::WaitPlan(const SettingsRecord& settings)
-    : m_limit(TimeoutPolls(settings)), m_limited(IsOn(settings.rTimeout)) {}
+WaitPlan::WaitPlan(const SettingsRecord& settings, std::optional<std::chrono::milliseconds> ownTimeout)
+    : m_left(ownTimeout),
+      m_limit(TimeoutPolls(settings)),
+      m_limited(!ownTimeout && IsOn(settings.rTimeout)) {}
 
 WaitPlan::Step WaitPlan::Next() {
   if (m_limited && m_polls > m_limit) return Step::TimedOut;
+  if (m_left) {
+    if (*m_left <= kPollTime) return Step::TimedOut;
+    *m_left -= kPollTime;
+  }
   ++m_iterations;
   if (m_iterations % kPollsPerRefresh != 0) {
     // Without a time-out a wait has no limit, but the counter must not overflow.

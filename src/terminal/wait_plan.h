@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QString>
+#include <chrono>
+#include <optional>
 
 #include "settings/settings_record.h"
 
@@ -20,7 +22,9 @@ int TimeoutPolls(const SettingsRecord& settings);
 /// character; a negative caret gives no mark.
 QString WaitingText(const QString& command, int caret, int refresh);
 
-/// The wait for a response, counted in polls. Pure: the caller reports each poll.
+inline constexpr std::chrono::milliseconds kPollTime{10};
+
+/// The wait for a response, counted in polls of that time. Pure: the caller reports each poll.
 class WaitPlan {
  public:
   enum class Step {
@@ -29,14 +33,18 @@ class WaitPlan {
     TimedOut,
   };
 
-  explicit WaitPlan(const SettingsRecord& settings);
+  /// With a time-out of its own it ends after that time, rounded up to a whole poll, whatever the settings
+  /// say.
+  explicit WaitPlan(const SettingsRecord& settings,
+                    std::optional<std::chrono::milliseconds> ownTimeout = std::nullopt);
 
-  /// One poll of 10 ms has passed.
+  /// One poll has passed.
   Step Next();
   /// How many refreshes there have been.
   [[nodiscard]] int Refreshes() const { return m_refreshes; }
 
  private:
+  std::optional<std::chrono::milliseconds> m_left;  ///< of the time-out of its own
   int m_limit;
   bool m_limited;
   int m_polls = 0;  ///< polls that count towards the time-out: all but every 20th

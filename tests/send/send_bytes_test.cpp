@@ -46,7 +46,9 @@ TEST_F(SendBytes, ACommandForgesNoLineAndSteersNoTerminal) {
 
 TEST_F(SendBytes, WhatAFileOrTheCommandLineBringsSteersNoTerminal) {
   UseSettings({{"COM_PORT=", "COM9\x1b[31m\xc2\x9b\x7f"}});
-  EXPECT_EQ(Send("id").err, "quarn-send: COM9<ESC>[31m<0xc2><0x9b><DEL> is not present\n");
+  EXPECT_EQ(Send("id").err,
+            "quarn-send: COM9<ESC>[31m<0xc2><0x9b><DEL> is not present; quarn-send --list shows the ports "
+            "that are\n");
   for (const char* line : {R"sh(exec "$0" --port "$(printf 'COM9\033[2J\nx')" id)sh",
                            R"sh(exec "$0" --settings "$(printf '/\033[2J\r\303\266')" id)sh",
                            R"sh(exec "$0" --settings "$(printf '/\377\033')" id)sh",

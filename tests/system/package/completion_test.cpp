@@ -60,7 +60,7 @@ TEST_F(Completion, OffersTheOptionsOfTheProgram) {
 
 TEST_F(Completion, CompletesAnOption) {
   EXPECT_EQ(Complete("--se"), Words{"--settings"});
-  EXPECT_EQ(Complete("--port COM3 --r"), Words{"--raw"});
+  EXPECT_EQ(Complete("--port COM3 --ra"), Words{"--raw"});
 }
 
 TEST_F(Completion, OffersThePortsThatHaveNumbers) {
@@ -71,6 +71,13 @@ TEST_F(Completion, OffersThePortsThatHaveNumbers) {
 TEST_F(Completion, OffersConfigurationFilesAndFolders) {
   EXPECT_EQ(Complete("--settings ''"), (Words{"bench.qrn", "a b.qrn", ".config", "folder"}));
   EXPECT_EQ(Complete("--settings b"), Words{"bench.qrn"});
+}
+
+TEST_F(Completion, OffersTheValuesOfAnOption) {
+  EXPECT_EQ(Complete("--parity ''"), (Words{"none", "odd", "even"}));
+  EXPECT_EQ(Complete("--delimiter S"), Words{"STX_ETX"});
+  EXPECT_EQ(Complete("--file n"), Words{"notes.txt"});
+  EXPECT_EQ(Complete("--timeout ''"), Words{});
 }
 
 TEST_F(Completion, LeavesCommandsAlone) {

@@ -1,0 +1,41 @@
+#include "send/failure_text.h"
+
+#include "send/connect.h"
+#include "serial/line_test_support.h"
+
+namespace quarn::send {
+namespace {
+
+TEST(FailureText, NamesPortDeviceHolderAndRemedy) {
+  const LineFailure failure{LineError::InUse, QStringLiteral("/dev/ttyUSB0: in use by minicom (PID 12)")};
+  EXPECT_EQ(
+      FailureText(QStringLiteral("COM7"), failure),
+      QStringLiteral("COM7: /dev/ttyUSB0: in use by minicom (PID 12); end that program, or wait for it with "
+                     "--wait SECONDS"));
+}
+
+TEST(FailureText, NamesThePortOnce) {
+  for (const char* reason : {"COM7: Access is denied.", "COM7 is not present"}) {
+    const QString text =
+        FailureText(QStringLiteral("COM7"), {LineError::Disconnected, QString::fromLatin1(reason)});
+    EXPECT_EQ(text.count(QStringLiteral("COM7")), 1) << text.toStdString();
+    EXPECT_FALSE(text.contains(QStringLiteral(".;"))) << text.toStdString();
+  }
+}
+
+TEST(PortNameOf, SpellsNumberedPortsAlike) {
+  for (const auto& [text, name] : {std::pair{"com4", "COM4"},
+                                   {"Com12", "COM12"},
+                                   {"\\\\.\\com12", "COM12"},
+                                   {"com104", "COM104"},
+                                   {"com", "com"},
+                                   {"com4x", "com4x"},
+                                   {"/dev/com4", "/dev/com4"},
+                                   {"ttyUSB0", "ttyUSB0"},
+                                   {"", ""}}) {
+    EXPECT_EQ(PortNameOf(QString::fromLatin1(text)), QString::fromLatin1(name));
+  }
+}
+
+}  // namespace
+}  // namespace quarn::send
