@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "serial/port_description_linux.h"
+#include "serial/port_details_linux.h"
 #include "serial/port_pins_linux.h"
 #include "serial/port_use_linux.h"
 
@@ -21,16 +22,6 @@ std::string AbsolutePath(const QString& path) {
 }
 
 QString TextOf(const std::string& bytes) { return QString::fromUtf8(bytes.data(), qsizetype(bytes.size())); }
-
-QString ProductOf(const struct stat& node, const std::vector<SerialDevice>& devices) {
-  if (IsPseudoTerminal(node.st_rdev)) {
-    return QStringLiteral("Pseudo-terminal");
-  }
-  const auto device = std::find_if(devices.begin(), devices.end(),
-                                   [&](const SerialDevice& d) { return d.number == node.st_rdev; });
-  const QString product = device != devices.end() ? TextOf(device->product) : QString();
-  return product.trimmed().isEmpty() ? QStringLiteral("Serial Port") : product;
-}
 
 QString UnavailableReason(const DeviceNode& node, pid_t user, const SystemRoots& roots) {
   const std::string permission = NoPermissionReason(node);
@@ -154,7 +145,7 @@ QList<Port> LinuxPortSource::PortsOf(const std::vector<PortLink>& links,
   QList<Port> ports;
   for (std::size_t i = 0; i < nodes.size(); ++i) {
     const QString& name = names[static_cast<qsizetype>(i)];
-    ports.append({name, DescriptionOf({ProductOf(nodes[i].status, devices), TextOf(nodes[i].path),
+    ports.append({name, DescriptionOf({DeviceDescription(nodes[i].status, devices), TextOf(nodes[i].path),
                                        UnavailableReason(nodes[i], users[i], m_roots), name})});
   }
   return ports;
