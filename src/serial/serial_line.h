@@ -60,6 +60,12 @@ struct LineState {
   bool operator==(const LineState&) const = default;
 };
 
+/// The modem lines that the computer drives. nullopt: stays as it is.
+struct ModemLines {
+  std::optional<bool> dtr;
+  std::optional<bool> rts;
+};
+
 /// The five time-outs of the comm API, all in milliseconds (the multipliers: per requested byte).
 ///  - A read ends when, after its first byte, no further byte came for `readInterval` (0: never).
 ///  - It also ends `readTotalMultiplier` x requested bytes + `readTotalConstant` after it was called
@@ -97,6 +103,7 @@ class SerialLine {
   /// If the driver refuses one of the four parameters, fails and leaves the line as it was.
   virtual LineResult SetState(const LineState& state) = 0;
   virtual LineResult SetTimeouts(const LineTimeouts& timeouts) = 0;
+  virtual LineResult SetModemLines(const ModemLines& lines) = 0;
   /// Drops bytes that are not sent yet, and received bytes that are not read yet.
   virtual LineResult Purge() = 0;
   /// Clears a communication error that the driver holds.

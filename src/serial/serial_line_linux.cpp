@@ -5,6 +5,7 @@
 #include <poll.h>
 #include <sys/eventfd.h>
 #include <sys/file.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -112,6 +113,19 @@ class LinuxSerialLine final : public SerialLine {
     if (LineResult cleared = ClearError(); !cleared) return cleared;
     const std::lock_guard guard(m_timeoutsMutex);
     m_timeouts = timeouts;
+    return {};
+  }
+
+  LineResult SetModemLines(const ModemLines& lines) override {
+    const std::lock_guard guard(m_lineMutex);
+    for (const auto& [level, line] : {std::pair{lines.dtr, TIOCM_DTR}, {lines.rts, TIOCM_RTS}}) {
+      int bits = line;
+      if (!level || ControlLine(m_hold.line.Get(), *level ? TIOCMBIS : TIOCMBIC, &bits) == 0) continue;
+      // A driver without modem lines has several errors for this.
+      return Refuse(
+          QStringLiteral("%1 cannot be set: %2")
+              .arg(line == TIOCM_DTR ? QStringLiteral("DTR") : QStringLiteral("RTS"), SystemText(errno)));
+    }
     return {};
   }
 

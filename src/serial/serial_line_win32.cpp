@@ -128,6 +128,15 @@ LineResult Win32SerialLine::SetTimeouts(const LineTimeouts& timeouts) {
   return {};
 }
 
+LineResult Win32SerialLine::SetModemLines(const ModemLines& lines) {
+  const auto [handle, failure] = UsableHandle();
+  if (!handle) return failure;
+  const auto set = [&](std::optional<bool> level, DWORD on, DWORD off) {
+    return !level || EscapeCommFunction(handle->Get(), *level ? on : off) != FALSE;
+  };
+  return Conclude(set(lines.dtr, SETDTR, CLRDTR) && set(lines.rts, SETRTS, CLRRTS));
+}
+
 LineResult Win32SerialLine::Purge() {
   Usable usable;
   {

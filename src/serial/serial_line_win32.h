@@ -31,6 +31,7 @@ class Win32SerialLine final : public SerialLine {
   LineResult GetState(LineState& state) override;
   LineResult SetState(const LineState& state) override;
   LineResult SetTimeouts(const LineTimeouts& timeouts) override;
+  LineResult SetModemLines(const ModemLines& lines) override;
   LineResult Purge() override;
   LineResult ClearError() override;
   /// A driver whose device is gone gives no state, even after the device is back: the handle is the old one.

@@ -39,6 +39,7 @@ class ScriptedLine : public SerialLine {
   bool getStateWorks = true;
   bool setStateWorks = true;
   bool setTimeoutsWorks = true;
+  bool setModemLinesWorks = true;
   bool purgeWorks = true;
   bool closeWorks = true;
   bool lost = false;
@@ -49,6 +50,7 @@ class ScriptedLine : public SerialLine {
 
   // The arguments of the calls.
   LineTimeouts timeouts;
+  ModemLines modemLines;
   std::size_t readSize = 0;
   QByteArray written;
 
@@ -66,6 +68,11 @@ class ScriptedLine : public SerialLine {
     m_journal.Note("set time-outs");
     if (setTimeoutsWorks) timeouts = wanted;
     return Works(setTimeoutsWorks);
+  }
+  LineResult SetModemLines(const ModemLines& wanted) override {
+    m_journal.Note("set modem lines");
+    if (setModemLinesWorks) modemLines = wanted;
+    return Works(setModemLinesWorks);
   }
   LineResult Purge() override {
     m_journal.Note("purge");
