@@ -1,10 +1,13 @@
 #include "send/connect.h"
 
 #include <algorithm>
+#include <chrono>
 #include <filesystem>
 #include <vector>
 
+#include "send/exit_status.h"
 #include "send/failure_text.h"
+#include "send/interruption.h"
 #include "send/standard_output.h"
 #include "serial/open_port.h"
 #include "serial/platform_serial.h"
@@ -52,6 +55,20 @@ OpenResult Open(const QString& port, const QString& portsFolder) {
   return opened;
 }
 
+/// Tries again while another program has the port, until the time is over or the user interrupts.
+OpenResult OpenInTime(const Options& options, const QString& port, const QString& portsFolder) {
+  constexpr std::chrono::milliseconds kTryAgain{100};
+  // What a settings file names is a number, as in the window.
+  if (options.port.isEmpty() && !ValidatePortName(port)) return {nullptr, NotPresent(port)};
+  const auto end = std::chrono::steady_clock::now() + options.wait;
+  while (true) {
+    OpenResult opened = Open(port, portsFolder);
+    const auto now = std::chrono::steady_clock::now();
+    if (opened.line || opened.failure.kind != LineError::InUse || now >= end) return opened;
+    if (!SleepUntil(std::min(end, now + kTryAgain))) return opened;
+  }
+}
+
 LineSetUp SetUpOf(const Options& options, const SettingsRecord& settings) {
   LineSetUp setUp = LineSetUpOf(settings);
   if (options.line.rate) setUp.state.baudRate = *options.line.rate;
@@ -75,27 +92,28 @@ QString PortNameOf(const QString& text) {
   return isNumbered ? name : text;
 }
 
-bool Connect(const Options& options, const SettingsRecord& settings, const QString& portsFolder,
-             PortConnection& connection) {
+int Connect(const Options& options, const SettingsRecord& settings, const QString& portsFolder,
+            PortConnection& connection) {
   const QString& port = settings.comPort;
   if (IsBeyondLastPort(port)) {
     Complain(QStringLiteral("%1: port numbers end at 99. %2").arg(port, HowToChangePortNumber(portsFolder)));
-    return false;
+    return kFailed;
   }
-  // What a settings file names is a number, as in the window.
-  const bool isPossible = !options.port.isEmpty() || ValidatePortName(port);
-  const OpenResult opened = isPossible ? Open(port, portsFolder) : OpenResult{nullptr, NotPresent(port)};
+  const OpenResult opened = OpenInTime(options, port, portsFolder);
+  if (IsInterrupted()) return kAborted;
   if (!opened.line) {
     const bool missing = opened.failure.kind == LineError::NotFound;
     const QString unlisted = missing ? WhyNotListed(portsFolder) : QString();
     Complain(unlisted.isEmpty() ? FailureText(port, opened.failure) : unlisted);
-    return false;
+    return kFailed;
   }
   connection.handle = PortHandle(opened.line);
   SetUpStep step{};
-  const LineResult result = SetUpLine(*opened.line, SetUpOf(options, settings), step);
-  if (!result) Complain(FailureText(port, result.Failure()));
-  return static_cast<bool>(result);
+  LineResult result = SetUpLine(*opened.line, SetUpOf(options, settings), step);
+  if (result && (options.dtr || options.rts)) result = opened.line->SetModemLines({options.dtr, options.rts});
+  if (result) return 0;
+  Complain(FailureText(port, result.Failure()));
+  return kFailed;
 }
 
 }  // namespace quarn::send

@@ -11,9 +11,10 @@ namespace quarn::send {
 /// COM4. Paths stay as they are.
 QString PortNameOf(const QString& text);
 
-/// Opens the port of the settings and sets up its line. Prints the reason of a failure in one line on
+/// Opens the port of the settings and sets up its line and its modem lines. Waits for a port in use as long
+/// as the options say. Returns 0, or the exit status; then the reason has been printed in one line on
 /// standard error. Ports are listed only if the one that is named has not been found without.
-bool Connect(const Options& options, const SettingsRecord& settings, const QString& portsFolder,
-             PortConnection& connection);
+int Connect(const Options& options, const SettingsRecord& settings, const QString& portsFolder,
+            PortConnection& connection);
 
 }  // namespace quarn::send

@@ -1,7 +1,9 @@
 #include "send/interruption.h"
 
+#include <algorithm>
 #include <atomic>
 #include <csignal>
+#include <thread>
 
 namespace quarn::send {
 namespace {
@@ -25,5 +27,14 @@ void NoticeInterruption() {
 }
 
 bool IsInterrupted() { return interrupted; }
+
+bool SleepUntil(std::chrono::steady_clock::time_point end) {
+  using Clock = std::chrono::steady_clock;
+  constexpr std::chrono::milliseconds kLook{50};
+  for (auto now = Clock::now(); now < end && !interrupted; now = Clock::now()) {
+    std::this_thread::sleep_until(std::min(end, now + kLook));
+  }
+  return !interrupted;
+}
 
 }  // namespace quarn::send

@@ -32,6 +32,11 @@ QByteArray BytesOf(const QString& text) {
 
 QString WithDashes(const QString& name) { return QStringLiteral("--") + name; }
 
+bool IsNumber(const QString& word) {
+  return !word.isEmpty() &&
+         std::ranges::all_of(word, [](QChar each) { return (each >= u'0' && each <= u'9') || each == u'.'; });
+}
+
 /// A word that no argument can be: arguments have no NUL.
 const QString& Probe() {
   static const QString probe(QChar(u'\0'));
@@ -45,24 +50,41 @@ QString Spelled(const QByteArray& bytes) { return QString::fromLatin1(SpellOut(b
 OptionWords::OptionWords(std::span<const OptionName> names, Arguments arguments)
     : m_arguments(std::move(arguments)) {
   for (const OptionName& each : names) {
-    m_parser.addOption(QCommandLineOption(QString::fromLatin1(each.name), QString(),
-                                          each.takesValue ? QStringLiteral("value") : QString()));
+    m_parser.addOption(
+        QCommandLineOption(QString::fromLatin1(each.name), QString(),
+                           each.value == OptionValue::None ? QString() : QStringLiteral("value")));
   }
-  QStringList words;
-  for (const Argument& each : m_arguments) words.append(TextOf(each));
-  const qsizetype count = words.size();
-  qsizetype end = 0;
-  while (end < count && (words[end] != QLatin1String("--") || IsValueExpectedAfter(words.first(end)))) ++end;
-  for (qsizetype i = end + 1; i < count; ++i) {
-    m_commands.push_back({m_arguments[static_cast<std::size_t>(i)], true});
-  }
-  words.resize(end);
+  const QStringList words = TakeOptions(names);
   if (!Parse(words)) {
     m_error = WhyWrong(words);
     return;
   }
-  FindCommands(words);
+  FindCommands();
   CheckValues(names);
+}
+
+/// The words up to "--", for the parser; what follows are commands.
+QStringList OptionWords::TakeOptions(std::span<const OptionName> names) {
+  const auto mayHaveNumber = [&](const QString& word) {
+    return std::ranges::any_of(names, [&](const OptionName& each) {
+      return each.value == OptionValue::MaybeNumber && word == WithDashes(QString::fromLatin1(each.name));
+    });
+  };
+  QStringList words;
+  std::size_t next = 0;
+  while (next < m_arguments.size()) {
+    QString word = TextOf(m_arguments[next++]);
+    if (word == QLatin1String("--") && !IsValueExpectedAfter(words)) break;
+    if (mayHaveNumber(word) && !IsValueExpectedAfter(words)) {
+      // The parser needs to be told where the value ends.
+      word += u'=';
+      if (next < m_arguments.size() && IsNumber(TextOf(m_arguments[next])))
+        word += TextOf(m_arguments[next++]);
+    }
+    words.append(word);
+  }
+  for (; next < m_arguments.size(); ++next) m_commands.push_back({m_arguments[next], true});
+  return words;
 }
 
 /// Whether the next word would be the value of an option, whatever it says.
@@ -72,11 +94,9 @@ bool OptionWords::IsValueExpectedAfter(const QStringList& words) {
 }
 
 /// Puts the words that are no options in front of those after "--".
-void OptionWords::FindCommands(const QStringList& words) {
+void OptionWords::FindCommands() {
   QHash<QString, Argument> arguments;
-  for (qsizetype i = 0; i < words.size(); ++i) {
-    arguments.insert(words[i], m_arguments[static_cast<std::size_t>(i)]);
-  }
+  for (const Argument& each : m_arguments) arguments.insert(TextOf(each), each);
   std::vector<CommandWord> commands;
   for (const QString& each : m_parser.positionalArguments()) commands.push_back({arguments.value(each)});
   m_commands.insert(m_commands.begin(), commands.begin(), commands.end());
@@ -103,7 +123,7 @@ void OptionWords::CheckValues(std::span<const OptionName> names) {
   for (const OptionName& each : names) {
     for (const QString& value : Values(each.name)) {
       const QString option = WithDashes(QString::fromLatin1(each.name));
-      if (value.isEmpty()) {
+      if (value.isEmpty() && each.value == OptionValue::Needed) {
         m_error = option + QStringLiteral(" takes a value");
       } else if (!value.isValidUtf16()) {
         m_error = QStringLiteral("%1: \"%2\" is no UTF-8 text").arg(option, Spelled(BytesOf(value)));

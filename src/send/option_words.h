@@ -10,9 +10,16 @@
 
 namespace quarn::send {
 
+enum class OptionValue {
+  None,
+  Needed,
+  /// The next word is the value if it is a number. Without one the value is empty.
+  MaybeNumber,
+};
+
 struct OptionName {
   const char* name;  ///< without its dashes
-  bool takesValue;
+  OptionValue value = OptionValue::None;
 };
 
 /// A word that is no option.
@@ -37,7 +44,8 @@ class OptionWords {
  private:
   bool Parse(const QStringList& words) { return m_parser.parse(QStringList(QString()) + words); }
   bool IsValueExpectedAfter(const QStringList& words);
-  void FindCommands(const QStringList& words);
+  QStringList TakeOptions(std::span<const OptionName> names);
+  void FindCommands();
   [[nodiscard]] QString WhyWrong(const QStringList& words);
   void CheckValues(std::span<const OptionName> names);
 

@@ -12,13 +12,38 @@ namespace quarn::send {
 namespace {
 
 constexpr std::array kNames{
-    OptionName{"bps", true},       OptionName{"buffer", true},    OptionName{"data-bits", true},
-    OptionName{"defaults", false}, OptionName{"delimiter", true}, OptionName{"escapes", false},
-    OptionName{"file", true},      OptionName{"help", false},     OptionName{"parity", true},
-    OptionName{"port", true},      OptionName{"raw", false},      OptionName{"settings", true},
-    OptionName{"speed", true},     OptionName{"stop-bits", true}, OptionName{"timeout", true},
-    OptionName{"version", false},
+    OptionName{"bps", OptionValue::Needed},
+    OptionName{"buffer", OptionValue::Needed},
+    OptionName{"count", OptionValue::Needed},
+    OptionName{"csv"},
+    OptionName{"data-bits", OptionValue::Needed},
+    OptionName{"defaults"},
+    OptionName{"delimiter", OptionValue::Needed},
+    OptionName{"dtr", OptionValue::Needed},
+    OptionName{"escapes"},
+    OptionName{"every", OptionValue::Needed},
+    OptionName{"expect", OptionValue::Needed},
+    OptionName{"file", OptionValue::Needed},
+    OptionName{"help"},
+    OptionName{"json"},
+    OptionName{"list"},
+    OptionName{"listen", OptionValue::MaybeNumber},
+    OptionName{"parity", OptionValue::Needed},
+    OptionName{"port", OptionValue::Needed},
+    OptionName{"raw"},
+    OptionName{"retry", OptionValue::Needed},
+    OptionName{"rts", OptionValue::Needed},
+    OptionName{"settings", OptionValue::Needed},
+    OptionName{"speed", OptionValue::Needed},
+    OptionName{"stop-bits", OptionValue::Needed},
+    OptionName{"stop-on-error"},
+    OptionName{"timeout", OptionValue::Needed},
+    OptionName{"timestamps"},
+    OptionName{"version"},
+    OptionName{"wait", OptionValue::Needed},
 };
+
+constexpr std::uint32_t kMostTimes = std::numeric_limits<std::int32_t>::max();
 
 /// Turns the words of the options into their values. The first error stays.
 class Reader {
@@ -32,8 +57,10 @@ class Reader {
     if (!m_options.error.isEmpty()) return m_options;
     ReadPort();
     ReadLine();
-    ReadCommands();
     ReadOutput();
+    ReadJudgement();
+    ReadRounds();
+    ReadCommands();
     return m_options;
   }
 
@@ -41,10 +68,14 @@ class Reader {
   void ReadPort() {
     m_options.settingsFile = Text("settings");
     m_options.defaults = m_words.Has("defaults");
+    m_options.list = m_words.Has("list");
     m_options.port = Text("port");
     if (m_options.defaults && m_words.Has("settings")) {
       Refuse(QStringLiteral("--settings and --defaults exclude each other"));
     }
+    m_options.wait = Seconds("wait", LeastTime::None).value_or(m_options.wait);
+    m_options.dtr = Level("dtr");
+    m_options.rts = Level("rts");
   }
 
   void ReadLine() {
@@ -68,6 +99,9 @@ class Reader {
       }
     }
     for (const CommandWord& each : m_words.Commands()) AddWord(each);
+    if (m_options.list && (m_options.listen || !m_options.commands.empty())) {
+      Refuse(QStringLiteral("--list sends no command"));
+    }
     if (m_options.commands.empty() && NeedsCommands()) Refuse(QStringLiteral("no command given"));
   }
 
@@ -90,9 +124,56 @@ class Reader {
     m_options.commands.push_back({.kind = CommandSource::Kind::StandardInput});
   }
 
-  void ReadOutput() { m_options.raw = m_words.Has("raw"); }
+  void ReadOutput() {
+    int forms = 0;
+    for (const auto& [name, output] :
+         {std::pair{"raw", Output::Raw}, {"json", Output::Json}, {"csv", Output::Csv}}) {
+      if (!m_words.Has(name)) continue;
+      m_options.output = output;
+      ++forms;
+    }
+    m_options.timestamps = m_words.Has("timestamps");
+    if (forms > 1) Refuse(QStringLiteral("--raw, --json and --csv exclude each other"));
+    if (m_options.timestamps && m_options.output == Output::Raw) {
+      Refuse(QStringLiteral("--raw and --timestamps exclude each other"));
+    }
+  }
 
-  [[nodiscard]] bool NeedsCommands() const { return !m_options.help && !m_options.version; }
+  void ReadJudgement() {
+    m_options.stopOnError = m_words.Has("stop-on-error");
+    m_options.retries = Number("retry", 0, kMostTimes).value_or(0);
+    if (!m_words.Has("expect")) return;
+    m_options.expected.emplace(Text("expect"), QRegularExpression::MultilineOption);
+    if (!m_options.expected->isValid()) {
+      Refuse(QStringLiteral("--expect %1: %2 (at character %3)")
+                 .arg(Spelled(Text("expect").toUtf8()), m_options.expected->errorString())
+                 .arg(m_options.expected->patternErrorOffset()));
+    }
+  }
+
+  void ReadRounds() {
+    m_options.every = Seconds("every", LeastTime::Some);
+    m_options.count = Number("count", 1, kMostTimes);
+    m_options.listen = m_words.Has("listen");
+    if (m_options.listen && !Text("listen").isEmpty())
+      m_options.listenFor = Seconds("listen", LeastTime::Some);
+    if (m_options.listen && m_options.every && !m_options.count) {
+      Refuse(QStringLiteral("--listen comes after the last round: --every needs --count with it"));
+    }
+  }
+
+  [[nodiscard]] bool NeedsCommands() const {
+    return !m_options.help && !m_options.version && !m_options.listen && !m_options.list;
+  }
+
+  std::optional<bool> Level(const char* name) {
+    if (!m_words.Has(name)) return std::nullopt;
+    const QString text = Text(name).toLower();
+    if (text == QLatin1String("on")) return true;
+    if (text == QLatin1String("off")) return false;
+    if (text != QLatin1String("keep")) RefuseValue(name, QStringLiteral("on, off or keep"));
+    return std::nullopt;
+  }
 
   /// The value given last.
   QString Text(const char* name) {

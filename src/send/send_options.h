@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QRegularExpression>
 #include <QString>
 #include <QStringList>
 #include <chrono>
@@ -36,16 +37,30 @@ struct CommandSource {
   QString file{};
 };
 
+enum class Output { Log, Raw, Json, Csv };
+
 struct Options {
   QString settingsFile;   ///< empty: the working settings file
   bool defaults = false;  ///< no settings file, but the built-in defaults
   QString port;           ///< empty: the one in the settings
   LineOptions line;
-  bool raw = false;  ///< print the response's bytes unchanged
+  bool list = false;  ///< the ports, instead of sending anything
   bool help = false;
   bool version = false;
   bool escapes = false;  ///< \r, \x02 and so on in commands stand for bytes
   std::optional<std::chrono::milliseconds> timeout;
+  std::chrono::milliseconds wait{0};  ///< for a port that is in use
+  std::optional<bool> dtr;            ///< nullopt: the line is left as it is
+  std::optional<bool> rts;
+  Output output = Output::Log;
+  bool timestamps = false;                     ///< in the log; other forms have them anyway
+  std::optional<QRegularExpression> expected;  ///< what a response must contain
+  bool stopOnError = false;
+  std::uint32_t retries = 0;
+  std::optional<std::chrono::milliseconds> every;  ///< from the begin of one round of commands to the next
+  std::optional<std::uint32_t> count;              ///< of rounds
+  bool listen = false;                             ///< after the commands, if there are any
+  std::optional<std::chrono::milliseconds> listenFor;
   std::vector<CommandSource> commands;  ///< in the order in which they are sent
   QString error;                        ///< not empty: wrong usage
 };

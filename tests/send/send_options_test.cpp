@@ -36,7 +36,7 @@ TEST(ParseArguments, CommandsAreWhatIsLeft) {
   EXPECT_EQ(options.commands, Words({"id", "meas?", "+x"}));
   EXPECT_EQ(options.port, QString());
   EXPECT_EQ(options.settingsFile, QString());
-  EXPECT_FALSE(options.raw);
+  EXPECT_EQ(options.output, Output::Log);
   EXPECT_FALSE(options.help);
   EXPECT_FALSE(options.version);
 }
@@ -46,14 +46,14 @@ TEST(ParseArguments, OptionsMayStandAnywhere) {
   EXPECT_EQ(options.error, QString());
   EXPECT_EQ(options.port, QStringLiteral("COM7"));
   EXPECT_EQ(options.settingsFile, QStringLiteral("a.qrn"));
-  EXPECT_TRUE(options.raw);
+  EXPECT_EQ(options.output, Output::Raw);
   EXPECT_EQ(options.commands, Words({"id", "status"}));
 }
 
 TEST(ParseArguments, AfterTwoDashesEverythingIsACommand) {
   const Options options = Parse("--raw -- --port --help -5 - --");
   EXPECT_EQ(options.error, QString());
-  EXPECT_TRUE(options.raw);
+  EXPECT_EQ(options.output, Output::Raw);
   EXPECT_FALSE(options.help);
   EXPECT_EQ(options.commands, Words({"--port", "--help", "-5", "-", "--"}));
 }
@@ -66,7 +66,7 @@ TEST(ParseArguments, AnEmptyCommandIsACommand) {
 
 TEST(ParseArguments, AValueMayLookLikeAnOption) {
   EXPECT_EQ(Parse("--settings --raw id").settingsFile, QStringLiteral("--raw"));
-  EXPECT_FALSE(Parse("--settings --raw id").raw);
+  EXPECT_EQ(Parse("--settings --raw id").output, Output::Log);
 }
 
 TEST(ParseArguments, TheLastValueCounts) {
@@ -155,6 +155,43 @@ TEST(ParseArguments, TheLineIsSpelledAsTheSettingsDo) {
                none.speed);
 }
 
+TEST(ParseArguments, JudgementAndRounds) {
+  const Options options = Parse(
+      "--json --expect ^a --stop-on-error --retry 2 --every 0.5 --count 3 --wait 1 --dtr on --rts OFF id");
+  EXPECT_EQ(options.error, QString());
+  EXPECT_EQ(options.output, Output::Json);
+  EXPECT_EQ(options.expected->pattern(), QStringLiteral("^a"));
+  EXPECT_TRUE(options.stopOnError);
+  EXPECT_EQ(options.retries, 2U);
+  EXPECT_EQ(options.every, std::chrono::milliseconds(500));
+  EXPECT_EQ(options.count, 3U);
+  EXPECT_EQ(options.wait, std::chrono::seconds(1));
+  EXPECT_EQ(options.dtr, true);
+  EXPECT_EQ(options.rts, false);
+  EXPECT_EQ(Parse("--dtr keep id").dtr, std::nullopt);
+}
+
+TEST(ParseArguments, ListeningMayHaveATime) {
+  for (const char* line : {"--listen 2.5 id", "--listen=2.5 id", "id --listen 2.5"}) {
+    const Options options = Parse(line);
+    EXPECT_EQ(options.error, QString()) << line;
+    EXPECT_TRUE(options.listen);
+    EXPECT_EQ(options.listenFor, std::chrono::milliseconds(2500)) << line;
+    EXPECT_EQ(options.commands, Words({"id"})) << line;
+  }
+  for (const char* line : {"--listen id", "--listen -- id", "id --listen"}) {
+    const Options options = Parse(line);
+    EXPECT_TRUE(options.listen) << line;
+    EXPECT_EQ(options.listenFor, std::nullopt) << line;
+    EXPECT_EQ(options.commands, Words({"id"})) << line;
+  }
+  EXPECT_EQ(Parse("--listen -- 5").commands, Words({"5"}));
+  EXPECT_EQ(Parse("--port --listen 5").commands, Words({"5"}));
+  EXPECT_EQ(Parse("--listen").error, QString()) << "needs no command";
+  EXPECT_NE(Parse("--listen 0").error, QString());
+  EXPECT_NE(Parse("--listen=x").error, QString());
+}
+
 TEST(ParseArguments, WrongValuesAreNamedWithTheRightOnes) {
   const std::vector<std::pair<const char*, const char*>> rows{
       {"--bps 0", "--bps 0: it must be a whole number from 1 to 2147483647"},
@@ -168,6 +205,13 @@ TEST(ParseArguments, WrongValuesAreNamedWithTheRightOnes) {
       {"--speed \x1b", "--speed <ESC>: it must be HIGH or LOW"},
       {"--timeout 0", "--timeout 0: it must be a number of seconds, such as 2 or 0.25"},
       {"--timeout 1e3", "--timeout 1e3: it must be a number of seconds, such as 2 or 0.25"},
+      {"--retry -1", "--retry -1: it must be a whole number from 0 to 2147483647"},
+      {"--count 0", "--count 0: it must be a whole number from 1 to 2147483647"},
+      {"--every 0", "--every 0: it must be a number of seconds, such as 2 or 0.25"},
+      {"--dtr up", "--dtr up: it must be on, off or keep"},
+      {"--raw --json", "--raw, --json and --csv exclude each other"},
+      {"--raw --timestamps", "--raw and --timestamps exclude each other"},
+      {"--listen --every 1", "--listen comes after the last round: --every needs --count with it"},
       {"--settings a --defaults", "--settings and --defaults exclude each other"},
   };
   for (const auto& [words, error] : rows) {

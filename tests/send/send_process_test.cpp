@@ -83,7 +83,9 @@ TEST_F(SendProcess, RawOfNoResponseIsNothing) {
 TEST_F(SendProcess, ALineThatFailsIsFiveWithTheCommandThatWaited) {
   const Outcome sent = Send("id drop id");
   EXPECT_EQ(sent.exitCode, 5);
-  EXPECT_EQ(sent.err, "quarn-send: the line failed while \"drop\" waited for its response\n");
+  EXPECT_EQ(
+      sent.err,
+      "quarn-send: COM7: the line failed while \"drop\" waited for its response; plug the device in again\n");
   EXPECT_EQ(m_instrument.Received(), "id\r\ndrop\r\n") << "nothing is sent on a line that has failed";
 }
 
