@@ -66,7 +66,9 @@ need() {
   for group in "$@"; do
     case $group in
       build) packages+=(g++ cmake ninja-build pkg-config qt6-base-dev libudev-dev libxcb1-dev) ;;
-      test) packages+=(libgtest-dev libumockdev-dev umockdev fonts-dejavu-core util-linux locales) ;;
+      test) packages+=(libgtest-dev libumockdev-dev umockdev fonts-dejavu-core util-linux locales
+        # For the examples of the guide and the completion of other shells.
+        python3 gnuplot-nox zsh fish) ;;
       window) packages+=(xvfb xauth openbox xdotool wmctrl x11-utils xclip maim dbus-daemon fonts-dejavu-core) ;;
       pictures) packages+=(pngquant imagemagick x11-xserver-utils) ;;
       bench) packages+=(libbenchmark-dev python3) ;;

@@ -5,12 +5,13 @@ set -euo pipefail
 guide=$1 send=$2 device=$3 settings=$4
 
 place=$(mktemp -d)
-instrument=
+instruments=()
 leave() {
-  if [[ -n $instrument ]]; then
-    kill "$instrument"
-    wait "$instrument" || true
-  fi
+  local each
+  for each in "${instruments[@]}"; do
+    kill "$each"
+    wait "$each" || true
+  done
   rm -rf "$place"
 }
 trap leave EXIT
@@ -27,11 +28,15 @@ mkdir -p "$place/config/Halvo/Quarn/ports" "$place/bin" "$place/work"
 cp "$settings" "$place/config/Halvo/Quarn/Quarn.ini"
 export XDG_CONFIG_HOME=$place/config
 ln -s "$send" "$place/bin/quarn-send"
-link=$place/config/Halvo/Quarn/ports/COM7
-coproc DEVICE { exec "$device" --link "$link"; }
-instrument=$DEVICE_PID
-# It says where it is when it is there.
-read -r -t 30 _ <&"${DEVICE[0]}" || fail "the instrument does not start"
+# start_instrument PORT: it says where it is when it is there.
+start_instrument() {
+  mkfifo "$place/$1"
+  "$device" --link "$place/config/Halvo/Quarn/ports/$1" >"$place/$1" &
+  instruments+=("$!")
+  read -r -t 30 _ <"$place/$1" || fail "the instrument does not start"
+}
+start_instrument COM7
+start_instrument COM8
 
 count=0
 while [[ -e $place/$((count + 1)).sh ]]; do
@@ -42,4 +47,4 @@ while [[ -e $place/$((count + 1)).sh ]]; do
     fail "example $count fails"
   diff -u "$place/$count.text" "$place/$count.printed" || fail "example $count prints something else"
 done
-((count == 3)) || fail "$count examples instead of 3"
+((count == 8)) || fail "$count examples instead of 8"
