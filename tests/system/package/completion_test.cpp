@@ -48,6 +48,31 @@ class Completion : public testing::Test {
     return {lines.begin(), lines.end()};
   }
 
+  /// What fish offers at the end of the line.
+  [[nodiscard]] std::set<std::string> CompleteInFish(const std::string& line) const {
+    const std::string script =
+        "source '" QUARN_BUILD "/generated/linux/quarn-send.fish'\ncomplete -C '" + line + "'\n";
+    std::ofstream(m_home / "script") << script;
+    std::set<std::string> words;
+    for (const std::string& each :
+         LinesOf(OutputOf("cd '" + m_home.string() + "' && env -u XDG_CONFIG_HOME HOME='" + m_home.string() +
+                          "' fish --no-config script"))) {
+      words.insert(each.substr(0, each.find('\t')));
+    }
+    return words;
+  }
+
+  /// What zsh's own completion is told. A terminal would be needed to press Tab.
+  [[nodiscard]] std::set<std::string> OptionsForZsh() const {
+    const std::string script =
+        "_alternative() { :; }\n_arguments() { shift; for each; do print -r -- ${${each#\\*}%%\\[*}; done; "
+        "}\n"
+        "source '" QUARN_BUILD "/generated/linux/quarn-send.zsh'\n";
+    std::ofstream(m_home / "script") << script;
+    const std::vector<std::string> lines = LinesOf(OutputOf("zsh -f '" + (m_home / "script").string() + "'"));
+    return {lines.begin(), lines.end()};
+  }
+
  private:
   fs::path m_home;
 };
@@ -56,6 +81,18 @@ using Words = std::set<std::string>;
 
 TEST_F(Completion, OffersTheOptionsOfTheProgram) {
   EXPECT_EQ(Complete("--"), OptionsIn(OutputOfProgram("quarn-send", "--help")));
+}
+
+TEST_F(Completion, OtherShellsOfferThemToo) {
+  std::set<std::string> options = OptionsIn(OutputOfProgram("quarn-send", "--help"));
+  options.erase("--");
+  EXPECT_EQ(CompleteInFish("quarn-send --"), options);
+  EXPECT_EQ(OptionsForZsh(), options);
+}
+
+TEST_F(Completion, FishOffersValuesAndPorts) {
+  EXPECT_EQ(CompleteInFish("quarn-send --parity "), (Words{"none", "odd", "even"}));
+  EXPECT_EQ(CompleteInFish("quarn-send --port "), (Words{"COM3", "COM12"}));
 }
 
 TEST_F(Completion, CompletesAnOption) {
