@@ -37,8 +37,7 @@ bool IsPath(const QString& port) { return port.contains(u'/'); }
 QString FindDevice(const QString& port, const QString& portsFolder) {
   QString device = FindPortDevice(portsFolder, port);
   if (!device.isEmpty() || IsPath(port)) return device;
-  QStringList names;
-  if (CreatePortSource(portsFolder)->FriendlyNames(names)) device = FindPortDevice(portsFolder, port);
+  if (CreatePortSource(portsFolder)->Ports()) device = FindPortDevice(portsFolder, port);
   return device;
 }
 
