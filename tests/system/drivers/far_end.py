@@ -1,0 +1,149 @@
+"""The far end of a line: the simulated instrument, and what the line between does to the bytes."""
+
+import os
+import selectors
+import signal
+import subprocess
+import threading
+import time
+import tty
+
+
+class FarEnd:
+    """A simulated instrument that answers on a descriptor: a socket of the machine, or the other side of a gadget.
+
+    `open_line` returns a descriptor, and is called again after a hang-up.
+    """
+
+    def __init__(self, program, folder, name, open_line):
+        self._program = program
+        self._base = os.path.join(folder, name)
+        self._open_line = open_line
+        self._lock = threading.Lock()
+        self._received = bytearray()
+        self._held = False
+        self._is_open = False
+        self._batch = 0.0
+        self._most = 65536
+        self._instrument = None
+        self._near = None
+        self._running = True
+        self._wake, self._waker = os.pipe()
+        self._thread = threading.Thread(target=self._serve, name=name, daemon=True)
+        self.answer('* -> line "OK"')
+        self._thread.start()
+
+    def answer(self, rules):
+        """Begins anew with an instrument that has these rules."""
+        with open(self._base + ".rules", "w", encoding="ascii") as file:
+            file.write(rules + "\n")
+        instrument = subprocess.Popen([self._program, "--rules", self._base + ".rules"], stdout=subprocess.PIPE)
+        node = instrument.stdout.readline().decode().strip()
+        if not node:
+            raise RuntimeError("the simulated instrument did not start")
+        near = os.open(node, os.O_RDWR | os.O_NOCTTY | os.O_NONBLOCK)
+        tty.setraw(near)
+        with self._lock:
+            self._end_instrument()
+            self._instrument, self._near = instrument, near
+            self._received.clear()
+        os.write(self._waker, b"x")
+
+    def received(self):
+        """Every byte that has come from the line since the rules were set."""
+        with self._lock:
+            return bytes(self._received)
+
+    def hold(self, held):
+        """While held, nobody has the line open at this end, so that nothing is taken from it."""
+        self._held = held
+        os.write(self._waker, b"x")
+        while held and self._is_open:
+            time.sleep(0.01)
+
+    def batch(self, milliseconds, most):
+        """Answers come at whole multiples of this time, with so many bytes at most; 0 ms: as soon as they can."""
+        self._batch, self._most = milliseconds / 1000, most
+
+    def close(self):
+        self._running = False
+        os.write(self._waker, b"x")
+        self._thread.join()
+        self._end_instrument()
+
+    def _end_instrument(self):
+        if self._instrument is None:
+            return
+        os.close(self._near)
+        self._instrument.send_signal(signal.SIGTERM)
+        self._instrument.wait()
+        self._instrument.stdout.close()
+        self._instrument = self._near = None
+
+    def _serve(self):
+        line = None
+        while self._running:
+            if line is not None and self._held:
+                os.close(line)
+                line = None
+            self._is_open = line is not None
+            if line is None and self._held:
+                time.sleep(0.02)
+                continue
+            if line is None:
+                try:
+                    line = self._open_line()
+                except OSError:
+                    time.sleep(0.05)
+                    continue
+            try:
+                self._relay_once(line)
+            except OSError:
+                os.close(line)
+                line = None
+        if line is not None:
+            os.close(line)
+
+    def _relay_once(self, line):
+        with selectors.DefaultSelector() as selector:
+            with self._lock:
+                near = self._near
+                selector.register(self._wake, selectors.EVENT_READ)
+                selector.register(near, selectors.EVENT_READ)
+                selector.register(line, selectors.EVENT_READ)
+            ready = [key.fd for key, _ in selector.select()]
+        if self._wake in ready:
+            os.read(self._wake, 4096)
+            return
+        if line in ready:
+            data = os.read(line, 65536)
+            if not data:
+                raise OSError("the line has hung up")
+            with self._lock:
+                self._received += data
+                _write_all(self._near, data, lambda: True)
+        if near in ready:
+            self._give_answer(line, near)
+
+    def _give_answer(self, line, near):
+        if self._batch:
+            # Not before the next moment at which such an adapter delivers.
+            time.sleep(self._batch - time.monotonic() % self._batch)
+        with self._lock:
+            if near != self._near:
+                return
+            try:
+                data = os.read(near, self._most)
+            except BlockingIOError:
+                return
+            instrument = self._instrument
+        # An answer of an earlier instrument is of no use to anybody.
+        _write_all(line, data, lambda: self._running and self._instrument is instrument)
+
+
+def _write_all(descriptor, data, still):
+    while data and still():
+        try:
+            data = data[os.write(descriptor, data):]
+        except BlockingIOError:
+            time.sleep(0.001)

@@ -1,0 +1,81 @@
+"""The first command after open, every byte, every delimiter, answers at every limit."""
+
+from bench import FRAMES, LINES, check, each_line, equal, test, until
+from window import Quarn
+
+# An answer that begins with zero counts as empty.
+ALL = bytes(range(1, 256)) + b"\0"
+# Those that end a command for the simulated instrument, and zero, which no argument can have.
+CONTROLS = b"\x02\x03\n\r"
+ORDINARY = bytes(byte for byte in ALL if byte and byte not in CONTROLS)
+LIMITS = {"1K": 1024, "2K": 2048, "6K": 6144}
+
+
+# A silence that the instrument itself does not make by being delayed: 270 ms.
+PATIENT = {"COM_BPS": "4800", "PORT_SPEED": "LOW"}
+# For the windows, which take long to come up, each with one line.
+IN_WINDOW = ((LINES[0], "CR"), (LINES[0], "CRLF"), (LINES[1], "LF"), (LINES[2], "STX_ETX"))
+
+
+def quoted(data):
+    return '"' + "".join(f"\\x{byte:02x}" for byte in data) + '"'
+
+
+def rules():
+    lines = ['"id" -> line "SIM-1"', f'"all" -> {quoted(ALL)}']
+    for most in LIMITS.values():
+        lines += [f'"n{count}" -> "x" * {count}' for count in (most, most + 1, most + 2)]
+    return "\n".join(lines + ["* -> echo"])
+
+
+@each_line("first command, quarn-send", LINES)
+def first_command(line):
+    for delimiter, (before, after) in FRAMES.items():
+        line.far.answer(rules())
+        # Bytes that do not end the command at this delimiter.
+        others = bytes(byte for byte in CONTROLS if byte not in after + before and byte not in b"\x02\x03")
+        status, output, errors = line.send("id", b"b" + others + b"b", DELIMITER=delimiter)
+        check(status in (0, 2), f"{delimiter}: status {status}, {errors}")
+        check(output.startswith(b"[id]\nSIM-1\n"), f"{delimiter}: {output!r}")
+        wanted = before + b"id" + after + before + b"b" + others + b"b" + after
+        until(lambda: len(line.far.received()) >= len(wanted), f"the commands with {delimiter}")
+        equal(f"what the instrument got with {delimiter}", line.far.received(), wanted)
+
+
+@each_line("all byte values, quarn-send", LINES)
+def all_bytes(line):
+    for delimiter, (before, after) in FRAMES.items():
+        line.far.answer(rules())
+        sent = before + ORDINARY + after
+        status, output, errors = line.send(ORDINARY, "all", raw=True, DELIMITER=delimiter)
+        equal(f"status with {delimiter} ({errors})", status, 0)
+        equal(f"echo and answer with {delimiter}", output, sent + ALL)
+        equal(f"what the instrument got with {delimiter}", line.far.received(), sent + before + b"all" + after)
+
+
+@each_line("answers at the limits, quarn-send", LINES)
+def limits(line):
+    line.far.answer(rules())
+    for buffer, most in LIMITS.items():
+        # One byte above the limit still counts as whole.
+        status, output, errors = line.send(f"n{most}", f"n{most + 1}", raw=True, COM_BUF=buffer, **PATIENT)
+        equal(f"status of {buffer} ({errors})", status, 0)
+        equal(f"answers of {most} bytes and one more", output, b"x" * (2 * most + 1))
+        status, output, errors = line.send(f"n{most + 2}", raw=True, COM_BUF=buffer, **PATIENT)
+        equal(f"an answer of {most + 2} bytes ({errors})", (status, output), (3, b"x" * most))
+
+
+def first_command_in_window(line, delimiter):
+    before, after = FRAMES[delimiter]
+    line.far.answer(rules())
+    line.settings(DELIMITER=delimiter, AUTO_CLR="ON")
+    with Quarn(line.account) as quarn:
+        window = quarn.terminal()
+        quarn.command(window, "id")
+        equal(f"what the instrument got with {delimiter}", line.far.received(), before + b"id" + after)
+        equal(f"log with {delimiter}", quarn.log(window), b"[id]\rSIM-1\r")
+        quarn.end()
+
+
+for each, framing in IN_WINDOW:
+    test(f"first command, window: {each.kind}, {framing}", each, framing)(first_command_in_window)

@@ -1,0 +1,73 @@
+"""A COM number stays with its adapter, whatever is pulled and plugged."""
+
+import os
+
+from adapters import DISK, Adapters, for_next_run, give_names, name_behind, only_first_left, port_of
+from bench import Account, check, equal, test
+
+
+@test("an adapter keeps its number: pulled, plugged in again, in another socket")
+def one_adapter():
+    give_names()
+    adapters = Adapters()
+    adapters.sockets["first"] = 1
+    account = Account(DISK)
+    port = port_of(account, adapters.node("first"))
+    target = os.readlink(os.path.join(account.ports, port))
+    check(target.startswith("/dev/serial/by-id/"), f"{port} is {target}")
+    equal("who answers", name_behind(account, port), "first")
+    for socket in (1, 2):
+        adapters.unplug("first")
+        equal("who answers when it is pulled", name_behind(account, port), None)
+        adapters.plug("first", "QA0001", socket)
+        equal(f"who answers in socket {socket}", name_behind(account, port), "first")
+    # Another adapter is another port.
+    adapters.unplug("first")
+    adapters.plug("second", "QA0002", 1)
+    equal("who answers when another is plugged in", name_behind(account, port), None)
+    other = port_of(account, adapters.node("second"))
+    equal("who answers at the other number", name_behind(account, other), "second")
+    adapters.plug("first", "QA0001", 2)
+    equal("who answers at both", (name_behind(account, port), name_behind(account, other)), ("first", "second"))
+    for_next_run("one", account, (port, other))
+    only_first_left(adapters)
+
+
+def twins(first, second):
+    """Two adapters of one serial number; `first` is plugged in first."""
+    give_names()
+    adapters = Adapters()
+    adapters.sockets["first"] = 1
+    adapters.unplug("first")
+    sockets = {first: 1, second: 2}
+    account = Account(DISK)
+    adapters.plug(first, "TWIN", sockets[first])
+    ports = {first: port_of(account, adapters.node(first))}
+    adapters.plug(second, "TWIN", sockets[second])
+    ports[second] = port_of(account, adapters.node(second))
+
+    def answers():
+        return tuple(name_behind(account, ports[name]) for name in (first, second))
+
+    equal("who answers", answers(), (first, second))
+    for order in ((first, second), (second, first)):
+        for name in order:
+            adapters.unplug(name)
+        for name in order:
+            adapters.plug(name, "TWIN", sockets[name])
+            alone = tuple(each if each in adapters.sockets else None for each in (first, second))
+            wrong = [got for got, wanted in zip(answers(), alone) if got not in (wanted, None)]
+            equal(f"wrong adapters when {name} is plugged in", wrong, [])
+        equal("who answers when both are back", answers(), (first, second))
+    for_next_run("twins " + first, account, (ports[first], ports[second]))
+    only_first_left(adapters)
+
+
+@test("two adapters with one serial number keep theirs, one way round")
+def twins_one_way():
+    twins("first", "second")
+
+
+@test("two adapters with one serial number keep theirs, the other way round")
+def twins_the_other_way():
+    twins("second", "first")
