@@ -48,7 +48,10 @@ bool EndsDialogs(const QEvent& event) {
 }  // namespace
 
 CQuarnDlg::CQuarnDlg(Program& program)
-    : m_program(program), m_chooser(this), m_files(program, *this, m_chooser), m_monitor(program, *this) {
+    : m_program(program),
+      m_chooser(this),
+      m_files(program, *this, m_chooser),
+      m_monitor(program, *this, PauseHoldingInput()) {
   setObjectName(QStringLiteral("CQuarnDlg"));
   // A program that is open all day is often minimised between two measurements, and some window managers let
   // nobody minimise a dialog.

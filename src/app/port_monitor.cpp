@@ -15,6 +15,9 @@ namespace {
 /// A dead line is handled at this tick. An unplugged port disappears from the list slightly later than its
 /// line dies, and that has a different message.
 constexpr int kLossSettled = 3;
+/// A modem manager tests each new port for some seconds. For so long a port in use is tried again.
+constexpr int kBusyAttempts = 50;
+constexpr int kBetweenAttemptsMs = 100;
 
 /// The tick is paused while this exists.
 class RestingTimer {
@@ -159,7 +162,7 @@ void PortMonitor::OfferToConnect(const QString& port) {
   ClosePort(connection);
   SettingsRecord settings = m_program.settings;
   settings.comPort = port;
-  const bool opened = ConnectPort(settings, connection, m_program.Environment());
+  const bool opened = ConnectWhenFree(settings);
   connection.connected.Update(OpeningThat(opened));
   if (!opened) {
     TellPortNotAvailable(*m_program.messages, port);
@@ -171,6 +174,16 @@ void PortMonitor::OfferToConnect(const QString& port) {
                                              QString());
   current = port;
   StoreValues(m_program.workingSettingsFile, {{keys::kComPort, port}}, *m_program.messages);
+}
+
+bool PortMonitor::ConnectWhenFree(const SettingsRecord& settings) {
+  PortConnection& connection = m_program.connection;
+  const WaitShown wait(*m_program.waitIndicator);
+  for (int attempts = 1;; ++attempts) {
+    if (ConnectPort(settings, connection, m_program.Environment())) return true;
+    if (connection.lastFailure.kind != LineError::InUse || attempts == kBusyAttempts) return false;
+    m_pause(kBetweenAttemptsMs);
+  }
 }
 
 }  // namespace quarn

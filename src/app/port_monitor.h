@@ -3,9 +3,11 @@
 #include <QStringList>
 #include <cstdint>
 #include <optional>
+#include <utility>
 
 #include "app/main_window.h"
 #include "app/program.h"
+#include "dialogs/dialog_context.h"
 
 namespace quarn {
 
@@ -25,7 +27,9 @@ PortEvent DecideOnPorts(const QStringList& before, const QStringList& now, bool 
 /// too: if it is dead it is lost, even if its port is back by then. User-interface thread only.
 class PortMonitor {
  public:
-  PortMonitor(Program& program, MainWindow& window) : m_program(program), m_window(window) {}
+  /// `pause` is for the waits between attempts to connect.
+  PortMonitor(Program& program, MainWindow& window, Pause pause)
+      : m_program(program), m_window(window), m_pause(std::move(pause)) {}
 
   /// Lists the ports present.
   void ListPorts();
@@ -41,11 +45,13 @@ class PortMonitor {
   void TellTooMany();
   void TellVanished(const QString& port);
   void OfferToConnect(const QString& port);
+  bool ConnectWhenFree(const SettingsRecord& settings);
   [[nodiscard]] bool IsLineLost() const;
   void HandleLostLine();
 
   Program& m_program;
   MainWindow& m_window;
+  const Pause m_pause;
   std::uint32_t m_startDelay = 10;
   std::uint32_t m_ticks = 0;
   std::optional<std::uint64_t> m_seenRevision;  ///< of the ports, at the last tick

@@ -2,6 +2,7 @@
 
 #include "app/app_fixture.h"
 #include "app/port_monitor.h"
+#include "support/noted_pause.h"
 
 namespace quarn::test {
 
@@ -22,7 +23,8 @@ class PortMonitorTest : public AppTest {
            asked.refresh.Contains(Window::PortSettings);
   }
 
-  PortMonitor monitor{program, window};
+  NotedPause pause{journal, {}};
+  PortMonitor monitor{program, window, std::ref(pause)};
 };
 
 inline const QString kGone = NotAvailable("COM3");

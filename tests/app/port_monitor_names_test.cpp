@@ -14,7 +14,7 @@ class PortMonitorNames : public AppTest {
   }
 
   const QString m_updated = QStringLiteral("transient/COM port list has been updated.");
-  PortMonitor m_monitor{program, window};
+  PortMonitor m_monitor{program, window, [](int) {}};
 };
 
 TEST_F(PortMonitorNames, ADeviceWithoutAUsableNameDisturbsNobody) {

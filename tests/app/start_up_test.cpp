@@ -26,7 +26,7 @@ class StartUpTest : public AppTest {
     stage.file = UserFile();
   }
 
-  PortMonitor monitor{program, window};
+  PortMonitor monitor{program, window, [](int) {}};
   RecordedStage stage{journal, window, monitor};
 };
 
