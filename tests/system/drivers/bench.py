@@ -11,6 +11,7 @@ import tempfile
 import threading
 import time
 import traceback
+import tty
 
 from far_end import FarEnd
 
@@ -34,7 +35,7 @@ def equal(what, got, wanted):
     check(got == wanted, f"{what}: {got!r:.300} instead of {wanted!r:.300}")
 
 
-def until(condition, what, seconds=LIMIT_S):
+def until(condition, what, seconds=LIMIT_S, pause=0.02):
     """Waits until the condition holds, and returns its value."""
     deadline = time.monotonic() + seconds
     while True:
@@ -43,7 +44,7 @@ def until(condition, what, seconds=LIMIT_S):
             return value
         if time.monotonic() > deadline:
             raise Failed(f"waited {seconds} s for {what}")
-        time.sleep(0.02)
+        time.sleep(pause)
 
 
 # --- The outside ------------------------------------------------------------------------------------------
@@ -87,6 +88,9 @@ class FarOutside:
 
     def received(self):
         return base64.b64decode(outside.received(line=self._line))
+
+    def sent(self):
+        return outside.sent(line=self._line)
 
     def batch(self, milliseconds, most):
         outside.batch(line=self._line, milliseconds=milliseconds, most=most)
@@ -265,27 +269,26 @@ def plug(line, serial, port):
 
 
 class Gadget:
-    """A USB device made of software, with one serial function: `acm`, or `gser` for one without a class."""
+    """A USB device made of software, with one serial function."""
 
-    def __init__(self, controller, function, product, serial):
-        self._controller = controller
-        self.folder = f"/sys/kernel/config/usb_gadget/{function}-{controller}"
+    folder = "/sys/kernel/config/usb_gadget/instrument"
+
+    def __init__(self):
         os.makedirs(self.folder + "/strings/0x409")
         write(self.folder + "/idVendor", "0x1d6b")
-        write(self.folder + "/idProduct", product)
-        write(self.folder + "/strings/0x409/serialnumber", serial)
+        write(self.folder + "/idProduct", "0x0104")
+        write(self.folder + "/strings/0x409/serialnumber", "GA0001")
         write(self.folder + "/strings/0x409/product", "Played Instrument")
         os.makedirs(self.folder + "/configs/c.1")
-        os.makedirs(f"{self.folder}/functions/{function}.usb0")
-        os.symlink(f"{self.folder}/functions/{function}.usb0", f"{self.folder}/configs/c.1/{function}.usb0")
-        self.near = "/dev/ttyGS" + read(f"{self.folder}/functions/{function}.usb0/port_num")
-        self.far = FarEnd(os.path.join(PROGRAMS, "quarn-device"), HOME, f"{function}-{controller}", self._open)
+        os.makedirs(self.folder + "/functions/acm.usb0")
+        os.symlink(self.folder + "/functions/acm.usb0", self.folder + "/configs/c.1/acm.usb0")
+        self.near = "/dev/ttyGS" + read(self.folder + "/functions/acm.usb0/port_num")
+        self.far = FarEnd(os.path.join(PROGRAMS, "quarn-device"), HOME, "gadget", self._open)
 
     def _open(self):
         # The far end of a cable that is not plugged in cannot be served.
         if not self.is_plugged():
             raise OSError("unplugged")
-        import tty
         line = os.open(self.near, os.O_RDWR | os.O_NOCTTY | os.O_NONBLOCK)
         tty.setraw(line)
         return line
@@ -294,7 +297,7 @@ class Gadget:
         return bool(read(self.folder + "/UDC"))
 
     def plug(self):
-        write(self.folder + "/UDC", f"dummy_udc.{self._controller}")
+        write(self.folder + "/UDC", "dummy_udc.0")
 
     def unplug(self):
         write(self.folder + "/UDC", "\n")
@@ -305,19 +308,14 @@ def _only(pattern):
 
 
 plug("first", "QA0001", 1)
-subprocess.run(["modprobe", "dummy_hcd", "num=2"], check=True)
-subprocess.run(["modprobe", "-a", "libcomposite", "usb_f_acm", "usb_f_serial"], check=True)
+subprocess.run(["modprobe", "dummy_hcd"], check=True)
+subprocess.run(["modprobe", "-a", "libcomposite", "usb_f_acm"], check=True)
 subprocess.run(["mount", "-t", "configfs", "configfs", "/sys/kernel/config"], check=False)
-gadget = Gadget(0, "acm", "0x0104", "GA0001")
+gadget = Gadget()
 gadget.plug()
-# The same without a class of its own, so that the plain driver for USB adapters takes it.
-write("/sys/bus/usb-serial/drivers/generic/new_id", "1d6b 0106")
-plain_gadget = Gadget(1, "gser", "0x0106", "GS0001")
-plain_gadget.plug()
 uart = Line("16550A", "/dev/ttyS1", FarOutside("uart"))
 ftdi = Line("ftdi_sio", _only("/dev/serial/by-id/*QA0001*"), FarOutside("first"))
 acm = Line("cdc_acm", _only("/dev/serial/by-id/*GA0001*"), gadget.far)
-plain = Line("usbserial", _only("/dev/serial/by-id/*GS0001*"), plain_gadget.far)
 # Nobody raises CTS on this one.
 mute = Line("16550A without CTS", "/dev/ttyS2", None)
 LINES = (uart, ftdi, acm)

@@ -2,81 +2,145 @@
 
 import fcntl
 import os
+import re
 import signal
 import struct
 import subprocess
 import termios
 import time
+import tty
 
-from bench import Failed, acm, check, each_line, equal, mute, note, plain, until
+from bench import Failed, acm, check, each_line, equal, mute, note, read, until
 from line_state import State
-from window import INFORMATION, Quarn, press
+from window import INFORMATION, Quarn
 
 LONGEST_S = 1.0
-# With a handshake by hardware, on a line whose far end never agrees; and with far ends that take nothing.
-STUCK = (mute, acm, plain)
+ATTEMPTS = 3
+# With a handshake by hardware, on a line whose far end never agrees; and with a far end that takes nothing.
+STUCK = (mute, acm)
+SENT = b"hold\r"
+TIOCGSERIAL, TIOCSSERIAL = 0x541E, 0x541F
+# Where it is in the driver's record of a line, and the value for "do not wait".
+CLOSING_WAIT_AT, NO_WAIT = 40, 65535
 
 
 class Stuck:
-    """Lets nothing go out."""
+    """Lets nothing go out. Use it in a `with`."""
 
     def __init__(self, line):
         self._line = line
         self._former = State.of(line.node)
+        self._filled = 0
 
     def __enter__(self):
         if self._line is mute:
             self._former.with_(9600, add=termios.CRTSCTS).set(self._line.node)
         else:
+            self._line.far.answer("* -> silence")
             self._line.far.hold(True)
+            self._filled = fill(self._line.node)
         return self
 
     def __exit__(self, *problem):
         if self._line is mute:
             self._former.set(self._line.node)
-        else:
-            self._line.far.hold(False)
+            return
+        self._line.far.hold(False)
+        # Until then the next command would come behind it.
+        until(lambda: len(self._line.far.received()) >= self._filled, "what was held back")
+
+
+def fill(node):
+    """Writes as much as the other end keeps for a program that does not read yet. Returns how many bytes that are."""
+    line = os.open(node, os.O_RDWR | os.O_NOCTTY | os.O_NONBLOCK)
+    record = fcntl.ioctl(line, TIOCGSERIAL, bytes(128))
+    changed = bytearray(record)
+    struct.pack_into("H", changed, CLOSING_WAIT_AT, NO_WAIT)
+    try:
+        tty.setraw(line)
+        fcntl.ioctl(line, TIOCSSERIAL, bytes(changed))
+        written, since = 0, time.monotonic()
+        while time.monotonic() < since + 1:
+            try:
+                written += os.write(line, b"f" * 64)
+                since = time.monotonic()
+            except BlockingIOError:
+                time.sleep(0.01)
+        return written - queued_in(line)
+    finally:
+        # The driver drops the rest now.
+        os.close(line)
+        line = os.open(node, os.O_RDWR | os.O_NOCTTY | os.O_NONBLOCK)
+        fcntl.ioctl(line, TIOCSSERIAL, record)
+        os.close(line)
+
+
+def queued_in(descriptor):
+    return struct.unpack("i", fcntl.ioctl(descriptor, termios.TIOCOUTQ, bytes(4)))[0]
 
 
 def queued_bytes(line):
     """How many bytes wait to go out, as the driver says."""
     descriptor = os.open(line.node, os.O_RDWR | os.O_NOCTTY | os.O_NONBLOCK)
     try:
-        return struct.unpack("i", fcntl.ioctl(descriptor, termios.TIOCOUTQ, bytes(4)))[0]
+        return queued_in(descriptor)
     finally:
         os.close(descriptor)
 
 
+def sent_bytes(line):
+    """How many bytes have gone out."""
+    if line.far:
+        return len(line.far.received())
+    # What the driver has counted.
+    number = line.node.removeprefix("/dev/ttyS")
+    return int(re.search(rf"^{number}:.* tx:(\d+)", read("/proc/tty/driver/serial"), re.MULTILINE)[1])
+
+
 @each_line("quarn-send ends within a second where nothing goes out", STUCK)
 def send_ends(line):
-    with Stuck(line):
-        for bps in ("110", "115200"):
-            line.settings(R_TIMEOUT="OFF", COM_BPS=bps)
-            process = line.account.start("quarn-send", "--", "w" * 1000)
-            try:
-                # It is open, and the bytes are with the driver.
-                until(lambda: queued_bytes(line) > 0 or process.poll() is not None, "bytes that wait to go out")
-                check(process.poll() is None, f"quarn-send has ended: {process.returncode}")
-                began = time.monotonic()
-                process.send_signal(signal.SIGINT)
-                try:
-                    status = process.wait(45)
-                except subprocess.TimeoutExpired:
-                    raise Failed("it does not end in 45 s") from None
-                took = time.monotonic() - began
-            finally:
-                if process.poll() is None:
-                    process.kill()
-                    process.wait()
-                process.stdout.close()
-                process.stderr.close()
-            equal("status", status, 4)
-            check(took <= LONGEST_S, f"at {bps} bps it took {took:.2f} s")
+    for bps in ("110", "115200"):
+        if line.far:
+            line.far.answer("* -> silence")
+        idle = seconds_to_end(line, bps, lambda before: sent_bytes(line) >= before + len(SENT))
+        with Stuck(line):
+            stuck = seconds_to_end(line, bps, lambda _: queued_bytes(line) > 0)
+        note(f"at {bps} bps {idle:.2f} s with an idle line, else {stuck:.2f} s")
+        check(stuck - idle <= LONGEST_S, f"at {bps} bps it took {stuck - idle:.2f} s longer than with an idle line")
+
+
+def seconds_to_end(line, bps, is_ready):
+    """The shortest time that quarn-send needed to end: a busy computer adds to it."""
+    return min(seconds_to_end_once(line, bps, is_ready) for _ in range(ATTEMPTS))
+
+
+def seconds_to_end_once(line, bps, is_ready):
+    line.settings(R_TIMEOUT="OFF", COM_BPS=bps)
+    before = sent_bytes(line)
+    process = line.account.start("quarn-send", "--", "hold")
+    try:
+        until(lambda: process.poll() is not None or is_ready(before), "the bytes")
+        check(process.poll() is None, f"quarn-send has ended: {process.returncode}")
+        began = time.monotonic()
+        process.send_signal(signal.SIGINT)
+        try:
+            status = process.wait(45)
+        except subprocess.TimeoutExpired:
+            raise Failed("it does not end in 45 s") from None
+        took = time.monotonic() - began
+    finally:
+        if process.poll() is None:
+            process.kill()
+            process.wait()
+        process.stdout.close()
+        process.stderr.close()
+    equal("status", status, 4)
+    return took
 
 
 @each_line("the windows reset and end within a second where nothing goes out", STUCK)
 def windows_end(line):
-    line.settings(R_TIMEOUT="OFF", MEM0="w" * 1000)
+    line.settings(R_TIMEOUT="OFF", AUTO_CLR="ON")
     with Quarn(line.account) as quarn:
         window = quarn.terminal()
         quarn.choose_from_port_menu("r")
@@ -102,8 +166,18 @@ def seconds_to_reset(quarn):
 
 
 def send_into_nothing(line, quarn, window):
-    """Sends the first stored command, and gives it up."""
-    quarn.activate(window)
-    press("F1", "Return")
-    until(lambda: queued_bytes(line) > 0, "bytes that wait to go out")
-    press("Escape")
+    """Sends a command, and gives it up."""
+    entered = 0.0
+
+    def waits_to_go_out():
+        nonlocal entered
+        if queued_bytes(line) > 0:
+            return True
+        # Keys that come right after a box has closed may be dropped.
+        if time.monotonic() > entered + 5:
+            quarn.enter(window, "hold")
+            entered = time.monotonic()
+        return False
+
+    until(waits_to_go_out, f"bytes that wait to go out; there is {quarn.windows()}")
+    quarn.press("Escape")

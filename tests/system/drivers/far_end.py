@@ -21,6 +21,7 @@ class FarEnd:
         self._open_line = open_line
         self._lock = threading.Lock()
         self._received = bytearray()
+        self._sent = 0
         self._held = False
         self._is_open = False
         self._batch = 0.0
@@ -47,12 +48,17 @@ class FarEnd:
             self._end_instrument()
             self._instrument, self._near = instrument, near
             self._received.clear()
+            self._sent = 0
         os.write(self._waker, b"x")
 
     def received(self):
         """Every byte that has come from the line since the rules were set."""
         with self._lock:
             return bytes(self._received)
+
+    def sent(self):
+        """How many bytes have gone to the line since the rules were set."""
+        return self._sent
 
     def hold(self, held):
         """While held, nobody has the line open at this end, so that nothing is taken from it."""
@@ -139,6 +145,7 @@ class FarEnd:
             instrument = self._instrument
         # An answer of an earlier instrument is of no use to anybody.
         _write_all(line, data, lambda: self._running and self._instrument is instrument)
+        self._sent += len(data)
 
 
 def _write_all(descriptor, data, still):

@@ -1,7 +1,6 @@
 """The first command after open, every byte, every delimiter, answers at every limit."""
 
-from bench import FRAMES, LINES, check, each_line, equal, test, until
-from window import Quarn
+from bench import FRAMES, LINES, check, each_line, equal, until
 
 # An answer that begins with zero counts as empty.
 ALL = bytes(range(1, 256)) + b"\0"
@@ -13,8 +12,6 @@ LIMITS = {"1K": 1024, "2K": 2048, "6K": 6144}
 
 # A silence that the instrument itself does not make by being delayed: 270 ms.
 PATIENT = {"COM_BPS": "4800", "PORT_SPEED": "LOW"}
-# For the windows, which take long to come up, each with one line.
-IN_WINDOW = ((LINES[0], "CR"), (LINES[0], "CRLF"), (LINES[1], "LF"), (LINES[2], "STX_ETX"))
 
 
 def quoted(data):
@@ -63,19 +60,3 @@ def limits(line):
         equal(f"answers of {most} bytes and one more", output, b"x" * (2 * most + 1))
         status, output, errors = line.send(f"n{most + 2}", raw=True, COM_BUF=buffer, **PATIENT)
         equal(f"an answer of {most + 2} bytes ({errors})", (status, output), (3, b"x" * most))
-
-
-def first_command_in_window(line, delimiter):
-    before, after = FRAMES[delimiter]
-    line.far.answer(rules())
-    line.settings(DELIMITER=delimiter, AUTO_CLR="ON")
-    with Quarn(line.account) as quarn:
-        window = quarn.terminal()
-        quarn.command(window, "id")
-        equal(f"what the instrument got with {delimiter}", line.far.received(), before + b"id" + after)
-        equal(f"log with {delimiter}", quarn.log(window), b"[id]\rSIM-1\r")
-        quarn.end()
-
-
-for each, framing in IN_WINDOW:
-    test(f"first command, window: {each.kind}, {framing}", each, framing)(first_command_in_window)

@@ -10,7 +10,12 @@ if options["boot"] == 1:
     import first_command  # noqa: F401
     import line_state  # noqa: F401
     import modem_lines  # noqa: F401
+    import in_window  # noqa: F401
     import closing  # noqa: F401
+    import pulling  # noqa: F401
+    import modem_manager  # noqa: F401
+    import no_parent  # noqa: F401
+    import batches  # noqa: F401
     import pins  # noqa: F401
 
     run_tests()

@@ -9,7 +9,7 @@ import signal
 import struct
 import termios
 
-from bench import LINES, check, each_line, equal, ftdi, options, read, test, until, write
+from bench import LINES, Failed, check, each_line, equal, ftdi, options, read, test, until, write
 
 RATES = (110, 300, 600, 1200, 2400, 4800, 9600, 14400, 19200, 38400, 56000, 57600, 115200, 128000, 256000)
 FORMATS = list(itertools.product("5678", ("None", "Odd", "Even"), ("1", "1.5", "2")))
@@ -79,6 +79,11 @@ class Connected:
               "the command or the end of quarn-send")
         return self.process.poll() is None
 
+    def must_wait(self):
+        # Only an ended program has said everything.
+        if not self.waits():
+            raise Failed(self.errors())
+
     def errors(self):
         return self.process.stderr.read().decode(errors="replace")
 
@@ -147,7 +152,7 @@ def former_state(line):
         equal("the rate that was set", before.rate, 2400)
         check(before.local & termios.ECHO, "the line does not echo")
         with Connected(line, COM_BPS="19200") as program:
-            check(program.waits(), program.errors())
+            program.must_wait()
             during = State.of(line.node)
             equal("rate and format", (during.rate, during.format()), (19200, ("8", "None", "1")))
             check(not during.local & (termios.ECHO | termios.ICANON | termios.ISIG), "it is not raw")
@@ -170,7 +175,7 @@ def latency_timer():
         write(timer, former)
         equal("latency timer before", read(timer), former)
         with Connected(ftdi) as program:
-            check(program.waits(), "not connected")
+            program.must_wait()
             equal("latency timer while connected", read(timer), "1")
         equal("latency timer afterwards", read(timer), former)
     write(timer, usual)

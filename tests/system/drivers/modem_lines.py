@@ -7,7 +7,6 @@ import termios
 
 from bench import LINES, check, each_line, equal, outside, read, until
 from line_state import Connected, State
-from window import INFORMATION, Quarn
 
 BOTH = frozenset({"DTR", "RTS"})
 NEITHER = frozenset()
@@ -24,8 +23,8 @@ class BusWatch:
         self._monitor = os.open("/sys/kernel/debug/usb/usbmon/0u", os.O_RDONLY | os.O_NONBLOCK)
         self.requests()
 
-    def requests(self):
-        """Request type, request and value of each that was sent since the last call."""
+    def text(self):
+        """What the monitor has shown since the last call."""
         text = b""
         while True:
             try:
@@ -35,7 +34,11 @@ class BusWatch:
             if not part:
                 break
             text += part
-        found = re.findall(rf" S Co:{self._address}:0 s (\w+) (\w+) (\w+) ", text.decode(errors="replace"))
+        return text.decode(errors="replace")
+
+    def requests(self):
+        """Request type, request and value of each that was sent since the last call."""
+        found = re.findall(rf" S Co:{self._address}:0 s (\w+) (\w+) (\w+) ", self.text())
         return [tuple(int(each, 16) for each in request) for request in found]
 
     def close(self):
@@ -119,7 +122,7 @@ def open_and_close(line):
     line.far.answer("* -> silence")
     with Watched(line) as lines:
         with Connected(line) as program:
-            check(program.waits(), program.errors())
+            program.must_wait()
             lines.becomes("connected", BOTH)
             # A setting of the state must not lower them in between.
             first = lines.seen.index(BOTH)
@@ -137,27 +140,9 @@ def kept_up(line):
         line.far.answer("* -> silence")
         with Watched(line) as lines:
             with Connected(line) as program:
-                check(program.waits(), program.errors())
+                program.must_wait()
                 lines.becomes("connected", BOTH)
                 lines.forget()
             equal("told at the close", [each for each in lines.look() if each != BOTH], [])
     finally:
         original.set(line.node)
-
-
-@each_line("DTR and RTS during a reset", LINES)
-def reset(line):
-    line.far.answer('* -> line "OK"')
-    line.settings(START_DISP="OFF")
-    with Quarn(line.account) as quarn, Watched(line) as lines:
-        quarn.wait_for(r"^Quarn   \(COM11\)$")
-        quarn.wait_gone("^Quarn : ")
-        lines.becomes("connected", BOTH)
-        lines.forget()
-        quarn.choose_from_port_menu("r")
-        quarn.wait_for(INFORMATION)
-        lines.becomes("after the reset", BOTH)
-        check(NEITHER in lines.seen, f"they were not lowered: {lines.seen}")
-        quarn.answer(INFORMATION, "Return")
-        quarn.end()
-        lines.becomes("after the end", NEITHER)

@@ -160,6 +160,9 @@ class Machine:
     def do_received(self, line):
         return base64.b64encode(self._far_ends[line].received()).decode()
 
+    def do_sent(self, line):
+        return self._far_ends[line].sent()
+
     def do_batch(self, line, milliseconds, most):
         self._far_ends[line].batch(milliseconds, most)
 

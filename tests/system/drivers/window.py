@@ -6,40 +6,39 @@ import subprocess
 import time
 
 from bench import AS_USER, Failed, HOME, LIMIT_S, Account, check, until
+from screen import Screen
 
 MAIN = r"^Quarn   \("
 TERMINAL = r"^Quarn - Terminal Screeen"
 ERROR, QUESTION, INFORMATION = "^Quarn : Error$", "^Quarn : Confirmation$", "^Quarn : Information$"
-PASSING = "^Quarn : Infomation$"
+# Between two looks.
+PAUSE_S = 0.1
 
-_display = None
+_name = None
+_screen = None
 
 
-def display():
+def screen():
     """The display, which is started when it is first needed."""
-    global _display
-    if _display is None:
+    global _name, _screen
+    if _screen is None:
         folder = Account().folder
         ready, tell = os.pipe()
         subprocess.Popen(["Xvfb", "-displayfd", str(tell), "-screen", "0", "1280x1024x24", "-nolisten", "tcp", "-ac"],
                          pass_fds=[tell], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         os.close(tell)
-        _display = ":" + os.read(ready, 64).decode().strip()
-        check(_display != ":", "there is no virtual display")
-        subprocess.Popen(["openbox"], env={**os.environ, "DISPLAY": _display, "HOME": folder},
-                         stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        until(lambda: b"# 0x" in tool("xprop", "-root", "_NET_SUPPORTING_WM_CHECK"), "the window manager")
-    return _display
+        _name = ":" + os.read(ready, 64).decode().strip()
+        check(_name != ":", "there is no virtual display")
+        subprocess.Popen(["openbox"], env=environment(HOME=folder), stdout=subprocess.DEVNULL,
+                         stderr=subprocess.DEVNULL)
+        shown = Screen(_name)
+        until(shown.has_window_manager, "the window manager")
+        _screen = shown
+    return _screen
 
 
-def tool(*command, **more):
-    """What a program for the display prints."""
-    return subprocess.run(command, env={**os.environ, "DISPLAY": _display or display()}, stdout=subprocess.PIPE,
-                          stderr=subprocess.DEVNULL, timeout=LIMIT_S, check=False, **more).stdout
-
-
-def press(*keys):
-    tool("xdotool", "key", "--clearmodifiers", "--delay", "20", *keys)
+def environment(**more):
+    return {**os.environ, "DISPLAY": _name, **more}
 
 
 class Quarn:
@@ -47,7 +46,8 @@ class Quarn:
 
     def __init__(self, account, *arguments):
         self._errors = open(os.path.join(account.folder, "errors"), "w+b")
-        account.environment.update(DISPLAY=display(), QT_QPA_PLATFORM="xcb",
+        self._screen = screen()
+        account.environment.update(DISPLAY=_name, QT_QPA_PLATFORM="xcb",
                                    DBUS_SESSION_BUS_ADDRESS="unix:path=" + HOME + "/no-session")
         self.process = subprocess.Popen([os.path.join(HOME, "bin/quarn"), *arguments], env=account.environment,
                                         stdin=subprocess.DEVNULL, stdout=self._errors, stderr=self._errors, **AS_USER)
@@ -62,17 +62,12 @@ class Quarn:
         self._errors.close()
 
     def windows(self):
-        """Number and title of each visible window."""
-        found = []
-        for number in tool("xdotool", "search", "--onlyvisible", "--class", "^quarn$").split():
-            number = number.decode()
-            title = tool("xdotool", "getwindowname", number).decode(errors="replace").removesuffix("\n")
-            found.append((number, title))
-        return found
+        """Number and title of each window."""
+        return self._screen.windows()
 
     def find(self, title):
-        found = tool("xdotool", "search", "--onlyvisible", "--name", title).split()
-        return found[-1].decode() if found else None
+        found = [number for number, text in self.windows().items() if re.search(title, text)]
+        return found[-1] if found else None
 
     def wait_for(self, title, seconds=LIMIT_S):
         """The window whose title matches."""
@@ -82,26 +77,23 @@ class Quarn:
             return self.find(title)
 
         try:
-            return until(look, title, seconds)
+            return until(look, title, seconds, PAUSE_S)
         except Failed as problem:
-            raise Failed(f"{problem}; there is {[title for _, title in self.windows()]}") from None
+            raise Failed(f"{problem}; there is {list(self.windows().values())}") from None
 
     def wait_gone(self, title):
-        until(lambda: not self.find(title), f"the end of {title}")
-
-    def title(self, window):
-        return tool("xdotool", "getwindowname", window).decode(errors="replace").removesuffix("\n")
+        until(lambda: not self.find(title), f"the end of {title}", pause=PAUSE_S)
 
     def activate(self, window):
-        def is_active():
-            return tool("xdotool", "getactivewindow").strip().decode() == window
+        """Returns when the window is the active one, or gone."""
 
-        deadline = time.monotonic() + LIMIT_S
-        while not is_active():
-            check(time.monotonic() < deadline, "the window does not become the active one")
-            if window not in {number for number, _ in self.windows()}:
-                return
-            tool("xdotool", "windowactivate", "--sync", window)
+        def done():
+            if self._screen.active() == window or window not in self.windows():
+                return True
+            self._screen.activate(window)
+            return False
+
+        until(done, "the window to become the active one", pause=PAUSE_S)
 
     def terminal(self):
         """Waits for the Terminal Screen and for the messages of the start to pass."""
@@ -111,79 +103,91 @@ class Quarn:
         self.activate(window)
         return window
 
+    def press(self, *keys):
+        self._screen.press(*keys)
+
     def lines(self, window):
         """How many lines the log has, as the title says."""
-        found = re.search(r"\[ *\d+-(\d+) *\]$", self.title(window))
+        found = re.search(r"\[ *\d+-(\d+) *\]$", self._screen.title(window))
         return int(found[1]) if found else 0
 
     def enter(self, window, text):
         self.activate(window)
-        tool("xdotool", "type", "--delay", "20", text)
-        press("Return")
+        self.press(*text, "Return")
 
     def command(self, window, text):
         """Types the command, and waits for its response in the log."""
         before = self.lines(window)
         self.enter(window, text)
-        until(lambda: self.lines(window) > before, f"the response to {text}")
+        until(lambda: self.lines(window) > before, f"the response to {text}", pause=PAUSE_S)
 
     def log(self, window):
         """Copies the whole log."""
         mark = b"nothing copied yet"
         # It stays in the background, to hand over what it has.
-        subprocess.run(["xclip", "-selection", "clipboard"], env={**os.environ, "DISPLAY": display()}, input=mark,
-                       stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, check=True)
-        self.activate(window)
-        before = {number for number, _ in self.windows()}
-
-        def menu_is_there():
-            tool("xdotool", "mousemove", "--window", window, "400", "300", "click", "3")
-            time.sleep(0.3)
-            return {number for number, _ in self.windows()} - before
-
-        until(menu_is_there, "the Terminal Screen's menu")
-        press("Down", "Down", "Return")
+        clipboard = ["xclip", "-selection", "clipboard"]
+        subprocess.run(clipboard, env=environment(), input=mark, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
+                       check=True)
+        self.open_menu(window, 400, 300, button=3)
+        self.press("Down", "Down", "Return")
 
         def copied():
-            text = tool("xclip", "-o", "-selection", "clipboard", "-t", "UTF8_STRING")
+            text = subprocess.run([*clipboard, "-o", "-t", "UTF8_STRING"], env=environment(), stdout=subprocess.PIPE,
+                                  stderr=subprocess.DEVNULL, timeout=LIMIT_S, check=False).stdout
             return text if text != mark else b""
 
-        return until(copied, "the log on the clipboard")
+        return until(copied, "the log on the clipboard", pause=PAUSE_S)
+
+    def open_menu(self, window, left, top, button):
+        """Clicks there until something more is shown."""
+        self.activate(window)
+        before = self._screen.top_level()
+        window_left, window_top, _, _ = self._screen.place(window)
+        clicked = 0.0
+
+        def menu_is_there():
+            nonlocal clicked
+            if self._screen.top_level() - before:
+                return True
+            # A click that comes right after a box has closed may be dropped; a second one closes the menu.
+            if time.monotonic() > clicked + 5:
+                self._screen.click(window_left + left, window_top + top, button)
+                clicked = time.monotonic()
+            return False
+
+        until(menu_is_there, "the menu", pause=PAUSE_S)
 
     def choose_from_port_menu(self, letter):
         """Opens the menu with the mouse, and chooses with the underlined letter."""
-        main = self.wait_for(MAIN)
-        self.activate(main)
-        before = {number for number, _ in self.windows()}
-
-        def menu_is_there():
-            tool("xdotool", "mousemove", "--window", main, "55", "12", "click", "1")
-            time.sleep(0.5)
-            return {number for number, _ in self.windows()} - before
-
-        until(menu_is_there, "the menu Port")
-        press(letter)
+        self.open_menu(self.wait_for(MAIN), 55, 12, button=1)
+        self.press(letter)
 
     def answer(self, title, key):
         """Presses a key in the box until it is gone."""
         box = self.wait_for(title)
+        pressed = 0.0
 
         def is_gone():
-            self.activate(box)
-            press(key)
-            time.sleep(0.2)
-            return box not in {number for number, _ in self.windows()}
+            nonlocal pressed
+            if box not in self.windows():
+                return True
+            if time.monotonic() > pressed + 2:
+                self.activate(box)
+                self.press(key)
+                pressed = time.monotonic()
+            return False
 
-        until(is_gone, f"the end of {title}")
+        until(is_gone, f"the end of {title}", pause=PAUSE_S)
 
     def end(self):
-        """Ends it as a person does. Returns how many seconds that took."""
+        """Ends it as a person does, with the last box in the title bar. Returns how many seconds that took."""
         main = self.wait_for(MAIN)
         self.activate(main)
-        self.point_at_close_box(main)
+        left, top, width, frame = self._screen.place(main)
         began = time.monotonic()
         while True:
-            tool("xdotool", "click", "1")
+            # It is about as wide as the title bar is high.
+            self._screen.click(left + width - frame[2] // 2, top - frame[2] // 2)
             try:
                 status = self.process.wait(5)
                 break
@@ -192,11 +196,3 @@ class Quarn:
                 check(time.monotonic() < began + LIMIT_S, f"Quarn does not end; there is {self.windows()}")
         check(status == 0, f"Quarn ended with {status}")
         return time.monotonic() - began
-
-    def point_at_close_box(self, window):
-        """The last one in the title bar, about as wide as that is high."""
-        text = tool("xwininfo", "-id", window, "-stats").decode()
-        left, top, width = (int(re.search(rf"{name}: +(-?\d+)", text)[1])
-                            for name in ("Absolute upper-left X", "Absolute upper-left Y", "Width"))
-        frame = [int(each) for each in re.findall(r"\d+", tool("xprop", "-id", window, "_NET_FRAME_EXTENTS").decode())]
-        tool("xdotool", "mousemove", str(left + width - frame[2] // 2), str(top - frame[2] // 2))

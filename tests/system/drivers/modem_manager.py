@@ -1,0 +1,101 @@
+"""A program that takes each new port and asks whether it is a modem, while Quarn is to connect to it."""
+
+import fcntl
+import glob
+import os
+import termios
+import threading
+import time
+
+from adapters import Adapters, port_of
+from bench import Account, LIMIT_S, check, equal, ftdi, options, test, until
+from window import ERROR, INFORMATION, QUESTION, Quarn
+
+# For so long it has the port after YES; Quarn tries for five seconds.
+HELD_S = 2
+IDLE_CYCLES = 10 if options["long"] else 1
+
+
+class ModemManager:
+    """Has each new adapter for itself until it is released. Use it in a `with`."""
+
+    def __init__(self):
+        self._known = set(glob.glob("/dev/ttyUSB*"))
+        self._held = []
+        self._ended = threading.Event()
+        self._thread = threading.Thread(target=self._watch, daemon=True)
+
+    def _watch(self):
+        while not self._ended.wait(0.02):
+            now = set(glob.glob("/dev/ttyUSB*"))
+            for node in now - self._known:
+                line = os.open(node, os.O_RDWR | os.O_NOCTTY | os.O_NONBLOCK)
+                fcntl.ioctl(line, termios.TIOCEXCL)
+                os.write(line, b"AT\r")
+                self._held.append(line)
+            self._known = now
+
+    def holds(self):
+        return bool(self._held)
+
+    def release(self):
+        while self._held:
+            os.close(self._held.pop())
+
+    def __enter__(self):
+        self._thread.start()
+        return self
+
+    def __exit__(self, *problem):
+        self._ended.set()
+        self._thread.join()
+        self.release()
+
+
+class Session:
+    """A connected program, and its adapter."""
+
+    def __init__(self):
+        ftdi.far.answer('"id" -> line "SIM-1"\n* -> silence')
+        self.adapters = Adapters()
+        self.adapters.sockets["first"] = 1
+        self.account = Account()
+        self.port = port_of(self.account, self.adapters.node("first"))
+        self.account.settings(COM_PORT=self.port)
+
+    def replug(self, quarn):
+        self.adapters.unplug("first")
+        quarn.answer(ERROR, "Return")
+        self.adapters.plug("first", "QA0001", 1)
+
+
+@test("window: pulled and plugged in while idle, and a modem manager has the port")
+def offer():
+    session = Session()
+    with Quarn(session.account) as quarn:
+        window = quarn.terminal()
+        for _ in range(IDLE_CYCLES):
+            session.replug(quarn)
+            quarn.answer(QUESTION, "Return")
+            quarn.answer(INFORMATION, "Return")
+            quarn.command(window, "id")
+        with ModemManager() as manager:
+            session.replug(quarn)
+            until(manager.holds, "the modem manager")
+            quarn.answer(QUESTION, "Return")
+            time.sleep(HELD_S)
+            check(not quarn.find(INFORMATION) and not quarn.find(ERROR), "it has not waited for the port")
+            manager.release()
+            quarn.answer(INFORMATION, "Return")
+            check(b"AT\r" in ftdi.far.received(), "nobody asked whether it is a modem")
+            quarn.command(window, "id")
+            # And one that keeps it.
+            session.replug(quarn)
+            until(manager.holds, "the modem manager")
+            quarn.answer(QUESTION, "Return")
+            quarn.wait_for(ERROR, LIMIT_S)
+            status, _, errors = session.account.run("quarn-send", "--port", session.port, "--", "id")
+            equal(f"status ({errors})", status, 5)
+            check("in use by another program" in errors, errors)
+            quarn.answer(ERROR, "Return")
+        quarn.end()
