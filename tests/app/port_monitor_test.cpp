@@ -223,8 +223,7 @@ TEST_F(PortMonitorTest, TriesAgainWhileThePortIsInUse) {
   StartMonitor();
   PlugIn(QStringLiteral("COM3"), terminal);
   PortConnection other = program.connection;
-  other.portCount = 1;
-  other.portNames[0] = QStringLiteral("COM3");
+  other.portNames = {QStringLiteral("COM3")};
   ASSERT_TRUE(ConnectPort(program.settings, other, program.Environment()));
   int pauses = 0;
   pause.during = [&] {
@@ -245,8 +244,7 @@ TEST_F(PortMonitorTest, TellsWhenThePortStaysInUse) {
   StartMonitor();
   PlugIn(QStringLiteral("COM3"), terminal);
   PortConnection other = program.connection;
-  other.portCount = 1;
-  other.portNames[0] = QStringLiteral("COM3");
+  other.portNames = {QStringLiteral("COM3")};
   ASSERT_TRUE(ConnectPort(program.settings, other, program.Environment()));
   messages.answers = {true};
   monitor.Tick();
