@@ -1,7 +1,10 @@
 #include "send/commands.h"
 
 #include <QFile>
+#include <array>
+#include <cerrno>
 #include <cstdio>
+#include <system_error>
 
 #include "send/option_words.h"
 
@@ -37,6 +40,21 @@ std::optional<char> ByteOfHex(const QByteArray& digits) {
 
 /// Text of two bytes per character, as some editors and shells of Windows write it.
 bool IsUtf16(const QByteArray& text) { return text.startsWith("\xFF\xFE") || text.startsWith("\xFE\xFF"); }
+
+FileContent ReadStandardInput() {
+  TakeBytesAsTheyAre();
+  constexpr std::size_t kPiece = 4096;
+  FileContent content;
+  std::array<char, kPiece> piece{};
+  std::size_t count = 0;
+  while ((count = std::fread(piece.data(), 1, piece.size(), stdin)) > 0) {
+    content.bytes.append(piece.data(), static_cast<qsizetype>(count));
+  }
+  if (std::ferror(stdin) != 0) {
+    content.failure = QString::fromStdString(std::generic_category().message(errno));
+  }
+  return content;
+}
 
 class Collector {
  public:
@@ -133,11 +151,9 @@ std::optional<QByteArray> Unescaped(const QByteArray& text, QByteArray& wrong) {
 }
 
 FileContent ReadCommandFile(const std::optional<QString>& name) {
-  QFile file;
-  if (name) file.setFileName(*name);
-  if (!name) TakeBytesAsTheyAre();
-  const bool isOpen = name ? file.open(QIODevice::ReadOnly) : file.open(stdin, QIODevice::ReadOnly);
-  if (!isOpen) return {.failure = file.errorString()};
+  if (!name) return ReadStandardInput();
+  QFile file(*name);
+  if (!file.open(QIODevice::ReadOnly)) return {.failure = file.errorString()};
   FileContent content{.bytes = file.readAll()};
   if (file.error() != QFileDevice::NoError) content.failure = file.errorString();
   return content;

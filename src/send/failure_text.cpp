@@ -5,14 +5,23 @@
 namespace quarn::send {
 namespace {
 
-QString RemedyOf(LineError kind) {
-  switch (kind) {
+/// The last word of "no permission: group dialout"; empty if no group helps.
+QString GroupIn(const QString& reason) {
+  const QString words = QStringLiteral(": group ");
+  const qsizetype at = reason.lastIndexOf(words);
+  return at < 0 ? QString() : reason.mid(at + words.size());
+}
+
+QString RemedyOf(const LineFailure& failure) {
+  const QString group = GroupIn(failure.reason);
+  switch (failure.kind) {
     case LineError::NotFound:
       return QStringLiteral("quarn-send --list shows the ports that are");
     case LineError::NoPermission:
-      return QStringLiteral("join that group (sudo usermod -aG GROUP USER) and log in again");
+      return group.isEmpty() ? QStringLiteral("ask who owns the device")
+                             : QStringLiteral("sudo usermod -aG %1 \"$USER\", and log in again").arg(group);
     case LineError::InUse:
-      return QStringLiteral("end that program, or wait for it with --wait SECONDS");
+      return QStringLiteral("end the program that uses it, or wait for it with --wait SECONDS");
     case LineError::Refused:
       return QStringLiteral("choose other values for the line");
     case LineError::Disconnected:
@@ -32,7 +41,7 @@ QString FailureText(const QString& port, const LineFailure& failure) {
   while (text.endsWith(u'.')) text.chop(1);
   if (!text.startsWith(port + u':') && !text.startsWith(port + u' '))
     text.prepend(port + QStringLiteral(": "));
-  const QString remedy = RemedyOf(failure.kind);
+  const QString remedy = RemedyOf(failure);
   return remedy.isEmpty() ? text : text + QStringLiteral("; ") + remedy;
 }
 

@@ -14,7 +14,8 @@ namespace send = quarn::send;
 int Run(const send::Options& options) {
   if (!options.error.isEmpty()) {
     send::Complain(options.error);
-    std::fputs(send::kUsage, stderr);
+    std::fputs("usage: quarn-send [OPTION...] [--] COMMAND... (quarn-send --help lists the options)\n",
+               stderr);
     return send::kWrongUsage;
   }
   if (options.help) return send::Print(send::kUsage) ? 0 : send::kNotPrinted;

@@ -46,22 +46,26 @@ QString ChosenFile(const Options& options, const QString& dataFolder) {
   return options.settingsFile.isEmpty() ? WorkingSettingsFile(dataFolder) : options.settingsFile;
 }
 
+bool HasWorkingFile(const QString& dataFolder) {
+  std::error_code error;
+  return std::filesystem::status(WorkingSettingsFile(dataFolder).toStdU16String(), error).type() !=
+         std::filesystem::file_type::not_found;
+}
+
 /// With a port in the options no file is needed, but one that is there is used.
 bool NeedsNoFile(const Options& options, const QString& dataFolder) {
   if (options.defaults) return true;
   if (!options.settingsFile.isEmpty() || options.port.isEmpty()) return false;
-  std::error_code error;
-  return dataFolder.isEmpty() ||
-         std::filesystem::status(WorkingSettingsFile(dataFolder).toStdU16String(), error).type() ==
-             std::filesystem::file_type::not_found;
+  return dataFolder.isEmpty() || !HasWorkingFile(dataFolder);
 }
 
 /// Returns false and prints the reason if they cannot be read.
 bool Load(const QString& file, SettingsRecord& settings) {
   QString reason = WhyNotReadable(file);
   if (reason.isEmpty() && LoadSettings(file, settings) != LoadResult::Loaded) reason = WhyNotComplete(file);
-  if (!reason.isEmpty()) Complain(file + QStringLiteral(": ") + reason);
-  return reason.isEmpty();
+  if (reason.isEmpty()) return true;
+  Complain(file + QStringLiteral(": ") + reason);
+  return false;
 }
 
 }  // namespace
@@ -91,6 +95,11 @@ bool LoadChosenSettings(const Options& options, const QString& dataFolder, Setti
     settings = DefaultSettings();
   } else if (options.settingsFile.isEmpty() && dataFolder.isEmpty()) {
     Complain(WhyNoDataFolder());
+    return false;
+  } else if (options.settingsFile.isEmpty() && !HasWorkingFile(dataFolder)) {
+    Complain(
+        WorkingSettingsFile(dataFolder) +
+        QStringLiteral(": no such settings file; name a port with --port (quarn-send --list shows them)"));
     return false;
   } else if (!Load(ChosenFile(options, dataFolder), settings)) {
     return false;

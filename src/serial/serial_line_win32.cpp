@@ -131,10 +131,15 @@ LineResult Win32SerialLine::SetTimeouts(const LineTimeouts& timeouts) {
 LineResult Win32SerialLine::SetModemLines(const ModemLines& lines) {
   const auto [handle, failure] = UsableHandle();
   if (!handle) return failure;
-  const auto set = [&](std::optional<bool> level, DWORD on, DWORD off) {
-    return !level || EscapeCommFunction(handle->Get(), *level ? on : off) != FALSE;
+  const auto set = [&](std::optional<bool> level, DWORD on, DWORD off, const char* name) {
+    if (!level || EscapeCommFunction(handle->Get(), *level ? on : off) != FALSE) return LineResult();
+    LineFailure refused = FailWith(GetLastError());
+    const QString text = m_device + QStringLiteral(": ");
+    refused.reason.replace(text, text + QString::fromLatin1(name) + QStringLiteral(" cannot be set: "));
+    return LineResult(refused);
   };
-  return Conclude(set(lines.dtr, SETDTR, CLRDTR) && set(lines.rts, SETRTS, CLRRTS));
+  if (LineResult dtr = set(lines.dtr, SETDTR, CLRDTR, "DTR"); !dtr) return dtr;
+  return set(lines.rts, SETRTS, CLRRTS, "RTS");
 }
 
 LineResult Win32SerialLine::Purge() {

@@ -10,8 +10,21 @@ TEST(FailureText, NamesPortDeviceHolderAndRemedy) {
   const LineFailure failure{LineError::InUse, QStringLiteral("/dev/ttyUSB0: in use by minicom (PID 12)")};
   EXPECT_EQ(
       FailureText(QStringLiteral("COM7"), failure),
-      QStringLiteral("COM7: /dev/ttyUSB0: in use by minicom (PID 12); end that program, or wait for it with "
-                     "--wait SECONDS"));
+      QStringLiteral(
+          "COM7: /dev/ttyUSB0: in use by minicom (PID 12); end the program that uses it, or wait for it with "
+          "--wait SECONDS"));
+}
+
+TEST(FailureText, NamesTheGroupToJoin) {
+  const auto text = [](const char* reason) {
+    return FailureText(QStringLiteral("COM7"), {LineError::NoPermission, QString::fromLatin1(reason)});
+  };
+  EXPECT_EQ(text("/dev/ttyS0: no permission: group dialout"),
+            QStringLiteral(
+                "COM7: /dev/ttyS0: no permission: group dialout; sudo usermod -aG dialout \"$USER\", and "
+                "log in again"));
+  EXPECT_EQ(text("/dev/ttyS0: no permission"),
+            QStringLiteral("COM7: /dev/ttyS0: no permission; ask who owns the device"));
 }
 
 TEST(FailureText, NamesThePortOnce) {

@@ -121,7 +121,9 @@ TEST_F(SendProcess, WithoutAWorkingSettingsFileItIsFiveToo) {
   ASSERT_TRUE(QFile::remove(Path("Halvo/Quarn/Quarn.ini")));
   const Outcome sent = Send("id");
   EXPECT_EQ(sent.exitCode, 5);
-  EXPECT_TRUE(sent.err.endsWith("Quarn.ini: no such settings file\n")) << sent.err.constData();
+  EXPECT_TRUE(sent.err.endsWith(
+      "Quarn.ini: no such settings file; name a port with --port (quarn-send --list shows them)\n"))
+      << sent.err.constData();
 }
 
 TEST_F(SendProcess, WhatOnlyReadsSettingsMakesNoFolders) {
@@ -139,7 +141,9 @@ TEST_F(SendProcess, WhatOnlyReadsSettingsMakesNoFolders) {
     EXPECT_TRUE(QDir(place.path()).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot));
     return process.readAllStandardError();
   };
-  const QByteArray missing = place.path().toUtf8() + "/none/Halvo/Quarn/Quarn.ini: no such settings file\n";
+  const QByteArray missing = place.path().toUtf8() +
+                             "/none/Halvo/Quarn/Quarn.ini: no such settings file; name a port with --port "
+                             "(quarn-send --list shows them)\n";
   EXPECT_EQ(sent(place.path(), place.filePath(QStringLiteral("none"))), "quarn-send: " + missing);
   const QByteArray nowhere = sent(QStringLiteral("."), QString());
   EXPECT_TRUE(nowhere.startsWith("quarn-send: There is no folder for the settings")) << nowhere.constData();
@@ -178,7 +182,7 @@ TEST_F(SendProcess, APortInUseIsFiveWithItsReason) {
   ASSERT_TRUE(name.open(QIODevice::ReadOnly));
   const QByteArray user = name.readAll().trimmed() + " (PID " + QByteArray::number(::getpid()) + ')';
   EXPECT_EQ(sent.err, "quarn-send: COM7: " + m_instrument.NodePath().toUtf8() + ": in use by " + user +
-                          "; end that program, or wait for it with --wait SECONDS\n");
+                          "; end the program that uses it, or wait for it with --wait SECONDS\n");
   EXPECT_EQ(m_instrument.Received(), "");
 }
 

@@ -66,6 +66,7 @@ TEST_F(SendResults, ALineIsOutWhenItsTransactionEnds) {
         {QStringLiteral("--json"), QStringLiteral("id"), QStringLiteral("mute")});
   ASSERT_TRUE(process.waitForReadyRead(kPatienceMs));
   EXPECT_EQ(Status(process.readAllStandardOutput()), 0);
+  ASSERT_TRUE(Eventually([&] { return m_instrument.Received() == "id\r\nmute\r\n"; }));
   process.terminate();
   ASSERT_TRUE(process.waitForFinished(kPatienceMs));
   EXPECT_EQ(process.exitCode(), 4);

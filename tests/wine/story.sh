@@ -234,6 +234,20 @@ answers() {
   expect "quarn-send --raw leaves line feeds alone" cmp "$PLACE/raw" "$PLACE/expected"
 }
 
+# quarn-send as scripts use it, with the batch file of the guide. Wine has no PowerShell.
+scripts_of_the_guide() {
+  local send=${1%quarn.exe}quarn-send.exe folder=$PLACE/batch answer
+  headline "Scripts"
+  expect "the port is listed" test "$(wine "$send" --list | tr -d '\r')" == 'COM3  \\.\COM3  Bench adapter'
+  answer=$(printf 'id\r\nmeas?\r\n' | wine "$send" --port com3 --bps 921600 - | tr -d '\r')
+  expect "commands come from standard input" test "$answer" == $'[id]\nSIM-1 bench instrument, firmware 1.00\n[meas?]\n+1.2345E+00 V'
+  expect "an unexpected answer is 6" ends_within 30 6 wine "$send" --port COM3 --expect 'firmware 2' id
+  mkdir -p "$folder"
+  awk '/^```bat$/ { on = 1; next } /^```$/ { on = 0 } on' docs/guide.md | sed 's/COM4/COM3/; s/$/\r/' >"$folder/guide.bat"
+  (cd "$folder" && WINEPATH=Z:$(dirname "$send") wine cmd /c guide.bat) || fail "the guide's batch file fails"
+  expect "the guide's batch file makes a table" test "$(grep -c ',COM3,meas?,received,+1.2345E+00 V,' "$folder/readings.csv")" -eq 3
+}
+
 # play_story PROGRAM: with the settings of a person who has never seen it.
 play_story() {
   rm -rf "$(settings_folder)"
@@ -249,6 +263,7 @@ play_story() {
   unplug_and_plug
   end_program
   answers "$1"
+  scripts_of_the_guide "$1"
   silence "$1"
   unplug_port com3
   drop_device far
