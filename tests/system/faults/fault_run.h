@@ -108,7 +108,7 @@ class FaultRun {
     EXPECT_FALSE(Strikes(plan, seen));
   }
 
-  static constexpr int kAlwaysPlayed = 100;
+  static constexpr int kAlwaysPlayed = 40;
   enum MemoryStatus { kReached, kNotReached, kCheckFailed };
 
   int PlayMemoryFault(int failing) {

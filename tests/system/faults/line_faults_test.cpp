@@ -111,7 +111,7 @@ class LineFaults : public testing::TestWithParam<TerminalKind> {
     run.PlayHeldUp();
     // Most of these allocate nothing. Looking who uses a UART allocates the same for each process that there
     // is.
-    run.PlayWithoutMemory(13);
+    run.PlayWithoutMemory(31);
   }
   /// Whether a failure of this call has no effect: it is optional, or its work is already done.
   [[nodiscard]] bool GoesOn(const Fault& fault) const { return m_extras.contains(fault.call); }
