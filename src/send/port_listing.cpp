@@ -17,12 +17,12 @@ constexpr std::size_t kColumns = 6;
 using Row = std::array<QByteArray, kColumns>;
 
 constexpr std::array<const char*, kColumns> kColumnNames{"port",         "device",   "description",
-                                                         "lasting_name", "obstacle", "holder"};
+                                                         "lasting_name", "unavailable_reason", "holder"};
 
 Row RowOf(const PortDetails& port) {
   Row row;
   std::ranges::transform(
-      std::array{port.name, port.device, port.description, port.lastingName, port.obstacle, port.holder},
+      std::array{port.name, port.device, port.description, port.lastingName, port.unavailableReason, port.holder},
       row.begin(), [](const QString& each) { return SpellOut(each.toUtf8()); });
   return row;
 }

@@ -12,9 +12,9 @@ struct PortDetails {
   QString description{};  ///< the device's own name
   QString device{};       ///< what is opened: /dev/ttyUSB0
   QString lastingName{};  ///< a path that stays the same when devices come and go; empty if there is none
-  QString
-      obstacle{};    ///< why it cannot be opened ("no permission: group dialout"); empty if nothing is known
-  QString holder{};  ///< the program that uses it ("minicom (PID 1234)"); empty if none is known
+  /// Why it cannot be opened ("no permission: group dialout"); empty if nothing is known.
+  QString unavailableReason{};
+  QString holder{};  ///< the program that uses it, with its number; empty if none is known
 };
 
 /// The ports present, in the order of their numbers. A new device gets its number. nullopt if the list cannot

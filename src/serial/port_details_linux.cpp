@@ -64,12 +64,12 @@ std::optional<std::vector<PortDetails>> ListPortDetails(const QString& portsFold
                      .description = DeviceDescription(link.target.status, devices->devices),
                      .device = TextFrom(link.target.node),
                      .lastingName = TextFrom(LastingNameOf(link.target.node, roots)),
-                     .obstacle = TextFrom(NoPermissionReason(nodes.back()))});
+                     .unavailableReason = TextFrom(NoPermissionReason(nodes.back()))});
   }
   const std::vector<pid_t> users = UsersOf(nodes, roots);
   for (std::size_t i = 0; i < ports.size(); ++i) {
     ports[i].holder = HolderText(users[i], roots);
-    if (ports[i].obstacle.isEmpty() && users[i] != 0) ports[i].obstacle = QStringLiteral("in use");
+    if (ports[i].unavailableReason.isEmpty() && users[i] != 0) ports[i].unavailableReason = QStringLiteral("in use");
   }
   return ports;
 }

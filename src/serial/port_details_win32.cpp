@@ -16,7 +16,7 @@ std::optional<std::vector<PortDetails>> ListPortDetails(const QString& /*portsFo
                      .description = description,
                      .device = QStringLiteral("\\\\.\\") + each.name,
                      .lastingName = {},
-                     .obstacle = {},
+                     .unavailableReason = {},
                      .holder = {}});
   }
   return ports;

@@ -10,13 +10,13 @@ std::vector<PortDetails> TwoPorts() {
            .description = QStringLiteral("Serial Port"),
            .device = QStringLiteral("/dev/ttyS0"),
            .lastingName = {},
-           .obstacle = QStringLiteral("no permission: group dialout"),
+           .unavailableReason = QStringLiteral("no permission: group dialout"),
            .holder = {}},
           {.name = QStringLiteral("COM12"),
            .description = QStringLiteral("a, \x1b[31m"),
            .device = QStringLiteral("/dev/ttyUSB0"),
            .lastingName = QStringLiteral("/dev/serial/by-id/x"),
-           .obstacle = {},
+           .unavailableReason = {},
            .holder = {}}};
 }
 
@@ -30,7 +30,7 @@ TEST(PortListing, IsATableWithoutEmptyColumns) {
 
 TEST(PortListing, IsLinesForMachines) {
   EXPECT_EQ(PortListing(TwoPorts(), Output::Csv),
-            "port,device,description,lasting_name,obstacle,holder\n"
+            "port,device,description,lasting_name,unavailable_reason,holder\n"
             "COM1,/dev/ttyS0,Serial Port,,no permission: group dialout,\n"
             "COM12,/dev/ttyUSB0,\"a, <ESC>[31m\",/dev/serial/by-id/x,,\n");
   const QByteArrayList json = PortListing(TwoPorts(), Output::Json).trimmed().split('\n');
@@ -38,7 +38,7 @@ TEST(PortListing, IsLinesForMachines) {
   EXPECT_EQ(
       json[0],
       "{\"description\":\"Serial Port\",\"device\":\"/dev/ttyS0\",\"holder\":\"\",\"lasting_name\":\"\","
-      "\"obstacle\":\"no permission: group dialout\",\"port\":\"COM1\"}");
+      "\"port\":\"COM1\",\"unavailable_reason\":\"no permission: group dialout\"}");
 }
 
 }  // namespace

@@ -106,12 +106,12 @@ TEST_F(SendListen, ListsThePortsAndTheirHolders) {
   const QJsonObject free = PortRow(Send("--list --json").out);
   EXPECT_EQ(free[QStringLiteral("device")].toString(), m_instrument.NodePath());
   EXPECT_EQ(free[QStringLiteral("description")].toString(), QStringLiteral("Pseudo-terminal"));
-  EXPECT_EQ(free[QStringLiteral("obstacle")].toString(), QString());
+  EXPECT_EQ(free[QStringLiteral("unavailable_reason")].toString(), QString());
   EXPECT_EQ(free[QStringLiteral("holder")].toString(), QString());
   const OpenResult mine = OpenTerminalDevice(m_instrument.NodePath());
   ASSERT_TRUE(mine.line);
   const QJsonObject used = PortRow(Send("--list --json").out);
-  EXPECT_EQ(used[QStringLiteral("obstacle")].toString(), QStringLiteral("in use"));
+  EXPECT_EQ(used[QStringLiteral("unavailable_reason")].toString(), QStringLiteral("in use"));
   EXPECT_TRUE(used[QStringLiteral("holder")].toString().endsWith(QStringLiteral("(PID %1)").arg(::getpid())));
   const Outcome table = Send("--list");
   EXPECT_EQ(table.exitCode, 0);
