@@ -1,4 +1,5 @@
-// The connected line is lost, and its port is back before the list is checked.
+// The connected line is lost and its port is back before the list is checked, or the port is in use when it
+// is back.
 
 #include "app/port_monitor_fixture.h"
 
@@ -154,6 +155,48 @@ TEST_F(LostLineTest, IsALineThatIsNotThereAtAll) {
   messages.answers = {false};
   Ticks(5);
   EXPECT_EQ(Happened(), kLostAndOffered + QStringList{"start timer"});
+}
+
+// Wine opens a port twice.
+
+TEST_F(PortMonitorTest, TriesAgainWhileThePortIsInUse) {
+  const PseudoTerminal terminal;
+  WriteSettings(program.workingSettingsFile, {});
+  Configure(QStringLiteral("COM3"));
+  StartMonitor();
+  PlugIn(QStringLiteral("COM3"), terminal);
+  PortConnection other = program.connection;
+  other.portNames = {QStringLiteral("COM3")};
+  ASSERT_TRUE(ConnectPort(program.settings, other, program.Environment()));
+  int pauses = 0;
+  pause.during = [&] {
+    if (++pauses == 3) ClosePort(other);
+  };
+  messages.answers = {true};
+  monitor.Tick();
+  EXPECT_EQ(Happened(),
+            (QStringList{kUpdated, "stop timer", kOffer, "pause 100", "pause 100", "pause 100",
+                         "information/: Information//Successfully connected to  \"COM3\"/", "start timer"}));
+  EXPECT_TRUE(program.connection.handle.IsOpen());
+  EXPECT_EQ(program.state.currentPortName, QStringLiteral("COM3"));
+}
+
+TEST_F(PortMonitorTest, TellsWhenThePortStaysInUse) {
+  const PseudoTerminal terminal;
+  Configure(QStringLiteral("COM3"));
+  StartMonitor();
+  PlugIn(QStringLiteral("COM3"), terminal);
+  PortConnection other = program.connection;
+  other.portNames = {QStringLiteral("COM3")};
+  ASSERT_TRUE(ConnectPort(program.settings, other, program.Environment()));
+  messages.answers = {true};
+  monitor.Tick();
+  const QStringList happened = Happened();
+  EXPECT_EQ(happened.count(QStringLiteral("pause 100")), 49);
+  EXPECT_TRUE(happened.contains(kGone));
+  EXPECT_EQ(program.connection.lastFailure.kind, LineError::InUse);
+  EXPECT_FALSE(program.connection.connected.IsSet());
+  ClosePort(other);
 }
 
 }  // namespace

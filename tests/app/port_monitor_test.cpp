@@ -216,46 +216,6 @@ TEST_F(PortMonitorTest, TellsWhenThePortThatCameBackCannotBeOpened) {
   EXPECT_EQ(program.state.currentPortName, QStringLiteral("NONE"));
 }
 
-TEST_F(PortMonitorTest, TriesAgainWhileThePortIsInUse) {
-  const PseudoTerminal terminal;
-  WriteSettings(program.workingSettingsFile, {});
-  Configure(QStringLiteral("COM3"));
-  StartMonitor();
-  PlugIn(QStringLiteral("COM3"), terminal);
-  PortConnection other = program.connection;
-  other.portNames = {QStringLiteral("COM3")};
-  ASSERT_TRUE(ConnectPort(program.settings, other, program.Environment()));
-  int pauses = 0;
-  pause.during = [&] {
-    if (++pauses == 3) ClosePort(other);
-  };
-  messages.answers = {true};
-  monitor.Tick();
-  EXPECT_EQ(Happened(),
-            (QStringList{kUpdated, "stop timer", kOffer, "pause 100", "pause 100", "pause 100",
-                         "information/: Information//Successfully connected to  \"COM3\"/", "start timer"}));
-  EXPECT_TRUE(program.connection.handle.IsOpen());
-  EXPECT_EQ(program.state.currentPortName, QStringLiteral("COM3"));
-}
-
-TEST_F(PortMonitorTest, TellsWhenThePortStaysInUse) {
-  const PseudoTerminal terminal;
-  Configure(QStringLiteral("COM3"));
-  StartMonitor();
-  PlugIn(QStringLiteral("COM3"), terminal);
-  PortConnection other = program.connection;
-  other.portNames = {QStringLiteral("COM3")};
-  ASSERT_TRUE(ConnectPort(program.settings, other, program.Environment()));
-  messages.answers = {true};
-  monitor.Tick();
-  const QStringList happened = Happened();
-  EXPECT_EQ(happened.count(QStringLiteral("pause 100")), 49);
-  EXPECT_TRUE(happened.contains(kGone));
-  EXPECT_EQ(program.connection.lastFailure.kind, LineError::InUse);
-  EXPECT_FALSE(program.connection.connected.IsSet());
-  ClosePort(other);
-}
-
 TEST_F(PortMonitorTest, ThirtyOnePortsCloseTheDetailedList) {
   ports.present = Adapters(30);
   StartMonitor();

@@ -303,7 +303,7 @@ TEST_F(TerminalWait, TheWaitingMarkBlinksAtTheCaret) {
 
 TEST_F(TerminalWait, ATimeOutIsLoggedAndALateAnswerIsNotTheNextOne) {
   // Later than the end of the wait and of the read left behind.
-  Connect("\"late\" -> 1500 line \"late answer\"\n\"next\" -> 200 line \"next answer\"");
+  Connect("\"late\" -> 5000 line \"late answer\"\n\"next\" -> 200 line \"next answer\"");
   Open();
   Type("late");
   Press(Qt::Key_Return);
