@@ -106,7 +106,7 @@ void OptionWords::FindCommands() {
 QString OptionWords::WhyWrong(const QStringList& words) {
   const QStringList unknown = m_parser.unknownOptionNames();
   if (!unknown.isEmpty()) {
-    const QString name = unknown.first();
+    const QString& name = unknown.first();
     const auto word = std::ranges::find_if(words, [&](const QString& each) {
       return each == WithDashes(name) || each.startsWith(WithDashes(name) + u'=') ||
              (each.size() > 1 && each[0] == u'-' && each[1] != u'-' && each.contains(name));

@@ -16,14 +16,14 @@ namespace {
 constexpr std::size_t kColumns = 6;
 using Row = std::array<QByteArray, kColumns>;
 
-constexpr std::array<const char*, kColumns> kColumnNames{"port",         "device",   "description",
-                                                         "lasting_name", "unavailable_reason", "holder"};
+constexpr std::array<const char*, kColumns> kColumnNames{
+    "port", "device", "description", "lasting_name", "unavailable_reason", "holder"};
 
 Row RowOf(const PortDetails& port) {
   Row row;
-  std::ranges::transform(
-      std::array{port.name, port.device, port.description, port.lastingName, port.unavailableReason, port.holder},
-      row.begin(), [](const QString& each) { return SpellOut(each.toUtf8()); });
+  std::ranges::transform(std::array{port.name, port.device, port.description, port.lastingName,
+                                    port.unavailableReason, port.holder},
+                         row.begin(), [](const QString& each) { return SpellOut(each.toUtf8()); });
   return row;
 }
 
@@ -59,6 +59,7 @@ QByteArray CsvLineOf(const Row& row) { return CsvLine(QByteArrayList(row.begin()
 
 QByteArray PortListing(const std::vector<PortDetails>& ports, Output output) {
   std::vector<Row> rows;
+  rows.reserve(ports.size());
   for (const PortDetails& each : ports) rows.push_back(RowOf(each));
   if (output != Output::Json && output != Output::Csv) return Table(rows);
   QByteArray text;

@@ -200,7 +200,7 @@ class Reader {
 
   std::optional<QString> Setting(const char* name, std::span<const SettingValue> values) {
     if (!m_words.Has(name)) return std::nullopt;
-    const auto text = SettingTextIn(Text(name), values);
+    std::optional<QString> text = SettingTextIn(Text(name), values);
     if (!text) RefuseValue(name, Alternatives(values));
     return text;
   }

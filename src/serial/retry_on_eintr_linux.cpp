@@ -13,9 +13,9 @@ int ControlLine(int line, unsigned long request, void* argument) {
 }
 
 int ControlLineBriefly(int line, unsigned long request, void* argument) {
-  constexpr int kAttempts = 5;
+  constexpr int kBriefAttempts = 5;
   int result = ioctl(line, request, argument);
-  for (int i = 1; i < kAttempts && result == -1 && errno == EINTR; ++i) {
+  for (int i = 1; i < kBriefAttempts && result == -1 && errno == EINTR; ++i) {
     result = ioctl(line, request, argument);
   }
   return result;

@@ -96,8 +96,8 @@ TEST_F(SendListen, CtrlCEndsTheWaitForAPort) {
 /// The row of COM7.
 QJsonObject PortRow(const QByteArray& out) {
   for (const QByteArray& each : out.split('\n')) {
-    const QJsonObject row = QJsonDocument::fromJson(each).object();
-    if (row[QStringLiteral("port")].toString() == QStringLiteral("COM7")) return row;
+    QJsonObject row = QJsonDocument::fromJson(each).object();
+    if (row.value(QStringLiteral("port")).toString() == QStringLiteral("COM7")) return row;
   }
   return {};
 }

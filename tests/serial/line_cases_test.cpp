@@ -140,7 +140,7 @@ TEST_F(LineCases, EveryByteComesInUnchangedSixteenTimes) {
   ASSERT_TRUE(m_line->SetState({.baudRate = 115200}));
   ASSERT_TRUE(m_line->SetTimeouts({.readTotalConstant = 60'000}));
   ASSERT_NO_FATAL_FAILURE(Write("all\r"));
-  EXPECT_EQ(Read(16 * 256).bytes, EveryByteOften());
+  EXPECT_EQ(Read(EveryByteOften().size()).bytes, EveryByteOften());
 }
 
 TEST_F(LineCases, EveryByteGoesOutUnchangedSixteenTimes) {
@@ -148,7 +148,7 @@ TEST_F(LineCases, EveryByteGoesOutUnchangedSixteenTimes) {
   ASSERT_TRUE(m_line->SetState({.baudRate = 115200}));
   ASSERT_TRUE(m_line->SetTimeouts({.writeTotalConstant = 60'000}));
   ASSERT_NO_FATAL_FAILURE(Write(EveryByteOften()));
-  EXPECT_TRUE(Eventually([this] { return m_instrument->Received().size() >= 16 * 256; }));
+  EXPECT_TRUE(Eventually([this] { return m_instrument->Received().size() >= EveryByteOften().size(); }));
   EXPECT_EQ(m_instrument->Received(), EveryByteOften());
 }
 
