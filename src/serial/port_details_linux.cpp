@@ -69,7 +69,8 @@ std::optional<std::vector<PortDetails>> ListPortDetails(const QString& portsFold
   const std::vector<pid_t> users = UsersOf(nodes, roots);
   for (std::size_t i = 0; i < ports.size(); ++i) {
     ports[i].holder = HolderText(users[i], roots);
-    if (ports[i].unavailableReason.isEmpty() && users[i] != 0) ports[i].unavailableReason = QStringLiteral("in use");
+    if (ports[i].unavailableReason.isEmpty() && users[i] != 0)
+      ports[i].unavailableReason = QStringLiteral("in use");
   }
   return ports;
 }
