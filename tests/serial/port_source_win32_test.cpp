@@ -5,7 +5,10 @@
 
 #include <QString>
 #include <memory>
+#include <optional>
 #include <vector>
+
+#include "serial/platform_serial.h"
 
 namespace quarn {
 namespace {
@@ -13,6 +16,11 @@ namespace {
 void SetText(HKEY key, const wchar_t* name, const QString& text) {
   EXPECT_EQ(RegSetValueExW(key, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(text.utf16()),
                            static_cast<DWORD>((text.size() + 1) * 2)),
+            ERROR_SUCCESS);
+}
+
+void SetNumber(HKEY key, const wchar_t* name, DWORD number) {
+  EXPECT_EQ(RegSetValueExW(key, name, 0, REG_DWORD, reinterpret_cast<const BYTE*>(&number), sizeof number),
             ERROR_SUCCESS);
 }
 
@@ -41,7 +49,8 @@ class Key {
 class Device {
  public:
   explicit Device(const QString& name, bool present = true)
-      : m_device(QStringLiteral("System\\CurrentControlSet\\Enum\\ROOT\\%1\\0000").arg(name)),
+      : m_devicePath(QStringLiteral("System\\CurrentControlSet\\Enum\\ROOT\\%1\\0000").arg(name)),
+        m_device(m_devicePath),
         m_interface(kClasses + kComPort + QStringLiteral("\\##?#ROOT#%1#0000#").arg(name) + kComPort),
         m_link(kClasses + kComPort + QStringLiteral("\\##?#ROOT#%1#0000#").arg(name) + kComPort +
                QStringLiteral("\\#")),
@@ -51,20 +60,25 @@ class Device {
     SetText(m_device.Get(), L"ClassGUID", QStringLiteral("{4d36e978-e325-11ce-bfc1-08002be10318}"));
     SetText(m_interface.Get(), L"DeviceInstance", QStringLiteral("ROOT\\%1\\0000").arg(name));
     SetText(m_link.Get(), L"SymbolicLink", QStringLiteral("\\\\?\\ROOT#%1#0000#").arg(name) + kComPort);
-    const DWORD linked = present ? 1 : 0;
-    EXPECT_EQ(RegSetValueExW(m_control.Get(), L"Linked", 0, REG_DWORD, reinterpret_cast<const BYTE*>(&linked),
-                             sizeof linked),
-              ERROR_SUCCESS);
+    SetNumber(m_control.Get(), L"Linked", present ? 1 : 0);
   }
   Device(const QString& name, const QString& friendlyName, bool present = true) : Device(name, present) {
     SetText(m_device.Get(), L"FriendlyName", friendlyName);
+  }
+  /// What the driver of an adapter keeps for itself.
+  void SetDriverValues(const QString& portName, std::optional<DWORD> latency) {
+    m_parameters.emplace(m_devicePath + QStringLiteral("\\Device Parameters"));
+    SetText(m_parameters->Get(), L"PortName", portName);
+    if (latency) SetNumber(m_parameters->Get(), L"LatencyTimer", *latency);
   }
 
  private:
   inline static const QString kClasses =
       QStringLiteral("System\\CurrentControlSet\\Control\\DeviceClasses\\");
   inline static const QString kComPort = QStringLiteral("{86e0d1e0-8089-11d0-9ce4-08003e301f73}");
+  QString m_devicePath;
   Key m_device;
+  std::optional<Key> m_parameters;  ///< below m_device, so it goes first
   Key m_interface;
   Key m_link;
   Key m_control;
@@ -124,6 +138,25 @@ TEST(PortSourceWin32, TheListIsInTheOrderOfTheNumbers) {
   const Device nine(QStringLiteral("QUARN3"), QStringLiteral("Serial (COM9)"));
   EXPECT_EQ(Listed(),
             (QList<Port>{{"COM2", "Serial (COM2)"}, {"COM9", "Serial (COM9)"}, {"COM10", "Serial (COM10)"}}));
+}
+
+TEST(LatencyTimerOf, IsTheOneOfThePortsOwnAdapter) {
+  using std::chrono::milliseconds;
+  Device first(QStringLiteral("QUARN1"), QStringLiteral("USB Serial Port (COM3)"));
+  first.SetDriverValues(QStringLiteral("COM3"), 16);
+  Device second(QStringLiteral("QUARN2"), QStringLiteral("USB Serial Port (COM12)"));
+  second.SetDriverValues(QStringLiteral("COM12"), 1);
+  EXPECT_EQ(LatencyTimerOf(QStringLiteral("COM3")), milliseconds(16));
+  EXPECT_EQ(LatencyTimerOf(QStringLiteral("com12")), milliseconds(1));
+  EXPECT_EQ(LatencyTimerOf(QStringLiteral("COM1")), std::nullopt);
+}
+
+TEST(LatencyTimerOf, IsNotKnownOfEveryDriver) {
+  Device silent(QStringLiteral("QUARN1"), QStringLiteral("Communications Port (COM1)"));
+  silent.SetDriverValues(QStringLiteral("COM1"), std::nullopt);
+  const Device bare(QStringLiteral("QUARN2"), QStringLiteral("Communications Port (COM2)"));
+  EXPECT_EQ(LatencyTimerOf(QStringLiteral("COM1")), std::nullopt);
+  EXPECT_EQ(LatencyTimerOf(QStringLiteral("COM2")), std::nullopt);
 }
 
 }  // namespace
