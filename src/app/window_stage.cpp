@@ -3,6 +3,7 @@
 #include <QTimer>
 #include <utility>
 
+#include "app/file_argument.h"
 #include "app/platform.h"
 #include "app/splash_page.h"
 
@@ -11,7 +12,10 @@ namespace quarn {
 WindowStage::WindowStage(Program& program, QStringList arguments)
     : m_program(program), m_arguments(std::move(arguments)) {}
 
-InstanceLock WindowStage::TakeLock(QString& reason) { return TakeInstanceLock(reason); }
+/// A demo shares nothing with another program that runs.
+InstanceLock WindowStage::TakeLock(QString& reason) {
+  return IsDemo(m_arguments) ? InstanceLock::Taken : TakeInstanceLock(reason);
+}
 
 void WindowStage::ShowSplash() {
   CSplashPage splash;
@@ -34,7 +38,9 @@ int WindowStage::MessageFontHeight() { return quarn::MessageFontHeight(); }
 
 void WindowStage::AcceptDrops() { m_dialog->setAcceptDrops(true); }
 
-QString WindowStage::FileArgument() { return ReadFileArgument(m_arguments); }
+QString WindowStage::FileArgument() {
+  return IsDemo(m_arguments) ? QString() : ReadFileArgument(m_arguments);
+}
 
 void WindowStage::PlaceMainDialog(int xPercent, int yPercent) {
   m_dialog->PlaceByPercent(xPercent, yPercent);
