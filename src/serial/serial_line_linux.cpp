@@ -117,11 +117,12 @@ class LinuxSerialLine final : public SerialLine {
   }
 
   LineResult SetModemLines(const ModemLines& lines) override {
+    // A driver without modem lines fails with several errors, also with that of a line that is gone.
+    if (LineResult usable = ClearError(); !usable) return usable;
     const std::lock_guard guard(m_lineMutex);
     for (const auto& [level, line] : {std::pair{lines.dtr, TIOCM_DTR}, {lines.rts, TIOCM_RTS}}) {
       int bits = line;
       if (!level || ControlLine(m_hold.line.Get(), *level ? TIOCMBIS : TIOCMBIC, &bits) == 0) continue;
-      // A driver without modem lines has several errors for this.
       return Refuse(
           QStringLiteral("%1 cannot be set: %2")
               .arg(line == TIOCM_DTR ? QStringLiteral("DTR") : QStringLiteral("RTS"), SystemText(errno)));
