@@ -5,6 +5,7 @@
 //
 #include <setupapi.h>
 
+#include <QAbstractEventDispatcher>
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -12,6 +13,7 @@
 #include <optional>
 #include <vector>
 
+#include "serial/device_watch_win32.h"
 #include "serial/friendly_name.h"
 #include "serial/platform_serial.h"
 
@@ -105,7 +107,16 @@ bool ForEachPresentPort(Visit visit) {
 
 }  // namespace
 
+Win32PortSource::Win32PortSource() = default;
+Win32PortSource::~Win32PortSource() = default;
+
+std::optional<std::uint64_t> Win32PortSource::Revision() {
+  return m_watch ? m_watch->Changes() : std::nullopt;
+}
+
 std::optional<QList<Port>> Win32PortSource::Ports() {
+  // Before the ports are listed: a change in between is then seen.
+  if (!m_watch && QAbstractEventDispatcher::instance() != nullptr) m_watch = std::make_unique<DeviceWatch>();
   QStringList names;
   const bool listed = ForEachPresentPort([&](const DeviceInfoList& list, SP_DEVINFO_DATA& device) {
     if (const std::optional<QString> name = FriendlyNameOf(list, device)) names.append(*name);

@@ -3,6 +3,10 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QElapsedTimer>
+#include <QEventLoop>
 #include <QString>
 #include <memory>
 #include <optional>
@@ -138,6 +142,60 @@ TEST(PortSourceWin32, TheListIsInTheOrderOfTheNumbers) {
   const Device nine(QStringLiteral("QUARN3"), QStringLiteral("Serial (COM9)"));
   EXPECT_EQ(Listed(),
             (QList<Port>{{"COM2", "Serial (COM2)"}, {"COM9", "Serial (COM9)"}, {"COM10", "Serial (COM10)"}}));
+}
+
+/// With an event loop, as in a program with windows.
+class PortRevisionWin32 : public testing::Test {
+ protected:
+  /// Sleeps in the event loop until the revision is another one. Returns how often it was woken, or -1.
+  int WakesUp(std::optional<std::uint64_t> revision, QDeadlineTimer end = QDeadlineTimer(30'000)) {
+    for (int woken = 0; !end.hasExpired(); ++woken) {
+      if (m_source.Revision() != revision) return woken;
+      QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
+    return -1;
+  }
+
+  int m_argc = 1;
+  char m_name[6] = "ports";
+  char* m_argv[2] = {m_name, nullptr};
+  QCoreApplication m_loop{m_argc, m_argv};
+  Win32PortSource m_source;
+};
+
+TEST_F(PortRevisionWin32, IsUnknownBeforeThePortsAreListed) {
+  EXPECT_EQ(m_source.Revision(), std::nullopt);
+  m_source.Ports();
+  EXPECT_NE(m_source.Revision(), std::nullopt);
+}
+
+TEST_F(PortRevisionWin32, StaysWhileNothingHappensAndIsAnotherOneASecondLater) {
+  m_source.Ports();
+  const auto revision = m_source.Revision();
+  for (int i = 0; i < 100; ++i) EXPECT_EQ(m_source.Revision(), revision);
+  EXPECT_GE(WakesUp(revision), 1);
+}
+
+TEST_F(PortRevisionWin32, APortThatComesOrGoesWakesTheProgramAtOnce) {
+  m_source.Ports();
+  // Changes in the same second as the timer's say nothing, so one of several must be quick.
+  constexpr int kAttempts = 20;
+  int quick = 0;
+  for (int i = 0; i < kAttempts && quick < 4; ++i) {
+    const auto before = m_source.Revision();
+    QElapsedTimer waited;
+    std::optional<Device> port;
+    port.emplace(QStringLiteral("QUARN1"), QStringLiteral("USB Serial Port (COM3)"));
+    waited.start();
+    ASSERT_GE(WakesUp(before), 0);
+    if (waited.elapsed() < 100) ++quick;
+    EXPECT_EQ(m_source.Ports().value_or(QList<Port>()).size(), 1);
+    port.reset();
+    while (m_source.Ports().value_or(QList<Port>()).size() != 0) {
+      ASSERT_GE(WakesUp(m_source.Revision()), 0);
+    }
+  }
+  EXPECT_GE(quick, 4);
 }
 
 TEST(LatencyTimerOf, IsTheOneOfThePortsOwnAdapter) {
