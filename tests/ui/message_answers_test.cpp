@@ -224,7 +224,8 @@ TEST(MessageAnswers, AnErrorOrAnInformationIsOverWithAnyKeyForClosing) {
 
 TEST(MessageAnswers, ATransientMessageGoesByItself) {
   COneshotMsgPos box(nullptr, kText, std::nullopt, 50);
-  ShowActive(box);
+  box.show();
+  EXPECT_TRUE(box.isVisible());
   EXPECT_EQ(Control<QLabel>(box, 1067)->text(), kText);
   EXPECT_TRUE(WaitUntil([&] { return !box.isVisible(); }));
 }
@@ -240,7 +241,7 @@ TEST(MessageAnswers, ATransientMessageStaysTwoSecondsFromWhenItIsShown) {
 
 TEST(MessageAnswers, ATransientMessageCanBeSentAway) {
   for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Escape}) {
-    COneshotMsgPos box(nullptr, kText, std::nullopt);
+    COneshotMsgPos box(nullptr, kText, std::nullopt, kLongestWaitMs);
     ShowActive(box);
     QTest::keyClick(&box, Qt::Key_A);
     EXPECT_TRUE(box.isVisible()) << "what is typed ahead is not meant for it";
