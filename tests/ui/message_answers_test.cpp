@@ -126,13 +126,13 @@ TEST(MessageAnswers, AQuestionThatComesByItselfTakesNoLetterOfWhoIsTyping) {
   QElapsedTimer shown;
   shown.start();
   ShowActive(*box);
-  Press(Qt::Key_N);
-  Press(Qt::Key_Y);
-  // After enough time to read it.
-  EXPECT_TRUE(WaitUntil([&] {
-    if (box->isVisible()) Press(Qt::Key_N);
+  // On a busy computer even the first may come after enough time to read it.
+  const auto goesBy = [&box](Qt::Key letter) {
+    if (box->isVisible()) Press(letter);
     return !box->isVisible();
-  }));
+  };
+  if (!goesBy(Qt::Key_N) && shown.elapsed() < 500) goesBy(Qt::Key_Y);
+  EXPECT_TRUE(WaitUntil([&] { return goesBy(Qt::Key_N); }));
   EXPECT_GE(shown.elapsed(), 500);
   EXPECT_EQ(box->Answer(), 0);
   EXPECT_EQ(After(make, Keys({Qt::Key_Return})), kAgreed);
