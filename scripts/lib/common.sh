@@ -78,7 +78,7 @@ need() {
           wine64 fonts-wine nsis zip)
         ;;
       # CPack asks file(1) which files are programs.
-      package) packages+=(dpkg-dev file lintian appstream desktop-file-utils) ;;
+      package) packages+=(dpkg-dev file lintian appstream appstream-util desktop-file-utils) ;;
       clean-root) packages+=(mmdebstrap) ;;
       lint) packages+=(clang-format clang-tidy) ;;
       fuzz) packages+=(clang) ;;
