@@ -79,6 +79,7 @@ need() {
         ;;
       # CPack asks file(1) which files are programs.
       package) packages+=(dpkg-dev file lintian appstream appstream-util desktop-file-utils) ;;
+      release) packages+=(git gnupg python3 python3-yaml binutils dpkg-dev) ;;
       clean-root) packages+=(mmdebstrap) ;;
       lint) packages+=(clang-format clang-tidy) ;;
       fuzz) packages+=(clang) ;;
