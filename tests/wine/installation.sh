@@ -27,6 +27,7 @@ install_silently() {
   expect "everything is there" same_files "$2" "$(installed_folder)"
   expect "the start menu has an entry" start_menu_has Quarn
   expect "it has the guide, too" start_menu_has 'Quarn Guide'
+  expect "and the demo" start_menu_has 'Quarn Demo'
   expect "the guide is there" test -s "$(installed_folder)/guide/index.html"
   expect "files of the kind .qrn are Quarn's" registry_says 'HKCU\Software\Classes\.qrn' Quarn.Configuration
   expect "they are described" registry_says 'HKCU\Software\Classes\Quarn.Configuration' 'Quarn configuration'

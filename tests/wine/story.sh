@@ -163,6 +163,23 @@ end_program() {
   expect "it ended well" test "$status" -eq 0
 }
 
+# The program's own instrument, with no port of the system.
+demo() {
+  headline "The demo"
+  cp "$(settings_folder)/Quarn.ini" "$PLACE/before.ini"
+  start_program "$1" --demo
+  wait_until 30 "the main dialog" main_title_is COM7
+  main=$window
+  wait_until 10 "the Terminal Screen" find_terminal COM7
+  activate "$terminal"
+  send m e a s question
+  open_terminal_menu
+  press_keys Down Down Return
+  wait_until 10 "the log on the clipboard" clipboard_is '[meas?]|+1.2345E+00 V|'
+  end_program
+  expect "the settings of the person are as they were" cmp -s "$PLACE/before.ini" "$(settings_folder)/Quarn.ini"
+}
+
 # settings_with FILE KEY=VALUE...: the settings in force, with other values.
 settings_with() {
   local file=$1 each script=()
@@ -262,6 +279,7 @@ play_story() {
   second_instance "$1"
   unplug_and_plug
   end_program
+  demo "$1"
   answers "$1"
   scripts_of_the_guide "$1"
   silence "$1"
