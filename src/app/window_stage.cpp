@@ -1,5 +1,6 @@
 #include "app/window_stage.h"
 
+#include <QFileInfo>
 #include <QTimer>
 #include <utility>
 
@@ -15,6 +16,11 @@ WindowStage::WindowStage(Program& program, QStringList arguments)
 /// A demo shares nothing with another program that runs.
 InstanceLock WindowStage::TakeLock(QString& reason) {
   return IsDemo(m_arguments) ? InstanceLock::Taken : TakeInstanceLock(reason);
+}
+
+void WindowStage::AskRunningProgram() {
+  const QFileInfo file(FileArgument());
+  quarn::AskRunningProgram(file.isFile() ? file.absoluteFilePath() : QString());
 }
 
 void WindowStage::ShowSplash() {
@@ -49,6 +55,9 @@ void WindowStage::PlaceMainDialog(int xPercent, int yPercent) {
 void WindowStage::ShowMainDialog() {
   m_dialog->SetTitle(QString());
   m_dialog->show();
+  if (!IsDemo(m_arguments)) {
+    m_requests.emplace([this](const QString& file) { m_dialog->TakeStartRequest(file); });
+  }
 }
 
 }  // namespace quarn
