@@ -346,7 +346,7 @@ OpenResult Failed(LineFailure failure) { return {nullptr, std::move(failure)}; }
 QString UseOf(const DeviceNode& device) {
   const SystemRoots roots;
   const pid_t user = UsersOf({device}, roots).front();
-  return user != 0 ? QString::fromStdString(UseText(user, roots)) : QString();
+  return QString::fromStdString(UseText(user, roots));
 }
 
 /// The same for a serial device, which another program may have open without a lock. It would read a part of

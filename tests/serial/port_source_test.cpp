@@ -425,6 +425,9 @@ TEST(UseText, NamesTheProgramWhateverItCallsItself) {
   EXPECT_EQ(UseText(7, roots), "in use by PID 7");
   scratch.File("7/comm", "minicom\n");
   EXPECT_EQ(UseText(7, roots), "in use by minicom (PID 7)");
+  EXPECT_EQ(UserText(7, roots), "minicom (PID 7)");
+  EXPECT_EQ(UseText(0, roots), "");
+  EXPECT_EQ(UserText(0, roots), "");
   scratch.File("7/comm", "\x1b[31m(COM3) \xc3\xa4");
   EXPECT_EQ(UseText(7, roots), "in use by ?[31m(COM3) ?? (PID 7)");
   scratch.File("7/comm", std::string(100, 'x'));
