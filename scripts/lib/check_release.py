@@ -146,7 +146,8 @@ class Check:
         self.that(not re.search(r"/(home|root|work|tmp|usr|build)/", text), f"{name} names a folder of this system")
         home = self.identity.web_page.rsplit("/", 1)[0]
         for address in re.findall(r"\w+://[^\s\"']+", text):
-            self.that(address == home or address.startswith(self.identity.web_page), f"{name} names the address {address}")
+            self.that(address == home or address.startswith(self.identity.web_page),
+                      f"{name} names the address {address}")
         return json.loads(text) if name.endswith(".json") else yaml.safe_load(text)
 
     def fields(self, name, content, expected):

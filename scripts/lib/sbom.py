@@ -175,7 +175,8 @@ def describe(bill, path):
         elif path.name.endswith(("-windows.zip", "-setup.exe")):
             # The installer has the files of the archive. Libraries beside the programs are files, others are linked in.
             archive = path.with_name(bill.identity.file("windows.zip"))
-            beside = zipfile.is_zipfile(archive) and any(name.endswith(".dll") for name in zipfile.ZipFile(archive).namelist())
+            names = zipfile.ZipFile(archive).namelist() if archive.is_file() else []
+            beside = any(name.endswith(".dll") for name in names)
             for name, package in WINDOWS_PARTS:
                 bill.relate(whole, "CONTAINS" if beside else "STATIC_LINK", bill.add_part(name, package))
 
