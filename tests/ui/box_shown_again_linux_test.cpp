@@ -84,17 +84,26 @@ class ModalBox final : public QDialog {
   QVBoxLayout layout;
   QPushButton first;
   QPushButton second;
+
+ protected:
+  void showEvent(QShowEvent* event) override {
+    QDialog::showEvent(event);
+    first.setFocus();
+  }
 };
 
 /// What the system says when a person has clicked on the window.
 void Click(QWidget& window) { window.windowHandle()->requestActivate(); }
 
-/// Runs the box, calls `during` when it is active, and returns its result. Every box ends.
+constexpr int kAnswer = 7;
+
+/// Runs the box, calls `during` when it is active, and answers it. Returns kAnswer, unless the box's event
+/// loop has ended before.
 int RunAndClose(QDialog& box, const std::function<void()>& during) {
   QTimer::singleShot(0, &box, [&] {
     EXPECT_TRUE(QTest::qWaitForWindowActive(&box, kLongestWaitMs));
     during();
-    box.done(QDialog::Rejected);
+    QTimer::singleShot(0, &box, [&box] { box.done(kAnswer); });
   });
   return box.exec();
 }
@@ -113,8 +122,7 @@ class ShownAgainBox : public ::testing::Test {
 TEST_F(ShownAgainBox, StaysModalAndRunningOverTheClickedWindow) {
   const ShownAgain order(box);
   const Shows shows(box);
-  bool answered = false;
-  RunAndClose(box, [&] {
+  const int result = RunAndClose(box, [&] {
     box.second.setFocus();
     for (QDialog* clicked : {&other, &active, &other}) {
       const int before = shows.count;
@@ -126,9 +134,8 @@ TEST_F(ShownAgainBox, StaysModalAndRunningOverTheClickedWindow) {
       EXPECT_TRUE(box.second.hasFocus());
       EXPECT_EQ(box.result(), 0);
     }
-    answered = true;
   });
-  EXPECT_TRUE(answered) << "its event loop has ended";
+  EXPECT_EQ(result, kAnswer) << "its event loop has ended before";
 }
 
 TEST_F(ShownAgainBox, LeavesItsOrderToTheBoxOverIt) {
