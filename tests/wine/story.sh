@@ -134,11 +134,6 @@ second_instance() {
   expect "the second program ended, and not well" test "$status" -ne 0
   expect "it left the settings alone" cmp -s "$PLACE/before.ini" "$(settings_folder)/Quarn.ini"
   expect "the first one is still there" main_title_is COM3
-  sed $'s/^COM_PORT=.*/COM_PORT=COM3\r/' packaging/demo/demo.qrn >"$WINEPREFIX/drive_c/handed over.qrn"
-  start third wine "$1" 'C:\handed over.qrn'
-  acknowledge Quarn
-  wait_until 20 "the first one to open the file of the third" settings_say MEM0=id
-  wait_until 20 "the title to name COM3" main_title_is COM3
 }
 
 unplug_and_plug() {
