@@ -31,8 +31,18 @@ def check(kept, text):
         raise Failed(text)
 
 
+def difference(got, wanted):
+    """What is different, in a few words: long values are shown around the first difference."""
+    if not isinstance(got, bytes) or not isinstance(wanted, bytes) or max(len(got), len(wanted)) <= 60:
+        return f"{got!r:.300} instead of {wanted!r:.300}"
+    same = next((at for at, (one, other) in enumerate(zip(got, wanted)) if one != other), min(len(got), len(wanted)))
+    around = slice(max(same - 10, 0), same + 20)
+    return (f"{len(got)} bytes instead of {len(wanted)}, different from byte {same} on: "
+            f"{got[around]!r} instead of {wanted[around]!r}")
+
+
 def equal(what, got, wanted):
-    check(got == wanted, f"{what}: {got!r:.300} instead of {wanted!r:.300}")
+    check(got == wanted, f"{what}: {difference(got, wanted)}")
 
 
 def until(condition, what, seconds=LIMIT_S, pause=0.02):

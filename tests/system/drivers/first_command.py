@@ -44,7 +44,7 @@ def all_bytes(line):
     for delimiter, (before, after) in FRAMES.items():
         line.far.answer(rules())
         sent = before + ORDINARY + after
-        status, output, errors = line.send(ORDINARY, "all", raw=True, DELIMITER=delimiter)
+        status, output, errors = line.send(ORDINARY, "all", raw=True, DELIMITER=delimiter, **PATIENT)
         equal(f"status with {delimiter} ({errors})", status, 0)
         equal(f"echo and answer with {delimiter}", output, sent + ALL)
         equal(f"what the instrument got with {delimiter}", line.far.received(), sent + before + b"all" + after)
