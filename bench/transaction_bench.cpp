@@ -33,7 +33,10 @@ class PaintingHost final : public TransactionHost {
  public:
   void BeginWait() override { m_hold.Begin(); }
   void EndWait() override { m_hold.End(); }
-  void KeepPainting() override { m_hold.Pump(); }
+  bool PaintUntilClear(const WaitableFlag& flag, Clock::time_point until) override {
+    const WaitableFlag::Watch watch(flag, [this] { m_hold.LookAgain(); });
+    return m_hold.WaitUntil([&flag] { return !flag.IsSet(); }, until);
+  }
   void ShowWaitingText(const QString&) override {}
   [[nodiscard]] int CaretPosition() const override { return -1; }
   bool EscapePressed() override { return false; }

@@ -15,7 +15,9 @@ class ShellHost final : public TransactionHost {
  public:
   void BeginWait() override {}
   void EndWait() override {}
-  void KeepPainting() override {}
+  bool PaintUntilClear(const WaitableFlag& flag, Clock::time_point until) override {
+    return flag.WaitClear(until);
+  }
   void ShowWaitingText(const QString&) override {}
   [[nodiscard]] int CaretPosition() const override { return -1; }
   bool EscapePressed() override { return IsInterrupted(); }

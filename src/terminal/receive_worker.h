@@ -41,8 +41,8 @@ class ReceiveWorker {
   ReceiveWorker(const ReceiveWorker&) = delete;
   ReceiveWorker& operator=(const ReceiveWorker&) = delete;
 
-  /// True when the thread has ended, false when `until` came first.
-  bool WaitEnded(std::chrono::steady_clock::time_point until) const { return m_running.WaitClear(until); }
+  /// Set until the thread has ended.
+  [[nodiscard]] const WaitableFlag& Running() const { return m_running; }
   /// Cancels the read if it still runs, and waits for the thread. What it delivers it has delivered then.
   void End();
   /// The system's reason for giving no thread; empty when there is one.

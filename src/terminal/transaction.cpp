@@ -10,19 +10,35 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::chrono::milliseconds kPoll = kPollTime;
 constexpr std::chrono::milliseconds kWorkerGrace{500};
 
 /// A delay of this length means that the process was stopped or the computer slept: no poll was possible.
-constexpr std::chrono::milliseconds kStopped = 10 * kPoll;
+constexpr std::chrono::milliseconds kStopped = 10 * kPollTime;
 
-/// The time of the poll after the one at `last`. Polls follow a fixed rhythm, so that the time of each poll
-/// does not add up. Polls that were not possible are skipped: the response may be in the driver already, and
-/// its reader must have time to read it.
-Clock::time_point NextPoll(Clock::time_point last) {
-  const Clock::time_point now = Clock::now();
-  return (now - last > kStopped ? now : last) + kPoll;
-}
+/// The polls of a wait follow a fixed rhythm, so that the time of each poll does not add up. Nobody is woken
+/// for polls that only count.
+class PollRhythm {
+ public:
+  /// The time of the next poll that does more than count.
+  Clock::time_point Next(const WaitPlan& plan) {
+    m_polls = plan.PollsToNextStep();
+    return m_last + m_polls * kPollTime;
+  }
+  /// That time has come; returns the step of its poll. After a stop only one poll counts: the response may be
+  /// in the driver already, and its reader must have time to read it.
+  WaitPlan::Step Take(WaitPlan& plan) {
+    const Clock::time_point now = Clock::now();
+    const Clock::time_point due = m_last + m_polls * kPollTime;
+    const bool stopped = now - due > kStopped;
+    m_last = stopped ? now : due;
+    for (int i = 1; i < m_polls && !stopped; ++i) plan.Next();
+    return plan.Next();
+  }
+
+ private:
+  Clock::time_point m_last = Clock::now();
+  int m_polls = 0;
+};
 
 /// Holds the user's input while it exists.
 class WaitScope {
@@ -51,7 +67,7 @@ TransactionOutcome TransactionEngine::RunTransaction(const SettingsRecord& setti
   EndFormerWorker();
   ForgetOtherLine();
   m_busy.TrySet();
-  m_worker = std::make_unique<ReceiveWorker>(settings, command, m_connection.handle.Line(), m_busy);
+  m_worker = std::make_shared<ReceiveWorker>(settings, command, m_connection.handle.Line(), m_busy);
   const TransactionResult ended = WaitForWorker(settings, host, command);
   EndWorker(host);
   if (ended != TransactionResult::Received) return {.result = ended};
@@ -84,16 +100,14 @@ TransactionResult TransactionEngine::WaitForWorker(const SettingsRecord& setting
                                                    const QByteArray& command) {
   WaitPlan plan(settings, m_ownTimeout);
   const QString shown = FromSystemEncoding(command).value_or(QString());
-  Clock::time_point next = Clock::now();
+  PollRhythm rhythm;
   while (m_busy.IsSet()) {
-    next = NextPoll(next);
-    host.KeepPainting();
-    if (m_busy.WaitClear(next)) break;
-    const WaitPlan::Step step = plan.Next();
+    if (host.PaintUntilClear(m_busy, rhythm.Next(plan))) break;
+    const WaitPlan::Step step = rhythm.Take(plan);
     if (step == WaitPlan::Step::TimedOut) return TransactionResult::Timeout;
     if (step == WaitPlan::Step::Continue) continue;
     host.ShowWaitingText(WaitingText(shown, host.CaretPosition(), plan.Refreshes()));
-    host.KeepPainting();
+    host.PaintUntilClear(m_busy, Clock::now());
     if (host.EscapePressed()) return TransactionResult::Aborted;
     ++m_pollCounter;
   }
@@ -102,12 +116,8 @@ TransactionResult TransactionEngine::WaitForWorker(const SettingsRecord& setting
 
 void TransactionEngine::EndWorker(TransactionHost& host) {
   m_busy.Clear();
-  if (!m_worker) return;
-  const Clock::time_point end = Clock::now() + kWorkerGrace;
-  while (Clock::now() < end) {
-    if (m_worker->WaitEnded(std::min(end, Clock::now() + kPoll))) return;
-    host.KeepPainting();
-  }
+  // It stays while it is waited for, whatever happens meanwhile.
+  if (const auto worker = m_worker) host.PaintUntilClear(worker->Running(), Clock::now() + kWorkerGrace);
 }
 
 QString TransactionEngine::WhyNoThread() const { return m_worker ? m_worker->WhyNoThread() : QString(); }

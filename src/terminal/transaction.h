@@ -50,8 +50,8 @@ class TransactionHost {
   /// From BeginWait to EndWait input is held and no window timer runs.
   virtual void BeginWait() = 0;
   virtual void EndWait() = 0;
-  /// Lets windows paint. Called at every poll, about every 10 ms.
-  virtual void KeepPainting() = 0;
+  /// Lets windows paint, at least once, until the flag is clear (then true) or `until` comes (then false).
+  virtual bool PaintUntilClear(const WaitableFlag& flag, std::chrono::steady_clock::time_point until) = 0;
   /// Shows `text` instead of the command line.
   virtual void ShowWaitingText(const QString& text) = 0;
   /// The position of the command line's caret; negative for none.
@@ -112,7 +112,7 @@ class TransactionEngine {
 
   const PortConnection& m_connection;
   WaitableFlag m_busy;
-  std::unique_ptr<ReceiveWorker> m_worker;
+  std::shared_ptr<ReceiveWorker> m_worker;
   QByteArray m_kept;                      ///< the bytes of the last successful read
   std::weak_ptr<SerialLine> m_answering;  ///< the line of the previous transaction
   std::optional<std::chrono::milliseconds> m_ownTimeout;

@@ -64,4 +64,11 @@ WaitPlan::Step WaitPlan::Next() {
   return Step::Refresh;
 }
 
+int WaitPlan::PollsToNextStep() const {
+  WaitPlan ahead = *this;
+  int polls = 1;
+  while (ahead.Next() == Step::Continue) ++polls;
+  return polls;
+}
+
 }  // namespace quarn

@@ -40,6 +40,8 @@ class WaitPlan {
 
   /// One poll has passed.
   Step Next();
+  /// How many polls it takes to the next step that is not Continue; at most 20, a refresh.
+  [[nodiscard]] int PollsToNextStep() const;
   /// How many refreshes there have been.
   [[nodiscard]] int Refreshes() const { return m_refreshes; }
 

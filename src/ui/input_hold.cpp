@@ -1,12 +1,11 @@
 #include "ui/input_hold.h"
 
+#include <QBasicTimer>
 #include <QCoreApplication>
-#include <QDeadlineTimer>
 #include <QDragEnterEvent>
 #include <QEventLoop>
 #include <QKeyEvent>
 #include <QMouseEvent>
-#include <QThread>
 #include <QWheelEvent>
 #include <algorithm>
 #include <set>
@@ -17,9 +16,13 @@
 namespace quarn {
 namespace {
 
+using Clock = std::chrono::steady_clock;
+
 enum class Treatment { Pass, Keep, Drop };
 
 const QEvent::Type kHandOn = static_cast<QEvent::Type>(QEvent::registerEventType());
+/// Only wakes the event loop.
+const QEvent::Type kLookAgain = static_cast<QEvent::Type>(QEvent::registerEventType());
 
 /// Key and pointer events reach the program at its QWindows, which pass them on to widgets: they are caught
 /// at the window, once. Input-method commits go to the widget with the focus.
@@ -151,18 +154,28 @@ bool InputHold::EscapePressed() const { return m_escapePressed || EscapeKey::OfP
 
 void InputHold::Pump() { QCoreApplication::processEvents(QEventLoop::AllEvents); }
 
-void InputHold::HoldFor(int ms) {
-  constexpr unsigned long kStepMs = 10;
-  const QDeadlineTimer end(ms, Qt::PreciseTimer);
-  Begin();
-  while (!end.hasExpired()) {
-    Pump();
-    QThread::msleep(kStepMs);
+bool InputHold::WaitUntil(const std::function<bool()>& isOver, Clock::time_point until) {
+  QBasicTimer end;
+  for (Pump(); !isOver();
+       QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents)) {
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(until - Clock::now());
+    if (left.count() <= 0) return false;
+    // Its event is dropped like those of other timers, but it wakes the loop.
+    end.start(static_cast<int>(left.count()), Qt::PreciseTimer, this);
   }
+  return true;
+}
+
+void InputHold::LookAgain() { QCoreApplication::postEvent(this, new QEvent(kLookAgain)); }
+
+void InputHold::HoldFor(int ms) {
+  Begin();
+  WaitUntil([] { return false; }, Clock::now() + std::chrono::milliseconds(ms));
   End();
 }
 
 bool InputHold::event(QEvent* event) {
+  if (event->type() == kLookAgain) return true;
   if (event->type() != kHandOn) return QObject::event(event);
   HandOn();
   return true;

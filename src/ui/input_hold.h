@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QPointer>
+#include <chrono>
 #include <deque>
 #include <functional>
 #include <memory>
@@ -25,6 +26,11 @@ class InputHold : public QObject {
   [[nodiscard]] bool IsHolding() const { return m_holding; }
   /// Processes pending events; paints.
   void Pump();
+  /// Processes events, at least the pending ones, until `isOver` is true (then true) or `until` comes (then
+  /// false). Sleeps in between, so what makes `isOver` true must be an event, or call LookAgain.
+  bool WaitUntil(const std::function<bool()>& isOver, std::chrono::steady_clock::time_point until);
+  /// Lets WaitUntil ask again. Any thread; keep the hold alive meanwhile.
+  void LookAgain();
   /// Holds for `ms` milliseconds. Windows keep painting.
   void HoldFor(int ms);
   /// Whether ESC is down, has been pressed since Begin, or was pressed before and is not delivered yet (after

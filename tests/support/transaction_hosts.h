@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QStringList>
+#include <chrono>
 #include <functional>
 
 #include "terminal/transaction.h"
@@ -19,6 +20,7 @@ class ScriptedHost final : public TransactionHost {
   int begun = 0;
   int ended = 0;
   int painted = 0;
+  std::chrono::steady_clock::duration paintingTime{};  ///< how long windows could paint
   int looks = 0;
   QStringList texts;
   bool outsideWait = false;  ///< there was a call outside a wait
@@ -27,10 +29,14 @@ class ScriptedHost final : public TransactionHost {
 
   void BeginWait() override { ++begun; }
   void EndWait() override { ++ended; }
-  void KeepPainting() override {
+  bool PaintUntilClear(const WaitableFlag& flag, std::chrono::steady_clock::time_point until) override {
     NoteOrder();
     ++painted;
     if (whilePainting) std::exchange(whilePainting, nullptr)();
+    const auto from = std::chrono::steady_clock::now();
+    const bool clear = flag.WaitClear(until);
+    paintingTime += std::chrono::steady_clock::now() - from;
+    return clear;
   }
   void ShowWaitingText(const QString& text) override {
     NoteOrder();
@@ -51,7 +57,9 @@ class SilentHost final : public TransactionHost {
  public:
   void BeginWait() override {}
   void EndWait() override {}
-  void KeepPainting() override {}
+  bool PaintUntilClear(const WaitableFlag& flag, std::chrono::steady_clock::time_point until) override {
+    return flag.WaitClear(until);
+  }
   void ShowWaitingText(const QString& /*text*/) override {}
   [[nodiscard]] int CaretPosition() const override { return -1; }
   bool EscapePressed() override { return false; }

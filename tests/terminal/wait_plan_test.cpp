@@ -69,10 +69,21 @@ TEST(WaitPlan, TimesOutWhenTheCountExceedsTheLimit) {
   EXPECT_EQ(longer.Refreshes(), 26);
 }
 
+TEST(WaitPlan, ForetellsTheNextStepThatDoesMoreThanCount) {
+  WaitPlan shortest(Settings("115200", "6K"));
+  EXPECT_EQ(shortest.PollsToNextStep(), 20);
+  EXPECT_EQ(shortest.Next(), WaitPlan::Step::Continue);
+  EXPECT_EQ(shortest.PollsToNextStep(), 19) << "asking does not count";
+  for (int poll = 2; poll <= 40; ++poll) shortest.Next();
+  EXPECT_EQ(shortest.Refreshes(), 2);
+  EXPECT_EQ(shortest.PollsToNextStep(), 54 - 40) << "the time-out comes before the third refresh";
+}
+
 TEST(WaitPlan, OnceTimedOutItStaysSo) {
   WaitPlan plan(Settings("115200", "6K"));
   ASSERT_EQ(PollsUntilTimeout(plan, 1000), 54);
   EXPECT_EQ(plan.Next(), WaitPlan::Step::TimedOut);
+  EXPECT_EQ(plan.PollsToNextStep(), 1);
 }
 
 TEST(WaitPlan, OnlyExactlyOnLimitsTheWait) {

@@ -10,11 +10,16 @@
 #include <QTest>
 #include <QWidget>
 #include <QWindow>
+#include <atomic>
+#include <chrono>
+#include <thread>
 
 #include "support/waits.h"
 
 namespace quarn::test {
 namespace {
+
+using Clock = std::chrono::steady_clock;
 
 /// Records its events.
 class Recorder final : public QWidget {
@@ -260,6 +265,61 @@ TEST(InputHold, AnEscapeThatNobodyUsedIsHandedOn) {
   // The next wait starts without it.
   hold.Begin();
   EXPECT_FALSE(hold.EscapePressed());
+  hold.End();
+}
+
+/// With nothing else to wake it, the wait would last for a minute.
+TEST(InputHold, AWaitEndsWhenAnotherThreadAsksItToLookAgain) {
+  const Recorder window;
+  InputHold hold;
+  hold.Begin();
+  std::atomic<bool> over = false;
+  const auto began = Clock::now();
+  std::thread other([&] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(30));
+    over = true;
+    hold.LookAgain();
+  });
+  EXPECT_TRUE(hold.WaitUntil([&] { return over.load(); }, began + std::chrono::minutes(1)));
+  EXPECT_LT(Clock::now() - began, std::chrono::seconds(30));
+  other.join();
+  hold.End();
+}
+
+TEST(InputHold, AWaitForNothingEndsAtItsTimeAndSleepsUntilThen) {
+  const Recorder window;
+  InputHold hold;
+  hold.Begin();
+  QCoreApplication::processEvents();
+  int looks = 0;
+  const auto end = Clock::now() + std::chrono::milliseconds(300);
+  EXPECT_FALSE(hold.WaitUntil([&looks] { return ++looks < 0; }, end));
+  EXPECT_GE(Clock::now(), end);
+  EXPECT_LE(looks, 10) << "every 10 ms would be 30";
+  hold.End();
+}
+
+TEST(InputHold, WindowsPaintDuringAWait) {
+  Recorder window;
+  InputHold hold;
+  hold.Begin();
+  window.paints = 0;
+  std::thread other([&] { QMetaObject::invokeMethod(&window, [&] { window.update(); }); });
+  EXPECT_TRUE(hold.WaitUntil([&] { return window.paints > 0; }, Clock::now() + std::chrono::minutes(1)));
+  other.join();
+  hold.End();
+}
+
+/// The event is in the queue when the wait begins.
+TEST(InputHold, AWaitWhoseTimeHasComeStillProcessesWhatIsPending) {
+  Recorder window;
+  InputHold hold;
+  hold.Begin();
+  bool processed = false;
+  QMetaObject::invokeMethod(
+      &window, [&] { processed = true; }, Qt::QueuedConnection);
+  EXPECT_FALSE(hold.WaitUntil([] { return false; }, Clock::now()));
+  EXPECT_TRUE(processed);
   hold.End();
 }
 

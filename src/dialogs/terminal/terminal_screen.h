@@ -99,7 +99,7 @@ class CTerminalScreen final : public ModelessWindow, private TransactionHost {
   // TransactionHost
   void BeginWait() override { m_hold.Begin(); }
   void EndWait() override { m_hold.End(); }
-  void KeepPainting() override { m_hold.Pump(); }
+  bool PaintUntilClear(const WaitableFlag& flag, std::chrono::steady_clock::time_point until) override;
   void ShowWaitingText(const QString& text) override;
   [[nodiscard]] int CaretPosition() const override { return m_context.commandLine.CursorPos(); }
   bool EscapePressed() override;

@@ -218,6 +218,11 @@ void CTerminalScreen::Transact() {
   TakeFocus();
 }
 
+bool CTerminalScreen::PaintUntilClear(const WaitableFlag& flag, std::chrono::steady_clock::time_point until) {
+  const WaitableFlag::Watch watch(flag, [this] { m_hold.LookAgain(); });
+  return m_hold.WaitUntil([&flag] { return !flag.IsSet(); }, until);
+}
+
 bool CTerminalScreen::EscapePressed() {
   if (!m_hold.EscapePressed()) return false;
   m_hold.UseEscape();
