@@ -181,6 +181,8 @@ Section "Install"
   ; The folder for the settings. A first start by a double click on a file copies the file there.
   CreateDirectory "$APPDATA\${MAKER}\${NAME}"
   CreateShortcut "$SMPROGRAMS\${NAME}.lnk" "$INSTDIR\quarn.exe" "" "$INSTDIR\quarn.exe" 0 SW_SHOWNORMAL "" "${DESCRIPTION}"
+  CreateShortcut "$SMPROGRAMS\${NAME} Demo.lnk" "$INSTDIR\quarn.exe" "--demo" "$INSTDIR\quarn.exe" 0 SW_SHOWNORMAL "" "${NAME} with a simulated instrument"
+  CreateShortcut "$SMPROGRAMS\${NAME} Guide.lnk" "$INSTDIR\guide\index.html"
 
   WriteRegStr HKCU "${CLASSES}\${DOCUMENT}" "" "${NAME} configuration"
   WriteRegStr HKCU "${CLASSES}\${DOCUMENT}\DefaultIcon" "" "$INSTDIR\quarn.exe,0"
@@ -217,6 +219,8 @@ Section "Uninstall"
   SetOutPath "$TEMP"
   RMDir "$INSTDIR"
   Delete "$SMPROGRAMS\${NAME}.lnk"
+  Delete "$SMPROGRAMS\${NAME} Demo.lnk"
+  Delete "$SMPROGRAMS\${NAME} Guide.lnk"
   ; Removed only if it has no settings.
   RMDir "$APPDATA\${MAKER}\${NAME}"
   RMDir "$APPDATA\${MAKER}"

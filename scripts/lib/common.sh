@@ -65,7 +65,7 @@ need() {
   local group packages=()
   for group in "$@"; do
     case $group in
-      build) packages+=(g++ cmake ninja-build pkg-config qt6-base-dev libudev-dev libxcb1-dev) ;;
+      build) packages+=(g++ cmake ninja-build pkg-config qt6-base-dev libudev-dev libxcb1-dev lowdown) ;;
       test) packages+=(libgtest-dev libumockdev-dev umockdev fonts-dejavu-core util-linux locales
         # For the examples of the guide and the completion of other shells.
         python3 gnuplot-nox zsh fish) ;;
@@ -85,7 +85,8 @@ need() {
           libxcb-xfixes0-dev libxcb-xinput-dev libxcb-xkb-dev libxkbcommon-x11-dev libatspi2.0-dev)
         ;;
       # CPack asks file(1) which files are programs.
-      package) packages+=(dpkg-dev file lintian appstream desktop-file-utils) ;;
+      package) packages+=(dpkg-dev file lintian appstream appstream-util desktop-file-utils) ;;
+      release) packages+=(git gnupg python3 python3-yaml binutils dpkg-dev) ;;
       clean-root) packages+=(mmdebstrap) ;;
       lint) packages+=(clang-format clang-tidy) ;;
       fuzz) packages+=(clang) ;;

@@ -14,6 +14,7 @@ namespace {
 
 constexpr int kWrongUsage = 64;
 constexpr int kNotPrinted = 74;
+constexpr char kDemo[] = "--demo";
 
 struct QtOption {
   const char16_t* name;  ///< behind one dash or two
@@ -53,6 +54,7 @@ qsizetype WordsOfQtOption(QStringView word) {
 QString Usage() {
   return QStringLiteral(
       "usage: quarn [FILE]\n"
+      "       quarn --demo\n"
       "       quarn --help | --version\n");
 }
 
@@ -82,6 +84,7 @@ QString AnswerOnTerminal(const QStringList& arguments) {
                "%2"
                "\n"
                "  FILE       configuration file (.qrn) to start with; default: the last settings\n"
+               "  --demo     try it out: with a simulated instrument, and settings that are forgotten\n"
                "  --help     print this text\n"
                "  --version  print name, version and build date\n")
         .arg(name, Usage());
@@ -93,9 +96,11 @@ QString AnswerOnTerminal(const QStringList& arguments) {
   return {};
 }
 
+bool IsDemo(const QStringList& arguments) { return arguments.contains(QLatin1String(kDemo)); }
+
 QString WrongOption(const QStringList& arguments) {
   for (qsizetype i = 1; i < arguments.size() && arguments[i].startsWith(u'-');) {
-    const qsizetype words = WordsOfQtOption(arguments[i]);
+    const qsizetype words = arguments[i] == QLatin1String(kDemo) ? 1 : WordsOfQtOption(arguments[i]);
     if (words == 0) return arguments[i];
     i += words;
   }

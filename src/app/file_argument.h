@@ -17,6 +17,9 @@ QString WithinPathLimit(QString name);
 /// The output of --help or --version, which need no window; empty without either.
 QString AnswerOnTerminal(const QStringList& arguments);
 
+/// Whether the program shows itself with the simulated instrument and settings of its own.
+bool IsDemo(const QStringList& arguments);
+
 /// The first word that begins with "-" and is not an option of the program or of Qt; empty if there is none.
 /// A file with such a name must be given with its folder.
 QString WrongOption(const QStringList& arguments);

@@ -67,10 +67,15 @@ QString FileChooserDialog::Ask(QFileDialog& dialog, const FileQuestion& question
   if (folder.isEmpty()) folder = m_lastFolder;
   if (folder.isEmpty()) folder = FolderAtFirst();
   PutQuestion(dialog, question, folder);
+  // The file that was accepted. While Qt's own dialog asks whether to overwrite it, a folder read meanwhile
+  // can change the name in its field.
+  QString path;
+  QObject::connect(&dialog, &QFileDialog::filesSelected, &dialog,
+                   [&path](const QStringList& files) { path = files.value(0); });
   // The system's own dialog needs a parent to be in front of. The owner cannot be deleted meanwhile.
   const BoxOver over(m_owner);
   if (dialog.exec() != QDialog::Accepted) return {};
-  QString path = dialog.selectedFiles().value(0);
+  if (path.isEmpty()) path = dialog.selectedFiles().value(0);
   m_lastFolder = QFileInfo(path).absolutePath();
   return path;
 }

@@ -1,6 +1,8 @@
 #include <QApplication>
 #include <cstdlib>
 #include <memory>
+#include <optional>
+#include <utility>
 
 #include "app/fatal_limits.h"
 #include "app/file_argument.h"
@@ -8,6 +10,8 @@
 #include "app/program.h"
 #include "app/start_up.h"
 #include "app/window_stage.h"
+#include "demo/demo_folder.h"
+#include "demo/demo_ports.h"
 #include "serial/platform_serial.h"
 #include "settings/data_folder.h"
 #include "terminal/standard_streams.h"
@@ -23,6 +27,27 @@ QStringList ArgumentsOf(int argc, char* argv[]) {
   return arguments;
 }
 
+/// What the program works on.
+struct Workplace {
+  QString folder;  ///< empty if there is none
+  QString whyNoFolder{};
+  std::unique_ptr<quarn::SerialLineOpener> opener{};
+  std::unique_ptr<quarn::PortSource> ports{};
+};
+
+Workplace OfUser() {
+  const QString folder = quarn::DataFolder();
+  if (folder.isEmpty()) return {folder, quarn::WhyNoDataFolder()};
+  quarn::MakeDataFolder(folder);
+  const QString ports = quarn::PortsFolder(folder);
+  return {folder, {}, quarn::CreateLineOpener(ports), quarn::CreatePortSource(ports)};
+}
+
+Workplace OfDemo(const quarn::DemoFolder& demo) {
+  return {demo.Path(), demo.WhyNot(), std::make_unique<quarn::DemoLineOpener>(),
+          std::make_unique<quarn::DemoPortSource>()};
+}
+
 }  // namespace
 
 int main(int argc, char* argv[]) {
@@ -35,14 +60,14 @@ int main(int argc, char* argv[]) {
   QApplication::setWindowIcon(quarn::ApplicationIcon());
   // Message boxes close before the main dialog exists, and this must not end the program.
   QApplication::setQuitOnLastWindowClosed(false);
-  const QString folder = quarn::DataFolder();
-  if (folder.isEmpty()) {
-    quarn::WindowMessages().ShowPlainMessage(quarn::WhyNoDataFolder());
+  std::optional<quarn::DemoFolder> demo;
+  if (quarn::IsDemo(arguments)) demo.emplace();
+  Workplace place = demo ? OfDemo(*demo) : OfUser();
+  if (place.folder.isEmpty()) {
+    quarn::WindowMessages().ShowPlainMessage(place.whyNoFolder);
     return EXIT_FAILURE;
   }
-  quarn::MakeDataFolder(folder);
-  const QString ports = quarn::PortsFolder(folder);
-  quarn::Program program(folder, quarn::CreateLineOpener(ports), quarn::CreatePortSource(ports),
+  quarn::Program program(place.folder, std::move(place.opener), std::move(place.ports),
                          std::make_unique<quarn::WindowMessages>(), std::make_unique<quarn::WaitCursor>());
   const quarn::FatalLimits limits(program);
   quarn::WindowStage stage(program, QApplication::arguments());

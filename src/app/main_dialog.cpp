@@ -126,8 +126,18 @@ void CQuarnDlg::ShowSwitch() {
                                                                           : QStringLiteral("ON"));
 }
 
+void CQuarnDlg::TakeStartRequest(const QString& file) {
+  setWindowState(windowState() & ~Qt::WindowMinimized);
+  QWidget* const box = QApplication::activeModalWidget();
+  QWidget& front = box != nullptr ? *box : *this;
+  front.raise();
+  front.activateWindow();
+  if (!file.isEmpty()) m_requestedFile = file;
+}
+
 int CQuarnDlg::QuietTicks() const {
-  return !m_program.state.requests.refresh.Contains(Window::MainDialog) && m_monitor.IsAtRest()
+  return m_requestedFile.isEmpty() && !m_program.state.requests.refresh.Contains(Window::MainDialog) &&
+                 m_monitor.IsAtRest()
              ? TickPlan::kUntilWoken
              : 0;
 }
@@ -135,6 +145,11 @@ int CQuarnDlg::QuietTicks() const {
 void CQuarnDlg::OnTick(int ticks) {
   if (m_program.state.requests.refresh.Take(Window::MainDialog)) Refresh();
   m_monitor.Tick(ticks);
+  if (m_requestedFile.isEmpty() || m_program.engine.IsBusy() || QApplication::activeModalWidget() != nullptr)
+    return;
+  QMetaObject::invokeMethod(
+      this, [this, file = std::exchange(m_requestedFile, QString())] { m_files.DropFiles({file}); },
+      Qt::QueuedConnection);
 }
 
 void CQuarnDlg::Refresh() {

@@ -41,6 +41,10 @@ class CQuarnDlg final : public PolledDialog, public MainWindow {
   void PlaceByPercent(int xPercent, int yPercent);
 
   void SetTitle(const QString& suffix) override;
+  /// A later start asks for this window, and for a file; empty: none. It is loaded as if it had been dropped,
+  /// as soon as no box is open and no command runs.
+  void TakeStartRequest(const QString& file);
+
   void UpdateMenuState() override;
   void ShowUserFile() override;
   void OpenTerminalScreen() override;
@@ -86,6 +90,7 @@ class CQuarnDlg final : public PolledDialog, public MainWindow {
   FileCommands m_files;
   PortMonitor m_monitor;
   InputHold m_hold;  ///< during a pause
+  QString m_requestedFile;
   QPointer<CTerminalScreen> m_terminalScreen;
   QPointer<CSetMem> m_functionKeyTable;
   QPointer<CCommandFormat> m_commandFormat;

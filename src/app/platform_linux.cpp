@@ -19,35 +19,13 @@
 
 #include "app/file_argument.h"
 #include "app/platform.h"
+#include "app/user_folders_linux.h"
 #include "settings/data_folder.h"
 
 namespace quarn {
 namespace {
 
-constexpr mode_t kPrivateFolder = 0700;
 constexpr mode_t kPrivateFile = 0600;
-
-/// Whether only this user can have put something there.
-bool IsThisUsersAlone(const QString& folder) {
-  struct stat info {};
-  return ::lstat(QFile::encodeName(folder).constData(), &info) == 0 && S_ISDIR(info.st_mode) &&
-         info.st_uid == ::geteuid() && (info.st_mode & (S_IWGRP | S_IWOTH)) == 0;
-}
-
-/// The session's runtime folder, deleted with the session; empty if the system provides none.
-QString SessionFolder() {
-  QString session = QDir::cleanPath(qEnvironmentVariable("XDG_RUNTIME_DIR"));
-  if (!QDir::isAbsolutePath(session)) return {};
-  ::mkdir(QFile::encodeName(session).constData(), kPrivateFolder);
-  return IsThisUsersAlone(session) ? session : QString();
-}
-
-/// The folder of the settings, in which another user cannot take the name first.
-QString SettingsFolder() {
-  QString settings = DataFolder();
-  if (!settings.isEmpty()) MakeDataFolder(settings);
-  return settings;
-}
 
 InstanceLock LockFile(const QByteArray& path) {
   const int descriptor = ::open(path.constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, kPrivateFile);

@@ -20,6 +20,7 @@ bool IsAlone(Program& program, StartUpStage& stage) {
       return true;
     case InstanceLock::TakenByAnother:
       program.messages->ShowPlainMessage(QStringLiteral("\"Quarn\" is already open !"));
+      stage.AskRunningProgram();
       return false;
     case InstanceLock::Failed:
       break;

@@ -16,6 +16,9 @@ class StartUpStage {
 
   /// If it fails, `reason` says why.
   virtual InstanceLock TakeLock(QString& reason) = 0;
+  /// Asks the running program to come to the front, and to open the file of the command line, if there is
+  /// one.
+  virtual void AskRunningProgram() = 0;
   /// Returns when the splash is closed. Then a main dialog exists, not yet shown.
   virtual void ShowSplash() = 0;
   virtual MainWindow& Window() = 0;

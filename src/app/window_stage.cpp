@@ -1,8 +1,10 @@
 #include "app/window_stage.h"
 
+#include <QFileInfo>
 #include <QTimer>
 #include <utility>
 
+#include "app/file_argument.h"
 #include "app/platform.h"
 #include "app/splash_page.h"
 
@@ -11,7 +13,15 @@ namespace quarn {
 WindowStage::WindowStage(Program& program, QStringList arguments)
     : m_program(program), m_arguments(std::move(arguments)) {}
 
-InstanceLock WindowStage::TakeLock(QString& reason) { return TakeInstanceLock(reason); }
+/// A demo shares nothing with another program that runs.
+InstanceLock WindowStage::TakeLock(QString& reason) {
+  return IsDemo(m_arguments) ? InstanceLock::Taken : TakeInstanceLock(reason);
+}
+
+void WindowStage::AskRunningProgram() {
+  const QFileInfo file(FileArgument());
+  quarn::AskRunningProgram(file.isFile() ? file.absoluteFilePath() : QString());
+}
 
 void WindowStage::ShowSplash() {
   CSplashPage splash;
@@ -34,7 +44,9 @@ int WindowStage::MessageFontHeight() { return quarn::MessageFontHeight(); }
 
 void WindowStage::AcceptDrops() { m_dialog->setAcceptDrops(true); }
 
-QString WindowStage::FileArgument() { return ReadFileArgument(m_arguments); }
+QString WindowStage::FileArgument() {
+  return IsDemo(m_arguments) ? QString() : ReadFileArgument(m_arguments);
+}
 
 void WindowStage::PlaceMainDialog(int xPercent, int yPercent) {
   m_dialog->PlaceByPercent(xPercent, yPercent);
@@ -43,6 +55,9 @@ void WindowStage::PlaceMainDialog(int xPercent, int yPercent) {
 void WindowStage::ShowMainDialog() {
   m_dialog->SetTitle(QString());
   m_dialog->show();
+  if (!IsDemo(m_arguments)) {
+    m_requests.emplace([this](const QString& file) { m_dialog->TakeStartRequest(file); });
+  }
 }
 
 }  // namespace quarn

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 
 #include "app/main_dialog.h"
+#include "app/start_requests.h"
 #include "app/start_up.h"
 
 namespace quarn {
@@ -13,6 +15,7 @@ class WindowStage final : public StartUpStage {
   WindowStage(Program& program, QStringList arguments);
 
   InstanceLock TakeLock(QString& reason) override;
+  void AskRunningProgram() override;
   void ShowSplash() override;
   MainWindow& Window() override { return *m_dialog; }
   PortMonitor& Monitor() override { return m_dialog->Monitor(); }
@@ -29,7 +32,8 @@ class WindowStage final : public StartUpStage {
 
   Program& m_program;
   const QStringList m_arguments;
-  std::unique_ptr<CQuarnDlg> m_dialog;  ///< from the splash on
+  std::unique_ptr<CQuarnDlg> m_dialog;      ///< from the splash on
+  std::optional<StartRequests> m_requests;  ///< while the dialog is shown
 };
 
 }  // namespace quarn

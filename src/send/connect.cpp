@@ -79,6 +79,13 @@ LineSetUp SetUpOf(const Options& options, const SettingsRecord& settings) {
   return setUp;
 }
 
+void WarnOfLatency(const QString& port, const LineTimeouts& timeouts) {
+  const auto latency = LatencyTimerOf(port);
+  if (!latency) return;
+  const QString warning = LatencyWarning(port, *latency, std::chrono::milliseconds(timeouts.readInterval));
+  if (!warning.isEmpty()) Complain(warning);
+}
+
 }  // namespace
 
 QString PortNameOf(const QString& text) {
@@ -108,7 +115,9 @@ int Connect(const Options& options, const SettingsRecord& settings, const QStrin
   }
   connection.handle = PortHandle(opened.line);
   SetUpStep step{};
-  LineResult result = SetUpLine(*opened.line, SetUpOf(options, settings), step);
+  const LineSetUp wanted = SetUpOf(options, settings);
+  WarnOfLatency(port, wanted.timeouts);
+  LineResult result = SetUpLine(*opened.line, wanted, step);
   if (result && (options.dtr || options.rts)) result = opened.line->SetModemLines({options.dtr, options.rts});
   if (result) return 0;
   Complain(FailureText(port, result.Failure()));

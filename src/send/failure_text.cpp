@@ -45,6 +45,17 @@ QString FailureText(const QString& port, const LineFailure& failure) {
   return remedy.isEmpty() ? text : text + QStringLiteral("; ") + remedy;
 }
 
+QString LatencyWarning(const QString& port, std::chrono::milliseconds latency,
+                       std::chrono::milliseconds silence) {
+  if (latency < silence) return {};
+  return QStringLiteral(
+             "%1: the adapter delivers every %2 ms, and a response ends after %3 ms of silence, so it may be "
+             "cut off; set the adapter's Latency Timer to 1 ms in the Device Manager, or use --speed LOW")
+      .arg(port)
+      .arg(latency.count())
+      .arg(silence.count());
+}
+
 QString Quoted(const QByteArray& command) {
   constexpr qsizetype kMost = 40;
   const QByteArray text = SpellOut(command.left(kMost));

@@ -5,7 +5,7 @@
 namespace quarn::send {
 
 Verdict Judge(const TransactionOutcome& outcome, const std::optional<QRegularExpression>& expected) {
-  if (outcome.lineFailed) return Verdict::LineFailed;
+  if (outcome.lineFailed || outcome.cutOff) return Verdict::LineFailed;
   const auto verdict = static_cast<Verdict>(outcome.result);
   if (verdict != Verdict::Received || !expected) return verdict;
   const QString text = QString::fromLatin1(ResponseText({.outcome = outcome}));

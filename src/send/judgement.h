@@ -7,7 +7,8 @@
 
 namespace quarn::send {
 
-/// How a transaction is judged. `expected` is looked for in the response as ResponseText shows it.
+/// How a transaction is judged. A response that a failed line cut off is none. `expected` is looked for in
+/// the response as ResponseText shows it.
 Verdict Judge(const TransactionOutcome& outcome, const std::optional<QRegularExpression>& expected);
 
 /// Whether the command is worth another try: the instrument did not answer as it should, but the line works

@@ -62,7 +62,7 @@ bool Runner::RunRound(const QByteArrayList& commands) {
     m_status.Note(report.verdict);
     m_lostOutput = !Print(m_writer.TextOf(report));
     if (m_lostOutput) return false;
-    if (report.verdict == Verdict::LineFailed) ReportFailedLine(command);
+    if (report.verdict == Verdict::LineFailed) ReportFailedLine(report);
     if (m_status.IsOver()) return false;
   }
   return true;
@@ -88,16 +88,18 @@ Report Runner::SendOnce(const QByteArray& command) {
   return report;
 }
 
-/// For a failed read the log has no line of its own and shows the earlier response again. A script must know.
-void Runner::ReportFailedLine(const QByteArray& command) const {
-  const QString quoted = Quoted(command);
+/// For a failed read the log has no line of its own and shows the earlier response again, and nothing shows
+/// that a response was cut off. A script must know.
+void Runner::ReportFailedLine(const Report& report) const {
+  const QString quoted = Quoted(report.command);
   const QString noThread = m_engine.WhyNoThread();
   if (!noThread.isEmpty()) {
     return Complain(QStringLiteral("%1 was not sent: the system gives no thread: %2").arg(quoted, noThread));
   }
-  Complain(FailureText(m_settings.comPort,
-                       {LineError::Disconnected,
-                        QStringLiteral("the line failed while %1 waited for its response").arg(quoted)}));
+  const QString what = report.outcome.cutOff
+                           ? QStringLiteral("the line failed during the response to %1")
+                           : QStringLiteral("the line failed while %1 waited for its response");
+  Complain(FailureText(m_settings.comPort, {LineError::Disconnected, what.arg(quoted)}));
 }
 
 }  // namespace quarn::send

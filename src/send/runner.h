@@ -24,7 +24,7 @@ class Runner {
   bool RunRound(const QByteArrayList& commands);
   Report SendUntilAnswered(const QByteArray& command);
   Report SendOnce(const QByteArray& command);
-  void ReportFailedLine(const QByteArray& command) const;
+  void ReportFailedLine(const Report& report) const;
 
   const Options& m_options;
   const SettingsRecord& m_settings;

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <QString>
+#include <chrono>
 #include <memory>
+#include <optional>
 
 #include "serial/port_source.h"
 #include "serial/serial_line.h"
@@ -18,6 +20,10 @@ std::unique_ptr<PortSource> CreatePortSource(const QString& portsFolder);
 QString FindPortDevice(const QString& portsFolder, const QString& port);
 /// Opens a device that FindPortDevice has found.
 OpenResult OpenPortDevice(const QString& device);
+
+/// How long the port's adapter may keep received bytes before it hands them over, if its driver says so and
+/// does not let a program change it.
+std::optional<std::chrono::milliseconds> LatencyTimerOf(const QString& port);
 
 /// Tells the user, in one sentence, how to change a port's number.
 QString HowToChangePortNumber(const QString& portsFolder);

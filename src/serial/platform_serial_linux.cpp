@@ -28,6 +28,9 @@ QString FindPortDevice(const QString& portsFolder, const QString& port) {
 
 OpenResult OpenPortDevice(const QString& device) { return OpenTerminalDevice(device); }
 
+/// Opening a line turns the latency of its adapter down.
+std::optional<std::chrono::milliseconds> LatencyTimerOf(const QString& /*port*/) { return std::nullopt; }
+
 QString HowToChangePortNumber(const QString& portsFolder) {
   return QStringLiteral("A port has the name of its link in %1, which can be renamed.")
       .arg(QDir::toNativeSeparators(portsFolder));

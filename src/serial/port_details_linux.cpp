@@ -16,13 +16,6 @@ QString TextFrom(const std::string& bytes) {
   return QString::fromUtf8(bytes.data(), qsizetype(bytes.size()));
 }
 
-/// "in use by minicom (PID 1234)" without its first words.
-QString HolderText(pid_t user, const SystemRoots& roots) {
-  QString text = user != 0 ? TextFrom(UseText(user, roots)) : QString();
-  const QString words = QStringLiteral("in use by ");
-  return text.startsWith(words) ? text.mid(words.size()) : text;
-}
-
 }  // namespace
 
 QString DeviceDescription(const struct stat& node, const std::vector<SerialDevice>& devices) {
@@ -68,7 +61,7 @@ std::optional<std::vector<PortDetails>> ListPortDetails(const QString& portsFold
   }
   const std::vector<pid_t> users = UsersOf(nodes, roots);
   for (std::size_t i = 0; i < ports.size(); ++i) {
-    ports[i].holder = HolderText(users[i], roots);
+    ports[i].holder = TextFrom(UserText(users[i], roots));
     if (ports[i].unavailableReason.isEmpty() && users[i] != 0)
       ports[i].unavailableReason = QStringLiteral("in use");
   }

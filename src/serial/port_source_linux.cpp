@@ -28,7 +28,7 @@ QString UnavailableReason(const DeviceNode& node, pid_t user, const SystemRoots&
   if (!permission.empty()) {
     return TextOf(permission);
   }
-  return user != 0 ? TextOf(UseText(user, roots)) : QString();
+  return TextOf(UseText(user, roots));
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 //
 #include <setupapi.h>
 
+#include <QAbstractEventDispatcher>
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -12,7 +13,9 @@
 #include <optional>
 #include <vector>
 
+#include "serial/device_watch_win32.h"
 #include "serial/friendly_name.h"
+#include "serial/platform_serial.h"
 
 namespace quarn {
 
@@ -24,6 +27,9 @@ constexpr GUID kComPortInterface = {
 
 /// A friendly name is read into 520 bytes. A longer one cannot be read.
 constexpr std::size_t kFriendlyNameUnits = 260;
+
+/// More than any name of a port has.
+constexpr std::size_t kPortNameUnits = 64;
 
 class DeviceInfoList {
  public:
@@ -74,25 +80,64 @@ std::optional<QString> FriendlyNameOf(const DeviceInfoList& list, SP_DEVINFO_DAT
   return QString::fromWCharArray(name.data(), end - name.begin());
 }
 
-}  // namespace
+/// A value that the driver keeps for a device. `what` is the registry's type of it, RRF_RT_...
+bool ReadDriverValue(const DeviceInfoList& list, SP_DEVINFO_DATA& device, const wchar_t* name, DWORD what,
+                     void* value, DWORD size) {
+  const HKEY key = SetupDiOpenDevRegKey(list.Get(), &device, DICS_FLAG_GLOBAL, 0, DIREG_DEV, KEY_QUERY_VALUE);
+  if (key == INVALID_HANDLE_VALUE) return false;
+  const LSTATUS status = RegGetValueW(key, nullptr, name, what, nullptr, value, &size);
+  RegCloseKey(key);
+  return status == ERROR_SUCCESS;
+}
 
-std::optional<QList<Port>> Win32PortSource::Ports() {
+/// Calls `visit` with each COM port that is present. False if they cannot be listed.
+template <typename Visit>
+bool ForEachPresentPort(Visit visit) {
   const DeviceInfoList list;
-  if (!list.IsValid()) {
-    return std::nullopt;
-  }
-  QStringList names;
+  if (!list.IsValid()) return false;
   for (DWORD index = 0;; ++index) {
     SP_DEVICE_INTERFACE_DATA port{};
     port.cbSize = sizeof port;
     if (SetupDiEnumDeviceInterfaces(list.Get(), nullptr, &kComPortInterface, index, &port) == FALSE) {
-      return PortsNamed(names);
+      return true;
     }
-    std::optional<SP_DEVINFO_DATA> device = DeviceOf(list, port);
-    if (const std::optional<QString> name = device ? FriendlyNameOf(list, *device) : std::nullopt) {
-      names.append(*name);
-    }
+    if (std::optional<SP_DEVINFO_DATA> device = DeviceOf(list, port)) visit(list, *device);
   }
+}
+
+}  // namespace
+
+Win32PortSource::Win32PortSource() = default;
+Win32PortSource::~Win32PortSource() = default;
+
+std::optional<std::uint64_t> Win32PortSource::Revision() {
+  return m_watch ? m_watch->Changes() : std::nullopt;
+}
+
+std::optional<QList<Port>> Win32PortSource::Ports() {
+  // Before the ports are listed: a change in between is then seen.
+  if (!m_watch && QAbstractEventDispatcher::instance() != nullptr) m_watch = std::make_unique<DeviceWatch>();
+  QStringList names;
+  const bool listed = ForEachPresentPort([&](const DeviceInfoList& list, SP_DEVINFO_DATA& device) {
+    if (const std::optional<QString> name = FriendlyNameOf(list, device)) names.append(*name);
+  });
+  if (!listed) return std::nullopt;
+  return PortsNamed(names);
+}
+
+std::optional<std::chrono::milliseconds> LatencyTimerOf(const QString& port) {
+  std::optional<std::chrono::milliseconds> found;
+  ForEachPresentPort([&](const DeviceInfoList& list, SP_DEVINFO_DATA& device) {
+    std::array<wchar_t, kPortNameUnits> name{};
+    DWORD milliseconds = 0;
+    if (ReadDriverValue(list, device, L"PortName", RRF_RT_REG_SZ, name.data(), sizeof name) &&
+        port.compare(QString::fromWCharArray(name.data()), Qt::CaseInsensitive) == 0 &&
+        ReadDriverValue(list, device, L"LatencyTimer", RRF_RT_REG_DWORD, &milliseconds,
+                        sizeof milliseconds)) {
+      found = std::chrono::milliseconds(milliseconds);
+    }
+  });
+  return found;
 }
 
 }  // namespace quarn

@@ -129,7 +129,8 @@ std::vector<pid_t> UsersOf(const std::vector<DeviceNode>& nodes, const SystemRoo
   return users;
 }
 
-std::string UseText(pid_t user, const SystemRoots& roots) {
+std::string UserText(pid_t user, const SystemRoots& roots) {
+  if (user == 0) return {};
   const std::string number = std::to_string(user);
   // The kernel keeps 15 characters of a name.
   std::array<char, 16> name{};
@@ -140,8 +141,11 @@ std::string UseText(pid_t user, const SystemRoots& roots) {
       c = '?';
     }
   }
-  return name[0] != '\0' ? std::string("in use by ") + name.data() + " (PID " + number + ')'
-                         : "in use by PID " + number;
+  return name[0] != '\0' ? std::string(name.data()) + " (PID " + number + ')' : "PID " + number;
+}
+
+std::string UseText(pid_t user, const SystemRoots& roots) {
+  return user != 0 ? "in use by " + UserText(user, roots) : std::string();
 }
 
 std::string GroupName(gid_t group) {

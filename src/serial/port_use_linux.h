@@ -24,8 +24,10 @@ struct DeviceNode {
 /// Uses only the visible data of other processes; never opens the nodes.
 std::vector<pid_t> UsersOf(const std::vector<DeviceNode>& nodes, const SystemRoots& roots);
 
-/// "in use by minicom (PID 1234)"; without the program's name if that is not visible. Printable ASCII only,
-/// whatever the program's name contains.
+/// The program that uses a port: "minicom (PID 1234)", or "PID 1234" if its name is not visible. Printable
+/// ASCII only, whatever the program's name contains. Empty for 0.
+std::string UserText(pid_t user, const SystemRoots& roots);
+/// The same behind "in use by ".
 std::string UseText(pid_t user, const SystemRoots& roots);
 
 /// The name of a group; its decimal number if the system knows no name.

@@ -62,8 +62,8 @@ struct LineState {
 
 /// The modem lines that the computer drives. nullopt: stays as it is.
 struct ModemLines {
-  std::optional<bool> dtr;
-  std::optional<bool> rts;
+  std::optional<bool> dtr{};
+  std::optional<bool> rts{};
 };
 
 /// The five time-outs of the comm API, all in milliseconds (the multipliers: per requested byte).

@@ -117,11 +117,12 @@ class LinuxSerialLine final : public SerialLine {
   }
 
   LineResult SetModemLines(const ModemLines& lines) override {
+    // A driver without modem lines fails with several errors, also with that of a line that is gone.
+    if (LineResult usable = ClearError(); !usable) return usable;
     const std::lock_guard guard(m_lineMutex);
     for (const auto& [level, line] : {std::pair{lines.dtr, TIOCM_DTR}, {lines.rts, TIOCM_RTS}}) {
       int bits = line;
       if (!level || ControlLine(m_hold.line.Get(), *level ? TIOCMBIS : TIOCMBIC, &bits) == 0) continue;
-      // A driver without modem lines has several errors for this.
       return Refuse(
           QStringLiteral("%1 cannot be set: %2")
               .arg(line == TIOCM_DTR ? QStringLiteral("DTR") : QStringLiteral("RTS"), SystemText(errno)));
@@ -345,7 +346,7 @@ OpenResult Failed(LineFailure failure) { return {nullptr, std::move(failure)}; }
 QString UseOf(const DeviceNode& device) {
   const SystemRoots roots;
   const pid_t user = UsersOf({device}, roots).front();
-  return user != 0 ? QString::fromStdString(UseText(user, roots)) : QString();
+  return QString::fromStdString(UseText(user, roots));
 }
 
 /// The same for a serial device, which another program may have open without a lock. It would read a part of

@@ -80,7 +80,9 @@ void ReceiveWorker::SendAndReceive() {
     read = m_line->Read(bytes.data(), bytes.size());
   }
   if (read.ok) {
-    Deliver(ReadingOf(bytes.data(), read.bytes, m_settings.comBuf));
+    Reading reading = ReadingOf(bytes.data(), read.bytes, m_settings.comBuf);
+    reading.cutOff = read.failure.kind != LineError::None && read.failure.kind != LineError::Cancelled;
+    Deliver(std::move(reading));
     m_settling.WaitClear(std::chrono::steady_clock::now() + kSettlingTime);
   } else {
     Deliver({.failed = true});

@@ -18,6 +18,7 @@ namespace quarn {
 /// What one read brought.
 struct Reading {
   bool failed = false;     ///< the line failed, or there was nothing to read from; all else is empty then
+  bool cutOff = false;     ///< the line failed after `bytes`
   bool truncated = false;  ///< more came than the limit of COM_BUF allows, and `bytes` ends at the limit
   std::int32_t byteCount = -1;  ///< bytes that came, less one, also of those that were cut off
   QByteArray bytes{};           ///< as they came, at most 8191

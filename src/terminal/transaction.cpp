@@ -118,6 +118,7 @@ TransactionOutcome TransactionEngine::Evaluate(const QString& delimiter, const R
   outcome.raw = reading.bytes;
   outcome.byteCount = reading.byteCount;
   outcome.lineFailed = reading.failed;
+  outcome.cutOff = reading.cutOff;
   if (HoldsOnlyFraming(delimiter, outcome.response)) {
     outcome.result = TransactionResult::InvalidData;
   } else if (reading.truncated) {

@@ -39,6 +39,8 @@ struct TransactionOutcome {
   std::int32_t byteCount = -1;
   /// The read failed. `result` does not show this: it belongs to `response`.
   bool lineFailed = false;
+  /// The line failed after the bytes of `raw`, so there may have been more. `result` does not show this.
+  bool cutOff = false;
 };
 
 /// What a transaction needs from the window or program that waits for it. User-interface thread only.

@@ -41,6 +41,15 @@ void LetWindowsTick() {
   ASSERT_TRUE(WaitUntil([&] { return clock.ticks >= kFewTicks; }));
 }
 
+/// While it exists, a box that closes by itself after some time stays.
+class KeptUp final : public QObject {
+ public:
+  explicit KeptUp(QObject& box) { box.installEventFilter(this); }
+
+ protected:
+  bool eventFilter(QObject* /*box*/, QEvent* event) override { return event->type() == QEvent::Timer; }
+};
+
 /// Waits for each box, calls `during` and closes the box with Escape.
 class BoxWatch {
  public:
@@ -57,7 +66,10 @@ class BoxWatch {
     if (box.isNull() || !box->isVisible() || box == m_last) return;
     m_last = box;
     ++came;
-    m_during(*box);
+    {
+      const KeptUp kept(*box);
+      m_during(*box);
+    }
     if (!box.isNull() && box->isVisible()) QTest::keyClick(box.data(), Qt::Key_Escape);
   }
   QTimer m_timer;

@@ -45,6 +45,14 @@ TEST(AnswerOnTerminal, OnlyWhenAsked) {
                 .arg(QLatin1String(identity::kNameAndVersion), QLatin1String(identity::kBuildDate)));
 }
 
+TEST(Demo, IsAnOptionOfItsOwn) {
+  EXPECT_TRUE(IsDemo({u"quarn"_s, u"--demo"_s}));
+  EXPECT_FALSE(IsDemo({u"quarn"_s, u"demo"_s}));
+  EXPECT_EQ(WrongOption({u"quarn"_s, u"--demo"_s, u"-style"_s, u"fusion"_s}), QString());
+  EXPECT_EQ(WrongOption({u"quarn"_s, u"--demo"_s, u"--foo"_s}), u"--foo"_s);
+  EXPECT_EQ(AnswerAtOnce({u"quarn"_s, u"--demo"_s}), std::nullopt);
+}
+
 TEST(WrongOption, IsAWordWithADashThatNobodyKnows) {
   for (const QString& word :
        {u"--foo"_s, u"-h"_s, u"-?"_s, u"-"_s, u"--"_s, u"-x.qrn"_s, u"--platform-x"_s}) {

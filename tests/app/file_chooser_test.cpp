@@ -56,12 +56,13 @@ class FileChooserDialogs : public ::testing::Test {
       step(*dialog);
     });
   }
-  /// What the person answers to the question that is up.
-  void ThenAnswer(QMessageBox::StandardButton button) {
-    m_steps.emplace_back([this, button](QWidget& widget) {
+  /// What the person answers to the question that is up, after what happens meanwhile.
+  void ThenAnswer(QMessageBox::StandardButton button, std::function<void()> meanwhile = {}) {
+    m_steps.emplace_back([this, button, meanwhile = std::move(meanwhile)](QWidget& widget) {
       auto* box = qobject_cast<QMessageBox*>(&widget);
       ASSERT_NE(box, nullptr);
       questions.append(box->text());
+      if (meanwhile) meanwhile();
       QTest::mouseClick(box->button(button), Qt::LeftButton);
     });
   }
@@ -285,6 +286,31 @@ TEST_F(FileChooserDialogs, SaveAsksBeforeItLetsAFileBeOverwritten) {
   EXPECT_EQ(chooser.AskSaveFile(Question()), folder.filePath(QStringLiteral("old.qrn")));
   ASSERT_EQ(questions.size(), 2);
   EXPECT_TRUE(questions[0].contains(QStringLiteral("already exists"))) << questions[0].toStdString();
+}
+
+/// A folder that is read late may select one of its entries, whose name comes into the field.
+TEST_F(FileChooserDialogs, SaveOverwritesTheFileThatTheQuestionNamed) {
+  Put(QStringLiteral("old.qrn"));
+  Put(QStringLiteral("other.qrn"));
+  FileQuestion question = Question();
+  question.folder = folder.path();
+  Then([this](QFileDialog& dialog) {
+    Listed(dialog, QStringLiteral("other.qrn"));
+    ThenAnswer(QMessageBox::Yes, [&dialog] {
+      const auto* view = dialog.findChild<QListView*>(QStringLiteral("listView"));
+      for (int row = 0; row < view->model()->rowCount(view->rootIndex()); ++row) {
+        const QModelIndex entry = view->model()->index(row, 0, view->rootIndex());
+        if (entry.data().toString() != u"other.qrn") continue;
+        view->selectionModel()->select(entry,
+                                       QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+      }
+      EXPECT_EQ(dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->text(),
+                QStringLiteral("other.qrn"));
+    });
+    Type(dialog, QStringLiteral("old"));
+  });
+  EXPECT_EQ(chooser.AskSaveFile(question), folder.filePath(QStringLiteral("old.qrn")));
+  EXPECT_EQ(questions.size(), 1);
 }
 
 }  // namespace

@@ -45,7 +45,7 @@ TEST_F(StartUpTest, ASecondInstanceTouchesNothing) {
   MakeFolders();
   stage.lock = InstanceLock::TakenByAnother;
   EXPECT_EQ(Start(), StartUpResult::NotAlone);
-  EXPECT_EQ(Happened(), (QStringList{"lock", "plain/\"Quarn\" is already open !"}));
+  EXPECT_EQ(Happened(), (QStringList{"lock", "plain/\"Quarn\" is already open !", "ask"}));
   EXPECT_FALSE(QFile::exists(program.workingSettingsFile));
 }
 

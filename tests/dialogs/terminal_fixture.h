@@ -28,6 +28,8 @@ class TerminalFixture : public ::testing::Test {
     settings.comPort = QStringLiteral("COM3");
     settings.comBps = QStringLiteral("115200");
     settings.comBuf = QStringLiteral("6K");
+    // Else an instrument that a busy computer keeps from answering for half a second would count as silent.
+    settings.rTimeout = QStringLiteral("OFF");
     state.currentPortName = settings.comPort;
   }
   ~TerminalFixture() override {

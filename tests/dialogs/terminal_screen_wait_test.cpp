@@ -4,6 +4,7 @@
 #include <QWindow>
 
 #include "dialogs/terminal_fixture.h"
+#include "support/held_line.h"
 #include "support/waits.h"
 
 namespace quarn::test {
@@ -22,10 +23,22 @@ class CountingDialog final : public PolledDialog {
 /// Does something during a transaction's wait, when it handles events.
 class TerminalWait : public TerminalFixture {
  protected:
-  /// Runs `action` when the instrument has received `bytes`. Input made then arrives during the wait.
-  void OnceReceived(const std::string& bytes, std::function<void()> action) {
-    m_poll =
-        std::make_unique<Poll>([this, bytes] { return instrument->Received() == bytes; }, std::move(action));
+  void Connect(std::string_view rules) {
+    ASSERT_NO_FATAL_FAILURE(TerminalFixture::Connect(rules));
+    m_line = std::make_shared<HeldLine>(connection.handle.Line());
+    connection.handle = PortHandle(m_line);
+  }
+  /// Runs `action` when the instrument has received `bytes`. Input made then arrives during the wait, because
+  /// no answer is read before `enough` holds.
+  void OnceReceived(
+      const std::string& bytes, std::function<void()> action,
+      std::function<bool()> enough = [] { return true; }) {
+    m_line->Hold();
+    const auto received = [this, bytes] { return instrument->Received() == bytes; };
+    m_poll = std::make_unique<Poll>(received, [this, action = std::move(action), enough = std::move(enough)] {
+      action();
+      m_release = std::make_unique<Poll>(enough, [this] { m_line->Release(); });
+    });
   }
 
  private:
@@ -46,7 +59,9 @@ class TerminalWait : public TerminalFixture {
     std::function<bool()> m_ready;
     std::function<void()> m_action;
   };
+  std::shared_ptr<HeldLine> m_line;
   std::unique_ptr<Poll> m_poll;
+  std::unique_ptr<Poll> m_release;
 };
 
 // processEvents handles events that are posted while it runs only in the next round, so a Poll that posts
@@ -54,7 +69,6 @@ class TerminalWait : public TerminalFixture {
 
 TEST_F(TerminalWait, EscapeAborts) {
   Connect("* -> silence");
-  settings.rTimeout = QStringLiteral("OFF");
   Open();
   Type("mute");
   OnceReceived("mute\r", [this] { QTest::keyClick(window->windowHandle(), Qt::Key_Escape); });
@@ -68,7 +82,6 @@ TEST_F(TerminalWait, EscapeAborts) {
 
 TEST_F(TerminalWait, AfterALineThatDiesWhileACommandIsOutNothingIsSentOnIt) {
   Connect("\"id\" -> line \"answer\"\n* -> silence");
-  settings.rTimeout = QStringLiteral("OFF");
   Open();
   Type("id");
   Press(Qt::Key_Return);
@@ -91,7 +104,6 @@ TEST_F(TerminalWait, AfterALineThatDiesWhileACommandIsOutNothingIsSentOnIt) {
 
 TEST_F(TerminalWait, EscapeTakesTheEntersTypedAheadWithIt) {
   Connect("\"mute\" -> silence\n* -> line \"answer\"");
-  settings.rTimeout = QStringLiteral("OFF");
   Open();
   Type("mute");
   OnceReceived("mute\r", [this] {
@@ -112,7 +124,6 @@ TEST_F(TerminalWait, EscapeTakesTheEntersTypedAheadWithIt) {
 
 TEST_F(TerminalWait, EscapeTakesWhatAnotherWindowHadAskedToSendWithIt) {
   Connect("* -> silence");
-  settings.rTimeout = QStringLiteral("OFF");
   Open();
   Type("mute");
   OnceReceived("mute\r", [this] { QTest::keyClick(window->windowHandle(), Qt::Key_Escape); });
@@ -126,7 +137,6 @@ TEST_F(TerminalWait, EscapeTakesWhatAnotherWindowHadAskedToSendWithIt) {
 
 TEST_F(TerminalWait, AnEscapeThatIsDownAbortsTheCommandThatBegins) {
   Connect("* -> silence");
-  settings.rTimeout = QStringLiteral("OFF");
   Open();
   Type("mute");
   QTest::keyPress(window->windowHandle(), Qt::Key_Escape);
@@ -142,7 +152,7 @@ TEST_F(TerminalWait, AnEscapeThatIsDownAbortsTheCommandThatBegins) {
 }
 
 TEST_F(TerminalWait, KeysPressedMeanwhileAreHandedOnInTheirOrder) {
-  Connect("\"slow\" -> 300 line \"done\"");
+  Connect("\"slow\" -> line \"done\"");
   settings.autoClr = QStringLiteral("ON");
   Open();
   Type("slow");
@@ -160,7 +170,7 @@ TEST_F(TerminalWait, KeysPressedMeanwhileAreHandedOnInTheirOrder) {
 }
 
 TEST_F(TerminalWait, AnEnterPressedMeanwhileStartsItsTransactionAfterwards) {
-  Connect("\"slow\" -> 300 line \"done\"\n* -> line \"other\"");
+  Connect("\"slow\" -> line \"done\"\n* -> line \"other\"");
   Open();
   Type("slow");
   OnceReceived("slow\r", [this] {
@@ -176,7 +186,7 @@ TEST_F(TerminalWait, AnEnterPressedMeanwhileStartsItsTransactionAfterwards) {
 }
 
 TEST_F(TerminalWait, AnEnterThatReachesTheWindowMeanwhileDoesNothing) {
-  Connect("\"slow\" -> 300 line \"done\"");
+  Connect("\"slow\" -> line \"done\"");
   Open();
   Type("slow");
   OnceReceived("slow\r", [this] {
@@ -191,7 +201,7 @@ TEST_F(TerminalWait, AnEnterThatReachesTheWindowMeanwhileDoesNothing) {
 }
 
 TEST_F(TerminalWait, AHeldEnterDoesNotPileUpCommands) {
-  Connect("\"slow\" -> 300 line \"done\"");
+  Connect("\"slow\" -> line \"done\"");
   Open();
   Type("slow");
   OnceReceived("slow\r", [this] {
@@ -207,7 +217,7 @@ TEST_F(TerminalWait, AHeldEnterDoesNotPileUpCommands) {
 }
 
 TEST_F(TerminalWait, ClicksMeanwhileLandOnTheirButtons) {
-  Connect("\"slow\" -> 300 line \"done\"");
+  Connect("\"slow\" -> line \"done\"");
   settings.mem[1] = QStringLiteral("two");
   settings.mem[8] = QStringLiteral("nine");
   Open();
@@ -227,7 +237,7 @@ TEST_F(TerminalWait, ClicksMeanwhileLandOnTheirButtons) {
 }
 
 TEST_F(TerminalWait, ACloseRequestMeanwhileClosesAfterwards) {
-  Connect("\"slow\" -> 300 line \"done\"");
+  Connect("\"slow\" -> line \"done\"");
   Open();
   Type("slow");
   OnceReceived("slow\r", [this] {
@@ -241,8 +251,7 @@ TEST_F(TerminalWait, ACloseRequestMeanwhileClosesAfterwards) {
 }
 
 TEST_F(TerminalWait, NoTimerOfAnotherWindowRunsAndWindowsStillPaint) {
-  Connect("\"slow\" -> 600 line \"done\"");
-  settings.rTimeout = QStringLiteral("OFF");
+  Connect("\"slow\" -> line \"done\"");
   Open();
   CountingDialog other;
   other.show();
@@ -252,10 +261,15 @@ TEST_F(TerminalWait, NoTimerOfAnotherWindowRunsAndWindowsStillPaint) {
   ASSERT_TRUE(QTest::qWaitForWindowActive(window, kLongestWaitMs));
   Type("slow");
   int before = 0;
-  OnceReceived("slow\r", [&] {
-    before = other.ticks;
-    state.requests.clearLog = true;
-  });
+  // Each check of the ESC key is 20 polls after the one before: longer than a tick.
+  constexpr unsigned kFewChecks = 3;
+  OnceReceived(
+      "slow\r",
+      [&] {
+        before = other.ticks;
+        state.requests.clearLog = true;
+      },
+      [this] { return engine.PollCounter() >= kFewChecks; });
   Press(Qt::Key_Return);
   EXPECT_EQ(other.ticks, before);
   EXPECT_TRUE(state.requests.clearLog);
@@ -267,7 +281,6 @@ TEST_F(TerminalWait, NoTimerOfAnotherWindowRunsAndWindowsStillPaint) {
 
 TEST_F(TerminalWait, TheWaitingMarkBlinksAtTheCaret) {
   Connect("* -> silence");
-  settings.rTimeout = QStringLiteral("OFF");
   Open();
   Type("wait");
   Press(Qt::Key_Left);
@@ -303,7 +316,8 @@ TEST_F(TerminalWait, TheWaitingMarkBlinksAtTheCaret) {
 
 TEST_F(TerminalWait, ATimeOutIsLoggedAndALateAnswerIsNotTheNextOne) {
   // Later than the end of the wait and of the read left behind.
-  Connect("\"late\" -> 5000 line \"late answer\"\n\"next\" -> 200 line \"next answer\"");
+  Connect("\"late\" -> 5000 line \"late answer\"\n\"next\" -> line \"next answer\"");
+  settings.rTimeout = QStringLiteral("ON");
   Open();
   Type("late");
   Press(Qt::Key_Return);

@@ -36,6 +36,19 @@ TEST(FailureText, NamesThePortOnce) {
   }
 }
 
+TEST(LatencyWarning, ComesWhereTheAdapterKeepsBytesAsLongAsTheSilenceLasts) {
+  using std::chrono::milliseconds;
+  const QString port = QStringLiteral("COM7");
+  EXPECT_EQ(
+      LatencyWarning(port, milliseconds(16), milliseconds(12)),
+      QStringLiteral(
+          "COM7: the adapter delivers every 16 ms, and a response ends after 12 ms of silence, so it may "
+          "be cut off; set the adapter's Latency Timer to 1 ms in the Device Manager, or use --speed LOW"));
+  EXPECT_FALSE(LatencyWarning(port, milliseconds(12), milliseconds(12)).isEmpty());
+  EXPECT_EQ(LatencyWarning(port, milliseconds(16), milliseconds(18)), QString());
+  EXPECT_EQ(LatencyWarning(port, milliseconds(1), milliseconds(12)), QString());
+}
+
 TEST(PortNameOf, SpellsNumberedPortsAlike) {
   for (const auto& [text, name] : {std::pair{"com4", "COM4"},
                                    {"Com12", "COM12"},

@@ -20,6 +20,7 @@ TEST(Judge, WithoutAPatternIsTheResultOfTheTransaction) {
   EXPECT_EQ(Judge({.result = TransactionResult::Overflow}, std::nullopt), Verdict::Truncated);
   EXPECT_EQ(Judge({.result = TransactionResult::Aborted}, std::nullopt), Verdict::Aborted);
   EXPECT_EQ(Judge({.lineFailed = true}, std::nullopt), Verdict::LineFailed);
+  EXPECT_EQ(Judge({.response = "half", .cutOff = true}, std::nullopt), Verdict::LineFailed);
 }
 
 TEST(Judge, LooksForThePatternInTheWholeResponse) {

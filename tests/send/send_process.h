@@ -19,6 +19,7 @@ inline constexpr char kSendRules[] =
     "\"mute\" -> silence\n"
     "\"late\" -> 1000 line \"SIM-1\"\n"
     "\"drop\" -> hangup\n"
+    "\"half\" -> \"SIM\" 500 hangup\n"
     "\"empty\" -> \"\\n\"\n"
     "\"nul\" -> \"A\\x00B\\n\"\n"
     "\"big\" -> \"x\" * 1501\n"

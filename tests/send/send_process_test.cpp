@@ -95,6 +95,17 @@ TEST_F(SendProcess, RawOfALineThatFailsIsWhatCameBefore) {
   EXPECT_EQ(sent.exitCode, 5);
 }
 
+TEST_F(SendProcess, AResponseThatALineFailureCutsOffIsNoSuccess) {
+  // At 300 bits per second the response ends only after 640 ms of silence.
+  UseSettings({{"COM_BPS=", "300"}});
+  const Outcome sent = Send("--raw half id");
+  EXPECT_EQ(sent.out, "SIM") << "what came is printed";
+  EXPECT_EQ(sent.err,
+            "quarn-send: COM7: the line failed during the response to \"half\"; plug the device in again\n");
+  EXPECT_EQ(sent.exitCode, 5);
+  EXPECT_EQ(m_instrument.Received(), "half\r\n") << "nothing is sent on a line that has failed";
+}
+
 TEST_F(SendProcess, ThePortCanBeNamed) {
   UseSettings({{"COM_PORT=", "NONE"}});
   EXPECT_EQ(Send("id").exitCode, 5);

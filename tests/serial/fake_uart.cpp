@@ -3,6 +3,7 @@
 #include <asm/ioctls.h>
 #include <grp.h>
 #include <linux/serial.h>
+#include <sys/ioctl.h>
 #include <time.h>
 
 #include <algorithm>
@@ -82,6 +83,15 @@ int FakeUart::SetState(const char* call, const termios2& wanted) {
   return 0;
 }
 
+int FakeUart::ModemLine(const char* level, int line) {
+  if (failingModemLines != 0) return Failure(failingModemLines);
+  m_calls.push_back((line == TIOCM_DTR   ? "DTR "
+                     : line == TIOCM_RTS ? "RTS "
+                                         : "other lines ") +
+                    std::string(level));
+  return 0;
+}
+
 int FakeUart::Serial(unsigned long request, void* argument) {
   if (!knowsLatency) return Failure(ENOTTY);
   auto& settings = *static_cast<serial_struct*>(argument);
@@ -125,6 +135,9 @@ int FakeUart::Control(int descriptor, unsigned long request, void* argument, boo
     case TIOCGSERIAL:
     case TIOCSSERIAL:
       return Serial(request, argument);
+    case TIOCMBIS:
+    case TIOCMBIC:
+      return ModemLine(request == TIOCMBIS ? "up" : "down", *static_cast<int*>(argument));
     case TIOCOUTQ:
       *static_cast<int*>(argument) = queued();
       return 0;

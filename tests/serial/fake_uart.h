@@ -27,8 +27,9 @@ class FakeUart {
   bool takesLatency = true;
   /// The error with which a call on this descriptor ends before the driver sees it; 0 for none.
   std::function<int(int)> failing = [](int) { return 0; };
-  int failingSetState = 0;  ///< the error of every setting of the state; 0 for none
-  int failingMark = 0;      ///< and of setting the exclusive mark
+  int failingSetState = 0;    ///< the error of every setting of the state; 0 for none
+  int failingMark = 0;        ///< and of setting the exclusive mark
+  int failingModemLines = 0;  ///< and of each change of DTR or RTS
   bool noEventDescriptors = false;
   /// Flow control holds the bytes in the chip: closing waits for them like a driver, for half a minute or
   /// until a signal comes.
@@ -49,6 +50,7 @@ class FakeUart {
   int Control(int descriptor, unsigned long request, void* argument, bool& passOn);
 
  private:
+  int ModemLine(const char* level, int line);
   int Serial(unsigned long request, void* argument);
   int SetState(const char* call, const termios2& wanted);
   [[nodiscard]] bool Echoes() const { return (m_state.c_lflag & (ECHO | ECHONL)) != 0; }

@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 
+#include <QDir>
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
@@ -14,6 +15,7 @@
 #include <string_view>
 #include <tuple>
 
+#include "serial/platform_serial.h"
 #include "serial/port_use_linux.h"
 #include "serial_fixtures.h"
 
@@ -423,6 +425,9 @@ TEST(UseText, NamesTheProgramWhateverItCallsItself) {
   EXPECT_EQ(UseText(7, roots), "in use by PID 7");
   scratch.File("7/comm", "minicom\n");
   EXPECT_EQ(UseText(7, roots), "in use by minicom (PID 7)");
+  EXPECT_EQ(UserText(7, roots), "minicom (PID 7)");
+  EXPECT_EQ(UseText(0, roots), "");
+  EXPECT_EQ(UserText(0, roots), "");
   scratch.File("7/comm", "\x1b[31m(COM3) \xc3\xa4");
   EXPECT_EQ(UseText(7, roots), "in use by ?[31m(COM3) ?? (PID 7)");
   scratch.File("7/comm", std::string(100, 'x'));
@@ -504,6 +509,29 @@ TEST(ResolvePort, NeverLeavesTheFolderByName) {
     EXPECT_EQ(ResolvePort(folder, name), "") << name.toStdString();
   }
   EXPECT_NE(ResolvePort(folder, "COM7"), "");
+}
+
+TEST(FindPortDevice, TakesANumberAPathOrANameInTheFolderOfDevices) {
+  const ScratchFolder scratch;
+  PseudoTerminal terminal;
+  const QString node = QString::fromStdString(terminal.Node());
+  scratch.Folder("ports");
+  scratch.Link("ports/COM7", terminal.Node());
+  scratch.Link("by-id", terminal.Node());
+  scratch.File("text");
+  const QString folder = QString::fromStdString(scratch.At("ports"));
+  EXPECT_EQ(FindPortDevice(folder, "COM7"), node);
+  EXPECT_EQ(FindPortDevice(folder, node), node);
+  EXPECT_EQ(FindPortDevice(folder, QDir::current().relativeFilePath(node)), node);
+  EXPECT_EQ(FindPortDevice(folder, "null"), QString()) << "is /dev/null, and no terminal";
+  EXPECT_EQ(FindPortDevice(folder, QString::fromStdString(scratch.At("by-id"))), node);
+  EXPECT_EQ(FindPortDevice(folder, "COM8"), QString());
+  EXPECT_EQ(FindPortDevice(folder, "/dev/null"), QString());
+  EXPECT_EQ(FindPortDevice(folder, QString::fromStdString(scratch.At("text"))), QString());
+  EXPECT_EQ(FindPortDevice(folder, "/dev/there/is/none"), QString());
+  EXPECT_EQ(FindPortDevice(folder, QString()), QString());
+  terminal.Close();
+  EXPECT_EQ(FindPortDevice(folder, "COM7"), QString());
 }
 
 }  // namespace

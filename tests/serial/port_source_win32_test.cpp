@@ -3,9 +3,16 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QElapsedTimer>
+#include <QEventLoop>
 #include <QString>
 #include <memory>
+#include <optional>
 #include <vector>
+
+#include "serial/platform_serial.h"
 
 namespace quarn {
 namespace {
@@ -13,6 +20,11 @@ namespace {
 void SetText(HKEY key, const wchar_t* name, const QString& text) {
   EXPECT_EQ(RegSetValueExW(key, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(text.utf16()),
                            static_cast<DWORD>((text.size() + 1) * 2)),
+            ERROR_SUCCESS);
+}
+
+void SetNumber(HKEY key, const wchar_t* name, DWORD number) {
+  EXPECT_EQ(RegSetValueExW(key, name, 0, REG_DWORD, reinterpret_cast<const BYTE*>(&number), sizeof number),
             ERROR_SUCCESS);
 }
 
@@ -41,7 +53,8 @@ class Key {
 class Device {
  public:
   explicit Device(const QString& name, bool present = true)
-      : m_device(QStringLiteral("System\\CurrentControlSet\\Enum\\ROOT\\%1\\0000").arg(name)),
+      : m_devicePath(QStringLiteral("System\\CurrentControlSet\\Enum\\ROOT\\%1\\0000").arg(name)),
+        m_device(m_devicePath),
         m_interface(kClasses + kComPort + QStringLiteral("\\##?#ROOT#%1#0000#").arg(name) + kComPort),
         m_link(kClasses + kComPort + QStringLiteral("\\##?#ROOT#%1#0000#").arg(name) + kComPort +
                QStringLiteral("\\#")),
@@ -51,20 +64,25 @@ class Device {
     SetText(m_device.Get(), L"ClassGUID", QStringLiteral("{4d36e978-e325-11ce-bfc1-08002be10318}"));
     SetText(m_interface.Get(), L"DeviceInstance", QStringLiteral("ROOT\\%1\\0000").arg(name));
     SetText(m_link.Get(), L"SymbolicLink", QStringLiteral("\\\\?\\ROOT#%1#0000#").arg(name) + kComPort);
-    const DWORD linked = present ? 1 : 0;
-    EXPECT_EQ(RegSetValueExW(m_control.Get(), L"Linked", 0, REG_DWORD, reinterpret_cast<const BYTE*>(&linked),
-                             sizeof linked),
-              ERROR_SUCCESS);
+    SetNumber(m_control.Get(), L"Linked", present ? 1 : 0);
   }
   Device(const QString& name, const QString& friendlyName, bool present = true) : Device(name, present) {
     SetText(m_device.Get(), L"FriendlyName", friendlyName);
+  }
+  /// What the driver of an adapter keeps for itself.
+  void SetDriverValues(const QString& portName, std::optional<DWORD> latency) {
+    m_parameters.emplace(m_devicePath + QStringLiteral("\\Device Parameters"));
+    SetText(m_parameters->Get(), L"PortName", portName);
+    if (latency) SetNumber(m_parameters->Get(), L"LatencyTimer", *latency);
   }
 
  private:
   inline static const QString kClasses =
       QStringLiteral("System\\CurrentControlSet\\Control\\DeviceClasses\\");
   inline static const QString kComPort = QStringLiteral("{86e0d1e0-8089-11d0-9ce4-08003e301f73}");
+  QString m_devicePath;
   Key m_device;
+  std::optional<Key> m_parameters;  ///< below m_device, so it goes first
   Key m_interface;
   Key m_link;
   Key m_control;
@@ -124,6 +142,88 @@ TEST(PortSourceWin32, TheListIsInTheOrderOfTheNumbers) {
   const Device nine(QStringLiteral("QUARN3"), QStringLiteral("Serial (COM9)"));
   EXPECT_EQ(Listed(),
             (QList<Port>{{"COM2", "Serial (COM2)"}, {"COM9", "Serial (COM9)"}, {"COM10", "Serial (COM10)"}}));
+}
+
+/// With an event loop, as in a program with windows.
+class PortRevisionWin32 : public testing::Test {
+ protected:
+  /// Sleeps in the event loop until the revision is another one. Returns how often it was woken, or -1.
+  int WakesUp(std::optional<std::uint64_t> revision, QDeadlineTimer end = QDeadlineTimer(30'000)) {
+    for (int woken = 0; !end.hasExpired(); ++woken) {
+      if (m_source.Revision() != revision) return woken;
+      QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
+    return -1;
+  }
+
+  int m_argc = 1;
+  char m_name[6] = "ports";
+  char* m_argv[2] = {m_name, nullptr};
+  QCoreApplication m_loop{m_argc, m_argv};
+  Win32PortSource m_source;
+};
+
+TEST_F(PortRevisionWin32, IsUnknownBeforeThePortsAreListed) {
+  EXPECT_EQ(m_source.Revision(), std::nullopt);
+  m_source.Ports();
+  EXPECT_NE(m_source.Revision(), std::nullopt);
+}
+
+TEST_F(PortRevisionWin32, StaysWhileNothingHappensAndIsAnotherOneASecondLater) {
+  m_source.Ports();
+  const auto revision = m_source.Revision();
+  for (int i = 0; i < 100; ++i) EXPECT_EQ(m_source.Revision(), revision);
+  EXPECT_GE(WakesUp(revision), 1);
+}
+
+TEST_F(PortRevisionWin32, APortThatComesOrGoesWakesTheProgramAtOnce) {
+  m_source.Ports();
+  // Changes in the same second as the timer's say nothing, so one of several must be quick.
+  constexpr int kAttempts = 20;
+  int quick = 0;
+  for (int i = 0; i < kAttempts && quick < 4; ++i) {
+    const auto before = m_source.Revision();
+    QElapsedTimer waited;
+    std::optional<Device> port;
+    port.emplace(QStringLiteral("QUARN1"), QStringLiteral("USB Serial Port (COM3)"));
+    waited.start();
+    ASSERT_GE(WakesUp(before), 0);
+    if (waited.elapsed() < 100) ++quick;
+    EXPECT_EQ(m_source.Ports().value_or(QList<Port>()).size(), 1);
+    port.reset();
+    while (m_source.Ports().value_or(QList<Port>()).size() != 0) {
+      ASSERT_GE(WakesUp(m_source.Revision()), 0);
+    }
+  }
+  EXPECT_GE(quick, 4);
+}
+
+TEST(LatencyTimerOf, IsTheOneOfThePortsOwnAdapter) {
+  using std::chrono::milliseconds;
+  Device first(QStringLiteral("QUARN1"), QStringLiteral("USB Serial Port (COM3)"));
+  first.SetDriverValues(QStringLiteral("COM3"), 16);
+  Device second(QStringLiteral("QUARN2"), QStringLiteral("USB Serial Port (COM12)"));
+  second.SetDriverValues(QStringLiteral("COM12"), 1);
+  EXPECT_EQ(LatencyTimerOf(QStringLiteral("COM3")), milliseconds(16));
+  EXPECT_EQ(LatencyTimerOf(QStringLiteral("com12")), milliseconds(1));
+  EXPECT_EQ(LatencyTimerOf(QStringLiteral("COM1")), std::nullopt);
+}
+
+TEST(LatencyTimerOf, IsNotKnownOfEveryDriver) {
+  Device silent(QStringLiteral("QUARN1"), QStringLiteral("Communications Port (COM1)"));
+  silent.SetDriverValues(QStringLiteral("COM1"), std::nullopt);
+  const Device bare(QStringLiteral("QUARN2"), QStringLiteral("Communications Port (COM2)"));
+  EXPECT_EQ(LatencyTimerOf(QStringLiteral("COM1")), std::nullopt);
+  EXPECT_EQ(LatencyTimerOf(QStringLiteral("COM2")), std::nullopt);
+}
+
+TEST(FindPortDevice, TakesTheNamesOfPortsAlone) {
+  EXPECT_EQ(FindPortDevice({}, QStringLiteral("COM4")), QStringLiteral("COM4"));
+  EXPECT_EQ(FindPortDevice({}, QStringLiteral("COM12")), QStringLiteral("\\\\.\\COM12"));
+  for (const char* name :
+       {"", "COM", "com4", "COM4 ", "COM-4", "LPT1", "C:", "PhysicalDrive0", "\\\\.\\COM4"}) {
+    EXPECT_EQ(FindPortDevice({}, QString::fromLatin1(name)), QString()) << name;
+  }
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include "device/pseudo_terminal.h"
 #include "serial/fake_uart.h"
 #include "serial/holder.h"
+#include "serial/line_failure_linux.h"
 #include "serial/line_test_support.h"
 #include "serial/open_port.h"
 #include "serial/open_terminal_linux.h"
@@ -63,6 +64,42 @@ class UartTest : public testing::Test {
   FakeUart m_uart;
   const termios2 m_former = m_uart.State();
 };
+
+TEST_F(UartTest, ModemLinesAreSetAsAskedAndNoOthers) {
+  const auto line = Line();
+  const auto callsFor = [&](const ModemLines& lines) {
+    const std::size_t before = m_uart.Calls().size();
+    EXPECT_TRUE(line->SetModemLines(lines));
+    const Calls calls = m_uart.Calls();
+    return Calls(calls.begin() + static_cast<std::ptrdiff_t>(before), calls.end());
+  };
+  EXPECT_EQ(callsFor({}), Calls());
+  EXPECT_EQ(callsFor({.dtr = true}), Calls{"DTR up"});
+  EXPECT_EQ(callsFor({.rts = false}), Calls{"RTS down"});
+  EXPECT_EQ(callsFor({.dtr = false, .rts = true}), (Calls{"DTR down", "RTS up"}));
+}
+
+TEST_F(UartTest, ADriverWithoutModemLinesIsNamedWithItsReason) {
+  const auto line = Line();
+  for (const int error : {ENOTTY, EINVAL, EIO}) {
+    m_uart.failingModemLines = error;
+    const LineFailure dtr = line->SetModemLines({.dtr = true}).Failure();
+    EXPECT_EQ(dtr.kind, LineError::Refused);
+    EXPECT_EQ(dtr.reason, Node() + QStringLiteral(": DTR cannot be set: ") + SystemText(error));
+    const LineFailure rts = line->SetModemLines({.rts = true}).Failure();
+    EXPECT_TRUE(rts.reason.contains(QStringLiteral(": RTS cannot be set: "))) << rts.reason.toStdString();
+  }
+}
+
+TEST_F(UartTest, ModemLinesOfALineThatIsGoneOrClosedAreNoMatterOfTheDriver) {
+  const auto gone = Line();
+  m_uart.failing = [](int) { return EIO; };
+  EXPECT_EQ(gone->SetModemLines({.dtr = true}).Failure().kind, LineError::Disconnected);
+  m_uart.failing = [](int) { return 0; };
+  gone->Close();
+  EXPECT_EQ(gone->SetModemLines({.dtr = true}).Failure().kind, LineError::Disconnected);
+  EXPECT_EQ(gone->SetModemLines({}).Failure().kind, LineError::Disconnected);
+}
 
 TEST_F(UartTest, OpenMarksTheLineAndCloseGivesEverythingBack) {
   const auto line = Line();

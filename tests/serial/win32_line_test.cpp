@@ -219,8 +219,9 @@ TEST_F(Win32Line, AClosedLineSaysSo) {
     EXPECT_FALSE(result.ok);
     EXPECT_EQ(result.failure.kind, LineError::Disconnected);
   }
-  for (const LineResult& result : {m_line->GetState(state), m_line->SetState(state), m_line->SetTimeouts({}),
-                                   m_line->Purge(), m_line->ClearError()}) {
+  for (const LineResult& result :
+       {m_line->GetState(state), m_line->SetState(state), m_line->SetTimeouts({}),
+        m_line->SetModemLines({.dtr = true}), m_line->Purge(), m_line->ClearError()}) {
     EXPECT_FALSE(result);
     EXPECT_EQ(result.Failure().kind, LineError::Disconnected);
   }

@@ -21,6 +21,7 @@ class RecordedStage final : public StartUpStage {
     if (lock == InstanceLock::Failed) reason = QStringLiteral("/lock: no room");
     return Note("lock", lock);
   }
+  void AskRunningProgram() override { m_journal.append(QStringLiteral("ask")); }
   void ShowSplash() override { m_journal.append(QStringLiteral("splash")); }
   MainWindow& Window() override { return m_window; }
   PortMonitor& Monitor() override { return m_monitor; }

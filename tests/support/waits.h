@@ -2,10 +2,9 @@
 
 #include <QTest>
 
-namespace quarn::test {
+#include "support/longest_wait.h"
 
-/// No wait of a test takes this long, however busy the computer is.
-inline constexpr int kLongestWaitMs = 60'000;
+namespace quarn::test {
 
 /// Lets events and ticks run until the condition holds. False when it never does.
 template <typename Condition>

@@ -43,6 +43,10 @@ class TransactionTest : public testing::Test {
     m_connection.handle = PortHandle(opened.line);
   }
 
+  /// A response ends after 1440 ms of silence. For one that comes in several pieces: a busy computer may put
+  /// a pause between them. Call it before `Serve`.
+  void BearLongPauses() { m_settings.comBps = QStringLiteral("600"); }
+
   /// The shortest response time-out there is: 50 polls.
   void SetShortestTimeout() {
     m_settings.comBps = QStringLiteral("115200");

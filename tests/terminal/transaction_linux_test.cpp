@@ -19,6 +19,7 @@ TEST_F(TransactionHangUp, MidAnswerGivesWhatCameAndThenTheFormerBuffer) {
   EXPECT_EQ(Run("id"), TransactionResult::Received);
   EXPECT_EQ(Response(), "half");
   EXPECT_FALSE(m_outcome.lineFailed);
+  EXPECT_TRUE(m_outcome.cutOff);
   EXPECT_EQ(m_outcome.byteCount, 3);
   EXPECT_EQ(Run("again"), TransactionResult::Received);
   EXPECT_EQ(Response(), "half");

@@ -52,6 +52,7 @@ TEST_F(TransactionTest, OneCommandAfterTheOther) {
 }
 
 TEST_F(TransactionTest, TheDelimiterDoesNotEndAResponse) {
+  BearLongPauses();
   Serve("\"id\" -> \"one\\rtwo\\r\" 40 \"three\\r\"");
   EXPECT_EQ(Run("id"), TransactionResult::Received);
   EXPECT_EQ(Response(), "one\rtwo\rthree\r");
@@ -64,8 +65,9 @@ TEST_F(TransactionTest, AResponseNeedsNoDelimiter) {
 }
 
 TEST_F(TransactionTest, PausesShorterThanTheSilenceDoNotEndAResponse) {
-  m_settings.comBps = QStringLiteral("1200");  // silence of 720 ms
-  Serve("\"id\" -> \"1\" 150 \"2\" 150 \"3\" 150 \"4\" 150 \"5\" 150 \"6\"");
+  BearLongPauses();
+  // Together they are longer.
+  Serve("\"id\" -> \"1\" 300 \"2\" 300 \"3\" 300 \"4\" 300 \"5\" 300 \"6\"");
   EXPECT_EQ(Run("id"), TransactionResult::Received);
   EXPECT_EQ(Response(), "123456");
 }
@@ -129,6 +131,7 @@ class Limit : public TransactionTest, public testing::WithParamInterface<LimitRo
  protected:
   TransactionResult RunWithResponseOf(int bytes) {
     m_settings.comBuf = QString::fromLatin1(GetParam().comBuf);
+    BearLongPauses();
     Serve("\"big\" -> \"x\" * " + std::to_string(bytes));
     return Run("big");
   }
@@ -162,6 +165,7 @@ INSTANTIATE_TEST_SUITE_P(BufferSizes, Limit,
 
 TEST_F(TransactionTest, AnOverflowKeepsTheResponseAsItCame) {
   m_settings.delimiter = QStringLiteral("CRLF");
+  BearLongPauses();
   Serve("\"big\" -> \"0123456789abcd\\r\\n\" * 100");
   EXPECT_EQ(Run("big"), TransactionResult::Overflow);
   EXPECT_EQ(Response(), QByteArray("0123456789abcd\r\n").repeated(64));
@@ -170,13 +174,14 @@ TEST_F(TransactionTest, AnOverflowKeepsTheResponseAsItCame) {
 
 TEST_F(TransactionTest, AnOverflowOfNothingButFramingIsInvalidData) {
   m_settings.delimiter = QStringLiteral("CRLF");
+  BearLongPauses();
   Serve("\"big\" -> \"\\n\" * 1500");
   EXPECT_EQ(Run("big"), TransactionResult::InvalidData);
   EXPECT_EQ(m_outcome.raw, QByteArray(1024, '\n'));
 }
 
 TEST_F(TransactionTest, AFloodThatNeverFallsSilentEndsWithAFullRead) {
-  m_settings.comBps = QStringLiteral("1200");
+  BearLongPauses();
   Serve("\"flood\" -> flood");
   EXPECT_EQ(Run("flood"), TransactionResult::Overflow);
   EXPECT_EQ(m_outcome.byteCount, 8190);

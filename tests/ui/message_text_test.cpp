@@ -160,7 +160,7 @@ TEST(LongMessages, ManyLineBreaksScrollToo) {
 TEST(LongMessages, EveryBoxKeepsWithinTheScreen) {
   CConfirmSimple simple(nullptr, kLongPath);
   CYesNo yesNo(nullptr, kLongPath);
-  COneshotMsgPos transient(nullptr, kLongPath, std::nullopt);
+  COneshotMsgPos transient(nullptr, kLongPath, std::nullopt, kLongestWaitMs);
   CConfirmYesNo question(nullptr, kErrorSuffix, kLongPath, kLongPath, kLongPath);
   for (QDialog* box : std::initializer_list<QDialog*>{&simple, &yesNo, &transient, &question}) {
     ShowActive(*box);
@@ -175,7 +175,8 @@ TEST(LongMessages, OrdinaryTextsAreNeverClipped) {
                       QStringLiteral("File can not be read."),
                       QStringLiteral("Sellect a COM port to connect."));
     CYesNo question(nullptr);
-    COneshotMsgPos transient(nullptr, QStringLiteral("Log texts have been copied."), std::nullopt);
+    COneshotMsgPos transient(nullptr, QStringLiteral("Log texts have been copied."), std::nullopt,
+                             kLongestWaitMs);
     for (QDialog* box : std::initializer_list<QDialog*>{&error, &question, &transient}) {
       ShowActive(*box);
       ExpectOnScreen(*box);

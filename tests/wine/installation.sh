@@ -7,7 +7,8 @@ installed_folder() {
   echo "${folders[0]}"
 }
 
-start_menu_entry_is_there() { compgen -G "$WINEPREFIX/drive_c/users/*/AppData/Roaming/Microsoft/Windows/Start Menu/Programs/Quarn.lnk" >/dev/null; }
+# start_menu_has ENTRY
+start_menu_has() { compgen -G "$WINEPREFIX/drive_c/users/*/AppData/Roaming/Microsoft/Windows/Start Menu/Programs/$1.lnk" >/dev/null; }
 
 # registry_says KEY WORD: the default value of the key.
 registry_says() { wine reg query "$1" /ve 2>/dev/null | tr -d '\r' | grep -qF "$2"; }
@@ -24,7 +25,10 @@ install_silently() {
   headline "Installing"
   wine "$1" /S || fail "the installer failed"
   expect "everything is there" same_files "$2" "$(installed_folder)"
-  expect "the start menu has an entry" start_menu_entry_is_there
+  expect "the start menu has an entry" start_menu_has Quarn
+  expect "it has the guide, too" start_menu_has 'Quarn Guide'
+  expect "and the demo" start_menu_has 'Quarn Demo'
+  expect "the guide is there" test -s "$(installed_folder)/guide/index.html"
   expect "files of the kind .qrn are Quarn's" registry_says 'HKCU\Software\Classes\.qrn' Quarn.Configuration
   expect "they are described" registry_says 'HKCU\Software\Classes\Quarn.Configuration' 'Quarn configuration'
   expect "they have an icon" registry_says 'HKCU\Software\Classes\Quarn.Configuration\DefaultIcon' 'quarn.exe,0'
@@ -114,7 +118,7 @@ uninstall_silently() {
   wait_until 10 "the list of programs to lack it" registry_lacks "$UNINSTALL_KEY"
   expect "no file kind is left" registry_lacks 'HKCU\Software\Classes\Quarn.Configuration'
   expect "nor the files' extension" registry_lacks 'HKCU\Software\Classes\.qrn'
-  if start_menu_entry_is_there; then fail "the start menu still has an entry"; fi
+  if start_menu_has "Quarn*"; then fail "the start menu still has an entry"; fi
   expect "the settings have stayed" settings_say COM_PORT=COM3
 }
 

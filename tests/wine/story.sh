@@ -134,6 +134,11 @@ second_instance() {
   expect "the second program ended, and not well" test "$status" -ne 0
   expect "it left the settings alone" cmp -s "$PLACE/before.ini" "$(settings_folder)/Quarn.ini"
   expect "the first one is still there" main_title_is COM3
+  sed $'s/^COM_PORT=.*/COM_PORT=COM3\r/' packaging/demo/demo.qrn >"$WINEPREFIX/drive_c/handed over.qrn"
+  start third wine "$1" 'C:\handed over.qrn'
+  acknowledge Quarn
+  wait_until 20 "the first one to open the file of the third" settings_say MEM0=id
+  wait_until 20 "the title to name COM3" main_title_is COM3
 }
 
 unplug_and_plug() {
@@ -161,6 +166,23 @@ end_program() {
   wait_until 30 "the program to end" program_has_ended "$program"
   wait "$program" || status=$?
   expect "it ended well" test "$status" -eq 0
+}
+
+# The program's own instrument, with no port of the system.
+demo() {
+  headline "The demo"
+  cp "$(settings_folder)/Quarn.ini" "$PLACE/before.ini"
+  start_program "$1" --demo
+  wait_until 30 "the main dialog" main_title_is COM7
+  main=$window
+  wait_until 10 "the Terminal Screen" find_terminal COM7
+  activate "$terminal"
+  send m e a s question
+  open_terminal_menu
+  press_keys Down Down Return
+  wait_until 10 "the log on the clipboard" clipboard_is '[meas?]|+1.2345E+00 V|'
+  end_program
+  expect "the settings of the person are as they were" cmp -s "$PLACE/before.ini" "$(settings_folder)/Quarn.ini"
 }
 
 # settings_with FILE KEY=VALUE...: the settings in force, with other values.
@@ -262,6 +284,7 @@ play_story() {
   second_instance "$1"
   unplug_and_plug
   end_program
+  demo "$1"
   answers "$1"
   scripts_of_the_guide "$1"
   silence "$1"

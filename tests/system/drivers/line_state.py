@@ -67,11 +67,11 @@ class State:
 class Connected:
     """quarn-send on a line whose instrument is silent. Use it in a `with`; it has the line until its end."""
 
-    def __init__(self, line, **values):
+    def __init__(self, line, *arguments, **values):
         self._line = line
         line.settings(R_TIMEOUT="OFF", **values)
         self._before = len(line.far.received())
-        self.process = line.account.start("quarn-send", "--", "mute")
+        self.process = line.account.start("quarn-send", *arguments, "--", "mute")
 
     def waits(self):
         """Whether it has sent its command; false when it has ended."""

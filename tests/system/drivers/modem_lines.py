@@ -146,3 +146,16 @@ def kept_up(line):
             equal("told at the close", [each for each in lines.look() if each != BOTH], [])
     finally:
         original.set(line.node)
+
+
+@each_line("DTR and RTS as quarn-send is told", LINES)
+def as_told(line):
+    line.far.answer("* -> silence")
+    for dtr, rts, wanted in (("off", "keep", {"RTS"}), ("keep", "off", {"DTR"}), ("off", "off", set()),
+                             ("on", "on", BOTH)):
+        with Watched(line) as lines:
+            with Connected(line, "--dtr", dtr, "--rts", rts) as program:
+                program.must_wait()
+                lines.becomes(f"--dtr {dtr} --rts {rts}", frozenset(wanted))
+            lines.look()
+            equal("after the close", lines.seen[-1] if lines.seen else NEITHER, NEITHER)

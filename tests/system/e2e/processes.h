@@ -7,12 +7,12 @@
 #include <functional>
 #include <optional>
 
+#include "support/longest_wait.h"
+
 namespace quarn::test {
 
 /// The time after which an input without effect is repeated: a busy computer loses some.
 inline constexpr int kOneTryMs = 2500;
-/// No wait takes this long, however busy the computer is.
-inline constexpr int kLongestWaitMs = 60000;
 
 /// Waits until `condition` holds; false if it does not within `limitMs`.
 bool Eventually(const std::function<bool()>& condition, int limitMs = kLongestWaitMs);

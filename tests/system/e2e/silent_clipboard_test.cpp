@@ -81,8 +81,10 @@ TEST_F(SilentClipboard, IsAskedOnceByTheFunctionKeyTableHoweverItIsPasted) {
   ClickOnScreen(field->place.center(), 3);
   ASSERT_TRUE(Eventually([&] { return CountWindows() > before; }));
   EXPECT_TRUE(WasNotAsked()) << "its menu comes up without asking";
-  // Its letter in the menu.
-  Press({QStringLiteral("p"), QStringLiteral("c")});
+  // Its letter in the menu. A key pressed before the menu has gone would go with it.
+  Press({QStringLiteral("p")});
+  EXPECT_TRUE(WasAskedOnce("CLIPBOARD"));
+  Press({QStringLiteral("c")});
   EXPECT_TRUE(typed(QStringLiteral("oldabc")));
   EXPECT_TRUE(WasAskedOnce("CLIPBOARD"));
 }

@@ -49,6 +49,20 @@ TEST_F(StartRefused, WhileAnotherOneRuns) {
   EXPECT_TRUE(TerminalTitleBecomes(QStringLiteral("Quarn - Terminal Screeen (COM3)  N- INS")));
 }
 
+TEST_F(StartRefused, WithAFileThatTheFirstOneThenLoads) {
+  StartConnected("* -> line \"OK\"");
+  ASSERT_TRUE(MainTitleBecomes(QStringLiteral("Quarn   (COM3)")));
+  const QString file = WriteUserFile(QStringLiteral("bench.qrn"), {{QStringLiteral("COM_PORT"), kPort}});
+  desktop.Run(QStringLiteral("xdotool"), {QStringLiteral("windowminimize"), WaitForWindow(kMain)});
+  const std::unique_ptr<ProgramRun> second = StartAnother({file});
+  Acknowledge(kPlain, {QStringLiteral("\"Quarn\" is already open !")});
+  ASSERT_TRUE(second->WaitForEnd());
+  EXPECT_TRUE(Passing(QStringLiteral("QRN file was opened successfully.")));
+  EXPECT_TRUE(Eventually([this] { return Texts(kMain).value(2).endsWith(QStringLiteral("/bench.qrn )")); }))
+      << Texts(kMain).join(QLatin1Char('|')).toStdString();
+  EXPECT_FALSE(WaitForWindow(kMain).isEmpty()) << "it is not minimised any more";
+}
+
 TEST_F(StartRefused, InFrontOfTheFirstOnesSplash) {
   StartProgram();
   ASSERT_TRUE(SplashIsThere());

@@ -30,17 +30,18 @@ class Completion : public testing::Test {
     if (!m_home.empty()) fs::remove_all(m_home);
   }
 
-  /// The completions of the last word. The words are in shell syntax.
-  [[nodiscard]] std::set<std::string> Complete(const std::string& words) const {
+  /// The completions of the last word of a command line, which is in shell syntax.
+  [[nodiscard]] std::set<std::string> Complete(const std::string& line) const {
     // compopt works only during a completion, and is not needed here.
     const std::string script =
         "cd \"$HOME\"; unset XDG_CONFIG_HOME; compopt() { :; }\n"
         "source '" QUARN_BUILD
-        "/generated/linux/quarn-send.bash'\n"
-        "COMP_WORDS=(quarn-send " +
-        words +
+        "/generated/linux/completion.bash'\n"
+        "COMP_WORDS=(" +
+        line +
         "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1))\n"
-        "_quarn_send quarn-send\n"
+        "read -ra registered < <(complete -p \"${COMP_WORDS[0]##*/}\")\n"
+        "\"${registered[2]}\" \"${COMP_WORDS[0]}\"\n"
         "if ((${#COMPREPLY[@]} > 0)); then printf '%s\\n' \"${COMPREPLY[@]}\"; fi\n";
     std::ofstream(m_home / "script") << script;
     const std::vector<std::string> lines =
@@ -50,8 +51,9 @@ class Completion : public testing::Test {
 
   /// What fish offers at the end of the line.
   [[nodiscard]] std::set<std::string> CompleteInFish(const std::string& line) const {
-    const std::string script =
-        "source '" QUARN_BUILD "/generated/linux/quarn-send.fish'\ncomplete -C '" + line + "'\n";
+    // Read once for each of two programs, as in a session that uses both.
+    const std::string source = "source '" QUARN_BUILD "/generated/linux/completion.fish'\n";
+    const std::string script = source + source + "complete -C '" + line + "'\n";
     std::ofstream(m_home / "script") << script;
     std::set<std::string> words;
     for (const std::string& each :
@@ -63,11 +65,13 @@ class Completion : public testing::Test {
   }
 
   /// What zsh's own completion is told. A terminal would be needed to press Tab.
-  [[nodiscard]] std::set<std::string> OptionsForZsh() const {
+  [[nodiscard]] std::set<std::string> OptionsForZsh(const std::string& program) const {
     const std::string script =
-        "_alternative() { :; }\n_arguments() { shift; for each; do print -r -- ${${each#\\*}%%\\[*}; done; "
-        "}\n"
-        "source '" QUARN_BUILD "/generated/linux/quarn-send.zsh'\n";
+        "_alternative() { :; }\n"
+        "_arguments() { for each; do each=${each#\\*}; [[ $each != --* ]] || print -r -- ${each%%\\[*}; "
+        "done; }\n"
+        "service=" +
+        program + "\nsource '" QUARN_BUILD "/generated/linux/completion.zsh'\n";
     std::ofstream(m_home / "script") << script;
     const std::vector<std::string> lines = LinesOf(OutputOf("zsh -f '" + (m_home / "script").string() + "'"));
     return {lines.begin(), lines.end()};
@@ -79,15 +83,30 @@ class Completion : public testing::Test {
 
 using Words = std::set<std::string>;
 
-TEST_F(Completion, OffersTheOptionsOfTheProgram) {
-  EXPECT_EQ(Complete("--"), OptionsIn(OutputOfProgram("quarn-send", "--help")));
+TEST_F(Completion, OffersTheOptionsOfTheProgramInEachShell) {
+  for (const std::string program : {"quarn", "quarn-send", "quarn-device"}) {
+    SCOPED_TRACE(program);
+    Words options = OptionsIn(OutputOfProgram(program, "--help"));
+    EXPECT_TRUE(options.contains("--help") && options.contains("--version"));
+    EXPECT_EQ(Complete(program + " --"), options);
+    options.erase("--");
+    EXPECT_EQ(CompleteInFish(program + " --"), options);
+    EXPECT_EQ(OptionsForZsh(program), options);
+  }
 }
 
-TEST_F(Completion, OtherShellsOfferThemToo) {
-  std::set<std::string> options = OptionsIn(OutputOfProgram("quarn-send", "--help"));
-  options.erase("--");
-  EXPECT_EQ(CompleteInFish("quarn-send --"), options);
-  EXPECT_EQ(OptionsForZsh(), options);
+TEST_F(Completion, OffersConfigurationFilesToTheWindow) {
+  const Words expected{"bench.qrn", "a b.qrn", ".config", "folder"};
+  EXPECT_EQ(Complete("quarn ''"), expected);
+  EXPECT_EQ(Complete("/usr/bin/quarn b"), Words{"bench.qrn"});
+  EXPECT_EQ(CompleteInFish("quarn b"), Words{"bench.qrn"});
+}
+
+TEST_F(Completion, OffersFilesToTheSimulatedInstrument) {
+  EXPECT_EQ(Complete("quarn-device --rules n"), Words{"notes.txt"});
+  EXPECT_EQ(Complete("quarn-device --rules notes.txt --link b"), Words{"bench.qrn"});
+  EXPECT_EQ(Complete("quarn-device ''"), Words{});
+  EXPECT_EQ(CompleteInFish("quarn-device --rules n"), Words{"notes.txt"});
 }
 
 TEST_F(Completion, FishOffersValuesAndPorts) {
@@ -96,31 +115,31 @@ TEST_F(Completion, FishOffersValuesAndPorts) {
 }
 
 TEST_F(Completion, CompletesAnOption) {
-  EXPECT_EQ(Complete("--se"), Words{"--settings"});
-  EXPECT_EQ(Complete("--port COM3 --ra"), Words{"--raw"});
+  EXPECT_EQ(Complete("quarn-send --se"), Words{"--settings"});
+  EXPECT_EQ(Complete("quarn-send --port COM3 --ra"), Words{"--raw"});
 }
 
 TEST_F(Completion, OffersThePortsThatHaveNumbers) {
-  EXPECT_EQ(Complete("--port ''"), (Words{"COM3", "COM12"}));
-  EXPECT_EQ(Complete("--port COM1"), Words{"COM12"});
+  EXPECT_EQ(Complete("quarn-send --port ''"), (Words{"COM3", "COM12"}));
+  EXPECT_EQ(Complete("quarn-send --port COM1"), Words{"COM12"});
 }
 
 TEST_F(Completion, OffersConfigurationFilesAndFolders) {
-  EXPECT_EQ(Complete("--settings ''"), (Words{"bench.qrn", "a b.qrn", ".config", "folder"}));
-  EXPECT_EQ(Complete("--settings b"), Words{"bench.qrn"});
+  EXPECT_EQ(Complete("quarn-send --settings ''"), (Words{"bench.qrn", "a b.qrn", ".config", "folder"}));
+  EXPECT_EQ(Complete("quarn-send --settings b"), Words{"bench.qrn"});
 }
 
 TEST_F(Completion, OffersTheValuesOfAnOption) {
-  EXPECT_EQ(Complete("--parity ''"), (Words{"none", "odd", "even"}));
-  EXPECT_EQ(Complete("--delimiter S"), Words{"STX_ETX"});
-  EXPECT_EQ(Complete("--file n"), Words{"notes.txt"});
-  EXPECT_EQ(Complete("--timeout ''"), Words{});
+  EXPECT_EQ(Complete("quarn-send --parity ''"), (Words{"none", "odd", "even"}));
+  EXPECT_EQ(Complete("quarn-send --delimiter S"), Words{"STX_ETX"});
+  EXPECT_EQ(Complete("quarn-send --file n"), Words{"notes.txt"});
+  EXPECT_EQ(Complete("quarn-send --timeout ''"), Words{});
 }
 
 TEST_F(Completion, LeavesCommandsAlone) {
-  EXPECT_EQ(Complete("''"), Words{});
-  EXPECT_EQ(Complete("-- --se"), Words{});
-  EXPECT_EQ(Complete("--port --settings b"), Words{});
+  EXPECT_EQ(Complete("quarn-send ''"), Words{});
+  EXPECT_EQ(Complete("quarn-send -- --se"), Words{});
+  EXPECT_EQ(Complete("quarn-send --port --settings b"), Words{});
 }
 
 }  // namespace

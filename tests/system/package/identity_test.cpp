@@ -56,7 +56,8 @@ TEST(Identity, IsInTheMetadata) {
   ExpectLines(FilledInFile("linux/example.halvo.quarn.metainfo.xml"),
               {"<name>" + kName + "</name>", "<developer_name>" + kMaker + "</developer_name>",
                "<url type=\"homepage\">" + std::string(identity::kWebPage) + "</url>",
-               "<release version=\"" + kVersion + "\" date=\"" + kDate + "\"/>"});
+               "<url>" + std::string(identity::kWebPage) + "/" + kVersion + "</url>",
+               "<release version=\"" + kVersion + "\" date=\"" + kDate + "\">"});
 }
 
 TEST(Identity, IsInTheManuals) {

@@ -129,16 +129,21 @@ check_manuals() {
   done
 }
 
-# A shell completes what was typed; it asks the file that the package has put where it looks for one.
-check_completion() {
-  local completed
+# completed PROGRAM WORD: what bash makes of the word. It asks the file that the package has put where it looks for one.
+completed() {
   # shellcheck disable=SC2016  # for the inner shell
-  completed=$(bash -euc 'source /usr/share/bash-completion/completions/quarn-send
-    COMP_WORDS=(quarn-send --se)
+  bash -euc 'source "/usr/share/bash-completion/completions/$1"
+    COMP_WORDS=("$@")
     COMP_CWORD=1
-    "$(complete -p quarn-send | sed "s/.*-F \([^ ]*\).*/\1/")"
-    echo "${COMPREPLY[*]}"')
-  expect "what --se is completed to" --settings "$completed"
+    read -ra registered < <(complete -p "$1")
+    "${registered[2]}" "$1"
+    echo "${COMPREPLY[*]}"' completed "$@"
+}
+
+check_completion() {
+  expect "what quarn --v is completed to" --version "$(completed quarn --v)"
+  expect "what quarn-send --se is completed to" --settings "$(completed quarn-send --se)"
+  expect "what quarn-device --r is completed to" --rules "$(completed quarn-device --r)"
 }
 
 #--- The story -------------------------------------------------------------------------------------------

@@ -1,0 +1,12 @@
+# The manifests of package managers. The checksums stay open: scripts/release fills them in when the files are made.
+set(_manifests ${CMAKE_SOURCE_DIR}/packaging/manifests)
+set(_filled_in ${CMAKE_BINARY_DIR}/generated/manifests)
+set(QUARN_PACKAGE_ID ${QUARN_MAKER}.${QUARN_NAME})
+foreach(_file SETUP ZIP SOURCE)
+  set(QUARN_${_file}_SHA256 "@QUARN_${_file}_SHA256@")
+endforeach()
+configure_file(${_manifests}/winget/version.yaml.in ${_filled_in}/winget/${QUARN_PACKAGE_ID}.yaml @ONLY)
+configure_file(${_manifests}/winget/installer.yaml.in ${_filled_in}/winget/${QUARN_PACKAGE_ID}.installer.yaml @ONLY)
+configure_file(${_manifests}/winget/locale.yaml.in ${_filled_in}/winget/${QUARN_PACKAGE_ID}.locale.en-US.yaml @ONLY)
+configure_file(${_manifests}/scoop/quarn.json.in ${_filled_in}/scoop/quarn.json @ONLY)
+configure_file(${_manifests}/flatpak/flatpak.yaml.in ${_filled_in}/flatpak/example.halvo.quarn.yaml @ONLY)
