@@ -10,6 +10,7 @@ import json
 import pathlib
 import re
 import sys
+import tarfile
 import zipfile
 
 import yaml
@@ -65,11 +66,16 @@ class Check:
 
     def licences(self):
         self.that(self.has("LICENSE.txt"), "there is no LICENSE.txt")
-        archive = self.identity.file("windows.zip")
-        if self.has(archive):
-            names = zipfile.ZipFile(self.folder / archive).namelist()
-            for text in ("Quarn.txt", "Qt.txt", "LGPL-3.txt", "GPL-3.txt", "GCC.txt", "MinGW-w64.txt"):
-                self.that(f"{self.identity.name}/licences/{text}" in names, f"{archive} lacks the licence {text}")
+        for archive in (self.identity.file("windows.zip"), self.identity.file("x86_64-linux.tar.gz")):
+            if not self.has(archive):
+                continue
+            if archive.endswith(".zip"):
+                names = zipfile.ZipFile(self.folder / archive).namelist()
+            else:
+                with tarfile.open(self.folder / archive) as opened:
+                    names = opened.getnames()
+            for text in ("Quarn.txt", "Qt.txt", "LGPL-3.txt", "GPL-3.txt", "GCC.txt"):
+                self.that(any(name.endswith(f"/licences/{text}") for name in names), f"{archive} lacks the licence {text}")
 
     def pictures(self):
         """Software centres fetch them from where the release is."""
@@ -146,7 +152,8 @@ class Check:
         self.that(not re.search(r"/(home|root|work|tmp|usr|build)/", text), f"{name} names a folder of this system")
         home = self.identity.web_page.rsplit("/", 1)[0]
         for address in re.findall(r"\w+://[^\s\"']+", text):
-            self.that(address == home or address.startswith(self.identity.web_page), f"{name} names the address {address}")
+            self.that(address == home or address.startswith(self.identity.web_page),
+                      f"{name} names the address {address}")
         return json.loads(text) if name.endswith(".json") else yaml.safe_load(text)
 
     def fields(self, name, content, expected):

@@ -2,7 +2,8 @@
 """sbom.py IDENTITY FOLDER   lists what the files of a release in FOLDER consist of, as SPDX 2.3
 
 Writes FOLDER/quarn-VERSION.spdx.json. The facts come from the files themselves: the libraries that the programs in them
-name, and the Debian packages of this system that those libraries belong to. The same files give the same list.
+name, and the Debian packages of this system that those libraries belong to. What is linked into the portable programs
+cannot be seen in them; their build, in build/portable of this folder, says it. The same files give the same list.
 """
 
 import hashlib
@@ -23,6 +24,9 @@ WINDOWS_PARTS = [
     ("GCC run-time libraries", "g++-mingw-w64-x86-64-posix"),
     ("MinGW-w64", "mingw-w64-common"),
 ]
+
+# How the portable programs were linked.
+PORTABLE_BUILD = pathlib.Path("build/portable/build.ninja")
 
 
 def output_of(*command):
@@ -143,6 +147,20 @@ class Bill:
             package = package_of_library(library)
             self.relate(whole, "DYNAMIC_LINK", self.add_part(package.split(":")[0] if package else library, package))
 
+    def add_linked_in(self, whole, folder):
+        """What is inside the portable programs: Qt and the C++ library unless they ask for them, and the archives."""
+        needed = {name for path in folder.rglob("*") if is_elf(path) for name in needed_by(path)}
+        packages = []
+        if not any(name.startswith("libQt6Core.") for name in needed):
+            self.relate(whole, "STATIC_LINK", self.add_part("Qt", "qt6-base-dev"))
+        if not any(name.startswith("libstdc++.") for name in needed):
+            packages.append(package_with(output_of("g++", "-print-file-name=libstdc++.a").strip()))
+        if PORTABLE_BUILD.is_file():
+            archives = set(re.findall(r"/usr/lib/[^\s:$]+\.a(?=\s|$)", PORTABLE_BUILD.read_text(encoding="utf-8")))
+            packages += [package_with(archive) for archive in sorted(archives)]
+        for package in sorted(set(filter(None, packages))):
+            self.relate(whole, "STATIC_LINK", self.add_part(package.split(":")[0], package))
+
     def document(self):
         identity = self.identity
         files = "".join(package["checksums"][0]["checksumValue"]
@@ -172,10 +190,12 @@ def describe(bill, path):
             with tarfile.open(path) as archive:
                 archive.extractall(place)
             bill.add_linked(whole, pathlib.Path(place))
+            bill.add_linked_in(whole, pathlib.Path(place))
         elif path.name.endswith(("-windows.zip", "-setup.exe")):
             # The installer has the files of the archive. Libraries beside the programs are files, others are linked in.
             archive = path.with_name(bill.identity.file("windows.zip"))
-            beside = zipfile.is_zipfile(archive) and any(name.endswith(".dll") for name in zipfile.ZipFile(archive).namelist())
+            names = zipfile.ZipFile(archive).namelist() if archive.is_file() else []
+            beside = any(name.endswith(".dll") for name in names)
             for name, package in WINDOWS_PARTS:
                 bill.relate(whole, "CONTAINS" if beside else "STATIC_LINK", bill.add_part(name, package))
 

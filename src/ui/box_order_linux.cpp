@@ -5,6 +5,7 @@
 #include <QWindow>
 
 #include "ui/box_order.h"
+#include "ui/box_shown_again_linux.h"
 #include "ui/x11_linux.h"
 
 namespace quarn {
@@ -31,14 +32,19 @@ class RaisedOnFocus final : public BoxOrder, public QAbstractNativeEventFilter {
   QPointer<QWidget> m_box;
 };
 
+bool IsOnWayland() { return QGuiApplication::platformName().startsWith(u"wayland"); }
+
 }  // namespace
 
 void LetStandAlone(QWidget& window) {
-  if (!QGuiApplication::platformName().startsWith(u"wayland")) return;
+  if (!IsOnWayland()) return;
   window.winId();  // makes its QWindow
   window.windowHandle()->setTransientParent(nullptr);
 }
 
-std::unique_ptr<BoxOrder> KeepInFront(QWidget& box) { return std::make_unique<RaisedOnFocus>(box); }
+std::unique_ptr<BoxOrder> KeepInFront(QWidget& box) {
+  if (IsOnWayland()) return std::make_unique<ShownAgain>(box);
+  return std::make_unique<RaisedOnFocus>(box);
+}
 
 }  // namespace quarn

@@ -161,7 +161,7 @@ TEST(PortFolder, TakesAHundredLinksButNoNumberAboveNinetyNine) {
 
 TEST(PortFolder, APortGoesWithItsPseudoTerminal) {
   const ScratchFolder scratch;
-  PseudoTerminal terminal;
+  PseudoTerminal terminal = TerminalOfHighNumber();
   scratch.Link("COM7", terminal.Node());
   EXPECT_EQ(PresentNumbers(ReadFolder(scratch.Path())), std::vector{7});
   terminal.Close();

@@ -85,7 +85,7 @@ TEST_F(PortRevision, ChangesByItselfWhenAPortComesAndWhenItGoes) {
 }
 
 TEST_F(PortRevision, ChangesByItselfWhenThePortsFarEndIsClosed) {
-  PseudoTerminal terminal;
+  PseudoTerminal terminal = TerminalOfHighNumber();
   m_scratch.Link("ports/COM57", terminal.Node());
   LinuxPortSource source = SourceOf();
   const std::uint64_t revision = Settle(source);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <array>
@@ -67,17 +68,27 @@ class PtyLineTest : public testing::Test {
     }
     return received;
   }
-  /// Writes until the line takes no more: the far end does not read.
+  /// Writes until the line takes no more: the far end does not read. The kernel hands the bytes on to the far
+  /// end's queue when it has time for it, and the line takes more then: so this queue must be full first.
   void FillLine() const {
     ASSERT_TRUE(m_line->SetTimeouts({.writeTotalConstant = 20}));
-    while (Write(std::string(65536, 'w')).bytes > 0) {
-    }
+    ASSERT_TRUE(Eventually([this] {
+      const bool full = FarHolds() >= kFarQueue;
+      return Write(std::string(65536, 'w')).bytes == 0 && full;
+    }));
   }
 
   device::PseudoTerminal m_far;
   std::shared_ptr<SerialLine> m_line;
 
  private:
+  static constexpr int kFarQueue = 4095;  ///< what the kernel's line discipline holds
+
+  [[nodiscard]] int FarHolds() const {
+    int bytes = 0;
+    EXPECT_EQ(::ioctl(m_far.Descriptor(), FIONREAD, &bytes), 0);
+    return bytes;
+  }
   [[nodiscard]] bool AwaitFar(short events) const {
     pollfd polled{m_far.Descriptor(), events, 0};
     const auto patience = std::chrono::milliseconds(kPatience).count();

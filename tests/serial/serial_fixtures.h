@@ -12,6 +12,7 @@
 #include <functional>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "serial/file_descriptor.h"
 
@@ -35,6 +36,16 @@ class PseudoTerminal {
   FileDescriptor m_farEnd;
   std::string m_node;
 };
+
+/// More than the other programs of this machine open in a moment.
+inline constexpr std::size_t kLowerNumbers = 32;
+
+/// A pseudo-terminal whose node does not come back when it is closed, because another program opens one: the
+/// kernel gives out the lowest free number, and there are enough below this one.
+inline PseudoTerminal TerminalOfHighNumber() {
+  const std::vector<PseudoTerminal> below(kLowerNumbers);
+  return {};
+}
 
 /// A folder that is removed with everything in it.
 class ScratchFolder {

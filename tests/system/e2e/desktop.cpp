@@ -60,10 +60,12 @@ bool Desktop::StartServer() {
   for (qint64 attempt = 0; attempt < 10; ++attempt) {
     const qint64 number = kFirst + (QCoreApplication::applicationPid() + attempt * 997) % kSpan;
     m_display = QLatin1Char(':') + QString::number(number);
+    // Without repeated keys (-r): on a busy computer a key's release can come so late that the server would
+    // repeat the key.
     m_server.start(QStringLiteral("Xvfb"),
-                   {m_display, QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"),
-                    QStringLiteral("0"), QStringLiteral("1280x1024x24"), QStringLiteral("-nolisten"),
-                    QStringLiteral("tcp")});
+                   {m_display, QStringLiteral("-r"), QStringLiteral("-displayfd"), QStringLiteral("1"),
+                    QStringLiteral("-screen"), QStringLiteral("0"), QStringLiteral("1280x1024x24"),
+                    QStringLiteral("-nolisten"), QStringLiteral("tcp")});
     // It says its number when it is ready, and ends at once when the display is taken.
     QByteArray said;
     while (!said.endsWith('\n') && m_server.waitForReadyRead(kToolMs))

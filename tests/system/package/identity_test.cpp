@@ -60,6 +60,14 @@ TEST(Identity, IsInTheMetadata) {
                "<release version=\"" + kVersion + "\" date=\"" + kDate + "\">"});
 }
 
+/// Software centres cut off longer ones in their lists.
+TEST(Identity, HasAShortSummaryInTheMetadata) {
+  const std::string text = FilledInFile("linux/example.halvo.quarn.metainfo.xml");
+  std::smatch parts;
+  ASSERT_TRUE(std::regex_search(text, parts, std::regex("<summary>([^<]+)</summary>")));
+  EXPECT_LE(parts[1].length(), 35);
+}
+
 TEST(Identity, IsInTheManuals) {
   for (const std::string manual : {"QUARN", "QUARN\\-SEND", "QUARN\\-DEVICE"}) {
     std::string file = std::regex_replace(manual, std::regex(R"(\\)"), "");

@@ -1,0 +1,298 @@
+"""Tries Quarn on a Wayland compositor without an X server.
+
+usage: wayland_desktop.py COMPOSITOR PROGRAMS PLACE
+
+COMPOSITOR: sway, weston, kwin_wayland. PROGRAMS: the folder of quarn and quarn-device. PLACE: a folder for logs. Prints
+"subject=yes" for each subject that works, and ends at the first that does not.
+
+Wayland lets nobody ask where windows are. Which of them has the keyboard is in the program's own protocol log, and the
+Terminal Screen is found by its colour in a picture of the screen. weston and KWin draw on a virtual X display, which the
+program does not know of; sway draws nowhere and takes keys and clicks itself.
+"""
+
+import os
+import pathlib
+import re
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+
+LONGEST_S = 120
+NAVY = bytes((1, 36, 86))
+TERMINAL = r"Quarn - Terminal Screeen \(COM7(-NC)?\).*"
+MAIN = r"Quarn   \(COM7(-NC)?\)"
+BOX = r"Quarn : Error"
+RULES = '"slow" -> 6000 line "done"\n"mute" -> silence\n* -> line "OK"\n'
+SWAY = 'xwayland disable\nfocus_follows_mouse no\nfor_window [app_id=".*"] floating enable\noutput * resolution 1280x1024\n'
+
+
+class Failed(Exception):
+    pass
+
+
+def wait_until(what, condition):
+    end = time.monotonic() + LONGEST_S
+    while not (result := condition()):
+        if time.monotonic() > end:
+            raise Failed(what)
+        time.sleep(0.05)
+    return result
+
+
+class Windows:
+    """What the program's protocol log says."""
+
+    def __init__(self, log):
+        self.log = log
+
+    def read(self):
+        """The titles of windows in the order in which they got the keyboard, and all titles ever set."""
+        surface, toplevel, title, order, titles = {}, {}, {}, [], []
+        for line in self.log.read_text(errors="replace").splitlines():
+            if m := re.search(r"get_xdg_surface\(new id xdg_surface@(\d+), wl_surface@(\d+)\)", line):
+                surface[m[1]] = m[2]
+            elif m := re.search(r"xdg_surface@(\d+)\.get_toplevel\(new id xdg_toplevel@(\d+)\)", line):
+                toplevel[m[2]] = surface[m[1]]
+            elif m := re.search(r'xdg_toplevel@(\d+)\.set_title\("(.*)"\)', line):
+                title[toplevel[m[1]]] = m[2]
+                titles.append(m[2])
+            elif m := re.search(r"wl_keyboard@\d+\.(enter|leave)\(\d+, wl_surface@(\d+)", line):
+                order.append(title.get(m[2], "") if m[1] == "enter" else "")
+        return order, titles
+
+    def has_keyboard(self, pattern, after=0):
+        order = self.read()[0]
+        return len(order) > after and re.fullmatch(pattern, order[-1])
+
+    def had_keyboard(self, pattern, after):
+        return any(re.fullmatch(pattern, each) for each in self.read()[0][after:])
+
+    def has_title(self, pattern):
+        return any(re.fullmatch(pattern, each) for each in self.read()[1])
+
+    def changes(self):
+        return len(self.read()[0])
+
+
+class Compositor:
+    def __init__(self, place):
+        self.place = place
+        self.started = []
+        self.runtime = pathlib.Path(tempfile.mkdtemp(prefix="quarn-wayland-"))
+        self.environment = {"PATH": os.environ["PATH"], "LANG": "C.UTF-8", "HOME": str(self.runtime),
+                            "XDG_RUNTIME_DIR": str(self.runtime)}
+
+    def start(self, name, command, environment):
+        with open(self.place / f"{name}.log", "wb") as log:
+            process = subprocess.Popen(command, env=environment, stdin=subprocess.DEVNULL, stdout=log,
+                                       stderr=subprocess.STDOUT, start_new_session=True)
+        self.started.append(process)
+        return process
+
+    def stop(self):
+        for process in reversed(self.started):
+            # With what it has started itself.
+            if process.poll() is None:
+                os.killpg(process.pid, signal.SIGTERM)
+            try:
+                process.wait(LONGEST_S)
+            except subprocess.TimeoutExpired:
+                os.killpg(process.pid, signal.SIGKILL)
+                process.wait()
+        shutil.rmtree(self.runtime)
+
+    def call(self, *command):
+        return subprocess.run(command, env=self.environment, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, check=True).stdout
+
+    def wait_for_socket(self):
+        def sockets():
+            return [each for each in self.runtime.glob("wayland-?") if each.is_socket()]
+        self.environment["WAYLAND_DISPLAY"] = str(wait_until("the compositor", sockets)[0])
+
+    def find_terminal(self):
+        """A place in the Terminal Screen that can be seen."""
+        head, pixels = self.picture()
+        width = int(head.split()[1])
+        at = pixels.find(NAVY)
+        while at % 3 != 0 and at >= 0:
+            at = pixels.find(NAVY, at + 1)
+        return (at // 3 % width, at // 3 // width) if at >= 0 else None
+
+    def picture(self):
+        data = self.ppm()
+        head = re.match(rb"P6\s+\d+\s+\d+\s+255\s", data)[0]
+        return head, data[len(head):]
+
+
+class Sway(Compositor):
+    def open(self):
+        self.runtime.chmod(0o700)
+        (self.runtime / "config").write_text(SWAY)
+        command = ["sway", "-c", str(self.runtime / "config")]
+        if os.geteuid() == 0:
+            shutil.chown(self.runtime, "nobody")
+            command = ["setpriv", "--reuid=nobody", "--regid=nogroup", "--clear-groups", *command]
+        headless = {"WLR_BACKENDS": "headless", "WLR_LIBINPUT_NO_DEVICES": "1", "WLR_RENDERER": "pixman"}
+        self.start("sway", command, self.environment | headless)
+        self.wait_for_socket()
+        # Without any keyboard no window gets the keyboard.
+        self.start("keyboard", ["wtype", "-s", "100000000"], self.environment)
+        self.environment["SWAYSOCK"] = str(wait_until("sway", lambda: list(self.runtime.glob("sway-ipc*")))[0])
+
+    def ppm(self):
+        return self.call("grim", "-t", "ppm", "-")
+
+    def click(self, x, y):
+        for command in (f"set {x} {y}", "press button1", "release button1"):
+            self.call("swaymsg", f"seat seat0 cursor {command}")
+
+    def send(self, text):
+        # The program needs the time to get to know the new keyboard.
+        self.call("wtype", "-s", "700", text, "-k", "Return")
+
+    def press(self, key):
+        self.call("wtype", "-s", "700", "-k", key)
+
+    def choose_main(self):
+        self.call("swaymsg", '[title="^Quarn   "] focus')
+
+
+class OnX(Compositor):
+    """A compositor that draws in a window on a virtual X display."""
+
+    def open(self):
+        reading, writing = os.pipe()
+        number = 100 + os.getpid() % 50000
+        server = subprocess.Popen(["Xvfb", f":{number}", "-displayfd", str(writing), "-screen", "0", "1280x1024x24",
+                                   "-nolisten", "tcp"], pass_fds=[writing], stdin=subprocess.DEVNULL,
+                                  stderr=subprocess.DEVNULL, start_new_session=True)
+        os.close(writing)
+        self.started.append(server)
+        self.environment["DISPLAY"] = ":" + os.fdopen(reading).readline().strip()
+        self.open_on_x()
+        self.wait_for_socket()
+
+    def ppm(self):
+        return self.call("bash", "-c", "maim --hidecursor | convert png:- ppm:-")
+
+    def click(self, x, y):
+        self.call("xdotool", "mousemove", str(x), str(y), "click", "1")
+
+    def send(self, text):
+        self.call("xdotool", "type", text)
+        self.press("Return")
+
+    def press(self, key):
+        self.call("xdotool", "key", key)
+
+
+class Weston(OnX):
+    def open_on_x(self):
+        self.start("weston", ["weston", "--backend=x11-backend.so", "--use-pixman", "--width=1280", "--height=1024",
+                              "--idle-time=0"], self.environment)
+
+    def choose_main(self):
+        self.call("xdotool", "keydown", "super", "key", "Tab", "sleep", "0.3", "keyup", "super")
+
+
+class KWin(OnX):
+    def open_on_x(self):
+        # The installed file has a capability that containers refuse; it works without.
+        program = self.runtime / "kwin_wayland"
+        shutil.copyfile(shutil.which("kwin_wayland"), program)
+        program.chmod(0o700)
+        self.start("kwin_wayland", ["dbus-run-session", "--", str(program), "--x11-display", self.environment["DISPLAY"],
+                                    "--width", "1280", "--height", "1024", "--socket", "wayland-1", "--no-lockscreen"],
+                   self.environment | {"KWIN_COMPOSE": "Q"})
+
+    def choose_main(self):
+        """Moves the Terminal Screen aside by its title, and clicks on what stood under it."""
+        x, y = wait_until("the Terminal Screen in the picture", self.find_terminal)
+        self.call("xdotool", "mousemove", str(x + 60), str(y - 15), "mousedown", "1", "mousemove", str(x - 150), str(y - 15),
+                  "sleep", "0.3", "mousemove", str(x - 340), str(y - 15), "sleep", "0.3", "mouseup", "1")
+        self.click(640, 520)
+
+
+class Trial:
+    def __init__(self, compositor, programs, place):
+        self.compositor = compositor
+        home = place / "home"
+        ports = home / "Halvo/Quarn/ports"
+        ports.mkdir(parents=True)
+        runtime = place / "runtime"
+        runtime.mkdir(mode=0o700)
+        (place / "rules").write_text(RULES)
+        link = ports / "COM7"
+        self.instrument = compositor.start("instrument", [programs / "quarn-device", "--link", link, "--rules",
+                                                          place / "rules"], os.environ)
+        wait_until("the instrument", link.is_symlink)
+        demo = pathlib.Path("packaging/demo/demo.qrn").read_bytes()
+        (place / "trial.qrn").write_bytes(demo.replace(b"R_TIMEOUT=ON", b"R_TIMEOUT=OFF"))
+        environment = {"PATH": os.environ["PATH"], "LANG": "C.UTF-8", "HOME": str(home), "XDG_CONFIG_HOME": str(home),
+                       "XDG_RUNTIME_DIR": str(runtime), "XDG_SESSION_TYPE": "wayland", "WAYLAND_DEBUG": "1",
+                       "WAYLAND_DISPLAY": compositor.environment["WAYLAND_DISPLAY"],
+                       "DBUS_SESSION_BUS_ADDRESS": f"unix:path={runtime}/no-session"}
+        self.program = compositor.start("quarn", [programs / "quarn", place / "trial.qrn"], environment)
+        self.windows = Windows(place / "quarn.log")
+
+    def terminal_shows(self, lines):
+        wait_until(f"{lines} lines in the log", lambda: self.windows.has_title(rf"{TERMINAL}\[ *1-{lines} *\]"))
+
+    def starts(self):
+        wait_until("the main window", lambda: self.windows.has_title(MAIN))
+        wait_until("the keyboard in the Terminal Screen", lambda: self.windows.has_keyboard(TERMINAL))
+        wait_until("the Terminal Screen in the picture", self.compositor.find_terminal)
+
+    def escape(self):
+        self.compositor.send("mute")
+        self.compositor.press("Escape")
+        self.terminal_shows(3)
+
+    def type_ahead(self):
+        self.compositor.send("slow")
+        self.compositor.send("next")
+        if self.windows.has_title(rf"{TERMINAL}\[ *1-5 *\]"):
+            raise Failed("the keys came too late")
+        self.terminal_shows(7)
+
+    def main_window(self):
+        self.compositor.choose_main()
+        wait_until("the keyboard in the main window", lambda: self.windows.has_keyboard(MAIN))
+
+    def box(self):
+        self.instrument.terminate()
+        wait_until("the keyboard in the box", lambda: self.windows.has_keyboard(BOX))
+        before = self.windows.changes()
+        self.compositor.click(*wait_until("the Terminal Screen in the picture", self.compositor.find_terminal))
+        wait_until("the click to arrive", lambda: self.windows.had_keyboard(TERMINAL, before))
+        wait_until("the keyboard in the box after a click on the Terminal Screen",
+                   lambda: self.windows.has_keyboard(BOX, before))
+        self.compositor.press("Return")
+        wait_until("the end of the box", lambda: self.windows.has_title(r"Quarn   \(COM7-NC\)"))
+        wait_until("the keyboard in the Terminal Screen after the box", lambda: self.windows.has_keyboard(TERMINAL))
+
+
+SUBJECTS = {"starts": Trial.starts, "ESC": Trial.escape, "type-ahead": Trial.type_ahead,
+            "main window": Trial.main_window, "box above all": Trial.box}
+
+
+def main():
+    name, programs, place = sys.argv[1], pathlib.Path(sys.argv[2]).resolve(), pathlib.Path(sys.argv[3]).resolve()
+    compositor = {"sway": Sway, "weston": Weston, "kwin_wayland": KWin}[name](place)
+    try:
+        compositor.open()
+        trial = Trial(compositor, programs, place)
+        for subject, tried in SUBJECTS.items():
+            tried(trial)
+            print(f"{subject}=yes", flush=True)
+    except Failed as failure:
+        sys.exit(f"gave up waiting for {failure}")
+    finally:
+        compositor.stop()
+
+
+if __name__ == "__main__":
+    main()
