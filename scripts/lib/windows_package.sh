@@ -5,7 +5,7 @@ PACKAGE=$TOP/build/windows/package
 
 # What Windows itself has. A program needs nothing else, so it loads nothing from its own folder.
 WINDOWS_LIBRARIES=(
-  advapi32.dll authz.dll comdlg32.dll d3d11.dll d3d9.dll dwmapi.dll dxgi.dll gdi32.dll imm32.dll kernel32.dll mpr.dll
+  advapi32.dll authz.dll comdlg32.dll d3d11.dll d3d9.dll dwmapi.dll dxgi.dll gdi32.dll imm32.dll kernel32.dll
   msvcrt.dll netapi32.dll ole32.dll oleaut32.dll setupapi.dll shcore.dll shell32.dll shlwapi.dll user32.dll userenv.dll
   uxtheme.dll version.dll winmm.dll ws2_32.dll wtsapi32.dll
   api-ms-win-core-synch-l1-2-0.dll api-ms-win-core-winrt-l1-1-0.dll api-ms-win-core-winrt-string-l1-1-0.dll)
