@@ -127,6 +127,9 @@ configure() {
   }
 }
 
+# identity PRESET NAME: prints one of the shared values of CMakeLists.txt, such as VERSION.
+identity() { sed -n "s/^!define $2 \"\(.*\)\"/\1/p" "build/$1/generated/identity.nsh"; }
+
 # build PRESET [TARGET...]: configures and builds the targets, or all.
 build() {
   local preset=$1 targets=()

@@ -10,9 +10,6 @@ configure_with_qt() {
   configure "$preset" "${start[@]}" -DCMAKE_PREFIX_PATH="$QT" "$@"
 }
 
-# identity PRESET NAME: prints one of the shared values of CMakeLists.txt.
-identity() { sed -n "s/^!define $2 \"\(.*\)\"/\1/p" "build/$1/generated/identity.nsh"; }
-
 # add_licences SYSTEM FOLDER: the texts of Quarn and of what is inside its programs.
 add_licences() {
   local system=$1 place=$2 documents=/usr/share/doc texts=/usr/share/common-licenses

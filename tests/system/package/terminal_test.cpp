@@ -25,7 +25,7 @@ TEST(Terminal, AnswersThatCannotBeWrittenAreNoSuccess) {
 }
 
 TEST(Terminal, AWordWithADashIsNoFile) {
-  const std::string usage = "usage: quarn [FILE]\n       quarn --help | --version\n64\n";
+  const std::string usage = "usage: quarn [FILE]\n       quarn --demo\n       quarn --help | --version\n64\n";
   for (const std::string word : {"--foo", "-h", "-x.qrn"}) {
     EXPECT_EQ(SaidBy("quarn", "2>&1 " + word), "quarn: unknown option: " + word + "\n" + usage);
   }
