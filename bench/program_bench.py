@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """What the program costs as a whole, measured from outside; alone, or in turn with others.
 
-    bench/program_bench.py PROGRAM --settings FILE [--runs N] [--idle SECONDS] [--beside LIBRARY]
+    bench/program_bench.py PROGRAM --settings FILE [--runs N] [--idle SECONDS] [--one-file PROGRAM] [--beside LIBRARY]
 
 scripts/bench starts this on a virtual display, with what it needs of scripts/lib/display.sh.
 
@@ -41,8 +41,8 @@ class Program:
     line_end: bytes = b"\r\n"                        # of the answers
 
 
-def quarn(program, settings):
-    return Program("quarn", [os.path.abspath(program)], r"^Quarn   \(COM3\)$", "^Quarn - Terminal", 4000,
+def quarn(name, program, settings):
+    return Program(name, [os.path.abspath(program)], r"^Quarn   \(COM3\)$", "^Quarn - Terminal", 4000,
                    files={"config/Halvo/Quarn/Quarn.ini": settings},
                    links={"config/Halvo/Quarn/ports/COM3": "{port}"}, line_end=b"\r",
                    environment={"XDG_CONFIG_HOME": "{home}/config"})
@@ -223,10 +223,14 @@ def main():
     options.add_argument("--settings", required=True, help="settings file with COM_PORT=COM3")
     options.add_argument("--runs", type=int, default=7)
     options.add_argument("--idle", type=float, default=10)
+    options.add_argument("--one-file", metavar="PROGRAM", help="measure this program too; Qt is inside it")
     options.add_argument("--beside", metavar="LIBRARY",
                          help="measure the other programs too; LIBRARY is what modem_lines.c is built into")
     given = options.parse_args()
-    programs = [quarn(given.program, pathlib.Path(given.settings).read_text())]
+    settings = pathlib.Path(given.settings).read_text()
+    programs = [quarn("quarn", given.program, settings)]
+    if given.one_file:
+        programs.append(quarn("one file", given.one_file, settings))
     if given.beside:
         programs += others(given.beside)
     rows, rests = {each.name: [] for each in programs}, []

@@ -74,8 +74,15 @@ need() {
       bench) packages+=(libbenchmark-dev python3) ;;
       windows)
         # The source package of Qt is that of the host tools in qt6-base-dev-tools.
-        packages+=(g++-mingw-w64-x86-64-posix qt6-base-dev-tools dpkg-dev xz-utils googletest
+        packages+=(g++-mingw-w64-x86-64-posix qt6-base-dev-tools dpkg-dev xz-utils patch googletest
           wine64 fonts-wine nsis zip)
+        ;;
+      one-file)
+        # What Qt needs of the system, and archives of the small libraries around libxcb.
+        packages+=(qt6-base-dev-tools dpkg-dev xz-utils patch libfontconfig-dev libfreetype-dev libx11-dev
+          libx11-xcb-dev libxcb-icccm4-dev libxcb-image0-dev libxcb-keysyms1-dev libxcb-randr0-dev
+          libxcb-render-util0-dev libxcb-shape0-dev libxcb-shm0-dev libxcb-sync-dev libxcb-util-dev
+          libxcb-xfixes0-dev libxcb-xinput-dev libxcb-xkb-dev libxkbcommon-x11-dev libatspi2.0-dev)
         ;;
       # CPack asks file(1) which files are programs.
       package) packages+=(dpkg-dev file lintian appstream appstream-util desktop-file-utils) ;;
@@ -119,6 +126,9 @@ configure() {
     fail "preset $1 cannot be configured"
   }
 }
+
+# identity PRESET NAME: prints one of the shared values of CMakeLists.txt, such as VERSION.
+identity() { sed -n "s/^!define $2 \"\(.*\)\"/\1/p" "build/$1/generated/identity.nsh"; }
 
 # build PRESET [TARGET...]: configures and builds the targets, or all.
 build() {

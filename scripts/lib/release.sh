@@ -6,17 +6,14 @@
 
 GENERATED=$TOP/build/release/generated
 
-# identity_of NAME: prints one of the shared values of CMakeLists.txt.
-identity_of() { sed -n "s/^!define $1 \"\(.*\)\"/\1/p" "$GENERATED/identity.nsh"; }
-
 # release_file KIND: the name of one of the files, such as release_file setup.exe.
-release_file() { echo "quarn-$(identity_of VERSION)-$1"; }
+release_file() { echo "quarn-$(identity release VERSION)-$1"; }
 
 # make_source REPOSITORY FOLDER [COMMIT]: the source of the commit. The same commit gives the same bytes, whatever the
 # user has configured: the files carry the time of the commit, and the packer adds neither a name nor a time.
 make_source() {
   local name
-  name=quarn-$(identity_of VERSION)
+  name=quarn-$(identity release VERSION)
   git -C "$1" -c tar.umask=0022 -c core.autocrlf=false -c core.eol=lf -c core.attributesFile=/dev/null \
     archive --format=tar --prefix="$name/" "${3:-HEAD}" | gzip --best --no-name >"$2/$name-source.tar.gz"
 }

@@ -1,23 +1,24 @@
 # shellcheck shell=bash
-# The installer and the portable zip. Source it after common.sh, windows_qt.sh and wine.sh.
+# The installer and the portable zip. Source it after common.sh, qt.sh, one_file.sh and wine.sh.
 
 PACKAGE=$TOP/build/windows/package
 
-# identity NAME: prints one of the shared values of CMakeLists.txt.
-identity() { sed -n "s/^!define $1 \"\(.*\)\"/\1/p" build/windows/generated/identity.nsh; }
+# What Windows itself has. A program needs nothing else, so it loads nothing from its own folder.
+WINDOWS_LIBRARIES=(
+  advapi32.dll authz.dll comdlg32.dll d3d11.dll d3d9.dll dwmapi.dll dxgi.dll gdi32.dll imm32.dll kernel32.dll
+  msvcrt.dll netapi32.dll ole32.dll oleaut32.dll setupapi.dll shcore.dll shell32.dll shlwapi.dll user32.dll userenv.dll
+  uxtheme.dll version.dll winmm.dll ws2_32.dll wtsapi32.dll
+  api-ms-win-core-synch-l1-2-0.dll api-ms-win-core-winrt-l1-1-0.dll api-ms-win-core-winrt-string-l1-1-0.dll)
 
-with_windows_line_ends() { sed 's/\r*$/\r/' "$1" >"$2"; }
+with_windows_line_ends() { sed -i 's/\r*$/\r/' "$@"; }
 
-add_licences() {
-  local place=$1/licences documents=/usr/share/doc texts=/usr/share/common-licenses
-  mkdir "$place"
-  with_windows_line_ends LICENSE "$place/Quarn.txt"
-  with_windows_line_ends <(sed "s/@QT_VERSION@/$(qt_version)/" packaging/windows/licences.txt) "$place/README.txt"
-  with_windows_line_ends "$documents/qt6-base-dev/copyright" "$place/Qt.txt"
-  with_windows_line_ends "$documents/g++-mingw-w64-x86-64-posix/copyright" "$place/GCC.txt"
-  with_windows_line_ends "$documents/mingw-w64-common/copyright" "$place/MinGW-w64.txt"
-  with_windows_line_ends "$texts/LGPL-3" "$place/LGPL-3.txt"
-  with_windows_line_ends "$texts/GPL-3" "$place/GPL-3.txt"
+# check_windows_files FOLDER: each program in it is one file.
+check_windows_files() {
+  local program
+  [[ -z $(find "$1" -iname '*.dll') ]] || fail "the package has libraries beside the programs"
+  for program in "$1"/quarn.exe "$1"/quarn.com "$1"/quarn-send.exe; do
+    require_only "$program" "${WINDOWS_LIBRARIES[@]}"
+  done
 }
 
 # Writes a macro for the installer that does something for each line of its input.
@@ -39,15 +40,15 @@ list_for_installer() {
 pack_windows() {
   local name version
   headline "Packing"
-  name=$(identity NAME)
-  version=$(identity VERSION)
+  name=$(identity windows NAME)
+  version=$(identity windows VERSION)
   ZIP=$TOP/build/windows/quarn-$version-windows.zip
   SETUP=$TOP/build/windows/quarn-$version-setup.exe
   rm -rf "$PACKAGE" "$ZIP" "$SETUP"
   cmake --install build/windows --prefix "$PACKAGE/$name" --strip >build/windows/install.log
-  # Files from the compiler still have their debugging information.
-  find "$PACKAGE/$name" -name '*.dll' -exec x86_64-w64-mingw32-strip --strip-unneeded {} +
-  add_licences "$PACKAGE/$name"
+  check_windows_files "$PACKAGE/$name"
+  add_licences windows "$PACKAGE/$name/licences"
+  with_windows_line_ends "$PACKAGE/$name"/licences/*
   (cd "$PACKAGE" && zip -q -9 -X -r "$ZIP" "$name")
   list_for_installer "$PACKAGE/$name" >"$PACKAGE/files.nsh"
   makensis -V2 -WX "-DIDENTITY=$TOP/build/windows/generated/identity.nsh" "-DFILES=$PACKAGE/$name" \

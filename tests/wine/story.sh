@@ -134,6 +134,14 @@ second_instance() {
   expect "the second program ended, and not well" test "$status" -ne 0
   expect "it left the settings alone" cmp -s "$PLACE/before.ini" "$(settings_folder)/Quarn.ini"
   expect "the first one is still there" main_title_is COM3
+  sed $'s/^COM_PORT=.*/COM_PORT=COM3\r/' packaging/demo/demo.qrn >"$WINEPREFIX/drive_c/handed over.qrn"
+  start third wine "$1" 'C:\handed over.qrn'
+  acknowledge Quarn
+  wait_until 20 "the first one to open the file of the third" settings_say MEM0=id
+  # The title names COM3 before and after; while it is connected anew, a box says so and goes.
+  wait_until 20 "the box that it is connected" find_window '^Quarn : Infomation$'
+  wait_until 20 "that box to go" window_is_gone '^Quarn : Infomation$'
+  expect "the first one is connected to COM3" main_title_is COM3
 }
 
 unplug_and_plug() {
@@ -236,7 +244,7 @@ answers() {
   headline "What it answers without a window"
   local answer
   answer=$(wine "$1" --version | tr -d '\r')
-  expect "the version is told" test "$answer" == "$(identity NAME)  (Ver. $(identity VERSION)), build $(identity BUILD_DATE)"
+  expect "the version is told" test "$answer" == "$(identity windows NAME)  (Ver. $(identity windows VERSION)), build $(identity windows BUILD_DATE)"
   expect "the next prompt comes after it" console_says "$(dirname "$1")" 'quarn --version & echo next' "$answer"$'\nnext'
   answer=$(wine "$1" --help | tr -d '\r')
   expect "the usage is told" test "${answer#*usage: quarn}" != "$answer"

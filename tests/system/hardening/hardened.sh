@@ -22,7 +22,8 @@ has "relocations that become read-only" '^ *GNU_RELRO ' -l
 has "all symbols bound at the start" '\(FLAGS\).* BIND_NOW( |$)|\(FLAGS_1\).* NOW( |$)' -d
 has "a stack that cannot be executed" '^ *GNU_STACK .* RW +0x' -l
 has "a stack protector" ' UND __stack_chk_fail(@|$)' --dyn-syms
-has "checked access in the C++ library" ' UND _ZSt21__glibcxx_assert_fail' --dyn-syms
+# Inside the program, or in the library that it needs.
+has "checked access in the C++ library" ' _ZSt21__glibcxx_assert_fail' --syms
 if [[ $fortified == fortified ]]; then
   # Any checked call; the stack protector's own name ends in _fail.
   has "checked calls of the C library" ' UND __[a-z_0-9]+_chk(@|$)' --dyn-syms

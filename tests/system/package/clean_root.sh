@@ -1,7 +1,7 @@
 # shellcheck shell=bash
-# A clean Debian to install the package on. Sourced after common.sh.
+# A clean Debian to install the package on. Sourced after common.sh; CLEAN is the folder for it.
 
-CLEAN=$TOP/build/package.test
+: "${CLEAN:?}"
 
 # Debian's smallest system with apt, of this system's release and from the same place. Its lists of packages are
 # kept: the installation needs them next.
@@ -20,7 +20,7 @@ make_clean_root() {
 }
 
 # enter_clean_root COMMAND...: as root in there, with pseudo-terminals and processes of its own, which are gone
-# with the command.
+# with the command. Displays of this system can be reached.
 enter_clean_root() {
   # shellcheck disable=SC2016  # for the inner shell
   as_root unshare --mount --pid --fork --kill-child bash -euc '
@@ -28,6 +28,8 @@ enter_clean_root() {
     shift
     mount -t proc proc "$root/proc"
     mount -t devpts -o newinstance,ptmxmode=0666 devpts "$root/dev/pts"
+    mkdir -p "$root/tmp/.X11-unix"
+    if [[ -d /tmp/.X11-unix ]]; then mount --bind /tmp/.X11-unix "$root/tmp/.X11-unix"; fi
     exec env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root LC_ALL=C.UTF-8 DEBIAN_FRONTEND=noninteractive \
       chroot "$root" "$@"' enter "$CLEAN/root" "$@"
 }
@@ -39,7 +41,7 @@ test_on_clean_root() {
   headline "The package on the clean Debian"
   version=$(dpkg-deb --field "$1" Version)
   as_root cp "$1" "$CLEAN/root/var/tmp/quarn.deb"
-  as_root cp tests/system/package/installation.sh "$CLEAN/root/var/tmp"
+  as_root cp tests/system/package/{installation,inside}.sh "$CLEAN/root/var/tmp"
   as_root cp --dereference /etc/resolv.conf "$CLEAN/root/etc/resolv.conf"
   enter_clean_root bash /var/tmp/installation.sh "${version%-*}"
   as_root rm -rf --one-file-system "$CLEAN/root"

@@ -11,27 +11,8 @@ export XDG_RUNTIME_DIR=/var/tmp/runtime
 mkdir -m 700 "$XDG_RUNTIME_DIR"
 DEMO=/usr/share/doc/quarn/examples/demo.qrn
 
-step() { printf '%4d s  %s\n' "$SECONDS" "$*"; }
-
-fail() {
-  printf 'installation.sh: %s\n' "$*" >&2
-  exit 1
-}
-
-# expect WHAT EXPECTED ACTUAL
-expect() { [[ $2 == "$3" ]] || fail "$1: expected \"$2\", found \"$3\""; }
-
-# expect_in WHAT EXPECTED TEXT
-expect_in() { [[ $3 == *"$2"* ]] || fail "$1: \"$2\" is not in:"$'\n'"$3"; }
-
-wait_until() {
-  local deadline=$((SECONDS + $1)) what=$2
-  shift 2
-  until "$@"; do
-    ((SECONDS < deadline)) || fail "gave up waiting for $what"
-    sleep 0.05
-  done
-}
+# shellcheck source=tests/system/package/inside.sh
+source /var/tmp/inside.sh
 
 # What apt-get has to say is shown only when it fails; what it fetches, always.
 quietly() {
@@ -84,17 +65,6 @@ remove() {
 }
 
 #--- The programs ----------------------------------------------------------------------------------------
-
-check_programs() {
-  local program
-  for program in quarn quarn-send quarn-device; do
-    if ldd "/usr/bin/$program" | grep 'not found'; then fail "$program lacks libraries"; fi
-    expect_in "$program --help" "usage: $program " "$($program --help)"
-  done
-  expect_in "quarn --version" "Quarn  (Ver. $VERSION)" "$(quarn --version)"
-  expect "quarn-send --version" "Quarn $VERSION" "$(quarn-send --version)"
-  expect "quarn-device --version" "Quarn device $VERSION" "$(quarn-device --version)"
-}
 
 start_device() {
   mkdir -p "$SETTINGS/ports"
@@ -183,7 +153,7 @@ quietly satisfy --yes --no-install-recommends "$(dpkg-deb --field "$PACKAGE" Dep
 snapshot >before.list
 step "installing"
 install_alone
-check_programs
+check_programs /usr/bin "$VERSION"
 check_command
 step "removing"
 remove

@@ -1,0 +1,26 @@
+# A program that is one file: Qt and the compiler's libraries are inside, and only libraries of the system are outside.
+# Always so on Windows; on Linux scripts/portable makes such programs. What no program calls is left out by the linker;
+# Qt brings the flags for that.
+include(CMakeDependentOption)
+cmake_dependent_option(QUARN_ONE_FILE "Build programs with Qt inside (needs Qt without shared libraries)" OFF
+  "NOT WIN32" ON)
+
+if(QUARN_ONE_FILE AND WIN32)
+  target_link_options(quarn_compiler INTERFACE -static)
+elseif(QUARN_ONE_FILE)
+  # Libraries of the system must not find what is inside: they use other versions of the same libraries.
+  target_link_options(quarn_compiler INTERFACE -static-libstdc++ -static-libgcc LINKER:--exclude-libs,ALL)
+endif()
+
+# Call it where Qt has been found.
+function(quarn_require_static_qt)
+  if(TARGET XCB::IMAGE AND XCB_UTIL_LIBRARY)
+    # An archive does not say what it needs.
+    set_property(TARGET XCB::IMAGE APPEND PROPERTY INTERFACE_LINK_LIBRARIES ${XCB_UTIL_LIBRARY})
+  endif()
+  get_target_property(_type Qt6::Core TYPE)
+  if(QUARN_ONE_FILE AND NOT _type STREQUAL "STATIC_LIBRARY")
+    message(FATAL_ERROR "Qt in ${Qt6_DIR} has shared libraries; scripts/windows qt and scripts/portable qt build "
+      "one without")
+  endif()
+endfunction()
