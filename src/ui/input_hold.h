@@ -27,7 +27,7 @@ class InputHold : public QObject {
   /// Processes pending events; paints.
   void Pump();
   /// Processes events, at least the pending ones, until `isOver` is true (then true) or `until` comes (then
-  /// false). Sleeps in between, so what makes `isOver` true must be an event, or call LookAgain.
+  /// false). Sleeps in between: what makes `isOver` true must call LookAgain.
   bool WaitUntil(const std::function<bool()>& isOver, std::chrono::steady_clock::time_point until);
   /// Lets WaitUntil ask again. Any thread; keep the hold alive meanwhile.
   void LookAgain();

@@ -12,6 +12,7 @@
 #include <QWindow>
 #include <atomic>
 #include <chrono>
+#include <functional>
 #include <thread>
 
 #include "support/waits.h"
@@ -35,6 +36,7 @@ class Recorder final : public QWidget {
   QStringList events;
   int timers = 0;
   int paints = 0;
+  std::function<void()> painted;
 
  protected:
   bool event(QEvent* event) override {
@@ -62,6 +64,7 @@ class Recorder final : public QWidget {
         break;
       case QEvent::Paint:
         ++paints;
+        if (painted) painted();
         break;
       default:
         break;
@@ -304,8 +307,11 @@ TEST(InputHold, WindowsPaintDuringAWait) {
   InputHold hold;
   hold.Begin();
   window.paints = 0;
+  window.painted = [&hold] { hold.LookAgain(); };
   std::thread other([&] { QMetaObject::invokeMethod(&window, [&] { window.update(); }); });
-  EXPECT_TRUE(hold.WaitUntil([&] { return window.paints > 0; }, Clock::now() + std::chrono::minutes(1)));
+  const auto began = Clock::now();
+  EXPECT_TRUE(hold.WaitUntil([&] { return window.paints > 0; }, began + std::chrono::minutes(1)));
+  EXPECT_LT(Clock::now() - began, std::chrono::seconds(30));
   other.join();
   hold.End();
 }
