@@ -128,7 +128,7 @@ configure() {
 }
 
 # identity PRESET NAME: prints one of the shared values of CMakeLists.txt, such as VERSION.
-identity() { sed -n "s/^!define $2 \"\(.*\)\"/\1/p" "build/$1/generated/identity.nsh"; }
+identity() { sed -n "s/^!define $2 \"\(.*\)\"/\1/p" "$TOP/build/$1/generated/identity.nsh"; }
 
 # build PRESET [TARGET...]: configures and builds the targets, or all.
 build() {
