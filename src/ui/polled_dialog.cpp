@@ -59,7 +59,10 @@ void PolledDialog::StartTicks() {
   TickingDialogs().push_back(this);
   const auto* loop = QAbstractEventDispatcher::instance();
   m_connections = {connect(loop, &QAbstractEventDispatcher::aboutToBlock, this, [this] { Plan(); }),
-                   connect(loop, &QAbstractEventDispatcher::awake, this, [this] { Plan(); })};
+                   // Only for a loop that never goes to sleep: asking costs more than the tick is late.
+                   connect(loop, &QAbstractEventDispatcher::awake, this, [this] {
+                     if (Now() - m_planned >= kTickMs) Plan();
+                   })};
 }
 
 void PolledDialog::WithdrawClose() { m_closeAsked = false; }
@@ -72,6 +75,7 @@ void PolledDialog::StopTicks() {
 
 void PolledDialog::Plan() {
   const std::int64_t now = Now();
+  m_planned = now;
   m_ticks.Plan(m_closeAsked ? 0 : QuietTicks(), now);
   if (m_ticks.IsLate(now)) {
     // It will come soon, unless its event was dropped: then it comes at its next interval, after the held

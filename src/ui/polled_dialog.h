@@ -68,6 +68,7 @@ class PolledDialog : public QDialog {
   QBasicTimer m_timer;
   TickPlan m_ticks;
   std::optional<std::int64_t> m_timerDue;  ///< the time the timer is set to
+  std::int64_t m_planned = 0;              ///< the time of the last plan
   std::array<QMetaObject::Connection, 2> m_connections;
   int m_busy = 0;
   bool m_closeAsked = false;  ///< while the close had to be delayed

@@ -1,12 +1,32 @@
 #include "ui/static_text.h"
 
 #include <QAccessible>
+#include <QCache>
+#include <QCoreApplication>
 #include <QPaintEvent>
 #include <QPainter>
+#include <QStaticText>
 
 #include "ui/accessible.h"
 
 namespace quarn {
+namespace {
+
+/// The line with its letters already placed. Lines keep it when they scroll: then each shows what another one
+/// showed before.
+const QStaticText& PlacedLine(const QString& line) {
+  constexpr int kLines = 100;  // three screens
+  static QCache<QString, QStaticText> lines(kLines);
+  // Before the fonts go.
+  [[maybe_unused]] static const bool cleared = (qAddPostRoutine([] { lines.clear(); }), true);
+  if (const QStaticText* const known = lines.object(line)) return *known;
+  auto* const placed = new QStaticText(line);
+  placed->setTextFormat(Qt::PlainText);
+  lines.insert(line, placed);
+  return *placed;
+}
+
+}  // namespace
 
 StaticText::StaticText(QWidget* parent) : QWidget(parent) {
   setAttribute(Qt::WA_TransparentForMouseEvents);
@@ -52,7 +72,7 @@ void StaticText::paintEvent(QPaintEvent* event) {
   QPainter painter(this);
   if (m_background.isValid()) painter.fillRect(event->rect(), m_background);
   painter.setPen(palette().color(QPalette::WindowText));
-  painter.drawText(rect(), Qt::AlignLeft | Qt::AlignTop | Qt::TextSingleLine, line.toString());
+  painter.drawStaticText(0, 0, PlacedLine(line.toString()));
 }
 
 }  // namespace quarn
