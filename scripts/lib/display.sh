@@ -57,7 +57,7 @@ start_display() {
   mkdir -m 700 "$XDG_RUNTIME_DIR"
   export QT_QPA_PLATFORM=xcb
   unset WAYLAND_DISPLAY
-  start display Xvfb ":$((100 + $$ % 50000))" -displayfd 3 -screen 0 "$1x$2x24" -nolisten tcp 3>"$PLACE/display"
+  start display Xvfb ":$((100 + BASHPID % 50000))" -displayfd 3 -screen 0 "$1x$2x24" -nolisten tcp 3>"$PLACE/display"
   wait_until 20 "the virtual display" test -s "$PLACE/display"
   DISPLAY=:$(<"$PLACE/display")
   export DISPLAY

@@ -4,12 +4,15 @@
 # What tests/wine/line_server/line_server.cpp says about it holds for this folder.
 LINES=$PLACE/lines
 
-start_line_server() {
+build_line_server() {
   cmake -S tests/wine/line_server -B build/windows/lines -G Ninja -DCMAKE_BUILD_TYPE=Release >build/windows/lines.log
   cmake --build build/windows/lines >>build/windows/lines.log || {
     cat build/windows/lines.log
     fail "quarn-line-server does not build"
   }
+}
+
+start_line_server() {
   rm -rf "$LINES"
   mkdir -p "$LINES"
   start lines build/windows/lines/quarn-line-server "$LINES" "$WINEPREFIX/dosdevices"
