@@ -78,6 +78,19 @@ TEST_F(OnTheDesktop, ABoxIsInFrontOfEveryWindowWhicheverWasActive) {
   Acknowledge(kError, kNotAvailable);
 }
 
+TEST_F(OnTheDesktop, AFileDialogIsInFrontOfEveryWindow) {
+  StartConnected("* -> line \"OK\"");
+  const QString title = QStringLiteral("^Save As Quarn Configuration File$");
+  Choose(kFile, QStringLiteral("Save As"));
+  const QString dialog = WaitForWindow(title);
+  // Over the Terminal Screen, and beside the corners that are clicked on.
+  MoveAside(title, Geometry(terminal).topLeft() + QPoint(50, 200));
+  for (const QString& each : {kTerminal, kMain, kTerminal}) ExpectInFrontAfterClickOn(dialog, each);
+  EXPECT_TRUE(IsActiveAgain(dialog));
+  AnswerBox(title, QStringLiteral("Escape"));
+  EXPECT_TRUE(WaitForNoWindow(title));
+}
+
 TEST_F(OnTheDesktop, AfterABoxTheTerminalScreenHasTheKeyboardAgain) {
   StartConnected("* -> line \"OK\"", {{QStringLiteral("AUTO_CLR"), QStringLiteral("ON")}});
   std::string sent;
