@@ -6,8 +6,8 @@ COMPOSITOR: sway, weston, kwin_wayland. PROGRAMS: the folder of quarn and quarn-
 "subject=yes" for each subject that works, and ends at the first that does not.
 
 Wayland lets nobody ask where windows are. Which of them has the keyboard is in the program's own protocol log, and the
-Terminal Screen is found by its colour in a picture of the screen. The compositor draws on a virtual X display, which the
-program does not know of.
+Terminal Screen is found by its colour in a picture of the screen. The compositor draws on a virtual X display, of which
+the program does not know.
 """
 
 import os
@@ -52,9 +52,6 @@ class Windows:
     def __init__(self, log):
         self.log = log
 
-    def titles_of_surfaces(self):
-        return self.read()[2]
-
     def read(self):
         """The titles of windows in the order in which they got the keyboard, all titles ever set, and the last ones of
         the surfaces."""
@@ -86,14 +83,16 @@ class Windows:
         return sum(1 for each in self.read()[1] if re.fullmatch(pattern, each))
 
     def pointer_in(self, pattern):
-        """Where in a window with this title the pointer has entered it; None if it is elsewhere."""
-        at = None
+        """The last two places of the pointer in a window with this title, in the window; nothing if it is elsewhere."""
+        surface, places = None, []
         for line in self.log.read_text(errors="replace").splitlines():
-            if m := re.search(r"wl_pointer@\d+\.(enter|leave)\(\d+, wl_surface@(\d+)(?:, ([\d.]+), ([\d.]+))?", line):
-                at = (m[2], float(m[3]), float(m[4])) if m[1] == "enter" else None
-        if at is None or not re.fullmatch(pattern, self.titles_of_surfaces().get(at[0], "")):
-            return None
-        return round(at[1]), round(at[2])
+            if m := re.search(r"wl_pointer@\d+\.enter\(\d+, wl_surface@(\d+), ([\d.]+), ([\d.]+)", line):
+                surface, places = m[1], [(int(float(m[2])), int(float(m[3])))]
+            elif re.search(r"wl_pointer@\d+\.leave\(", line):
+                surface = None
+            elif m := re.search(r"wl_pointer@\d+\.motion\(\d+, ([\d.]+), ([\d.]+)", line):
+                places.append((int(float(m[1])), int(float(m[2]))))
+        return places[-2:] if surface and re.fullmatch(pattern, self.read()[2].get(surface, "")) else []
 
     def popups(self):
         return len(re.findall(r"get_popup\(", self.log.read_text(errors="replace")))
@@ -109,8 +108,15 @@ class Windows:
 class Compositor:
     """Draws in a window on a virtual X display of its own."""
 
-    def __init__(self, place):
+    # Those that it has beside 1.
+    SCALES = (1.25, 1.5, 1.75, 2)
+
+    def __init__(self, place, scale):
         self.place = place
+        self.scale = scale
+        # As windows see it, the screen always has the same size.
+        self.width = round(WIDTH * scale)
+        self.height = round(HEIGHT * scale)
         self.started = []
         self.runtime = pathlib.Path(tempfile.mkdtemp(prefix="quarn-wayland-"))
         self.environment = {"PATH": os.environ["PATH"], "LANG": "C.UTF-8", "HOME": str(self.runtime),
@@ -162,8 +168,8 @@ class Compositor:
         reading, writing = os.pipe()
         number = 100 + os.getpid() % 50000
         server = subprocess.Popen(["Xvfb", f":{number}", "-displayfd", str(writing), "-screen", "0",
-                                   f"{WIDTH}x{HEIGHT}x24", "-nolisten", "tcp"], pass_fds=[writing], stdin=subprocess.DEVNULL,
-                                  stderr=subprocess.DEVNULL, start_new_session=True)
+                                   f"{self.width}x{self.height}x24", "-nolisten", "tcp"], pass_fds=[writing],
+                                  stdin=subprocess.DEVNULL, stderr=subprocess.DEVNULL, start_new_session=True)
         os.close(writing)
         self.started.append(server)
         self.environment["DISPLAY"] = ":" + os.fdopen(reading).readline().strip()
@@ -190,7 +196,8 @@ class Compositor:
 class Sway(Compositor):
     def open_on_x(self):
         self.runtime.chmod(0o700)
-        (self.runtime / "config").write_text(SWAY)
+        output = f"output * resolution {self.width}x{self.height} scale {self.scale}\n"
+        (self.runtime / "config").write_text(SWAY + output)
         command = ["sway", "-c", str(self.runtime / "config")]
         if os.geteuid() == 0:
             shutil.chown(self.runtime, "nobody")
@@ -203,9 +210,11 @@ class Sway(Compositor):
 
 
 class Weston(Compositor):
+    SCALES = (2,)
+
     def open_on_x(self):
         self.start("weston", ["weston", "--backend=x11-backend.so", "--use-pixman", f"--width={WIDTH}",
-                              f"--height={HEIGHT}", "--idle-time=0"], self.environment)
+                              f"--height={HEIGHT}", f"--scale={self.scale}", "--idle-time=0"], self.environment)
 
     def choose_main(self):
         self.call("xdotool", "keydown", "super", "key", "Tab", "sleep", "0.3", "keyup", "super")
@@ -221,7 +230,8 @@ class KWin(Compositor):
         shutil.copyfile(shutil.which("kwin_wayland"), program)
         program.chmod(0o700)
         self.start("kwin_wayland", ["dbus-run-session", "--", str(program), "--x11-display", self.environment["DISPLAY"],
-                                    "--width", str(WIDTH), "--height", str(HEIGHT), "--socket", "wayland-1", "--no-lockscreen"],
+                                    "--width", str(WIDTH), "--height", str(HEIGHT), "--scale", str(self.scale),
+                                    "--socket", "wayland-1", "--no-lockscreen"],
                    self.environment | {"KWIN_COMPOSE": "Q"})
 
     def choose_main(self):
@@ -254,6 +264,20 @@ class Trial:
         self.program = compositor.start("quarn", [programs / "quarn", place / "trial.qrn"], environment)
         self.windows = Windows(place / "quarn.log")
 
+    def starts_scaled(self):
+        """With the windows, or with the message that refuses the scaling."""
+        wait_until("a window", lambda: self.windows.has_title(MAIN) or self.windows.has_title(BOX))
+        if self.windows.has_title(BOX):
+            raise Failed("the main window instead of a message")
+        self.starts()
+
+    def is_refused(self):
+        wait_until("the message", lambda: self.windows.has_keyboard(BOX))
+        if self.windows.has_title(MAIN):
+            raise Failed("no main window")
+        self.compositor.press("Return")
+        wait_until("the end of the program", lambda: self.program.poll() is not None)
+
     def terminal_shows(self, lines):
         wait_until(f"{lines} lines in the log", lambda: self.windows.has_title(rf"{TERMINAL}\[ *1-{lines} *\]"))
 
@@ -284,11 +308,22 @@ class Trial:
             for x in range(640 % step[0], WIDTH, step[0]):
                 for y in range(520 % step[1], HEIGHT, step[1]):
                     self.compositor.point(x, y)
-                    # The program hears of it a moment later.
+                    # The program may hear of it only when the pointer has gone on.
                     time.sleep(0.05)
-                    if at := self.windows.pointer_in(MAIN):
-                        return x - at[0], y - at[1]
+                    if self.windows.pointer_in(MAIN):
+                        return self.corner_at(x, y)
         return None
+
+    def corner_at(self, x, y):
+        def corner():
+            self.compositor.point(x, y)
+            self.compositor.point(x + 7, y + 3)
+            places = self.windows.pointer_in(MAIN)
+            # The last step, and no other, was this far.
+            if len(places) == 2 and (places[1][0] - places[0][0], places[1][1] - places[0][1]) == (7, 3):
+                return x + 7 - places[1][0], y + 3 - places[1][1]
+            return None
+        return wait_until("the pointer's place in the main window", corner)
 
     def choose_from_file_menu(self, mnemonic):
         x, y = wait_until("the main window under the pointer", self.corner_of_main)
@@ -330,24 +365,39 @@ class Trial:
         wait_until("the keyboard in the Terminal Screen after the box", lambda: self.windows.has_keyboard(TERMINAL))
 
 
+COMPOSITORS = {"sway": Sway, "weston": Weston, "kwin_wayland": KWin}
 SUBJECTS = {"starts": Trial.starts, "ESC": Trial.escape, "type-ahead": Trial.type_ahead,
             "main window": Trial.main_window, "file dialog": Trial.file_dialog, "box above all": Trial.box}
+SCALES = {"125 %": (1.25, Trial.starts_scaled), "150 %": (1.5, Trial.starts_scaled),
+          "175 %": (1.75, Trial.starts_scaled), "200 % refused": (2, Trial.is_refused)}
+
+
+def run(kind, scale, programs, place, subjects):
+    place.mkdir(exist_ok=True)
+    compositor = kind(place, scale)
+    try:
+        compositor.open()
+        trial = Trial(compositor, programs, place)
+        for subject, tried in subjects.items():
+            tried(trial)
+            print(f"{subject}=yes", flush=True)
+    finally:
+        if compositor.started:
+            (place / "screen.ppm").write_bytes(compositor.ppm())
+        compositor.stop()
 
 
 def main():
     name, programs, place = sys.argv[1], pathlib.Path(sys.argv[2]).resolve(), pathlib.Path(sys.argv[3]).resolve()
-    compositor = {"sway": Sway, "weston": Weston, "kwin_wayland": KWin}[name](place)
     try:
-        compositor.open()
-        trial = Trial(compositor, programs, place)
-        for subject, tried in SUBJECTS.items():
-            tried(trial)
-            print(f"{subject}=yes", flush=True)
+        run(COMPOSITORS[name], 1, programs, place, SUBJECTS)
+        for subject, (scale, tried) in SCALES.items():
+            if scale in COMPOSITORS[name].SCALES:
+                run(COMPOSITORS[name], scale, programs, place / str(scale), {subject: tried})
+            else:
+                print(f"{subject}=-", flush=True)
     except Failed as failure:
-        (place / "screen.ppm").write_bytes(compositor.ppm())
         sys.exit(f"gave up waiting for {failure}")
-    finally:
-        compositor.stop()
 
 
 if __name__ == "__main__":
