@@ -1,3 +1,4 @@
+#include <QRegularExpression>
 #include <algorithm>
 
 #include "support/silent_socket_linux.h"
@@ -5,6 +6,48 @@
 
 namespace quarn::test {
 namespace {
+
+/// Notes what becomes of the windows that stand on the screen itself: those with which the window manager
+/// frames the program's.
+class WindowEvents {
+ public:
+  explicit WindowEvents(const Desktop& desktop) {
+    m_process.setProcessEnvironment(desktop.Environment());
+    m_process.start(QStringLiteral("xev"),
+                    {QStringLiteral("-root"), QStringLiteral("-event"), QStringLiteral("substructure")});
+  }
+  /// Whether it hears of events; makes one.
+  bool AreTold(const Desktop& desktop) {
+    return Eventually([&] {
+      desktop.Run(QStringLiteral("xclip"), {QStringLiteral("-o")});  // has a window
+      return !Told().isEmpty();
+    });
+  }
+  /// The different sizes that the window has had since it could be seen, in their order.
+  QStringList SizesOf(const QByteArray& window) {
+    QStringList sizes;
+    QString size;
+    bool isSeen = false;
+    for (const QString& event : Told().split(QStringLiteral("\n\n"))) {
+      if (!event.contains(QStringLiteral("window %1,").arg(QLatin1String(window)))) continue;
+      static const QRegularExpression pattern(QStringLiteral("width (\\d+), height (\\d+)"));
+      const QRegularExpressionMatch match = pattern.match(event);
+      if (match.hasMatch()) size = match.captured(1) + QLatin1Char('x') + match.captured(2);
+      if (event.startsWith(QLatin1String("MapNotify"))) isSeen = true;
+      if (isSeen && !sizes.endsWith(size)) sizes.append(size);
+    }
+    return sizes;
+  }
+
+ private:
+  const QString& Told() {
+    while (m_process.waitForReadyRead(0)) m_told += QString::fromLatin1(m_process.readAllStandardOutput());
+    return m_told;
+  }
+
+  ChildProcess m_process;
+  QString m_told;
+};
 
 /// What window managers do differently: which window is in front, which one has the keyboard, what a person
 /// may do with it.
@@ -43,6 +86,20 @@ class OnTheDesktop : public Dialogs {
   /// Whether it is so for as long as a window manager takes to raise a window.
   static bool Holds(const std::function<bool()>& condition) {
     return !Eventually([&] { return !condition(); }, kOneTryMs);
+  }
+
+  /// The window of the window manager in which this one stands, or itself.
+  [[nodiscard]] QByteArray Outermost(const QString& window) const {
+    static const QRegularExpression parent(QStringLiteral("Parent window id: (0x[0-9a-f]+)"));
+    static const QRegularExpression root(QStringLiteral("Root window id: (0x[0-9a-f]+)"));
+    QString outer = QStringLiteral("0x") + QString::number(window.toUInt(), 16);
+    for (;;) {
+      const QString tree = QString::fromLatin1(desktop.Run(
+          QStringLiteral("xwininfo"), {QStringLiteral("-id"), outer, QStringLiteral("-children")}));
+      const QString next = parent.match(tree).captured(1);
+      if (next.isEmpty() || next == root.match(tree).captured(1)) return outer.toLatin1();
+      outer = next;
+    }
   }
 
   ::testing::AssertionResult IsActiveAgain(const QString& window) {
@@ -106,6 +163,61 @@ TEST_F(OnTheDesktop, AfterABoxTheTerminalScreenHasTheKeyboardAgain) {
       ASSERT_TRUE(WaitForNoWindow(kConfirmation));
       ASSERT_TRUE(IsActiveAgain(terminal)) << answer.toStdString() << ' ' << times;
     }
+  }
+}
+
+TEST_F(OnTheDesktop, AfterABoxTheMainWindowHasTheKeyboardAgain) {
+  StartConnected("* -> line \"OK\"");
+  const QString main = WaitForWindow(kMain);
+  for (int times = 0; times < 5; ++times) {
+    Focus(main);
+    Choose(kPortMenu, QStringLiteral("Disconnect COM Port"));
+    ASSERT_FALSE(WaitForWindow(kConfirmation).isEmpty());
+    AnswerBox(kConfirmation, kNo);
+    ASSERT_TRUE(WaitForNoWindow(kConfirmation));
+    ASSERT_TRUE(IsActiveAgain(main)) << times;
+  }
+}
+
+TEST_F(OnTheDesktop, AnOpenDialogThatIsChosenAgainComesToTheFront) {
+  StartConnected("* -> line \"OK\"");
+  const QString item = QStringLiteral("COM Port Settings");
+  OpenDialog(kPortMenu, item, kSettings);
+  MoveAside(kSettings, {600, 300});
+  OpenDialog(kTools, QStringLiteral("Function Key Table"), kTable);
+  MoveAside(kTable, {620, 320});
+  const QString settings = WaitForWindow(kSettings);
+  const QString table = WaitForWindow(kTable);
+  ASSERT_TRUE(Eventually([&] { return IsInFront(table, settings); }));
+  Choose(kPortMenu, item);
+  EXPECT_TRUE(Eventually([&] { return IsInFront(settings, table) && IsInFront(settings, terminal); }));
+  EXPECT_TRUE(IsActiveAgain(settings));
+  EXPECT_EQ(desktop.Windows(kSettings).size(), 1);
+}
+
+TEST_F(OnTheDesktop, TheTerminalScreenKeepsTheSizeWithWhichItOpens) {
+  StartWithoutTerminal("* -> line \"OK\"");
+  // The main window's frame is the usual one from now on.
+  ASSERT_TRUE(Eventually([&] { return desktop.Frame(WaitForWindow(kMain)).has_value(); }));
+  WindowEvents events(desktop);
+  ASSERT_TRUE(events.AreTold(desktop));
+  for (int times = 0; times < 2; ++times) {
+    Choose(kTools, QStringLiteral("Terminal Screen"));
+    terminal = WaitForWindow(kTerminal);
+    ASSERT_FALSE(terminal.isEmpty());
+    // A window that opens with another size gets the right one a tenth of a second later.
+    const QRect opened = Geometry(terminal);
+    EXPECT_TRUE(Holds([&] { return Geometry(terminal).size() == opened.size(); }));
+    QStringList sizes = events.SizesOf(Outermost(terminal));
+    // Some window managers make a frame of one pixel, or of the window's own size, and adapt it.
+    sizes.removeAll(QStringLiteral("1x1"));
+    const QString bare = QStringLiteral("%1x%2").arg(opened.width()).arg(opened.height());
+    if (sizes.size() > 1 && sizes.constFirst() == bare) sizes.removeFirst();
+    EXPECT_EQ(sizes.size(), 1) << times << ": " << sizes.join(QLatin1Char(' ')).toStdString();
+    // Not with Alt+F4: in some desktops another program than the window manager has that key.
+    desktop.Run(QStringLiteral("wmctrl"), {QStringLiteral("-i"), QStringLiteral("-c"),
+                                           QStringLiteral("0x") + QString::number(terminal.toUInt(), 16)});
+    ASSERT_TRUE(WaitForNoWindow(kTerminal));
   }
 }
 
