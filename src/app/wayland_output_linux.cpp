@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
+#include <cstdint>
 #include <list>
 #include <memory>
 #include <string_view>
@@ -102,7 +104,8 @@ class OutputQuestion {
     if (interface == std::string_view(wl_output_interface.name)) {
       void* const bound =
           wl_registry_bind(registry, id, &wl_output_interface, std::min(version, kNewestOutput));
-      Output& output = question.m_outputs.emplace_back(Owned<wl_output>(static_cast<wl_output*>(bound)));
+      question.m_outputs.push_back({.output = Owned<wl_output>(static_cast<wl_output*>(bound))});
+      Output& output = question.m_outputs.back();
       wl_output_add_listener(output.output.get(), &kOutputListener, &output);
     } else if (interface == std::string_view(question.m_protocol.manager.name)) {
       void* const bound =

@@ -60,34 +60,6 @@ class OnTheDesktop : public Dialogs {
     Focus(WaitForWindow(QStringLiteral("^Drag Source$")));
   }
 
-  /// The windows from the bottom to the top, as the window manager has stacked them; numbers as xdotool has
-  /// them.
-  [[nodiscard]] QStringList Stacking() const {
-    const QByteArray line = desktop.Run(
-        QStringLiteral("xprop"), {QStringLiteral("-root"), QStringLiteral("_NET_CLIENT_LIST_STACKING")});
-    QStringList windows;
-    for (const QByteArray& id : line.mid(line.indexOf('#') + 1).split(','))
-      windows.append(QString::number(id.trimmed().toUInt(nullptr, 0)));
-    return windows;
-  }
-  /// Whether the first window is in front of the second.
-  [[nodiscard]] bool IsInFront(const QString& first, const QString& second) const {
-    const QStringList stacking = Stacking();
-    return stacking.contains(second) && stacking.indexOf(first) > stacking.indexOf(second);
-  }
-  /// Clicks on a part of the window that nothing covers, then looks whether the box is still in front.
-  void ExpectInFrontAfterClickOn(const QString& box, const QString& titlePattern) {
-    const QString window = WaitForWindow(titlePattern);
-    ClickAt(window, QPoint(5, Geometry(window).height() - 5));
-    // The window manager handles one request after the other: the answer to this one comes after the click.
-    EXPECT_TRUE(Eventually([&] { return IsInFront(box, window); })) << titlePattern.toStdString();
-    EXPECT_TRUE(Holds([&] { return IsInFront(box, window); })) << titlePattern.toStdString();
-  }
-  /// Whether it is so for as long as a window manager takes to raise a window.
-  static bool Holds(const std::function<bool()>& condition) {
-    return !Eventually([&] { return !condition(); }, kOneTryMs);
-  }
-
   /// The window of the window manager in which this one stands, or itself.
   [[nodiscard]] QByteArray Outermost(const QString& window) const {
     static const QRegularExpression parent(QStringLiteral("Parent window id: (0x[0-9a-f]+)"));
@@ -100,6 +72,31 @@ class OnTheDesktop : public Dialogs {
       if (next.isEmpty() || next == root.match(tree).captured(1)) return outer.toLatin1();
       outer = next;
     }
+  }
+
+  /// Whether the first window is in front of the second, as the server draws them: not every window manager
+  /// keeps its list of them right.
+  [[nodiscard]] bool IsInFront(const QString& first, const QString& second) const {
+    const QString tree = QString::fromLatin1(
+        desktop.Run(QStringLiteral("xwininfo"), {QStringLiteral("-root"), QStringLiteral("-children")}));
+    // From the top to the bottom.
+    const auto place = [&tree](const QByteArray& window) {
+      return tree.indexOf(QStringLiteral("  %1 ").arg(QLatin1String(window)));
+    };
+    const qsizetype placeOfFirst = place(Outermost(first));
+    return placeOfFirst >= 0 && placeOfFirst < place(Outermost(second));
+  }
+  /// Clicks on a part of the window that nothing covers, then looks whether the box is still in front.
+  void ExpectInFrontAfterClickOn(const QString& box, const QString& titlePattern) {
+    const QString window = WaitForWindow(titlePattern);
+    ClickAt(window, QPoint(5, Geometry(window).height() - 5));
+    // The window manager handles one request after the other: the answer to this one comes after the click.
+    EXPECT_TRUE(Eventually([&] { return IsInFront(box, window); })) << titlePattern.toStdString();
+    EXPECT_TRUE(Holds([&] { return IsInFront(box, window); })) << titlePattern.toStdString();
+  }
+  /// Whether it is so for as long as a window manager takes to raise a window.
+  static bool Holds(const std::function<bool()>& condition) {
+    return !Eventually([&] { return !condition(); }, kOneTryMs);
   }
 
   ::testing::AssertionResult IsActiveAgain(const QString& window) {
