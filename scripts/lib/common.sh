@@ -65,7 +65,7 @@ need() {
   local group packages=()
   for group in "$@"; do
     case $group in
-      build) packages+=(g++ cmake ninja-build pkg-config qt6-base-dev libudev-dev libxcb1-dev lowdown) ;;
+      build) packages+=(g++ cmake ninja-build pkg-config qt6-base-dev libudev-dev libxcb1-dev libwayland-dev lowdown) ;;
       test) packages+=(libgtest-dev libumockdev-dev umockdev fonts-dejavu-core util-linux locales
         # For the examples of the guide and the completion of other shells.
         python3 gnuplot-nox zsh fish) ;;

@@ -6,8 +6,8 @@ COMPOSITOR: sway, weston, kwin_wayland. PROGRAMS: the folder of quarn and quarn-
 "subject=yes" for each subject that works, and ends at the first that does not.
 
 Wayland lets nobody ask where windows are. Which of them has the keyboard is in the program's own protocol log, and the
-Terminal Screen is found by its colour in a picture of the screen. weston and KWin draw on a virtual X display, which the
-program does not know of; sway draws nowhere and takes keys and clicks itself.
+Terminal Screen is found by its colour in a picture of the screen. The compositor draws on a virtual X display, of which
+the program does not know.
 """
 
 import os
@@ -21,12 +21,16 @@ import tempfile
 import time
 
 LONGEST_S = 120
+WIDTH = 1280
+HEIGHT = 1024
 NAVY = bytes((1, 36, 86))
+NAVY_PIXELS = 60
 TERMINAL = r"Quarn - Terminal Screeen \(COM7(-NC)?\).*"
 MAIN = r"Quarn   \(COM7(-NC)?\)"
 BOX = r"Quarn : Error"
+SAVE_AS = r"Save As Quarn Configuration File"
 RULES = '"slow" -> 6000 line "done"\n"mute" -> silence\n* -> line "OK"\n'
-SWAY = 'xwayland disable\nfocus_follows_mouse no\nfor_window [app_id=".*"] floating enable\noutput * resolution 1280x1024\n'
+SWAY = 'xwayland disable\nfocus_follows_mouse no\nfor_window [app_id=".*"] floating enable\n'
 
 
 class Failed(Exception):
@@ -49,7 +53,8 @@ class Windows:
         self.log = log
 
     def read(self):
-        """The titles of windows in the order in which they got the keyboard, and all titles ever set."""
+        """The titles of windows in the order in which they got the keyboard, all titles ever set, and the last ones of
+        the surfaces."""
         surface, toplevel, title, order, titles = {}, {}, {}, [], []
         for line in self.log.read_text(errors="replace").splitlines():
             if m := re.search(r"get_xdg_surface\(new id xdg_surface@(\d+), wl_surface@(\d+)\)", line):
@@ -61,25 +66,57 @@ class Windows:
                 titles.append(m[2])
             elif m := re.search(r"wl_keyboard@\d+\.(enter|leave)\(\d+, wl_surface@(\d+)", line):
                 order.append(title.get(m[2], "") if m[1] == "enter" else "")
-        return order, titles
+        return order, titles, title
 
-    def has_keyboard(self, pattern, after=0):
+    def has_keyboard(self, pattern):
         order = self.read()[0]
-        return len(order) > after and re.fullmatch(pattern, order[-1])
-
-    def had_keyboard(self, pattern, after):
-        return any(re.fullmatch(pattern, each) for each in self.read()[0][after:])
+        return order and re.fullmatch(pattern, order[-1])
 
     def has_title(self, pattern):
         return any(re.fullmatch(pattern, each) for each in self.read()[1])
 
     def changes(self):
+        """How often the keyboard has come or gone."""
         return len(self.read()[0])
+
+    def count_titled(self, pattern):
+        return sum(1 for each in self.read()[1] if re.fullmatch(pattern, each))
+
+    def pointer_in(self, pattern):
+        """The last two places of the pointer in a window with this title, in the window; nothing if it is elsewhere."""
+        surface, places = None, []
+        for line in self.log.read_text(errors="replace").splitlines():
+            if m := re.search(r"wl_pointer@\d+\.enter\(\d+, wl_surface@(\d+), ([\d.]+), ([\d.]+)", line):
+                surface, places = m[1], [(int(float(m[2])), int(float(m[3])))]
+            elif re.search(r"wl_pointer@\d+\.leave\(", line):
+                surface = None
+            elif m := re.search(r"wl_pointer@\d+\.motion\(\d+, ([\d.]+), ([\d.]+)", line):
+                places.append((int(float(m[1])), int(float(m[2]))))
+        return places[-2:] if surface and re.fullmatch(pattern, self.read()[2].get(surface, "")) else []
+
+    def popups(self):
+        return len(re.findall(r"get_popup\(", self.log.read_text(errors="replace")))
+
+    def are_framed_by_compositor(self):
+        """Otherwise the program draws the frames, and they belong to its windows."""
+        return "zxdg_toplevel_decoration_v1" in self.log.read_text(errors="replace")
+
+    def clicks(self):
+        return len(re.findall(r"wl_pointer@\d+\.button\(\d+, \d+, 272, 0\)", self.log.read_text(errors="replace")))
 
 
 class Compositor:
-    def __init__(self, place):
+    """Draws in a window on a virtual X display of its own."""
+
+    # Those that it has beside 1.
+    SCALES = (1.25, 1.5, 1.75, 2)
+
+    def __init__(self, place, scale):
         self.place = place
+        self.scale = scale
+        # As windows see it, the screen always has the same size.
+        self.width = round(WIDTH * scale)
+        self.height = round(HEIGHT * scale)
         self.started = []
         self.runtime = pathlib.Path(tempfile.mkdtemp(prefix="quarn-wayland-"))
         self.environment = {"PATH": os.environ["PATH"], "LANG": "C.UTF-8", "HOME": str(self.runtime),
@@ -113,62 +150,26 @@ class Compositor:
         self.environment["WAYLAND_DISPLAY"] = str(wait_until("the compositor", sockets)[0])
 
     def find_terminal(self):
-        """A place in the Terminal Screen that can be seen."""
+        """A place in the Terminal Screen that can be seen, and is not at its edge: an edge is for changing the size."""
         head, pixels = self.picture()
         width = int(head.split()[1])
-        at = pixels.find(NAVY)
+        line = NAVY * NAVY_PIXELS
+        at = pixels.find(line)
         while at % 3 != 0 and at >= 0:
-            at = pixels.find(NAVY, at + 1)
-        return (at // 3 % width, at // 3 // width) if at >= 0 else None
+            at = pixels.find(line, at + 1)
+        return (at // 3 % width + NAVY_PIXELS // 2, at // 3 // width + 1) if at >= 0 else None
 
     def picture(self):
         data = self.ppm()
         head = re.match(rb"P6\s+\d+\s+\d+\s+255\s", data)[0]
         return head, data[len(head):]
 
-
-class Sway(Compositor):
-    def open(self):
-        self.runtime.chmod(0o700)
-        (self.runtime / "config").write_text(SWAY)
-        command = ["sway", "-c", str(self.runtime / "config")]
-        if os.geteuid() == 0:
-            shutil.chown(self.runtime, "nobody")
-            command = ["setpriv", "--reuid=nobody", "--regid=nogroup", "--clear-groups", *command]
-        headless = {"WLR_BACKENDS": "headless", "WLR_LIBINPUT_NO_DEVICES": "1", "WLR_RENDERER": "pixman"}
-        self.start("sway", command, self.environment | headless)
-        self.wait_for_socket()
-        # Without any keyboard no window gets the keyboard.
-        self.start("keyboard", ["wtype", "-s", "100000000"], self.environment)
-        self.environment["SWAYSOCK"] = str(wait_until("sway", lambda: list(self.runtime.glob("sway-ipc*")))[0])
-
-    def ppm(self):
-        return self.call("grim", "-t", "ppm", "-")
-
-    def click(self, x, y):
-        for command in (f"set {x} {y}", "press button1", "release button1"):
-            self.call("swaymsg", f"seat seat0 cursor {command}")
-
-    def send(self, text):
-        # The program needs the time to get to know the new keyboard.
-        self.call("wtype", "-s", "700", text, "-k", "Return")
-
-    def press(self, key):
-        self.call("wtype", "-s", "700", "-k", key)
-
-    def choose_main(self):
-        self.call("swaymsg", '[title="^Quarn   "] focus')
-
-
-class OnX(Compositor):
-    """A compositor that draws in a window on a virtual X display."""
-
     def open(self):
         reading, writing = os.pipe()
         number = 100 + os.getpid() % 50000
-        server = subprocess.Popen(["Xvfb", f":{number}", "-displayfd", str(writing), "-screen", "0", "1280x1024x24",
-                                   "-nolisten", "tcp"], pass_fds=[writing], stdin=subprocess.DEVNULL,
-                                  stderr=subprocess.DEVNULL, start_new_session=True)
+        server = subprocess.Popen(["Xvfb", f":{number}", "-displayfd", str(writing), "-screen", "0",
+                                   f"{self.width}x{self.height}x24", "-nolisten", "tcp"], pass_fds=[writing],
+                                  stdin=subprocess.DEVNULL, stderr=subprocess.DEVNULL, start_new_session=True)
         os.close(writing)
         self.started.append(server)
         self.environment["DISPLAY"] = ":" + os.fdopen(reading).readline().strip()
@@ -177,6 +178,9 @@ class OnX(Compositor):
 
     def ppm(self):
         return self.call("bash", "-c", "maim --hidecursor | convert png:- ppm:-")
+
+    def point(self, x, y):
+        self.call("xdotool", "mousemove", str(x), str(y))
 
     def click(self, x, y):
         self.call("xdotool", "mousemove", str(x), str(y), "click", "1")
@@ -189,29 +193,51 @@ class OnX(Compositor):
         self.call("xdotool", "key", key)
 
 
-class Weston(OnX):
+class Sway(Compositor):
     def open_on_x(self):
-        self.start("weston", ["weston", "--backend=x11-backend.so", "--use-pixman", "--width=1280", "--height=1024",
-                              "--idle-time=0"], self.environment)
+        self.runtime.chmod(0o700)
+        output = f"output * resolution {self.width}x{self.height} scale {self.scale}\n"
+        (self.runtime / "config").write_text(SWAY + output)
+        command = ["sway", "-c", str(self.runtime / "config")]
+        if os.geteuid() == 0:
+            shutil.chown(self.runtime, "nobody")
+            command = ["setpriv", "--reuid=nobody", "--regid=nogroup", "--clear-groups", *command]
+        self.start("sway", command, self.environment | {"WLR_BACKENDS": "x11", "WLR_RENDERER": "pixman"})
+        self.environment["SWAYSOCK"] = str(wait_until("sway", lambda: list(self.runtime.glob("sway-ipc*")))[0])
+
+    def choose_main(self):
+        self.call("swaymsg", '[title="^Quarn   "] focus')
+
+
+class Weston(Compositor):
+    SCALES = (2,)
+
+    def open_on_x(self):
+        self.start("weston", ["weston", "--backend=x11-backend.so", "--use-pixman", f"--width={WIDTH}",
+                              f"--height={HEIGHT}", f"--scale={self.scale}", "--idle-time=0"], self.environment)
 
     def choose_main(self):
         self.call("xdotool", "keydown", "super", "key", "Tab", "sleep", "0.3", "keyup", "super")
+        # weston adds up the ways that the pointer has gone. From edge to edge it gets to know where the pointer is.
+        self.point(WIDTH - 1, HEIGHT - 1)
+        self.point(0, 0)
 
 
-class KWin(OnX):
+class KWin(Compositor):
     def open_on_x(self):
         # The installed file has a capability that containers refuse; it works without.
         program = self.runtime / "kwin_wayland"
         shutil.copyfile(shutil.which("kwin_wayland"), program)
         program.chmod(0o700)
         self.start("kwin_wayland", ["dbus-run-session", "--", str(program), "--x11-display", self.environment["DISPLAY"],
-                                    "--width", "1280", "--height", "1024", "--socket", "wayland-1", "--no-lockscreen"],
+                                    "--width", str(WIDTH), "--height", str(HEIGHT), "--scale", str(self.scale),
+                                    "--socket", "wayland-1", "--no-lockscreen"],
                    self.environment | {"KWIN_COMPOSE": "Q"})
 
     def choose_main(self):
         """Moves the Terminal Screen aside by its title, and clicks on what stood under it."""
         x, y = wait_until("the Terminal Screen in the picture", self.find_terminal)
-        self.call("xdotool", "mousemove", str(x + 60), str(y - 15), "mousedown", "1", "mousemove", str(x - 150), str(y - 15),
+        self.call("xdotool", "mousemove", str(x + 30), str(y - 15), "mousedown", "1", "mousemove", str(x - 150), str(y - 15),
                   "sleep", "0.3", "mousemove", str(x - 340), str(y - 15), "sleep", "0.3", "mouseup", "1")
         self.click(640, 520)
 
@@ -238,6 +264,20 @@ class Trial:
         self.program = compositor.start("quarn", [programs / "quarn", place / "trial.qrn"], environment)
         self.windows = Windows(place / "quarn.log")
 
+    def starts_scaled(self):
+        """With the windows, or with the message that refuses the scaling."""
+        wait_until("a window", lambda: self.windows.has_title(MAIN) or self.windows.has_title(BOX))
+        if self.windows.has_title(BOX):
+            raise Failed("the main window instead of a message")
+        self.starts()
+
+    def is_refused(self):
+        wait_until("the message", lambda: self.windows.has_keyboard(BOX))
+        if self.windows.has_title(MAIN):
+            raise Failed("no main window")
+        self.compositor.press("Return")
+        wait_until("the end of the program", lambda: self.program.poll() is not None)
+
     def terminal_shows(self, lines):
         wait_until(f"{lines} lines in the log", lambda: self.windows.has_title(rf"{TERMINAL}\[ *1-{lines} *\]"))
 
@@ -262,36 +302,102 @@ class Trial:
         self.compositor.choose_main()
         wait_until("the keyboard in the main window", lambda: self.windows.has_keyboard(MAIN))
 
+    def corner_of_main(self):
+        """The place on the screen of the main window, which is in front."""
+        for step in ((150, 80), (60, 40)):
+            for x in range(640 % step[0], WIDTH, step[0]):
+                for y in range(520 % step[1], HEIGHT, step[1]):
+                    self.compositor.point(x, y)
+                    # The program may hear of it only when the pointer has gone on.
+                    time.sleep(0.05)
+                    if self.windows.pointer_in(MAIN):
+                        return self.corner_at(x, y)
+        return None
+
+    def corner_at(self, x, y):
+        def corner():
+            self.compositor.point(x, y)
+            self.compositor.point(x + 7, y + 3)
+            places = self.windows.pointer_in(MAIN)
+            # The last step, and no other, was this far.
+            if len(places) == 2 and (places[1][0] - places[0][0], places[1][1] - places[0][1]) == (7, 3):
+                return x + 7 - places[1][0], y + 3 - places[1][1]
+            return None
+        return wait_until("the pointer's place in the main window", corner)
+
+    def choose_from_file_menu(self, mnemonic):
+        x, y = wait_until("the main window under the pointer", self.corner_of_main)
+        before = self.windows.popups()
+        self.compositor.click(x + 15, y + (8 if self.windows.are_framed_by_compositor() else 38))
+        wait_until("the File menu", lambda: self.windows.popups() > before)
+        self.compositor.press(mnemonic)
+
+    def comes_up_again(self, pattern):
+        before = self.windows.clicks()
+        self.compositor.click(*wait_until("the Terminal Screen in the picture", self.compositor.find_terminal))
+        # The keyboard goes with the press, so this comes after it.
+        wait_until("the click to arrive", lambda: self.windows.clicks() > before)
+        wait_until(f"the keyboard in {pattern} after a click on the Terminal Screen",
+                   lambda: self.windows.has_keyboard(pattern))
+
+    def file_dialog(self):
+        self.choose_from_file_menu("a")
+        wait_until("the keyboard in the file dialog", lambda: self.windows.has_keyboard(SAVE_AS))
+        self.comes_up_again(SAVE_AS)
+        # The file is there already: the dialog's own question comes over it.
+        self.compositor.press("Return")
+        wait_until("the question of the file dialog", lambda: self.windows.count_titled(SAVE_AS) > 1)
+        wait_until("the keyboard in the question", lambda: self.windows.has_keyboard(SAVE_AS))
+        self.comes_up_again(SAVE_AS)
+        before = self.windows.changes()
+        self.compositor.press("Escape")
+        wait_until("the keyboard in the file dialog after its question",
+                   lambda: self.windows.changes() > before and self.windows.has_keyboard(SAVE_AS))
+        self.compositor.press("Escape")
+        wait_until("the end of the file dialog", lambda: not self.windows.has_keyboard(SAVE_AS))
+
     def box(self):
         self.instrument.terminate()
         wait_until("the keyboard in the box", lambda: self.windows.has_keyboard(BOX))
-        before = self.windows.changes()
-        self.compositor.click(*wait_until("the Terminal Screen in the picture", self.compositor.find_terminal))
-        wait_until("the click to arrive", lambda: self.windows.had_keyboard(TERMINAL, before))
-        wait_until("the keyboard in the box after a click on the Terminal Screen",
-                   lambda: self.windows.has_keyboard(BOX, before))
+        self.comes_up_again(BOX)
         self.compositor.press("Return")
         wait_until("the end of the box", lambda: self.windows.has_title(r"Quarn   \(COM7-NC\)"))
         wait_until("the keyboard in the Terminal Screen after the box", lambda: self.windows.has_keyboard(TERMINAL))
 
 
+COMPOSITORS = {"sway": Sway, "weston": Weston, "kwin_wayland": KWin}
 SUBJECTS = {"starts": Trial.starts, "ESC": Trial.escape, "type-ahead": Trial.type_ahead,
-            "main window": Trial.main_window, "box above all": Trial.box}
+            "main window": Trial.main_window, "file dialog": Trial.file_dialog, "box above all": Trial.box}
+SCALES = {"125 %": (1.25, Trial.starts_scaled), "150 %": (1.5, Trial.starts_scaled),
+          "175 %": (1.75, Trial.starts_scaled), "200 % refused": (2, Trial.is_refused)}
+
+
+def run(kind, scale, programs, place, subjects):
+    place.mkdir(exist_ok=True)
+    compositor = kind(place, scale)
+    try:
+        compositor.open()
+        trial = Trial(compositor, programs, place)
+        for subject, tried in subjects.items():
+            tried(trial)
+            print(f"{subject}=yes", flush=True)
+    finally:
+        if compositor.started:
+            (place / "screen.ppm").write_bytes(compositor.ppm())
+        compositor.stop()
 
 
 def main():
     name, programs, place = sys.argv[1], pathlib.Path(sys.argv[2]).resolve(), pathlib.Path(sys.argv[3]).resolve()
-    compositor = {"sway": Sway, "weston": Weston, "kwin_wayland": KWin}[name](place)
     try:
-        compositor.open()
-        trial = Trial(compositor, programs, place)
-        for subject, tried in SUBJECTS.items():
-            tried(trial)
-            print(f"{subject}=yes", flush=True)
+        run(COMPOSITORS[name], 1, programs, place, SUBJECTS)
+        for subject, (scale, tried) in SCALES.items():
+            if scale in COMPOSITORS[name].SCALES:
+                run(COMPOSITORS[name], scale, programs, place / str(scale), {subject: tried})
+            else:
+                print(f"{subject}=-", flush=True)
     except Failed as failure:
         sys.exit(f"gave up waiting for {failure}")
-    finally:
-        compositor.stop()
 
 
 if __name__ == "__main__":

@@ -14,12 +14,15 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <optional>
 #include <system_error>
 #include <utility>
 
 #include "app/file_argument.h"
 #include "app/platform.h"
+#include "app/scaling.h"
 #include "app/user_folders_linux.h"
+#include "app/wayland_output.h"
 #include "settings/data_folder.h"
 
 namespace quarn {
@@ -77,7 +80,10 @@ int WindowDpi(const QWidget& window) {
   const QScreen* screen = window.screen();
   if (screen == nullptr) return 0;
   // A desktop scales windows partly by larger fonts, partly by larger pixels.
-  return static_cast<int>(std::lround(screen->logicalDotsPerInch() * screen->devicePixelRatio()));
+  const double drawn = screen->logicalDotsPerInch() * screen->devicePixelRatio();
+  if (!QGuiApplication::platformName().startsWith(u"wayland")) return static_cast<int>(std::lround(drawn));
+  const std::optional<OutputSize> output = WaylandOutput(screen->name());
+  return static_cast<int>(std::lround(drawn * (output ? ShownShare(*output) : 1)));
 }
 
 int MessageFontHeight() { return QFontInfo(QApplication::font("QMessageBox")).pixelSize(); }

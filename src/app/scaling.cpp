@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 
 namespace quarn {
 
@@ -15,6 +16,13 @@ int ScalingPercent(int dpi) {
 bool IsSupportedScaling(int percent) {
   constexpr std::array kSupported{100, 125, 150, 175};
   return std::find(kSupported.begin(), kSupported.end(), percent) != kSupported.end();
+}
+
+double ShownShare(const OutputSize& output) {
+  if (output.pixels.isEmpty() || output.logical.isEmpty() || output.wholeScale < 1) return 1;
+  // Areas do not depend on how the output is turned, and less on how its logical size was rounded.
+  const auto area = [](QSize size) { return double(size.width()) * size.height(); };
+  return std::sqrt(area(output.pixels) / area(output.logical)) / output.wholeScale;
 }
 
 }  // namespace quarn

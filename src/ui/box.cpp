@@ -6,9 +6,6 @@
 #include <QTimer>
 #include <QWindow>
 #include <algorithm>
-#include <memory>
-
-#include "ui/box_order.h"
 
 namespace quarn {
 namespace {
@@ -114,7 +111,6 @@ int RunBox(QDialog& box) {
   const QPointer<QWidget> below = window;
   const BoxOver over(window);
   const InFrontOf inFront(box, window);
-  const std::unique_ptr<BoxOrder> order = KeepInFront(box);
   const LastLook look(box);
   const int result = box.exec();
   // Not every system returns the keyboard focus automatically.

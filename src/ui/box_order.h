@@ -6,13 +6,15 @@ class QWidget;
 
 namespace quarn {
 
-/// While it exists, `box` stays in front of the program's other windows, whichever of them is clicked on.
+/// While it exists, a modal window (a box, a file dialog, a question of Qt's) stays in front of the program's
+/// other windows, whichever of them is clicked on. One for the whole program; make it before any window.
 /// User-interface thread only.
-class BoxOrder {
+class ModalOrder {
  public:
-  virtual ~BoxOrder() = default;
+  virtual ~ModalOrder() = default;
 };
-[[nodiscard]] std::unique_ptr<BoxOrder> KeepInFront(QWidget& box);
+/// Null where the system does this itself.
+[[nodiscard]] std::unique_ptr<ModalOrder> KeepModalInFront();
 
 /// Call for a window before it is shown. Where nobody can move a window that covers its owner (Wayland), the
 /// owner can then come to the front of it.

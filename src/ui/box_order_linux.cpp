@@ -1,6 +1,5 @@
 #include <QAbstractNativeEventFilter>
-#include <QGuiApplication>
-#include <QPointer>
+#include <QApplication>
 #include <QWidget>
 #include <QWindow>
 
@@ -11,25 +10,21 @@
 namespace quarn {
 namespace {
 
-/// A window manager knows that the box belongs in front of one window. A click on another window of the
-/// program brings that one to the front, with the keyboard; Qt hands the keyboard on to the box, but some
-/// window managers do not raise it for that.
-class RaisedOnFocus final : public BoxOrder, public QAbstractNativeEventFilter {
+/// A window manager knows that a modal window belongs in front of one window. A click on another window of
+/// the program brings that one to the front, with the keyboard; Qt hands the keyboard on to the modal window,
+/// but some window managers do not raise it for that.
+class RaisedOnFocus final : public ModalOrder, public QAbstractNativeEventFilter {
  public:
-  explicit RaisedOnFocus(QWidget& box) : m_box(&box) {
-    QCoreApplication::instance()->installNativeEventFilter(this);
-  }
+  RaisedOnFocus() { QCoreApplication::instance()->installNativeEventFilter(this); }
 
   bool nativeEventFilter(const QByteArray& eventType, void* message, qintptr* /*result*/) override {
-    QWidget* const box = m_box.data();
-    if (eventType != "xcb_generic_event_t" || box == nullptr || !box->isVisible()) return false;
+    if (eventType != "xcb_generic_event_t") return false;
     if (KindOfEvent(*static_cast<const xcb_generic_event_t*>(message)) != XCB_FOCUS_IN) return false;
-    if (static_cast<const xcb_focus_in_event_t*>(message)->event != box->winId()) box->raise();
+    QWidget* const modal = QApplication::activeModalWidget();
+    if (modal == nullptr || !modal->isVisible() || !IsOurs(*modal)) return false;
+    if (static_cast<const xcb_focus_in_event_t*>(message)->event != modal->winId()) modal->raise();
     return false;
   }
-
- private:
-  QPointer<QWidget> m_box;
 };
 
 bool IsOnWayland() { return QGuiApplication::platformName().startsWith(u"wayland"); }
@@ -42,9 +37,9 @@ void LetStandAlone(QWidget& window) {
   window.windowHandle()->setTransientParent(nullptr);
 }
 
-std::unique_ptr<BoxOrder> KeepInFront(QWidget& box) {
-  if (IsOnWayland()) return std::make_unique<ShownAgain>(box);
-  return std::make_unique<RaisedOnFocus>(box);
+std::unique_ptr<ModalOrder> KeepModalInFront() {
+  if (IsOnWayland()) return std::make_unique<ShownAgain>();
+  return std::make_unique<RaisedOnFocus>();
 }
 
 }  // namespace quarn

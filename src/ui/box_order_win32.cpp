@@ -3,7 +3,7 @@
 namespace quarn {
 
 // The system does not raise a window that is under a box.
-std::unique_ptr<BoxOrder> KeepInFront(QWidget& /*box*/) { return nullptr; }
+std::unique_ptr<ModalOrder> KeepModalInFront() { return nullptr; }
 
 void LetStandAlone(QWidget& /*window*/) {}
 

@@ -1,7 +1,9 @@
 #include "ui/box_shown_again_linux.h"
 
+#include <QApplication>
 #include <QDeadlineTimer>
-#include <QGuiApplication>
+#include <QEvent>
+#include <QPointer>
 #include <QWidget>
 #include <QWindow>
 
@@ -18,42 +20,60 @@ KeyboardIn WhoHas(const QWindow* focused, const QWindow* box) {
   return KeyboardIn::AnotherWindow;
 }
 
+/// The box that is up and can be shown again, or null.
+QWidget* BoxUp() {
+  QWidget* const box = QApplication::activeModalWidget();
+  const bool isUp = box != nullptr && box->isVisible() && box->windowHandle() != nullptr && IsOurs(*box);
+  return isUp ? box : nullptr;
+}
+
+void ShowOver(QWidget& box, QWindow* focused) {
+  const QPointer<QWidget> focus = box.focusWidget();
+  // A dialog's own function would end its event loop.
+  box.QWidget::setVisible(false);
+  // The system takes note of this when the window is shown.
+  if (focused != nullptr) box.windowHandle()->setTransientParent(focused);
+  box.QWidget::setVisible(true);
+  if (!focus.isNull()) focus->setFocus();
+}
+
 }  // namespace
+
+bool IsOurs(const QWidget& modal) { return !modal.testAttribute(Qt::WA_DontShowOnScreen); }
+
+void ShowAgainRule::Show(qint64 nowMs) {
+  m_isAwaited = true;
+  m_shownAtMs = nowMs;
+}
 
 bool ShowAgainRule::Take(KeyboardIn where, qint64 nowMs) {
   if (where == KeyboardIn::Box) m_isAwaited = false;
   if (where != KeyboardIn::AnotherWindow) return false;
   if (m_isAwaited && nowMs - m_shownAtMs < kAnswerMs) return false;
-  m_isAwaited = true;
-  m_shownAtMs = nowMs;
+  Show(nowMs);
   return true;
 }
 
-ShownAgain::ShownAgain(QWidget& box) : m_box(&box), m_rule(Now()) {
+ShownAgain::ShownAgain() {
+  qApp->installEventFilter(this);
   connect(qGuiApp, &QGuiApplication::focusWindowChanged, this, &ShownAgain::Follow);
 }
 
-void ShownAgain::Follow(QWindow* focused) {
-  const QWidget* const box = m_box.data();
-  if (box == nullptr || !box->isVisible() || box->windowHandle() == nullptr) return;
-  // A box over this one has an order of its own.
-  if (QGuiApplication::modalWindow() != box->windowHandle()) return;
-  if (!m_rule.Take(WhoHas(focused, box->windowHandle()), Now())) return;
-  // Not inside the change of the focus.
-  const auto show = [this, over = QPointer<QWindow>(focused)] { ShowOver(over.data()); };
-  QMetaObject::invokeMethod(this, show, Qt::QueuedConnection);
+bool ShownAgain::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() != QEvent::Show || event->spontaneous()) return false;
+  const auto* const window = qobject_cast<const QWidget*>(watched);
+  if (window != nullptr && window->isModal()) m_rule.Show(Now());
+  return false;
 }
 
-void ShownAgain::ShowOver(QWindow* focused) {
-  QWidget* const box = m_box.data();
-  if (box == nullptr || !box->isVisible() || QGuiApplication::modalWindow() != box->windowHandle()) return;
-  const QPointer<QWidget> focus = box->focusWidget();
-  // A dialog's own function would end its event loop.
-  box->QWidget::setVisible(false);
-  // The system takes note of this when the window is shown.
-  if (focused != nullptr) box->windowHandle()->setTransientParent(focused);
-  box->QWidget::setVisible(true);
-  if (!focus.isNull()) focus->setFocus();
+void ShownAgain::Follow(QWindow* focused) {
+  QWidget* const box = BoxUp();
+  if (box == nullptr || !m_rule.Take(WhoHas(focused, box->windowHandle()), Now())) return;
+  // Not inside the change of the focus.
+  const auto show = [box = QPointer<QWidget>(box), over = QPointer<QWindow>(focused)] {
+    if (!box.isNull() && BoxUp() == box) ShowOver(*box, over.data());
+  };
+  QMetaObject::invokeMethod(this, show, Qt::QueuedConnection);
 }
 
 }  // namespace quarn

@@ -1,8 +1,6 @@
 #pragma once
 
 #include <QObject>
-#include <QPointer>
-#include <memory>
 
 #include "ui/box_order.h"
 
@@ -11,10 +9,13 @@ class QWindow;
 
 namespace quarn {
 
-/// Who has the keyboard while a box is up.
+/// Whether the program draws the window: a dialog of the system's stands for one that it cannot reach.
+[[nodiscard]] bool IsOurs(const QWidget& modal);
+
+/// Who has the keyboard while a modal window, the box, is up.
 enum class KeyboardIn : unsigned char { Box, AnotherWindow, Elsewhere };
 
-/// Decides when to show a box again: once for each time that another window takes the keyboard. Whenever a
+/// Decides when to show the box again: once for each time that another window takes the keyboard. Whenever a
 /// box is shown, the window system may first give the keyboard to one more window; that does not count.
 class ShowAgainRule {
  public:
@@ -22,28 +23,29 @@ class ShowAgainRule {
   static constexpr int kAnswerMs = 1000;
 
   /// The box is about to be shown. `nowMs` never goes back.
-  explicit ShowAgainRule(qint64 nowMs) : m_shownAtMs(nowMs) {}
+  void Show(qint64 nowMs);
   /// Whether to show the box again.
   [[nodiscard]] bool Take(KeyboardIn where, qint64 nowMs);
 
  private:
-  bool m_isAwaited = true;  ///< shown, and the keyboard has not come since
-  qint64 m_shownAtMs;
+  bool m_isAwaited = false;  ///< shown, and the keyboard has not come since
+  qint64 m_shownAtMs = 0;
 };
 
 /// For window systems in which a program can neither raise a window nor take the keyboard (Wayland). A box
 /// that is under the window that was clicked on is hidden and shown again: a window that is shown comes up in
 /// front, and the system puts it in front of the clicked one from then on. The box's event loop, its state
 /// and its focus stay.
-class ShownAgain final : public QObject, public BoxOrder {
+class ShownAgain final : public QObject, public ModalOrder {
  public:
-  explicit ShownAgain(QWidget& box);
+  ShownAgain();
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
   void Follow(QWindow* focused);
-  void ShowOver(QWindow* focused);
 
-  QPointer<QWidget> m_box;
   ShowAgainRule m_rule;
 };
 

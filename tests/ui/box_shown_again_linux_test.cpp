@@ -4,7 +4,11 @@
 
 #include <QApplication>
 #include <QDialog>
+#include <QFile>
+#include <QFileDialog>
+#include <QMessageBox>
 #include <QPushButton>
+#include <QTemporaryDir>
 #include <QTimer>
 #include <QVBoxLayout>
 #include <QWindow>
@@ -21,7 +25,8 @@ constexpr qint64 kLater = ShowAgainRule::kAnswerMs;
 // When to show the box again.
 
 TEST(ShowAgainRule, EachWindowThatTakesTheKeyboard) {
-  ShowAgainRule rule(0);
+  ShowAgainRule rule;
+  rule.Show(0);
   EXPECT_FALSE(rule.Take(KeyboardIn::Box, 1));
   EXPECT_TRUE(rule.Take(KeyboardIn::AnotherWindow, 2));
   EXPECT_FALSE(rule.Take(KeyboardIn::Box, 3));
@@ -29,7 +34,8 @@ TEST(ShowAgainRule, EachWindowThatTakesTheKeyboard) {
 }
 
 TEST(ShowAgainRule, NotTheWindowThatTheSystemChoosesWhenTheBoxGoes) {
-  ShowAgainRule rule(0);
+  ShowAgainRule rule;
+  rule.Show(0);
   EXPECT_FALSE(rule.Take(KeyboardIn::Box, 1));
   EXPECT_TRUE(rule.Take(KeyboardIn::AnotherWindow, 10));
   EXPECT_FALSE(rule.Take(KeyboardIn::Elsewhere, 11));
@@ -40,20 +46,23 @@ TEST(ShowAgainRule, NotTheWindowThatTheSystemChoosesWhenTheBoxGoes) {
 }
 
 TEST(ShowAgainRule, NotTheWindowThatHadAnEarlierBox) {
-  ShowAgainRule rule(100);
+  ShowAgainRule rule;
+  rule.Show(100);
   EXPECT_FALSE(rule.Take(KeyboardIn::AnotherWindow, 101)) << "the earlier box has just gone";
   EXPECT_FALSE(rule.Take(KeyboardIn::Box, 102));
 }
 
 TEST(ShowAgainRule, AgainWhereTheBoxDoesNotGetTheKeyboard) {
-  ShowAgainRule rule(10);
+  ShowAgainRule rule;
+  rule.Show(10);
   EXPECT_TRUE(rule.Take(KeyboardIn::AnotherWindow, 10 + kLater));
   EXPECT_FALSE(rule.Take(KeyboardIn::AnotherWindow, 11 + kLater)) << "the wait begins anew";
   EXPECT_TRUE(rule.Take(KeyboardIn::AnotherWindow, 10 + 2 * kLater));
 }
 
 TEST(ShowAgainRule, NotForOtherPrograms) {
-  ShowAgainRule rule(0);
+  ShowAgainRule rule;
+  rule.Show(0);
   EXPECT_FALSE(rule.Take(KeyboardIn::Box, 1));
   EXPECT_FALSE(rule.Take(KeyboardIn::Elsewhere, 2));
   EXPECT_TRUE(rule.Take(KeyboardIn::AnotherWindow, 3)) << "the person comes back by way of it";
@@ -117,10 +126,10 @@ class ShownAgainBox : public ::testing::Test {
   QDialog other;
   QDialog active;
   ModalBox box;
+  const ShownAgain order;
 };
 
 TEST_F(ShownAgainBox, StaysModalAndRunningOverTheClickedWindow) {
-  const ShownAgain order(box);
   const Shows shows(box);
   const int result = RunAndClose(box, [&] {
     box.second.setFocus();
@@ -139,11 +148,9 @@ TEST_F(ShownAgainBox, StaysModalAndRunningOverTheClickedWindow) {
 }
 
 TEST_F(ShownAgainBox, LeavesItsOrderToTheBoxOverIt) {
-  const ShownAgain order(box);
   const Shows shows(box);
   RunAndClose(box, [&] {
     ModalBox upper;
-    const ShownAgain upperOrder(upper);
     const Shows upperShows(upper);
     RunAndClose(upper, [&] {
       const int before = upperShows.count;
@@ -157,7 +164,6 @@ TEST_F(ShownAgainBox, LeavesItsOrderToTheBoxOverIt) {
 }
 
 TEST_F(ShownAgainBox, ThatIsClosedMeanwhileStaysClosed) {
-  const ShownAgain order(box);
   const Shows shows(box);
   int before = 0;
   RunAndClose(box, [&] {
@@ -170,6 +176,62 @@ TEST_F(ShownAgainBox, ThatIsClosedMeanwhileStaysClosed) {
   QCoreApplication::processEvents();
   EXPECT_EQ(shows.count, before);
   EXPECT_FALSE(box.isVisible());
+}
+
+// Qt's own dialog is a box like all others, and so is the question that it asks itself.
+TEST_F(ShownAgainBox, ThatIsAFileDialogWithAQuestion) {
+  QTemporaryDir folder;
+  QFile file(folder.filePath(QStringLiteral("there.qrn")));
+  ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+  file.close();
+  QFileDialog dialog(&active, QStringLiteral("Save"), folder.path());
+  dialog.setOption(QFileDialog::DontUseNativeDialog);
+  dialog.setAcceptMode(QFileDialog::AcceptSave);
+  dialog.selectFile(file.fileName());
+  const Shows shows(dialog);
+  int questions = 0;
+  const auto question = [&] { return qobject_cast<QMessageBox*>(QApplication::activeModalWidget()); };
+  // Runs in the event loop of the question.
+  const auto answer = [&] {
+    QMessageBox* const asks = question();
+    ASSERT_NE(asks, nullptr);
+    EXPECT_TRUE(QTest::qWaitForWindowActive(asks, kLongestWaitMs));
+    const Shows questionShows(*asks);
+    const int before = shows.count;
+    Click(other);
+    EXPECT_TRUE(WaitUntil([&] { return questionShows.count == 1 && asks->isActiveWindow(); }));
+    EXPECT_EQ(shows.count, before);
+    ++questions;
+    asks->button(QMessageBox::No)->click();
+  };
+  RunAndClose(dialog, [&] {
+    const int before = shows.count;
+    Click(other);
+    EXPECT_TRUE(WaitUntil([&] { return shows.count > before && dialog.isActiveWindow(); }));
+    EXPECT_EQ(shows.count, before + 1);
+    QTimer poll;
+    QObject::connect(&poll, &QTimer::timeout, &poll, [&] {
+      if (question() == nullptr) return;
+      poll.stop();
+      QTimer::singleShot(0, &dialog, answer);
+    });
+    poll.start(1);
+    static_cast<QDialog&>(dialog).accept();
+  });
+  EXPECT_EQ(questions, 1);
+}
+
+TEST_F(ShownAgainBox, ThatIsTheSystemsOwnIsLeftAlone) {
+  const Shows shows(box);
+  RunAndClose(box, [&] {
+    box.setAttribute(Qt::WA_DontShowOnScreen);
+    const int before = shows.count;
+    Click(other);
+    EXPECT_TRUE(WaitUntil([&] { return other.isActiveWindow(); }));
+    // What the click has asked for comes before this.
+    QCoreApplication::processEvents();
+    EXPECT_EQ(shows.count, before);
+  });
 }
 
 }  // namespace

@@ -1,3 +1,4 @@
+#include <QRegularExpression>
 #include <algorithm>
 
 #include "support/silent_socket_linux.h"
@@ -5,6 +6,48 @@
 
 namespace quarn::test {
 namespace {
+
+/// Notes what becomes of the windows that stand on the screen itself: those with which the window manager
+/// frames the program's.
+class WindowEvents {
+ public:
+  explicit WindowEvents(const Desktop& desktop) {
+    m_process.setProcessEnvironment(desktop.Environment());
+    m_process.start(QStringLiteral("xev"),
+                    {QStringLiteral("-root"), QStringLiteral("-event"), QStringLiteral("substructure")});
+  }
+  /// Whether it hears of events; makes one.
+  bool AreTold(const Desktop& desktop) {
+    return Eventually([&] {
+      desktop.Run(QStringLiteral("xclip"), {QStringLiteral("-o")});  // has a window
+      return !Told().isEmpty();
+    });
+  }
+  /// The different sizes that the window has had since it could be seen, in their order.
+  QStringList SizesOf(const QByteArray& window) {
+    QStringList sizes;
+    QString size;
+    bool isSeen = false;
+    for (const QString& event : Told().split(QStringLiteral("\n\n"))) {
+      if (!event.contains(QStringLiteral("window %1,").arg(QLatin1String(window)))) continue;
+      static const QRegularExpression pattern(QStringLiteral("width (\\d+), height (\\d+)"));
+      const QRegularExpressionMatch match = pattern.match(event);
+      if (match.hasMatch()) size = match.captured(1) + QLatin1Char('x') + match.captured(2);
+      if (event.startsWith(QLatin1String("MapNotify"))) isSeen = true;
+      if (isSeen && !sizes.endsWith(size)) sizes.append(size);
+    }
+    return sizes;
+  }
+
+ private:
+  const QString& Told() {
+    while (m_process.waitForReadyRead(0)) m_told += QString::fromLatin1(m_process.readAllStandardOutput());
+    return m_told;
+  }
+
+  ChildProcess m_process;
+  QString m_told;
+};
 
 /// What window managers do differently: which window is in front, which one has the keyboard, what a person
 /// may do with it.
@@ -17,20 +60,31 @@ class OnTheDesktop : public Dialogs {
     Focus(WaitForWindow(QStringLiteral("^Drag Source$")));
   }
 
-  /// The windows from the bottom to the top, as the window manager has stacked them; numbers as xdotool has
-  /// them.
-  [[nodiscard]] QStringList Stacking() const {
-    const QByteArray line = desktop.Run(
-        QStringLiteral("xprop"), {QStringLiteral("-root"), QStringLiteral("_NET_CLIENT_LIST_STACKING")});
-    QStringList windows;
-    for (const QByteArray& id : line.mid(line.indexOf('#') + 1).split(','))
-      windows.append(QString::number(id.trimmed().toUInt(nullptr, 0)));
-    return windows;
+  /// The window of the window manager in which this one stands, or itself.
+  [[nodiscard]] QByteArray Outermost(const QString& window) const {
+    static const QRegularExpression parent(QStringLiteral("Parent window id: (0x[0-9a-f]+)"));
+    static const QRegularExpression root(QStringLiteral("Root window id: (0x[0-9a-f]+)"));
+    QString outer = QStringLiteral("0x") + QString::number(window.toUInt(), 16);
+    for (;;) {
+      const QString tree = QString::fromLatin1(desktop.Run(
+          QStringLiteral("xwininfo"), {QStringLiteral("-id"), outer, QStringLiteral("-children")}));
+      const QString next = parent.match(tree).captured(1);
+      if (next.isEmpty() || next == root.match(tree).captured(1)) return outer.toLatin1();
+      outer = next;
+    }
   }
-  /// Whether the first window is in front of the second.
+
+  /// Whether the first window is in front of the second, as the server draws them: not every window manager
+  /// keeps its list of them right.
   [[nodiscard]] bool IsInFront(const QString& first, const QString& second) const {
-    const QStringList stacking = Stacking();
-    return stacking.contains(second) && stacking.indexOf(first) > stacking.indexOf(second);
+    const QString tree = QString::fromLatin1(
+        desktop.Run(QStringLiteral("xwininfo"), {QStringLiteral("-root"), QStringLiteral("-children")}));
+    // From the top to the bottom.
+    const auto place = [&tree](const QByteArray& window) {
+      return tree.indexOf(QStringLiteral("  %1 ").arg(QLatin1String(window)));
+    };
+    const qsizetype placeOfFirst = place(Outermost(first));
+    return placeOfFirst >= 0 && placeOfFirst < place(Outermost(second));
   }
   /// Clicks on a part of the window that nothing covers, then looks whether the box is still in front.
   void ExpectInFrontAfterClickOn(const QString& box, const QString& titlePattern) {
@@ -78,6 +132,19 @@ TEST_F(OnTheDesktop, ABoxIsInFrontOfEveryWindowWhicheverWasActive) {
   Acknowledge(kError, kNotAvailable);
 }
 
+TEST_F(OnTheDesktop, AFileDialogIsInFrontOfEveryWindow) {
+  StartConnected("* -> line \"OK\"");
+  const QString title = QStringLiteral("^Save As Quarn Configuration File$");
+  Choose(kFile, QStringLiteral("Save As"));
+  const QString dialog = WaitForWindow(title);
+  // Over the Terminal Screen, and beside the corners that are clicked on.
+  MoveAside(title, Geometry(terminal).topLeft() + QPoint(50, 200));
+  for (const QString& each : {kTerminal, kMain, kTerminal}) ExpectInFrontAfterClickOn(dialog, each);
+  EXPECT_TRUE(IsActiveAgain(dialog));
+  AnswerBox(title, QStringLiteral("Escape"));
+  EXPECT_TRUE(WaitForNoWindow(title));
+}
+
 TEST_F(OnTheDesktop, AfterABoxTheTerminalScreenHasTheKeyboardAgain) {
   StartConnected("* -> line \"OK\"", {{QStringLiteral("AUTO_CLR"), QStringLiteral("ON")}});
   std::string sent;
@@ -93,6 +160,61 @@ TEST_F(OnTheDesktop, AfterABoxTheTerminalScreenHasTheKeyboardAgain) {
       ASSERT_TRUE(WaitForNoWindow(kConfirmation));
       ASSERT_TRUE(IsActiveAgain(terminal)) << answer.toStdString() << ' ' << times;
     }
+  }
+}
+
+TEST_F(OnTheDesktop, AfterABoxTheMainWindowHasTheKeyboardAgain) {
+  StartConnected("* -> line \"OK\"");
+  const QString main = WaitForWindow(kMain);
+  for (int times = 0; times < 5; ++times) {
+    Focus(main);
+    Choose(kPortMenu, QStringLiteral("Disconnect COM Port"));
+    ASSERT_FALSE(WaitForWindow(kConfirmation).isEmpty());
+    AnswerBox(kConfirmation, kNo);
+    ASSERT_TRUE(WaitForNoWindow(kConfirmation));
+    ASSERT_TRUE(IsActiveAgain(main)) << times;
+  }
+}
+
+TEST_F(OnTheDesktop, AnOpenDialogThatIsChosenAgainComesToTheFront) {
+  StartConnected("* -> line \"OK\"");
+  const QString item = QStringLiteral("COM Port Settings");
+  OpenDialog(kPortMenu, item, kSettings);
+  MoveAside(kSettings, {600, 300});
+  OpenDialog(kTools, QStringLiteral("Function Key Table"), kTable);
+  MoveAside(kTable, {620, 320});
+  const QString settings = WaitForWindow(kSettings);
+  const QString table = WaitForWindow(kTable);
+  ASSERT_TRUE(Eventually([&] { return IsInFront(table, settings); }));
+  Choose(kPortMenu, item);
+  EXPECT_TRUE(Eventually([&] { return IsInFront(settings, table) && IsInFront(settings, terminal); }));
+  EXPECT_TRUE(IsActiveAgain(settings));
+  EXPECT_EQ(desktop.Windows(kSettings).size(), 1);
+}
+
+TEST_F(OnTheDesktop, TheTerminalScreenKeepsTheSizeWithWhichItOpens) {
+  StartWithoutTerminal("* -> line \"OK\"");
+  // The main window's frame is the usual one from now on.
+  ASSERT_TRUE(Eventually([&] { return desktop.Frame(WaitForWindow(kMain)).has_value(); }));
+  WindowEvents events(desktop);
+  ASSERT_TRUE(events.AreTold(desktop));
+  for (int times = 0; times < 2; ++times) {
+    Choose(kTools, QStringLiteral("Terminal Screen"));
+    terminal = WaitForWindow(kTerminal);
+    ASSERT_FALSE(terminal.isEmpty());
+    // A window that opens with another size gets the right one a tenth of a second later.
+    const QRect opened = Geometry(terminal);
+    EXPECT_TRUE(Holds([&] { return Geometry(terminal).size() == opened.size(); }));
+    QStringList sizes = events.SizesOf(Outermost(terminal));
+    // Some window managers make a frame of one pixel, or of the window's own size, and adapt it.
+    sizes.removeAll(QStringLiteral("1x1"));
+    const QString bare = QStringLiteral("%1x%2").arg(opened.width()).arg(opened.height());
+    if (sizes.size() > 1 && sizes.constFirst() == bare) sizes.removeFirst();
+    EXPECT_EQ(sizes.size(), 1) << times << ": " << sizes.join(QLatin1Char(' ')).toStdString();
+    // Not with Alt+F4: in some desktops another program than the window manager has that key.
+    desktop.Run(QStringLiteral("wmctrl"), {QStringLiteral("-i"), QStringLiteral("-c"),
+                                           QStringLiteral("0x") + QString::number(terminal.toUInt(), 16)});
+    ASSERT_TRUE(WaitForNoWindow(kTerminal));
   }
 }
 
