@@ -15,6 +15,7 @@
 #include "serial/platform_serial.h"
 #include "settings/data_folder.h"
 #include "terminal/standard_streams.h"
+#include "ui/control_style.h"
 #include "ui/pictures.h"
 #include "ui/wait_cursor.h"
 #include "ui/window_messages.h"
@@ -57,6 +58,7 @@ int main(int argc, char* argv[]) {
   auto session = std::make_unique<quarn::DesktopSession>(arguments);
   const QApplication application(argc, argv);
   session.reset();
+  quarn::UseVisibleOutlines();
   QApplication::setWindowIcon(quarn::ApplicationIcon());
   // Message boxes close before the main dialog exists, and this must not end the program.
   QApplication::setQuitOnLastWindowClosed(false);
