@@ -38,8 +38,8 @@ void AddWindowMenuItem(QWidget& window, const QString& text, const QString& plai
                        std::function<void()> chosen);
 
 /// Chooses the display of a session that has two, and keeps the program from a session bus that does not
-/// answer. Make it before the application object, and destroy it afterwards: programs that this one starts
-/// choose for themselves.
+/// answer, and GTK from loading OpenGL, which nothing here uses. Make it before the application object, and
+/// destroy it afterwards: programs that this one starts choose for themselves.
 class DesktopSession {
  public:
   /// `arguments`: the process's own, with the program first.
@@ -50,6 +50,7 @@ class DesktopSession {
 
  private:
   const bool m_choseDisplay;
+  const bool m_spareGl;
 };
 
 }  // namespace quarn

@@ -110,8 +110,8 @@ void AddWindowMenuItem(QWidget& window, const QString& text, const QString& /*pl
   new SystemMenuItem(window, std::move(chosen));
 }
 
-// There is one display, and no session bus.
-DesktopSession::DesktopSession(const QStringList& /*arguments*/) : m_choseDisplay(false) {}
+// There is one display, no session bus and no GTK.
+DesktopSession::DesktopSession(const QStringList& /*arguments*/) : m_choseDisplay(false), m_spareGl(false) {}
 DesktopSession::~DesktopSession() = default;
 
 }  // namespace quarn
