@@ -19,6 +19,7 @@ namespace {
 
 constexpr char kPlatform[] = "QT_QPA_PLATFORM";
 constexpr char kBus[] = "DBUS_SESSION_BUS_ADDRESS";
+constexpr char kGtkGl[] = "GDK_GL";
 constexpr int kBusAnswerMs = 1000;
 
 /// Windows have places of their own, which only X11 lets a program choose. Where a Wayland session has an X
@@ -70,8 +71,12 @@ bool IsSilent(const QByteArray& socketName) {
 
 }  // namespace
 
-DesktopSession::DesktopSession(const QStringList& arguments) : m_choseDisplay(PrefersX11(arguments)) {
+DesktopSession::DesktopSession(const QStringList& arguments)
+    : m_choseDisplay(PrefersX11(arguments)), m_spareGl(!qEnvironmentVariableIsSet(kGtkGl)) {
   if (m_choseDisplay) qputenv(kPlatform, "xcb;wayland");
+  // On GNOME Qt loads GTK, for colours and file dialogs. The first GTK program on a display loads OpenGL,
+  // only to ask which kinds of windows it can draw.
+  if (m_spareGl) qputenv(kGtkGl, "disable");
   const std::optional<QByteArray> bus = BusSocket();
   // Qt would wait for its answer before it shows the first window.
   if (bus && IsSilent(*bus)) qputenv(kBus, "disabled:");
@@ -79,6 +84,7 @@ DesktopSession::DesktopSession(const QStringList& arguments) : m_choseDisplay(Pr
 
 DesktopSession::~DesktopSession() {
   if (m_choseDisplay) qunsetenv(kPlatform);
+  if (m_spareGl) qunsetenv(kGtkGl);
 }
 
 }  // namespace quarn

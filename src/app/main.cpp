@@ -16,6 +16,7 @@
 #include "settings/data_folder.h"
 #include "terminal/standard_streams.h"
 #include "ui/box_order.h"
+#include "ui/control_style.h"
 #include "ui/pictures.h"
 #include "ui/wait_cursor.h"
 #include "ui/window_messages.h"
@@ -59,6 +60,7 @@ int main(int argc, char* argv[]) {
   const QApplication application(argc, argv);
   session.reset();
   const std::unique_ptr<quarn::ModalOrder> order = quarn::KeepModalInFront();
+  quarn::UseVisibleOutlines();
   QApplication::setWindowIcon(quarn::ApplicationIcon());
   // Message boxes close before the main dialog exists, and this must not end the program.
   QApplication::setQuitOnLastWindowClosed(false);

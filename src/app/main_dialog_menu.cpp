@@ -82,7 +82,8 @@ void CQuarnDlg::CreateMenus() {
     m_actions.push_back(WithControlId(action, item.commandId));
   }
   layout()->setMenuBar(m_menuBar);
-  AddWindowMenuItem(*this, QStringLiteral("Quarnについて(&A)..."), [this] { ShowAbout(); });
+  AddWindowMenuItem(*this, QStringLiteral("Quarnについて(&A)..."), QStringLiteral("About Quarn(&A)..."),
+                    [this] { ShowAbout(); });
 }
 
 void CQuarnDlg::UpdateMenuState() {

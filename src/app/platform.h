@@ -33,11 +33,13 @@ int WindowDpi(const QWidget& window);
 int MessageFontHeight();
 
 /// Adds an item to the window's own menu: the system menu if the system has one, otherwise the context menu.
-void AddWindowMenuItem(QWidget& window, const QString& text, std::function<void()> chosen);
+/// Where no font has the letters of `text`, the context menu shows `plainText`.
+void AddWindowMenuItem(QWidget& window, const QString& text, const QString& plainText,
+                       std::function<void()> chosen);
 
 /// Chooses the display of a session that has two, and keeps the program from a session bus that does not
-/// answer. Make it before the application object, and destroy it afterwards: programs that this one starts
-/// choose for themselves.
+/// answer, and GTK from loading OpenGL, which nothing here uses. Make it before the application object, and
+/// destroy it afterwards: programs that this one starts choose for themselves.
 class DesktopSession {
  public:
   /// `arguments`: the process's own, with the program first.
@@ -48,6 +50,7 @@ class DesktopSession {
 
  private:
   const bool m_choseDisplay;
+  const bool m_spareGl;
 };
 
 }  // namespace quarn

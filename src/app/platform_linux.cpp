@@ -6,6 +6,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QDir>
+#include <QEvent>
 #include <QFile>
 #include <QFontInfo>
 #include <QScreen>
@@ -24,6 +25,7 @@
 #include "app/user_folders_linux.h"
 #include "app/wayland_output.h"
 #include "settings/data_folder.h"
+#include "ui/showable_text.h"
 
 namespace quarn {
 namespace {
@@ -52,6 +54,29 @@ InstanceLock LockIn(const QString& folder, QString& reason) {
   }
   return lock;
 }
+
+/// Gives an item of a window's context menu its plain text if no font can show the other one. The fonts are
+/// asked when the menu is first opened, not at the start, because it takes time.
+class PlainWhereNeeded final : public QObject {
+ public:
+  PlainWhereNeeded(QWidget& window, QAction& item, QString plainText)
+      : QObject(&window), m_item(item), m_plainText(std::move(plainText)) {
+    window.installEventFilter(this);
+  }
+
+ protected:
+  bool eventFilter(QObject* window, QEvent* event) override {
+    if (event->type() == QEvent::ContextMenu) {
+      if (!CanShow(QApplication::font("QMenu"), m_item.text())) m_item.setText(m_plainText);
+      window->removeEventFilter(this);
+    }
+    return false;
+  }
+
+ private:
+  QAction& m_item;
+  const QString m_plainText;
+};
 
 }  // namespace
 
@@ -88,8 +113,10 @@ int WindowDpi(const QWidget& window) {
 
 int MessageFontHeight() { return QFontInfo(QApplication::font("QMessageBox")).pixelSize(); }
 
-void AddWindowMenuItem(QWidget& window, const QString& text, std::function<void()> chosen) {
+void AddWindowMenuItem(QWidget& window, const QString& text, const QString& plainText,
+                       std::function<void()> chosen) {
   auto* item = new QAction(text, &window);
+  new PlainWhereNeeded(window, *item, plainText);
   QObject::connect(item, &QAction::triggered, &window, std::move(chosen));
   window.addAction(item);
   window.setContextMenuPolicy(Qt::ActionsContextMenu);

@@ -100,7 +100,9 @@ int MessageFontHeight() {
   return std::abs(static_cast<int>(metrics.lfMessageFont.lfHeight));
 }
 
-void AddWindowMenuItem(QWidget& window, const QString& text, std::function<void()> chosen) {
+// Every Windows has fonts for the letters of all its languages.
+void AddWindowMenuItem(QWidget& window, const QString& text, const QString& /*plainText*/,
+                       std::function<void()> chosen) {
   const HMENU menu = GetSystemMenu(reinterpret_cast<HWND>(window.winId()), FALSE);
   if (menu == nullptr) return;
   AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
@@ -108,8 +110,8 @@ void AddWindowMenuItem(QWidget& window, const QString& text, std::function<void(
   new SystemMenuItem(window, std::move(chosen));
 }
 
-// There is one display, and no session bus.
-DesktopSession::DesktopSession(const QStringList& /*arguments*/) : m_choseDisplay(false) {}
+// There is one display, no session bus and no GTK.
+DesktopSession::DesktopSession(const QStringList& /*arguments*/) : m_choseDisplay(false), m_spareGl(false) {}
 DesktopSession::~DesktopSession() = default;
 
 }  // namespace quarn

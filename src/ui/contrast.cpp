@@ -36,8 +36,10 @@ double ContrastRatio(const QColor& one, const QColor& other) {
   return (lighter + kStrayLight) / (darker + kStrayLight);
 }
 
+bool IsDark(const QColor& background) { return Luminance(background) < kDarkBelow; }
+
 QColor ReadableOn(const QColor& background, const QColor& colour) {
-  const QColor end = Luminance(background) < kDarkBelow ? Qt::white : Qt::black;
+  const QColor end = IsDark(background) ? Qt::white : Qt::black;
   for (int percent = 0; percent < 100; ++percent) {
     const QColor mixed = Mixed(colour, end, percent);
     if (ContrastRatio(mixed, background) >= kReadable) return mixed;

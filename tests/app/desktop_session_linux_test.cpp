@@ -10,8 +10,8 @@
 namespace quarn::test {
 namespace {
 
-const QByteArrayList kVariables{"QT_QPA_PLATFORM", "WAYLAND_DISPLAY", "DISPLAY", "DBUS_SESSION_BUS_ADDRESS",
-                                "XDG_RUNTIME_DIR"};
+const QByteArrayList kVariables{"QT_QPA_PLATFORM",          "WAYLAND_DISPLAY", "DISPLAY",
+                                "DBUS_SESSION_BUS_ADDRESS", "XDG_RUNTIME_DIR", "GDK_GL"};
 
 /// The environment is as it was before when a test ends.
 class DesktopSessionTest : public ::testing::Test {
@@ -47,6 +47,20 @@ class DesktopSessionTest : public ::testing::Test {
   QTemporaryDir m_folder;
   QByteArrayList m_before;
 };
+
+TEST_F(DesktopSessionTest, GtkLoadsNoOpenGlAtTheStart) {
+  {
+    const DesktopSession session({QStringLiteral("quarn")});
+    EXPECT_EQ(qgetenv("GDK_GL"), QByteArray("disable"));
+  }
+  EXPECT_FALSE(qEnvironmentVariableIsSet("GDK_GL")) << "programs that it starts would have it";
+  qputenv("GDK_GL", "always");
+  {
+    const DesktopSession session({QStringLiteral("quarn")});
+    EXPECT_EQ(qgetenv("GDK_GL"), QByteArray("always"));
+  }
+  EXPECT_EQ(qgetenv("GDK_GL"), QByteArray("always"));
+}
 
 TEST_F(DesktopSessionTest, OfTwoDisplaysTheOneWithPlacesIsTaken) {
   qputenv("WAYLAND_DISPLAY", "wayland-0");

@@ -11,6 +11,7 @@
 #include "settings/settings_table.h"
 #include "support/dialog_controls.h"
 #include "support/waits.h"
+#include "ui/control_style.h"
 #include "ui/message_dialogs.h"
 #include "ui/window_messages.h"
 
@@ -130,6 +131,7 @@ const std::vector<WindowCase>& WindowCases() {
 }
 
 void EveryWindow::SetUp() {
+  UseVisibleOutlines();
   program.settings = DefaultSettings();
   MainDialog::SetUp();
 }

@@ -5,11 +5,20 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <QAction>
+#include <QApplication>
+#include <QContextMenuEvent>
+#include <QDialog>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QMenu>
 #include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
 #include <csignal>
+
+#include "support/waits.h"
 
 namespace quarn {
 namespace {
@@ -92,6 +101,37 @@ class Holder {
  private:
   pid_t m_process = 0;
 };
+
+/// The items of the context menu that a click with the right button opens.
+QStringList ItemsOnRightClick(QDialog& dialog) {
+  QStringList shown;
+  QTimer::singleShot(0, &dialog, [&shown] {
+    auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    if (menu == nullptr) return;
+    for (const QAction* each : menu->actions()) shown.append(each->text());
+    menu->close();
+  });
+  const QPoint place = dialog.rect().center();
+  QContextMenuEvent event(QContextMenuEvent::Mouse, place, dialog.mapToGlobal(place));
+  QApplication::sendEvent(&dialog, &event);
+  return shown;
+}
+
+TEST(WindowMenuItem, HasItsPlainTextOnlyWhereNoFontShowsTheOther) {
+  const char32_t free = 0x10FFFD;  // for private use: no font has it
+  const QString unknown = u"Quarn"_s + QString::fromUcs4(&free, 1);
+  QDialog dialog;
+  int chosen = 0;
+  AddWindowMenuItem(dialog, u"Größe (&A)..."_s, u"Size(&A)..."_s, [] {});
+  AddWindowMenuItem(dialog, unknown, u"About Quarn(&A)..."_s, [&chosen] { ++chosen; });
+  dialog.show();
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(&dialog, test::kLongestWaitMs));
+  EXPECT_EQ(dialog.actions().last()->text(), unknown) << "the fonts were asked too early";
+  EXPECT_EQ(ItemsOnRightClick(dialog), (QStringList{u"Größe (&A)..."_s, u"About Quarn(&A)..."_s}));
+  EXPECT_EQ(ItemsOnRightClick(dialog), (QStringList{u"Größe (&A)..."_s, u"About Quarn(&A)..."_s}));
+  dialog.actions().last()->trigger();
+  EXPECT_EQ(chosen, 1);
+}
 
 TEST_F(InstanceLockTest, IsTakenByOneProcessAtATime) {
   Holder holder;

@@ -63,7 +63,8 @@ QString ItemText(HMENU menu, UINT item) {
 TEST(AboutItemWin32, StandsBelowALineInTheSystemMenuAndIsChosenThere) {
   int chosen = 0;
   QDialog dialog;
-  AddWindowMenuItem(dialog, QStringLiteral("Quarnについて(&A)..."), [&chosen] { ++chosen; });
+  AddWindowMenuItem(dialog, QStringLiteral("Quarnについて(&A)..."), QStringLiteral("Plain"),
+                    [&chosen] { ++chosen; });
   dialog.show();
   ASSERT_TRUE(QTest::qWaitForWindowExposed(&dialog, test::kLongestWaitMs));
   const HMENU menu = GetSystemMenu(HandleOf(dialog), FALSE);
@@ -85,7 +86,7 @@ TEST(AboutItemWin32, OtherCommandsAndOtherWindowsAreNotItsOwn) {
   int chosen = 0;
   QDialog dialog;
   QDialog other;
-  AddWindowMenuItem(dialog, QStringLiteral("About"), [&chosen] { ++chosen; });
+  AddWindowMenuItem(dialog, QStringLiteral("About"), QStringLiteral("Plain"), [&chosen] { ++chosen; });
   dialog.show();
   other.show();
   ASSERT_TRUE(QTest::qWaitForWindowExposed(&other, test::kLongestWaitMs));

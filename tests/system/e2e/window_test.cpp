@@ -34,6 +34,28 @@ TEST_F(Window, ButtonsWorkWithTheMouse) {
   EXPECT_TRUE(WireBecomes("two\rx\r"));
 }
 
+// At 150 per cent the window is 1140 pixels high, and the screen 1024.
+TEST_F(Window, MovedAboveTheScreensEdgeItShowsItsLastRow) {
+  constexpr double kScale = 1.5;
+  QProcessEnvironment environment = program.processEnvironment();
+  environment.insert(QStringLiteral("QT_SCALE_FACTOR"), QString::number(kScale));
+  program.setProcessEnvironment(environment);
+  StartConnected("* -> line \"OK\"", {{QStringLiteral("MEM9"), QStringLiteral("ten")}});
+  const QPoint lastStored = (ButtonRect(10).toRectF().center() * kScale).toPoint();
+  ASSERT_TRUE(Eventually([&] {
+    const std::optional<QRect> outer = desktop.Outer(terminal);
+    return outer && outer->top() == 0;
+  }));
+  ASSERT_GT(lastStored.y(), 1024 - Geometry(terminal).top());
+  desktop.Run(QStringLiteral("xdotool"),
+              {QStringLiteral("windowmove"), terminal, QStringLiteral("300"), QStringLiteral("-200")});
+  ASSERT_TRUE(Eventually([&] { return Geometry(terminal).top() < -100; }));
+  ClickAt(terminal, lastStored);
+  Press({QStringLiteral("Return")});
+  EXPECT_TRUE(WireBecomes("ten\r"));
+  EXPECT_LT(Geometry(terminal).top(), -100);
+}
+
 TEST_F(Window, TheWheelScrolls) {
   StartConnected("* -> line \"OK\"");
   Type(QStringLiteral("id"));

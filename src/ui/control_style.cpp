@@ -1,0 +1,134 @@
+#include "ui/control_style.h"
+
+#include <QApplication>
+#include <QPainter>
+#include <QProxyStyle>
+#include <QStyleOption>
+
+#include "ui/contrast.h"
+
+namespace quarn {
+namespace {
+
+/// Fusion draws borders this much darker than the window, in per cent.
+constexpr int kBorderDarker = 140;
+/// The same for the default button and what has the focus; darker than the palette's highlight.
+constexpr int kHighlightDarker = 125;
+
+/// The palette with which Fusion draws readable borders on this one's window.
+QPalette WithVisibleBorders(const QPalette& palette) {
+  const QColor window = palette.color(QPalette::Window);
+  QPalette visible = palette;
+  visible.setColor(QPalette::Window, ReadableOn(window, window).lighter(kBorderDarker));
+  const QColor highlight = palette.color(QPalette::Highlight);
+  visible.setColor(QPalette::Highlight, ReadableOn(window, highlight).lighter(kHighlightDarker));
+  return visible;
+}
+
+bool HasBorder(QStyle::PrimitiveElement element) {
+  switch (element) {
+    case QStyle::PE_IndicatorCheckBox:
+    case QStyle::PE_IndicatorRadioButton:
+    case QStyle::PE_FrameLineEdit:
+    case QStyle::PE_PanelButtonCommand:
+      return true;
+    default:
+      return false;
+  }
+}
+
+class VisibleOutlines final : public QProxyStyle {
+ public:
+  using QProxyStyle::QProxyStyle;
+
+  void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                     const QWidget* widget) const override {
+    if (element == PE_FrameFocusRect) {
+      DrawFocus(*option, *painter);
+      return;
+    }
+    const auto draw = [&](const QStyleOption* with) {
+      QProxyStyle::drawPrimitive(element, with, painter, widget);
+    };
+    if (HasBorder(element) && IsDark(option->palette.color(QPalette::Window))) {
+      DrawBordered(option, draw);
+    } else {
+      draw(option);
+    }
+  }
+
+  void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                   const QWidget* widget) const override {
+    QProxyStyle::drawControl(element, option, painter, widget);
+    if (element == CE_PushButton) DrawFocusInside(*option, *painter, 3);
+  }
+
+  void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
+                          const QWidget* widget) const override {
+    const auto draw = [&](const QStyleOptionComplex* with) {
+      QProxyStyle::drawComplexControl(control, with, painter, widget);
+    };
+    const auto* box = qstyleoption_cast<const QStyleOptionComboBox*>(option);
+    if (control != CC_ComboBox || box == nullptr) {
+      draw(option);
+      return;
+    }
+    if (IsDark(option->palette.color(QPalette::Window))) {
+      DrawVisible(*box, draw);
+    } else {
+      draw(option);
+    }
+    // The text begins four pixels from the edge.
+    DrawFocusInside(*option, *painter, 2);
+  }
+
+ private:
+  static QColor MarkOf(const QStyleOption& option) {
+    return ReadableOn(option.palette.color(QPalette::Window), option.palette.color(QPalette::Highlight));
+  }
+
+  template <typename Draw>
+  static void DrawBordered(const QStyleOption* option, const Draw& draw) {
+    if (const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option)) {
+      DrawVisible(*button, draw);
+    } else if (const auto* frame = qstyleoption_cast<const QStyleOptionFrame*>(option)) {
+      DrawVisible(*frame, draw);
+    } else {
+      draw(option);
+    }
+  }
+
+  template <typename Option, typename Draw>
+  static void DrawVisible(Option option, const Draw& draw) {
+    option.palette = WithVisibleBorders(option.palette);
+    draw(&option);
+  }
+
+  void DrawFocus(const QStyleOption& option, QPainter& painter) const {
+    // As usual, not before the keyboard is used.
+    if (!option.state.testFlag(State_KeyboardFocusChange) && styleHint(SH_UnderlineShortcut, &option) == 0)
+      return;
+    painter.save();
+    painter.setPen(MarkOf(option));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRect(option.rect.adjusted(0, 0, -1, -1));
+    painter.restore();
+  }
+
+  /// Fusion only changes the colour of the border.
+  void DrawFocusInside(const QStyleOption& option, QPainter& painter, int fromEdge) const {
+    if (!option.state.testFlag(State_HasFocus)) return;
+    QStyleOption inside = option;
+    inside.rect.adjust(fromEdge, fromEdge, -fromEdge, -fromEdge);
+    DrawFocus(inside, painter);
+  }
+};
+
+}  // namespace
+
+void UseVisibleOutlines() {
+  const QString name = QApplication::style()->name();
+  if (name == QLatin1String("fusion")) QApplication::setStyle(new VisibleOutlines(name));
+}
+
+}  // namespace quarn
