@@ -86,8 +86,9 @@ QString AnswerOnTerminal(const QStringList& arguments) {
                "  FILE       configuration file (.qrn) to start with; default: the last settings\n"
                "  --demo     try it out: with a simulated instrument, and settings that are forgotten\n"
                "  --help     print this text\n"
-               "  --version  print name, version and build date\n")
-        .arg(name, Usage());
+               "  --version  print name, version and build date\n"
+               "%3")
+        .arg(name, Usage(), FileArgumentNote());
   }
   if (arguments.contains(QStringLiteral("--version"))) {
     return QStringLiteral("%1, build %2\n")

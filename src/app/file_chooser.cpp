@@ -7,6 +7,7 @@
 #include <QFileInfo>
 #include <QHeaderView>
 #include <QLocale>
+#include <QScreen>
 #include <QStandardPaths>
 #include <QTreeView>
 #include <algorithm>
@@ -18,7 +19,7 @@
 namespace quarn {
 namespace {
 
-/// Room for every column of Qt's own dialog.
+/// Room for every column of Qt's own dialog, on a screen that is large enough.
 constexpr QRect kChooserUnits{0, 0, 440, 240};
 
 /// Sets the width of the columns of Qt's own dialog, after the names, to that of their texts.
@@ -34,7 +35,9 @@ void FitColumns(QFileDialog& dialog) {
     const int needed = files->fontMetrics().horizontalAdvance(text + margin);
     files->header()->resizeSection(column, std::max(needed, files->header()->sectionSize(column)));
   }
-  dialog.resize(MapDialogUnits(dialog.font(), kChooserUnits).size());
+  // Its buttons are at the right, and must not lie outside of a small screen.
+  const QSize room = dialog.screen()->availableGeometry().size().shrunkBy(FrameOf(dialog));
+  dialog.resize(MapDialogUnits(dialog.font(), kChooserUnits).size().boundedTo(room));
 }
 
 /// A program started by its shortcut runs in its own folder, where nobody keeps files.

@@ -14,6 +14,9 @@ namespace quarn {
 /// or more characters ends the program: with its end it does not fit into the 260 of a path.
 QString ReadFileArgument(const QStringList& arguments);
 
+/// What --help adds about naming the file, as lines. Empty where there is nothing to know.
+QString FileArgumentNote();
+
 enum class TerminalStream { Output, Error };
 
 /// Writes the text to standard output or standard error, visible to the user who started the program. Returns

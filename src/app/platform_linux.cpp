@@ -82,6 +82,8 @@ class PlainWhereNeeded final : public QObject {
 
 QString ReadFileArgument(const QStringList& arguments) { return WithinPathLimit(arguments.value(1)); }
 
+QString FileArgumentNote() { return {}; }
+
 // The lock protects the settings, and all programs that use them see a lock beside them, also those in
 // sessions without a runtime folder. The lock in the session's folder covers settings that cannot be written.
 InstanceLock TakeInstanceLock(QString& reason) {

@@ -65,6 +65,12 @@ QString ReadFileArgument(const QStringList& /*arguments*/) {
   return WithinPathLimit(FileOfCommandLine(QString::fromWCharArray(GetCommandLineW())));
 }
 
+QString FileArgumentNote() {
+  return QStringLiteral(
+      "\n"
+      "In a console write quarn, not quarn.exe: of quarn.exe FILE the name is not read.\n");
+}
+
 InstanceLock TakeInstanceLock(QString& reason) {
   const HANDLE mutex = CreateMutexW(nullptr, FALSE, L"Quarn.exe");
   const DWORD error = GetLastError();

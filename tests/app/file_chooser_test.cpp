@@ -12,6 +12,8 @@
 #include <QListView>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScreen>
+#include <QSettings>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
@@ -25,6 +27,22 @@
 namespace quarn::test {
 namespace {
 
+/// The font of every window is so high, in pixels.
+class FontHeight {
+ public:
+  explicit FontHeight(int pixels) : m_before(QApplication::font()) {
+    QFont font = m_before;
+    font.setPixelSize(pixels);
+    QApplication::setFont(font);
+  }
+  ~FontHeight() { QApplication::setFont(m_before); }
+  FontHeight(const FontHeight&) = delete;
+  FontHeight& operator=(const FontHeight&) = delete;
+
+ private:
+  const QFont m_before;
+};
+
 /// Answers the dialogs that the chooser shows, one step each: a step runs when a dialog that was not there
 /// before waits for the person.
 class FileChooserDialogs : public ::testing::Test {
@@ -32,6 +50,8 @@ class FileChooserDialogs : public ::testing::Test {
   FileChooserDialogs() {
     // Keys and clicks of a test do not reach the system's own dialog.
     QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+    // Where Qt's own dialog keeps the widths of its columns.
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, m_widths.path());
     m_timer.setInterval(20);
     QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { Answer(); });
     m_timer.start();
@@ -113,6 +133,7 @@ class FileChooserDialogs : public ::testing::Test {
   }
 
   std::deque<std::function<void(QWidget&)>> m_steps;
+  QTemporaryDir m_widths;
   QTimer m_timer;
 };
 
@@ -142,6 +163,8 @@ TEST_F(FileChooserDialogs, TheFiltersReadAsWrittenAndTheLastOneShowsEveryFile) {
 }
 
 TEST_F(FileChooserDialogs, SizesTypesAndDatesAreNotCutShort) {
+  // The tests' screen may be small.
+  const FontHeight small(10);
   Put(QStringLiteral("a.qrn"), QByteArray(1000, 'x'));
   Then([](QFileDialog& dialog) {
     dialog.setViewMode(QFileDialog::Detail);
@@ -156,6 +179,17 @@ TEST_F(FileChooserDialogs, SizesTypesAndDatesAreNotCutShort) {
     Cancel(dialog);
   });
   EXPECT_EQ(chooser.AskOpenFile(Question(folder.filePath(QStringLiteral("a.qrn")))), QString());
+}
+
+TEST_F(FileChooserDialogs, FitsASmallScreen) {
+  const FontHeight large(28);
+  Then([](QFileDialog& dialog) {
+    const QSize screen = dialog.screen()->availableGeometry().size();
+    EXPECT_LE(dialog.frameGeometry().width(), screen.width());
+    EXPECT_LE(dialog.frameGeometry().height(), screen.height());
+    dialog.reject();
+  });
+  EXPECT_EQ(chooser.AskOpenFile(Question()), QString());
 }
 
 TEST_F(FileChooserDialogs, OpenGivesANameWithoutSuffixItsOwn) {

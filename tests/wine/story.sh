@@ -112,7 +112,7 @@ first_command() {
 # What was sent stays on the command line.
 rub=(BackSpace BackSpace BackSpace BackSpace BackSpace)
 
-# What the instrument has to say, on the screen and as a picture.
+# What the instrument has to say.
 more_commands() {
   headline "More commands"
   send "${rub[@]}" l i s t
@@ -120,8 +120,6 @@ more_commands() {
   send "${rub[@]}" t e m p question
   send "${rub[@]}" asterisk I D N question
   expect "the wire had them all" wire_has com3 'id<list<bytes<temp?<*IDN?<'
-  rest_pointer
-  picture build/windows/screenshot.png "$terminal"
 }
 
 second_instance() {
@@ -188,6 +186,29 @@ demo() {
   expect "the settings of the person are as they were" cmp -s "$PLACE/before.ini" "$(settings_folder)/Quarn.ini"
 }
 
+# take_picture PROGRAM: for people. With frames by Wine, in the manner of Windows, and in Windows' font: both only here,
+# because they move everything that the story clicks on.
+take_picture() {
+  headline "A picture"
+  set_registry 'HKCU\Software\Wine\X11 Driver' Decorated REG_SZ N
+  # A server reads the fonts when it starts.
+  end_prefix
+  cp /usr/share/wine/fonts/*.ttf "$WINEPREFIX/drive_c/windows/Fonts/"
+  start_program "$1" --demo
+  wait_until 60 "the main dialog" main_title_is COM7
+  main=$window
+  wait_until 10 "the Terminal Screen" find_terminal COM7
+  activate "$terminal"
+  send i d
+  send F5
+  send F6
+  send F3
+  send F10
+  rest_pointer
+  picture build/windows/screenshot.png "$terminal"
+  end_program
+}
+
 # settings_with FILE KEY=VALUE...: the settings in force, with other values.
 settings_with() {
   local file=$1 each script=()
@@ -248,6 +269,7 @@ answers() {
   expect "the next prompt comes after it" console_says "$(dirname "$1")" 'quarn --version & echo next' "$answer"$'\nnext'
   answer=$(wine "$1" --help | tr -d '\r')
   expect "the usage is told" test "${answer#*usage: quarn}" != "$answer"
+  expect "and that quarn.exe does not read a file's name" test "${answer#*not quarn.exe}" != "$answer"
   answer=$({ wine "${1%quarn.exe}quarn-send.exe" --port COM104 id 2>&1 || echo "status $?"; } | tr -d '\r')
   expect "a number that no port has is told" test "${answer#*COM104: port numbers end at 99. The Device Manager}" != "$answer"
   expect "that is no success" test "${answer##*$'\n'}" == "status 5"

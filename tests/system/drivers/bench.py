@@ -73,7 +73,10 @@ class Outside:
 
     def _ask(self, what, /, **arguments):
         with self._lock:
-            self._stream.write(json.dumps({"do": what, **arguments}).encode() + b"\n")
+            request = json.dumps({"do": what, **arguments}).encode() + b"\n"
+            # The line takes 32 KiB at once, and a picture is longer.
+            while request:
+                request = request[self._stream.write(request):]
             reply = b""
             while not reply.endswith(b"\n"):
                 reply += self._stream.read(65536)

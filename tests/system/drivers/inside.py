@@ -17,6 +17,7 @@ if options["boot"] == 1:
     import no_parent  # noqa: F401
     import batches  # noqa: F401
     import pins  # noqa: F401
+    import port_list  # noqa: F401
 
     run_tests()
     if adapters.is_for_next_run():

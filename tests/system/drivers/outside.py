@@ -181,6 +181,11 @@ class Machine:
             text = file.read()
         return [text.decode(errors="replace"), since + len(text)]
 
+    def do_keep(self, name, data):
+        """A file among the logs."""
+        with open(os.path.join(self._options.logs, name), "wb") as file:
+            file.write(base64.b64decode(data))
+
     def do_again(self):
         """The machine is to be started once more after this run."""
         self.state["again"] = True
