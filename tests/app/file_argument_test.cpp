@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "app/platform.h"
 #include "identity.h"
 
 namespace quarn {
