@@ -41,7 +41,8 @@ TEST(AnswerOnTerminal, OnlyWhenAsked) {
   EXPECT_EQ(AnswerOnTerminal({u"quarn"_s}), QString());
   EXPECT_EQ(AnswerOnTerminal({u"quarn"_s, u"help.qrn"_s}), QString());
   EXPECT_TRUE(AnswerOnTerminal({u"quarn"_s, u"--help"_s}).contains(u"usage: quarn [FILE]"_s));
-  EXPECT_TRUE(AnswerOnTerminal({u"quarn"_s, u"--help"_s}).endsWith(FileArgumentNote()));
+  EXPECT_TRUE(AnswerOnTerminal({u"quarn"_s, u"--help"_s})
+                  .endsWith(u"  --version  print name, version and build date\n"_s + FileArgumentNote()));
   EXPECT_EQ(AnswerOnTerminal({u"quarn"_s, u"--version"_s}),
             QStringLiteral("%1, build %2\n")
                 .arg(QLatin1String(identity::kNameAndVersion), QLatin1String(identity::kBuildDate)));

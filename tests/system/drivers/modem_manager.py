@@ -58,7 +58,6 @@ class Session:
     def __init__(self):
         ftdi.far.answer('"id" -> line "SIM-1"\n* -> silence')
         self.adapters = Adapters()
-        self.adapters.sockets["first"] = 1
         self.account = Account()
         self.port = port_of(self.account, self.adapters.node("first"))
         self.account.settings(COM_PORT=self.port)

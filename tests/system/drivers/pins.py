@@ -10,7 +10,6 @@ from bench import Account, check, equal, test
 def one_adapter():
     give_names()
     adapters = Adapters()
-    adapters.sockets["first"] = 1
     account = Account(DISK)
     port = port_of(account, adapters.node("first"))
     target = os.readlink(os.path.join(account.ports, port))
@@ -37,7 +36,6 @@ def twins(first, second):
     """Two adapters of one serial number; `first` is plugged in first."""
     give_names()
     adapters = Adapters()
-    adapters.sockets["first"] = 1
     adapters.unplug("first")
     sockets = {first: 1, second: 2}
     account = Account(DISK)

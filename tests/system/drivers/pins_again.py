@@ -8,7 +8,6 @@ from bench import equal, test
 def one_adapter_again():
     give_names()
     adapters = Adapters()
-    adapters.sockets["first"] = 1
     adapters.plug("second", "QA0002", 2)
     account, (port, other) = of_last_run("one")
     equal("who answers", (name_behind(account, port), name_behind(account, other)), ("first", "second"))
@@ -19,7 +18,6 @@ def one_adapter_again():
 def twins_again():
     give_names()
     adapters = Adapters()
-    adapters.sockets["first"] = 1
     adapters.unplug("first")
     account, ports = of_last_run("twins first")
     adapters.plug("second", "TWIN", 2)

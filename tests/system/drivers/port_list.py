@@ -52,7 +52,6 @@ def listed(account):
 def port_list():
     give_names()
     adapters = Adapters()
-    adapters.sockets["first"] = 1
     adapters.plug("second", "QA0002", 2)
     before = os.stat("/dev/ttyS0")
     # As a login on the console leaves it.

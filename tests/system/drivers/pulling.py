@@ -21,7 +21,6 @@ class FtdiCable:
 
     def __init__(self):
         self._adapters = Adapters()
-        self._adapters.sockets["first"] = 1
 
     def pull(self):
         self._adapters.unplug("first")
