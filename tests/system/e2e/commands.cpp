@@ -12,22 +12,6 @@
 #include "settings/key_store.h"
 
 namespace quarn::test {
-namespace {
-
-/// After this time a key counts as lost, like an Enter that the list of matching names takes.
-::testing::AssertionResult Becomes(const QString& expected, const std::function<QString()>& read) {
-  QString found;
-  if (Eventually([&] {
-        found = read();
-        return found == expected;
-      }))
-    return ::testing::AssertionSuccess();
-  return ::testing::AssertionFailure()
-         << '"' << found.toStdString() << "\" instead of \"" << expected.toStdString() << '"';
-}
-
-}  // namespace
-
 FarEnd::FarEnd() : m_descriptor(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)) {
   std::array<char, 128> device{};
   if (grantpt(m_descriptor) == 0 && unlockpt(m_descriptor) == 0 &&

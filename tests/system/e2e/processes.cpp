@@ -24,6 +24,17 @@ bool Eventually(const std::function<bool()>& condition, int limitMs) {
   return true;
 }
 
+::testing::AssertionResult Becomes(const QString& expected, const std::function<QString()>& read) {
+  QString found;
+  if (Eventually([&] {
+        found = read();
+        return found == expected;
+      }))
+    return ::testing::AssertionSuccess();
+  return ::testing::AssertionFailure()
+         << '"' << found.toStdString() << "\" instead of \"" << expected.toStdString() << '"';
+}
+
 ChildProcess::ChildProcess() {
   setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGTERM); });
 }

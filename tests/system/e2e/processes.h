@@ -1,5 +1,7 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <QByteArray>
 #include <QProcess>
 #include <QString>
@@ -16,6 +18,9 @@ inline constexpr int kOneTryMs = 2500;
 
 /// Waits until `condition` holds; false if it does not within `limitMs`.
 bool Eventually(const std::function<bool()>& condition, int limitMs = kLongestWaitMs);
+
+/// Waits until `read` returns `expected`; a failure tells what it returned last.
+::testing::AssertionResult Becomes(const QString& expected, const std::function<QString()>& read);
 
 /// A process that does not outlive this one, however this one ends.
 class ChildProcess : public QProcess {

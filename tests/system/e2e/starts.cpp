@@ -8,23 +8,6 @@
 #include "settings/key_store.h"
 
 namespace quarn::test {
-namespace {
-
-constexpr int kLastEndMs = kLongestWaitMs;
-
-/// Waits for what `read` gives to be `wanted`, and says what it is instead.
-::testing::AssertionResult Becomes(const QString& wanted, const std::function<QString()>& read) {
-  QString found;
-  if (Eventually([&] {
-        found = read();
-        return found == wanted;
-      }))
-    return ::testing::AssertionSuccess();
-  return ::testing::AssertionFailure()
-         << '"' << found.toStdString() << "\" instead of \"" << wanted.toStdString() << '"';
-}
-
-}  // namespace
 
 void Starts::SetVariable(const char* name, const QString& value) {
   QProcessEnvironment environment = program.processEnvironment();
@@ -106,7 +89,7 @@ void Starts::AcknowledgeNoPort() {
 }
 
 ::testing::AssertionResult Starts::EndsWith(int exitCode) {
-  if (program.state() != QProcess::NotRunning && !program.waitForFinished(kLastEndMs))
+  if (program.state() != QProcess::NotRunning && !program.waitForFinished(kLongestWaitMs))
     return ::testing::AssertionFailure() << "still running";
   if (program.exitStatus() != QProcess::NormalExit) return ::testing::AssertionFailure() << "crashed";
   if (program.exitCode() == exitCode) return ::testing::AssertionSuccess();
