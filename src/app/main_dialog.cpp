@@ -29,7 +29,7 @@ constexpr int kSwitchId = 1001;
 constexpr int kStatusId = 1075;
 constexpr int kHeadingId = 1076;
 constexpr QRect kDialogUnits{7, 4, 205, 70};  // margins and size
-constexpr int kLogoUnits = 36;
+constexpr int kCornerLogoUnits = 36;
 
 /// The Menu key counts as a key too, whatever event it causes.
 bool IsKey(const QEvent& event) {
@@ -70,7 +70,7 @@ void CQuarnDlg::CreateControls() {
   auto* grid = new QGridLayout(this);
   grid->setSizeConstraint(QLayout::SetFixedSize);
   grid->setContentsMargins(size.x(), size.y(), size.x(), size.y());
-  const int logoSide = MapDialogUnits(font(), {0, 0, 0, kLogoUnits}).height();
+  const int logoSide = MapDialogUnits(font(), {0, 0, 0, kCornerLogoUnits}).height();
   grid->setHorizontalSpacing(size.x());
   grid->setVerticalSpacing(0);
   grid->setColumnMinimumWidth(3, logoSide);

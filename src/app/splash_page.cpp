@@ -16,8 +16,8 @@ namespace quarn {
 namespace {
 
 constexpr QRect kUnits{0, 0, 220, 82};
-constexpr int kMarginUnits = 14;
-constexpr int kGapUnits = 4;
+constexpr int kPageMarginUnits = 14;
+constexpr int kLineGapUnits = 4;
 constexpr int kSplashLogoUnits = 52;
 
 }  // namespace
@@ -28,7 +28,7 @@ CSplashPage::CSplashPage(QWidget* owner, int displayMs)
   setObjectName(QStringLiteral("CSplashPage"));
   setAccessibleName(QString::fromLatin1(identity::kName));
   setModal(true);
-  const QRect units = MapDialogUnits(font(), {kMarginUnits, kGapUnits, 0, 0});
+  const QRect units = MapDialogUnits(font(), {kPageMarginUnits, kLineGapUnits, 0, 0});
   auto* row = new QHBoxLayout(this);
   row->setContentsMargins(units.x(), 0, units.x(), 0);
   row->setSpacing(units.x());

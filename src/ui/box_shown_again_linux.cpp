@@ -10,7 +10,7 @@
 namespace quarn {
 namespace {
 
-qint64 Now() { return QDeadlineTimer::current().deadline(); }
+qint64 NowMs() { return QDeadlineTimer::current().deadline(); }
 
 KeyboardIn WhoHas(const QWindow* focused, const QWindow* box) {
   if (focused == nullptr) return KeyboardIn::Elsewhere;
@@ -62,13 +62,13 @@ ShownAgain::ShownAgain() {
 bool ShownAgain::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() != QEvent::Show || event->spontaneous()) return false;
   const auto* const window = qobject_cast<const QWidget*>(watched);
-  if (window != nullptr && window->isModal()) m_rule.Show(Now());
+  if (window != nullptr && window->isModal()) m_rule.Show(NowMs());
   return false;
 }
 
 void ShownAgain::Follow(QWindow* focused) {
   QWidget* const box = BoxUp();
-  if (box == nullptr || !m_rule.Take(WhoHas(focused, box->windowHandle()), Now())) return;
+  if (box == nullptr || !m_rule.Take(WhoHas(focused, box->windowHandle()), NowMs())) return;
   // Not inside the change of the focus.
   const auto show = [box = QPointer<QWidget>(box), over = QPointer<QWindow>(focused)] {
     if (!box.isNull() && BoxUp() == box) ShowOver(*box, over.data());

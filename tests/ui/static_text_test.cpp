@@ -8,10 +8,10 @@
 namespace quarn::test {
 namespace {
 
-constexpr QSize kSize(400, 20);
+constexpr QSize kLineSize(400, 20);
 
 QImage Canvas(double scale) {
-  QImage canvas(kSize * scale, QImage::Format_ARGB32_Premultiplied);
+  QImage canvas(kLineSize * scale, QImage::Format_ARGB32_Premultiplied);
   canvas.setDevicePixelRatio(scale);
   canvas.fill(Qt::white);
   return canvas;
@@ -28,14 +28,14 @@ QImage Drawn(const StaticText& line, const QString& text, double scale) {
   QPainter painter(&canvas);
   painter.setFont(line.font());
   painter.setPen(line.palette().color(QPalette::WindowText));
-  painter.drawText(QRect(QPoint(), kSize), Qt::AlignLeft | Qt::AlignTop | Qt::TextSingleLine, text);
+  painter.drawText(QRect(QPoint(), kLineSize), Qt::AlignLeft | Qt::AlignTop | Qt::TextSingleLine, text);
   return canvas;
 }
 
 /// Whatever is kept of a line for the next time, it looks like text that is drawn anew.
 TEST(StaticText, LooksLikeTextThatIsDrawnOnce) {
   StaticText line(nullptr);
-  line.resize(kSize);
+  line.resize(kLineSize);
   const QStringList texts{QStringLiteral("0001 [meas?]"), QStringLiteral("<STX>+1.2345E+00 V<ETX> fi  AV"),
                           QStringLiteral("\u65e5\u672c \u00e9 \u20ac"), QStringLiteral("  spaces  "),
                           QStringLiteral("<b>&amp;</b>")};
@@ -60,7 +60,7 @@ TEST(StaticText, LooksLikeTextThatIsDrawnOnce) {
 
 TEST(StaticText, AnEmptyLineShowsNothing) {
   StaticText line(nullptr);
-  line.resize(kSize);
+  line.resize(kLineSize);
   line.SetText(QStringLiteral("text"));
   EXPECT_NE(Shown(line, 1.0), Canvas(1.0));
   line.SetText(QStringLiteral("\r"));

@@ -39,8 +39,8 @@ constexpr int kEditId = 1070;
 constexpr int kOkId = 1073;
 constexpr int kSendId = 1011;
 
-constexpr int kKeyWidth = 28;     // in dialog units
-constexpr int kFieldWidth = 212;  // about 50 characters
+constexpr int kKeyWidth = 28;         // in dialog units
+constexpr int kTextFieldWidth = 212;  // about 50 characters
 constexpr int kRowGap = 2;
 
 /// Rejects characters that a stored command cannot have, from any kind of input.
@@ -121,7 +121,7 @@ void CSetMem::CreateRows(QBoxLayout& column) {
     QLineEdit* field = CreateField(this, pasted, index, kRows[i].fieldId);
     KeepReadable(*field, palette());
     field->setValidator(validator);
-    field->setFixedWidth(grid.Width(kFieldWidth));
+    field->setFixedWidth(grid.Width(kTextFieldWidth));
     field->setMinimumHeight(keySize.height());
     auto* row = new QHBoxLayout;
     row->setSpacing(grid.Width(DialogGrid::kGap));
