@@ -28,7 +28,10 @@ NAVY_PIXELS = 60
 TERMINAL = r"Quarn - Terminal Screeen \(COM7(-NC)?\).*"
 MAIN = r"Quarn   \(COM7(-NC)?\)"
 BOX = r"Quarn : Error"
+FORMAT = r"Quarn - Command Format"
 SAVE_AS = r"Save As Quarn Configuration File"
+# Where their titles are in the menu bar, in pixels from the left.
+MENUS = {"File": 15, "Option": 145}
 RULES = '"slow" -> 6000 line "done"\n"mute" -> silence\n* -> line "OK"\n'
 SWAY = 'xwayland disable\nfocus_follows_mouse no\nfor_window [app_id=".*"] floating enable\n'
 
@@ -192,6 +195,10 @@ class Compositor:
     def press(self, key):
         self.call("xdotool", "key", key)
 
+    def choose_main_again(self, find_main):
+        """When a part of it can be seen."""
+        self.click(*find_main())
+
 
 class Sway(Compositor):
     def open_on_x(self):
@@ -207,6 +214,10 @@ class Sway(Compositor):
 
     def choose_main(self):
         self.call("swaymsg", '[title="^Quarn   "] focus')
+
+    def choose_main_again(self, find_main):
+        # A dialog covers it.
+        self.choose_main()
 
 
 class Weston(Compositor):
@@ -283,7 +294,8 @@ class Trial:
 
     def starts(self):
         wait_until("the main window", lambda: self.windows.has_title(MAIN))
-        wait_until("the keyboard in the Terminal Screen", lambda: self.windows.has_keyboard(TERMINAL))
+        # It comes last, so that the Terminal Screen does not cover it. Its keys go to the Terminal Screen.
+        wait_until("the keyboard in the main window at the start", lambda: self.windows.has_keyboard(MAIN))
         wait_until("the Terminal Screen in the picture", self.compositor.find_terminal)
 
     def escape(self):
@@ -298,12 +310,17 @@ class Trial:
             raise Failed("the keys came too late")
         self.terminal_shows(7)
 
+    def main_seen(self):
+        wait_until("the main window under the pointer", self.place_in_main)
+
     def main_window(self):
+        self.compositor.click(*wait_until("the Terminal Screen in the picture", self.compositor.find_terminal))
+        wait_until("the keyboard in the Terminal Screen", lambda: self.windows.has_keyboard(TERMINAL))
         self.compositor.choose_main()
         wait_until("the keyboard in the main window", lambda: self.windows.has_keyboard(MAIN))
 
-    def corner_of_main(self):
-        """The place on the screen of the main window, which is in front."""
+    def place_in_main(self):
+        """A place on the screen that belongs to the main window."""
         for step in ((150, 80), (60, 40)):
             for x in range(640 % step[0], WIDTH, step[0]):
                 for y in range(520 % step[1], HEIGHT, step[1]):
@@ -311,7 +328,7 @@ class Trial:
                     # The program may hear of it only when the pointer has gone on.
                     time.sleep(0.05)
                     if self.windows.pointer_in(MAIN):
-                        return self.corner_at(x, y)
+                        return x, y
         return None
 
     def corner_at(self, x, y):
@@ -325,11 +342,12 @@ class Trial:
             return None
         return wait_until("the pointer's place in the main window", corner)
 
-    def choose_from_file_menu(self, mnemonic):
-        x, y = wait_until("the main window under the pointer", self.corner_of_main)
+    def choose_from_menu(self, menu, mnemonic):
+        """The main window is in front."""
+        x, y = self.corner_at(*wait_until("the main window under the pointer", self.place_in_main))
         before = self.windows.popups()
-        self.compositor.click(x + 15, y + (8 if self.windows.are_framed_by_compositor() else 38))
-        wait_until("the File menu", lambda: self.windows.popups() > before)
+        self.compositor.click(x + MENUS[menu], y + (8 if self.windows.are_framed_by_compositor() else 38))
+        wait_until(f"the menu {menu}", lambda: self.windows.popups() > before)
         self.compositor.press(mnemonic)
 
     def comes_up_again(self, pattern):
@@ -340,8 +358,20 @@ class Trial:
         wait_until(f"the keyboard in {pattern} after a click on the Terminal Screen",
                    lambda: self.windows.has_keyboard(pattern))
 
+    def again(self):
+        """An open dialog that is chosen again comes to the front."""
+        self.choose_from_menu("Option", "f")
+        wait_until("the keyboard in the dialog", lambda: self.windows.has_keyboard(FORMAT))
+        self.compositor.choose_main_again(
+            lambda: wait_until("the main window under the pointer", self.place_in_main))
+        wait_until("the keyboard in the main window", lambda: self.windows.has_keyboard(MAIN))
+        self.choose_from_menu("Option", "f")
+        wait_until("the keyboard in the dialog chosen again", lambda: self.windows.has_keyboard(FORMAT))
+        self.compositor.press("Return")
+        wait_until("the end of the dialog", lambda: not self.windows.has_keyboard(FORMAT))
+
     def file_dialog(self):
-        self.choose_from_file_menu("a")
+        self.choose_from_menu("File", "a")
         wait_until("the keyboard in the file dialog", lambda: self.windows.has_keyboard(SAVE_AS))
         self.comes_up_again(SAVE_AS)
         # The file is there already: the dialog's own question comes over it.
@@ -366,8 +396,9 @@ class Trial:
 
 
 COMPOSITORS = {"sway": Sway, "weston": Weston, "kwin_wayland": KWin}
-SUBJECTS = {"starts": Trial.starts, "ESC": Trial.escape, "type-ahead": Trial.type_ahead,
-            "main window": Trial.main_window, "file dialog": Trial.file_dialog, "box above all": Trial.box}
+SUBJECTS = {"starts": Trial.starts, "main seen": Trial.main_seen, "ESC": Trial.escape,
+            "type-ahead": Trial.type_ahead, "main window": Trial.main_window, "again": Trial.again,
+            "file dialog": Trial.file_dialog, "box above all": Trial.box}
 SCALES = {"125 %": (1.25, Trial.starts_scaled), "150 %": (1.5, Trial.starts_scaled),
           "175 %": (1.75, Trial.starts_scaled), "200 % refused": (2, Trial.is_refused)}
 

@@ -16,11 +16,13 @@
 #include "dialogs/terminal/terminal_screen.h"
 #include "identity.h"
 #include "serial/port_names.h"
+#include "ui/box_order.h"
 #include "ui/controls.h"
 #include "ui/escape_key.h"
 #include "ui/pictures.h"
 #include "ui/placement.h"
 #include "ui/tool_tip.h"
+#include "ui/window_system.h"
 
 namespace quarn {
 namespace {
@@ -129,9 +131,7 @@ void CQuarnDlg::ShowSwitch() {
 void CQuarnDlg::TakeStartRequest(const QString& file) {
   setWindowState(windowState() & ~Qt::WindowMinimized);
   QWidget* const box = QApplication::activeModalWidget();
-  QWidget& front = box != nullptr ? *box : *this;
-  front.raise();
-  front.activateWindow();
+  BringToFront(box != nullptr ? *box : *this);
   if (!file.isEmpty()) m_requestedFile = file;
 }
 
@@ -197,6 +197,9 @@ bool CQuarnDlg::eventFilter(QObject* receiver, QEvent* event) {
   // Neither Enter nor Escape ends the program.
   bool swallow = EndsDialogs(*event);
   if (m_program.state.open.Contains(Window::TerminalScreen)) {
+    // The key takes the keyboard to the Terminal Screen. Some systems refuse that, so it gets the key itself.
+    if (event->type() == QEvent::KeyPress && m_terminalScreen && !MayPlaceWindows())
+      m_terminalScreen->HandleKey(static_cast<const QKeyEvent&>(*event));
     m_program.state.requests.focus = true;
     swallow = true;
   }

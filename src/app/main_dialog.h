@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QPointer>
+#include <functional>
 #include <vector>
 
 #include "app/file_chooser.h"
@@ -82,7 +83,9 @@ class CQuarnDlg final : public PolledDialog, public MainWindow {
 
   using PlaceRule = QPoint (*)(const QRect& mainDialog, QSize dialog, QSize screen);
   void ShowPlaced(PolledDialog& dialog, PlaceRule rule);
-  [[nodiscard]] QPoint PlaceOf(const QWidget& dialog, PlaceRule rule) const;
+  /// Where it does not cover the others.
+  void ShowApart(PolledDialog& dialog);
+  void ShowAt(PolledDialog& dialog, std::function<QPoint()> place);
   [[nodiscard]] bool IsForThisWindow(const QObject* receiver) const;
 
   Program& m_program;

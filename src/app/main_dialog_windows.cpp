@@ -1,6 +1,9 @@
 // The windows that the menu opens; each exists once.
 
+#include <QApplication>
+#include <QList>
 #include <QScreen>
+#include <utility>
 
 #include "app/main_dialog.h"
 #include "dialogs/dialog_context.h"
@@ -10,18 +13,22 @@
 #include "dialogs/settings/options.h"
 #include "dialogs/terminal/function_key_table_dialog.h"
 #include "dialogs/terminal/terminal_screen.h"
+#include "ui/box_order.h"
 #include "ui/placement.h"
 
 namespace quarn {
 namespace {
 
 /// A window that is open comes to the front. False when there is none.
-bool BringToFront(ModelessWindow* window, bool open) {
+bool ChooseAgain(ModelessWindow* window, bool open) {
   if (window == nullptr || !open) return false;
   window->WantAgain();
-  window->raise();
-  window->activateWindow();
+  BringToFront(*window);
   return true;
+}
+
+QRect PlaceOn(const QRect& screen, const QWidget& window) {
+  return {window.pos() - screen.topLeft(), OuterSize(window)};
 }
 
 }  // namespace
@@ -64,7 +71,7 @@ void CQuarnDlg::OpenTerminalScreen() {
 }
 
 void CQuarnDlg::OpenFunctionKeyTable() {
-  if (BringToFront(m_functionKeyTable, m_program.state.open.Contains(Window::FunctionKeyTable))) return;
+  if (ChooseAgain(m_functionKeyTable, m_program.state.open.Contains(Window::FunctionKeyTable))) return;
   m_functionKeyTable = new CSetMem(this, {m_program.settings, m_program.workingSettingsFile, m_program.state,
                                           *m_program.messages, m_program.savedFunctionTableRect});
   m_functionKeyTable->show();
@@ -72,7 +79,7 @@ void CQuarnDlg::OpenFunctionKeyTable() {
 }
 
 void CQuarnDlg::OpenPortNumber() {
-  if (BringToFront(m_portNumber, m_program.state.open.Contains(Window::PortNumber))) return;
+  if (ChooseAgain(m_portNumber, m_program.state.open.Contains(Window::PortNumber))) return;
   m_portNumber = new CPortNum(this, Context());
   ShowPlaced(*m_portNumber, PlaceBelowOrAbove);
 }
@@ -85,47 +92,62 @@ void CQuarnDlg::OpenDetailedPortList() {
         QStringLiteral("Select a COM port from the \"COM Port Number\" dialog."));
     return;
   }
-  if (BringToFront(m_detailedPortList, m_program.state.open.Contains(Window::DetailedPortList))) return;
+  if (ChooseAgain(m_detailedPortList, m_program.state.open.Contains(Window::DetailedPortList))) return;
   m_detailedPortList = new CPortDetails(this, Context());
-  ShowPlaced(*m_detailedPortList, PlaceBelowOnScreen);
+  ShowApart(*m_detailedPortList);
 }
 
 void CQuarnDlg::OpenPortSettings() {
-  if (BringToFront(m_portSettings, m_program.state.open.Contains(Window::PortSettings))) return;
+  if (ChooseAgain(m_portSettings, m_program.state.open.Contains(Window::PortSettings))) return;
   m_portSettings = new CPortSettings(this, Context());
   m_portSettings->show();
 }
 
 void CQuarnDlg::OpenCommandFormat() {
-  if (BringToFront(m_commandFormat, m_program.state.open.Contains(Window::CommandFormat))) return;
+  if (ChooseAgain(m_commandFormat, m_program.state.open.Contains(Window::CommandFormat))) return;
   m_commandFormat = new CCommandFormat(this, Context());
   ShowPlaced(*m_commandFormat, PlaceBeside);
 }
 
 void CQuarnDlg::OpenScreenOption() {
-  if (BringToFront(m_screenOption, m_program.state.open.Contains(Window::ScreenOption))) return;
+  if (ChooseAgain(m_screenOption, m_program.state.open.Contains(Window::ScreenOption))) return;
   m_screenOption = new CScreenOption(this, Context());
-  ShowPlaced(*m_screenOption, PlaceBelowOnScreen);
+  ShowApart(*m_screenOption);
 }
 
 void CQuarnDlg::OpenMainOption() {
-  if (BringToFront(m_mainOption, m_program.state.open.Contains(Window::MainOption))) return;
+  if (ChooseAgain(m_mainOption, m_program.state.open.Contains(Window::MainOption))) return;
   m_mainOption = new CMainOption(this, Context());
-  ShowPlaced(*m_mainOption, PlaceBelowOnScreen);
+  ShowApart(*m_mainOption);
 }
+
+// The rules count from the corner of the screen with the main dialog.
 
 void CQuarnDlg::ShowPlaced(PolledDialog& dialog, PlaceRule rule) {
-  dialog.ensurePolished();
-  dialog.adjustSize();
-  dialog.Put([this, &dialog, rule] { dialog.move(PlaceOf(dialog, rule)); });
-  dialog.show();
+  ShowAt(dialog, [this, &dialog, rule] {
+    const QRect screen = this->screen()->geometry();
+    return screen.topLeft() + rule(PlaceOn(screen, *this), OuterSize(dialog), screen.size());
+  });
 }
 
-QPoint CQuarnDlg::PlaceOf(const QWidget& dialog, PlaceRule rule) const {
-  // The rules count from the corner of the screen with the main dialog.
-  const QRect whole = screen()->geometry();
-  const QRect here(pos() - whole.topLeft(), OuterSize(*this));
-  return whole.topLeft() + rule(here, OuterSize(dialog), whole.size());
+void CQuarnDlg::ShowApart(PolledDialog& dialog) {
+  ShowAt(dialog, [this, &dialog] {
+    const QRect screen = this->screen()->geometry();
+    QList<QRect> others;
+    for (const QWidget* each : QApplication::topLevelWidgets()) {
+      const bool isOther = each != this && each != &dialog && each->isVisible();
+      if (isOther) others.append(PlaceOn(screen, *each));
+    }
+    return screen.topLeft() +
+           PlaceOffOthers(PlaceOn(screen, *this), others, OuterSize(dialog), screen.size());
+  });
+}
+
+void CQuarnDlg::ShowAt(PolledDialog& dialog, std::function<QPoint()> place) {
+  dialog.ensurePolished();
+  dialog.adjustSize();
+  dialog.Put([&dialog, place = std::move(place)] { dialog.move(place()); });
+  dialog.show();
 }
 
 }  // namespace quarn

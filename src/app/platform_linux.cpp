@@ -26,6 +26,7 @@
 #include "app/wayland_output.h"
 #include "settings/data_folder.h"
 #include "ui/showable_text.h"
+#include "ui/window_system.h"
 
 namespace quarn {
 namespace {
@@ -108,7 +109,7 @@ int WindowDpi(const QWidget& window) {
   if (screen == nullptr) return 0;
   // A desktop scales windows partly by larger fonts, partly by larger pixels.
   const double drawn = screen->logicalDotsPerInch() * screen->devicePixelRatio();
-  if (!QGuiApplication::platformName().startsWith(u"wayland")) return static_cast<int>(std::lround(drawn));
+  if (!IsOnWayland()) return static_cast<int>(std::lround(drawn));
   const std::optional<OutputSize> output = WaylandOutput(screen->name());
   return static_cast<int>(std::lround(drawn * (output ? ShownShare(*output) : 1)));
 }

@@ -86,6 +86,14 @@ void ConnectAtStart(Program& program) {
   ConnectWithMessages(program);
 }
 
+/// The main dialog is the smaller one, so where the last window covers the others it comes last.
+void ShowWindows(StartUpStage& stage, bool withTerminalScreen) {
+  const bool isMainLast = withTerminalScreen && !stage.MayPlaceWindows();
+  if (isMainLast) stage.Window().OpenTerminalScreen();
+  stage.ShowMainDialog();
+  if (withTerminalScreen && !isMainLast) stage.Window().OpenTerminalScreen();
+}
+
 }  // namespace
 
 StartUpResult StartUp(Program& program, StartUpStage& stage) {
@@ -99,9 +107,8 @@ StartUpResult StartUp(Program& program, StartUpStage& stage) {
   stage.PlaceMainDialog(program.settings.mainPos == values::kTopRight.text ? kRightPercent : kEdgePercent,
                         kEdgePercent);
   if (program.userFile.isEmpty()) ConnectAtStart(program);
-  stage.ShowMainDialog();
+  ShowWindows(stage, IsOn(program.settings.startDisp));
   MainWindow& window = stage.Window();
-  if (IsOn(program.settings.startDisp)) window.OpenTerminalScreen();
   window.SetTitle(QString());
   window.ShowUserFile();
   window.UpdateMenuState();

@@ -34,6 +34,8 @@ class StartUpStage {
   /// Moves the main dialog to this share of the screen's free space.
   virtual void PlaceMainDialog(int xPercent, int yPercent) = 0;
   virtual void ShowMainDialog() = 0;
+  /// Whether windows stand where they are put. If not, the window that is shown last covers the others.
+  virtual bool MayPlaceWindows() = 0;
 };
 
 enum class StartUpResult {

@@ -7,6 +7,7 @@
 #include "app/file_argument.h"
 #include "app/platform.h"
 #include "app/splash_page.h"
+#include "ui/window_system.h"
 
 namespace quarn {
 
@@ -59,5 +60,7 @@ void WindowStage::ShowMainDialog() {
     m_requests.emplace([this](const QString& file) { m_dialog->TakeStartRequest(file); });
   }
 }
+
+bool WindowStage::MayPlaceWindows() { return quarn::MayPlaceWindows(); }
 
 }  // namespace quarn

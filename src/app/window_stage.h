@@ -26,6 +26,7 @@ class WindowStage final : public StartUpStage {
   QString FileArgument() override;
   void PlaceMainDialog(int xPercent, int yPercent) override;
   void ShowMainDialog() override;
+  bool MayPlaceWindows() override;
 
  private:
   void PrepareUnderSplash();

@@ -16,7 +16,11 @@ class ModalOrder {
 /// Null where the system does this itself.
 [[nodiscard]] std::unique_ptr<ModalOrder> KeepModalInFront();
 
-/// Call for a window before it is shown. Where nobody can move a window that covers its owner (Wayland), the
+/// Brings a window that is shown to the front and gives it the keyboard. Where the system refuses this
+/// (Wayland), the window is shown again a moment later, perhaps in another place.
+void BringToFront(QWidget& window);
+
+/// Call for a window before it is shown. Where the system places windows, and may put one over its owner, the
 /// owner can then come to the front of it.
 void LetStandAlone(QWidget& window);
 

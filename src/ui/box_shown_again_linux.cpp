@@ -6,6 +6,7 @@
 #include <QPointer>
 #include <QWidget>
 #include <QWindow>
+#include <functional>
 
 namespace quarn {
 namespace {
@@ -27,17 +28,28 @@ QWidget* BoxUp() {
   return isUp ? box : nullptr;
 }
 
-void ShowOver(QWidget& box, QWindow* focused) {
-  const QPointer<QWidget> focus = box.focusWidget();
+/// Hides and shows a window. `between` runs while it is hidden.
+void HideAndShow(QWidget& window, const std::function<void()>& between) {
+  const QPointer<QWidget> focus = window.focusWidget();
   // A dialog's own function would end its event loop.
-  box.QWidget::setVisible(false);
-  // The system takes note of this when the window is shown.
-  if (focused != nullptr) box.windowHandle()->setTransientParent(focused);
-  box.QWidget::setVisible(true);
+  window.QWidget::setVisible(false);
+  between();
+  window.QWidget::setVisible(true);
   if (!focus.isNull()) focus->setFocus();
 }
 
+void ShowOver(QWidget& box, QWindow* focused) {
+  HideAndShow(box, [&] {
+    // The system takes note of this when the window is shown.
+    if (focused != nullptr) box.windowHandle()->setTransientParent(focused);
+  });
+}
+
 }  // namespace
+
+void ShowAnew(QWidget& window) {
+  HideAndShow(window, [] {});
+}
 
 bool IsOurs(const QWidget& modal) { return !modal.testAttribute(Qt::WA_DontShowOnScreen); }
 

@@ -12,6 +12,10 @@ namespace quarn {
 /// Whether the program draws the window: a dialog of the system's stands for one that it cannot reach.
 [[nodiscard]] bool IsOurs(const QWidget& modal);
 
+/// Shows a window again that is shown, so that it comes up in front of the others, with the keyboard. Its
+/// state and its focus stay; so does the event loop of a dialog.
+void ShowAnew(QWidget& window);
+
 /// Who has the keyboard while a modal window, the box, is up.
 enum class KeyboardIn : unsigned char { Box, AnotherWindow, Elsewhere };
 

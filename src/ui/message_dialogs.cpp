@@ -31,6 +31,7 @@ constexpr int kYesId = 1066;
 constexpr int kPictureId = 1022;
 constexpr int kQuestionId = 1064;
 constexpr int kTransientId = 1067;
+constexpr int kPlainTextId = 0xFFFF;  // that of a text which nobody asks for
 
 constexpr int kMarginUnits = 10;
 constexpr int kGapUnits = 4;
@@ -255,6 +256,10 @@ CConfirmYesNo::CConfirmYesNo(QWidget* owner, const QString& suffix, const QStrin
                              const QString& line1, const QString& line2, AnswerByDefault byDefault)
     : MessageDialog(owner, QStringLiteral("CConfirmYesNo"), MessageCaption(suffix),
                     QuestionLines(line0, line1, line2), {Yes(), No()}, byDefault) {}
+
+PlainMessage::PlainMessage(QWidget* owner, const QString& text)
+    : MessageDialog(owner, QStringLiteral("PlainMessage"), QString::fromLatin1(identity::kName),
+                    {{kPlainTextId, "message", text}}, {Ok()}) {}
 
 COneshotMsgPos::COneshotMsgPos(QWidget* owner, const QString& text, std::optional<QPoint> position,
                                int displayMs)

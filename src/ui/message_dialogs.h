@@ -110,6 +110,12 @@ class CConfirmYesNo final : public MessageDialog {
                 const QString& line2, AnswerByDefault byDefault = AnswerByDefault::Agree);
 };
 
+/// The program's name, the text's lines and OK, for what happens before there is a window of the program.
+class PlainMessage final : public MessageDialog {
+ public:
+  PlainMessage(QWidget* owner, const QString& text);
+};
+
 /// One line that closes automatically; Escape, Enter and the close box close it earlier.
 class COneshotMsgPos final : public MessageDialog {
  public:

@@ -8,6 +8,7 @@
 #include <QWindow>
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <optional>
 
 #include "ui/usual_frame.h"
@@ -121,10 +122,32 @@ QPoint PlaceBeside(const QRect& mainDialog, QSize dialog, QSize screen) {
   return {x, mainDialog.y()};
 }
 
-QPoint PlaceBelowOnScreen(const QRect& mainDialog, QSize dialog, QSize screen) {
-  const QPoint wanted{mainDialog.x(), mainDialog.y() + mainDialog.height() + kMainDialogGap};
+QPoint PlaceOffOthers(const QRect& mainDialog, const QList<QRect>& others, QSize dialog, QSize screen) {
   const QSize room = (screen - dialog).expandedTo({0, 0});
-  return {std::clamp(wanted.x(), 0, room.width()), std::clamp(wanted.y(), 0, room.height())};
+  const QList<QRect> shown = QList<QRect>{mainDialog} + others;
+  const auto covered = [&](QPoint corner) {
+    qint64 sum = 0;
+    for (const QRect& each : shown) {
+      const QRect both = each & QRect(corner, dialog);
+      sum += qint64{both.width()} * both.height();
+    }
+    return sum;
+  };
+  QPoint best;
+  qint64 least = std::numeric_limits<qint64>::max();
+  const auto consider = [&](int x, int y) {
+    const QPoint corner(std::clamp(x, 0, room.width()), std::clamp(y, 0, room.height()));
+    if (const qint64 sum = covered(corner); sum < least) {
+      least = sum;
+      best = corner;
+    }
+  };
+  for (const QRect& each : shown) {
+    consider(each.x(), each.y() + each.height() + kMainDialogGap);
+    consider(each.x() + each.width() + kMainDialogGap, each.y());
+    consider(each.x() - dialog.width() - kMainDialogGap, each.y());
+  }
+  return best;
 }
 
 int DialogGrid::Width(int units) const { return MapDialogUnits(m_window.font(), {0, 0, units, 0}).width(); }

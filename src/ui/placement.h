@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QList>
 #include <QMargins>
 #include <QPoint>
 #include <QRect>
@@ -40,8 +41,10 @@ QPoint PlaceBelowOrAbove(const QRect& mainDialog, QSize dialog, QSize screen);
 /// Beside the main dialog's top right corner; left of it if there is no room to the right.
 QPoint PlaceBeside(const QRect& mainDialog, QSize dialog, QSize screen);
 
-/// Under the main dialog's left edge, but within the screen at the bottom and on the right.
-QPoint PlaceBelowOnScreen(const QRect& mainDialog, QSize dialog, QSize screen);
+/// For a dialog without a fixed place: under the main dialog's left edge; if it would cover one of `others`,
+/// where it covers the least of the main dialog and of them, beside or below one of these. Always within the
+/// screen.
+QPoint PlaceOffOthers(const QRect& mainDialog, const QList<QRect>& others, QSize dialog, QSize screen);
 
 /// Dialog units to pixels for a font: a quarter of its average character's width, an eighth of its height.
 QRect MapDialogUnits(const QFont& font, const QRect& units);

@@ -1,8 +1,5 @@
 #include "ui/window_messages.h"
 
-#include <QMessageBox>
-
-#include "identity.h"
 #include "ui/box.h"
 #include "ui/message_dialogs.h"
 
@@ -52,8 +49,7 @@ void WindowMessages::ShowTransientMessage(const QString& text, std::optional<QPo
 }
 
 void WindowMessages::ShowPlainMessage(const QString& text) {
-  QMessageBox box(QMessageBox::NoIcon, QString::fromLatin1(identity::kName), text, QMessageBox::Ok);
-  box.setTextFormat(Qt::PlainText);
+  PlainMessage box(nullptr, text);
   // Before this program has a window, another program's window may cover everything: the splash of a first
   // Quarn.
   if (WindowForBox() == nullptr) box.setWindowFlag(Qt::WindowStaysOnTopHint);

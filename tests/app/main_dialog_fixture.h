@@ -2,12 +2,14 @@
 
 #include <QApplication>
 #include <QPushButton>
+#include <QScreen>
 #include <QTest>
 
 #include "app/app_fixture.h"
 #include "app/main_dialog.h"
 #include "support/waits.h"
 #include "ui/controls.h"
+#include "ui/placement.h"
 
 namespace quarn::test {
 
@@ -36,6 +38,10 @@ class MainDialog : public AppTest {
     }
     return nullptr;
   }
+  /// Of the primary screen, which need not begin at 0, 0.
+  static QPoint ScreenCorner() { return QGuiApplication::primaryScreen()->geometry().topLeft(); }
+  /// The main dialog with its frame, from that corner.
+  [[nodiscard]] QRect MainOnScreen() const { return {dialog.pos() - ScreenCorner(), OuterSize(dialog)}; }
   QPushButton& Switch() { return *Control<QPushButton>(1001); }
   QWidget* TerminalScreen() {
     for (QWidget* widget : QApplication::topLevelWidgets()) {

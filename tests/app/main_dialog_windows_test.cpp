@@ -37,13 +37,13 @@ TEST_F(MainDialog, OpensEachDialogOfThePortMenuOnce) {
 }
 
 TEST_F(MainDialog, PortNumberDialogComesUpBelow) {
+  dialog.move(ScreenCorner() + QPoint(30, 40));
   Action(32791)->trigger();
   ASSERT_EQ(Shown("CPortNum").size(), 1);
   const QWidget& opened = *Shown("CPortNum").first();
   const QSize screen = QGuiApplication::primaryScreen()->size();
-  EXPECT_TRUE(StandsAt(opened, [&] {
-    return PlaceBelowOrAbove({dialog.pos(), OuterSize(dialog)}, OuterSize(opened), screen);
-  }));
+  EXPECT_TRUE(StandsAt(
+      opened, [&] { return ScreenCorner() + PlaceBelowOrAbove(MainOnScreen(), OuterSize(opened), screen); }));
 }
 
 TEST_F(MainDialog, AWindowThatWasToldToCloseStaysWhenItIsWantedAgain) {
@@ -187,21 +187,37 @@ TEST_F(MainDialog, TheOptionMenuOpensEachDialogOnce) {
 }
 
 TEST_F(MainDialog, CommandFormatStandsBesideIt) {
-  dialog.move(30, 40);
+  dialog.move(ScreenCorner() + QPoint(30, 40));
   Action(32775)->trigger();
   const QWidget* format = Windows(QStringLiteral("Quarn - Command Format")).value(0);
   ASSERT_NE(format, nullptr);
   dialog.StartTimer();
   const QSize screen = QGuiApplication::primaryScreen()->size();
-  EXPECT_TRUE(StandsAt(*format, [&] {
-    return PlaceBeside({dialog.pos(), OuterSize(dialog)}, OuterSize(*format), screen);
-  }));
+  EXPECT_TRUE(StandsAt(
+      *format, [&] { return ScreenCorner() + PlaceBeside(MainOnScreen(), OuterSize(*format), screen); }));
   program.state.requests.close.Add(Window::CommandFormat);
   EXPECT_TRUE(WaitUntil([&] { return !program.state.open.Contains(Window::CommandFormat); }));
 }
 
+TEST_F(MainDialog, WindowsWithoutAPlaceOfTheirOwnDoNotComeUpOnEachOther) {
+  dialog.move(ScreenCorner() + QPoint(30, 40));
+  dialog.StartTimer();
+  QList<QPoint> places;
+  for (const int id : {command::kDetailedPortList, command::kScreenOption, command::kMainOption}) {
+    Action(id)->trigger();
+  }
+  for (const char* name : {"CPortDetails", "CScreenOption", "CMainOption"}) {
+    ASSERT_EQ(Shown(name).size(), 1) << name;
+    ASSERT_TRUE(FrameIsThere(*Shown(name).first())) << name;
+    places.append(Shown(name).first()->pos());
+  }
+  EXPECT_NE(places[0], places[1]);
+  EXPECT_NE(places[0], places[2]);
+  EXPECT_NE(places[1], places[2]);
+}
+
 TEST_F(MainDialog, ListAndOptionsLeaveItsMenusInReach) {
-  dialog.move(30, 40);
+  dialog.move(ScreenCorner() + QPoint(30, 40));
   dialog.StartTimer();
   const QSize screen = QGuiApplication::primaryScreen()->size();
   for (const auto& [id, title] : std::map<int, QString>{{32792, "Quarn - Detailed COM Port List  (NONE)  "},
@@ -211,7 +227,7 @@ TEST_F(MainDialog, ListAndOptionsLeaveItsMenusInReach) {
     QWidget* each = Windows(title).value(0);
     ASSERT_NE(each, nullptr) << title.toStdString();
     EXPECT_TRUE(StandsAt(*each, [&, window = each] {
-      return PlaceBelowOnScreen({dialog.pos(), OuterSize(dialog)}, OuterSize(*window), screen);
+      return ScreenCorner() + PlaceOffOthers(MainOnScreen(), {}, OuterSize(*window), screen);
     })) << title.toStdString();
     each->close();
   }

@@ -41,6 +41,13 @@ TEST_F(StartUpTest, OnAnEmptyAccount) {
   EXPECT_EQ(program.userFile, QString());
 }
 
+TEST_F(StartUpTest, WhereWindowsCannotBePlacedTheMainDialogComesInFrontOfTheTerminalScreen) {
+  stage.mayPlaceWindows = false;
+  EXPECT_EQ(Start(), StartUpResult::Running);
+  EXPECT_EQ(Happened(), (kUntilCommandLine +
+                         QStringList{kNotFoundWarning, "place 3 3", kUndefined, "terminal", "show"} + kEnd));
+}
+
 TEST_F(StartUpTest, ASecondInstanceTouchesNothing) {
   MakeFolders();
   stage.lock = InstanceLock::TakenByAnother;

@@ -16,6 +16,7 @@ class RecordedStage final : public StartUpStage {
   bool wraps = false;
   int fontHeight = 12;
   QString file;
+  bool mayPlaceWindows = true;
 
   InstanceLock TakeLock(QString& reason) override {
     if (lock == InstanceLock::Failed) reason = QStringLiteral("/lock: no room");
@@ -34,6 +35,7 @@ class RecordedStage final : public StartUpStage {
     m_journal.append(QStringLiteral("place %1 %2").arg(x).arg(y));
   }
   void ShowMainDialog() override { m_journal.append(QStringLiteral("show")); }
+  bool MayPlaceWindows() override { return mayPlaceWindows; }
 
  private:
   template <typename Value>

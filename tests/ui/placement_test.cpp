@@ -189,11 +189,29 @@ TEST(DialogPlacement, ToTheLeftWhereThereIsNoRoomBeside) {
 }
 
 TEST(DialogPlacement, UnderTheMainDialogAndOnTheScreen) {
-  EXPECT_EQ(PlaceBelowOnScreen({30, 20, 400, 150}, {300, 100}, kScreen), QPoint(30, 180));
-  const QPoint farthest = QPoint(kScreen.width() - 300, kScreen.height() - 100);
-  EXPECT_EQ(PlaceBelowOnScreen(QRect(farthest, QSize(400, 150)), {300, 100}, kScreen), farthest);
-  EXPECT_EQ(PlaceBelowOnScreen({-50, 20, 400, 150}, {300, 100}, kScreen), QPoint(0, 180));
-  EXPECT_EQ(PlaceBelowOnScreen({30, 20, 400, 150}, kScreen + QSize(1, 1), kScreen), QPoint(0, 0));
+  EXPECT_EQ(PlaceOffOthers({30, 20, 400, 150}, {}, {300, 100}, kScreen), QPoint(30, 180));
+  EXPECT_EQ(PlaceOffOthers({-50, 20, 400, 150}, {}, {300, 100}, kScreen), QPoint(0, 180));
+  EXPECT_EQ(PlaceOffOthers({30, 20, 400, 150}, {}, kScreen + QSize(1, 1), kScreen), QPoint(0, 0));
+}
+
+TEST(DialogPlacement, BesideTheMainDialogInTheLastCorner) {
+  const QPoint corner(kScreen.width() - 300, kScreen.height() - 100);
+  EXPECT_EQ(PlaceOffOthers({corner, QSize(400, 150)}, {}, {300, 100}, kScreen), corner - QPoint(310, 0));
+}
+
+TEST(DialogPlacement, OffTheOtherWindows) {
+  const QRect mainDialog(30, 20, 400, 150);
+  const QRect below(30, 180, 300, 100);
+  EXPECT_EQ(PlaceOffOthers(mainDialog, {below}, {300, 100}, kScreen), QPoint(440, 20));
+  const QRect beside(440, 20, 300, 100);
+  EXPECT_EQ(PlaceOffOthers(mainDialog, {below, beside}, {300, 100}, kScreen), QPoint(30, 290));
+}
+
+TEST(DialogPlacement, WhereItCoversLeast) {
+  // Only a strip at the bottom is free, and it is too low.
+  const QRect most({0, 0}, kScreen - QSize(0, 60));
+  EXPECT_EQ(PlaceOffOthers({30, 20, 400, 150}, {most}, {300, 100}, kScreen),
+            QPoint(0, kScreen.height() - 100));
 }
 
 }  // namespace

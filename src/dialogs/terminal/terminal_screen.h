@@ -47,6 +47,8 @@ class CTerminalScreen final : public ModelessWindow, private TransactionHost {
   /// The text last put into screen row 0 to 31, its CR included.
   [[nodiscard]] const QString& RowText(int row) const;
   [[nodiscard]] QMenu& ContextMenu() { return *m_menu; }
+  /// A key that was typed here, or in a window that hands it on. Whether it means something here.
+  bool HandleKey(const QKeyEvent& event);
 
  protected:
   void Look(int ticks) override;
@@ -75,7 +77,6 @@ class CTerminalScreen final : public ModelessWindow, private TransactionHost {
   void RedrawLogRows();
   void ShowCommandLine();
 
-  bool HandleKey(const QKeyEvent& event);
   void TypeText(const QString& text);
   void LoadStoredCommand(int index, bool append);
   void CopyToClipboard(const QString& text);
