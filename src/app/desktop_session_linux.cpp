@@ -5,6 +5,8 @@
 
 #include <QByteArray>
 #include <QDeadlineTimer>
+#include <QFile>
+#include <QStandardPaths>
 #include <cerrno>
 #include <cstddef>
 #include <cstring>
@@ -47,6 +49,17 @@ std::optional<QByteArray> BusSocket() {
   return std::nullopt;
 }
 
+/// Whether the session has no bus, and no program that the D-Bus library would start to get one.
+bool NobodyHasBus() {
+  const QByteArray address = qgetenv(kBus);
+  if (!address.isEmpty() && address != "autolaunch:") return false;
+  const QByteArray folder = qgetenv("XDG_RUNTIME_DIR");
+  if (!folder.isEmpty() && QFile::exists(QFile::decodeName(folder + "/bus"))) return false;
+  const QString launcher = QStringLiteral("dbus-launch");
+  return !QFile::exists(QStringLiteral("/usr/bin/") + launcher) &&
+         QStandardPaths::findExecutable(launcher).isEmpty();
+}
+
 /// Whether somebody listens there and says nothing for a second. A first question of the protocol: may this
 /// user in?
 bool IsSilent(const QByteArray& socketName) {
@@ -78,8 +91,8 @@ DesktopSession::DesktopSession(const QStringList& arguments)
   // only to ask which kinds of windows it can draw.
   if (m_spareGl) qputenv(kGtkGl, "disable");
   const std::optional<QByteArray> bus = BusSocket();
-  // Qt would wait for its answer before it shows the first window.
-  if (bus && IsSilent(*bus)) qputenv(kBus, "disabled:");
+  // Qt would wait for its answer, or for a search in vain, before it shows the first window.
+  if (NobodyHasBus() || (bus && IsSilent(*bus))) qputenv(kBus, "disabled:");
 }
 
 DesktopSession::~DesktopSession() {

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
 #include <thread>
@@ -10,8 +11,8 @@
 namespace quarn::test {
 namespace {
 
-const QByteArrayList kVariables{"QT_QPA_PLATFORM",          "WAYLAND_DISPLAY", "DISPLAY",
-                                "DBUS_SESSION_BUS_ADDRESS", "XDG_RUNTIME_DIR", "GDK_GL"};
+const QByteArrayList kVariables{"QT_QPA_PLATFORM", "WAYLAND_DISPLAY", "DISPLAY", "DBUS_SESSION_BUS_ADDRESS",
+                                "XDG_RUNTIME_DIR", "GDK_GL",          "PATH"};
 
 /// The environment is as it was before when a test ends.
 class DesktopSessionTest : public ::testing::Test {
@@ -92,6 +93,33 @@ TEST_F(DesktopSessionTest, ABusThatDoesNotAnswerIsLeftAlone) {
   qunsetenv("DBUS_SESSION_BUS_ADDRESS");
   qputenv("XDG_RUNTIME_DIR", QFileInfo(Path("bus")).path().toLocal8Bit());
   EXPECT_EQ(BusAfterwards(), QByteArray("disabled:")) << "the session's usual place";
+}
+
+TEST_F(DesktopSessionTest, WithoutABusNoneIsSearchedForInVain) {
+  // A system may have the program that starts a bus; then it is asked.
+  const bool installed = QFile::exists(QStringLiteral("/usr/bin/dbus-launch"));
+  const QByteArray without = installed ? QByteArray() : QByteArray("disabled:");
+  const QByteArray folder = QFileInfo(Path("bus")).path().toLocal8Bit();
+  qputenv("PATH", folder);
+  qunsetenv("DBUS_SESSION_BUS_ADDRESS");
+  EXPECT_EQ(BusAfterwards(), without) << "no session folder";
+  qunsetenv("DBUS_SESSION_BUS_ADDRESS");
+  qputenv("XDG_RUNTIME_DIR", folder);
+  EXPECT_EQ(BusAfterwards(), without) << "a session folder without a bus";
+  qputenv("DBUS_SESSION_BUS_ADDRESS", "autolaunch:");
+  EXPECT_EQ(BusAfterwards(), installed ? QByteArray("autolaunch:") : without);
+
+  QFile launcher(Path("dbus-launch"));
+  ASSERT_TRUE(launcher.open(QIODevice::WriteOnly));
+  launcher.close();
+  ASSERT_TRUE(launcher.setPermissions(QFile::ReadOwner | QFile::ExeOwner));
+  qunsetenv("DBUS_SESSION_BUS_ADDRESS");
+  EXPECT_EQ(BusAfterwards(), QByteArray()) << "a program that can start one";
+  ASSERT_TRUE(launcher.remove());
+
+  QFile bus(Path("bus"));
+  ASSERT_TRUE(bus.open(QIODevice::WriteOnly));
+  EXPECT_EQ(BusAfterwards(), QByteArray()) << "something has the bus's place";
 }
 
 TEST_F(DesktopSessionTest, ABusThatAnswersStays) {
