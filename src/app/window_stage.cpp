@@ -1,12 +1,14 @@
 #include "app/window_stage.h"
 
 #include <QFileInfo>
+#include <QLayout>
 #include <QTimer>
 #include <utility>
 
 #include "app/file_argument.h"
 #include "app/platform.h"
 #include "app/splash_page.h"
+#include "ui/placement.h"
 #include "ui/window_system.h"
 
 namespace quarn {
@@ -30,10 +32,12 @@ void WindowStage::ShowSplash() {
   splash.exec();
 }
 
-/// Slow steps, done during the splash's two seconds: the main dialog, and the first look at the system's
-/// devices.
+/// Slow steps, done during the splash's two seconds: the main dialog, the frame that the window manager gives
+/// windows, and the first look at the system's devices.
 void WindowStage::PrepareUnderSplash() {
   m_dialog = std::make_unique<CQuarnDlg>(m_program);
+  m_dialog->layout()->activate();
+  LearnUsualFrame();
   m_program.portSource->Ports();
 }
 

@@ -28,9 +28,20 @@ QPoint PrimaryScreenOrigin() {
   return screen != nullptr ? screen->geometry().topLeft() : QPoint();
 }
 
+/// What the window manager has answered, if it could.
+std::optional<QMargins>& AnnouncedFrame() {
+  static std::optional<QMargins> frame;
+  return frame;
+}
+
+QMargins FirstUsualFrame() {
+  if (!AnnouncedFrame()) LearnUsualFrame();
+  return AnnouncedFrame().value_or(QMargins{8, 31, 8, 8});
+}
+
 /// The last known frame of one of our windows.
 QMargins& UsualFrame() {
-  static QMargins frame = FrameOfNewWindows().value_or(QMargins{8, 31, 8, 8});
+  static QMargins frame = FirstUsualFrame();
   return frame;
 }
 
@@ -73,6 +84,8 @@ void PlaceOnScreenByPercent(QWidget& window, int xPercent, int yPercent) {
 }
 
 bool IsFrameKnown(const QWidget& window) { return KnownFrame(window).has_value(); }
+
+void LearnUsualFrame() { AnnouncedFrame() = FrameOfNewWindows(); }
 
 QMargins FrameOf(const QWidget& window) {
   if (const std::optional<QMargins> known = KnownFrame(window)) {

@@ -26,6 +26,8 @@ void PlaceOnScreenByPercent(QWidget& window, int xPercent, int yPercent);
 /// another window of ours, or the one that the window manager announces; if there is none, 8 left and right,
 /// 31 above, 8 below, for which the fixed window sizes were designed. Empty for a window without a frame.
 QMargins FrameOf(const QWidget& window);
+/// Asks the window manager for the frame that it announces. Without an answer the first FrameOf asks again.
+void LearnUsualFrame();
 /// Whether FrameOf returns the real frame and not an estimate.
 bool IsFrameKnown(const QWidget& window);
 /// From now on a frame that is not reported counts as no frame, not as unknown.
