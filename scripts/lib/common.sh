@@ -69,7 +69,7 @@ need() {
       test) packages+=(libgtest-dev libumockdev-dev umockdev fonts-dejavu-core util-linux locales
         # For the examples of the guide and the completion of other shells.
         python3 gnuplot-nox zsh fish) ;;
-      window) packages+=(xvfb xauth openbox xdotool wmctrl x11-utils xclip maim dbus-daemon fonts-dejavu-core) ;;
+      window) packages+=(xvfb xauth openbox xdotool wmctrl x11-utils x11-xserver-utils xclip maim dbus-daemon fonts-dejavu-core) ;;
       pictures) packages+=(pngquant imagemagick x11-xserver-utils) ;;
       bench) packages+=(libbenchmark-dev python3) ;;
       windows)

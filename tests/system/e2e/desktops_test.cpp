@@ -112,6 +112,23 @@ class OnTheDesktop : public Dialogs {
            << "), not " << window.toStdString();
   }
 
+  /// Makes two monitors side by side of the screen: the left one is the primary one, the right one has room
+  /// for the widest dialog.
+  void SplitScreen() const {
+    const auto add = [&](const char* name, int x, int width, const char* output) {
+      desktop.Run(QStringLiteral("xrandr"),
+                  {QStringLiteral("--setmonitor"), QLatin1String(name),
+                   QStringLiteral("%1/200x1024/280+%2+0").arg(width).arg(x), QLatin1String(output)});
+    };
+    add("*left", 0, kRightFrom, "screen");
+    add("right", kRightFrom, kWidth - kRightFrom, "none");
+    const QByteArray monitors =
+        desktop.Run(QStringLiteral("xrandr"), {QStringLiteral("--listactivemonitors")});
+    ASSERT_TRUE(monitors.startsWith("Monitors: 2")) << monitors.toStdString();
+  }
+  static constexpr int kWidth = 1280;
+  static constexpr int kRightFrom = 500;
+
   const QString kTools = QStringLiteral("Tools");
   const QString kTable = QStringLiteral("^Quarn - Function Key Table$");
   const QString kSettings = QStringLiteral("^Quarn - COM Port Settings");
@@ -231,6 +248,26 @@ TEST_F(OnTheDesktop, TheMainWindowMayBeMinimised) {
     return desktop.Run(QStringLiteral("xprop"), {QStringLiteral("-id"), main, QStringLiteral("WM_STATE")})
         .contains("Iconic");
   }));
+}
+
+TEST_F(OnTheDesktop, OnTwoMonitorsDialogsOpenWhereTheMainWindowIs) {
+  SplitScreen();
+  StartConnected("* -> line \"OK\"");
+  MoveAside(kMain, {kRightFrom + 60, 260});
+  for (const auto& [menu, item, title] :
+       {std::tuple{kPortMenu, "COM Port Number", "^Quarn - COM Port Number"},
+        std::tuple{kPortMenu, "Detailed COM Port List", "^Quarn - Detailed COM Port List"},
+        std::tuple{QStringLiteral("Option"), "Main Dialog Option (M)", "^Quarn - Main Dialog Optiom"}}) {
+    OpenDialog(menu, QString::fromLatin1(item), QString::fromLatin1(title));
+    const QString window = WaitForWindow(QString::fromLatin1(title));
+    ASSERT_FALSE(window.isEmpty()) << item;
+    EXPECT_TRUE(Eventually([&] {
+      const std::optional<QRect> outer = desktop.Outer(window);
+      return outer && outer->left() >= kRightFrom && outer->right() < kWidth;
+    })) << item
+        << " stands at " << Geometry(window).left();
+    AnswerBox(QString::fromLatin1(title), QStringLiteral("Escape"));
+  }
 }
 
 TEST_F(OnTheDesktop, ASessionThatDoesNotAnswerDoesNotKeepItFromStarting) {
