@@ -2,7 +2,7 @@
 
 usage: wayland_desktop.py COMPOSITOR PROGRAMS PLACE
 
-COMPOSITOR: sway, weston, kwin_wayland. PROGRAMS: the folder of quarn and quarn-device. PLACE: a folder for logs. Prints
+COMPOSITOR: sway, weston, mutter_wayland, kwin_wayland. PROGRAMS: the folder of quarn and quarn-device. PLACE: a folder for logs. Prints
 "subject=yes" for each subject that works, and ends at the first that does not.
 
 Wayland lets nobody ask where windows are. Which of them has the keyboard is in the program's own protocol log, and the
@@ -29,9 +29,10 @@ TERMINAL = r"Quarn - Terminal Screeen \(COM7(-NC)?\).*"
 MAIN = r"Quarn   \(COM7(-NC)?\)"
 BOX = r"Quarn : Error"
 FORMAT = r"Quarn - Command Format"
+QUESTION = r"Quarn : Confirmation"
 SAVE_AS = r"Save As Quarn Configuration File"
 # Where their titles are in the menu bar, in pixels from the left.
-MENUS = {"File": 15, "Option": 145}
+MENUS = {"File": 15, "Port": 55, "Option": 145}
 RULES = '"slow" -> 6000 line "done"\n"mute" -> silence\n* -> line "OK"\n'
 SWAY = 'xwayland disable\nfocus_follows_mouse no\nfor_window [app_id=".*"] floating enable\n'
 
@@ -253,6 +254,21 @@ class KWin(Compositor):
         self.click(640, 520)
 
 
+class Mutter(Compositor):
+    SCALES = ()
+
+    def open_on_x(self):
+        self.start("mutter", ["dbus-run-session", "--", "mutter", "--wayland", "--nested", "--no-x11"],
+                   self.environment | {"MUTTER_DEBUG_DUMMY_MODE_SPECS": f"{self.width}x{self.height}"})
+
+    def choose_main(self):
+        self.call("xdotool", "keydown", "alt", "key", "Tab", "sleep", "0.3", "keyup", "alt")
+
+    def choose_main_again(self, find_main):
+        # It was the last one before the window that covers it.
+        self.choose_main()
+
+
 class Trial:
     def __init__(self, compositor, programs, place):
         self.compositor = compositor
@@ -358,13 +374,16 @@ class Trial:
         wait_until(f"the keyboard in {pattern} after a click on the Terminal Screen",
                    lambda: self.windows.has_keyboard(pattern))
 
+    def choose_main_again(self):
+        self.compositor.choose_main_again(
+            lambda: wait_until("the main window under the pointer", self.place_in_main))
+        wait_until("the keyboard in the main window", lambda: self.windows.has_keyboard(MAIN))
+
     def again(self):
         """An open dialog that is chosen again comes to the front."""
         self.choose_from_menu("Option", "f")
         wait_until("the keyboard in the dialog", lambda: self.windows.has_keyboard(FORMAT))
-        self.compositor.choose_main_again(
-            lambda: wait_until("the main window under the pointer", self.place_in_main))
-        wait_until("the keyboard in the main window", lambda: self.windows.has_keyboard(MAIN))
+        self.choose_main_again()
         self.choose_from_menu("Option", "f")
         wait_until("the keyboard in the dialog chosen again", lambda: self.windows.has_keyboard(FORMAT))
         self.compositor.press("Return")
@@ -387,6 +406,12 @@ class Trial:
         wait_until("the end of the file dialog", lambda: not self.windows.has_keyboard(SAVE_AS))
 
     def box(self):
+        self.choose_main_again()
+        self.choose_from_menu("Port", "d")
+        wait_until("the keyboard in the question", lambda: self.windows.has_keyboard(QUESTION))
+        self.comes_up_again(QUESTION)
+        self.compositor.press("Escape")
+        wait_until("the end of the question", lambda: not self.windows.has_keyboard(QUESTION))
         self.instrument.terminate()
         wait_until("the keyboard in the box", lambda: self.windows.has_keyboard(BOX))
         self.comes_up_again(BOX)
@@ -395,7 +420,7 @@ class Trial:
         wait_until("the keyboard in the Terminal Screen after the box", lambda: self.windows.has_keyboard(TERMINAL))
 
 
-COMPOSITORS = {"sway": Sway, "weston": Weston, "kwin_wayland": KWin}
+COMPOSITORS = {"mutter_wayland": Mutter, "sway": Sway, "weston": Weston, "kwin_wayland": KWin}
 SUBJECTS = {"starts": Trial.starts, "main seen": Trial.main_seen, "ESC": Trial.escape,
             "type-ahead": Trial.type_ahead, "main window": Trial.main_window, "again": Trial.again,
             "file dialog": Trial.file_dialog, "box above all": Trial.box}
