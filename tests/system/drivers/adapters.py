@@ -68,7 +68,7 @@ def name_behind(account, port):
         check("is not present" in errors, errors)
         return None
     equal(f"status ({errors})", status, 0)
-    return output.strip().decode()
+    return output.removesuffix(b"\r").decode()
 
 
 def give_names():

@@ -105,6 +105,12 @@ class FarOutside:
     def sent(self):
         return outside.sent(line=self._line)
 
+    def say(self, text):
+        outside.say(line=self._line, text=text)
+
+    def on_its_way(self):
+        return outside.on_its_way(line=self._line)
+
     def batch(self, milliseconds, most):
         outside.batch(line=self._line, milliseconds=milliseconds, most=most)
 

@@ -1,9 +1,12 @@
 """The far end of a line: the simulated instrument, and what the line between does to the bytes."""
 
+import fcntl
 import os
 import selectors
 import signal
+import struct
 import subprocess
+import termios
 import threading
 import time
 import tty
@@ -22,8 +25,10 @@ class FarEnd:
         self._lock = threading.Lock()
         self._received = bytearray()
         self._sent = 0
+        self._unasked = b""
         self._held = False
         self._is_open = False
+        self._line = None
         self._batch = 0.0
         self._most = 65536
         self._instrument = None
@@ -60,6 +65,19 @@ class FarEnd:
         """How many bytes have gone to the line since the rules were set."""
         return self._sent
 
+    def say(self, text):
+        """Sends this without having been asked."""
+        with self._lock:
+            self._unasked += text.encode()
+        os.write(self._waker, b"x")
+
+    def on_its_way(self):
+        """Whether something of it, or of an answer, has not got to the other side of the line yet."""
+        with self._lock:
+            if self._unasked or self._line is None:
+                return bool(self._unasked)
+            return struct.unpack("i", fcntl.ioctl(self._line, termios.TIOCOUTQ, bytes(4)))[0] > 0
+
     def hold(self, held):
         """While held, nobody has the line open at this end, so that nothing is taken from it."""
         self._held = held
@@ -87,28 +105,30 @@ class FarEnd:
         self._instrument = self._near = None
 
     def _serve(self):
-        line = None
         while self._running:
-            if line is not None and self._held:
-                os.close(line)
-                line = None
-            self._is_open = line is not None
-            if line is None and self._held:
+            if self._line is not None and self._held:
+                self._leave()
+            self._is_open = self._line is not None
+            if self._line is None and self._held:
                 time.sleep(0.02)
                 continue
-            if line is None:
+            if self._line is None:
                 try:
-                    line = self._open_line()
+                    self._line = self._open_line()
                 except OSError:
                     time.sleep(0.05)
                     continue
             try:
-                self._relay_once(line)
+                self._relay_once(self._line)
             except OSError:
-                os.close(line)
-                line = None
-        if line is not None:
-            os.close(line)
+                self._leave()
+        self._leave()
+
+    def _leave(self):
+        with self._lock:
+            if self._line is not None:
+                os.close(self._line)
+            self._line = None
 
     def _relay_once(self, line):
         with selectors.DefaultSelector() as selector:
@@ -120,6 +140,9 @@ class FarEnd:
             ready = [key.fd for key, _ in selector.select()]
         if self._wake in ready:
             os.read(self._wake, 4096)
+            with self._lock:
+                _write_all(line, self._unasked, lambda: self._running)
+                self._unasked = b""
             return
         if line in ready:
             data = os.read(line, 65536)

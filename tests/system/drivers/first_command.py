@@ -1,6 +1,9 @@
 """The first command after open, every byte, every delimiter, answers at every limit."""
 
-from bench import FRAMES, LINES, check, each_line, equal, until
+import termios
+
+from bench import FRAMES, LINES, acm, check, each_line, equal, options, until
+from line_state import State
 
 # An answer that begins with zero counts as empty.
 ALL = bytes(range(1, 256)) + b"\0"
@@ -9,6 +12,9 @@ CONTROLS = b"\x02\x03\n\r"
 ORDINARY = bytes(byte for byte in ALL if byte and byte not in CONTROLS)
 LIMITS = {"1K": 1024, "2K": 2048, "6K": 6144}
 
+# How much a line keeps while nobody has it open: a chip whose buffer is off, an adapter, and a device made of software.
+KEPT = {"16550A": 1, "ftdi_sio": 300, "cdc_acm": 4000}
+TRIES = 20 if options["long"] else 6
 
 # A silence that the instrument itself does not make by being delayed: 270 ms.
 PATIENT = {"COM_BPS": "4800", "PORT_SPEED": "LOW"}
@@ -60,3 +66,24 @@ def limits(line):
         equal(f"answers of {most} bytes and one more", output, b"x" * (2 * most + 1))
         status, output, errors = line.send(f"n{most + 2}", raw=True, COM_BUF=buffer, **PATIENT)
         equal(f"an answer of {most + 2} bytes ({errors})", (status, output), (3, b"x" * most))
+
+
+@each_line("what came before the open is in no answer", LINES)
+def before_the_open(line):
+    line.far.answer('"id" -> line "SIM-1"')
+    line.settings(COM_BPS="19200")
+    original = State.of(line.node)
+    check(original.local & termios.ECHO, "the line does not echo")
+    if line is acm:
+        # This driver reads before the open is done, and the system sends that back to the instrument.
+        original.with_(9600, local=original.local & ~(termios.ECHO | termios.ECHONL)).set(line.node)
+    try:
+        for attempt in range(TRIES):
+            line.far.say(("old" * KEPT[line.kind])[:KEPT[line.kind]])
+            # Then it is at this side of the line, but not yet with the driver.
+            until(lambda: not line.far.on_its_way(), "the bytes from before the open")
+            status, output, errors = line.account.run("quarn-send", "--raw", "--", "id")
+            equal(f"status and answer {attempt} ({errors})", (status, output), (0, b"SIM-1\r"))
+        equal("what the instrument got", line.far.received(), b"id\r" * TRIES)
+    finally:
+        original.set(line.node)

@@ -163,6 +163,12 @@ class Machine:
     def do_sent(self, line):
         return self._far_ends[line].sent()
 
+    def do_say(self, line, text):
+        self._far_ends[line].say(text)
+
+    def do_on_its_way(self, line):
+        return self._far_ends[line].on_its_way()
+
     def do_batch(self, line, milliseconds, most):
         self._far_ends[line].batch(milliseconds, most)
 

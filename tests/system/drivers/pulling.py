@@ -3,8 +3,9 @@
 import os
 import subprocess
 import time
+import tty
 
-from adapters import Adapters, name_behind, port_of
+from adapters import Adapters, port_of
 from bench import Account, acm, check, equal, ftdi, gadget, note, options, settle, test, until
 from closing import fill, queued_bytes
 
@@ -42,6 +43,7 @@ class AcmCable:
         acm.far.hold(False)
         if not gadget.is_plugged():
             gadget.plug()
+            until(lambda: os.path.exists(acm.node), acm.node)
             settle()
 
 
@@ -83,13 +85,38 @@ def cycle(account, port, cable, begin):
             process.communicate()
         line.far.answer(RULES)
         cable.plug()
+        drain(line)
+        line.far.answer(RULES)
     equal(f"status ({errors})", process.returncode, 5)
     check(b"failed" in errors or b"not present" in errors, f"no reason: {errors}")
     check(took <= LONGEST_S, f"it took {took:.1f} s to end")
     account.settings(COM_PORT=port)
-    # What was on its way when the cable was pulled may still come.
-    until(lambda: name_behind(account, port) == "it", "the answer after plugging in")
+    until(lambda: answer_of(account, port) == b"it\r", "the answer after plugging in")
     return took
+
+
+def drain(line):
+    """Takes what was on its way when the cable was pulled, as another program."""
+    descriptor = os.open(line.node, os.O_RDWR | os.O_NOCTTY | os.O_NONBLOCK)
+
+    def is_silent():
+        try:
+            return not os.read(descriptor, 4096)
+        except BlockingIOError:
+            return not line.far.on_its_way()
+
+    try:
+        tty.setraw(descriptor)
+        until(is_silent, "the end of what was on its way")
+    finally:
+        os.close(descriptor)
+
+
+def answer_of(account, port):
+    """The right answer, or none while the instrument still has bytes from before. Nothing else may come."""
+    status, output, errors = account.run("quarn-send", "--raw", "--port", port, "--", "id")
+    check((status, output) in ((0, b"it\r"), (1, b""), (5, b"")), f"status {status}, {output!r}, {errors}")
+    return output
 
 
 def cycles(name, cable, begin, count):
