@@ -13,6 +13,7 @@ if options["boot"] == 1:
     import in_window  # noqa: F401
     import closing  # noqa: F401
     import pulling  # noqa: F401
+    import pulling_windows  # noqa: F401
     import modem_manager  # noqa: F401
     import no_parent  # noqa: F401
     import batches  # noqa: F401

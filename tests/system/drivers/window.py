@@ -3,6 +3,7 @@
 import os
 import re
 import subprocess
+import threading
 import time
 
 from bench import AS_USER, Failed, HOME, LIMIT_S, Account, check, until
@@ -39,6 +40,40 @@ def screen():
 
 def environment(**more):
     return {**os.environ, "DISPLAY": _name, **more}
+
+
+class Appearances:
+    """Looks all the time which windows appear. Use it in a `with`."""
+
+    def __init__(self):
+        screen()
+        # A connection of the thread's own.
+        self._screen = Screen(_name)
+        self._titles = {}
+        self._taken = set()
+        self._ended = threading.Event()
+        self._thread = threading.Thread(target=self._watch, daemon=True)
+
+    def _watch(self):
+        while not self._ended.wait(0.05):
+            for window, title in self._screen.windows().items():
+                # A window that is just being closed has none.
+                self._titles[window] = title or self._titles.get(window, "")
+
+    def take(self):
+        """The titles of those that have appeared since the last call, sorted."""
+        new = dict(self._titles)
+        titles = sorted(title for window, title in new.items() if window not in self._taken)
+        self._taken |= set(new)
+        return titles
+
+    def __enter__(self):
+        self._thread.start()
+        return self
+
+    def __exit__(self, *problem):
+        self._ended.set()
+        self._thread.join()
 
 
 class Quarn:

@@ -1,0 +1,168 @@
+"""Cycles of pull and plug with the windows: one error, one offer to return, and nothing is left behind."""
+
+import os
+import time
+
+from adapters import Adapters, port_of
+from bench import Account, Failed, acm, check, equal, ftdi, note, options, outside, test, until
+from closing import fill
+from pulling import AcmCable, FtdiCable, RULES, drain
+from window import ERROR, INFORMATION, MAIN, QUESTION, Appearances, Quarn
+
+PAGE_KIB = os.sysconf("SC_PAGESIZE") // 1024
+MOST_GROWTH_KIB = 2048
+IDLE_S = 8 if options["long"] else 2
+MEASUREMENTS = 10
+TICK_S = 1 / os.sysconf("SC_CLK_TCK")
+
+
+class Session:
+    """A connected program. What it leaves open and uses is the system's figures."""
+
+    def __init__(self, quarn, line, port):
+        self.quarn, self.line, self.port = quarn, line, port
+        self.window = quarn.terminal()
+        self._folder = f"/proc/{quarn.process.pid}/"
+        self.threads_at_rest = self.threads()
+
+    def threads(self):
+        return len(os.listdir(self._folder + "task"))
+
+    def descriptors(self):
+        return len(os.listdir(self._folder + "fd"))
+
+    def memory(self):
+        with open(self._folder + "statm", encoding="ascii") as file:
+            return int(file.read().split()[1]) * PAGE_KIB
+
+    def idle_time(self, enough=0.0):
+        """Seconds of processor time while nobody does anything: the least of three measurements, or of more until it is
+        enough. A busy computer adds to it. The system counts whole ticks."""
+
+        def used():
+            with open(self._folder + "stat", encoding="ascii") as file:
+                return sum(int(ticks) for ticks in file.read().rsplit(")", 1)[1].split()[11:13]) * TICK_S
+
+        self.quarn.activate(self.window)
+        least = float("inf")
+        for attempt in range(MEASUREMENTS):
+            before = used()
+            time.sleep(IDLE_S)
+            least = min(least, used() - before)
+            if least <= enough or (not enough and attempt == 2):
+                return least
+        raise Failed(f"it uses {least:.2f} s of processor time in {IDLE_S} s, and {enough:.2f} s are allowed")
+
+
+# --- What it does when the cable is pulled ----------------------------------------------------------------
+
+
+def is_idle(_):
+    return None
+
+
+def waits(session):
+    session.quarn.enter(session.window, "mute")
+    until(lambda: session.line.far.received().endswith(b"mute\r"), "the command")
+
+
+def receives(session):
+    session.quarn.enter(session.window, "much")
+    until(lambda: session.line.far.sent() > 100, "the beginning of the answer")
+
+
+def writes(session):
+    session.line.far.hold(True)
+    fill(session.line.node)
+    session.quarn.enter(session.window, "id")
+    until(lambda: session.threads() > session.threads_at_rest, "the command that does not go out")
+
+
+def dialog(letter, title):
+    def opens(session):
+        session.quarn.choose_from_port_menu(letter)
+        session.quarn.wait_for(title)
+        return title
+
+    return opens
+
+
+number = dialog("n", "^Quarn - COM Port Number")
+port_list = dialog("l", "^Quarn - Detailed COM Port List")
+settings = dialog("s", "^Quarn - COM Port Settings")
+
+STATES = {ftdi: (port_list, receives, waits, number, settings, is_idle),
+          acm: (writes, settings, receives, number, waits, port_list, is_idle)}
+BUSY = (waits, receives, writes)
+MEASURED = (is_idle, port_list) if options["long"] else (port_list,)
+
+
+# The list is told to have changed, twice; the error; the offer to return, and that it was done.
+PASSING, OTHERS = "Quarn : Infomation", ("Quarn : Confirmation", "Quarn : Error", "Quarn : Information")
+BOXES = sorted([PASSING, PASSING, *OTHERS])
+
+
+def cycle(session, cable, state, appeared):
+    """Returns the seconds of processor time that it used before the pull and after it, if these were measured."""
+    quarn, far = session.quarn, session.line.far
+    far.answer(RULES)
+    title = state(session)
+    appeared.take()
+    equal("whether it is busy", session.threads() > session.threads_at_rest, state in BUSY)
+    measured = state in MEASURED
+    before = session.idle_time() if measured else 0
+    cable.pull()
+    quarn.answer(ERROR, "Return")
+    quarn.wait_for(rf"^Quarn   \({session.port}-NC\)")
+    if measured:
+        note(f"{before:.2f} s of processor time in {IDLE_S} s before the pull, "
+             f"{session.idle_time(before + TICK_S):.2f} s after it")
+    far.answer(RULES)
+    cable.plug()
+    quarn.wait_for(QUESTION)
+    drain(session.line)
+    far.answer(RULES)
+    quarn.answer(QUESTION, "Return")
+    quarn.answer(INFORMATION, "Return")
+    quarn.wait_for(rf"^Quarn   \({session.port}\)")
+    if title:
+        quarn.answer(title, "Escape")
+    quarn.command(session.window, "id")
+    equal("what the instrument got", far.received(), b"id\r")
+    equal("the boxes that appeared", appeared.take(), BOXES)
+    equal("what the other adapter got", outside.received(line="second"), "")
+    until(lambda: session.threads() == session.threads_at_rest, "the end of its threads")
+
+
+def cycles(cable, count):
+    @test(f"window: pulled and plugged in again {count} times: {cable.line.kind}")
+    def run():
+        adapters = Adapters()
+        adapters.plug("second", "QA0002", 2)
+        outside.answer(line="second", rules='* -> line "second"')
+        used, states = cable(), STATES[cable.line]
+        account = Account()
+        port = port_of(account, os.path.realpath(used.line.node))
+        account.settings(COM_PORT=port, COM_BPS="4800", PORT_SPEED="LOW", R_TIMEOUT="OFF", AUTO_CLR="ON")
+        try:
+            with Appearances() as appeared, Quarn(account) as quarn:
+                session = Session(quarn, used.line, port)
+                figures = [(session.descriptors(), session.memory())]
+                for each in range(count):
+                    cycle(session, used, states[each % len(states)], appeared)
+                    figures.append((session.descriptors(), session.memory()))
+                quarn.end()
+        finally:
+            adapters.unplug("second")
+        # After each state was there once, if there are more cycles than states.
+        descriptors, memory = figures[len(states) if count > len(states) else 0]
+        last_descriptors, last_memory = figures[-1]
+        note(f"{descriptors} descriptors, then {last_descriptors}; {memory} KiB, then {last_memory} KiB")
+        equal("descriptors", last_descriptors, descriptors)
+        check(last_memory - memory <= MOST_GROWTH_KIB, f"memory has grown by {last_memory - memory} KiB")
+
+    return run
+
+
+cycles(FtdiCable, 50 if options["long"] else 1)
+cycles(AcmCable, 50 if options["long"] else 1)
