@@ -10,6 +10,7 @@ if options["boot"] == 1:
     import first_command  # noqa: F401
     import line_state  # noqa: F401
     import modem_lines  # noqa: F401
+    import breaks  # noqa: F401
     import in_window  # noqa: F401
     import closing  # noqa: F401
     import pulling  # noqa: F401

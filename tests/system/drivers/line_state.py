@@ -48,12 +48,13 @@ class State:
         finally:
             os.close(line)
 
-    def with_(self, rate, add=0, remove=0, **flags):
-        """Another state: this rate, these control flags, and these words."""
+    def with_(self, rate, add=0, remove=0, characters=None, **flags):
+        """Another state: this rate, these control flags, these characters by their place, and these words."""
         words = list(TERMIOS2.unpack(self.raw))
         words[0], words[1], words[3] = (flags.get(key, words[at]) for key, at in
                                         (("input", 0), ("output", 1), ("local", 3)))
         words[2] = words[2] & ~(remove | CBAUD | CBAUD << 16) | add | BOTHER | BOTHER << 16
+        words[5] = bytes((characters or {}).get(at, value) for at, value in enumerate(self.characters))
         words[6] = words[7] = rate
         return State(TERMIOS2.pack(*words))
 

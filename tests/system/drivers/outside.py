@@ -172,6 +172,10 @@ class Machine:
     def do_batch(self, line, milliseconds, most):
         self._far_ends[line].batch(milliseconds, most)
 
+    def do_line_break(self, line):
+        """The instrument on this line sends a break."""
+        self._monitor.ask("chardev-send-break", id=line)
+
     def do_plug(self, line, serial, port):
         self._monitor.ask("device_add", driver="usb-serial", id="adapter-" + line, chardev=line, serial=serial,
                           bus="bus.0", port=str(port), **{"always-plugged": True})
