@@ -1,77 +1,147 @@
 """Answers from an adapter that delivers every 16 ms: cut where the line was silent for longer than the rule says."""
 
+import json
 import re
+import subprocess
+import threading
+import time
 
-from bench import check, equal, ftdi, note, test, until
+from bench import LIMIT_S, check, equal, ftdi, note, options, test, until
 from modem_lines import BusWatch
 
 BATCH_MS = 16
 # About what comes in that time at 115200 bits per second.
 BATCH_BYTES = 180
 ANSWER_BYTES = 900
-ANSWERS = 8
-MOST_ANSWERS = 30
-LOW_MS = 18
+# How many cut answers are enough, and after how many answers it is given up.
+ENOUGH, MOST_ANSWERS = 5, 40
+ANSWERS = 1000 if options["long"] else 8
+# An answer, and what is left of it when it is cut, takes half of this.
+EVERY_S = "0.2"
+HIGH_MS, LOW_MS = 12, 18
+# The record tells when the bus had the data. The driver, and the program that waits for it, are later by this at most;
+# if not, because the computer is busy, the answer says nothing.
+LATE_MS = 3
+# What the bus carries at once, with two bytes of the adapter's state.
+PACKET_BYTES = 64
 
 
 class Arrivals(BusWatch):
-    """When data came from the adapter, as the kernel's own monitor of the bus shows it."""
+    """When data came from the adapter, as the kernel's own monitor of the bus shows it. Use it in a `with`: it keeps
+    only little until it is read."""
 
-    def gaps(self):
-        """Milliseconds without data, in the order of the gaps, since the last call."""
-        # The first two bytes of each packet are the adapter's state.
-        times = [int(time) for time, size in
-                 re.findall(rf" (\d+) C Bi:{self._address}:\d+ 0 (\d+)", self.text()) if int(size) > 2]
-        return [(after - before) / 1000 for before, after in zip(times, times[1:])]
+    def __enter__(self):
+        self._parts = []
+        self._ended = threading.Event()
+        self._thread = threading.Thread(target=self._collect, daemon=True)
+        self._thread.start()
+        return self
+
+    def _collect(self):
+        while not self._ended.wait(0.005):
+            self._parts.append(self.text())
+
+    def __exit__(self, *problem):
+        self._ended.set()
+        self._thread.join()
+        self.close()
+
+    def answers(self):
+        """For each command since the beginning: when data came, in milliseconds, and how many bytes."""
+        lines = re.findall(rf" (\d+) (?:(S Bo):{self._address}:\d+ |C Bi:{self._address}:\d+ 0 (\d+))", "".join(self._parts))
+        answers = []
+        for time, sent, size in lines:
+            data = int(size) - 2 * -(-int(size) // PACKET_BYTES) if size else 0
+            if sent:
+                answers.append([])
+            elif data and answers:
+                answers[-1].append((int(time) / 1000, data))
+        return answers
 
 
-def ask(speed):
-    """One answer: how many bytes of it Quarn took, and the gaps in it."""
-    ftdi.far.answer(f'* -> "x" * {ANSWER_BYTES}')
-    monitor = Arrivals(ftdi.node)
-    try:
-        status, output, errors = ftdi.send("much", raw=True, COM_BPS="115200", PORT_SPEED=speed)
-        equal(f"status ({errors})", status, 0)
-        check(output == b"x" * len(output), f"{output!r:.100}")
-        until(lambda: ftdi.far.sent() == ANSWER_BYTES, "the rest of the answer")
-        return len(output), monitor.gaps()
-    finally:
-        monitor.close()
+def gaps_of(arrivals):
+    """The silences in an answer: how many milliseconds, and after how many bytes."""
+    gaps, before = [], 0
+    for (last, size), (now, _) in zip(arrivals, arrivals[1:]):
+        before += size
+        gaps.append((now - last, before))
+    return gaps
 
 
-def text(answers):
-    return "; ".join(f"{taken} bytes, gaps to {max(gaps, default=0):.0f} ms" for taken, gaps in answers)
+def longest(arrivals):
+    return max((gap for gap, _ in gaps_of(arrivals)), default=0)
 
 
-def measure(speed, enough):
-    """Answers until they are enough, but not too many."""
-    ftdi.far.batch(BATCH_MS, BATCH_BYTES)
-    answers = []
-    try:
-        while not enough(answers) and len(answers) < MOST_ANSWERS:
-            answers.append(ask(speed))
-    finally:
+class Batches:
+    """The adapter delivers so. Use it in a `with`."""
+
+    def __enter__(self):
+        ftdi.far.answer(f'* -> "x" * {ANSWER_BYTES}')
+        ftdi.far.batch(BATCH_MS, BATCH_BYTES)
+
+    def __exit__(self, *problem):
         ftdi.far.batch(0, 65536)
-    note(text(answers))
-    check(enough(answers), "the batches came too late to tell")
-    return answers
+
+
+def ask(speed, count):
+    """The answers to so many commands: how many bytes Quarn took of each, and what the bus carried."""
+    ftdi.settings(COM_BPS="115200", PORT_SPEED=speed)
+    before = ftdi.far.sent()
+    with Arrivals(ftdi.node) as monitor:
+        process = ftdi.account.start("quarn-send", "--json", "--every", EVERY_S, "--count", str(count), "--", "much")
+        deadline = time.monotonic() + LIMIT_S + count
+        while True:
+            try:
+                output, errors = process.communicate(timeout=20)
+                break
+            except subprocess.TimeoutExpired:
+                # The outside is told that there is somebody.
+                check(ftdi.far.sent() >= before and time.monotonic() < deadline, "quarn-send does not end")
+        equal(f"status ({errors})", process.returncode, 0)
+        # An answer that was cut goes on.
+        until(lambda: ftdi.far.sent() == before + count * ANSWER_BYTES, "the rest of the answers")
+        until(lambda: sum(size for each in monitor.answers() for _, size in each) >= ANSWER_BYTES, "the record")
+        taken = [len(bytes.fromhex(json.loads(line)["bytes"])) for line in output.splitlines()]
+        return list(zip(taken, monitor.answers(), strict=True))
+
+
+def cut_by(taken, arrivals):
+    """The silence that cut the answer there, and the longest before it; nothing if there was none at that place."""
+    cut = next((gap for gap, before in gaps_of(arrivals) if before == taken), None)
+    return cut, max((gap for gap, before in gaps_of(arrivals) if before < taken), default=0)
+
+
+def text(taken, arrivals):
+    return f"{taken} bytes of silences " + ", ".join(f"{gap:.1f} ms after {before}" for gap, before in gaps_of(arrivals))
 
 
 @test("batches of 16 ms at 115200: HIGH cuts the answers")
 def high_cuts():
-    answers = measure("HIGH", lambda them: len(them) == ANSWERS)
-    cut = [taken for taken, _ in answers if taken < ANSWER_BYTES]
-    check(2 * len(cut) > ANSWERS, f"only {len(cut)} of {ANSWERS} are cut")
-    for taken in cut:
-        equal("bytes behind the last whole batch", taken % BATCH_BYTES, 0)
-
-
-def in_time(answers):
-    """A busy computer can be late with a batch; then the line was silent for too long."""
-    return [(taken, gaps) for taken, gaps in answers if max(gaps, default=0) < LOW_MS]
+    exact = late = 0
+    with Batches():
+        while exact < ENOUGH and exact + late < MOST_ANSWERS:
+            (taken, arrivals), = ask("HIGH", 1)
+            equal("the bytes in the record", sum(size for _, size in arrivals), ANSWER_BYTES)
+            cut, before = cut_by(taken, arrivals)
+            if taken < ANSWER_BYTES:
+                check(cut is not None and cut > HIGH_MS - LATE_MS, text(taken, arrivals))
+            if taken < ANSWER_BYTES and before <= HIGH_MS + LATE_MS:
+                exact += 1
+            else:
+                late += 1
+    note(f"{exact} cut at the first silence of more than {HIGH_MS} ms, {late} later")
+    equal("answers that are cut there", exact, ENOUGH)
 
 
 @test("batches of 16 ms at 115200: LOW cuts no answer")
 def low_cuts_none():
-    for taken, gaps in in_time(measure("LOW", lambda them: len(in_time(them)) == ANSWERS // 2)):
-        equal(f"bytes of an answer with gaps {gaps}", taken, ANSWER_BYTES)
+    with Batches():
+        asked = ask("LOW", ANSWERS)
+    whole = sum(taken == ANSWER_BYTES for taken, _ in asked)
+    # A busy computer can be late with a batch; then the line was silent for too long.
+    told = [(taken, arrivals) for taken, arrivals in asked
+            if longest(arrivals) <= LOW_MS - 1 and sum(size for _, size in arrivals) == ANSWER_BYTES]
+    note(f"{whole} of {ANSWERS} are whole; {len(told)} were delivered in time")
+    for taken, arrivals in told:
+        check(taken == ANSWER_BYTES, text(taken, arrivals))
+    check(4 * len(told) > ANSWERS, "the batches came too late to tell")

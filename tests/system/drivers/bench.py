@@ -230,6 +230,11 @@ class Account:
             file.write("\n".join(text) + "\n")
         self.give()
 
+    def setting(self, name):
+        """What its file says now."""
+        with open(os.path.join(self.quarn, "Quarn.ini"), encoding="utf-8") as file:
+            return next((line.split("=", 1)[1].strip() for line in file if line.startswith(name + "=")), None)
+
     def start(self, program, *arguments, **more):
         return subprocess.Popen([os.path.join(PROGRAMS, program), *arguments], env=self.environment,
                                 stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE,

@@ -1,11 +1,22 @@
-"""The first command in the Terminal Screen, a reset and the end, and what becomes of DTR and RTS meanwhile."""
+"""Commands in the Terminal Screen with every delimiter, answers at the limits, a reset and the end, and what becomes of
+DTR and RTS meanwhile."""
 
-from bench import FRAMES, LINES, check, each_line, equal
-from first_command import rules
+import re
+
+from bench import FRAMES, LINES, check, each_line, equal, options
+from first_command import LIMITS, PATIENT, rules
 from modem_lines import BOTH, NEITHER, Watched
 from window import INFORMATION, Quarn
 
+# Of a line in the log.
+COLUMNS = 48
+PRINTABLE = "".join(chr(code) for code in range(0x20, 0x7F))
 DELIMITERS = dict(zip((line.kind for line in LINES), ("CR", "CRLF", "STX_ETX")))
+
+# And those to which it is changed.
+MORE = {kind: [other for other in FRAMES if other != first][:None if options["long"] else 1]
+        for kind, first in DELIMITERS.items()}
+SIZES = list(LIMITS) if options["long"] else []
 
 
 @each_line("window: first command, DTR and RTS during a reset", LINES)
@@ -13,7 +24,7 @@ def session(line):
     delimiter = DELIMITERS[line.kind]
     before, after = FRAMES[delimiter]
     line.far.answer(rules())
-    line.settings(DELIMITER=delimiter, AUTO_CLR="ON")
+    line.settings(DELIMITER=delimiter, AUTO_CLR="ON", **PATIENT)
     with Watched(line) as lines, Quarn(line.account) as quarn:
         window = quarn.terminal()
         lines.becomes("connected", BOTH)
@@ -22,6 +33,12 @@ def session(line):
         equal(f"what the instrument got with {delimiter}", line.far.received(), before + b"id" + after)
         equal(f"log with {delimiter}", quarn.log(window), b"[id]\rSIM-1\r")
         equal("told during the command", [each for each in lines.look() if each == NEITHER], [])
+        for delimiter in MORE[line.kind]:
+            quarn.choose_format("DELIMITER", delimiter)
+            all_printable(line, quarn, window, delimiter)
+        for size in SIZES:
+            quarn.choose_format("COM_BUF", size)
+            answers_at(line, quarn, window, LIMITS[size])
         lines.forget()
         quarn.choose_from_port_menu("r")
         quarn.wait_for(INFORMATION)
@@ -30,3 +47,34 @@ def session(line):
         quarn.answer(INFORMATION, "Return")
         quarn.end()
         lines.becomes("after the end", NEITHER)
+
+
+def all_printable(line, quarn, window, delimiter):
+    """Each printable character is typed, and the instrument gets it."""
+    before, after = FRAMES[delimiter]
+    line.far.answer('* -> line "OK"')
+    # A command may have as many characters.
+    halves = PRINTABLE[:COLUMNS], PRINTABLE[COLUMNS:]
+    for half in halves:
+        quarn.command(window, half)
+    equal(f"what the instrument got with {delimiter}", line.far.received(),
+          b"".join(before + half.encode() + after for half in halves))
+    wanted = "".join(f"[{half}]\rOK\r" for half in halves).encode()
+    got = quarn.log(window)
+    equal(f"the end of the log with {delimiter}", got[-len(wanted):], wanted)
+
+
+def answers_at(line, quarn, window, most):
+    """One byte above the limit still counts as whole."""
+    line.far.answer(rules())
+    for count in (most, most + 1, most + 2):
+        quarn.command(window, f"n{count}")
+    log = quarn.log(window)
+    parts = {name: text for name, text in re.findall(rb"\[(n\d+)\]\r([^\[]*)", log)}
+    for count in (most, most + 1):
+        answer = parts[b"n%d" % count]
+        equal(f"the answer of {count} bytes", answer.replace(b"\r", b""), b"x" * count)
+    # The last line is not shown, because it may be cut.
+    told = b"Error: Receive Buffer Overflow > %d (MAX. %d)" % (most + 1, most)
+    lines = [b"x" * COLUMNS] * ((most - 1) // COLUMNS) + [b"...", told]
+    equal("the answer that is cut", parts[b"n%d" % (most + 2)], b"\r".join(lines) + b"\r\r")

@@ -9,6 +9,7 @@ ANY_TYPE = 0
 CLIENT_MESSAGE = 33
 SUBSTRUCTURE = 1 << 19 | 1 << 20
 KEY_PAUSE_S = 0.02
+LETTER_PAUSE_S = 0.005
 
 
 class Attributes(Structure):
@@ -44,6 +45,7 @@ _x.XTranslateCoordinates.argtypes = [c_void_p, c_ulong, c_ulong, c_int, c_int, P
 _x.XSendEvent.argtypes = [c_void_p, c_ulong, c_int, c_long, c_void_p]
 _x.XStringToKeysym.argtypes, _x.XStringToKeysym.restype = [c_char_p], c_ulong
 _x.XKeysymToKeycode.argtypes = [c_void_p, c_ulong]
+_x.XKeycodeToKeysym.argtypes, _x.XKeycodeToKeysym.restype = [c_void_p, c_uint, c_int], c_ulong
 _x.XSync.argtypes = [c_void_p, c_int]
 _x.XFree.argtypes = [c_void_p]
 _test.XTestFakeKeyEvent.argtypes = [c_void_p, c_uint, c_int, c_ulong]
@@ -107,11 +109,30 @@ class Screen:
     def press(self, *keys):
         """Keys by their names in X; letters and digits by themselves."""
         for key in keys:
-            code = _x.XKeysymToKeycode(self._display, _x.XStringToKeysym(key.encode())) & 0xFF
+            code = self._code(_x.XStringToKeysym(key.encode()))
             for down in (1, 0):
-                _test.XTestFakeKeyEvent(self._display, code, down, 0)
-                _x.XSync(self._display, 0)
-                time.sleep(KEY_PAUSE_S)
+                self._key(code, down, KEY_PAUSE_S)
+
+    def type(self, text):
+        """Printable characters of ASCII, each with the shift key if it needs that."""
+        shift = self._code(_x.XStringToKeysym(b"Shift_L"))
+        for letter in text:
+            code = self._code(ord(letter))
+            is_shifted = _x.XKeycodeToKeysym(self._display, code, 0) != ord(letter)
+            if is_shifted:
+                self._key(shift, 1, LETTER_PAUSE_S)
+            for down in (1, 0):
+                self._key(code, down, LETTER_PAUSE_S)
+            if is_shifted:
+                self._key(shift, 0, LETTER_PAUSE_S)
+
+    def _code(self, symbol):
+        return _x.XKeysymToKeycode(self._display, symbol) & 0xFF
+
+    def _key(self, code, down, pause):
+        _test.XTestFakeKeyEvent(self._display, code, down, 0)
+        _x.XSync(self._display, 0)
+        time.sleep(pause)
 
     def click(self, left, top, button=1):
         _test.XTestFakeMotionEvent(self._display, -1, left, top, 0)

@@ -12,6 +12,10 @@ from screen import Screen
 MAIN = r"^Quarn   \("
 TERMINAL = r"^Quarn - Terminal Screeen"
 ERROR, QUESTION, INFORMATION = "^Quarn : Error$", "^Quarn : Confirmation$", "^Quarn : Information$"
+FORMAT = "^Quarn - Command Format"
+# Its rows: how far down each is, and what can be chosen in it.
+FORMAT_ROWS = {"DELIMITER": 28, "COM_BUF": 55}
+FORMAT_PLACES = {"DELIMITER": ("CR", "LF", "CRLF", "STX_ETX"), "COM_BUF": ("1K", "2K", "6K")}
 # Between two looks.
 PAUSE_S = 0.1
 
@@ -47,8 +51,9 @@ class Appearances:
 
     def __init__(self):
         screen()
-        # A connection of the thread's own.
+        # A connection of its own, for one thread at a time.
         self._screen = Screen(_name)
+        self._lock = threading.Lock()
         self._titles = {}
         self._taken = set()
         self._ended = threading.Event()
@@ -56,12 +61,17 @@ class Appearances:
 
     def _watch(self):
         while not self._ended.wait(0.05):
+            self._look()
+
+    def _look(self):
+        with self._lock:
             for window, title in self._screen.windows().items():
                 # A window that is just being closed has none.
                 self._titles[window] = title or self._titles.get(window, "")
 
     def take(self):
         """The titles of those that have appeared since the last call, sorted."""
+        self._look()
         new = dict(self._titles)
         titles = sorted(title for window, title in new.items() if window not in self._taken)
         self._taken |= set(new)
@@ -80,6 +90,7 @@ class Quarn:
     """The running program. Use it in a `with`."""
 
     def __init__(self, account, *arguments):
+        self._account = account
         self._errors = open(os.path.join(account.folder, "errors"), "w+b")
         self._screen = screen()
         account.environment.update(DISPLAY=_name, QT_QPA_PLATFORM="xcb",
@@ -148,7 +159,8 @@ class Quarn:
 
     def enter(self, window, text):
         self.activate(window)
-        self.press(*text, "Return")
+        self._screen.type(text)
+        self.press("Return")
 
     def command(self, window, text):
         """Types the command, and waits for its response in the log."""
@@ -196,6 +208,28 @@ class Quarn:
         """Opens the menu with the mouse, and chooses with the underlined letter."""
         self.open_menu(self.wait_for(MAIN), 55, 12, button=1)
         self.press(letter)
+
+    def choose_format(self, setting, value):
+        """Clicks on a delimiter or a size in the Command Format dialog."""
+        self.open_menu(self.wait_for(MAIN), 148, 12, button=1)
+        self.press("f")
+        box = self.wait_for(FORMAT)
+        self.activate(box)
+        left, top, _, _ = self._screen.place(box)
+        place = FORMAT_PLACES[setting]
+        clicked = 0.0
+
+        def is_written():
+            nonlocal clicked
+            if self._account.setting(setting) == value:
+                return True
+            if time.monotonic() > clicked + 2:
+                self._screen.click(left + 200 + 63 * place.index(value), top + FORMAT_ROWS[setting])
+                clicked = time.monotonic()
+            return False
+
+        until(is_written, f"{setting} to be {value}", pause=PAUSE_S)
+        self.answer(FORMAT, "Escape")
 
     def answer(self, title, key):
         """Presses a key in the box until it is gone."""
