@@ -3,12 +3,14 @@
 import fcntl
 import glob
 import os
+import subprocess
+import sys
 import termios
 import threading
 import time
 
 from adapters import Adapters, port_of
-from bench import Account, LIMIT_S, check, equal, ftdi, options, test, until
+from bench import AS_USER, Account, LIMIT_S, acm, check, each_line, equal, ftdi, options, test, until
 from window import ERROR, INFORMATION, QUESTION, Quarn
 
 # For so long it has the port after YES; Quarn tries for five seconds.
@@ -50,6 +52,60 @@ class ModemManager:
         self._ended.set()
         self._thread.join()
         self.release()
+
+
+class OwnManager:
+    """Such a program of Quarn's own user, which has one port. Use it in a `with`."""
+
+    WHAT_IT_DOES = """
+import fcntl, os, sys, termios
+line = os.open(sys.argv[1], os.O_RDWR | os.O_NOCTTY | os.O_NONBLOCK)
+fcntl.ioctl(line, termios.TIOCEXCL)
+os.write(line, b"AT\\r")
+print("held", flush=True)
+sys.stdin.read()
+"""
+
+    def __init__(self, node):
+        self._process = subprocess.Popen([sys.executable, "-c", self.WHAT_IT_DOES, node], stdin=subprocess.PIPE,
+                                         stdout=subprocess.PIPE, **AS_USER)
+        self.pid = self._process.pid
+        equal("what it says", self._process.stdout.readline(), b"held\n")
+
+    def release(self):
+        self._process.communicate(timeout=LIMIT_S)
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *problem):
+        if self._process.poll() is None:
+            self._process.kill()
+            self._process.communicate()
+
+
+@each_line("a modem manager of the same user is named, and waited for", (ftdi, acm))
+def named(line):
+    line.far.answer('"id" -> line "SIM-1"\n* -> silence')
+    account = Account()
+    port = port_of(account, os.path.realpath(line.node))
+    with OwnManager(line.node) as manager:
+        until(lambda: b"AT\r" in line.far.received(), "the question whether it is a modem")
+        _, output, _ = account.run("quarn-send", "--list")
+        row = next(row for row in output.decode().splitlines() if row.split()[0] == port)
+        check(f"(PID {manager.pid})" in row, row)
+        status, _, errors = account.run("quarn-send", "--port", port, "--", "id")
+        equal(f"status ({errors})", status, 5)
+        check(f"(PID {manager.pid})" in errors, errors)
+        waiting = account.start("quarn-send", "--raw", "--port", port, "--wait", "30", "--", "id")
+        try:
+            manager.release()
+            output, errors = waiting.communicate(timeout=LIMIT_S)
+        finally:
+            if waiting.poll() is None:
+                waiting.kill()
+                waiting.communicate()
+        equal(f"status and answer ({errors})", (waiting.returncode, output), (0, b"SIM-1\r"))
 
 
 class Session:

@@ -3,7 +3,7 @@
 import os
 
 from adapters import DISK, Adapters, for_next_run, give_names, name_behind, only_first_left, port_of
-from bench import Account, check, equal, test
+from bench import Account, acm, check, equal, gadget, settle, test, until
 
 
 @test("an adapter keeps its number: pulled, plugged in again, in another socket")
@@ -57,6 +57,17 @@ def twins(first, second):
             wrong = [got for got, wanted in zip(answers(), alone) if got not in (wanted, None)]
             equal(f"wrong adapters when {name} is plugged in", wrong, [])
         equal("who answers when both are back", answers(), (first, second))
+    for name in (first, second):
+        adapters.unplug(name)
+    adapters.plug(first, "TWIN", sockets[second])
+    adapters.plug(second, "TWIN", sockets[first])
+    # Nothing else tells them apart.
+    equal("who answers when each is in the other's socket", answers(), (second, first))
+    for name in (first, second):
+        adapters.unplug(name)
+    for name in (first, second):
+        adapters.plug(name, "TWIN", sockets[name])
+    equal("who answers when both are where they were", answers(), (first, second))
     for_next_run("twins " + first, account, (ports[first], ports[second]))
     only_first_left(adapters)
 
@@ -69,3 +80,22 @@ def twins_one_way():
 @test("two adapters with one serial number keep theirs, the other way round")
 def twins_the_other_way():
     twins("second", "first")
+
+
+@test("a number stays with a cdc_acm device that is pulled and plugged in again")
+def acm_device():
+    acm.far.answer('"id" -> line "acm"')
+    account = Account()
+    port = port_of(account, os.path.realpath(acm.node))
+    equal("the device of the number", os.readlink(os.path.join(account.ports, port)), acm.node)
+    for _ in range(2):
+        equal("who answers", name_behind(account, port), "acm")
+        gadget.unplug()
+        until(lambda: not os.path.exists(acm.node), f"the end of {acm.node}")
+        settle()
+        equal("who answers when it is pulled", name_behind(account, port), None)
+        gadget.plug()
+        until(lambda: os.path.exists(acm.node), acm.node)
+        settle()
+    equal("who answers", name_behind(account, port), "acm")
+    equal("the numbers", port_of(account, os.path.realpath(acm.node)), port)

@@ -14,13 +14,23 @@ def one_adapter_again():
     only_first_left(adapters)
 
 
-@test("two adapters with one serial number keep theirs when the machine is started again")
-def twins_again():
+def twins_again(first, second):
     give_names()
     adapters = Adapters()
     adapters.unplug("first")
-    account, ports = of_last_run("twins first")
-    adapters.plug("second", "TWIN", 2)
-    adapters.plug("first", "TWIN", 1)
-    equal("who answers", [name_behind(account, port) for port in ports], ["first", "second"])
+    account, ports = of_last_run("twins " + first)
+    # Not in the order in which they were plugged in at first.
+    adapters.plug(second, "TWIN", 2)
+    adapters.plug(first, "TWIN", 1)
+    equal("who answers", [name_behind(account, port) for port in ports], [first, second])
     only_first_left(adapters)
+
+
+@test("two adapters with one serial number keep theirs when the machine is started again, one way round")
+def twins_again_one_way():
+    twins_again("first", "second")
+
+
+@test("two adapters with one serial number keep theirs when the machine is started again, the other way round")
+def twins_again_the_other_way():
+    twins_again("second", "first")

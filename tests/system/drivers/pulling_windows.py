@@ -14,7 +14,7 @@ PAGE_KIB = os.sysconf("SC_PAGESIZE") // 1024
 MOST_GROWTH_KIB = 2048
 IDLE_S = 4 if options["long"] else 2
 MEASUREMENTS = 10
-TICK_S = 1 / os.sysconf("SC_CLK_TCK")
+TICKS_PER_S = os.sysconf("SC_CLK_TCK")
 
 
 class Session:
@@ -36,13 +36,13 @@ class Session:
         with open(self._folder + "statm", encoding="ascii") as file:
             return int(file.read().split()[1]) * PAGE_KIB
 
-    def idle_time(self, enough=0.0):
-        """Seconds of processor time while nobody does anything: the least of three measurements, or of more until it is
-        enough. A busy computer adds to it. The system counts whole ticks."""
+    def idle_ticks(self, enough=None):
+        """The processor time while nobody does anything, as the system counts it: the least of three measurements, or of
+        more until it is enough. A busy computer adds to it."""
 
         def used():
             with open(self._folder + "stat", encoding="ascii") as file:
-                return sum(int(ticks) for ticks in file.read().rsplit(")", 1)[1].split()[11:13]) * TICK_S
+                return sum(int(ticks) for ticks in file.read().rsplit(")", 1)[1].split()[11:13])
 
         self.quarn.activate(self.window)
         least = float("inf")
@@ -50,9 +50,9 @@ class Session:
             before = used()
             time.sleep(IDLE_S)
             least = min(least, used() - before)
-            if least <= enough or (not enough and attempt == 2):
+            if (least <= enough) if enough is not None else attempt == 2:
                 return least
-        raise Failed(f"it uses {least:.2f} s of processor time in {IDLE_S} s, and {enough:.2f} s are allowed")
+        raise Failed(f"it uses {least} ticks of processor time in {IDLE_S} s, and {enough} are allowed")
 
 
 # --- What it does when the cable is pulled ----------------------------------------------------------------
@@ -104,20 +104,20 @@ BOXES = (PASSING, PASSING, *OTHERS)
 
 
 def cycle(session, cable, state, appeared):
-    """Returns the seconds of processor time that it used before the pull and after it, if these were measured."""
+    """The cable is pulled in this state, and plugged in again."""
     quarn, far = session.quarn, session.line.far
     far.answer(RULES)
     title = state(session)
     appeared.take()
     equal("whether it is busy", session.threads() > session.threads_at_rest, state in BUSY)
     measured = state is MEASURED
-    before = session.idle_time() if measured else 0
+    before = session.idle_ticks() if measured else 0
     cable.pull()
     quarn.answer(ERROR, "Return")
     quarn.wait_for(rf"^Quarn   \({session.port}-NC\)")
     if measured:
-        note(f"{before:.2f} s of processor time in {IDLE_S} s before the pull, "
-             f"{session.idle_time(before + TICK_S):.2f} s after it")
+        note(f"in {IDLE_S} s {before} ticks of processor time before the pull, "
+             f"{session.idle_ticks(before + 1)} after it; a second has {TICKS_PER_S}")
     far.answer(RULES)
     cable.plug()
     quarn.wait_for(QUESTION)
