@@ -8,7 +8,7 @@ from adapters import Adapters, port_of
 from bench import Account, Failed, acm, check, equal, ftdi, note, options, outside, test, until
 from closing import fill
 from pulling import AcmCable, FtdiCable, RULES, drain
-from window import ERROR, INFORMATION, MAIN, QUESTION, Appearances, Quarn
+from window import ERROR, INFORMATION, QUESTION, Appearances, Quarn
 
 PAGE_KIB = os.sysconf("SC_PAGESIZE") // 1024
 MOST_GROWTH_KIB = 2048
