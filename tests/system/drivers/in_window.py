@@ -13,8 +13,8 @@ COLUMNS = 48
 PRINTABLE = "".join(chr(code) for code in range(0x20, 0x7F))
 DELIMITERS = dict(zip((line.kind for line in LINES), ("CR", "CRLF", "STX_ETX")))
 
-# And those to which it is changed.
-MORE = {kind: [other for other in FRAMES if other != first][:None if options["long"] else 1]
+# And those to which it is changed: all others, or on one line one.
+MORE = {kind: [other for other in FRAMES if other != first] if options["long"] else ["LF"] if kind == "cdc_acm" else []
         for kind, first in DELIMITERS.items()}
 SIZES = list(LIMITS) if options["long"] else []
 

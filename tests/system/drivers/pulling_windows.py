@@ -169,4 +169,5 @@ def cycles(cable, count):
 
 
 cycles(FtdiCable, 50 if options["long"] else 1)
-cycles(AcmCable, 50 if options["long"] else 1)
+if options["long"]:
+    cycles(AcmCable, 50)
