@@ -38,15 +38,16 @@ function(quarn_room NAME)
   target_sources(${NAME} PUBLIC FILE_SET HEADERS BASE_DIRS ${CMAKE_SOURCE_DIR}/src FILES ${_headers})
 endfunction()
 
-# quarn_test(NAME SOURCES... LABELS room... [LINK targets...] [WIDGETS] [SERIAL] [SHARDS n] [TIMEOUT s] [COST n])
+# quarn_test(NAME SOURCES... LABELS room... [LINK targets...] [WIDGETS] [SERIAL] [SHARDS n] [APART filter] [TIMEOUT s]
+#            [COST n])
 # makes one GoogleTest program and registers it with CTest. Its cases run in one process, or in SHARDS parallel
-# processes named NAME.1 to NAME.n. A skipped or disabled case fails the run. LABELS is the tested room; each room that
+# processes named NAME.1 to NAME.n. Those that take long go APART: they start first. A skipped or disabled case fails the run. LABELS is the tested room; each room that
 # the program links adds uses-ROOM. WIDGETS runs it on the offscreen platform; on Windows on the real one. SERIAL:
 # nothing else runs at the same time. COST: programs with a higher value start earlier; for slow ones.
 #
 # One process per case would need more time for starting than for testing.
 function(quarn_test NAME)
-  cmake_parse_arguments(T "WIDGETS;SERIAL" "TIMEOUT;SHARDS;COST" "SOURCES;LINK;LABELS" ${ARGN})
+  cmake_parse_arguments(T "WIDGETS;SERIAL" "TIMEOUT;SHARDS;APART;COST" "SOURCES;LINK;LABELS" ${ARGN})
   if(NOT T_LABELS)
     message(FATAL_ERROR "the test program ${NAME} has no room: LABELS is missing")
   endif()
@@ -68,7 +69,14 @@ function(quarn_test NAME)
       list(APPEND _options ${_each})
     endif()
   endforeach()
-  foreach(_each SHARDS TIMEOUT COST)
+  if(T_TIMEOUT)
+    list(APPEND _options TIMEOUT ${T_TIMEOUT})
+  endif()
+  if(T_APART)
+    quarn_test_run(${NAME}.apart ${NAME} ${_options} FILTER ${T_APART} COST 1000)
+    list(APPEND _options FILTER -${T_APART})
+  endif()
+  foreach(_each SHARDS COST)
     if(T_${_each})
       list(APPEND _options ${_each} ${T_${_each}})
     endif()

@@ -55,6 +55,11 @@ std::vector<DWORD> PlayedDriver::Purges() const {
   return m_purges;
 }
 
+std::vector<DWORD> PlayedDriver::Escapes() const {
+  const Lock lock(m_mutex);
+  return m_escapes;
+}
+
 void PlayedDriver::FailGetState() {
   const Lock lock(m_mutex);
   m_getStateFails = true;
@@ -141,6 +146,12 @@ BOOL PlayedDriver::Purge(DWORD flags) {
   return Outcome();
 }
 
+BOOL PlayedDriver::Escape(DWORD function) {
+  const Lock lock(m_mutex);
+  m_escapes.push_back(function);
+  return Outcome();
+}
+
 BOOL PlayedDriver::ClearError(COMSTAT* status) {
   const Lock lock(m_mutex);
   if (status != nullptr) {
@@ -216,6 +227,7 @@ extern decltype(&ClearCommError) __real___imp_ClearCommError;
 extern decltype(&ReadFile) __real___imp_ReadFile;
 extern decltype(&WriteFile) __real___imp_WriteFile;
 extern decltype(&CancelIoEx) __real___imp_CancelIoEx;
+extern decltype(&EscapeCommFunction) __real___imp_EscapeCommFunction;
 
 static HANDLE WINAPI PlayedCreateFile(LPCWSTR path, DWORD access, DWORD shareMode,
                                       LPSECURITY_ATTRIBUTES security, DWORD disposition, DWORD flags,
@@ -277,6 +289,11 @@ static BOOL WINAPI PlayedCancelIoEx(HANDLE handle, OVERLAPPED* overlapped) {
   return played != nullptr ? played->Cancel() : __real___imp_CancelIoEx(handle, overlapped);
 }
 
+static BOOL WINAPI PlayedEscapeCommFunction(HANDLE handle, DWORD function) {
+  PlayedDriver* played = DriverOf(handle);
+  return played != nullptr ? played->Escape(function) : __real___imp_EscapeCommFunction(handle, function);
+}
+
 decltype(&CreateFileW) __wrap___imp_CreateFileW = PlayedCreateFile;
 decltype(&CloseHandle) __wrap___imp_CloseHandle = PlayedCloseHandle;
 decltype(&GetCommState) __wrap___imp_GetCommState = PlayedGetCommState;
@@ -287,6 +304,7 @@ decltype(&ClearCommError) __wrap___imp_ClearCommError = PlayedClearCommError;
 decltype(&ReadFile) __wrap___imp_ReadFile = PlayedReadFile;
 decltype(&WriteFile) __wrap___imp_WriteFile = PlayedWriteFile;
 decltype(&CancelIoEx) __wrap___imp_CancelIoEx = PlayedCancelIoEx;
+decltype(&EscapeCommFunction) __wrap___imp_EscapeCommFunction = PlayedEscapeCommFunction;
 // NOLINTEND
 
 }  // extern "C"

@@ -38,6 +38,8 @@ class PlayedDriver {
   [[nodiscard]] COMMTIMEOUTS Timeouts() const;
   /// The flags of each purge.
   [[nodiscard]] std::vector<DWORD> Purges() const;
+  /// What was asked of the modem lines: SETDTR and the like.
+  [[nodiscard]] std::vector<DWORD> Escapes() const;
   /// These calls fail from now on, with this error.
   void FailGetState();
   void FailWith(DWORD error);
@@ -59,6 +61,7 @@ class PlayedDriver {
   BOOL SetState(const DCB& state);
   BOOL SetTimeouts(const COMMTIMEOUTS& timeouts);
   BOOL Purge(DWORD flags);
+  BOOL Escape(DWORD function);
   BOOL ClearError(COMSTAT* status);
   BOOL Read(char* buffer, DWORD size, DWORD* moved);
   BOOL Write(const char* data, DWORD size, DWORD* moved);
@@ -77,6 +80,7 @@ class PlayedDriver {
   DCB m_state{};
   COMMTIMEOUTS m_timeouts{};
   std::vector<DWORD> m_purges;
+  std::vector<DWORD> m_escapes;
   DWORD m_error = ERROR_SUCCESS;
   bool m_getStateFails = false;
   std::string m_received;

@@ -137,6 +137,16 @@ TEST_F(Win32Driver, EachTimeoutHasItsPlace) {
   EXPECT_EQ(timeouts.WriteTotalTimeoutConstant, 5U);
 }
 
+TEST_F(Win32Driver, DtrAndRtsAreLeftToTheDriverUntilSomebodyAsks) {
+  Open();
+  ASSERT_TRUE(m_line->SetState({.baudRate = 115200}));
+  EXPECT_EQ(m_driver.Escapes(), std::vector<DWORD>());
+  EXPECT_TRUE(m_line->SetModemLines({.dtr = true}));
+  EXPECT_TRUE(m_line->SetModemLines({.rts = false}));
+  EXPECT_TRUE(m_line->SetModemLines({.dtr = false, .rts = true}));
+  EXPECT_EQ(m_driver.Escapes(), (std::vector<DWORD>{SETDTR, CLRRTS, CLRDTR, SETRTS}));
+}
+
 TEST_F(Win32Driver, APurgeDropsWhatIsToBeSentAndWhatHasCome) {
   Open();
   EXPECT_TRUE(m_line->Purge());

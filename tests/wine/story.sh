@@ -288,6 +288,13 @@ scripts_of_the_guide() {
   expect "the port is listed" test "$(wine "$send" --list | tr -d '\r')" == 'COM3  \\.\COM3  Bench adapter'
   answer=$(printf 'id\r\nmeas?\r\n' | wine "$send" --port com3 --bps 921600 - | tr -d '\r')
   expect "commands come from standard input" test "$answer" == $'[id]\nSIM-1 bench instrument, firmware 1.00\n[meas?]\n+1.2345E+00 V'
+  local driver='HKLM\System\CurrentControlSet\Enum\ROOT\QUARNCOM3\0000\Device Parameters'
+  set_registry "$driver" PortName REG_SZ COM3
+  set_registry "$driver" LatencyTimer REG_DWORD 16
+  wine "$send" --port COM3 --bps 115200 --speed HIGH --every 0.1 --count 3 id >"$PLACE/late" 2>&1 ||
+    fail "three readings fail: $(<"$PLACE/late")"
+  expect "an adapter that delivers too late is told of once" test "$(grep -c 'every 16 ms' "$PLACE/late")" == 1
+  drop_registry "$driver"
   expect "an unexpected answer is 6" ends_within 30 6 wine "$send" --port COM3 --expect 'firmware 2' id
   mkdir -p "$folder"
   awk '/^```bat$/ { on = 1; next } /^```$/ { on = 0 } on' docs/guide.md | sed 's/COM4/COM3/; s/$/\r/' >"$folder/guide.bat"

@@ -48,7 +48,8 @@ class Arrivals(BusWatch):
 
     def answers(self):
         """For each command since the beginning: when data came, in milliseconds, and how many bytes."""
-        lines = re.findall(rf" (\d+) (?:(S Bo):{self._address}:\d+ |C Bi:{self._address}:\d+ 0 (\d+))", "".join(self._parts))
+        pattern = rf" (\d+) (?:(S Bo):{self._address}:\d+ |C Bi:{self._address}:\d+ 0 (\d+))"
+        lines = re.findall(pattern, "".join(self._parts))
         answers = []
         for time, sent, size in lines:
             data = int(size) - 2 * -(-int(size) // PACKET_BYTES) if size else 0
@@ -112,7 +113,8 @@ def cut_by(taken, arrivals):
 
 
 def text(taken, arrivals):
-    return f"{taken} bytes of silences " + ", ".join(f"{gap:.1f} ms after {before}" for gap, before in gaps_of(arrivals))
+    silences = ", ".join(f"{gap:.1f} ms after {before}" for gap, before in gaps_of(arrivals))
+    return f"{taken} bytes of silences {silences}"
 
 
 @test("batches of 16 ms at 115200: HIGH cuts the answers")

@@ -57,6 +57,32 @@ def until(condition, what, seconds=LIMIT_S, pause=0.02):
         time.sleep(pause)
 
 
+class Background:
+    """Calls `_step` again and again while it is used in a `with`, in a thread of its own, and `_close` at the end."""
+
+    PAUSE_S = 0.02
+
+    def __init__(self):
+        self._ended = threading.Event()
+        self._thread = threading.Thread(target=self._run, daemon=True)
+
+    def _run(self):
+        while not self._ended.wait(self.PAUSE_S):
+            self._step()
+
+    def _close(self):
+        pass
+
+    def __enter__(self):
+        self._thread.start()
+        return self
+
+    def __exit__(self, *problem):
+        self._ended.set()
+        self._thread.join()
+        self._close()
+
+
 # --- The outside ------------------------------------------------------------------------------------------
 
 
@@ -167,7 +193,7 @@ def note(text):
 def _copied_programs():
     folder = os.path.join(HOME, "bin")
     os.mkdir(folder)
-    for name in ("quarn", "quarn-send", "quarn-device"):
+    for name in ("quarn", "quarn-send", "quarn-device", "quarn-driver-cases"):
         shutil.copy(os.path.join(options["programs"], name), folder)
     os.chmod(HOME, 0o755)
     return folder

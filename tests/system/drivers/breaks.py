@@ -36,7 +36,8 @@ def answer_with_break(line, has_the_beginning, has_the_break):
     marked.set(line.node)
     try:
         before = State.of(line.node)
-        equal("flags and characters that were set", (before.input, before.characters), (marked.input, marked.characters))
+        equal("flags and characters that were set",
+              (before.input, before.characters), (marked.input, marked.characters))
         line.far.answer("* -> silence")
         line.settings(**PATIENT)
         process = line.account.start("quarn-send", "--raw", "--", "id")

@@ -12,7 +12,7 @@ import tty
 
 from bench import Failed, acm, check, each_line, equal, mute, note, read, until
 from line_state import State
-from window import INFORMATION, Quarn
+from window import INFORMATION, QUESTION, Quarn
 
 LONGEST_S = 1.0
 ATTEMPTS = 3
@@ -138,7 +138,7 @@ def seconds_to_end_once(line, bps, is_ready):
     return took
 
 
-@each_line("the windows reset and end within a second where nothing goes out", STUCK)
+@each_line("the windows reset, disconnect and end within a second where nothing goes out", STUCK)
 def windows_end(line):
     line.settings(R_TIMEOUT="OFF", AUTO_CLR="ON")
     # From before the open on: a reset puts the former state of the line back.
@@ -151,11 +151,15 @@ def windows_end(line):
             send_into_nothing(line, quarn, window)
             stuck.append(seconds_to_reset(quarn))
         send_into_nothing(line, quarn, window)
+        disconnected = seconds_to_disconnect(quarn)
+        send_into_nothing(line, quarn, window)
         took = quarn.end()
     idle, stuck = min(idle), min(stuck)
-    note(f"reset {idle:.2f} s with nothing to send, {stuck:.2f} s; end {took:.2f} s")
+    note(f"reset {idle:.2f} s with nothing to send, {stuck:.2f} s; disconnected after {disconnected:.2f} s; "
+         f"end {took:.2f} s")
     check(stuck - idle <= LONGEST_S, f"a reset took {stuck - idle:.2f} s longer than with an idle line")
     # A reset of a line with nothing to send shows how slow this machine is.
+    check(disconnected <= LONGEST_S + idle, f"the port was disconnected after {disconnected:.2f} s")
     check(took <= LONGEST_S + idle, f"the end took {took:.2f} s")
 
 
@@ -166,6 +170,21 @@ def seconds_to_reset(quarn):
     quarn.wait_for(INFORMATION)
     took = time.monotonic() - began
     quarn.answer(INFORMATION, "Return")
+    return took
+
+
+def seconds_to_disconnect(quarn):
+    """From YES to the title that says so. The port is connected again afterwards."""
+    quarn.choose_from_port_menu("d")
+    quarn.activate(quarn.wait_for(QUESTION))
+    began = time.monotonic()
+    quarn.press("y")
+    quarn.wait_for(r"^Quarn   \(COM11-NC\)$")
+    took = time.monotonic() - began
+    quarn.wait_gone("^Quarn : ")
+    quarn.choose_from_port_menu("c")
+    quarn.wait_for(r"^Quarn   \(COM11\)$")
+    quarn.wait_gone("^Quarn : ")
     return took
 
 

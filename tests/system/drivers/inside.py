@@ -8,6 +8,7 @@ import adapters
 adapters.keep_disk()
 if options["boot"] == 1:
     import first_command  # noqa: F401
+    import cases  # noqa: F401
     import line_state  # noqa: F401
     import modem_lines  # noqa: F401
     import breaks  # noqa: F401

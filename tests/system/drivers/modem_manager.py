@@ -6,11 +6,10 @@ import os
 import subprocess
 import sys
 import termios
-import threading
 import time
 
 from adapters import Adapters, port_of
-from bench import AS_USER, Account, LIMIT_S, acm, check, each_line, equal, ftdi, options, test, until
+from bench import AS_USER, LIMIT_S, Account, Background, acm, check, each_line, equal, ftdi, options, test, until
 from window import ERROR, INFORMATION, QUESTION, Quarn
 
 # For so long it has the port after YES; Quarn tries for five seconds.
@@ -18,24 +17,22 @@ HELD_S = 2
 IDLE_CYCLES = 10 if options["long"] else 1
 
 
-class ModemManager:
+class ModemManager(Background):
     """Has each new adapter for itself until it is released. Use it in a `with`."""
 
     def __init__(self):
+        super().__init__()
         self._known = set(glob.glob("/dev/ttyUSB*"))
         self._held = []
-        self._ended = threading.Event()
-        self._thread = threading.Thread(target=self._watch, daemon=True)
 
-    def _watch(self):
-        while not self._ended.wait(0.02):
-            now = set(glob.glob("/dev/ttyUSB*"))
-            for node in now - self._known:
-                line = os.open(node, os.O_RDWR | os.O_NOCTTY | os.O_NONBLOCK)
-                fcntl.ioctl(line, termios.TIOCEXCL)
-                os.write(line, b"AT\r")
-                self._held.append(line)
-            self._known = now
+    def _step(self):
+        now = set(glob.glob("/dev/ttyUSB*"))
+        for node in now - self._known:
+            line = os.open(node, os.O_RDWR | os.O_NOCTTY | os.O_NONBLOCK)
+            fcntl.ioctl(line, termios.TIOCEXCL)
+            os.write(line, b"AT\r")
+            self._held.append(line)
+        self._known = now
 
     def holds(self):
         return bool(self._held)
@@ -44,13 +41,7 @@ class ModemManager:
         while self._held:
             os.close(self._held.pop())
 
-    def __enter__(self):
-        self._thread.start()
-        return self
-
-    def __exit__(self, *problem):
-        self._ended.set()
-        self._thread.join()
+    def _close(self):
         self.release()
 
 

@@ -6,11 +6,10 @@ import os
 import socket
 import struct
 import subprocess
-import threading
 import tty
 
 from adapters import port_of
-from bench import Account, acm, check, equal, gadget, note, settle, test, until
+from bench import Account, Background, acm, check, equal, gadget, note, settle, test, until
 
 # The sockets of Bluetooth's serial ports: their family, their protocol, and what makes and removes a port.
 AF_BLUETOOTH, BTPROTO_RFCOMM = 31, 3
@@ -21,32 +20,24 @@ REFUSED = errno.EHOSTUNREACH
 RFCOMM_DEV_REQ = struct.Struct("hxxI6s6sBxxx")
 
 
-class Answering:
+class Answering(Background):
     """Answers each line with OK at the other end. Use it in a `with`."""
 
     def __init__(self, node):
+        super().__init__()
         self._line = os.open(node, os.O_RDWR | os.O_NOCTTY | os.O_NONBLOCK)
         tty.setraw(self._line)
         self.received = b""
-        self._ended = threading.Event()
-        self._thread = threading.Thread(target=self._serve, daemon=True)
 
-    def _serve(self):
-        while not self._ended.wait(0.02):
-            try:
-                data = os.read(self._line, 4096)
-            except BlockingIOError:
-                continue
-            self.received += data
-            os.write(self._line, b"OK\r" * data.count(b"\r"))
+    def _step(self):
+        try:
+            data = os.read(self._line, 4096)
+        except BlockingIOError:
+            return
+        self.received += data
+        os.write(self._line, b"OK\r" * data.count(b"\r"))
 
-    def __enter__(self):
-        self._thread.start()
-        return self
-
-    def __exit__(self, *problem):
-        self._ended.set()
-        self._thread.join()
+    def _close(self):
         os.close(self._line)
 
 

@@ -37,8 +37,8 @@ class Session:
             return int(file.read().split()[1]) * PAGE_KIB
 
     def idle_ticks(self, enough=None):
-        """The processor time while nobody does anything, as the system counts it: the least of three measurements, or of
-        more until it is enough. A busy computer adds to it."""
+        """The processor time while nobody does anything, as the system counts it: the least of three measurements, or
+        of more until it is enough. A busy computer adds to it."""
 
         def used():
             with open(self._folder + "stat", encoding="ascii") as file:

@@ -6,7 +6,7 @@ import subprocess
 import threading
 import time
 
-from bench import AS_USER, Failed, HOME, LIMIT_S, Account, check, until
+from bench import AS_USER, HOME, LIMIT_S, Account, Background, Failed, check, until
 from screen import Screen
 
 MAIN = r"^Quarn   \("
@@ -46,24 +46,21 @@ def environment(**more):
     return {**os.environ, "DISPLAY": _name, **more}
 
 
-class Appearances:
+class Appearances(Background):
     """Looks all the time which windows appear. Use it in a `with`."""
 
+    PAUSE_S = 0.05
+
     def __init__(self):
+        super().__init__()
         screen()
         # A connection of its own, for one thread at a time.
         self._screen = Screen(_name)
         self._lock = threading.Lock()
         self._titles = {}
         self._taken = set()
-        self._ended = threading.Event()
-        self._thread = threading.Thread(target=self._watch, daemon=True)
 
-    def _watch(self):
-        while not self._ended.wait(0.05):
-            self._look()
-
-    def _look(self):
+    def _step(self):
         with self._lock:
             for window, title in self._screen.windows().items():
                 # A window that is just being closed has none.
@@ -71,19 +68,11 @@ class Appearances:
 
     def take(self):
         """The titles of those that have appeared since the last call, sorted."""
-        self._look()
+        self._step()
         new = dict(self._titles)
         titles = sorted(title for window, title in new.items() if window not in self._taken)
         self._taken |= set(new)
         return titles
-
-    def __enter__(self):
-        self._thread.start()
-        return self
-
-    def __exit__(self, *problem):
-        self._ended.set()
-        self._thread.join()
 
 
 class Quarn:

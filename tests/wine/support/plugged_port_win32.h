@@ -3,7 +3,7 @@
 #include <map>
 #include <memory>
 
-#include "line_requests.h"
+#include "support/line_requests.h"
 
 namespace quarn::test {
 

@@ -1,30 +1,16 @@
 #pragma once
 
-#include <QByteArray>
-#include <QString>
-#include <string>
 #include <string_view>
 
-#include "line_requests.h"
 #include "serial/serial_line_win32.h"
+#include "support/requested_instrument.h"
 
 namespace quarn::test {
 
-/// A simulated instrument behind a COM port, served by quarn-line-server for as long as this object lives.
-class ServedInstrument {
+/// Behind a COM port.
+class ServedInstrument : public RequestedInstrument {
  public:
-  explicit ServedInstrument(std::string_view rules)
-      : m_request(QStringLiteral("COM3"), QByteArray(rules.data(), static_cast<qsizetype>(rules.size()))) {}
-
-  /// The device to open.
-  [[nodiscard]] QString NodePath() const { return m_request.Port(); }
-  /// Every byte that has come over the wire.
-  [[nodiscard]] std::string Received() const { return m_request.Contents("received").toStdString(); }
-  /// How many answers have been sent to their last byte.
-  [[nodiscard]] int Answers() const { return m_request.Contents("answers").toInt(); }
-
- private:
-  LineRequest m_request;
+  explicit ServedInstrument(std::string_view rules) : RequestedInstrument(rules, QStringLiteral("COM3")) {}
 };
 
 /// Opens its port.

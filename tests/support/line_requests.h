@@ -12,7 +12,8 @@
 
 namespace quarn::test {
 
-/// A port with an instrument, requested from quarn-line-server; its source describes the files.
+/// A port with an instrument, requested from quarn-line-server, or from who serves the same files; its source
+/// describes them.
 class LineRequest {
  public:
   LineRequest(const QString& port, const QByteArray& rules) : m_port(port) {
