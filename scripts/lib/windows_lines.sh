@@ -17,15 +17,33 @@ instrument_at() {
   [[ ! -s $1/port-$2.ready ]] || fail "no instrument at $2: $(<"$1/port-$2.ready")"
 }
 
-# play_both [NAME...]: runs both lines at the same time, because they mostly wait; results in here.txt and wine.txt.
-play_both() {
-  local here=$PLACE/native_lines
-  instrument_at "$here" COM8
-  instrument_at "$LINES" com8
-  build/release/bin/quarn-line-scripts "$LINE_SCRIPTS" COM8 "$here/ports" "$@" >"$PLACE/here.txt" &
-  local player=$!
-  wine build/windows/bin/quarn-line-scripts.exe "$LINE_SCRIPTS" COM8 unused "$@" | tr -d '\r' >"$PLACE/wine.txt"
+# Of all scripts.
+script_names() {
+  awk -F '"' '/^#! / { begins = 1; next } begins && /^"/ { print $2; begins = 0 }' "$LINE_SCRIPTS"
+}
+
+# play_at PORT NAME...: runs both lines at the same time, because they mostly wait; results in here.PORT and wine.PORT.
+play_at() {
+  local here=$PLACE/native_lines port=$1 player
+  shift
+  instrument_at "$here" "$port"
+  instrument_at "$LINES" "${port,,}"
+  build/release/bin/quarn-line-scripts "$LINE_SCRIPTS" "$port" "$here/ports" "$@" >"$PLACE/here.$port" &
+  player=$!
+  wine build/windows/bin/quarn-line-scripts.exe "$LINE_SCRIPTS" "$port" unused "$@" | tr -d '\r' >"$PLACE/wine.$port"
   wait "$player"
+}
+
+# play_both NAME...: half of them at one port, half at another, at the same time; results in here.txt and wine.txt.
+play_both() {
+  local half=$((($# + 1) / 2)) other
+  rm -f "$PLACE"/{here,wine}.COM?
+  play_at COM8 "${@:1:half}" &
+  other=$!
+  if (($# > half)); then play_at COM9 "${@:half+1}"; fi
+  wait "$other"
+  cat "$PLACE"/here.COM? >"$PLACE/here.txt"
+  cat "$PLACE"/wine.COM? >"$PLACE/wine.txt"
 }
 
 # The differences without a reason in the scripts: one name per line, with both outcomes.
@@ -60,7 +78,8 @@ compare_line_scripts() {
   build release quarn-line-scripts
   mkdir -p "$PLACE/native_lines/ports"
   start native_lines build/windows/lines/quarn-line-server "$PLACE/native_lines" "$PLACE/native_lines/ports"
-  play_both
+  mapfile -t names < <(script_names)
+  play_both "${names[@]}"
   count=$(grep -c '^#! ' "$LINE_SCRIPTS")
   [[ $(wc -l <"$PLACE/here.txt") == "$count" && $(wc -l <"$PLACE/wine.txt") == "$count" ]] ||
     fail "not all $count line scripts were played; see $PLACE/here.txt and $PLACE/wine.txt"
