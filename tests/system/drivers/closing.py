@@ -15,6 +15,7 @@ from line_state import State
 from window import INFORMATION, QUESTION, Quarn
 
 LONGEST_S = 1.0
+PASSING = "^Quarn : Infomation$"
 ATTEMPTS = 3
 # With a handshake by hardware, on a line whose far end never agrees; and with a far end that takes nothing.
 STUCK = (mute, acm)
@@ -174,13 +175,14 @@ def seconds_to_reset(quarn):
 
 
 def seconds_to_disconnect(quarn):
-    """From YES to the title that says so. The port is connected again afterwards."""
+    """From YES to the message that says so. The port is connected again afterwards."""
     quarn.choose_from_port_menu("d")
     quarn.activate(quarn.wait_for(QUESTION))
     began = time.monotonic()
     quarn.press("y")
-    quarn.wait_for(r"^Quarn   \(COM11-NC\)$")
+    quarn.wait_for(PASSING)
     took = time.monotonic() - began
+    quarn.wait_for(r"^Quarn   \(COM11-NC\)$")
     quarn.wait_gone("^Quarn : ")
     quarn.choose_from_port_menu("c")
     quarn.wait_for(r"^Quarn   \(COM11\)$")
