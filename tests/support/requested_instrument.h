@@ -10,8 +10,8 @@
 
 namespace quarn::test {
 
-/// A simulated instrument behind a port that another process serves for as long as this object lives: under Wine
-/// quarn-line-server, on the kernel's own drivers tests/system/drivers/cases.py.
+/// A simulated instrument behind a port that another process serves for as long as this object lives: under
+/// Wine quarn-line-server, on the kernel's own drivers tests/system/drivers/cases.py.
 class RequestedInstrument {
  public:
   RequestedInstrument(std::string_view rules, QString node)
