@@ -22,12 +22,21 @@ make_prefix() {
   # At its end it reports everything it still had open.
   "$WINESERVER" --persistent >"$PLACE/wineserver.log" 2>&1
   wine wineboot --init >"$PLACE/wineboot.log" 2>&1 || fail "Wine makes no prefix: $(<"$PLACE/wineboot.log")"
+  keep_services
   set_registry 'HKCU\Software\Wine' Version REG_SZ win10
   # The font of Windows dialogs is missing; this is the font of older versions.
   local font
   for font in 'Segoe UI' 'MS Shell Dlg' 'MS Shell Dlg 2'; do
     set_registry 'HKCU\Software\Wine\Fonts\Replacements' "$font" REG_SZ Tahoma
   done
+}
+
+# Wine's services end some seconds after the last program, and then each program waits for them in vain for 15 seconds.
+# So there is always a program: a shell whose commands never come.
+keep_services() {
+  mkfifo "$PLACE/no-commands"
+  # shellcheck disable=SC2016  # for the inner shell
+  start services bash -c 'exec "$1" cmd <>"$2"' bash "$WINE" "$PLACE/no-commands"
 }
 
 end_prefix() { "$WINESERVER" --kill 2>/dev/null || true; }

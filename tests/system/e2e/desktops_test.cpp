@@ -99,6 +99,18 @@ class OnTheDesktop : public Dialogs {
     return !Eventually([&] { return !condition(); }, kOneTryMs);
   }
 
+  /// A window that opens with another size gets the right one a tenth of a second later.
+  void ExpectOneSize(const QString& window, WindowEvents& events) {
+    const QRect opened = Geometry(window);
+    EXPECT_TRUE(Holds([&] { return Geometry(window).size() == opened.size(); }));
+    QStringList sizes = events.SizesOf(Outermost(window));
+    // Some window managers make a frame of one pixel, or of the window's own size, and adapt it.
+    sizes.removeAll(QStringLiteral("1x1"));
+    const QString bare = QStringLiteral("%1x%2").arg(opened.width()).arg(opened.height());
+    if (sizes.size() > 1 && sizes.constFirst() == bare) sizes.removeFirst();
+    EXPECT_EQ(sizes.size(), 1) << sizes.join(QLatin1Char(' ')).toStdString();
+  }
+
   ::testing::AssertionResult IsActiveAgain(const QString& window) {
     QByteArray active;
     if (Eventually([&] {
@@ -219,20 +231,24 @@ TEST_F(OnTheDesktop, TheTerminalScreenKeepsTheSizeWithWhichItOpens) {
     Choose(kTools, QStringLiteral("Terminal Screen"));
     terminal = WaitForWindow(kTerminal);
     ASSERT_FALSE(terminal.isEmpty());
-    // A window that opens with another size gets the right one a tenth of a second later.
-    const QRect opened = Geometry(terminal);
-    EXPECT_TRUE(Holds([&] { return Geometry(terminal).size() == opened.size(); }));
-    QStringList sizes = events.SizesOf(Outermost(terminal));
-    // Some window managers make a frame of one pixel, or of the window's own size, and adapt it.
-    sizes.removeAll(QStringLiteral("1x1"));
-    const QString bare = QStringLiteral("%1x%2").arg(opened.width()).arg(opened.height());
-    if (sizes.size() > 1 && sizes.constFirst() == bare) sizes.removeFirst();
-    EXPECT_EQ(sizes.size(), 1) << times << ": " << sizes.join(QLatin1Char(' ')).toStdString();
+    ExpectOneSize(terminal, events);
     // Not with Alt+F4: in some desktops another program than the window manager has that key.
     desktop.Run(QStringLiteral("wmctrl"), {QStringLiteral("-i"), QStringLiteral("-c"),
                                            QStringLiteral("0x") + QString::number(terminal.toUInt(), 16)});
     ASSERT_TRUE(WaitForNoWindow(kTerminal));
   }
+}
+
+TEST_F(OnTheDesktop, TheDetailedListKeepsTheSizeWithWhichItOpens) {
+  StartWithoutTerminal("* -> line \"OK\"");
+  ASSERT_TRUE(Eventually([&] { return desktop.Frame(WaitForWindow(kMain)).has_value(); }));
+  WindowEvents events(desktop);
+  ASSERT_TRUE(events.AreTold(desktop));
+  const QString title = QStringLiteral("^Quarn - Detailed COM Port List");
+  OpenDialog(kPortMenu, QStringLiteral("Detailed COM Port List"), title);
+  const QString list = WaitForWindow(title);
+  ASSERT_FALSE(list.isEmpty());
+  ExpectOneSize(list, events);
 }
 
 TEST_F(OnTheDesktop, TheMainWindowMayBeMinimised) {
