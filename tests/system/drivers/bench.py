@@ -122,8 +122,8 @@ class FarOutside:
     def __init__(self, line):
         self._line = line
 
-    def answer(self, rules):
-        outside.answer(line=self._line, rules=rules)
+    def answer(self, rules, ending=b""):
+        outside.answer(line=self._line, rules=rules, ending=ending.decode())
 
     def received(self):
         return base64.b64decode(outside.received(line=self._line))

@@ -24,6 +24,8 @@ class FarEnd:
         self._open_line = open_line
         self._lock = threading.Lock()
         self._received = bytearray()
+        self._pending = b""
+        self._beginning_of_end = b""
         self._sent = 0
         self._unasked = b""
         self._held = False
@@ -39,8 +41,12 @@ class FarEnd:
         self.answer('* -> line "OK"')
         self._thread.start()
 
-    def answer(self, rules):
-        """Begins anew with an instrument that has these rules."""
+    def answer(self, rules, ending=b""):
+        """Begins anew with an instrument that has these rules.
+
+        Where commands end with two bytes, it gets both at once: for the instrument the first alone is an end too, and
+        between two bytes a line may take its time.
+        """
         with open(self._base + ".rules", "w", encoding="ascii") as file:
             file.write(rules + "\n")
         instrument = subprocess.Popen([self._program, "--rules", self._base + ".rules"], stdout=subprocess.PIPE)
@@ -53,6 +59,8 @@ class FarEnd:
             self._end_instrument()
             self._instrument, self._near = instrument, near
             self._received.clear()
+            self._pending = b""
+            self._beginning_of_end = ending[:-1]
             self._sent = 0
         os.write(self._waker, b"x")
 
@@ -150,7 +158,10 @@ class FarEnd:
                 raise OSError("the line has hung up")
             with self._lock:
                 self._received += data
-                _write_all(self._near, data, lambda: True)
+                self._pending += data
+                if not (self._beginning_of_end and self._pending.endswith(self._beginning_of_end)):
+                    _write_all(self._near, self._pending, lambda: True)
+                    self._pending = b""
         if near in ready:
             self._give_answer(line, near)
 

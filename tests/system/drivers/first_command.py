@@ -34,7 +34,7 @@ def rules():
 @each_line("first command, quarn-send", LINES)
 def first_command(line):
     for delimiter, (before, after) in FRAMES.items():
-        line.far.answer(rules())
+        line.far.answer(rules(), after)
         # Bytes that do not end the command at this delimiter.
         others = bytes(byte for byte in CONTROLS if byte not in after + before and byte not in b"\x02\x03")
         status, output, errors = line.send("id", b"b" + others + b"b", DELIMITER=delimiter)
@@ -48,7 +48,7 @@ def first_command(line):
 @each_line("all byte values, quarn-send", LINES)
 def all_bytes(line):
     for delimiter, (before, after) in FRAMES.items():
-        line.far.answer(rules())
+        line.far.answer(rules(), after)
         sent = before + ORDINARY + after
         status, output, errors = line.send(ORDINARY, "all", raw=True, DELIMITER=delimiter, **PATIENT)
         equal(f"status with {delimiter} ({errors})", status, 0)

@@ -23,7 +23,7 @@ SIZES = list(LIMITS) if options["long"] else []
 def session(line):
     delimiter = DELIMITERS[line.kind]
     before, after = FRAMES[delimiter]
-    line.far.answer(rules())
+    line.far.answer(rules(), after)
     line.settings(DELIMITER=delimiter, AUTO_CLR="ON", **PATIENT)
     with Watched(line) as lines, Quarn(line.account) as quarn:
         window = quarn.terminal()
@@ -38,7 +38,7 @@ def session(line):
             all_printable(line, quarn, window, delimiter)
         for size in SIZES:
             quarn.choose_format("COM_BUF", size)
-            answers_at(line, quarn, window, LIMITS[size])
+            answers_at(line, quarn, window, delimiter, LIMITS[size])
         lines.forget()
         quarn.choose_from_port_menu("r")
         quarn.wait_for(INFORMATION)
@@ -52,7 +52,7 @@ def session(line):
 def all_printable(line, quarn, window, delimiter):
     """Each printable character is typed, and the instrument gets it."""
     before, after = FRAMES[delimiter]
-    line.far.answer('* -> line "OK"')
+    line.far.answer('* -> line "OK"', after)
     # A command may have as many characters.
     halves = PRINTABLE[:COLUMNS], PRINTABLE[COLUMNS:]
     for half in halves:
@@ -64,9 +64,10 @@ def all_printable(line, quarn, window, delimiter):
     equal(f"the end of the log with {delimiter}", got[-len(wanted):], wanted)
 
 
-def answers_at(line, quarn, window, most):
+def answers_at(line, quarn, window, delimiter, most):
     """One byte above the limit still counts as whole."""
-    line.far.answer(rules())
+    _, after = FRAMES[delimiter]
+    line.far.answer(rules(), after)
     for count in (most, most + 1, most + 2):
         quarn.command(window, f"n{count}")
     log = quarn.log(window)

@@ -154,8 +154,8 @@ class Machine:
     def do_note(self, text):
         print(f"                   {text}", flush=True)
 
-    def do_answer(self, line, rules):
-        self._far_ends[line].answer(rules)
+    def do_answer(self, line, rules, ending=""):
+        self._far_ends[line].answer(rules, ending.encode())
 
     def do_received(self, line):
         return base64.b64encode(self._far_ends[line].received()).decode()
