@@ -135,7 +135,7 @@ void CQuarnDlg::ShowApart(PolledDialog& dialog) {
     const QRect screen = this->screen()->geometry();
     QList<QRect> others;
     for (const QWidget* each : QApplication::topLevelWidgets()) {
-      const bool isOther = each != this && each != &dialog && each->isVisible();
+      const bool isOther = each != this && each != &dialog && each->isVisible() && !each->isMinimized();
       if (isOther) others.append(PlaceOn(screen, *each));
     }
     return screen.topLeft() +

@@ -6,7 +6,6 @@
 #include <QPointer>
 #include <QWidget>
 #include <QWindow>
-#include <functional>
 
 namespace quarn {
 namespace {
@@ -28,27 +27,16 @@ QWidget* BoxUp() {
   return isUp ? box : nullptr;
 }
 
-/// Hides and shows a window. `between` runs while it is hidden.
-void HideAndShow(QWidget& window, const std::function<void()>& between) {
+}  // namespace
+
+void ShowAnew(QWidget& window, QWindow* over) {
   const QPointer<QWidget> focus = window.focusWidget();
   // A dialog's own function would end its event loop.
   window.QWidget::setVisible(false);
-  between();
+  // The system takes note of this when the window is shown.
+  if (over != nullptr) window.windowHandle()->setTransientParent(over);
   window.QWidget::setVisible(true);
   if (!focus.isNull()) focus->setFocus();
-}
-
-void ShowOver(QWidget& box, QWindow* focused) {
-  HideAndShow(box, [&] {
-    // The system takes note of this when the window is shown.
-    if (focused != nullptr) box.windowHandle()->setTransientParent(focused);
-  });
-}
-
-}  // namespace
-
-void ShowAnew(QWidget& window) {
-  HideAndShow(window, [] {});
 }
 
 bool IsOurs(const QWidget& modal) { return !modal.testAttribute(Qt::WA_DontShowOnScreen); }
@@ -83,7 +71,7 @@ void ShownAgain::Follow(QWindow* focused) {
   if (box == nullptr || !m_rule.Take(WhoHas(focused, box->windowHandle()), NowMs())) return;
   // Not inside the change of the focus.
   const auto show = [box = QPointer<QWidget>(box), over = QPointer<QWindow>(focused)] {
-    if (!box.isNull() && BoxUp() == box) ShowOver(*box, over.data());
+    if (!box.isNull() && BoxUp() == box) ShowAnew(*box, over.data());
   };
   QMetaObject::invokeMethod(this, show, Qt::QueuedConnection);
 }

@@ -13,8 +13,9 @@ namespace quarn {
 [[nodiscard]] bool IsOurs(const QWidget& modal);
 
 /// Shows a window again that is shown, so that it comes up in front of the others, with the keyboard. Its
-/// state and its focus stay; so does the event loop of a dialog.
-void ShowAnew(QWidget& window);
+/// state and its focus stay; so does the event loop of a dialog. From then on it stands over `over`, if
+/// given.
+void ShowAnew(QWidget& window, QWindow* over = nullptr);
 
 /// Who has the keyboard while a modal window, the box, is up.
 enum class KeyboardIn : unsigned char { Box, AnotherWindow, Elsewhere };

@@ -216,6 +216,22 @@ TEST_F(MainDialog, WindowsWithoutAPlaceOfTheirOwnDoNotComeUpOnEachOther) {
   EXPECT_NE(places[1], places[2]);
 }
 
+TEST_F(MainDialog, AMinimisedWindowIsInNobodysWay) {
+  dialog.move(ScreenCorner() + QPoint(30, 40));
+  dialog.StartTimer();
+  const QSize screen = QGuiApplication::primaryScreen()->size();
+  Action(command::kScreenOption)->trigger();
+  QWidget* minimised = Shown("CScreenOption").value(0);
+  ASSERT_NE(minimised, nullptr);
+  minimised->showMinimized();
+  Action(command::kMainOption)->trigger();
+  QWidget* option = Shown("CMainOption").value(0);
+  ASSERT_NE(option, nullptr);
+  EXPECT_TRUE(StandsAt(*option, [&] {
+    return ScreenCorner() + PlaceOffOthers(MainOnScreen(), {}, OuterSize(*option), screen);
+  }));
+}
+
 TEST_F(MainDialog, ListAndOptionsLeaveItsMenusInReach) {
   dialog.move(ScreenCorner() + QPoint(30, 40));
   dialog.StartTimer();
