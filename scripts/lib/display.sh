@@ -63,16 +63,14 @@ start_display() {
   export DISPLAY
   start window-manager openbox
   wait_until 20 "the window manager" window_manager_is_there
-  display_corner="$(($1 - 1)) $(($2 - 1))"
+  display_width=$1
+  display_height=$2
 }
 
 window_manager_is_there() { xprop -root _NET_SUPPORTING_WM_CHECK | grep -q '# 0x'; }
 
 # Moves the pointer away from everything that changes under it.
-rest_pointer() {
-  # shellcheck disable=SC2086  # two numbers
-  xdotool mousemove $display_corner
-}
+rest_pointer() { xdotool mousemove $((display_width - 1)) $((display_height - 1)); }
 
 #--- Windows ---------------------------------------------------------------------------------------------
 
@@ -120,12 +118,20 @@ outer_geometry() {
     "$((y + $(number_after Height "$facts") + bottom))"
 }
 
+# shown_geometry WINDOW: the same for the part of it that is on the screen.
+shown_geometry() {
+  local left top right bottom
+  read -r left top right bottom < <(outer_geometry "$1")
+  echo "$((left > 0 ? left : 0)) $((top > 0 ? top : 0)) $((right < display_width ? right : display_width))" \
+    "$((bottom < display_height ? bottom : display_height))"
+}
+
 # picture FILE WINDOW...: one picture of the windows with their frames, as shown on the screen.
 picture() {
   local file=$1 window left top right bottom place=()
   shift
   for window in "$@"; do
-    read -r left top right bottom < <(outer_geometry "$window")
+    read -r left top right bottom < <(shown_geometry "$window")
     if ((${#place[@]} == 0)); then place=("$left" "$top" "$right" "$bottom"); fi
     place[0]=$((left < place[0] ? left : place[0]))
     place[1]=$((top < place[1] ? top : place[1]))

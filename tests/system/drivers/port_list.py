@@ -12,7 +12,7 @@ TITLE = "^Quarn - Detailed COM Port List"
 HOLDER_PID = 1234
 SOURCES = os.path.join(os.path.dirname(__file__), "../../..")
 TAKE = """source scripts/lib/common.sh; PLACE=$1; source scripts/lib/display.sh
-          display_corner="0 1023"; rest_pointer; picture "$1/picture.png" "$2" """
+          display_width=1280; display_height=1024; xdotool mousemove 0 1023; picture "$1/picture.png" "$2" """
 
 
 def picture_of(quarn, title, folder):
