@@ -19,6 +19,7 @@
 #include "ui/control_style.h"
 #include "ui/pictures.h"
 #include "ui/wait_cursor.h"
+#include "ui/whole_pixels.h"
 #include "ui/window_messages.h"
 
 namespace {
@@ -61,6 +62,7 @@ int main(int argc, char* argv[]) {
   session.reset();
   const std::unique_ptr<quarn::ModalOrder> order = quarn::KeepModalInFront();
   quarn::UseVisibleOutlines();
+  quarn::KeepControlsWhole();
   QApplication::setWindowIcon(quarn::ApplicationIcon());
   // Message boxes close before the main dialog exists, and this must not end the program.
   QApplication::setQuitOnLastWindowClosed(false);

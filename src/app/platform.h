@@ -32,6 +32,10 @@ InstanceLock TakeInstanceLock(QString& reason);
 /// Dots per inch of the screen that shows the window, as scaled by the desktop: 96 is 100 per cent.
 int WindowDpi(const QWidget& window);
 
+/// A line for a terminal: how to start the program on a desktop with this scaling, which is not supported.
+/// Empty where only the desktop can be set, or the scaling is not known (0).
+QString HowToStartAtScaling(int percent);
+
 /// Height of the desktop's message font in pixels.
 int MessageFontHeight();
 

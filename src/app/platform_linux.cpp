@@ -32,6 +32,7 @@ namespace quarn {
 namespace {
 
 constexpr mode_t kPrivateFile = 0600;
+constexpr char kScaleFactor[] = "QT_SCALE_FACTOR";
 
 InstanceLock LockFile(const QByteArray& path) {
   const int descriptor = ::open(path.constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, kPrivateFile);
@@ -112,6 +113,22 @@ int WindowDpi(const QWidget& window) {
   if (!IsOnWayland()) return static_cast<int>(std::lround(drawn));
   const std::optional<OutputSize> output = WaylandOutput(screen->name());
   return static_cast<int>(std::lround(drawn * (output ? ShownShare(*output) : 1)));
+}
+
+QString HowToStartAtScaling(int percent) {
+  if (percent <= 0) return {};
+  // A factor that is set already is part of the scaling.
+  bool isSet = false;
+  const double present = qEnvironmentVariable(kScaleFactor).toDouble(&isSet);
+  const int wanted = SubstituteScaling(percent);
+  const double factor = (isSet && present > 0 ? present : 1) * wanted / percent;
+  constexpr int kDigits = 4;
+  return QStringLiteral(
+             "quarn: it does not start at a scaling of %1 per cent; to start it at %2: "
+             "QT_SCALE_FACTOR=%3 quarn\n")
+      .arg(percent)
+      .arg(wanted)
+      .arg(QString::number(factor, 'g', kDigits));
 }
 
 int MessageFontHeight() { return QFontInfo(QApplication::font("QMessageBox")).pixelSize(); }

@@ -99,6 +99,9 @@ int WindowDpi(const QWidget& window) {
   return static_cast<int>(GetDpiForWindow(reinterpret_cast<HWND>(window.effectiveWinId())));
 }
 
+// The system's scaling is asked of the window, and no factor of the program's own changes that.
+QString HowToStartAtScaling(int /*percent*/) { return {}; }
+
 int MessageFontHeight() {
   NONCLIENTMETRICSW metrics{};
   metrics.cbSize = sizeof metrics;

@@ -5,6 +5,12 @@
 #include <cmath>
 
 namespace quarn {
+namespace {
+
+constexpr std::array kSupported{100, 125, 150, 175};
+constexpr int kLargestSubstitute = 150;
+
+}  // namespace
 
 int ScalingPercent(int dpi) {
   constexpr double kUnscaledDpi = 96.0;
@@ -14,8 +20,15 @@ int ScalingPercent(int dpi) {
 }
 
 bool IsSupportedScaling(int percent) {
-  constexpr std::array kSupported{100, 125, 150, 175};
   return std::find(kSupported.begin(), kSupported.end(), percent) != kSupported.end();
+}
+
+int SubstituteScaling(int percent) {
+  int substitute = kSupported.front();
+  for (const int each : kSupported) {
+    if (each <= std::min(percent, kLargestSubstitute)) substitute = each;
+  }
+  return substitute;
 }
 
 double ShownShare(const OutputSize& output) {

@@ -10,6 +10,10 @@ int ScalingPercent(int dpi);
 /// Whether the fixed window sizes support this scaling: 100, 125, 150 or 175 per cent.
 bool IsSupportedScaling(int percent);
 
+/// The supported scaling that replaces another one: the next smaller one, but at most 150 per cent, because
+/// at 175 few screens have room for the Terminal Screen.
+int SubstituteScaling(int percent);
+
 /// How large an output is: in pixels, and as its windows see it. Where these differ by a fraction, such
 /// as 1.25, a compositor may tell programs the next whole scale, and shrinks what they draw.
 struct OutputSize {

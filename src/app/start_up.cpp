@@ -34,6 +34,7 @@ bool DisplayFits(Program& program, StartUpStage& stage) {
   const QString caption = QStringLiteral(": Error");
   const int scaling = ScalingPercent(stage.Dpi());
   if (!IsSupportedScaling(scaling)) {
+    stage.TellHowToStart(scaling);
     program.messages->ShowErrorMessage(caption, QString(), QStringLiteral("Windows display scaling Settings"),
                                        QStringLiteral("Scaling must be 100, 125, 150 or 175(%)."));
     return false;

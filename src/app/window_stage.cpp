@@ -43,6 +43,11 @@ void WindowStage::PrepareUnderSplash() {
 
 int WindowStage::Dpi() { return WindowDpi(*m_dialog); }
 
+void WindowStage::TellHowToStart(int scalingPercent) {
+  const QString how = HowToStartAtScaling(scalingPercent);
+  if (!how.isEmpty()) WriteOnTerminal(how, TerminalStream::Error);
+}
+
 bool WindowStage::MenuBarWraps() { return m_dialog->MenuBarWraps(); }
 
 int WindowStage::MessageFontHeight() { return quarn::MessageFontHeight(); }

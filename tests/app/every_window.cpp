@@ -13,6 +13,7 @@
 #include "support/waits.h"
 #include "ui/control_style.h"
 #include "ui/message_dialogs.h"
+#include "ui/whole_pixels.h"
 #include "ui/window_messages.h"
 
 namespace quarn::test {
@@ -132,6 +133,7 @@ const std::vector<WindowCase>& WindowCases() {
 
 void EveryWindow::SetUp() {
   UseVisibleOutlines();
+  KeepControlsWhole();
   program.settings = DefaultSettings();
   MainDialog::SetUp();
 }

@@ -232,21 +232,47 @@ bool HasBorder(const QWidget& control) {
          qobject_cast<const QLineEdit*>(&control) != nullptr;
 }
 
+/// A check box or radio button has its border only at the left, around what is chosen.
+bool HasBorderAllAround(const QWidget& control) {
+  return HasBorder(control) && qobject_cast<const QCheckBox*>(&control) == nullptr &&
+         qobject_cast<const QRadioButton*>(&control) == nullptr;
+}
+
+/// The highest contrast to the first pixel in this line of pixels, which begins at `from`.
+double ContrastAlong(const QImage& picture, QPoint from, QPoint step) {
+  constexpr int kPixels = 8;
+  double most = 1;
+  for (int i = 0; i < kPixels; ++i) {
+    const QPoint at = from + i * step;
+    if (picture.valid(at)) most = std::max(most, Contrast(picture.pixel(from), picture.pixel(at)));
+  }
+  return most;
+}
+
 TEST_P(EveryWindowsLooks, ShowTheBordersOfControlsOnADarkDesktop) {
   const Desktop desktop(Desktop::Dark);
   Visit([](QWidget& shown) {
     QApplication::processEvents();
     const QImage picture = shown.grab().toImage();
+    const double ratio = picture.devicePixelRatio();
     for (const QWidget* each : shown.findChildren<QWidget*>()) {
       if (!HasBorder(*each) || !each->isVisible() || each->window() != &shown) continue;
       if (each->visibleRegion().isEmpty()) continue;
+      // A circle between pixels is smoothed.
+      if (ratio != std::round(ratio) && qobject_cast<const QRadioButton*>(each) != nullptr) continue;
+      const QRectF place(each->mapTo(&shown, QPoint(0, 0)), each->size());
+      const QRect pixels = QRectF(place.topLeft() * ratio, place.size() * ratio).toAlignedRect();
+      const QPoint middle = pixels.center();
       // From just outside the control to just within its border.
-      const QPoint left = each->mapTo(&shown, QPoint(-2, each->height() / 2));
-      double seen = 1;
-      for (int x = 0; x < 6; ++x) {
-        seen = std::max(seen, Contrast(picture.pixel(left), picture.pixel(left + QPoint(x, 0))));
-      }
-      EXPECT_GE(seen, kVisible) << each->objectName().toStdString();
+      constexpr int kOutside = 3;
+      const auto expect = [&](QPoint from, QPoint step, const char* side) {
+        EXPECT_GE(ContrastAlong(picture, from, step), kVisible) << each->objectName().toStdString() << side;
+      };
+      expect({pixels.left() - kOutside, middle.y()}, {1, 0}, ", left");
+      if (!HasBorderAllAround(*each)) continue;
+      expect({pixels.right() + kOutside, middle.y()}, {-1, 0}, ", right");
+      expect({middle.x(), pixels.top() - kOutside}, {0, 1}, ", top");
+      expect({middle.x(), pixels.bottom() + kOutside}, {0, -1}, ", bottom");
     }
   });
 }

@@ -244,6 +244,41 @@ TEST_F(InstanceLockTest, FollowsNoLink) {
   EXPECT_FALSE(QFile::exists(target));
 }
 
+/// QT_SCALE_FACTOR as a person has set it, or not at all.
+class ScaleFactor {
+ public:
+  explicit ScaleFactor(const QByteArray& value) { Set(value); }
+  ~ScaleFactor() { Set(m_former); }
+  ScaleFactor(const ScaleFactor&) = delete;
+  ScaleFactor& operator=(const ScaleFactor&) = delete;
+
+ private:
+  static void Set(const QByteArray& value) {
+    value.isNull() ? qunsetenv("QT_SCALE_FACTOR") : qputenv("QT_SCALE_FACTOR", value);
+  }
+  const QByteArray m_former = qgetenv("QT_SCALE_FACTOR");
+};
+
+TEST(HowToStart, NamesTheFactorThatLeadsToASupportedScaling) {
+  const ScaleFactor none{QByteArray()};
+  EXPECT_EQ(HowToStartAtScaling(200),
+            u"quarn: it does not start at a scaling of 200 per cent; to start it at 150: "
+            "QT_SCALE_FACTOR=0.75 quarn\n"_s);
+  EXPECT_TRUE(HowToStartAtScaling(124).contains(u"at 100: QT_SCALE_FACTOR=0.8065 quarn"_s));
+  EXPECT_EQ(HowToStartAtScaling(0), QString());
+}
+
+TEST(HowToStart, ReckonsWithAFactorThatIsSet) {
+  {
+    const ScaleFactor twice("2");
+    EXPECT_TRUE(HowToStartAtScaling(200).contains(u"QT_SCALE_FACTOR=1.5 quarn"_s));
+  }
+  for (const char* none : {"", "0", "large"}) {
+    const ScaleFactor useless(none);
+    EXPECT_TRUE(HowToStartAtScaling(200).contains(u"QT_SCALE_FACTOR=0.75 quarn"_s)) << none;
+  }
+}
+
 TEST(FileArgument, IsTheFirstArgument) {
   EXPECT_EQ(ReadFileArgument({u"quarn"_s}), QString());
   EXPECT_EQ(ReadFileArgument({u"quarn"_s, u"my file.qrn"_s, u"other.qrn"_s}), u"my file.qrn"_s);

@@ -24,6 +24,18 @@ TEST(Scaling, FourAreSupported) {
   }
 }
 
+TEST(Scaling, ASubstituteIsSupportedAndTheNextSmallerOneUpTo150) {
+  EXPECT_EQ(SubstituteScaling(200), 150);
+  EXPECT_EQ(SubstituteScaling(300), 150);
+  EXPECT_EQ(SubstituteScaling(174), 150);
+  EXPECT_EQ(SubstituteScaling(149), 125);
+  EXPECT_EQ(SubstituteScaling(124), 100);
+  EXPECT_EQ(SubstituteScaling(99), 100);
+  for (int percent = 0; percent <= 500; ++percent) {
+    EXPECT_TRUE(IsSupportedScaling(SubstituteScaling(percent))) << percent;
+  }
+}
+
 TEST(Scaling, ACompositorShowsOutputsAtTheScaleThatIsSet) {
   struct Case {
     OutputSize output;

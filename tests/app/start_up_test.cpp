@@ -1,6 +1,7 @@
 #include "app/start_up.h"
 
 #include "app/app_fixture.h"
+#include "app/scaling.h"
 #include "settings/damaged_file.h"
 #include "settings/settings_test_support.h"
 #include "support/recorded_stage.h"
@@ -67,7 +68,7 @@ TEST_F(StartUpTest, ARefusedScalingIsToldAfterTheSplash) {
     stage.dpi = dpi;
     EXPECT_EQ(Start(), StartUpResult::DisplayRefused);
     EXPECT_EQ(Happened(),
-              (QStringList{"lock", "splash", "dpi",
+              (QStringList{"lock", "splash", "dpi", QStringLiteral("how %1").arg(ScalingPercent(dpi)),
                            "error/: Error//Windows display scaling Settings/Scaling must be 100, 125, "
                            "150 or 175(%)."}))
         << dpi;

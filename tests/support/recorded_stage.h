@@ -27,6 +27,7 @@ class RecordedStage final : public StartUpStage {
   MainWindow& Window() override { return m_window; }
   PortMonitor& Monitor() override { return m_monitor; }
   int Dpi() override { return Note("dpi", dpi); }
+  void TellHowToStart(int percent) override { m_journal.append(QStringLiteral("how %1").arg(percent)); }
   bool MenuBarWraps() override { return Note("menu bar", wraps); }
   int MessageFontHeight() override { return fontHeight; }
   void AcceptDrops() override { m_journal.append(QStringLiteral("drops")); }

@@ -7,6 +7,7 @@
 #include <functional>
 
 #include "support/dialog_controls.h"
+#include "ui/pictures.h"
 
 namespace quarn::test {
 namespace {
@@ -73,6 +74,48 @@ INSTANTIATE_TEST_SUITE_P(
                       [] { return WindowMessages().AskSimpleYesNo(kAsked, AnswerByDefault::Refuse); }, 1066,
                       2}),
     [](const testing::TestParamInfo<AskedQuestion>& each) { return each.param.name; });
+
+/// What a person sees of a box, apart from its caption.
+struct SeenBox {
+  QImage picture{};
+  qint64 icon = 0;
+  QString font{};
+  Qt::WindowFlags flags{};
+};
+
+/// The box that `show` opens, which is then closed.
+SeenBox Seen(const std::function<void()>& show) {
+  SeenBox seen;
+  QTimer timer;
+  timer.callOnTimeout([&] {
+    auto* box = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+    if (box == nullptr || !box->isActiveWindow()) return;
+    timer.stop();
+    seen = {box->grab().toImage(), box->windowIcon().cacheKey(), box->font().toString(), box->windowFlags()};
+    Control<QPushButton>(*box, 1)->click();
+  });
+  timer.start(1);
+  show();
+  return seen;
+}
+
+TEST(PlainMessages, LookLikeInformation) {
+  const QIcon before = QApplication::windowIcon();
+  const QIcon icon = ApplicationIcon();
+  QApplication::setWindowIcon(icon);
+  // "Already open" is one line, a reason is more.
+  for (const QString& text : {kAsked, QStringLiteral("one\ntwo, which is longer than one")}) {
+    const SeenBox plain = Seen([&] { WindowMessages().ShowPlainMessage(text); });
+    const SeenBox usual = Seen([&] { WindowMessages().ShowInformationMessage(kAskedSuffix, {}, text, {}); });
+    EXPECT_FALSE(plain.picture.isNull());
+    EXPECT_EQ(plain.picture, usual.picture) << "text, button, margins or focus differ";
+    EXPECT_EQ(plain.icon, icon.cacheKey()) << "it has another icon, or none";
+    EXPECT_EQ(plain.icon, usual.icon);
+    EXPECT_EQ(plain.font, usual.font);
+    EXPECT_EQ(plain.flags & ~Qt::WindowFlags(Qt::WindowStaysOnTopHint), usual.flags);
+  }
+  QApplication::setWindowIcon(before);
+}
 
 }  // namespace
 }  // namespace quarn::test

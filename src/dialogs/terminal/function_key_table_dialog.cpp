@@ -14,6 +14,7 @@
 #include "ui/controls.h"
 #include "ui/paste_field.h"
 #include "ui/placement.h"
+#include "ui/whole_pixels.h"
 
 namespace quarn {
 namespace {
@@ -121,7 +122,7 @@ void CSetMem::CreateRows(QBoxLayout& column) {
     QLineEdit* field = CreateField(this, pasted, index, kRows[i].fieldId);
     KeepReadable(*field, palette());
     field->setValidator(validator);
-    field->setFixedWidth(grid.Width(kTextFieldWidth));
+    field->setFixedWidth(WholePixels(grid.Width(kTextFieldWidth), devicePixelRatioF()));
     field->setMinimumHeight(keySize.height());
     auto* row = new QHBoxLayout;
     row->setSpacing(grid.Width(DialogGrid::kGap));

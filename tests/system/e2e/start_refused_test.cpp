@@ -63,6 +63,25 @@ TEST_F(StartRefused, WithAFileThatTheFirstOneThenLoads) {
   EXPECT_FALSE(WaitForWindow(kMain).isEmpty()) << "it is not minimised any more";
 }
 
+TEST_F(StartRefused, WithABoxThatIsFramedLikeTheFirstOnes) {
+  StartProgram();
+  const QString first = WaitForWindow(kWarning);
+  const std::unique_ptr<ProgramRun> second = StartAnother();
+  EXPECT_TRUE(BoxSays(kPlain, {QStringLiteral("\"Quarn\" is already open !")}));
+  const QString box = WaitForWindow(kPlain);
+  EXPECT_EQ(Frame(box), Frame(first));
+  for (const char* property : {"_NET_WM_ICON", "_NET_WM_WINDOW_TYPE", "_MOTIF_WM_HINTS", "WM_CLASS"}) {
+    const auto of = [&](const QString& window) {
+      return desktop.Run(QStringLiteral("xprop"), {QStringLiteral("-id"), window, QStringLiteral("-len"),
+                                                   QStringLiteral("100000"), QLatin1String(property)});
+    };
+    EXPECT_TRUE(of(box).contains(" = ")) << of(box).left(100).toStdString();
+    EXPECT_EQ(of(box), of(first)) << property;
+  }
+  AnswerBox(kPlain, QStringLiteral("OK"));
+  EXPECT_TRUE(second->WaitForEnd());
+}
+
 TEST_F(StartRefused, InFrontOfTheFirstOnesSplash) {
   StartProgram();
   ASSERT_TRUE(SplashIsThere());
@@ -117,6 +136,39 @@ TEST_F(StartRefused, AtAScalingThatTheDialogsAreNotMadeFor) {
   Acknowledge(kError, {QStringLiteral("Windows display scaling Settings"), kScaling});
   EXPECT_TRUE(EndsWith(1));
   ExpectNothingWritten();
+}
+
+TEST_F(StartRefused, AndTheLineThatItPrintsStartsIt) {
+  WriteSettings({{QStringLiteral("START_DISP"), QStringLiteral("OFF")}});
+  struct Case {
+    const char* factor;  ///< the person's own, beside the desktop's
+    const char* dpi;
+    const char* line;
+  };
+  for (const Case& each : {Case{"1", "192",
+                                "quarn: it does not start at a scaling of 200 per cent; to start it at 150: "
+                                "QT_SCALE_FACTOR=0.75 quarn\n"},
+                           Case{"1.6", "120",
+                                "quarn: it does not start at a scaling of 200 per cent; to start it at 150: "
+                                "QT_SCALE_FACTOR=1.2 quarn\n"},
+                           Case{"1", "119",
+                                "quarn: it does not start at a scaling of 124 per cent; to start it at 100: "
+                                "QT_SCALE_FACTOR=0.8065 quarn\n"}}) {
+    SCOPED_TRACE(each.line);
+    SetVariable("QT_SCALE_FACTOR", QLatin1String(each.factor));
+    SetVariable("QT_FONT_DPI", QLatin1String(each.dpi));
+    const std::unique_ptr<ProgramRun> refused = StartAnother();
+    Acknowledge(kError, {QStringLiteral("Windows display scaling Settings"), kScaling});
+    const std::optional<ProgramEnd> end = refused->WaitForEnd();
+    ASSERT_TRUE(end);
+    EXPECT_EQ(end->errors, QByteArray(each.line));
+    const QByteArray factor = end->errors.split('=').value(1).split(' ').value(0);
+    SetVariable("QT_SCALE_FACTOR", QString::fromLatin1(factor));
+    StartProgram();
+    AcknowledgeNoPort();
+    EXPECT_TRUE(MainTitleBecomes(QStringLiteral("Quarn   (NONE)")));
+    End(program);
+  }
 }
 
 TEST_F(StartRefused, NotAtTheOtherScalings) {
