@@ -75,7 +75,7 @@ QVBoxLayout* CAboutBox::CreateLabels() {
 QPushButton* CAboutBox::CreateOkButton() {
   auto* ok = WithControlId(new DialogButton(QStringLiteral("OK"), this), kOkId);
   ok->setObjectName(QStringLiteral("okButton"));
-  ok->setMinimumWidth(MapDialogUnits(font(), {0, 0, kButtonWidthUnits, 0}).width());
+  ok->setMinimumWidth(DialogGrid(*this).WholeWidth(kButtonWidthUnits));
   ok->setDefault(true);
   connect(ok, &QPushButton::clicked, this, &QDialog::accept);
   return ok;

@@ -30,6 +30,7 @@ bool HasBorder(QStyle::PrimitiveElement element) {
     case QStyle::PE_IndicatorCheckBox:
     case QStyle::PE_IndicatorRadioButton:
     case QStyle::PE_FrameLineEdit:
+    case QStyle::PE_PanelMenu:
     case QStyle::PE_PanelButtonCommand:
       return true;
     default:
@@ -93,6 +94,8 @@ class VisibleOutlines final : public QProxyStyle {
       DrawVisible(*button, draw);
     } else if (const auto* frame = qstyleoption_cast<const QStyleOptionFrame*>(option)) {
       DrawVisible(*frame, draw);
+    } else if (const auto* menu = qstyleoption_cast<const QStyleOptionMenuItem*>(option)) {
+      DrawVisible(*menu, draw);
     } else {
       draw(option);
     }

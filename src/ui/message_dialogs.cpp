@@ -172,14 +172,14 @@ QWidget* MessageDialog::CreateText(const std::vector<MessageLine>& lines, QSize 
 }
 
 QHBoxLayout* MessageDialog::AddButtons(const std::vector<MessageButton>& buttons, AnswerByDefault byDefault) {
-  const QRect units = MapDialogUnits(font(), {0, 0, kButtonWidthUnits, 0});
+  const int width = DialogGrid(*this).WholeWidth(kButtonWidthUnits);
   auto* row = new QHBoxLayout;
   row->setSpacing(MapDialogUnits(font(), {kGapUnits, 0, 0, 0}).x() * 2);
   row->addStretch();
   for (const MessageButton& each : buttons) {
     auto* button = WithControlId(new DialogButton(each.text, this), each.controlId);
     button->setObjectName(QLatin1String(each.name));
-    button->setMinimumWidth(units.width());
+    button->setMinimumWidth(width);
     connect(button, &QPushButton::clicked, this, [this, result = each.result] {
       m_answer = result;
       done(result != 0 ? Accepted : Rejected);

@@ -12,6 +12,7 @@
 #include <optional>
 
 #include "ui/usual_frame.h"
+#include "ui/whole_pixels.h"
 
 namespace quarn {
 namespace {
@@ -166,5 +167,13 @@ QPoint PlaceOffOthers(const QRect& mainDialog, const QList<QRect>& others, QSize
 int DialogGrid::Width(int units) const { return MapDialogUnits(m_window.font(), {0, 0, units, 0}).width(); }
 
 int DialogGrid::Height(int units) const { return MapDialogUnits(m_window.font(), {0, 0, 0, units}).height(); }
+
+int DialogGrid::WholeWidth(int units) const {
+  return WholePixels(Width(units), m_window.devicePixelRatioF());
+}
+
+int DialogGrid::WholeHeight(int units) const {
+  return WholePixels(Height(units), m_window.devicePixelRatioF());
+}
 
 }  // namespace quarn

@@ -64,6 +64,9 @@ class DialogGrid {
   explicit DialogGrid(const QWidget& window) : m_window(window) {}
   [[nodiscard]] int Width(int units) const;
   [[nodiscard]] int Height(int units) const;
+  /// For controls: whole pixels of the screen as well.
+  [[nodiscard]] int WholeWidth(int units) const;
+  [[nodiscard]] int WholeHeight(int units) const;
 
  private:
   const QWidget& m_window;

@@ -45,7 +45,7 @@ void CPortDetails::LayOut() {
   const DialogGrid measure(*this);
   const QSize margin(measure.Width(DialogGrid::kMargin), measure.Height(DialogGrid::kMargin));
   const int pitch = measure.Height(kRowPitch);
-  const int rowHeight = measure.Height(DialogGrid::kRowHeight);
+  const int rowHeight = measure.WholeHeight(DialogGrid::kRowHeight);
   const QSize radio(measure.Width(kRadioWidth), pitch);
   const QSize description(measure.Width(kDescriptionWidth), pitch);
   const int listWidth = radio.width() + description.width();

@@ -26,7 +26,7 @@ QPushButton* PortDialog::AddButton(const char* name, const QString& text, int co
   auto* button = WithControlId(new DialogButton(text, this), controlId);
   button->setObjectName(QLatin1String(name));
   button->setAccessibleName(text);
-  button->setMinimumWidth(DialogGrid(*this).Width(DialogGrid::kButtonWidth));
+  button->setMinimumWidth(DialogGrid(*this).WholeWidth(DialogGrid::kButtonWidth));
   connect(button, &QPushButton::clicked, this, [this, operation] { Perform(operation); });
   return button;
 }

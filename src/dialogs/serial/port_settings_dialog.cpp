@@ -70,7 +70,7 @@ void CPortSettings::CreateControls() {
   grid->setContentsMargins(margin, margin, margin, margin);
   grid->setHorizontalSpacing(measure.Width(DialogGrid::kGap));
   grid->setVerticalSpacing(measure.Height(DialogGrid::kGap));
-  grid->setColumnMinimumWidth(1, measure.Width(kFieldWidth));
+  grid->setColumnMinimumWidth(1, measure.WholeWidth(kFieldWidth));
   grid->setColumnMinimumWidth(2, measure.Width(DialogGrid::kGroupGap) - 2 * grid->horizontalSpacing());
   int row = 0;
   for (const Field& field : kFields) {

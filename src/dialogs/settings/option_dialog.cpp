@@ -103,7 +103,7 @@ QPushButton* OptionDialog::CreateOkButton() {
   auto* ok = WithControlId(new DialogButton(QStringLiteral("OK"), this), m_plan.okId);
   ok->setObjectName(QStringLiteral("okButton"));
   ok->setAccessibleName(ok->text());
-  ok->setMinimumWidth(DialogGrid(*this).Width(DialogGrid::kButtonWidth));
+  ok->setMinimumWidth(DialogGrid(*this).WholeWidth(DialogGrid::kButtonWidth));
   ok->setDefault(true);
   connect(ok, &QPushButton::clicked, this, &QDialog::accept);
   return ok;

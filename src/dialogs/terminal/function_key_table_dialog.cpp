@@ -14,7 +14,6 @@
 #include "ui/controls.h"
 #include "ui/paste_field.h"
 #include "ui/placement.h"
-#include "ui/whole_pixels.h"
 
 namespace quarn {
 namespace {
@@ -112,7 +111,7 @@ CSetMem::CSetMem(QWidget* owner, const FunctionKeyTableContext& context)
 
 void CSetMem::CreateRows(QBoxLayout& column) {
   const DialogGrid grid(*this);
-  const QSize keySize(grid.Width(kKeyWidth), grid.Height(DialogGrid::kRowHeight));
+  const QSize keySize(grid.WholeWidth(kKeyWidth), grid.WholeHeight(DialogGrid::kRowHeight));
   const auto pasted = [this](QClipboard::Mode mode) { return Pasted(mode); };
   auto* validator = new StoredCommandValidator(this);
   for (int index = 0; index < kStoredCommandCount; ++index) {
@@ -122,7 +121,7 @@ void CSetMem::CreateRows(QBoxLayout& column) {
     QLineEdit* field = CreateField(this, pasted, index, kRows[i].fieldId);
     KeepReadable(*field, palette());
     field->setValidator(validator);
-    field->setFixedWidth(WholePixels(grid.Width(kTextFieldWidth), devicePixelRatioF()));
+    field->setFixedWidth(grid.WholeWidth(kTextFieldWidth));
     field->setMinimumHeight(keySize.height());
     auto* row = new QHBoxLayout;
     row->setSpacing(grid.Width(DialogGrid::kGap));
@@ -136,8 +135,8 @@ void CSetMem::CreateRows(QBoxLayout& column) {
 
 void CSetMem::CreateButtons(QBoxLayout& column) {
   const DialogGrid grid(*this);
-  const QSize size(grid.Width(DialogGrid::kButtonWidth - DialogGrid::kGap),
-                   grid.Height(DialogGrid::kRowHeight));
+  const QSize size(grid.WholeWidth(DialogGrid::kButtonWidth - DialogGrid::kGap),
+                   grid.WholeHeight(DialogGrid::kRowHeight));
   auto* row = new QHBoxLayout;
   row->setSpacing(grid.Width(DialogGrid::kGap));
   const auto add = [&](const char* text, int controlId, void (CSetMem::*pressed)()) {
