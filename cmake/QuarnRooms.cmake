@@ -84,8 +84,8 @@ function(quarn_test NAME)
   quarn_test_run(${NAME} ${NAME} ${_options})
 endfunction()
 
-# quarn_test_run(NAME PROGRAM LABELS ... [FILTER f] [ENVIRONMENT ...]) registers another run of a program of
-# quarn_test.
+# quarn_test_run(NAME PROGRAM LABELS ... [FILTER f] [ENVIRONMENT ...] [EMULATOR ...]) registers another run of a program
+# of quarn_test. EMULATOR: what starts a program for another system.
 function(quarn_test_run NAME PROGRAM)
   cmake_parse_arguments(T "WIDGETS;SERIAL" "TIMEOUT;SHARDS;COST;FILTER" "LABELS;ENVIRONMENT;EMULATOR" ${ARGN})
   if(NOT T_TIMEOUT)

@@ -69,8 +69,8 @@ TEST_F(StartUpTest, ARefusedScalingIsToldAfterTheSplash) {
     EXPECT_EQ(Start(), StartUpResult::DisplayRefused);
     EXPECT_EQ(Happened(),
               (QStringList{"lock", "splash", "dpi", QStringLiteral("how %1").arg(ScalingPercent(dpi)),
-                           "error/: Error//Windows display scaling Settings/Scaling must be 100, 125, "
-                           "150 or 175(%)."}))
+                           ("error/: Error//Windows display scaling Settings/Scaling must be 100, 125, "
+                            "150 or 175(%).")}))
         << dpi;
   }
   EXPECT_FALSE(QFile::exists(program.workingSettingsFile));

@@ -104,6 +104,10 @@ class WholeControls : public ::testing::Test {
       column->addLayout(row);
     }
   }
+  void SetUp() override {
+    const double asked = qEnvironmentVariable("QT_SCALE_FACTOR", QStringLiteral("1")).toDouble();
+    ASSERT_EQ(window.devicePixelRatioF(), asked) << "the scaling has not come through";
+  }
   template <typename Control>
   void Add(QHBoxLayout& row, int height) {
     auto* control = new Control(&window);
