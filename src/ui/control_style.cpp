@@ -60,6 +60,12 @@ class VisibleOutlines final : public QProxyStyle {
 
   void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
                    const QWidget* widget) const override {
+    const auto* item = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
+    if (element == CE_MenuItem && item != nullptr && item->menuItemType == QStyleOptionMenuItem::Separator &&
+        IsDark(option->palette.color(QPalette::Window))) {
+      DrawSeparator(*option, *painter);
+      return;
+    }
     QProxyStyle::drawControl(element, option, painter, widget);
     if (element == CE_PushButton) DrawFocusInside(*option, *painter, 3);
   }
@@ -105,6 +111,14 @@ class VisibleOutlines final : public QProxyStyle {
   static void DrawVisible(Option option, const Draw& draw) {
     option.palette = WithVisibleBorders(option.palette);
     draw(&option);
+  }
+
+  /// Fusion draws a shadow, which cannot be seen on a dark menu.
+  static void DrawSeparator(const QStyleOption& option, QPainter& painter) {
+    constexpr int kFromEdge = 5;
+    const QRect& room = option.rect;
+    const QRect line(room.left() + kFromEdge, room.center().y(), room.width() - 2 * kFromEdge, 1);
+    painter.fillRect(line, WithVisibleBorders(option.palette).color(QPalette::Window).darker(kBorderDarker));
   }
 
   void DrawFocus(const QStyleOption& option, QPainter& painter) const {

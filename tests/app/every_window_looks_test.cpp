@@ -226,13 +226,19 @@ TEST_P(EveryWindowsLooks, ReadWellOnADarkDesktop) {
   Visit([](QWidget& shown) { ExpectReadable(shown, "dark"); });
 }
 
-/// Menus lie on windows of nearly the same colour.
-void ExpectVisibleEdge(const QMenu& menu, const QImage& picture) {
+/// Menus lie on windows of nearly the same colour, and lines divide them.
+void ExpectVisibleLines(const QMenu& menu, const QImage& picture) {
   const QColor window = menu.palette().color(QPalette::Window);
   for (const QPoint at :
        {QPoint(0, picture.height() / 2), QPoint(picture.width() - 1, picture.height() / 2),
         QPoint(picture.width() / 2, 0), QPoint(picture.width() / 2, picture.height() - 1)}) {
     EXPECT_GE(Contrast(picture.pixel(at), window.rgb()), kVisible) << at.x() << ", " << at.y();
+  }
+  const QTransform toPixels = QTransform::fromScale(picture.devicePixelRatio(), picture.devicePixelRatio());
+  for (QAction* each : menu.actions()) {
+    if (!each->isSeparator()) continue;
+    const QRect room = menu.actionGeometry(each).adjusted(10, 0, -10, 0);
+    EXPECT_GE(ContrastIn(picture, toPixels.mapRect(room)), kVisible) << "separator at " << room.y();
   }
 }
 
@@ -265,7 +271,7 @@ TEST_P(EveryWindowsLooks, ShowTheBordersOfControlsOnADarkDesktop) {
     QApplication::processEvents();
     const QImage picture = shown.grab().toImage();
     const double ratio = picture.devicePixelRatio();
-    if (const auto* menu = qobject_cast<const QMenu*>(&shown)) ExpectVisibleEdge(*menu, picture);
+    if (const auto* menu = qobject_cast<const QMenu*>(&shown)) ExpectVisibleLines(*menu, picture);
     for (const QWidget* each : shown.findChildren<QWidget*>()) {
       if (!HasBorder(*each) || !each->isVisible() || each->window() != &shown) continue;
       if (each->visibleRegion().isEmpty()) continue;
