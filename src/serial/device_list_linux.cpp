@@ -13,6 +13,7 @@
 #include <tuple>
 #include <utility>
 
+#include "serial/lasting_names_linux.h"
 #include "serial/udev_objects_linux.h"
 
 namespace quarn {
@@ -47,9 +48,8 @@ std::string ProductOf(udev_device* device) {
   return product != nullptr ? product : "";
 }
 
-void FindLastingNames(udev_device* device, const std::string& dev, SerialDevice& found) {
-  // Separated by blanks; a blank within a name is written \x20.
-  const char* links = udev_device_get_property_value(device, "DEVLINKS");
+/// `links` is udev's list: separated by blanks; a blank within a name is written \x20.
+void TakeLastingNames(const char* links, const std::string& dev, SerialDevice& found) {
   std::istringstream words(links != nullptr ? links : "");
   for (std::string link; words >> link;) {
     if (link.starts_with(dev + "/serial/by-id/")) {
@@ -89,11 +89,17 @@ std::string SocketOf(udev_device* device) {
   return port != nullptr ? path + ':' + port : path;
 }
 
-DeviceIdentity IdentityOf(udev_device* device, const SerialDevice& found) {
-  return {found.idNames.empty() ? std::string() : found.idNames.front(),
-          found.pathNames.empty() ? found.socket : found.pathNames.front(),
-          PropertyOf(device, "ID_VENDOR_ID", "idVendor"), PropertyOf(device, "ID_MODEL_ID", "idProduct"),
-          PropertyOf(device, "ID_SERIAL_SHORT", "serial")};
+/// All but the lasting names.
+SerialDevice DescriptionOf(udev_device* device) {
+  SerialDevice found;
+  found.node = udev_device_get_devnode(device);
+  found.number = udev_device_get_devnum(device);
+  found.socket = SocketOf(device);
+  found.identity.vendor = PropertyOf(device, "ID_VENDOR_ID", "idVendor");
+  found.identity.model = PropertyOf(device, "ID_MODEL_ID", "idProduct");
+  found.identity.serial = PropertyOf(device, "ID_SERIAL_SHORT", "serial");
+  found.product = ProductOf(device);
+  return found;
 }
 
 /// The file with udev's data about a device, for example "c188:0".
@@ -137,26 +143,31 @@ std::optional<DeviceList> ListSerialDevices(const SystemRoots& roots) {
   // Without the udev service no device is ever marked as processed, so there is nothing to wait for.
   const bool serviceRuns = ::access((roots.udev + "/control").c_str(), F_OK) == 0;
   DeviceList list;
+  std::vector<NamelessDevice> nameless;
   udev_list_entry* entry = nullptr;
   udev_list_entry_foreach(entry, udev_enumerate_get_list_entry(enumerate.get())) {
     const UdevDevice device(udev_device_new_from_syspath(context.get(), udev_list_entry_get_name(entry)));
     if (!device || !IsSerialLine(device.get())) {
       continue;
     }
-    const dev_t number = udev_device_get_devnum(device.get());
     if (serviceRuns && udev_device_get_is_initialized(device.get()) == 0) {
       // Its permanent names do not exist yet; a link made now would use a weaker name permanently.
-      list.pending.push_back({roots.udev + "/data", RecordNameOf(number)});
+      list.pending.push_back({roots.udev + "/data", RecordNameOf(udev_device_get_devnum(device.get()))});
       continue;
     }
-    SerialDevice found;
-    found.node = udev_device_get_devnode(device.get());
-    found.number = number;
-    FindLastingNames(device.get(), roots.dev, found);
-    found.socket = SocketOf(device.get());
-    found.identity = IdentityOf(device.get(), found);
-    found.product = ProductOf(device.get());
+    SerialDevice found = DescriptionOf(device.get());
+    const char* links = udev_device_get_property_value(device.get(), "DEVLINKS");
+    if (links == nullptr && !serviceRuns) {
+      nameless.push_back(Nameless(std::move(found), device.get()));
+      continue;
+    }
+    TakeLastingNames(links, roots.dev, found);
     list.devices.push_back(std::move(found));
+  }
+  AddWithNamesFromFolders(std::move(nameless), roots, list);
+  for (SerialDevice& device : list.devices) {
+    device.identity.name = device.idNames.empty() ? std::string() : device.idNames.front();
+    device.identity.path = device.pathNames.empty() ? device.socket : device.pathNames.front();
   }
   std::sort(list.devices.begin(), list.devices.end(), [](const SerialDevice& a, const SerialDevice& b) {
     return SortKeyOf(a.node) < SortKeyOf(b.node);

@@ -47,7 +47,8 @@ std::optional<QList<Port>> LinuxPortSource::Ports() {
   }
   // Anything not watched during the listing is listed again; the set can only grow.
   constexpr int kRounds = 3;
-  for (int round = 0; round < kRounds && (changed || m_last == Listing::None || round > 0); ++round) {
+  const bool isDue = changed || m_awaitsNames || m_last == Listing::None;
+  for (int round = 0; round < kRounds && (isDue || round > 0); ++round) {
     WatchPlan plan;
     m_last = List(plan);
     if (m_last == Listing::None || !m_watch.Follow(plan)) {
@@ -61,7 +62,7 @@ std::optional<QList<Port>> LinuxPortSource::Ports() {
 }
 
 std::optional<std::uint64_t> LinuxPortSource::Revision() {
-  if (m_last == Listing::None || !m_watch.TellsByItself()) {
+  if (m_last == Listing::None || m_awaitsNames || !m_watch.TellsByItself()) {
     return std::nullopt;
   }
   if (m_notifiers.empty()) {
@@ -89,6 +90,8 @@ LinuxPortSource::Listing LinuxPortSource::List(WatchPlan& plan) {
   if (!devices) {
     return Listing::None;
   }
+  m_awaitsNames = devices->awaitsNames;
+  for (const std::string& folder : devices->nameFolders) plan.folders[folder].anyName = true;
   std::vector<FolderEntry> dependencies = devices->pending;
   std::error_code problem;
   const std::optional<std::vector<PortLink>> links =

@@ -62,6 +62,7 @@ class LinuxPortSource final : public PortSource {
   std::uint64_t m_listings = 0;
   std::uint64_t m_stirs = 0;     ///< how often the watch has reported a change
   bool m_changePending = false;  ///< it has, since the last query
+  bool m_awaitsNames = false;    ///< a device is listed later, whether anything changes or not
   std::vector<std::unique_ptr<QSocketNotifier>> m_notifiers;
 };
 

@@ -52,10 +52,12 @@ class DeviceTree {
   }
 
   /// A USB adapter with its port ttyUSB<n>, which no device has been yet, as its manufacturer would describe
-  /// it.
-  std::string AddAdapter(int n, const std::string& lines = {}, const std::string& product = "Adapter\\n") {
+  /// it. `lines` are further lines of the port's description, `attributes` of the adapter's.
+  std::string AddAdapter(int n, const std::string& lines = {}, const std::string& product = "Adapter\\n",
+                         const std::string& attributes = {}) {
     const std::string usb = "/devices/pci0000:00/usb1/1-" + std::to_string(++m_adapters);
-    Add("P: " + usb + "\nE: SUBSYSTEM=usb\nE: DEVTYPE=usb_device\nA: product=" + product + "\n\n");
+    Add("P: " + usb + "\nE: SUBSYSTEM=usb\nE: DEVTYPE=usb_device\nA: product=" + product + "\n" + attributes +
+        "\n");
     const std::string serial = usb + "/1-1:1.0/port" + std::to_string(m_adapters);
     Add("P: " + serial + "\nE: SUBSYSTEM=usb-serial\n\n");
     return AddTty(serial, "ttyUSB" + std::to_string(n), 188, n, lines);
@@ -70,15 +72,25 @@ class DeviceTree {
 
   /// What udev would make: a name in /dev/serial that leads to the node.
   void LinkSerial(const std::string& kind, const std::string& name, const std::string& node) {
-    const std::string folder = m_root + "/dev/serial/" + kind;
-    EXPECT_EQ(g_mkdir_with_parents(folder.c_str(), 0755), 0);
-    ::unlink((folder + '/' + name).c_str());
-    EXPECT_EQ(::symlink(("../../" + node).c_str(), (folder + '/' + name).c_str()), 0);
+    LinkTo("serial/" + kind + '/' + name, "../../" + node);
+  }
+  /// A symbolic link with this text in /dev or in a folder there.
+  void LinkTo(const std::string& name, const std::string& text) {
+    const std::string path = m_root + "/dev/" + name;
+    EXPECT_EQ(g_mkdir_with_parents(path.substr(0, path.rfind('/')).c_str(), 0755), 0);
+    ::unlink(path.c_str());
+    EXPECT_EQ(::symlink(text.c_str(), path.c_str()), 0);
   }
 
   /// Another device of the same kind has taken the place of this one.
   void SetProperty(const std::string& device, const char* property, const char* value) {
     umockdev_testbed_set_property(m_bed, device.c_str(), property, value);
+  }
+
+  /// Of the adapter that was added last.
+  void SetAdapterAttribute(const char* attribute, const char* value) {
+    const std::string usb = "/sys/devices/pci0000:00/usb1/1-" + std::to_string(m_adapters);
+    umockdev_testbed_set_attribute(m_bed, usb.c_str(), attribute, value);
   }
 
   void UnlinkSerial(const std::string& kind, const std::string& name) {

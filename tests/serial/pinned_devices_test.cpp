@@ -18,15 +18,18 @@ struct Adapter {
 const Adapter kCheap{"0001"};
 const Adapter kNameless{""};
 
-class PinnedDevices : public testing::Test {
+/// Where the program learns what a device is called.
+enum class Names {
+  InUdevsData,
+  InFolders,  ///< in a sandbox: /dev/serial and the adapter's own attributes
+};
+
+class PinnedDevices : public testing::TestWithParam<Names> {
  protected:
   /// Plugs the adapter into the socket, where it is ttyUSB<n>. It takes the name in by-id.
   void Plug(const Adapter& adapter, const std::string& socket, int n) {
     const std::string name = NameOf(adapter);
-    std::string lines = "E: DEVLINKS=/dev/serial/by-id/" + name + " /dev/serial/by-path/" + socket +
-                        "\nE: ID_VENDOR_ID=" + adapter.maker + "\nE: ID_MODEL_ID=6001\n";
-    if (!adapter.serial.empty()) lines += "E: ID_SERIAL_SHORT=" + adapter.serial + "\n";
-    m_plugged[socket] = {adapter, n, m_tree.AddAdapter(n, lines)};
+    m_plugged[socket] = {adapter, n, AddAdapter(adapter, name, socket, n)};
     m_tree.LinkSerial("by-path", socket, "ttyUSB" + std::to_string(n));
     GiveName(name, socket);
   }
@@ -40,6 +43,27 @@ class PinnedDevices : public testing::Test {
     m_tree.UnlinkSerial("by-id", name);
     for (const auto& [other, plugged] : m_plugged) {
       if (NameOf(plugged.adapter) == name) GiveName(name, other);
+    }
+  }
+  std::string AddAdapter(const Adapter& adapter, const std::string& name, const std::string& socket, int n) {
+    if (GetParam() == Names::InFolders) {
+      return m_tree.AddAdapter(n, {}, "Adapter\\n",
+                               "A: idVendor=" + adapter.maker +
+                                   "\\n\nA: idProduct=6001\\n\nA: serial=" + adapter.serial + "\\n\n");
+    }
+    std::string lines = "E: DEVLINKS=/dev/serial/by-id/" + name + " /dev/serial/by-path/" + socket +
+                        "\nE: ID_VENDOR_ID=" + adapter.maker + "\nE: ID_MODEL_ID=6001\n";
+    if (!adapter.serial.empty()) lines += "E: ID_SERIAL_SHORT=" + adapter.serial + "\n";
+    return m_tree.AddAdapter(n, lines);
+  }
+  /// The adapter that was plugged in last has become another one.
+  void Exchange(const std::string& device, const char* serial, const char* maker = "0403") {
+    if (GetParam() == Names::InFolders) {
+      m_tree.SetAdapterAttribute("serial", serial);
+      m_tree.SetAdapterAttribute("idVendor", maker);
+    } else {
+      m_tree.SetProperty(device, "ID_SERIAL_SHORT", serial);
+      m_tree.SetProperty(device, "ID_VENDOR_ID", maker);
     }
   }
   void GiveName(const std::string& name, const std::string& socket) {
@@ -96,7 +120,7 @@ class PinnedDevices : public testing::Test {
   std::map<std::string, Plugged> m_plugged;
 };
 
-TEST_F(PinnedDevices, AnAdapterWithANumberOfItsOwnKeepsItsPortInAnotherSocket) {
+TEST_P(PinnedDevices, AnAdapterWithANumberOfItsOwnKeepsItsPortInAnotherSocket) {
   Plug({"A1"}, "left", 0);
   EXPECT_EQ(Ports(), QStringList{"COM1 ttyUSB0"});
   EXPECT_EQ(Target("COM1"), IdOf({"A1"}));
@@ -111,7 +135,7 @@ TEST_F(PinnedDevices, AnAdapterWithANumberOfItsOwnKeepsItsPortInAnotherSocket) {
   EXPECT_EQ(Ports(), (QStringList{"COM1 ttyUSB1", "COM2 ttyUSB4"}));
 }
 
-TEST_F(PinnedDevices, TwoOfOneSerialNumberThatAreThereTogetherArePinnedByTheirSockets) {
+TEST_P(PinnedDevices, TwoOfOneSerialNumberThatAreThereTogetherArePinnedByTheirSockets) {
   Plug(kCheap, "left", 0);
   Plug(kCheap, "right", 1);
   EXPECT_EQ(Ports(), (QStringList{"COM1 ttyUSB0", "COM2 ttyUSB1"}));
@@ -124,7 +148,7 @@ TEST_F(PinnedDevices, TwoOfOneSerialNumberThatAreThereTogetherArePinnedByTheirSo
   EXPECT_EQ(Ports(), QStringList{"COM1 ttyUSB5"});
 }
 
-TEST_F(PinnedDevices, TheSecondOfOneSerialNumberNeverBecomesTheFirst) {
+TEST_P(PinnedDevices, TheSecondOfOneSerialNumberNeverBecomesTheFirst) {
   Plug(kCheap, "left", 0);
   EXPECT_EQ(Ports(), QStringList{"COM1 ttyUSB0"});
   EXPECT_EQ(Target("COM1"), IdOf(kCheap)) << "nobody else has claimed the name so far";
@@ -137,7 +161,7 @@ TEST_F(PinnedDevices, TheSecondOfOneSerialNumberNeverBecomesTheFirst) {
   EXPECT_EQ(Ports(), (QStringList{"COM1 ttyUSB2", "COM2 ttyUSB1"}));
 }
 
-TEST_F(PinnedDevices, ANameThatWasSharedIsNoLastingOneForAThird) {
+TEST_P(PinnedDevices, ANameThatWasSharedIsNoLastingOneForAThird) {
   Plug(kCheap, "left", 0);
   Plug(kCheap, "right", 1);
   Ports();
@@ -148,7 +172,7 @@ TEST_F(PinnedDevices, ANameThatWasSharedIsNoLastingOneForAThird) {
   EXPECT_EQ(Target("COM3"), PathOf("middle"));
 }
 
-TEST_F(PinnedDevices, AFolderFromBeforeKeepsBothOfItsNumbers) {
+TEST_P(PinnedDevices, AFolderFromBeforeKeepsBothOfItsNumbers) {
   OldFolder({{3, IdOf(kCheap)}, {4, PathOf("right")}});
   Plug(kCheap, "right", 1);
   Plug(kCheap, "left", 0);  // the name is its
@@ -160,7 +184,7 @@ TEST_F(PinnedDevices, AFolderFromBeforeKeepsBothOfItsNumbers) {
   EXPECT_EQ(Ports(), (QStringList{"COM3 ttyUSB2", "COM4 ttyUSB1"}));
 }
 
-TEST_F(PinnedDevices, OfTwoOldLinksToOneDeviceTheFirmerIsListed) {
+TEST_P(PinnedDevices, OfTwoOldLinksToOneDeviceTheFirmerIsListed) {
   OldFolder({{3, IdOf(kCheap)}, {4, PathOf("right")}});
   Plug(kCheap, "right", 1);
   EXPECT_EQ(Ports(), QStringList{"COM4 ttyUSB1"});
@@ -170,14 +194,14 @@ TEST_F(PinnedDevices, OfTwoOldLinksToOneDeviceTheFirmerIsListed) {
   EXPECT_EQ(Ports(), QStringList{"COM1 ttyUSB0"});
 }
 
-TEST_F(PinnedDevices, AnOldLinkThatMayMeanEitherMeansNeither) {
+TEST_P(PinnedDevices, AnOldLinkThatMayMeanEitherMeansNeither) {
   OldFolder({{3, IdOf(kCheap)}});
   Plug(kCheap, "left", 0);
   Plug(kCheap, "right", 1);
   EXPECT_EQ(Ports(), (QStringList{"COM1 ttyUSB0", "COM2 ttyUSB1"}));
 }
 
-TEST_F(PinnedDevices, AnOldLinkStandsForTheDeviceThatItIsFirstSeenWith) {
+TEST_P(PinnedDevices, AnOldLinkStandsForTheDeviceThatItIsFirstSeenWith) {
   OldFolder({{7, IdOf(kNameless)}});
   Plug(kNameless, "left", 0);
   EXPECT_EQ(Ports(), QStringList{"COM7 ttyUSB0"});
@@ -190,7 +214,7 @@ TEST_F(PinnedDevices, AnOldLinkStandsForTheDeviceThatItIsFirstSeenWith) {
   EXPECT_EQ(Ports(), (QStringList{"COM1 ttyUSB2", "COM7 ttyUSB1"}));
 }
 
-TEST_F(PinnedDevices, WithoutASerialNumberTheSocketIsTheName) {
+TEST_P(PinnedDevices, WithoutASerialNumberTheSocketIsTheName) {
   Plug(kNameless, "left", 0);
   EXPECT_EQ(Ports(), QStringList{"COM1 ttyUSB0"});
   EXPECT_EQ(Target("COM1"), PathOf("left"));
@@ -223,7 +247,7 @@ TEST(PinJudgement, WithoutUdevTheSocketTellsTwoOfOneMakeApart) {
   EXPECT_EQ(LinkMadeFor(swapped[0], links), nullptr);
 }
 
-TEST_F(PinnedDevices, AnotherMakeInTheSocketIsAnotherPort) {
+TEST_P(PinnedDevices, AnotherMakeInTheSocketIsAnotherPort) {
   Plug(kNameless, "left", 0);
   Ports();
   Pull("left");
@@ -240,32 +264,33 @@ TEST_F(PinnedDevices, AnotherMakeInTheSocketIsAnotherPort) {
   EXPECT_EQ(Ports(), QStringList{"COM2 ttyUSB2"});
 }
 
-TEST_F(PinnedDevices, AnotherSerialNumberUnderTheNameIsAnotherPort) {
+TEST_P(PinnedDevices, AnotherSerialNumberUnderTheNameIsAnotherPort) {
   Plug({"A1"}, "left", 0);
   Ports();
-  m_tree.SetProperty(m_plugged.at("left").device, "ID_SERIAL_SHORT", "A2");
+  Exchange(m_plugged.at("left").device, "A2");
   EXPECT_EQ(Ports(), QStringList{"COM2 ttyUSB0"});
 }
 
-TEST_F(PinnedDevices, TheProgramsOwnLinkToANodeStandsForItsDevice) {
-  const std::string device =
-      m_tree.AddAdapter(0, "E: ID_VENDOR_ID=0403\nE: ID_MODEL_ID=6001\nE: ID_SERIAL_SHORT=A1\n");
+TEST_P(PinnedDevices, TheProgramsOwnLinkToANodeStandsForItsDevice) {
+  Plug({"A1"}, "left", 0);
+  m_tree.SetProperty(m_plugged.at("left").device, "DEVLINKS", "");
+  m_tree.UnlinkSerial("by-id", NameOf({"A1"}));
+  m_tree.UnlinkSerial("by-path", "left");
   EXPECT_EQ(Ports(), QStringList{"COM1 ttyUSB0"});
   EXPECT_EQ(Target("COM1"), "/dev/ttyUSB0");
-  m_tree.SetProperty(device, "ID_SERIAL_SHORT", "A2");
+  Exchange(m_plugged.at("left").device, "A2");
   EXPECT_EQ(Ports(), QStringList{"COM2 ttyUSB0"});
 }
 
-TEST_F(PinnedDevices, APersonsLinkToANodeIsTakenAsItIs) {
+TEST_P(PinnedDevices, APersonsLinkToANodeIsTakenAsItIs) {
   OldFolder({{7, "/dev/ttyUSB0"}});
   Plug({"A1"}, "left", 0);
   EXPECT_EQ(Ports(), QStringList{"COM7 ttyUSB0"});
-  m_tree.SetProperty(m_plugged.at("left").device, "ID_SERIAL_SHORT", "A2");
-  m_tree.SetProperty(m_plugged.at("left").device, "ID_VENDOR_ID", "1a86");
+  Exchange(m_plugged.at("left").device, "A2", "1a86");
   EXPECT_EQ(Ports(), QStringList{"COM7 ttyUSB0"});
 }
 
-TEST_F(PinnedDevices, ALinkThatIsRenamedKeepsItsDevice) {
+TEST_P(PinnedDevices, ALinkThatIsRenamedKeepsItsDevice) {
   Plug(kCheap, "left", 0);
   Ports();
   Rename("COM1", "COM4");
@@ -274,7 +299,7 @@ TEST_F(PinnedDevices, ALinkThatIsRenamedKeepsItsDevice) {
   EXPECT_EQ(Ports(), (QStringList{"COM1 ttyUSB1", "COM4 ttyUSB0"}));
 }
 
-TEST_F(PinnedDevices, ALinkThatIsDeletedForgetsItsDevice) {
+TEST_P(PinnedDevices, ALinkThatIsDeletedForgetsItsDevice) {
   Plug(kNameless, "left", 0);
   Ports();
   Pull("left");
@@ -285,26 +310,31 @@ TEST_F(PinnedDevices, ALinkThatIsDeletedForgetsItsDevice) {
   EXPECT_EQ(Ports(), QStringList{"COM5 ttyUSB1"});
 }
 
-TEST_F(PinnedDevices, TwoLinksOfOneTextListTheDeviceOnce) {
+TEST_P(PinnedDevices, TwoLinksOfOneTextListTheDeviceOnce) {
   Plug({"A1"}, "left", 0);
   Ports();
   m_scratch.Link("ports/COM5", IdOf({"A1"}));
   EXPECT_EQ(Ports(), QStringList{"COM1 ttyUSB0"});
 }
 
-TEST_F(PinnedDevices, TheLinesOfOneAdapterMoveTogether) {
+TEST_P(PinnedDevices, TheLinesOfOneAdapterMoveTogether) {
   const auto plug = [&](const std::string& socket, int n) {
     const std::string usb = "/devices/pci0000:00/usb1/" + socket;
-    m_tree.Add("P: " + usb + "\nE: SUBSYSTEM=usb\nE: DEVTYPE=usb_device\nA: product=Two\\n\n\n");
+    m_tree.Add("P: " + usb +
+               "\nE: SUBSYSTEM=usb\nE: DEVTYPE=usb_device\nA: product=Two\\n\nA: idVendor=0403\\n\n"
+               "A: idProduct=6010\\n\nA: serial=T1\\n\n\n");
     std::vector<std::string> lines;
     for (int i = 0; i < 2; ++i) {
       const std::string id = "usb-0403_T1-if0" + std::to_string(i);
       const std::string place = socket + ":1." + std::to_string(i);
       const std::string node = "ttyUSB" + std::to_string(n + i);
-      lines.push_back(
-          m_tree.AddTty(usb + '/' + place, node, 188, n + i,
-                        "E: DEVLINKS=/dev/serial/by-id/" + id + " /dev/serial/by-path/" + place +
-                            "\nE: ID_VENDOR_ID=0403\nE: ID_MODEL_ID=6010\nE: ID_SERIAL_SHORT=T1\n"));
+      m_tree.Add("P: " + usb + '/' + place +
+                 "\nE: SUBSYSTEM=usb\nE: DEVTYPE=usb_interface\nA: bInterfaceNumber=0" + std::to_string(i) +
+                 "\\n\n\n");
+      const std::string data = "E: DEVLINKS=/dev/serial/by-id/" + id + " /dev/serial/by-path/" + place +
+                               "\nE: ID_VENDOR_ID=0403\nE: ID_MODEL_ID=6010\nE: ID_SERIAL_SHORT=T1\n";
+      lines.push_back(m_tree.AddTty(usb + '/' + place, node, 188, n + i,
+                                    GetParam() == Names::InUdevsData ? data : std::string()));
       m_tree.LinkSerial("by-id", id, node);
       m_tree.LinkSerial("by-path", place, node);
     }
@@ -320,7 +350,7 @@ TEST_F(PinnedDevices, TheLinesOfOneAdapterMoveTogether) {
   EXPECT_EQ(Ports(), (QStringList{"COM1 ttyUSB4", "COM2 ttyUSB5"}));
 }
 
-TEST_F(PinnedDevices, AnOpenAsksAgainWhoHasTheName) {
+TEST_P(PinnedDevices, AnOpenAsksAgainWhoHasTheName) {
   Plug(kCheap, "left", 0);
   Plug({"B2"}, "right", 1);
   Ports();
@@ -329,6 +359,11 @@ TEST_F(PinnedDevices, AnOpenAsksAgainWhoHasTheName) {
   GiveName(NameOf(kCheap), "right");
   EXPECT_EQ(ResolvePort(Folder(), QStringLiteral("COM1"), QuietRoots()), QString());
 }
+
+INSTANTIATE_TEST_SUITE_P(Of, PinnedDevices, testing::Values(Names::InUdevsData, Names::InFolders),
+                         [](const testing::TestParamInfo<Names>& names) {
+                           return std::string(names.param == Names::InFolders ? "Folders" : "UdevsData");
+                         });
 
 }  // namespace
 }  // namespace quarn
