@@ -262,9 +262,11 @@ class Account:
             return next((line.split("=", 1)[1].strip() for line in file if line.startswith(name + "=")), None)
 
     def start(self, program, *arguments, **more):
-        return subprocess.Popen([os.path.join(PROGRAMS, program), *arguments], env=self.environment,
-                                stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
-                                **AS_USER, **more)
+        return self.start_command([os.path.join(PROGRAMS, program), *arguments], **AS_USER, **more)
+
+    def start_command(self, command, **more):
+        return subprocess.Popen(command, env=self.environment, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                                stderr=subprocess.PIPE, **more)
 
     def run(self, program, *arguments):
         """Status, standard output, errors."""
@@ -276,6 +278,17 @@ class Account:
             process.communicate()
             raise Failed(f"{program} did not end in {LIMIT_S} s") from None
         return process.returncode, output, errors.decode(errors="replace")
+
+
+class SandboxAccount(Account):
+    """One whose programs run in a sandbox: they see the devices, but neither udev's data nor its messages."""
+
+    INSIDE = 'mount -t tmpfs tmpfs /run/udev && exec setpriv --reuid="$0" --regid="$0" --groups="$1" -- "${@:2}"'
+
+    def start(self, program, *arguments, **more):
+        return self.start_command(["unshare", "--mount", "--net", "--", "bash", "-c", self.INSIDE, str(USER),
+                                   str(AS_USER["extra_groups"][0]), os.path.join(PROGRAMS, program), *arguments],
+                                  cwd="/", **more)
 
 
 # --- The lines --------------------------------------------------------------------------------------------

@@ -1,16 +1,22 @@
 """A COM number stays with its adapter, whatever is pulled and plugged."""
 
+import contextlib
+import glob
 import os
+import signal
+import subprocess
 
 from adapters import DISK, Adapters, for_next_run, give_names, name_behind, only_first_left, port_of
-from bench import Account, acm, check, equal, gadget, settle, test, until
+from bench import Account, SandboxAccount, acm, check, equal, gadget, plug, read, settle, test, until
+
+# As src/serial/lasting_names_linux.cpp has it.
+NAMES_COME_WITHIN_MS = 3000
 
 
-@test("an adapter keeps its number: pulled, plugged in again, in another socket")
-def one_adapter():
+def one_adapter(account):
+    """Returns its number, and that of the second."""
     give_names()
     adapters = Adapters()
-    account = Account(DISK)
     port = port_of(account, adapters.node("first"))
     target = os.readlink(os.path.join(account.ports, port))
     check(target.startswith("/dev/serial/by-id/"), f"{port} is {target}")
@@ -28,17 +34,27 @@ def one_adapter():
     equal("who answers at the other number", name_behind(account, other), "second")
     adapters.plug("first", "QA0001", 2)
     equal("who answers at both", (name_behind(account, port), name_behind(account, other)), ("first", "second"))
-    for_next_run("one", account, (port, other))
     only_first_left(adapters)
+    return port, other
 
 
-def twins(first, second):
-    """Two adapters of one serial number; `first` is plugged in first."""
+@test("an adapter keeps its number: pulled, plugged in again, in another socket")
+def one_outside():
+    account = Account(DISK)
+    for_next_run("one", account, one_adapter(account))
+
+
+@test("an adapter keeps its number in a sandbox: pulled, plugged in again, in another socket")
+def one_in_sandbox():
+    one_adapter(SandboxAccount())
+
+
+def twins(first, second, account):
+    """Two adapters of one serial number; `first` is plugged in first. Returns their numbers."""
     give_names()
     adapters = Adapters()
     adapters.unplug("first")
     sockets = {first: 1, second: 2}
-    account = Account(DISK)
     adapters.plug(first, "TWIN", sockets[first])
     ports = {first: port_of(account, adapters.node(first))}
     adapters.plug(second, "TWIN", sockets[second])
@@ -68,18 +84,67 @@ def twins(first, second):
     for name in (first, second):
         adapters.plug(name, "TWIN", sockets[name])
     equal("who answers when both are where they were", answers(), (first, second))
-    for_next_run("twins " + first, account, (ports[first], ports[second]))
     only_first_left(adapters)
+    return ports[first], ports[second]
+
+
+def twins_outside(first, second):
+    account = Account(DISK)
+    for_next_run("twins " + first, account, twins(first, second, account))
 
 
 @test("two adapters with one serial number keep theirs, one way round")
 def twins_one_way():
-    twins("first", "second")
+    twins_outside("first", "second")
 
 
 @test("two adapters with one serial number keep theirs, the other way round")
 def twins_the_other_way():
-    twins("second", "first")
+    twins_outside("second", "first")
+
+
+@test("two adapters with one serial number keep theirs in a sandbox")
+def twins_in_sandbox():
+    twins("first", "second", SandboxAccount())
+
+
+def connected_ms(node):
+    """How long the adapter has been plugged in."""
+    place = os.path.realpath("/sys/class/tty/" + os.path.basename(node))
+    while not os.path.exists(place + "/idVendor"):
+        place = os.path.dirname(place)
+    return int(read(place + "/power/connected_duration"))
+
+
+@contextlib.contextmanager
+def udev_halted():
+    daemons = subprocess.run(["pidof", "systemd-udevd"], check=True, capture_output=True).stdout.split()
+    for pid in daemons:
+        os.kill(int(pid), signal.SIGSTOP)
+    try:
+        yield
+    finally:
+        for pid in daemons:
+            os.kill(int(pid), signal.SIGCONT)
+
+
+@test("in a sandbox a new adapter's names are awaited, but not for long")
+def awaited():
+    give_names()
+    adapters = Adapters()
+    account = SandboxAccount()
+    adapters.unplug("first")
+    with udev_halted():
+        plug("first", "QA0001", 1)
+        adapters.sockets["first"] = 1
+        node = until(lambda: adapters.node("first"), "the adapter")
+        until(lambda: node.encode() in account.run("quarn-send", "--list")[1], f"{node} in the list")
+        awaited_ms = connected_ms(node)
+        check(awaited_ms >= NAMES_COME_WITHIN_MS, f"listed without its names after {awaited_ms} ms")
+        equal("the targets", [os.readlink(each) for each in glob.glob(account.ports + "/COM*")
+                              if os.path.realpath(each) == node], [node])
+    settle()
+    only_first_left(adapters)
 
 
 @test("a number stays with a cdc_acm device that is pulled and plugged in again")
