@@ -6,7 +6,8 @@ cmake_dependent_option(QUARN_ONE_FILE "Build programs with Qt inside (needs Qt w
   "NOT WIN32" ON)
 
 if(QUARN_ONE_FILE AND WIN32)
-  target_link_options(quarn_compiler INTERFACE -static)
+  # The same program at any time.
+  target_link_options(quarn_compiler INTERFACE -static LINKER:--no-insert-timestamp)
 elseif(QUARN_ONE_FILE)
   # Libraries of the system must not find what is inside: they use other versions of the same libraries. Packed
   # relocations (glibc 2.36) take a thirtieth of the place in memory, where Qt has tens of thousands of them.

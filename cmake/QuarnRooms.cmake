@@ -1,3 +1,9 @@
+# quarn_resources(VARIABLE FILE) sets VARIABLE to the source with the files that FILE (.qrc) lists. This format has no
+# times of files, so the same files give the same program.
+macro(quarn_resources VARIABLE FILE)
+  qt_add_resources(${VARIABLE} ${FILE} OPTIONS --format-version 1)
+endmacro()
+
 # quarn_room(NAME SOURCES... [LINK targets...]) makes one room of the program: a static library that
 # links only the named rooms; cmake/rooms.txt says what it may include. The headers beside its sources belong to it.
 # Each must compile alone: the first thing that a source includes is its own header, and target

@@ -31,9 +31,19 @@ for_each() {
 
 # list_for_installer FOLDER: lists every installed file, the programs among them, and the folders, inner ones first.
 list_for_installer() {
+  local LC_ALL=C
   (cd "$1" && find . -type f -printf '%P\n' | sort | for_each EachFile)
   (cd "$1" && find . -maxdepth 1 -type f \( -name '*.exe' -o -name '*.com' \) -printf '%P\n' | sort | for_each EachProgram)
-  (cd "$1" && find . -mindepth 1 -depth -type d -printf '%P\n' | for_each EachFolder)
+  (cd "$1" && find . -mindepth 1 -type d -printf '%P\n' | sort --reverse | for_each EachFolder)
+}
+
+# kib_of FOLDER: what its files hold, whatever they take on this disk.
+kib_of() { find "$1" -type f -printf '%s\n' | awk '{ sum += int(($1 + 1023) / 1024) } END { print sum }'; }
+
+# make_repeatable FOLDER: packing it gives the same bytes for the same files. Their time is that of the release.
+make_repeatable() {
+  chmod -R u=rwX,go=rX "$1"
+  find "$1" -exec touch --no-dereference "--date=@$SOURCE_DATE_EPOCH" {} +
 }
 
 # Sets $ZIP and $SETUP.
@@ -45,14 +55,19 @@ pack_windows() {
   ZIP=$TOP/build/windows/quarn-$version-windows.zip
   SETUP=$TOP/build/windows/quarn-$version-setup.exe
   rm -rf "$PACKAGE" "$ZIP" "$SETUP"
+  # Also for what strips the programs, which writes the time into them.
+  SOURCE_DATE_EPOCH=$(date --utc --date="$(identity windows BUILD_DATE)" +%s)
+  export SOURCE_DATE_EPOCH
   cmake --install build/windows --prefix "$PACKAGE/$name" --strip >build/windows/install.log
   check_windows_files "$PACKAGE/$name"
   add_licences windows "$PACKAGE/$name/licences"
   with_windows_line_ends "$PACKAGE/$name"/licences/*
-  (cd "$PACKAGE" && zip -q -9 -X -r "$ZIP" "$name")
+  make_repeatable "$PACKAGE/$name"
+  # An archive has times of day, without a zone.
+  (cd "$PACKAGE" && find "$name" | LC_ALL=C sort | TZ=UTC zip -q -9 -X -@ "$ZIP")
   list_for_installer "$PACKAGE/$name" >"$PACKAGE/files.nsh"
   makensis -V2 -WX "-DIDENTITY=$TOP/build/windows/generated/identity.nsh" "-DFILES=$PACKAGE/$name" \
-    "-DLISTS=$PACKAGE/files.nsh" "-DSIZE=$(du -sk "$PACKAGE/$name" | cut -f1)" "-DOUTPUT=$SETUP" \
+    "-DLISTS=$PACKAGE/files.nsh" "-DSIZE=$(kib_of "$PACKAGE/$name")" "-DOUTPUT=$SETUP" \
     packaging/windows/quarn.nsi >"$PACKAGE/makensis.log" || {
     cat "$PACKAGE/makensis.log"
     fail "the installer cannot be made"
