@@ -11,6 +11,8 @@
 Unicode true
 Target amd64-unicode
 SetCompressor /SOLID lzma
+; The pictures of the installer come from the checkout, whose times mean nothing.
+SetDateSave off
 
 !include "${IDENTITY}"
 !include "${LISTS}"
@@ -170,6 +172,7 @@ Section "Install"
   !insertmacro Hold EachProgram
   ClearErrors
   SetOutPath "$INSTDIR"
+  SetDateSave on
   File /r /x *.exe /x *.com "${FILES}/*"
   !insertmacro LetGo
   File "${FILES}/*.exe"

@@ -9,9 +9,6 @@ import subprocess
 from adapters import DISK, Adapters, for_next_run, give_names, name_behind, only_first_left, port_of
 from bench import Account, SandboxAccount, acm, check, equal, gadget, plug, read, settle, test, until
 
-# As src/serial/lasting_names_linux.cpp has it.
-NAMES_COME_WITHIN_MS = 3000
-
 
 def one_adapter(account):
     """Returns its number, and that of the second."""
@@ -128,8 +125,8 @@ def udev_halted():
             os.kill(int(pid), signal.SIGCONT)
 
 
-@test("in a sandbox a new adapter's names are awaited, but not for long")
-def awaited():
+@test("in a sandbox an adapter gets a number also if its names never come")
+def without_names():
     give_names()
     adapters = Adapters()
     account = SandboxAccount()
@@ -138,9 +135,8 @@ def awaited():
         plug("first", "QA0001", 1)
         adapters.sockets["first"] = 1
         node = until(lambda: adapters.node("first"), "the adapter")
+        check(connected_ms(node) > 0, "the system does not say since when the adapter has been plugged in")
         until(lambda: node.encode() in account.run("quarn-send", "--list")[1], f"{node} in the list")
-        awaited_ms = connected_ms(node)
-        check(awaited_ms >= NAMES_COME_WITHIN_MS, f"listed without its names after {awaited_ms} ms")
         equal("the targets", [os.readlink(each) for each in glob.glob(account.ports + "/COM*")
                               if os.path.realpath(each) == node], [node])
     settle()
