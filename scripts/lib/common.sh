@@ -85,8 +85,9 @@ need() {
           libxcb-xfixes0-dev libxcb-xinput-dev libxcb-xkb-dev libxkbcommon-x11-dev libatspi2.0-dev)
         ;;
       # CPack asks file(1) which files are programs.
-      package) packages+=(dpkg-dev file lintian appstream appstream-util desktop-file-utils) ;;
-      release) packages+=(git gnupg python3 python3-yaml binutils dpkg-dev) ;;
+      package) packages+=(dpkg-dev file lintian) ;;
+      metadata) packages+=(appstream appstream-util desktop-file-utils) ;;
+      release) packages+=(git gnupg python3 python3-yaml binutils dpkg-dev flatpak-builder) ;;
       clean-root) packages+=(mmdebstrap) ;;
       lint) packages+=(clang-format clang-tidy) ;;
       fuzz) packages+=(clang) ;;

@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# The parts of a release beside the packages. Source it after common.sh.
+# The parts of a release beside the packages. Source it after common.sh and metadata.sh.
 #
 # Environment variable:
 #   QUARN_SIGNING_KEY=KEY   the key of gpg that signs the list of checksums; without it nothing is signed
@@ -66,7 +66,19 @@ sign() {
   echo "signed by $QUARN_SIGNING_KEY"
 }
 
-check_release() { PYTHONDONTWRITEBYTECODE=1 python3 scripts/lib/check_release.py "$GENERATED" "$1"; }
+# check_release FOLDER: prints what does not fit.
+check_release() {
+  local manifest objections
+  PYTHONDONTWRITEBYTECODE=1 python3 scripts/lib/check_release.py "$GENERATED" "$1" || return
+  for manifest in "$1"/manifests/flatpak/*.yaml; do
+    [[ -f $manifest ]] || continue
+    objections=$(manifest_objections "$manifest")
+    [[ -z $objections ]] || {
+      echo "$objections"
+      return 1
+    }
+  done
+}
 
 # write_checksums FOLDER: of all other files, in the same order in every locale.
 write_checksums() {
