@@ -107,8 +107,12 @@ def twins_in_sandbox():
 
 def connected_ms(node):
     """How long the adapter has been plugged in."""
-    place = os.path.realpath("/sys/class/tty/" + os.path.basename(node))
+    device = "/sys/class/tty/" + os.path.basename(node)
+    # The driver has the port a little earlier than the system.
+    until(lambda: os.path.exists(device), device)
+    place = os.path.realpath(device)
     while not os.path.exists(place + "/idVendor"):
+        check(place != "/", f"{device} is not on a bus")
         place = os.path.dirname(place)
     return int(read(place + "/power/connected_duration"))
 
