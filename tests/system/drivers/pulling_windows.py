@@ -28,6 +28,7 @@ class Session:
         self.window = quarn.terminal()
         self._folder = f"/proc/{quarn.process.pid}/"
         before = self.threads()
+        line.far.answer(RULES)
         # The first command brings the thread that the others use as well.
         quarn.command(self.window, "id")
         self._worker, = self.threads() - before
