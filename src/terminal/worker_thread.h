@@ -7,8 +7,8 @@
 
 namespace quarn {
 
-/// A thread that runs one job after another and sleeps in between. A new thread for each costs a fifth of a
-/// short transaction's processor time. All calls from the owner's thread.
+/// A thread that runs one job after another and sleeps in between. On a busy computer a new thread for each
+/// costs a fifth of a short transaction's processor time. All calls from the owner's thread.
 class WorkerThread {
  public:
   WorkerThread() = default;
