@@ -27,13 +27,9 @@ Reading ReadingOf(const char* bytes, std::size_t count, const QString& comBuf) {
   return reading;
 }
 
-ReceiveWorker::ReceiveWorker(WorkerThread& thread, const SettingsRecord& settings, QByteArray command,
+ReceiveWorker::ReceiveWorker(const SettingsRecord& settings, QByteArray command,
                              std::shared_ptr<SerialLine> line, WaitableFlag& busy)
-    : m_thread(thread),
-      m_settings(settings),
-      m_command(std::move(command)),
-      m_line(std::move(line)),
-      m_busy(busy) {
+    : m_settings(settings), m_command(std::move(command)), m_line(std::move(line)), m_busy(busy) {
   m_running.TrySet();
   m_settling.TrySet();
   Start();
@@ -41,8 +37,7 @@ ReceiveWorker::ReceiveWorker(WorkerThread& thread, const SettingsRecord& setting
 
 void ReceiveWorker::Start() {
   try {
-    m_thread.Run([this] { Run(); });
-    m_hasToEnd = true;
+    m_thread = std::thread([this] { Run(); });
   } catch (const std::system_error& error) {
     m_whyNoThread = QString::fromStdString(error.code().message());
     Deliver({.failed = true});
@@ -57,7 +52,7 @@ void ReceiveWorker::End() {
   const bool reading = m_running.IsSet();
   if (reading && m_line) m_line->CancelIo();
   m_settling.Clear();
-  if (std::exchange(m_hasToEnd, false)) m_thread.WaitForEnd();
+  if (m_thread.joinable()) m_thread.join();
   if (reading && m_line) m_line->AllowIo();
 }
 

@@ -7,11 +7,11 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <thread>
 
 #include "serial/serial_line.h"
 #include "settings/settings_record.h"
 #include "terminal/waitable_flag.h"
-#include "terminal/worker_thread.h"
 
 namespace quarn {
 
@@ -27,24 +27,23 @@ struct Reading {
 /// The reading of a read that brought `count` bytes, cut at the limit of COM_BUF.
 Reading ReadingOf(const char* bytes, std::size_t count, const QString& comBuf);
 
-/// The other thread's part in one transaction: frames the command, purges the line, sends, and performs one
-/// blocking read, which is the whole response. The read ends when the line falls silent for its read
-/// interval.
+/// The thread of one transaction: frames the command, purges the line, sends, and performs one blocking
+/// read, which is the whole response. The read ends when the line falls silent for its read interval.
 class ReceiveWorker {
  public:
   /// Starts at once on copies of settings and command; without a line the read fails. Where the system gives
-  /// no thread this is a read that has failed, and nothing is sent. `thread` and `busy` must outlive the
-  /// worker, which clears `busy` at its end, after it has delivered.
-  ReceiveWorker(WorkerThread& thread, const SettingsRecord& settings, QByteArray command,
-                std::shared_ptr<SerialLine> line, WaitableFlag& busy);
+  /// no thread this is a read that has failed, and nothing is sent. `busy` must outlive the worker, which
+  /// clears it at its end, after it has delivered.
+  ReceiveWorker(const SettingsRecord& settings, QByteArray command, std::shared_ptr<SerialLine> line,
+                WaitableFlag& busy);
   /// As End.
   ~ReceiveWorker();
   ReceiveWorker(const ReceiveWorker&) = delete;
   ReceiveWorker& operator=(const ReceiveWorker&) = delete;
 
-  /// Set until the work has ended.
+  /// Set until the thread has ended.
   [[nodiscard]] const WaitableFlag& Running() const { return m_running; }
-  /// Cancels the read if it still runs, and waits for its end. What it delivers it has delivered then.
+  /// Cancels the read if it still runs, and waits for the thread. What it delivers it has delivered then.
   void End();
   /// The system's reason for giving no thread; empty when there is one.
   [[nodiscard]] const QString& WhyNoThread() const { return m_whyNoThread; }
@@ -57,7 +56,6 @@ class ReceiveWorker {
   void SendAndReceive();
   void Deliver(Reading reading);
 
-  WorkerThread& m_thread;
   const SettingsRecord m_settings;
   const QByteArray m_command;
   const std::shared_ptr<SerialLine> m_line;
@@ -67,7 +65,7 @@ class ReceiveWorker {
   mutable std::mutex m_deliveryMutex;
   std::optional<Reading> m_delivered;  ///< guarded by m_deliveryMutex
   QString m_whyNoThread;
-  bool m_hasToEnd = false;  ///< the thread may still use this object
+  std::thread m_thread;
 };
 
 }  // namespace quarn

@@ -67,7 +67,7 @@ TransactionOutcome TransactionEngine::RunTransaction(const SettingsRecord& setti
   EndFormerWorker();
   ForgetOtherLine();
   m_busy.TrySet();
-  m_worker = std::make_shared<ReceiveWorker>(m_thread, settings, command, m_connection.handle.Line(), m_busy);
+  m_worker = std::make_shared<ReceiveWorker>(settings, command, m_connection.handle.Line(), m_busy);
   const TransactionResult ended = WaitForWorker(settings, host, command);
   EndWorker(host);
   if (ended != TransactionResult::Received) return {.result = ended};

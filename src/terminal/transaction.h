@@ -10,7 +10,6 @@
 #include "serial/port_connection.h"
 #include "settings/settings_record.h"
 #include "terminal/waitable_flag.h"
-#include "terminal/worker_thread.h"
 
 namespace quarn {
 
@@ -68,8 +67,8 @@ struct Reading;
 /// time. A response belongs to the command before it: a read left behind by a time-out or ESC goes on until
 /// the next transaction, which first cancels it, waits for its end and purges the line.
 ///
-/// Threads: all calls on the user-interface thread. Each transaction has a worker, and all workers have one
-/// thread. The worker stores the bytes read, and then clears the busy flag.
+/// Threads: all calls on the user-interface thread. The worker stores the bytes read, and then clears the
+/// busy flag.
 class TransactionEngine {
  public:
   explicit TransactionEngine(const PortConnection& connection);
@@ -92,7 +91,7 @@ class TransactionEngine {
   void EndWorker(TransactionHost& host);
 
   /// Why the last transaction got no thread, and so sent nothing. It ended like one whose read failed. Empty
-  /// if it got one; the first one's thread serves the others too.
+  /// if it got one.
   [[nodiscard]] QString WhyNoThread() const;
 
   [[nodiscard]] bool IsBusy() const { return m_busy.IsSet(); }
@@ -113,7 +112,6 @@ class TransactionEngine {
 
   const PortConnection& m_connection;
   WaitableFlag m_busy;
-  WorkerThread m_thread;  ///< of all workers, one after the other
   std::shared_ptr<ReceiveWorker> m_worker;
   QByteArray m_kept;                      ///< the bytes of the last successful read
   std::weak_ptr<SerialLine> m_answering;  ///< the line of the previous transaction

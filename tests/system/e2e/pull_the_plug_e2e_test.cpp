@@ -1,5 +1,4 @@
 #include <sys/ptrace.h>
-#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -72,15 +71,6 @@ class PullThePlug : public PortDialogs {
     m_windows = std::make_unique<PropertyWatch>(desktop, QStringList{QStringLiteral("-root")},
                                                 QStringLiteral("_NET_CLIENT_LIST"));
     m_expectedWindows = WindowsSeen();
-    const QStringList threads = Entries("task");
-    // The first command brings the thread that the others use as well.
-    EnterCommand(QStringLiteral("id"));
-    ASSERT_TRUE(WireBecomes("id\r"));
-    ASSERT_TRUE(Eventually([&] { return Entries("task").size() == threads.size() + 1; }));
-    for (const QString& each : Entries("task")) {
-      if (!threads.contains(each)) m_worker = each;
-    }
-    ASSERT_TRUE(Eventually([this] { return !IsInTransaction(); }));
     m_threads = Count("task");
     const std::optional<Control> window = FindWindow(kMain);
     ASSERT_TRUE(window);
@@ -101,17 +91,11 @@ class PullThePlug : public PortDialogs {
     return seen;
   }
 
-  [[nodiscard]] QString Folder() const { return QStringLiteral("/proc/%1/").arg(program.processId()); }
-  [[nodiscard]] QStringList Entries(const char* what) const {
-    return QDir(Folder() + QLatin1String(what))
-        .entryList(QDir::NoDotAndDotDot | QDir::AllEntries | QDir::System);
-  }
-  [[nodiscard]] int Count(const char* what) const { return static_cast<int>(Entries(what).size()); }
-  /// Whether the thread of the commands is at the line. It waits for the next command in a call of its own.
-  [[nodiscard]] bool IsInTransaction() const {
-    QFile call(Folder() + QStringLiteral("task/%1/syscall").arg(m_worker));
-    EXPECT_TRUE(call.open(QIODevice::ReadOnly)) << call.errorString().toStdString();
-    return call.readAll().split(' ').value(0).toLong() != SYS_futex;
+  [[nodiscard]] int Count(const char* what) const {
+    return static_cast<int>(
+        QDir(QStringLiteral("/proc/%1/%2").arg(program.processId()).arg(QLatin1String(what)))
+            .entryList(QDir::NoDotAndDotDot | QDir::AllEntries | QDir::System)
+            .size());
   }
   [[nodiscard]] long ResidentKib() const {
     QFile file(QStringLiteral("/proc/%1/statm").arg(program.processId()));
@@ -131,7 +115,7 @@ class PullThePlug : public PortDialogs {
     ASSERT_TRUE(m_stopped->Stop());
     Focus(WaitForWindow(kTerminal));
     Press({QStringLiteral("F1"), QStringLiteral("Return")});
-    EXPECT_TRUE(Eventually([this] { return IsInTransaction(); }));
+    EXPECT_TRUE(Eventually([this] { return Count("task") > m_threads; }));
   }
 
   void Begin(Doing doing) {
@@ -153,10 +137,10 @@ class PullThePlug : public PortDialogs {
     }
   }
 
-  /// The program is still at it.
+  /// The program is still at it. A transaction has a thread of its own.
   void ExpectStill(Doing doing, const std::string& receivedBefore, int answersBefore) {
     const bool transaction = doing == Doing::Writing || doing == Doing::Waiting || doing == Doing::Receiving;
-    EXPECT_EQ(IsInTransaction(), transaction);
+    EXPECT_EQ(Count("task") > m_threads, transaction);
     if (doing == Doing::Writing) {
       EXPECT_EQ(instrument->Received(), receivedBefore) << "it has been sent";
     }
@@ -220,7 +204,6 @@ class PullThePlug : public PortDialogs {
     if (const QString dialog = DialogOf(doing); !dialog.isEmpty()) PressOk(dialog);
     EnterCommand(QStringLiteral("id"));
     EXPECT_TRUE(WireBecomes("id\r"));
-    EXPECT_TRUE(Eventually([this] { return !IsInTransaction(); })) << "it does not end";
     EXPECT_TRUE(Eventually([this] { return Count("task") == m_threads; })) << "a thread is left";
     EXPECT_EQ(WindowsSeen(), m_expectedWindows) << "another box has come up";
     ++m_cycles;
@@ -274,7 +257,6 @@ class PullThePlug : public PortDialogs {
   long m_memory = 0;
   int m_expectedWindows = 0;
   int m_threads = 0;
-  QString m_worker;  ///< the number of the thread of the commands
   int m_cycles = 0;
 };
 
