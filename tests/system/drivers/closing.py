@@ -10,7 +10,8 @@ import termios
 import time
 import tty
 
-from bench import Failed, acm, check, each_line, equal, mute, note, read, until
+from adapters import port_of
+from bench import Failed, acm, check, each_line, equal, ftdi, mute, note, read, until
 from line_state import State
 from window import INFORMATION, QUESTION, Quarn
 
@@ -139,8 +140,9 @@ def seconds_to_end_once(line, bps, is_ready):
     return took
 
 
-@each_line("the windows reset, disconnect and end within a second where nothing goes out", STUCK)
+@each_line("the windows reset, change the port, disconnect and end within a second where nothing goes out", STUCK)
 def windows_end(line):
+    other = port_of(line.account, os.path.realpath(ftdi.node))
     line.settings(R_TIMEOUT="OFF", AUTO_CLR="ON")
     # From before the open on: a reset puts the former state of the line back.
     with Stuck(line), Quarn(line.account) as quarn:
@@ -152,13 +154,18 @@ def windows_end(line):
             send_into_nothing(line, quarn, window)
             stuck.append(seconds_to_reset(quarn))
         send_into_nothing(line, quarn, window)
+        changed = quarn.choose_port(other)
+        changed_idle = quarn.choose_port("COM11")
+        send_into_nothing(line, quarn, window)
         disconnected = seconds_to_disconnect(quarn)
         send_into_nothing(line, quarn, window)
         took = quarn.end()
+    shown = ", ".join(f"{each:.2f}" for each in stuck)
     idle, stuck = min(idle), min(stuck)
-    note(f"reset {idle:.2f} s with nothing to send, {stuck:.2f} s; disconnected after {disconnected:.2f} s; "
-         f"end {took:.2f} s")
+    note(f"reset {idle:.2f} s with nothing to send, else {shown} s; another port after {changed:.2f} s, back after "
+         f"{changed_idle:.2f} s; disconnected after {disconnected:.2f} s; end {took:.2f} s")
     check(stuck - idle <= LONGEST_S, f"a reset took {stuck - idle:.2f} s longer than with an idle line")
+    check(changed - changed_idle <= LONGEST_S, f"another port came {changed - changed_idle:.2f} s later than with an idle line")
     # A reset of a line with nothing to send shows how slow this machine is.
     check(disconnected <= LONGEST_S + idle, f"the port was disconnected after {disconnected:.2f} s")
     check(took <= LONGEST_S + idle, f"the end took {took:.2f} s")

@@ -4,7 +4,7 @@ DTR and RTS meanwhile."""
 import re
 
 from bench import FRAMES, LINES, check, each_line, equal, options
-from first_command import LIMITS, PATIENT, rules
+from first_command import LIMITS, PATIENT, quoted, rules
 from modem_lines import BOTH, NEITHER, Watched
 from window import INFORMATION, Quarn
 
@@ -17,6 +17,10 @@ DELIMITERS = dict(zip((line.kind for line in LINES), ("CR", "CRLF", "STX_ETX")))
 MORE = {kind: [other for other in FRAMES if other != first] if options["long"] else ["LF"] if kind == "cdc_acm" else []
         for kind, first in DELIMITERS.items()}
 SIZES = list(LIMITS) if options["long"] else []
+# Zero would end the answer.
+EVERY = bytes(range(1, 256))
+CONTROL_NAMES = ("NULL SOH STX ETX EOT ENG ACK BEL BS HT LF VT FF CR SO SI "
+                 "DLE DC1 DC2 DC3 DC4 NAK SYN ETB CAN EM SUB ESC FS GS RS US").split()
 
 
 @each_line("window: first command, DTR and RTS during a reset", LINES)
@@ -33,6 +37,7 @@ def session(line):
         equal(f"what the instrument got with {delimiter}", line.far.received(), before + b"id" + after)
         equal(f"log with {delimiter}", quarn.log(window), b"[id]\rSIM-1\r")
         equal("told during the command", [each for each in lines.look() if each == NEITHER], [])
+        all_values(line, quarn, window, after)
         for delimiter in MORE[line.kind]:
             quarn.choose_format("DELIMITER", delimiter)
             all_printable(line, quarn, window, delimiter)
@@ -45,8 +50,32 @@ def session(line):
         lines.becomes("after the reset", BOTH)
         check(NEITHER in lines.seen, f"they were not lowered: {lines.seen}")
         quarn.answer(INFORMATION, "Return")
+        line.far.answer(rules(), FRAMES[delimiter][1])
+        lines.forget()
+        quarn.press_set(lambda: NEITHER in lines.look() and lines.seen[-1] == BOTH)
+        quarn.command(window, "id", b"SIM-1")
         quarn.end()
         lines.becomes("after the end", NEITHER)
+
+
+def all_values(line, quarn, window, after):
+    """An answer with every byte value, spelled out. Only the ends of lines are told apart by the delimiter."""
+    wanted = "".join(spelled(byte) for byte in b"(" + EVERY + b")").replace("\r", "").encode()
+    removed = {b"\r": (), b"\r\n": (b"<LF>",), b"\x03": (b"<STX>", b"<ETX>")}[after]
+    for each in removed:
+        wanted = wanted.replace(each, b"")
+    line.far.answer(f'"every" -> {quoted(b"(" + EVERY + b")")}', after)
+    quarn.command(window, "every")
+    _, _, got = quarn.log(window).rpartition(b"[every]\r")
+    equal("the answer with every byte value", got.replace(b"\r", b""), wanted)
+
+
+def spelled(byte):
+    if 0x20 <= byte < 0x7F or byte == 0x0D:
+        return chr(byte)
+    if byte < 0x20:
+        return f"<{CONTROL_NAMES[byte]}>"
+    return "<DEL>" if byte == 0x7F else f"<0x{byte:02x}>"
 
 
 def all_printable(line, quarn, window, delimiter):

@@ -124,7 +124,7 @@ def offer():
             session.replug(quarn)
             quarn.answer(QUESTION, "Return")
             quarn.answer(INFORMATION, "Return")
-            quarn.command(window, "id")
+            quarn.command(window, "id", b"SIM-1")
         with ModemManager() as manager:
             session.replug(quarn)
             until(manager.holds, "the modem manager")
@@ -134,7 +134,7 @@ def offer():
             manager.release()
             quarn.answer(INFORMATION, "Return")
             check(b"AT\r" in ftdi.far.received(), "nobody asked whether it is a modem")
-            quarn.command(window, "id")
+            quarn.command(window, "id", b"SIM-1")
             # And one that keeps it.
             session.replug(quarn)
             until(manager.holds, "the modem manager")
@@ -144,4 +144,8 @@ def offer():
             equal(f"status ({errors})", status, 5)
             check("in use by another program" in errors, errors)
             quarn.answer(ERROR, "Return")
+            quarn.wait_for(r"^Quarn   \(NONE\)$")
+            manager.release()
+            quarn.choose_port(session.port)
+            quarn.command(window, "id", b"SIM-1")
         quarn.end()

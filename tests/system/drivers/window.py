@@ -6,16 +6,22 @@ import subprocess
 import threading
 import time
 
-from bench import AS_USER, HOME, LIMIT_S, Account, Background, Failed, check, until
+from bench import AS_USER, HOME, LIMIT_S, Account, Background, Failed, check, equal, until
 from screen import Screen
 
 MAIN = r"^Quarn   \("
 TERMINAL = r"^Quarn - Terminal Screeen"
 ERROR, QUESTION, INFORMATION = "^Quarn : Error$", "^Quarn : Confirmation$", "^Quarn : Information$"
-FORMAT = "^Quarn - Command Format"
+FORMAT, SETTINGS = "^Quarn - Command Format", "^Quarn - COM Port Settings"
+# Its title says something else while it connects.
+NUMBER = r"^Quarn - (COM Port Number )?\("
 # Its rows: how far down each is, and what can be chosen in it.
 FORMAT_ROWS = {"DELIMITER": 28, "COM_BUF": 55}
 FORMAT_PLACES = {"DELIMITER": ("CR", "LF", "CRLF", "STX_ETX"), "COM_BUF": ("1K", "2K", "6K")}
+# Where the button SET is in the port settings.
+SET_PLACE = 358, 94
+# Keys that come right after a box has closed may be dropped.
+ATTEMPTS = 3
 # Between two looks.
 PAUSE_S = 0.1
 
@@ -151,11 +157,14 @@ class Quarn:
         self._screen.type(text)
         self.press("Return")
 
-    def command(self, window, text):
-        """Types the command, and waits for its response in the log."""
+    def command(self, window, text, answer=None):
+        """Types the command, and waits for its response in the log, which must be this answer if one is given."""
         before = self.lines(window)
         self.enter(window, text)
         until(lambda: self.lines(window) > before, f"the response to {text}", pause=PAUSE_S)
+        if answer is not None:
+            wanted = b"[" + text.encode() + b"]\r" + answer + b"\r"
+            equal("the end of the log", self.log(window)[-len(wanted):], wanted)
 
     def log(self, window):
         """Copies the whole log."""
@@ -202,23 +211,63 @@ class Quarn:
         """Clicks on a delimiter or a size in the Command Format dialog."""
         self.open_menu(self.wait_for(MAIN), 148, 12, button=1)
         self.press("f")
-        box = self.wait_for(FORMAT)
+        self.click_until(self.wait_for(FORMAT), 200 + 63 * FORMAT_PLACES[setting].index(value), FORMAT_ROWS[setting],
+                         lambda: self._account.setting(setting) == value, f"{setting} to be {value}")
+        self.answer(FORMAT, "Escape")
+
+    def press_set(self, is_done):
+        """Presses SET in the port settings until it is done."""
+        self.choose_from_port_menu("s")
+        self.click_until(self.wait_for(SETTINGS), *SET_PLACE, is_done, "what SET does")
+        self.answer(SETTINGS, "Escape")
+
+    def click_until(self, box, left, top, is_done, what):
+        """Clicks at this place of the box. What comes right after another box has closed may be dropped."""
         self.activate(box)
-        left, top, _, _ = self._screen.place(box)
-        place = FORMAT_PLACES[setting]
+        box_left, box_top, _, _ = self._screen.place(box)
         clicked = 0.0
 
-        def is_written():
+        def done():
             nonlocal clicked
-            if self._account.setting(setting) == value:
+            if is_done():
                 return True
-            if time.monotonic() > clicked + 2:
-                self._screen.click(left + 200 + 63 * place.index(value), top + FORMAT_ROWS[setting])
+            if time.monotonic() > clicked + 5:
+                self._screen.click(box_left + left, box_top + top)
                 clicked = time.monotonic()
             return False
 
-        until(is_written, f"{setting} to be {value}", pause=PAUSE_S)
-        self.answer(FORMAT, "Escape")
+        until(done, what, pause=PAUSE_S)
+
+    def choose_port(self, port):
+        """Chooses the port in the COM Port Number dialog. Returns the seconds from YES to the word about it."""
+
+        def place():
+            _, ports, _ = self._account.run("quarn-send", "--list")
+            return [row.split()[0] for row in ports.decode().splitlines()].index(port) + 1
+
+        for _ in range(ATTEMPTS):
+            self.choose_from_port_menu("n")
+            self.activate(self.wait_for(NUMBER))
+            # The list has the focus for one key. First in it is NONE.
+            for key in ["Home"] + ["Down"] * place():
+                self.press("Tab", key)
+                # The dialog looks ten times a second.
+                time.sleep(2 * PAUSE_S)
+            self.press("Return")
+            try:
+                self.activate(self.wait_for(QUESTION, 5))
+            except Failed:
+                # A key was dropped, and nothing was changed.
+                continue
+            began = time.monotonic()
+            self.press("y")
+            until(lambda: self.find(INFORMATION) or self.find(ERROR), "the word about the port", pause=PAUSE_S)
+            took = time.monotonic() - began
+            self.answer(INFORMATION if self.find(INFORMATION) else ERROR, "Return")
+            self.wait_gone(NUMBER)
+            if self.find(rf"^Quarn   \({port}\)$"):
+                return took
+        raise Failed(f"{port} cannot be chosen; there is {list(self.windows().values())}")
 
     def answer(self, title, key):
         """Presses a key in the box until it is gone."""
