@@ -202,7 +202,10 @@ class Check:
             "extract_dir": identity.name,
             "architecture": {"64bit": {"url": self.address(archive), "hash": self.sum_of(archive)}}})
         names = zipfile.ZipFile(self.folder / archive).namelist()
-        for program in [content.get("bin")] + [each[0] for each in content.get("shortcuts", [])]:
+        programs = [each if isinstance(each, str) else each[0] for each in content["bin"] + content["shortcuts"]]
+        for program in ("quarn.com", "quarn.exe", "quarn-send.exe"):
+            self.that(program in programs, f"quarn.json does not offer {program}")
+        for program in programs:
             self.that(f"{identity.name}/{program}" in names, f"{archive} has no {program}")
 
     def flatpak(self):

@@ -2,8 +2,8 @@
 """sbom.py IDENTITY FOLDER   lists what the files of a release in FOLDER consist of, as SPDX 2.3
 
 Writes FOLDER/quarn-VERSION.spdx.json. The facts come from the files themselves: the libraries that the programs in them
-name, and the Debian packages of this system that those libraries belong to. What is linked into the portable programs
-cannot be seen in them; their build, in build/portable of this folder, says it. The same files give the same list.
+name, and the Debian packages of this system that those libraries belong to. What is linked into a program cannot be
+seen in it; the builds in build/portable and build/windows of this folder say it. The same files give the same list.
 """
 
 import hashlib
@@ -18,15 +18,17 @@ import zipfile
 
 from release_identity import Identity
 
+QT_PACKAGE = "qt6-base-dev"
+
 # What a Windows program is made with: the name in the list, and the Debian package that it comes from.
 WINDOWS_PARTS = [
-    ("Qt", "qt6-base-dev"),
+    ("Qt", QT_PACKAGE),
     ("GCC run-time libraries", "g++-mingw-w64-x86-64-posix"),
     ("MinGW-w64", "mingw-w64-common"),
 ]
 
-# How the portable programs were linked.
-PORTABLE_BUILD = pathlib.Path("build/portable/build.ninja")
+# How the programs that are one file were linked.
+PORTABLE_BUILD, WINDOWS_BUILD = (pathlib.Path("build", each, "build.ninja") for each in ("portable", "windows"))
 
 
 def output_of(*command):
@@ -152,7 +154,8 @@ class Bill:
         needed = {name for path in folder.rglob("*") if is_elf(path) for name in needed_by(path)}
         packages = []
         if not any(name.startswith("libQt6Core.") for name in needed):
-            self.relate(whole, "STATIC_LINK", self.add_part("Qt", "qt6-base-dev"))
+            self.relate(whole, "STATIC_LINK", self.add_part("Qt", QT_PACKAGE))
+            self.add_bundled_with_qt(whole, PORTABLE_BUILD)
         if not any(name.startswith("libstdc++.") for name in needed):
             packages.append(package_with(output_of("g++", "-print-file-name=libstdc++.a").strip()))
         if PORTABLE_BUILD.is_file():
@@ -160,6 +163,19 @@ class Bill:
             packages += [package_with(archive) for archive in sorted(archives)]
         for package in sorted(set(filter(None, packages))):
             self.relate(whole, "STATIC_LINK", self.add_part(package.split(":")[0], package))
+
+    def add_bundled_with_qt(self, whole, build):
+        """Qt's own copies of other libraries, which are linked in with it. Several licences meet in such a file."""
+        self.packages[whole]["licenseConcluded"] = "NOASSERTION"
+        self.packages[whole]["licenseComments"] = ("Quarn is under the MIT licence. The licences of the parts inside "
+                                                   "are in the folder licences of this package.")
+        if not build.is_file():
+            return
+        for name in sorted(set(re.findall(r"libQt6Bundled(\w+)\.a", build.read_text(encoding="utf-8")))):
+            identifier = self.add_part(f"{name}, Qt's copy", None)
+            source = output_of("dpkg-query", "-W", "-f", "${source:Package} ${source:Version}", QT_PACKAGE)
+            self.packages[identifier]["sourceInfo"] = f"part of Debian's source package {source}"
+            self.relate(whole, "STATIC_LINK", identifier)
 
     def document(self):
         identity = self.identity
@@ -198,6 +214,7 @@ def describe(bill, path):
             beside = any(name.endswith(".dll") for name in names)
             for name, package in WINDOWS_PARTS:
                 bill.relate(whole, "CONTAINS" if beside else "STATIC_LINK", bill.add_part(name, package))
+            bill.add_bundled_with_qt(whole, WINDOWS_BUILD)
 
 
 def main(arguments):
