@@ -55,10 +55,14 @@ void CQuarnDlg::OpenTerminalScreen() {
     ShowSwitch();
     return;
   }
-  // What was to be loaded or sent while there was no command line to be seen is forgotten.
-  m_program.state.requests.functionKey.reset();
-  m_program.state.requests.sendCommandLine = false;
-  m_program.state.requests.pressSend = false;
+  // What was to be sent while there was no command line to be seen is forgotten.
+  m_program.state.requests.send = false;
+  m_program.state.requests.sendAction = false;
+  // Before it is shown, so that nothing typed at once is lost.
+  if (std::exchange(m_program.state.requests.clearLog, false)) {
+    m_program.commandLine.Reset();
+    m_program.log.ResetLog();
+  }
   TerminalScreenContext context{
       m_program.settings, m_program.connection,  m_program.state,     m_program.engine,
       m_program.log,      m_program.commandLine, *m_program.messages, m_program.savedTerminalRect};

@@ -56,10 +56,10 @@ struct WindowRequests {
 
   // For the Terminal Screen.
   bool clearLog = false;           ///< empty the log and the command line
-  bool pressSend = false;          ///< as if SEND had been pressed
+  bool sendAction = false;         ///< as if SEND had been pressed
   std::optional<int> functionKey;  ///< load this stored command, 0 to 9
   bool functionKeyCtrl = false;    ///< append it; this stays as the last press of a button had it
-  bool sendCommandLine = false;    ///< send the command line unless it is empty
+  bool send = false;               ///< send the command line unless it is empty
   bool focus = false;              ///< take the keyboard focus
 
   // For the detailed list.
@@ -67,8 +67,8 @@ struct WindowRequests {
 
   /// Whether the window has a reason to look.
   [[nodiscard]] bool IsAnythingFor(Window window) const {
-    const bool content = window == Window::TerminalScreen &&
-                         (clearLog || pressSend || functionKey || sendCommandLine || focus);
+    const bool content =
+        window == Window::TerminalScreen && (clearLog || sendAction || functionKey || send || focus);
     return content || refresh.Contains(window) || close.Contains(window);
   }
 };
@@ -83,8 +83,10 @@ inline void RaiseConnectionRefreshes(WindowRequests& requests) {
   RaisePortDialogRefreshes(requests);
 }
 
-/// For a replacement of all settings: every window that shows any of them.
+/// For a replacement of all settings: every window that shows any of them. The log begins anew, because its
+/// lines may be longer than those of the new settings.
 inline void RaiseSettingsRefreshes(WindowRequests& requests) {
+  requests.clearLog = true;
   RaiseConnectionRefreshes(requests);
   requests.refresh.Add(
       {Window::CommandFormat, Window::ScreenOption, Window::MainOption, Window::FunctionKeyTable});

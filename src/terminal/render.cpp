@@ -26,7 +26,7 @@ Spelling SpellingOf(unsigned char byte) {
   if (byte == static_cast<unsigned char>(kCr) || (byte >= kFirstPrintable && byte < kDelete)) {
     text.append(static_cast<char>(byte));
   } else if (byte < kFirstPrintable) {
-    text = kControlMnemonicTable[byte];
+    text = ControlMnemonicTable[byte];
   } else if (byte == kDelete) {
     text = "<DEL>";
   } else {
@@ -64,7 +64,7 @@ char32_t TakeCharacter(QStringView text, qsizetype& next) {
 
 }  // namespace
 
-const std::array<const char*, 32> kControlMnemonicTable = {
+const std::array<const char*, 32> ControlMnemonicTable = {
     "<NULL>", "<SOH>", "<STX>", "<ETX>", "<EOT>", "<ENG>", "<ACK>", "<BEL>", "<BS>",  "<HT>",  "<LF>",
     "<VT>",   "<FF>",  "<CR>",  "<SO>",  "<SI>",  "<DLE>", "<DC1>", "<DC2>", "<DC3>", "<DC4>", "<NAK>",
     "<SYN>",  "<ETB>", "<CAN>", "<EM>",  "<SUB>", "<ESC>", "<FS>",  "<GS>",  "<RS>",  "<US>"};
@@ -85,7 +85,7 @@ QByteArray RenderBytesForLog(const QByteArray& bytes) {
 }
 
 QByteArray SpellOut(const QByteArray& bytes) {
-  return RenderBytesForLog(bytes).replace(kCr, kControlMnemonicTable[static_cast<unsigned char>(kCr)]);
+  return RenderBytesForLog(bytes).replace(kCr, ControlMnemonicTable[static_cast<unsigned char>(kCr)]);
 }
 
 QByteArray RenderCommandForLog(const QString& command) {

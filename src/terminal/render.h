@@ -8,7 +8,7 @@ namespace quarn {
 
 /// The log's text for the bytes 0x00 to 0x1F. "<ENG>" for 0x05 is intended. The entry for CR is only for
 /// commands: in a response a CR ends a line.
-extern const std::array<const char*, 32> kControlMnemonicTable;
+extern const std::array<const char*, 32> ControlMnemonicTable;
 
 /// A response as printable text: ASCII and CR are kept, everything else is spelled out ("<STX>", "<DEL>",
 /// "<0xa5>").

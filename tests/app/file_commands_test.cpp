@@ -23,6 +23,7 @@ TEST_F(FileCommandsTest, OpenAsksLoadsConnectsAndPutsTheFileInForce) {
   EXPECT_EQ(calls, (QStringList{QStringLiteral("user file ") + chooser.answer,
                                 QStringLiteral("menu state ") + chooser.answer}));
   EXPECT_TRUE(AllWindowsAreToldOfTheSettings());
+  EXPECT_TRUE(Requests().clearLog);
 }
 
 TEST_F(FileCommandsTest, LoadingClosesTheOldPortBeforeTheNewOneIsOpened) {
@@ -61,6 +62,7 @@ TEST_F(FileCommandsTest, OpenPutsAFileInForceThatCouldNotBeLoaded) {
   EXPECT_FALSE(program->fileLoaded);
   EXPECT_EQ(WorkingBytes(), bytes);
   EXPECT_EQ(program->settings, record);
+  EXPECT_FALSE(Requests().clearLog);
   EXPECT_TRUE(program->connection.connected.IsSet());
   EXPECT_FALSE(WasClosed());
   EXPECT_EQ(calls, (QStringList{QStringLiteral("user file ") + chooser.answer,
@@ -213,6 +215,7 @@ TEST_F(FileCommandsTest, RestoreDefaultsAnsweredNoDoesNothing) {
   commands->RestoreDefaults();
   EXPECT_EQ(messages->shown, QStringList{kRestore});
   EXPECT_EQ(WorkingBytes(), working);
+  EXPECT_FALSE(Requests().clearLog);
   EXPECT_TRUE(program->connection.connected.IsSet());
 }
 
@@ -259,6 +262,7 @@ TEST_F(FileCommandsTest, RestoreDefaultsAsksEveryOtherWindowToCloseButShowsTheTe
       requests.close.Contains(Window::CommandFormat) && requests.close.Contains(Window::ScreenOption) &&
       requests.close.Contains(Window::MainOption) && requests.close.Contains(Window::FunctionKeyTable));
   EXPECT_TRUE(AllWindowsAreToldOfTheSettings());
+  EXPECT_TRUE(requests.clearLog);
   EXPECT_FALSE(requests.close.Contains(Window::TerminalScreen));
   EXPECT_TRUE(requests.focus);
 }
@@ -291,6 +295,7 @@ TEST_F(FileCommandsTest, ADropLoadsOnlyTheFirstFile) {
   EXPECT_EQ(program->userFile, first);
   EXPECT_TRUE(program->fileLoaded);
   EXPECT_TRUE(AllWindowsAreToldOfTheSettings());
+  EXPECT_TRUE(Requests().clearLog);
   EXPECT_EQ(calls, QStringList{QStringLiteral("user file ") + first});
 }
 
@@ -298,6 +303,7 @@ TEST_F(FileCommandsTest, AFailedDropLeavesNoFileInForce) {
   InForce();
   commands->DropFiles({Path(QStringLiteral("missing.qrn"))});
   EXPECT_EQ(messages->shown, QStringList{kFileNotFound});
+  EXPECT_FALSE(Requests().clearLog);
   EXPECT_EQ(program->userFile, QString());
   EXPECT_FALSE(program->fileLoaded);
   EXPECT_TRUE(program->connection.connected.IsSet());

@@ -151,16 +151,25 @@ TEST_F(MainDialog, EndsWithoutAWordFromAFunctionKeyTableInEditMode) {
   EXPECT_EQ(FunctionKeyTable(), nullptr);
 }
 
-TEST_F(MainDialog, ANewTerminalScreenForgetsWhatWasAskedBefore) {
+TEST_F(MainDialog, ANewTerminalScreenLoadsWhatWasChosenBeforeAndSendsNothing) {
   program.settings.mem[4] = QStringLiteral("stored");
   program.state.requests.functionKey = 4;
-  program.state.requests.sendCommandLine = true;
-  program.state.requests.pressSend = true;
+  program.state.requests.send = true;
+  program.state.requests.sendAction = true;
   dialog.OpenTerminalScreen();
-  EXPECT_FALSE(program.state.requests.sendCommandLine);
-  EXPECT_FALSE(program.state.requests.pressSend);
-  EXPECT_FALSE(program.state.requests.functionKey);
-  QTest::qWait(3 * PolledDialog::kTickMs);
+  EXPECT_FALSE(program.state.requests.send);
+  EXPECT_FALSE(program.state.requests.sendAction);
+  EXPECT_TRUE(WaitUntil([this] { return program.commandLine.Text() == QStringLiteral("stored"); }));
+  EXPECT_EQ(program.log.LineCount(), 0);
+}
+
+TEST_F(MainDialog, ANewTerminalScreenBeginsWithTheEmptyLogThatWasAskedFor) {
+  program.log.AppendLogText("1\r");
+  program.commandLine.TypeCharacter(u'x', 48);
+  program.state.requests.clearLog = true;
+  dialog.OpenTerminalScreen();
+  EXPECT_FALSE(program.state.requests.clearLog);
+  EXPECT_EQ(program.log.LineCount(), 0);
   EXPECT_EQ(program.commandLine.Text(), QString());
 }
 

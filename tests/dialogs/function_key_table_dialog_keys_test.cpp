@@ -55,7 +55,7 @@ TEST_F(FunctionKeyTableDialogKeys, KeysWorkInAFieldToo) {
   quarn::test::Press(Qt::Key_F10);
   EXPECT_EQ(state.requests.functionKey, 9);
   for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Escape}) quarn::test::Press(key);
-  EXPECT_FALSE(state.requests.sendCommandLine);
+  EXPECT_FALSE(state.requests.send);
   EXPECT_TRUE(dialog->isVisible());
   EXPECT_EQ(Command(kEdit).text(), QStringLiteral("ENTER")) << "only the button leaves edit mode";
   EXPECT_EQ(Field(6).text(), QStringLiteral("function-7"));
@@ -65,15 +65,15 @@ TEST_F(FunctionKeyTableDialogKeys, EnterSendsWhereverTheFocusIs) {
   OpenTable();
   for (const int id : {kOk, kEdit, kSend, 1001}) {
     for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
-      state.requests.sendCommandLine = false;
+      state.requests.send = false;
       Command(id).setFocus();
       quarn::test::Press(key);
-      EXPECT_TRUE(state.requests.sendCommandLine) << id;
+      EXPECT_TRUE(state.requests.send) << id;
     }
   }
   EXPECT_TRUE(dialog->isVisible());
   EXPECT_EQ(Command(kEdit).text(), QStringLiteral("EDIT"));
-  EXPECT_FALSE(state.requests.pressSend);
+  EXPECT_FALSE(state.requests.sendAction);
   EXPECT_FALSE(state.requests.functionKey);
 }
 
@@ -84,7 +84,7 @@ TEST_F(FunctionKeyTableDialogKeys, EnterAndEscapeOnTheEditButtonDoNothingInEditM
     QTest::keyClick(&Command(kEdit), key);
   }
   EXPECT_EQ(Command(kEdit).text(), QStringLiteral("ENTER"));
-  EXPECT_FALSE(state.requests.sendCommandLine);
+  EXPECT_FALSE(state.requests.send);
   EXPECT_TRUE(dialog->isVisible());
 }
 
@@ -103,7 +103,7 @@ TEST_F(FunctionKeyTableDialogKeys, AKeyHeldDownAsksOnce) {
     QApplication::sendEvent(&Command(kOk), &repeat);
     EXPECT_TRUE(repeat.isAccepted());
   }
-  EXPECT_FALSE(state.requests.sendCommandLine);
+  EXPECT_FALSE(state.requests.send);
   EXPECT_FALSE(state.requests.functionKey);
 }
 
@@ -112,17 +112,17 @@ TEST_F(FunctionKeyTableDialogKeys, KeysWithAltAreNotForIt) {
   quarn::test::Press(Qt::Key_F4, Qt::AltModifier);
   quarn::test::Press(Qt::Key_Return, Qt::AltModifier);
   EXPECT_FALSE(state.requests.functionKey);
-  EXPECT_FALSE(state.requests.sendCommandLine);
+  EXPECT_FALSE(state.requests.send);
 }
 
 TEST_F(FunctionKeyTableDialogKeys, SendNeedsAnOpenTerminalScreen) {
   OpenTable();
   ClickCommand(kSend);
-  EXPECT_FALSE(state.requests.pressSend);
+  EXPECT_FALSE(state.requests.sendAction);
   EXPECT_FALSE(state.requests.focus);
   state.open.Add(Window::TerminalScreen);
   ClickCommand(kSend);
-  EXPECT_TRUE(state.requests.pressSend);
+  EXPECT_TRUE(state.requests.sendAction);
   EXPECT_TRUE(state.requests.focus);
 }
 

@@ -125,6 +125,17 @@ TEST_F(FunctionKeyTableDialog, SaveAfterUndoAsksNothing) {
   EXPECT_EQ(FileBytes(), before);
 }
 
+TEST_F(FunctionKeyTableDialog, SaveAsksNothingWhereNothingDiffersAnyMore) {
+  OpenTable();
+  const QString former = settings.mem[3];
+  Edit(3, "x");
+  // Before the button has become grey.
+  settings.mem[3] = former;
+  messages.answers = {true};
+  ClickCommand(kSave);
+  EXPECT_EQ(Shown(), QStringList());
+}
+
 TEST_F(FunctionKeyTableDialog, SaveIntoAFileThatCannotBeWrittenTellsNobody) {
   for (const bool there : {true, false}) {
     SCOPED_TRACE(there);

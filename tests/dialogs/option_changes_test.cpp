@@ -98,6 +98,16 @@ TEST_F(OptionChanges, YesSetsTheLengthClearsTheLogAndRebuilds) {
   EXPECT_EQ(ReadValue(Context().workingSettingsFile, keys::kInputMax), QStringLiteral("W"));
 }
 
+TEST_F(OptionChanges, ALengthForAClosedScreenAsksForNothingMore) {
+  settings.inputMax = QStringLiteral("N");
+  Length("W");
+  EXPECT_TRUE(messages.shown.isEmpty());
+  EXPECT_FALSE(state.requests.clearLog);
+  state.requests.clearLog = true;
+  Length("M");
+  EXPECT_TRUE(state.requests.clearLog) << "somebody else has asked for it";
+}
+
 TEST_F(OptionChanges, AKeyThatTheFileLacksIsNotAdded) {
   ASSERT_TRUE(RemoveKey(Context().workingSettingsFile, keys::kPortSpeed));
   const QByteArray without = File();

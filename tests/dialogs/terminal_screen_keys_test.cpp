@@ -75,6 +75,7 @@ TEST_F(TerminalKeys, AFullLogSendsNothingAndSaysSo) {
   const int top = log.TopLine();
   Open();
   Type("id");
+  Button("F 1").setFocus();
   Press(Qt::Key_Return);
   ASSERT_EQ(messages.shown.size(), 1);
   EXPECT_EQ(messages.shown[0], QStringLiteral("transient/Error: No remaining memory for log buffer"));

@@ -26,21 +26,21 @@ TEST_F(TerminalRequests, SendActionActsLikeTheButton) {
   Connect("* -> line \"OK\"");
   settings.enblNull = QStringLiteral("ON");
   Open();
-  state.requests.pressSend = true;
+  state.requests.sendAction = true;
   ASSERT_TRUE(Until([this] { return log.LineCount() == 2; }));
   EXPECT_EQ(instrument->Received(), "\r");
-  EXPECT_FALSE(state.requests.pressSend);
+  EXPECT_FALSE(state.requests.sendAction);
 }
 
 TEST_F(TerminalRequests, SendLeavesAnEmptyLineUnsentEvenWhereItIsAllowed) {
   Connect("* -> line \"OK\"");
   settings.enblNull = QStringLiteral("ON");
   Open();
-  state.requests.sendCommandLine = true;
-  ASSERT_TRUE(Until([this] { return !state.requests.sendCommandLine; }));
+  state.requests.send = true;
+  ASSERT_TRUE(Until([this] { return !state.requests.send; }));
   EXPECT_EQ(log.LineCount(), 0);
   Type("id");
-  state.requests.sendCommandLine = true;
+  state.requests.send = true;
   ASSERT_TRUE(Until([this] { return log.LineCount() == 2; }));
   EXPECT_EQ(instrument->Received(), "id\r");
 }
@@ -50,9 +50,84 @@ TEST_F(TerminalRequests, SendWithAFullLogReportsIt) {
   log.AppendLogText(QByteArray("x\r").repeated(4000));
   Open();
   Type("id");
-  state.requests.sendCommandLine = true;
+  // As when it is sent from the Function Key Table.
+  QWidget other;
+  other.show();
+  other.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&other, kLongestWaitMs));
+  state.requests.send = true;
   ASSERT_TRUE(Until([this] { return !messages.shown.isEmpty(); }));
   EXPECT_EQ(messages.shown[0], QStringLiteral("transient/Error: No remaining memory for log buffer"));
+  EXPECT_TRUE(Until([this] { return window->isActiveWindow(); })) << "the focus does not come back";
+}
+
+TEST_F(TerminalRequests, NothingIsSentWhereTheMarkSaysConnectedAndNoLineIsOpen) {
+  Open();
+  Type("id");
+  int shown = 0;
+  for (const PortHandle& handle : {PortHandle(), PortHandle::Invalid()}) {
+    connection.handle = handle;
+    // As after a refused choice, when the former port cannot be opened again either.
+    connection.connected.Update(PortChange::FormerChosen);
+    ASSERT_TRUE(connection.connected.IsSet());
+    Press(Qt::Key_Return);
+    EXPECT_EQ(messages.shown.size(), ++shown);
+    state.requests.sendAction = true;
+    EXPECT_TRUE(Until([&] { return messages.shown.size() == shown + 1; }));
+    state.requests.send = true;
+    EXPECT_TRUE(Until([&] { return messages.shown.size() == shown + 2; }));
+    shown += 2;
+  }
+  for (const QString& text : messages.shown) {
+    EXPECT_TRUE(text.contains(QStringLiteral("COM port is not available."))) << text.toStdString();
+  }
+  EXPECT_EQ(log.LineCount(), 0);
+}
+
+struct KeptOrCleared {
+  const char* name;
+  bool connected;
+  const char* typed;
+  const char* rules;
+  const char* timeOut;
+  QString left;
+};
+
+class AutoClear : public TerminalFixture, public ::testing::WithParamInterface<KeptOrCleared> {};
+
+/// The line is cleared after a transaction, also one that failed, and not where none took place.
+TEST_P(AutoClear, FollowsATransactionOnly) {
+  const KeptOrCleared& given = GetParam();
+  settings.autoClr = QStringLiteral("ON");
+  settings.rTimeout = QLatin1String(given.timeOut);
+  if (given.connected) Connect(given.rules);
+  Open();
+  Type(given.typed);
+  Press(Qt::Key_Return);
+  EXPECT_EQ(commandLine.Text(), given.left);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, AutoClear,
+    testing::Values(KeptOrCleared{"NotConnected", false, "id", "", "OFF", QStringLiteral("id")},
+                    KeptOrCleared{"TimeOut", true, "id", "* -> silence", "ON", QString()},
+                    KeptOrCleared{"Answered", true, "id", "* -> line \"OK\"", "OFF", QString()}),
+    [](const auto& each) { return std::string(each.param.name); });
+
+TEST_F(TerminalRequests, AnEmptyLineThatIsNotSentKeepsTheCaretWhereClearLeftIt) {
+  Connect("* -> line \"OK\"");
+  settings.autoClr = QStringLiteral("ON");
+  Open();
+  Type("abc");
+  Click("CLEAR");
+  ASSERT_EQ(commandLine.CursorPos(), 3);
+  Press(Qt::Key_Return);
+  EXPECT_EQ(commandLine.CursorPos(), 3);
+  EXPECT_EQ(log.LineCount(), 0);
+  settings.enblNull = QStringLiteral("ON");
+  Press(Qt::Key_Return);
+  EXPECT_EQ(commandLine.CursorPos(), 0);
+  EXPECT_EQ(log.LineCount(), 2);
 }
 
 TEST_F(TerminalRequests, SendKeepsTheLineAndAsksForNoPort) {
@@ -60,12 +135,12 @@ TEST_F(TerminalRequests, SendKeepsTheLineAndAsksForNoPort) {
   settings.autoClr = QStringLiteral("ON");
   Open();
   Type("id");
-  state.requests.sendCommandLine = true;
+  state.requests.send = true;
   ASSERT_TRUE(Until([this] { return log.LineCount() == 2; }));
   EXPECT_EQ(commandLine.Text(), QStringLiteral("id"));
   connection.connected.Update(PortChange::Closed);
   connection.handle = PortHandle();
-  state.requests.sendCommandLine = true;
+  state.requests.send = true;
   ASSERT_TRUE(Until([this] { return log.LineCount() == 5; }));
   EXPECT_EQ(window->RowText(3), QStringLiteral("Error: Received Invalid Data\r"));
   EXPECT_TRUE(messages.shown.isEmpty());
@@ -75,15 +150,15 @@ TEST_F(TerminalRequests, NothingIsSentOnALineThatHasDied) {
   Connect("* -> line \"OK\"");
   Open();
   Type("id");
-  state.requests.sendCommandLine = true;
+  state.requests.send = true;
   ASSERT_TRUE(Until([this] { return log.LineCount() == 2; }));
   static Journal calls;
   const auto dead = std::make_shared<ScriptedLine>(calls);
   dead->lost = true;
   connection.handle = PortHandle(dead);
-  state.requests.sendCommandLine = true;
+  state.requests.send = true;
   ASSERT_TRUE(Until([this] { return messages.shown.size() == 1; }));
-  state.requests.pressSend = true;
+  state.requests.sendAction = true;
   ASSERT_TRUE(Until([this] { return messages.shown.size() == 2; }));
   EXPECT_TRUE(messages.shown.last().contains(QStringLiteral("COM port is not available.")))
       << messages.shown.last().toStdString();
@@ -95,7 +170,7 @@ TEST_F(TerminalRequests, ClosingComesLast) {
   Open();
   Type("id");
   state.requests.close.Add(Window::TerminalScreen);
-  state.requests.sendCommandLine = true;
+  state.requests.send = true;
   ASSERT_TRUE(Until([this] { return window.isNull(); }));
   EXPECT_EQ(instrument->Received(), "id\r");
   EXPECT_EQ(log.LineCount(), 2);
@@ -140,7 +215,7 @@ TEST_F(TerminalRequests, SeveralRequestsActInTheirOrder) {
   Open();
   Type("typed");
   // The log and the line are emptied first, then the stored command is loaded, then the line is sent.
-  state.requests.sendCommandLine = true;
+  state.requests.send = true;
   state.requests.functionKey = 0;
   state.requests.clearLog = true;
   ASSERT_TRUE(Until([this] { return log.LineCount() == 2; }));
@@ -160,13 +235,13 @@ TEST_F(TerminalRequests, TheSendActionComesAfterFocusAndEmptyingAndBeforeTheRest
     EXPECT_FALSE(state.requests.clearLog);
     EXPECT_EQ(log.LineCount(), 0);
     EXPECT_EQ(commandLine.Text(), QString());
-    EXPECT_FALSE(state.requests.pressSend);
+    EXPECT_FALSE(state.requests.sendAction);
     EXPECT_TRUE(state.requests.refresh.Contains(Window::TerminalScreen));
     EXPECT_TRUE(state.requests.functionKey);
   };
   state.requests.focus = true;
   state.requests.clearLog = true;
-  state.requests.pressSend = true;
+  state.requests.sendAction = true;
   state.requests.refresh.Add(Window::TerminalScreen);
   state.requests.functionKey = 0;
   ASSERT_TRUE(Until([this] { return commandLine.Text() == u"mem"; }));

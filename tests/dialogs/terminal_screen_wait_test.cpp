@@ -128,10 +128,10 @@ TEST_F(TerminalWait, EscapeTakesWhatAnotherWindowHadAskedToSendWithIt) {
   Type("mute");
   OnceReceived("mute\r", [this] { QTest::keyClick(window->windowHandle(), Qt::Key_Escape); });
   // SEND and Enter in the table of stored commands, within one tick.
-  state.requests.pressSend = true;
-  state.requests.sendCommandLine = true;
+  state.requests.sendAction = true;
+  state.requests.send = true;
   ASSERT_TRUE(Until([this] { return log.LineCount() == 3; }));
-  EXPECT_FALSE(state.requests.sendCommandLine);
+  EXPECT_FALSE(state.requests.send);
   EXPECT_EQ(instrument->Received(), "mute\r");
 }
 

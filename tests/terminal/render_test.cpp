@@ -41,7 +41,7 @@ TEST(RenderBytesForLog, GivesEveryControlByteItsMnemonic) {
   }
 }
 
-TEST(RenderBytesForLog, KeepsTheUnusedEntryForCr) { EXPECT_STREQ(kControlMnemonicTable[0x0D], "<CR>"); }
+TEST(RenderBytesForLog, KeepsTheUnusedEntryForCr) { EXPECT_STREQ(ControlMnemonicTable[0x0D], "<CR>"); }
 
 TEST(RenderBytesForLog, LeavesPrintableAsciiAlone) {
   QByteArray printable;

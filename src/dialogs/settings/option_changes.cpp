@@ -50,7 +50,7 @@ void ChangeInputMax(const DialogContext& context, const OptionBinding& option, c
     }
   }
   option.field.In(context.settings) = value;
-  context.state.requests.clearLog = context.state.open.Contains(Window::TerminalScreen);
+  if (context.state.open.Contains(Window::TerminalScreen)) context.state.requests.clearLog = true;
   context.state.requests.refresh.Add(Window::TerminalScreen);
   WriteOption(context, option);
 }

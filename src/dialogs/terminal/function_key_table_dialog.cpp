@@ -224,7 +224,7 @@ bool CSetMem::HandleKey(const QKeyEvent& event) {
   }
   if (key == Qt::Key_Return || key == Qt::Key_Enter) {
     // A key held down sends once.
-    if (!event.isAutoRepeat() && !m_table.IsEditing()) Requests().sendCommandLine = true;
+    if (!event.isAutoRepeat() && !m_table.IsEditing()) Requests().send = true;
     return true;
   }
   return key == Qt::Key_Escape;
@@ -240,7 +240,7 @@ void CSetMem::PressFunctionButton(int index) {
 
 void CSetMem::Send() {
   if (!State().open.Contains(Window::TerminalScreen)) return;
-  Requests().pressSend = true;
+  Requests().sendAction = true;
   Requests().focus = true;
 }
 

@@ -210,8 +210,8 @@ void CTerminalScreen::Transact() {
   RedrawLogRows();
   if (result == TransactionResult::Aborted) {
     // Earlier send requests of other windows are dropped like keys typed ahead.
-    Requests().sendCommandLine = false;
-    Requests().pressSend = false;
+    Requests().send = false;
+    Requests().sendAction = false;
   }
   if (result != TransactionResult::LogFull) return;
   m_context.messages.ShowTransientMessage(QStringLiteral("Error: No remaining memory for log buffer"), {});
@@ -276,12 +276,12 @@ void CTerminalScreen::PerformRequests() {
     ResetLog();
     ShowCommandLine();
   }
-  if (Take(requests.pressSend)) PressSend();
+  if (Take(requests.sendAction)) PressSend();
   if (IsRefreshTaken()) RefreshAll();
   if (const std::optional<int> index = std::exchange(requests.functionKey, std::nullopt)) {
     LoadStoredCommand(*index, requests.functionKeyCtrl);
   }
-  if (Take(requests.sendCommandLine)) SendIfTyped();
+  if (Take(requests.send)) SendIfTyped();
 }
 
 void CTerminalScreen::wheelEvent(QWheelEvent* event) {
