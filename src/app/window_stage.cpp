@@ -1,8 +1,11 @@
 #include "app/window_stage.h"
 
+#include <QEventLoop>
 #include <QFileInfo>
+#include <QGuiApplication>
 #include <QLayout>
 #include <QTimer>
+#include <QWindow>
 #include <utility>
 
 #include "app/file_argument.h"
@@ -12,6 +15,19 @@
 #include "ui/window_system.h"
 
 namespace quarn {
+namespace {
+
+constexpr int kLongestWaitForKeyboardMs = 2000;
+
+/// Until a window that was shown has the keyboard, which it gets when it is drawn. Keys are kept.
+void WaitForKeyboard() {
+  QEventLoop loop;
+  QObject::connect(qGuiApp, &QGuiApplication::focusWindowChanged, &loop, &QEventLoop::quit);
+  QTimer::singleShot(kLongestWaitForKeyboardMs, &loop, &QEventLoop::quit);
+  if (QGuiApplication::focusWindow() == nullptr) loop.exec(QEventLoop::ExcludeUserInputEvents);
+}
+
+}  // namespace
 
 WindowStage::WindowStage(Program& program, QStringList arguments)
     : m_program(program), m_arguments(std::move(arguments)) {}
@@ -64,6 +80,9 @@ void WindowStage::PlaceMainDialog(int xPercent, int yPercent) {
 
 void WindowStage::ShowMainDialog() {
   m_dialog->SetTitle(QString());
+  // sway puts windows of X11 on each other in the order in which they are drawn.
+  const bool isBeside = m_program.state.open.Contains(quarn::Window::TerminalScreen);
+  if (isBeside && !MayPlaceWindows() && !IsOnWayland()) WaitForKeyboard();
   m_dialog->show();
   if (!IsDemo(m_arguments)) {
     m_requests.emplace([this](const QString& file) { m_dialog->TakeStartRequest(file); });

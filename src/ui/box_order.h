@@ -17,7 +17,7 @@ class ModalOrder {
 [[nodiscard]] std::unique_ptr<ModalOrder> KeepModalInFront();
 
 /// Brings a window that is shown to the front and gives it the keyboard. Where the system refuses this
-/// (Wayland), the window is shown again a moment later, perhaps in another place.
+/// (Wayland, and sway), the window is shown again a moment later, perhaps in another place.
 void BringToFront(QWidget& window);
 
 /// Call for a window before it is shown. Where the system places windows, and may put one over its owner, the

@@ -37,20 +37,21 @@ class ShowAgainRule {
   qint64 m_shownAtMs = 0;
 };
 
-/// For window systems in which a program can neither raise a window nor take the keyboard (Wayland). A box
-/// that is under the window that was clicked on is hidden and shown again: a window that is shown comes up in
-/// front, and the system puts it in front of the clicked one from then on. The box's event loop, its state
-/// and its focus stay.
+/// For window systems in which a program can neither raise a window nor take the keyboard (Wayland, and
+/// sway). A box that is under the window that was clicked on is hidden and shown again: a window that is
+/// shown comes up in front, and the system puts it in front of the clicked one from then on. The box's event
+/// loop, its state and its focus stay.
 class ShownAgain final : public QObject, public ModalOrder {
  public:
   ShownAgain();
+
+  /// `focused` has the keyboard now; null: none of the program's windows.
+  void Follow(QWindow* focused);
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
-  void Follow(QWindow* focused);
-
   ShowAgainRule m_rule;
 };
 
