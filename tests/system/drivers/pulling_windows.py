@@ -14,6 +14,8 @@ PAGE_KIB = os.sysconf("SC_PAGESIZE") // 1024
 MOST_GROWTH_KIB = 2048
 IDLE_S = 4 if options["long"] else 2
 MEASUREMENTS = 20
+# Two measurements of the same may differ by as much.
+NOISE = 1.1
 # As the kernel numbers the clocks of another process: the time that its threads really ran.
 PROCESS_CPU_CLOCK = 2
 
@@ -50,9 +52,9 @@ class Session:
             before, began = self._used_ms(), time.monotonic()
             time.sleep(IDLE_S)
             least = min(least, (self._used_ms() - before) / (time.monotonic() - began))
-            if (least <= enough) if enough is not None else attempt == 2:
+            if (least <= NOISE * enough) if enough is not None else attempt == 2:
                 return least
-        raise Failed(f"it uses {least:.1f} ms of processor time a second, and {enough:.1f} are allowed")
+        raise Failed(f"it uses {least:.1f} ms of processor time a second, and before it was {enough:.1f}")
 
     def _used_ms(self):
         """Of all threads, those that have ended included: the process's own clock of processor time."""
@@ -160,6 +162,8 @@ def cycles(cable, count):
                     figures.append((session.descriptors(), session.memory()))
                 quarn.end()
         finally:
+            # For the tests that follow a failure.
+            used.plug()
             adapters.unplug("second")
         descriptors, memory = figures[0]
         last_descriptors, last_memory = figures[-1]
