@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <QtGlobal>
 #include <array>
 #include <cerrno>
 #include <cstring>
@@ -64,11 +63,9 @@ class FaultRun {
 
   /// The first allocation gets no memory, then the second, until the operation ends without that; each time
   /// in a copy of this process. It may end the copy, but only with the message about it, and with whole
-  /// files: each has the content that some file had before the operation or has after it. Behind the first
-  /// ones only every `step`th; all of them with QUARN_EVERY_ALLOCATION in the environment. Returns how many
+  /// files: each has the content that some file had before the operation or has after it. Returns how many
   /// failed.
-  int PlayWithoutMemory(int step = 1) {
-    if (qEnvironmentVariableIsSet("QUARN_EVERY_ALLOCATION")) step = 1;
+  int PlayWithoutMemory() {
     std::set<std::string> whole;
     for (const bool acts : {false, true}) {
       const ProcessEnd end = InCopyOfThisProcess([&] {
@@ -80,10 +77,9 @@ class FaultRun {
       whole.merge(FileContents());
     }
     std::map<std::string, int> ends;
-    int failing = 0;
     int points = 0;
     for (; !testing::Test::HasFailure(); ++points) {
-      failing += failing < kAlwaysPlayed ? 1 : step;
+      const int failing = points + 1;
       SCOPED_TRACE(m_name + ", no memory at allocation " + std::to_string(failing));
       const ProcessEnd end = InCopyOfThisProcess([&] { return PlayMemoryFault(failing); });
       if (end.itself && end.status == kNotReached) break;
@@ -111,7 +107,6 @@ class FaultRun {
     EXPECT_FALSE(Strikes(plan, seen));
   }
 
-  static constexpr int kAlwaysPlayed = 40;
   enum MemoryStatus { kReached, kNotReached, kCheckFailed };
 
   int PlayMemoryFault(int failing) {
