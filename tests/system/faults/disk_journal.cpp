@@ -3,16 +3,63 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <string_view>
 #include <utility>
 
 namespace quarn::test {
+namespace {
+
+constexpr std::size_t kSector = 512;     ///< a disk writes it whole, or not at all
+constexpr std::size_t kEverySubset = 6;  ///< of so many pieces each choice is made
+
+using Choice = std::vector<bool>;
+
+/// Which of so many pieces have reached the disk. Of more than a few: the first ones, the last ones, a single
+/// one, all but one, and every other one.
+std::set<Choice> ChoicesOf(std::size_t pieces) {
+  std::set<Choice> choices;
+  if (pieces <= kEverySubset) {
+    for (std::size_t bits = 0; bits < std::size_t{1} << pieces; ++bits) {
+      Choice choice(pieces);
+      for (std::size_t i = 0; i < pieces; ++i) choice[i] = (bits >> i) % 2 == 1;
+      choices.insert(choice);
+    }
+    return choices;
+  }
+  for (std::size_t at = 0; at <= pieces; ++at) {
+    Choice first(pieces);
+    Choice single(pieces);
+    Choice other(pieces);
+    for (std::size_t i = 0; i < pieces; ++i) {
+      first[i] = i < at;
+      single[i] = i == at;
+      other[i] = i % 2 == at % 2;
+    }
+    for (Choice each : {first, single, other}) {
+      choices.insert(each);
+      each.flip();
+      choices.insert(each);
+    }
+  }
+  return choices;
+}
+
+}  // namespace
+
+bool IsTemporaryName(const std::string& name) {
+  const std::filesystem::path path(name);
+  return path.extension().string().size() == std::string_view(".XXXXXX").size() &&
+         path.stem().has_extension();
+}
 
 DiskJournal::DiskJournal(std::string folder) : m_folder(std::move(folder)) {
   for (const auto& entry : std::filesystem::directory_iterator(m_folder)) {
+    if (!entry.is_regular_file()) continue;
     std::ifstream file(entry.path(), std::ios::binary);
     m_names[entry.path().filename().string()] = static_cast<int>(m_initial.size());
     m_initial.emplace_back(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
@@ -20,8 +67,15 @@ DiskJournal::DiskJournal(std::string folder) : m_folder(std::move(folder)) {
   m_initialNames = m_names;
 }
 
-std::string DiskJournal::NameOf(const std::string& path) const {
-  return std::filesystem::path(path).filename().string();
+std::string DiskJournal::NameOf(const std::string& path) {
+  std::string name = std::filesystem::path(path).filename().string();
+  if (!IsTemporaryName(name)) return name;
+  const auto [known, isNew] = m_temporary.try_emplace(name);
+  if (isNew) {
+    const std::string number = std::to_string(100 + m_temporary.size()).substr(1);
+    known->second = std::filesystem::path(name).stem().string() + ".temp" + number;
+  }
+  return known->second;
 }
 
 void DiskJournal::Opened(int descriptor, const std::string& path, int flags) {
@@ -107,6 +161,16 @@ std::set<std::string> DiskJournal::Versions(const std::string& name) const {
   return versions;
 }
 
+std::set<std::string> DiskJournal::LastingNames() const {
+  std::set<std::string> names;
+  for (const auto& [name, file] : m_initialNames) names.insert(name);
+  for (const Event& event : m_events) {
+    if (event.kind == Kind::Name && !event.given.empty()) names.insert(event.given);
+  }
+  std::erase_if(names, IsTemporaryName);
+  return names;
+}
+
 bool DiskJournal::WasAbsent(const std::string& name) const {
   Names names = m_initialNames;
   bool absent = !names.contains(name);
@@ -123,13 +187,19 @@ class DiskJournal::PowerLoss {
   PowerLoss(const DiskJournal& journal, std::size_t count)
       : m_durable(journal.m_initial), m_names(journal.m_initialNames) {
     for (std::size_t i = 0; i < count; ++i) Take(journal.m_events[i]);
-    for (const auto& [file, events] : m_writes) m_unflushed.push_back(file);
+    std::set<int> named;
+    for (const auto& [name, file] : m_names) named.insert(file);
+    for (const Event& event : m_pending) named.insert(event.file);
+    for (const auto& [file, writes] : m_writes) {
+      // Nobody finds a file that has no name.
+      if (named.contains(file)) m_contents[file] = ContentsAfter(writes, ContentOf(file));
+    }
   }
 
   /// What may or may not have reached the disk.
   [[nodiscard]] std::uint64_t Choices() const {
     std::uint64_t choices = std::uint64_t{1} << m_pending.size();
-    for (std::size_t i = 0; i < m_unflushed.size(); ++i) choices *= kAmounts;
+    for (const auto& [file, contents] : m_contents) choices *= contents.size();
     return choices;
   }
 
@@ -139,19 +209,23 @@ class DiskJournal::PowerLoss {
       if (choice % 2 == 1) Apply(event, names);
       choice /= 2;
     }
-    std::vector<std::string> contents = m_durable;
-    for (const int file : m_unflushed) {
-      const std::vector<Event>& writes = m_writes.at(file);
-      ApplyPart(writes, choice % kAmounts, contents[static_cast<std::size_t>(file)]);
-      choice /= kAmounts;
+    std::map<int, const std::string*> chosen;
+    for (const auto& [file, contents] : m_contents) {
+      chosen[file] = &contents[choice % contents.size()];
+      choice /= contents.size();
     }
     DiskState state;
-    for (const auto& [name, file] : names) state[name] = contents[static_cast<std::size_t>(file)];
+    for (const auto& [name, file] : names) {
+      const auto found = chosen.find(file);
+      state[name] = found == chosen.end() ? ContentOf(file) : *found->second;
+    }
     return state;
   }
 
  private:
-  static constexpr std::uint64_t kAmounts = 3;  ///< nothing, half, and all
+  [[nodiscard]] const std::string& ContentOf(int file) const {
+    return m_durable[static_cast<std::size_t>(file)];
+  }
 
   void Take(const Event& event) {
     switch (event.kind) {
@@ -173,23 +247,45 @@ class DiskJournal::PowerLoss {
         break;
     }
   }
-  /// Of a single write half of its bytes, of several half of them.
-  static void ApplyPart(const std::vector<Event>& writes, std::uint64_t amount, std::string& content) {
-    if (amount == 0) return;
-    const std::size_t count = amount == 1 ? writes.size() / 2 : writes.size();
-    for (std::size_t i = 0; i < count; ++i) Apply(writes[i], content);
-    if (amount == 1 && writes.size() % 2 == 1) {
-      Event half = writes[count];
-      half.bytes.resize(half.bytes.size() / 2);
-      Apply(half, content);
+
+  /// The writes in sectors, or in two halves.
+  static std::vector<Event> PiecesOf(const std::vector<Event>& writes) {
+    std::vector<Event> pieces;
+    for (const Event& event : writes) {
+      if (event.kind != Kind::Write) {
+        pieces.push_back(event);
+        continue;
+      }
+      const std::size_t size = std::clamp<std::size_t>((event.bytes.size() + 1) / 2, 1, kSector);
+      for (std::size_t from = 0; from < event.bytes.size(); from += size) {
+        Event piece = event;
+        piece.bytes = event.bytes.substr(from, size);
+        piece.at = event.at + from;
+        pieces.push_back(piece);
+      }
     }
+    return pieces;
+  }
+
+  /// Every content that the file may have, each once.
+  static std::vector<std::string> ContentsAfter(const std::vector<Event>& writes, const std::string& before) {
+    const std::vector<Event> pieces = PiecesOf(writes);
+    std::set<std::string> contents;
+    for (const Choice& choice : ChoicesOf(pieces.size())) {
+      std::string content = before;
+      for (std::size_t i = 0; i < pieces.size(); ++i) {
+        if (choice[i]) Apply(pieces[i], content);
+      }
+      contents.insert(content);
+    }
+    return {contents.begin(), contents.end()};
   }
 
   std::vector<std::string> m_durable;
   Names m_names;
-  std::map<int, std::vector<Event>> m_writes;  ///< since the last flush of each file
-  std::vector<int> m_unflushed;
-  std::vector<Event> m_pending;  ///< names
+  std::map<int, std::vector<Event>> m_writes;          ///< since the last flush of each file
+  std::map<int, std::vector<std::string>> m_contents;  ///< of each file whose writes are not flushed
+  std::vector<Event> m_pending;                        ///< names
 };
 
 int DiskJournal::ForEachState(const std::function<void(const DiskState&)>& show) const {

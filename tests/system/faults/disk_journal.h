@@ -11,15 +11,18 @@ namespace quarn::test {
 /// The files of a folder: name and content.
 using DiskState = std::map<std::string, std::string>;
 
+/// Whether the name is that of a settings file with a dot and six more characters.
+bool IsTemporaryName(const std::string& name);
+
 /// What operations on the files of one folder have asked of the disk, and what a power loss can leave of it:
-///  - what was written to a file since its last flush may be there, half of it, or not at all;
+///  - of what was written to a file since its last flush, any pieces may be there, and the others not: a disk
+///    writes in its own order;
 ///  - each name that was given, changed or removed since the last flush of the folder may be as before,
-///  whatever has
-///    become of the others.
-/// Permissions are not looked at.
+///    whatever has become of the others.
+/// Permissions are not looked at. Temporary files are called NAME.temp01 and so on, in the order in which
+/// they got their first name, so that the same states have the same names.
 class DiskJournal {
  public:
-  /// `folder` ends with a separator.
   explicit DiskJournal(std::string folder);
 
   // The calls, after they have succeeded.
@@ -37,6 +40,8 @@ class DiskJournal {
   int ForEachState(const std::function<void(const DiskState&)>& show) const;
   /// What a file may hold: complete contents that it had, one after another.
   [[nodiscard]] std::set<std::string> Versions(const std::string& name) const;
+  /// Every name that a file had at some moment, but for temporary ones.
+  [[nodiscard]] std::set<std::string> LastingNames() const;
   /// Whether there was a moment without such a file.
   [[nodiscard]] bool WasAbsent(const std::string& name) const;
 
@@ -55,7 +60,7 @@ class DiskJournal {
   };
   class PowerLoss;
 
-  [[nodiscard]] std::string NameOf(const std::string& path) const;
+  std::string NameOf(const std::string& path);
   void Note(Event event) { m_events.push_back(std::move(event)); }
   void NoteName(int file, const std::string& removed, const std::string& given);
   static void Apply(const Event& event, std::string& content);
@@ -66,7 +71,8 @@ class DiskJournal {
   std::vector<std::string> m_initial;  ///< the content of each file at the beginning
   Names m_initialNames;
   Names m_names;
-  std::map<int, int> m_open;  ///< the file of each descriptor
+  std::map<std::string, std::string> m_temporary;  ///< what it is called here, of each temporary file
+  std::map<int, int> m_open;                       ///< the file of each descriptor
   std::vector<Event> m_events;
 };
 

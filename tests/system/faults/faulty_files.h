@@ -9,6 +9,18 @@
 
 namespace quarn::test {
 
+// What a start shows, as RecordedMessages writes it down.
+
+inline QString StartWarning(const char* why, const char* what = "Starting with default settings.") {
+  return QStringLiteral("information/: Warning//%1/%2").arg(QLatin1String(why), QLatin1String(what));
+}
+
+inline const QString kStartNotFound = StartWarning("Initial settings file not found.");
+inline const QString kStartInvalid = StartWarning("Initial file is invalid.");
+inline const QString kStartBadPort = StartWarning("Defined port name is invalid.");
+inline const QString kStartDifferent =
+    StartWarning("Initial file version is different or corrupt.", "Updating configuration settings.");
+
 /// The files before an operation, and those allowed after a fault.
 class FaultyFiles : public SettingsFileTest {
  protected:

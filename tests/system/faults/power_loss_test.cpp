@@ -12,99 +12,42 @@
 #include "settings/user_file.h"
 #include "settings/user_file_test.h"
 #include "settings/working_file.h"
-#include "system/faults/disk_journal.h"
 #include "system/faults/faulty_files.h"
+#include "system/faults/power_loss.h"
 #include "terminal/function_key_table.h"
 
 namespace quarn::test {
 namespace {
 
-bool IsTemporary(const std::string& name) {
-  const QFileInfo info(QString::fromStdString(name));
-  return info.suffix().size() == 6 && info.completeBaseName().contains(u'.');
-}
-
 class PowerLoss : public FaultyFiles {
  protected:
-  using Check = std::function<void(const DiskState&)>;
-
-  /// Runs an operation once, and checks every disk that it can leave.
-  template <class Act>
+  template <class Act, class Check>
   int Play(const char* name, const Act& act, const Check& check) {
-    DiskJournal journal(Place());
-    {
-      CallFaults calls(Place(), {});
-      calls.NoteIn(journal);
-      act();
-    }
-    int different = 0;
-    const int states = journal.ForEachState([&](const DiskState& state) {
-      ++different;
-      if (HasFailure()) return;
-      ExpectWhole(journal, state);
-      check(state);
-    });
-    std::cout << "power loss: " << name << ": " << states << " states, " << different << " different\n";
-    EXPECT_GT(states, 1) << name << " does nothing that a power loss could spoil";
-    return states;
+    return m_losses.Play(name, act, check);
   }
-  /// As above, with a file that loads before and after: the next start takes the disk without a word.
   template <class Act>
   int PlaySound(const char* name, const Act& act) {
-    return Play(name, act, [this](const DiskState& state) {
-      const SettingsRecord loaded = Start(state);
-      EXPECT_EQ(m_messages.shown, QStringList());
-      EXPECT_EQ(loaded.loadedMarker, QStringLiteral("TRUE"));
-    });
+    return m_losses.PlaySound(name, act);
   }
-
-  /// A start of the program with this disk.
-  SettingsRecord Start(const DiskState& state) {
-    const QTemporaryDir folder;
-    for (const auto& [name, content] : state) {
-      QFile file(folder.filePath(QString::fromStdString(name)));
-      EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-      EXPECT_EQ(file.write(content.data(), static_cast<qint64>(content.size())),
-                static_cast<qint64>(content.size()));
-    }
-    SettingsRecord record;
-    m_messages.shown.clear();
-    LoadInitialSettings(folder.filePath(QStringLiteral("Quarn.ini")), record, m_messages);
-    return record;
-  }
+  SettingsRecord Start(const DiskState& state) { return m_losses.Start(state); }
   /// Some file has exactly these bytes.
   static bool Keeps(const DiskState& state, const QByteArray& bytes) {
     return std::any_of(state.begin(), state.end(), [&](const auto& file) {
-      return !IsTemporary(file.first) && file.second == bytes.toStdString();
+      return !IsTemporaryName(file.first) && file.second == bytes.toStdString();
     });
   }
 
   const QString working = Path();
   const QString user = Path(QStringLiteral("user.qrn"));
+  PowerLosses m_losses{Path(QString())};
   RecordedMessages m_messages;
-
- private:
-  static void ExpectWhole(const DiskJournal& journal, const DiskState& state) {
-    std::set<std::string> names{"Quarn.ini", "user.qrn", "Quarn.ini.damaged"};
-    for (const auto& [name, content] : state) {
-      if (!IsTemporary(name)) names.insert(name);
-    }
-    for (const std::string& name : names) {
-      const auto found = state.find(name);
-      if (found == state.end()) {
-        EXPECT_TRUE(journal.WasAbsent(name)) << name << " is gone";
-      } else {
-        EXPECT_TRUE(journal.Versions(name).contains(found->second))
-            << name << " has " << found->second.size() << " bytes: " << found->second;
-      }
-    }
-  }
 };
 
 TEST_F(PowerLoss, AnOption) {
   WithBytes(WithPort("COM7"));
-  EXPECT_GE(PlaySound("an option", [this] { UpdateValue(working, keys::kComBps, QStringLiteral("19200")); }),
-            8);
+  const auto act = [this] { UpdateValue(working, keys::kComBps, QStringLiteral("19200")); };
+  EXPECT_EQ(PlaySound("an option", act), 3)
+      << "the old file, the new one, and the old one beside the new one";
 }
 
 TEST_F(PowerLoss, AllSettings) {
@@ -138,7 +81,7 @@ TEST_F(PowerLoss, TheDefaultsWhereThereIsNoFile) {
       "the defaults", [this] { EXPECT_TRUE(WriteDefaultFile(working)); },
       [this](const DiskState& state) {
         Start(state);
-        EXPECT_EQ(m_messages.shown.isEmpty(), state.contains("Quarn.ini"));
+        EXPECT_EQ(m_losses.Shown().isEmpty(), state.contains("Quarn.ini"));
       });
 }
 
@@ -192,6 +135,20 @@ TEST_F(PowerLoss, ADamagedFileIsKept) {
       [&](const DiskState& state) { EXPECT_TRUE(Keeps(state, damaged)) << "it is lost"; });
 }
 
+TEST_F(PowerLoss, AFileWithABadPortIsKept) {
+  const QByteArray bad = WithPort("COM100");
+  WithBytes(bad);
+  SettingsRecord record;
+  Play(
+      "a start with a bad port", [&] { LoadInitialSettings(working, record, m_messages); },
+      [&](const DiskState& state) {
+        EXPECT_TRUE(Keeps(state, bad)) << "it is lost";
+        EXPECT_EQ(Start(state).comPort, QStringLiteral("NONE"));
+        const bool replaced = state.at("Quarn.ini") != bad.toStdString();
+        EXPECT_EQ(m_losses.Shown(), replaced ? QStringList() : QStringList{kStartBadPort});
+      });
+}
+
 TEST_F(PowerLoss, AFileThatIsTooLargeIsKept) {
   const QByteArray large(kMaxFileBytes + 1, 'x');
   WithBytes(large);
@@ -210,14 +167,30 @@ TEST_F(PowerLoss, OneOperationAfterTheOther) {
   WithBytes(WithPort("COM7"));
   WithBytes(WithPort("COM3"), QStringLiteral("user.qrn"));
   SettingsRecord record;
-  const int states = PlaySound("five operations", [&] {
+  const int different = PlaySound("five operations", [&] {
     UpdateValue(working, keys::kComBps, QStringLiteral("19200"));
     EXPECT_TRUE(CopySettingsFile(working, user));
     UpdateValue(working, keys::kComBits, QStringLiteral("7"));
     EXPECT_FALSE(OpenUserFile(user, working, record, m_messages).isEmpty());
     EXPECT_TRUE(CopySettingsFile(working, user));
   });
-  EXPECT_GE(states, 1000);
+  EXPECT_EQ(different, 126);
+}
+
+/// The system may take a file in many pieces. The flush comes after the last one.
+TEST_F(PowerLoss, AFileThatIsWrittenInPieces) {
+  const auto play = [this](const char* name, const FaultPlan& plan) {
+    WithBytes(WithPort("COM7"));
+    WithBytes(WithPort("COM3"), QStringLiteral("user.qrn"));
+    const auto act = [this] {
+      UpdateValue(working, keys::kComBps, QStringLiteral("19200"));
+      EXPECT_TRUE(CopySettingsFile(working, user));
+    };
+    return m_losses.PlaySound(name, act, plan);
+  };
+  FaultPlan inPieces;
+  inPieces.byHalves = true;
+  EXPECT_EQ(play("two operations in pieces", inPieces), play("the same in one piece each", {}));
 }
 
 /// That a file written in place, and one renamed without a flush, would be noticed.
@@ -249,6 +222,9 @@ class UnsafeWrites : public FaultyFiles {
   }
 };
 
+/// The second half alone: a disk writes in its own order.
+std::string OnlySecond() { return std::string(5, '\0') + "wards"; }
+
 TEST_F(UnsafeWrites, InPlaceLeaveHalfAFile) {
   const auto contents = ContentsAfter([](const std::string& path) { Write(path, true); });
   EXPECT_TRUE(contents.contains(""));
@@ -262,8 +238,32 @@ TEST_F(UnsafeWrites, WithoutAFlushLeaveAnEmptyFile) {
       EXPECT_EQ(::rename((path + ".new").c_str(), path.c_str()), 0);
     };
   };
-  EXPECT_EQ(ContentsAfter(write(false)), (std::set<std::string>{"before", "", "after", "afterwards"}));
+  EXPECT_EQ(ContentsAfter(write(false)),
+            (std::set<std::string>{"before", "", "after", OnlySecond(), "afterwards"}));
   EXPECT_EQ(ContentsAfter(write(true)), (std::set<std::string>{"before", "afterwards"}));
+}
+
+TEST_F(UnsafeWrites, ManyWithoutAFlushLeaveAnyOfThem) {
+  const auto contents = ContentsAfter([](const std::string& path) {
+    const std::string added = path + ".new";
+    const int file = ::open(added.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+    for (const char byte : std::string("afterwards")) EXPECT_EQ(::write(file, &byte, 1), 1);
+    ::close(file);
+    EXPECT_EQ(::rename(added.c_str(), path.c_str()), 0);
+  });
+  const auto only = [](std::initializer_list<std::size_t> written) {
+    std::string content;
+    for (const std::size_t at : written) {
+      content.resize(at);
+      content.push_back("afterwards"[at]);
+    }
+    return content;
+  };
+  EXPECT_TRUE(contents.contains(only({0, 1, 2, 3})));
+  EXPECT_TRUE(contents.contains(only({5, 6, 7, 8, 9})));
+  EXPECT_TRUE(contents.contains(only({4})));
+  EXPECT_TRUE(contents.contains(only({0, 1, 2, 3, 4, 5, 6, 8, 9})));
+  EXPECT_TRUE(contents.contains(only({1, 3, 5, 7, 9})));
 }
 
 }  // namespace

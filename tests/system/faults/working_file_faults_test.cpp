@@ -10,16 +10,6 @@
 namespace quarn::test {
 namespace {
 
-QString Warning(const char* why, const char* what = "Starting with default settings.") {
-  return QStringLiteral("information/: Warning//%1/%2").arg(QLatin1String(why), QLatin1String(what));
-}
-
-const QString kStartNotFound = Warning("Initial settings file not found.");
-const QString kStartInvalid = Warning("Initial file is invalid.");
-const QString kStartBadPort = Warning("Defined port name is invalid.");
-const QString kStartDifferent =
-    Warning("Initial file version is different or corrupt.", "Updating configuration settings.");
-
 class WorkingFileFaults : public FaultyFiles {
  protected:
   /// The start with this file (null: none). Without a fault it shows `shown` and leaves `after`. A fault may
