@@ -39,19 +39,27 @@ class LatenessProbe {
   std::thread m_thread;
 };
 
+/// Milliseconds that `work` takes. A late machine only adds to them: so a try of no more than `limit` counts,
+/// and a longer one only if the machine was never late by more than `lateness` in it. `work` returns what to
+/// compare.
+template <class Work>
+std::int64_t MillisecondsWithin(std::int64_t limit, std::chrono::milliseconds lateness, const Work& work) {
+  constexpr int kTries = 30;
+  for (int attempt = 0; attempt < kTries; ++attempt) {
+    LatenessProbe probe;
+    const std::int64_t taken = work();
+    if (taken <= limit || probe.Longest() <= lateness || testing::Test::HasFatalFailure()) return taken;
+  }
+  ADD_FAILURE() << "the machine is too busy for this test";
+  return -1;
+}
+
 /// Milliseconds that `work` takes, from a try in which the machine was never late by more than `lateness`:
 /// only then an upper limit says something about the work. What must hold on every machine belongs into
 /// `work`.
 template <class Work>
 std::int64_t MillisecondsWhenCalm(std::chrono::milliseconds lateness, const Work& work) {
-  constexpr int kTries = 30;
-  for (int attempt = 0; attempt < kTries; ++attempt) {
-    LatenessProbe probe;
-    const std::int64_t taken = MillisecondsOf(work);
-    if (probe.Longest() <= lateness || testing::Test::HasFatalFailure()) return taken;
-  }
-  ADD_FAILURE() << "the machine is too busy for this test";
-  return -1;
+  return MillisecondsWithin(-1, lateness, [&work] { return MillisecondsOf(work); });
 }
 
 }  // namespace quarn
