@@ -41,6 +41,20 @@ std::optional<LineClock::time_point> ReadDeadline::Time() const {
   return m_totalEnd ? m_totalEnd : m_silenceEnd;
 }
 
+LineTimeouts RestOf(const LineTimeouts& timeouts, std::optional<LineClock::time_point> totalEnd,
+                    LineClock::time_point now) {
+  // With the largest interval the totals mean something else, and a read that has a byte ends at once.
+  if (!totalEnd || timeouts.readInterval == kMaximum) return timeouts;
+  // No time at all would mean: without an end.
+  constexpr std::int64_t kShortest = 1;
+  constexpr std::int64_t kLongest = kMaximum - 1;
+  const auto left = std::chrono::ceil<std::chrono::milliseconds>(*totalEnd - now).count();
+  LineTimeouts rest = timeouts;
+  rest.readTotalMultiplier = 0;
+  rest.readTotalConstant = static_cast<std::uint32_t>(std::clamp<std::int64_t>(left, kShortest, kLongest));
+  return rest;
+}
+
 std::optional<LineClock::time_point> WriteDeadline(const LineTimeouts& timeouts, std::size_t size,
                                                    LineClock::time_point start) {
   return TotalEnd(timeouts.writeTotalMultiplier, timeouts.writeTotalConstant, size, start);

@@ -28,6 +28,11 @@ class ReadDeadline {
   std::optional<LineClock::time_point> m_silenceEnd;
 };
 
+/// For a driver that counts the total time from its own call: the time-outs with which a read that begins
+/// `now`, when its first byte has come, ends at `totalEnd`. Unchanged without an end.
+LineTimeouts RestOf(const LineTimeouts& timeouts, std::optional<LineClock::time_point> totalEnd,
+                    LineClock::time_point now);
+
 /// When a write of `size` bytes that started at `start` ends; nullopt if it waits without limit.
 std::optional<LineClock::time_point> WriteDeadline(const LineTimeouts& timeouts, std::size_t size,
                                                    LineClock::time_point start);

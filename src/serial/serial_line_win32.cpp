@@ -34,6 +34,16 @@ LineFailure FailureOnOpenLine(unsigned long code, const QString& device) {
   return failure;
 }
 
+bool SetDriverTimeouts(const CommHandle& handle, const LineTimeouts& timeouts) {
+  COMMTIMEOUTS record{};
+  record.ReadIntervalTimeout = timeouts.readInterval;
+  record.ReadTotalTimeoutMultiplier = timeouts.readTotalMultiplier;
+  record.ReadTotalTimeoutConstant = timeouts.readTotalConstant;
+  record.WriteTotalTimeoutMultiplier = timeouts.writeTotalMultiplier;
+  record.WriteTotalTimeoutConstant = timeouts.writeTotalConstant;
+  return SetCommTimeouts(handle.Get(), &record) != FALSE;
+}
+
 }  // namespace
 
 Win32SerialLine::Win32SerialLine(void* handle, QString device)
@@ -116,16 +126,20 @@ LineResult Win32SerialLine::SetState(const LineState& state) {
 LineResult Win32SerialLine::SetTimeouts(const LineTimeouts& timeouts) {
   const auto [handle, failure] = UsableHandle();
   if (!handle) return failure;
-  COMMTIMEOUTS record{};
-  record.ReadIntervalTimeout = timeouts.readInterval;
-  record.ReadTotalTimeoutMultiplier = timeouts.readTotalMultiplier;
-  record.ReadTotalTimeoutConstant = timeouts.readTotalConstant;
-  record.WriteTotalTimeoutMultiplier = timeouts.writeTotalMultiplier;
-  record.WriteTotalTimeoutConstant = timeouts.writeTotalConstant;
-  if (LineResult set = Conclude(SetCommTimeouts(handle->Get(), &record) != FALSE); !set) return set;
+  if (LineResult set = Conclude(SetDriverTimeouts(*handle, timeouts)); !set) return set;
   const Lock lock(m_meeting->mutex);
   m_timeouts = timeouts;
   return {};
+}
+
+bool Win32SerialLine::IsLeftBehind() const {
+  const Lock lock(m_meeting->mutex);
+  return m_leftBehind != nullptr;
+}
+
+LineTimeouts Win32SerialLine::Timeouts() const {
+  const Lock lock(m_meeting->mutex);
+  return m_timeouts;
 }
 
 LineResult Win32SerialLine::SetModemLines(const ModemLines& lines) {
@@ -213,9 +227,9 @@ void Win32SerialLine::EndIo() {
   m_meeting->changed.notify_all();
 }
 
-Win32SerialLine::Arrival Win32SerialLine::WaitForBytes(const CommHandle& handle, std::size_t size) {
+Win32SerialLine::Arrival Win32SerialLine::WaitForBytes(const CommHandle& handle,
+                                                       std::optional<Clock::time_point> deadline) {
   Lock lock(m_meeting->mutex);
-  const auto deadline = ReadDeadline(m_timeouts, size, Clock::now()).Time();
   for (;;) {
     lock.unlock();
     COMSTAT status{};
@@ -234,12 +248,25 @@ Win32SerialLine::Arrival Win32SerialLine::WaitForBytes(const CommHandle& handle,
 }
 
 IoResult Win32SerialLine::Read(char* buffer, std::size_t size) {
+  const Clock::time_point start = Clock::now();
   const IoScope io(*this);
   if (!io.Handle()) return {.failure = io.Failure()};
-  const Arrival arrival = WaitForBytes(*io.Handle(), size);
+  const LineTimeouts timeouts = Timeouts();
+  const auto end = ReadDeadline(timeouts, size, start).Time();
+  const Arrival arrival = WaitForBytes(*io.Handle(), end);
   if (arrival.failure) return {.failure = *arrival.failure};
   if (arrival.timedOut) return {.ok = true};
-  const auto transfer = CommTransfer::Read(io.Handle(), m_meeting, size);
+  // A driver that refuses this reads with the whole total, and one that is gone fails the read.
+  if (end) SetDriverTimeouts(*io.Handle(), RestOf(timeouts, end, Clock::now()));
+  IoResult read = ReadReceived(io.Handle(), buffer, size);
+  // Behind a read that does not end, this would wait for it. The next read sets its own rest.
+  if (end && !IsLeftBehind()) SetDriverTimeouts(*io.Handle(), Timeouts());
+  return read;
+}
+
+IoResult Win32SerialLine::ReadReceived(const std::shared_ptr<CommHandle>& handle, char* buffer,
+                                       std::size_t size) {
+  const auto transfer = CommTransfer::Read(handle, m_meeting, size);
   IoResult read = Await(transfer);
   if (read.ok) std::copy_n(transfer->Bytes().begin(), read.bytes, buffer);
   return read;

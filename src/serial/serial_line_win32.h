@@ -13,8 +13,8 @@ namespace quarn {
 
 /// An open COM port. All input and output is synchronous, and the driver decides how long a call lasts: it
 /// may ignore a cancellation. Therefore
-///  - a read starts only when there is something to read, so nothing blocks on a silent line. The driver
-///    counts the total time of a read anew from there;
+///  - a read starts only when there is something to read, so nothing blocks on a silent line. The driver gets
+///    what that wait has left of the read's total time, because it counts from its own call;
 ///  - a read or write that does not end after its cancellation is left behind on its own thread. Until it
 ///  ends
 ///    it may still take bytes from the line. So a purge, with which every transaction starts, waits for its
@@ -65,8 +65,12 @@ class Win32SerialLine final : public SerialLine {
   void WaitForLeftBehind(Lock& lock, std::optional<std::chrono::milliseconds> longest);
   Usable BeginIo();
   void EndIo();
-  Arrival WaitForBytes(const CommHandle& handle, std::size_t size);
+  Arrival WaitForBytes(const CommHandle& handle, std::optional<Clock::time_point> deadline);
+  IoResult ReadReceived(const std::shared_ptr<CommHandle>& handle, char* buffer, std::size_t size);
   IoResult Await(const std::shared_ptr<CommTransfer>& transfer);
+  LineTimeouts Timeouts() const;
+  /// Whether a call was, even if it has ended since.
+  bool IsLeftBehind() const;
   bool IsStopped() const { return m_cancelled || m_closing; }
   /// Under the meeting's mutex, as the next one.
   [[nodiscard]] LineFailure Stopped() const;

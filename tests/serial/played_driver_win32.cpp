@@ -65,6 +65,11 @@ void PlayedDriver::FailGetState() {
   m_getStateFails = true;
 }
 
+void PlayedDriver::FailSetTimeouts() {
+  const Lock lock(m_mutex);
+  m_setTimeoutsFails = true;
+}
+
 void PlayedDriver::FailWith(DWORD error) {
   const Lock lock(m_mutex);
   m_error = error;
@@ -82,7 +87,17 @@ std::string PlayedDriver::Sent() const {
 
 int PlayedDriver::Reads() const {
   const Lock lock(m_mutex);
+  return static_cast<int>(m_reads.size());
+}
+
+std::vector<COMMTIMEOUTS> PlayedDriver::TimeoutsOfReads() const {
+  const Lock lock(m_mutex);
   return m_reads;
+}
+
+int PlayedDriver::Looks() const {
+  const Lock lock(m_mutex);
+  return m_looks;
 }
 
 void PlayedDriver::Hold(bool heedsCancelling) {
@@ -136,6 +151,10 @@ BOOL PlayedDriver::SetState(const DCB& state) {
 
 BOOL PlayedDriver::SetTimeouts(const COMMTIMEOUTS& timeouts) {
   const Lock lock(m_mutex);
+  if (m_setTimeoutsFails) {
+    SetLastError(ERROR_NOT_SUPPORTED);
+    return FALSE;
+  }
   m_timeouts = timeouts;
   return Outcome();
 }
@@ -155,6 +174,7 @@ BOOL PlayedDriver::Escape(DWORD function) {
 BOOL PlayedDriver::ClearError(COMSTAT* status) {
   const Lock lock(m_mutex);
   if (status != nullptr) {
+    ++m_looks;
     *status = {};
     status->cbInQue = static_cast<DWORD>(m_received.size());
   }
@@ -173,7 +193,7 @@ bool PlayedDriver::WaitWhileHeld(Lock& lock) {
 
 BOOL PlayedDriver::Read(char* buffer, DWORD size, DWORD* moved) {
   Lock lock(m_mutex);
-  ++m_reads;
+  m_reads.push_back(m_timeouts);
   if (!WaitWhileHeld(lock)) return FALSE;
   const std::size_t count = std::min<std::size_t>(size, m_received.size());
   std::copy_n(m_received.begin(), count, buffer);

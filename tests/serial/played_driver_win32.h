@@ -42,6 +42,7 @@ class PlayedDriver {
   [[nodiscard]] std::vector<DWORD> Escapes() const;
   /// These calls fail from now on, with this error.
   void FailGetState();
+  void FailSetTimeouts();
   void FailWith(DWORD error);
 
   // The line.
@@ -49,6 +50,10 @@ class PlayedDriver {
   [[nodiscard]] std::string Sent() const;
   /// How many reads have been begun.
   [[nodiscard]] int Reads() const;
+  /// The time-outs with which each of them was begun.
+  [[nodiscard]] std::vector<COMMTIMEOUTS> TimeoutsOfReads() const;
+  /// How often it was asked for received bytes.
+  [[nodiscard]] int Looks() const;
   /// From now on a read or write lasts until Release, or until its cancellation, if the driver heeds that.
   void Hold(bool heedsCancelling);
   void Release();
@@ -83,9 +88,11 @@ class PlayedDriver {
   std::vector<DWORD> m_escapes;
   DWORD m_error = ERROR_SUCCESS;
   bool m_getStateFails = false;
+  bool m_setTimeoutsFails = false;
   std::string m_received;
   std::string m_sent;
-  int m_reads = 0;
+  std::vector<COMMTIMEOUTS> m_reads;  ///< the time-outs of each
+  int m_looks = 0;
   int m_inCall = 0;
   bool m_held = false;
   bool m_heedsCancelling = true;

@@ -90,6 +90,40 @@ TEST(ReadDeadline, TheLargestMultiplierWithoutAConstantWaitsForNothing) {
   EXPECT_EQ(deadline.Time(), kStart);
 }
 
+TEST(ReadDeadline, TheRestOfATotalIsWhatTheWaitForTheFirstByteHasLeft) {
+  const LineTimeouts asked{.readInterval = 90,
+                           .readTotalMultiplier = 10,
+                           .readTotalConstant = 50,
+                           .writeTotalMultiplier = 10,
+                           .writeTotalConstant = 50};
+  const auto end = ReadDeadline(asked, 8191, kStart).Time();
+  const auto restAfter = [&](LineClock::duration waited) {
+    LineTimeouts expected = asked;
+    expected.readTotalMultiplier = 0;
+    const LineTimeouts rest = RestOf(asked, end, kStart + waited);
+    expected.readTotalConstant = rest.readTotalConstant;
+    EXPECT_EQ(rest, expected) << "interval and writes are left alone";
+    return rest.readTotalConstant;
+  };
+  EXPECT_EQ(restAfter(milliseconds(0)), 81'960U);
+  EXPECT_EQ(restAfter(milliseconds(81'000)), 960U);
+  EXPECT_EQ(restAfter(std::chrono::microseconds(81'000'001)), 960U);
+  EXPECT_EQ(restAfter(milliseconds(81'959)), 1U);
+  // 0 would be a read without an end.
+  EXPECT_EQ(restAfter(milliseconds(81'960)), 1U);
+  EXPECT_EQ(restAfter(milliseconds(100'000)), 1U);
+}
+
+TEST(ReadDeadline, ATotalThatIsNoneOrMeansSomethingElseIsLeftAlone) {
+  const LineTimeouts forEver{.readInterval = 90, .writeTotalConstant = 50};
+  EXPECT_EQ(RestOf(forEver, ReadDeadline(forEver, 100, kStart).Time(), At(10)), forEver);
+  const LineTimeouts firstByte{
+      .readInterval = kMaximum, .readTotalMultiplier = kMaximum, .readTotalConstant = 200};
+  EXPECT_EQ(RestOf(firstByte, ReadDeadline(firstByte, 100, kStart).Time(), At(10)), firstByte);
+  const LineTimeouts years{.readTotalMultiplier = kMaximum - 1, .readTotalConstant = 50};
+  EXPECT_EQ(RestOf(years, ReadDeadline(years, 100, kStart).Time(), At(10)).readTotalConstant, kMaximum - 1);
+}
+
 TEST(ReadDeadline, WritesHaveATotalOfTheirOwn) {
   EXPECT_EQ(WriteDeadline({.readTotalConstant = 7}, 100, kStart), std::nullopt);
   EXPECT_EQ(WriteDeadline({.writeTotalMultiplier = 10, .writeTotalConstant = 50}, 100, kStart), At(1050));

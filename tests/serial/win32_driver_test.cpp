@@ -28,6 +28,76 @@ TEST_F(Win32Driver, WhatComesIsReadInOneCall) {
   EXPECT_EQ(m_driver.Reads(), 1);
 }
 
+/// In milliseconds; for reads of 100 bytes.
+constexpr LineTimeouts kMinutes{.readInterval = 20,
+                                .readTotalMultiplier = 1000,
+                                .readTotalConstant = 50'000,
+                                .writeTotalMultiplier = 3,
+                                .writeTotalConstant = 4};
+constexpr std::uint32_t kTotal = 150'000;
+
+TEST_F(Win32Driver, TheTotalOfAReadCountsFromItsCall) {
+  Open();
+  ASSERT_TRUE(m_line->SetTimeouts(kMinutes));
+  const std::int64_t whole = MillisecondsOf([this] {
+    auto reading = InThread([this] { return Read(); });
+    ASSERT_TRUE(Eventually([this] { return m_driver.Looks() > 0; }));
+    // The first byte comes after a moment.
+    EXPECT_TRUE(StillRuns(reading));
+    m_driver.Receive("late");
+    ASSERT_TRUE(Ends(reading));
+    EXPECT_EQ(reading.get(), "late");
+  });
+  ASSERT_EQ(m_driver.Reads(), 1);
+  const COMMTIMEOUTS used = m_driver.TimeoutsOfReads().front();
+  EXPECT_EQ(used.ReadTotalTimeoutMultiplier, 0U);
+  EXPECT_LE(used.ReadTotalTimeoutConstant, kTotal - 49) << "that moment belongs to the total";
+  EXPECT_GE(used.ReadTotalTimeoutConstant, kTotal - whole - 1);
+  EXPECT_EQ(used.ReadIntervalTimeout, 20U) << "it counts from the first byte anyway";
+  EXPECT_EQ(used.WriteTotalTimeoutMultiplier, 3U);
+  EXPECT_EQ(used.WriteTotalTimeoutConstant, 4U);
+  const COMMTIMEOUTS afterwards = m_driver.Timeouts();
+  EXPECT_EQ(afterwards.ReadIntervalTimeout, 20U);
+  EXPECT_EQ(afterwards.ReadTotalTimeoutMultiplier, 1000U);
+  EXPECT_EQ(afterwards.ReadTotalTimeoutConstant, 50'000U);
+}
+
+TEST_F(Win32Driver, EachReadHasItsOwnTotal) {
+  // For a read without a wait before it this is also the rest.
+  constexpr LineTimeouts kOwnTotal{.readInterval = 20, .readTotalConstant = kTotal};
+  Open();
+  ASSERT_TRUE(m_line->SetTimeouts(kOwnTotal));
+  // One that is left behind with the rest of its total.
+  m_driver.Hold(false);
+  auto reading = InThread([this] { return Read(); });
+  ASSERT_TRUE(Eventually([this] { return m_driver.Looks() > 0; }));
+  EXPECT_TRUE(StillRuns(reading));
+  m_driver.Receive("old");
+  ASSERT_TRUE(Eventually([this] { return m_driver.Reads() == 1; }));
+  m_line->CancelIo();
+  ASSERT_TRUE(Ends(reading));
+  m_line->AllowIo();
+  EXPECT_LE(m_driver.Timeouts().ReadTotalTimeoutConstant, kTotal - 49);
+  m_driver.Release();
+  ASSERT_TRUE(m_line->Purge());
+  m_driver.Receive("new");
+  std::string got;
+  const std::int64_t whole = MillisecondsOf([&] { got = Read(); });
+  EXPECT_EQ(got, "new");
+  ASSERT_EQ(m_driver.Reads(), 2);
+  EXPECT_GE(m_driver.TimeoutsOfReads().back().ReadTotalTimeoutConstant, kTotal - whole - 1);
+  EXPECT_EQ(m_driver.Timeouts().ReadTotalTimeoutConstant, kOwnTotal.readTotalConstant);
+}
+
+TEST_F(Win32Driver, ADriverThatTakesNoRestReadsAllTheSame) {
+  Open();
+  ASSERT_TRUE(m_line->SetTimeouts(kMinutes));
+  m_driver.FailSetTimeouts();
+  m_driver.Receive("answer");
+  EXPECT_EQ(Read(), "answer");
+  EXPECT_FALSE(m_line->IsLost());
+}
+
 TEST_F(Win32Driver, ADriverThatHeedsACancellationIsFreeAtOnce) {
   OpenAndRead(true);
   m_line->CancelIo();
