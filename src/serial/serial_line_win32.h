@@ -15,10 +15,9 @@ namespace quarn {
 /// may ignore a cancellation. Therefore
 ///  - a read starts only when there is something to read, so nothing blocks on a silent line. The driver gets
 ///    what that wait has left of the read's total time, because it counts from its own call;
-///  - a read or write that does not end after its cancellation is left behind on its own thread. Until it
-///  ends
-///    it may still take bytes from the line. So a purge, with which every transaction starts, waits for its
-///    end or for its own cancellation. Other operations wait a moment and then fail. Afterwards the line
+///  - a read or write that does not end after its cancellation is left behind on its own thread. Until the
+///    end it may still take bytes from the line. So a purge, with which every transaction starts, waits for
+///    its end or for its own cancellation. Other operations wait a moment and then fail. Afterwards the line
 ///    works as before. If the port was closed meanwhile, it is free when the call ends.
 class Win32SerialLine final : public SerialLine {
  public:
