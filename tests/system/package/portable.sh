@@ -35,7 +35,8 @@ check_files() {
   local file
   for file in README.txt licences/README.txt licences/Qt.txt licences/LGPL-3.txt share/doc/quarn/guide.md \
     share/man/man1/quarn.1.gz share/man/man1/quarn-send.1.gz share/man/man1/quarn-device.1.gz \
-    share/applications/quarn.desktop share/doc/quarn/examples/demo.qrn; do
+    share/applications/quarn.desktop share/doc/quarn/examples/demo.qrn share/doc/quarn/html/index.html \
+    share/bash-completion/completions/quarn share/bash-completion/completions/quarn-send; do
     [[ -s $TREE/$file ]] || fail "$file is not in the archive"
   done
 }
