@@ -24,6 +24,7 @@ COMMANDS = 40
 COMMAND_S = 0.3  # long enough for the silence that ends an answer
 ANSWER = bytes(range(0x21, 0x21 + 64))
 FIGURES = (("start", "ms"), ("memory", "MiB"), ("idle", "ms/s"), ("switches", "1/s"), ("answer", "ms"))
+GOALS = {"start": 0.7, "memory": 0.8, "answer": 1.0}
 
 
 @dataclass
@@ -217,6 +218,15 @@ def measure(program, windows, idle_s):
         run.end()
 
 
+def tell_goals(medians):
+    """What the program that is one file takes of what PuTTY does, and what it may."""
+    for at, (figure, _) in enumerate(FIGURES):
+        if figure in GOALS:
+            ratio = medians["one file"][at] / medians["putty"][at]
+            reached = "reached" if ratio <= GOALS[figure] else "missed"
+            print(f"one file / putty: {figure:9}{ratio:5.2f}, goal {GOALS[figure]}: {reached}")
+
+
 def main():
     options = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawTextHelpFormatter)
     options.add_argument("program")
@@ -249,6 +259,8 @@ def main():
             print(f"{name:9}{figure:9}{statistics.median(values):8.2f} {unit:5}"
                   f"(from {min(values):.2f} to {max(values):.2f}, {len(values)} runs)")
     print(f"the rest of the computer: {statistics.median(rests):.0f} ms/s, at most {max(rests):.0f}")
+    if given.one_file and given.beside:
+        tell_goals({name: [statistics.median(values) for values in zip(*runs)] for name, runs in rows.items()})
 
 
 main()
