@@ -19,6 +19,7 @@
 #include "ui/box_order.h"
 #include "ui/controls.h"
 #include "ui/escape_key.h"
+#include "ui/dropped_file.h"
 #include "ui/pictures.h"
 #include "ui/placement.h"
 #include "ui/tool_tip.h"
@@ -230,7 +231,7 @@ void CQuarnDlg::closeEvent(QCloseEvent* event) {
 }
 
 void CQuarnDlg::dragEnterEvent(QDragEnterEvent* event) {
-  if (event->mimeData()->hasUrls()) event->acceptProposedAction();
+  if (event->mimeData()->hasUrls()) AcceptAsCopy(*event);
 }
 
 void CQuarnDlg::dropEvent(QDropEvent* event) {
@@ -238,8 +239,7 @@ void CQuarnDlg::dropEvent(QDropEvent* event) {
   for (const QUrl& url : event->mimeData()->urls()) {
     if (url.isLocalFile()) files.append(url.toLocalFile());
   }
-  if (files.isEmpty()) return;
-  event->acceptProposedAction();
+  if (files.isEmpty() || !AcceptAsCopy(*event)) return;
   // The other program waits for the end of the drop, so messages come after it.
   QMetaObject::invokeMethod(
       this, [this, files] { m_files.DropFiles(files); }, Qt::QueuedConnection);

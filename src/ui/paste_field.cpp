@@ -5,10 +5,21 @@
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QMenu>
+#include <QMimeData>
 #include <QMouseEvent>
 #include <utility>
 
+#include "ui/dropped_file.h"
+
 namespace quarn {
+namespace {
+
+/// Some programs offer the name of a file that is dragged as text. The file stays theirs.
+void TakeNameOnly(QDropEvent& event) {
+  if (event.isAccepted() && event.mimeData()->hasUrls()) AcceptAsCopy(event);
+}
+
+}  // namespace
 
 PasteField::PasteField(QWidget* parent, Source source) : QLineEdit(parent), m_source(std::move(source)) {}
 
@@ -54,6 +65,23 @@ void PasteField::contextMenuEvent(QContextMenuEvent* event) {
   add("Select All", QKeySequence::SelectAll, !text().isEmpty(), &QLineEdit::selectAll);
   menu->popup(event->globalPos());
   event->accept();
+}
+
+void PasteField::dragEnterEvent(QDragEnterEvent* event) {
+  QLineEdit::dragEnterEvent(event);
+  TakeNameOnly(*event);
+}
+
+void PasteField::dragMoveEvent(QDragMoveEvent* event) {
+  QLineEdit::dragMoveEvent(event);
+  TakeNameOnly(*event);
+}
+
+void PasteField::dropEvent(QDropEvent* event) {
+  // The field takes the text even if it is refused afterwards.
+  if (event->mimeData()->hasUrls() && !AcceptAsCopy(*event)) return;
+  QLineEdit::dropEvent(event);
+  TakeNameOnly(*event);
 }
 
 void PasteField::PasteFrom(QClipboard::Mode mode) {

@@ -37,7 +37,10 @@ class Source : public QLabel {
     // After the drop the other program still reads the data. Then the drag is deleted.
     connect(drag, &QObject::destroyed, this, [] { Tell("over"); });
     Tell("dragging");
-    Tell(drag->exec(Qt::CopyAction) == Qt::CopyAction ? "taken" : "left");
+    // As file managers do. Whoever is told of a move deletes the file.
+    const bool mayMove = event->modifiers().testFlag(Qt::ShiftModifier);
+    const Qt::DropAction done = drag->exec(mayMove ? Qt::CopyAction | Qt::MoveAction : Qt::CopyAction);
+    Tell(done == Qt::CopyAction ? "taken" : done == Qt::MoveAction ? "moved" : "left");
   }
 };
 

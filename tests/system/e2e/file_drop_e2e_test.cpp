@@ -7,8 +7,9 @@ namespace {
 
 class Drop : public Commands {
  protected:
-  /// Drags these files from another program's window onto the main window, and lets go of them there.
-  void DropOnMain(const QStringList& paths) {
+  /// Drags these files from another program's window onto the main window, and lets go of them there; all
+  /// the time with these keys held. They are to be copied.
+  void DropOnMain(const QStringList& paths, const QStringList& held = {}) {
     ChildProcess source;
     source.setProcessEnvironment(desktop.Environment());
     source.start(QStringLiteral(QUARN_DRAG_SOURCE), paths);
@@ -23,6 +24,7 @@ class Drop : public Commands {
     Focus(handle);
     const QPoint from = Geometry(handle).center();
     Mouse({QStringLiteral("mousemove")}, from);
+    for (const QString& key : held) desktop.Run(QStringLiteral("xdotool"), {QStringLiteral("keydown"), key});
     desktop.Run(QStringLiteral("xdotool"), {QStringLiteral("mousedown"), QStringLiteral("1")});
     int step = 0;
     const auto nudge = [&](QPoint place) {
@@ -40,6 +42,7 @@ class Drop : public Commands {
     })) << told.toStdString();
     desktop.Run(QStringLiteral("xdotool"), {QStringLiteral("mouseup"), QStringLiteral("1")});
     EXPECT_TRUE(Eventually([&] { return tells("over"); }));
+    for (const QString& key : held) desktop.Run(QStringLiteral("xdotool"), {QStringLiteral("keyup"), key});
     EXPECT_TRUE(told.endsWith("taken\nover\n")) << told.toStdString();
     End(source);
   }
@@ -72,6 +75,15 @@ TEST_F(Drop, OnlyTheFirstOfThreeFilesIsLoaded) {
   DropOnMain({second});
   Answer(kProceed, kNo);
   EXPECT_TRUE(FileInForceBecomes(first));
+}
+
+TEST_F(Drop, AFileIsNotMovedWithShift) {
+  const QString file = UserFile(QStringLiteral("mine.qrn"), {{QStringLiteral("COM_PORT"), kPort}});
+  PlugIn("* -> line \"OK\"");
+  StartProgram({UserFile(QStringLiteral("other.qrn"), {{QStringLiteral("COM_PORT"), kPort}})});
+  ASSERT_TRUE(MainTitleBecomes(QStringLiteral("Quarn   (COM3)")));
+  DropOnMain({file}, {QStringLiteral("shift")});
+  EXPECT_TRUE(FileInForceBecomes(file));
 }
 
 TEST_F(Drop, ABrokenFileEndsInTheInternalState) {
