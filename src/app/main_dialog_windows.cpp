@@ -78,7 +78,11 @@ void CQuarnDlg::OpenFunctionKeyTable() {
   if (ChooseAgain(m_functionKeyTable, m_program.state.open.Contains(Window::FunctionKeyTable))) return;
   m_functionKeyTable = new CSetMem(this, {m_program.settings, m_program.workingSettingsFile, m_program.state,
                                           *m_program.messages, m_program.savedFunctionTableRect});
-  m_functionKeyTable->show();
+  if (m_program.savedFunctionTableRect.isEmpty()) {
+    ShowApart(*m_functionKeyTable);
+  } else {
+    m_functionKeyTable->show();
+  }
   m_program.state.requests.refresh.Add(Window::MainDialog);
 }
 

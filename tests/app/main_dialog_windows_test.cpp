@@ -1,6 +1,7 @@
 // The windows that the main dialog opens.
 
 #include <QMenu>
+#include <QMenuBar>
 #include <QPushButton>
 #include <QScreen>
 
@@ -211,18 +212,26 @@ TEST_F(MainDialog, CommandFormatStandsBesideIt) {
 TEST_F(MainDialog, WindowsWithoutAPlaceOfTheirOwnDoNotComeUpOnEachOther) {
   dialog.move(ScreenCorner() + QPoint(30, 40));
   dialog.StartTimer();
-  QList<QPoint> places;
-  for (const int id : {command::kDetailedPortList, command::kScreenOption, command::kMainOption}) {
+  // The screen has room for the smallest one beside one of the others.
+  for (const auto& [id, name] : {std::pair{command::kDetailedPortList, "CPortDetails"},
+                                 {command::kFunctionKeyTable, "CSetMem"},
+                                 {command::kScreenOption, "CScreenOption"}}) {
     Action(id)->trigger();
+    QWidget* first = Shown(name).value(0);
+    ASSERT_NE(first, nullptr) << name;
+    ASSERT_TRUE(FrameIsThere(*first)) << name;
+    Action(command::kMainOption)->trigger();
+    QWidget* second = Shown("CMainOption").value(0);
+    ASSERT_NE(second, nullptr) << name;
+    ASSERT_TRUE(FrameIsThere(*second)) << name;
+    EXPECT_TRUE(WaitUntil([&, opened = first] {
+      const QRect main = dialog.frameGeometry();
+      return !opened->frameGeometry().intersects(main) && !second->frameGeometry().intersects(main) &&
+             !second->frameGeometry().intersects(opened->frameGeometry());
+    })) << name;
+    second->close();
+    first->close();
   }
-  for (const char* name : {"CPortDetails", "CScreenOption", "CMainOption"}) {
-    ASSERT_EQ(Shown(name).size(), 1) << name;
-    ASSERT_TRUE(FrameIsThere(*Shown(name).first())) << name;
-    places.append(Shown(name).first()->pos());
-  }
-  EXPECT_NE(places[0], places[1]);
-  EXPECT_NE(places[0], places[2]);
-  EXPECT_NE(places[1], places[2]);
 }
 
 TEST_F(MainDialog, AMinimisedWindowIsInNobodysWay) {
@@ -241,19 +250,32 @@ TEST_F(MainDialog, AMinimisedWindowIsInNobodysWay) {
   }));
 }
 
-TEST_F(MainDialog, ListAndOptionsLeaveItsMenusInReach) {
+TEST_F(MainDialog, TheFunctionKeyTableComesUpBelowTheFirstTime) {
+  dialog.move(ScreenCorner() + QPoint(30, 40));
+  const QSize screen = QGuiApplication::primaryScreen()->size();
+  Action(command::kFunctionKeyTable)->trigger();
+  const QWidget* table = FunctionKeyTable();
+  ASSERT_NE(table, nullptr);
+  EXPECT_TRUE(StandsAt(*table, [&] {
+    return ScreenCorner() + PlaceOffOthers(MainOnScreen(), {}, OuterSize(*table), screen);
+  }));
+}
+
+TEST_F(MainDialog, ListTableAndOptionsLeaveItsMenusInReach) {
   dialog.move(ScreenCorner() + QPoint(30, 40));
   dialog.StartTimer();
-  const QSize screen = QGuiApplication::primaryScreen()->size();
+  const auto* bar = dialog.findChild<QMenuBar*>();
+  const QRect menus(bar->mapToGlobal(QPoint()), bar->size());
   for (const auto& [id, title] : std::map<int, QString>{{32792, "Quarn - Detailed COM Port List  (NONE)  "},
+                                                        {32777, "Quarn - Function Key Table"},
                                                         {32779, "Quarn - Terminal Screen Option"},
                                                         {32790, "Quarn - Main Dialog Optiom"}}) {
     Action(id)->trigger();
     QWidget* each = Windows(title).value(0);
     ASSERT_NE(each, nullptr) << title.toStdString();
-    EXPECT_TRUE(StandsAt(*each, [&, window = each] {
-      return ScreenCorner() + PlaceOffOthers(MainOnScreen(), {}, OuterSize(*window), screen);
-    })) << title.toStdString();
+    ASSERT_TRUE(FrameIsThere(*each)) << title.toStdString();
+    EXPECT_TRUE(WaitUntil([&, window = each] { return !window->frameGeometry().intersects(menus); }))
+        << title.toStdString();
     each->close();
   }
 }

@@ -98,13 +98,9 @@ CSetMem::CSetMem(QWidget* owner, const FunctionKeyTableContext& context)
   KeepKeysInTheDialog();
   ShowTexts();
   ShowState();
-  Put([this, saved = m_context.savedWindowRect] {
-    if (saved.isEmpty()) {
-      CenterOnScreen(*this);
-    } else {
-      move(saved.topLeft());
-    }
-  });
+  if (!m_context.savedWindowRect.isEmpty()) {
+    Put([this, place = m_context.savedWindowRect.topLeft()] { move(place); });
+  }
   m_ok->setFocus();
   StartTicks();
 }

@@ -25,7 +25,7 @@ struct FunctionKeyTableContext {
   const QString& workingSettingsFile;
   SharedState& state;
   MessageOperations& messages;
-  QRect& savedWindowRect;
+  QRect& savedWindowRect;  ///< while it is empty, whoever opens the window places it
 };
 
 /// Shows the ten stored commands, lets the user edit and save them, and passes one to the Terminal Screen by

@@ -34,7 +34,7 @@ QList<Control> ChildrenOf(const Control& parent, const QList<Control>& all) {
 
 }  // namespace
 
-AccessibleWindows::AccessibleWindows() : bus(runtime.path()) {
+AccessibleWindows::AccessibleWindows(QSize screen) : EndToEnd(screen), bus(runtime.path()) {
   QProcessEnvironment environment = program.processEnvironment();
   environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), bus.Address());
   environment.insert(QStringLiteral("QT_LINUX_ACCESSIBILITY_ALWAYS_ON"), QStringLiteral("1"));

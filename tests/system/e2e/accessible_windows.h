@@ -17,7 +17,7 @@ namespace quarn::test {
 /// `Eventually`. Those that act wait for what they act on.
 class AccessibleWindows : public EndToEnd {
  protected:
-  AccessibleWindows();
+  explicit AccessibleWindows(QSize screen = kUsualScreen);
 
   std::optional<Control> FindWindow(const QString& titlePattern);
   /// Everything visible in the window.

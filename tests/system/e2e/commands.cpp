@@ -38,7 +38,7 @@ QByteArray PropertyWatch::Lines() {
   return m_lines;
 }
 
-Commands::Commands() { program.setWorkingDirectory(files.path()); }
+Commands::Commands(QSize screen) : AccessibleWindows(screen) { program.setWorkingDirectory(files.path()); }
 
 void Commands::StartWithoutTerminal(std::string_view rules) {
   WriteSettings({{QStringLiteral("COM_PORT"), kPort}, {QStringLiteral("START_DISP"), QStringLiteral("OFF")}});

@@ -45,7 +45,7 @@ class PropertyWatch {
 /// An end-to-end test of the main window's commands: questions, messages and results.
 class Commands : public AccessibleWindows {
  protected:
-  Commands();
+  explicit Commands(QSize screen = kUsualScreen);
 
   /// Starts with COM3 and no Terminal Screen, and waits for the main window.
   void StartWithoutTerminal(std::string_view rules);

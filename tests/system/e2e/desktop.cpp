@@ -19,8 +19,8 @@ QStringList WindowManager() {
 
 }  // namespace
 
-Desktop::Desktop() {
-  if (!StartServer()) qFatal("no virtual display: %s", m_server.readAllStandardError().constData());
+Desktop::Desktop(QSize screen) {
+  if (!StartServer(screen)) qFatal("no virtual display: %s", m_server.readAllStandardError().constData());
   m_manager.setProcessEnvironment(StartBus());
   m_manager.setProcessChannelMode(QProcess::MergedChannels);
   const QStringList manager = WindowManager();
@@ -52,9 +52,10 @@ QProcessEnvironment Desktop::StartBus() {
   return environment;
 }
 
-bool Desktop::StartServer() {
+bool Desktop::StartServer(QSize screen) {
   // Servers that choose their displays themselves now and then choose the same one when they start at the
   // same time. Tests that run side by side start from their process's number instead.
+  const QString size = QStringLiteral("%1x%2x24").arg(screen.width()).arg(screen.height());
   constexpr qint64 kFirst = 100;
   constexpr qint64 kSpan = 50000;
   for (qint64 attempt = 0; attempt < 10; ++attempt) {
@@ -64,8 +65,8 @@ bool Desktop::StartServer() {
     // repeat the key.
     m_server.start(QStringLiteral("Xvfb"),
                    {m_display, QStringLiteral("-r"), QStringLiteral("-displayfd"), QStringLiteral("1"),
-                    QStringLiteral("-screen"), QStringLiteral("0"), QStringLiteral("1280x1024x24"),
-                    QStringLiteral("-nolisten"), QStringLiteral("tcp")});
+                    QStringLiteral("-screen"), QStringLiteral("0"), size, QStringLiteral("-nolisten"),
+                    QStringLiteral("tcp")});
     // It says its number when it is ready, and ends at once when the display is taken.
     QByteArray said;
     while (!said.endsWith('\n') && m_server.waitForReadyRead(kToolMs))
@@ -131,7 +132,8 @@ std::optional<QRect> Desktop::Outer(const QString& window) const {
   return inner.marginsAdded(*frame);
 }
 
-EndToEnd::EndToEnd() : portLinks(config.filePath(QStringLiteral("Halvo/Quarn/ports"))) {
+EndToEnd::EndToEnd(QSize screen)
+    : desktop(screen), portLinks(config.filePath(QStringLiteral("Halvo/Quarn/ports"))) {
   QProcessEnvironment environment = desktop.Environment();
   environment.insert(QStringLiteral("HOME"), home.path());
   environment.insert(QStringLiteral("XDG_CONFIG_HOME"), config.path());

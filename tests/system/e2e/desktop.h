@@ -7,6 +7,7 @@
 #include <QPoint>
 #include <QProcess>
 #include <QRect>
+#include <QSize>
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
@@ -19,10 +20,12 @@
 
 namespace quarn::test {
 
+inline constexpr QSize kUsualScreen{1280, 1024};
+
 /// A virtual X display with a window manager. Both end with the object.
 class Desktop {
  public:
-  Desktop();
+  explicit Desktop(QSize screen);
   ~Desktop();
   Desktop(const Desktop&) = delete;
   Desktop& operator=(const Desktop&) = delete;
@@ -39,7 +42,7 @@ class Desktop {
   [[nodiscard]] QProcessEnvironment Environment() const;
 
  private:
-  bool StartServer();
+  bool StartServer(QSize screen);
   /// The environment of the window manager, with its bus.
   QProcessEnvironment StartBus();
 
@@ -53,7 +56,7 @@ class Desktop {
 /// program.
 class EndToEnd : public ::testing::Test {
  protected:
-  EndToEnd();
+  explicit EndToEnd(QSize screen = kUsualScreen);
   ~EndToEnd() override;
 
   /// Writes the working settings file: the defaults with these values.

@@ -10,6 +10,8 @@ namespace quarn::test {
 /// settings file.
 class Dialogs : public Commands {
  protected:
+  using Commands::Commands;
+
   /// Opens a dialog from its menu and waits until its controls can be clicked on.
   void OpenDialog(const QString& menu, const QString& item, const QString& titlePattern);
   /// Moves a dialog off the main window, whose menu it may cover.

@@ -5,11 +5,14 @@
 namespace quarn::test {
 namespace {
 
-constexpr QSize kScreenSize{1280, 1024};
+/// With room for several windows beside the Terminal Screen.
+constexpr QSize kScreenSize{1920, 1080};
 
 /// Where the windows stand once the window manager has put its frames around them. Rectangles are outer ones.
 class WindowPlaces : public Dialogs {
  protected:
+  WindowPlaces() : Dialogs(kScreenSize) {}
+
   using Rule = std::function<QPoint(const QRect& main, QSize window)>;
 
   ::testing::AssertionResult StandsBy(const QString& titlePattern, const Rule& rule) {
@@ -69,6 +72,9 @@ class WindowPlaces : public Dialogs {
   const QString kOption = QStringLiteral("Option");
   const QString kTable = QStringLiteral("^Quarn - Function Key Table$");
   const QString kTableItem = QStringLiteral("Function Key Table");
+  const QString kList = QStringLiteral("^Quarn - Detailed COM Port List");
+  const QString kScreenOption = QStringLiteral("^Quarn - Terminal Screen Option$");
+  const QString kMainOption = QStringLiteral("^Quarn - Main Dialog Optiom$");
   const QString kFormat = QStringLiteral("^Quarn - Command Format$");
   const QString kFormatItem = QStringLiteral("Command Format  (F)");
 };
@@ -85,18 +91,15 @@ TEST_F(WindowPlaces, EveryWindowStandsInItsPlace) {
   };
   const QList<Opened> windows{
       {kPortMenu, QStringLiteral("COM Port Number"), QStringLiteral("^Quarn - COM Port Number"), Below},
-      {kPortMenu, QStringLiteral("Detailed COM Port List"), QStringLiteral("^Quarn - Detailed COM Port List"),
-       Below},
+      {kPortMenu, QStringLiteral("Detailed COM Port List"), kList, Below},
       {kPortMenu, QStringLiteral("COM Port Settings"), QStringLiteral("^Quarn - COM Port Settings"),
        AtHalfAndAFifth},
       {kPortMenu, QStringLiteral("Disconnect COM Port"), kConfirmation, Centred},
-      {kTools, kTableItem, kTable, Centred},
+      {kTools, kTableItem, kTable, Below},
       {kTools, QStringLiteral("Terminal Screen"), kTerminal, Centred},
       {kOption, kFormatItem, kFormat, Beside},
-      {kOption, QStringLiteral("Terminal Screen Option  (T)"),
-       QStringLiteral("^Quarn - Terminal Screen Option$"), Below},
-      {kOption, QStringLiteral("Main Dialog Option (M)"), QStringLiteral("^Quarn - Main Dialog Optiom$"),
-       Below},
+      {kOption, QStringLiteral("Terminal Screen Option  (T)"), kScreenOption, Below},
+      {kOption, QStringLiteral("Main Dialog Option (M)"), kMainOption, Below},
       {QStringLiteral("Help"), QStringLiteral("About"), QStringLiteral("^About  Quarn"), Centred},
   };
   for (const Opened& each : windows) {
@@ -106,10 +109,31 @@ TEST_F(WindowPlaces, EveryWindowStandsInItsPlace) {
   }
 }
 
+TEST_F(WindowPlaces, WindowsWithoutAPlaceOfTheirOwnCoverNothing) {
+  StartConnected("* -> line \"OK\"");
+  QStringList titles{kMain, kTerminal};
+  for (const auto& [menu, item, title] :
+       {std::tuple{kTools, kTableItem, kTable},
+        std::tuple{kPortMenu, QStringLiteral("Detailed COM Port List"), kList},
+        std::tuple{kOption, QStringLiteral("Terminal Screen Option  (T)"), kScreenOption},
+        std::tuple{kOption, QStringLiteral("Main Dialog Option (M)"), kMainOption}}) {
+    ASSERT_NO_FATAL_FAILURE(Open(menu, item, title));
+    for (const QString& other : titles) {
+      EXPECT_TRUE(Eventually([&, title = title] {
+        const std::optional<QRect> opened = desktop.Outer(WaitForWindow(title));
+        const std::optional<QRect> shown = desktop.Outer(WaitForWindow(other));
+        return opened && shown && !opened->intersects(*shown);
+      })) << title.toStdString()
+          << " on " << other.toStdString();
+    }
+    titles.append(title);
+  }
+}
+
 TEST_F(WindowPlaces, TheFunctionKeyTableStaysWhereItIs) {
   StartWithoutTerminal("* -> line \"OK\"");
   Open(kTools, kTableItem, kTable);
-  ASSERT_TRUE(StandsBy(kTable, Centred));
+  ASSERT_TRUE(StandsBy(kTable, Below));
   MoveAside(kTable, {612, 333});
   std::optional<QRect> moved;
   ASSERT_TRUE(Eventually([&] {
