@@ -1,4 +1,5 @@
 #include <QApplication>
+#include <QSettings>
 #include <cstdlib>
 #include <memory>
 #include <optional>
@@ -67,7 +68,11 @@ int main(int argc, char* argv[]) {
   // Message boxes close before the main dialog exists, and this must not end the program.
   QApplication::setQuitOnLastWindowClosed(false);
   std::optional<quarn::DemoFolder> demo;
-  if (quarn::IsDemo(arguments)) demo.emplace();
+  if (quarn::IsDemo(arguments)) {
+    demo.emplace();
+    // Qt's own file dialog notes there where it was.
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, demo->Path());
+  }
   Workplace place = demo ? OfDemo(*demo) : OfUser();
   if (place.folder.isEmpty()) {
     quarn::WindowMessages().ShowPlainMessage(place.whyNoFolder);

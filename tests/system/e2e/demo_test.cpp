@@ -1,4 +1,5 @@
 #include <QDir>
+#include <QDirIterator>
 
 #include "system/e2e/option_dialogs.h"
 
@@ -24,16 +25,21 @@ class Demo : public OptionDialogs {
     if (Eventually(isThere)) return ::testing::AssertionSuccess();
     return ::testing::AssertionFailure() << Texts(kTerminal).join(QLatin1Char('|')).toStdString();
   }
-  QStringList FilesOfUser() {
-    return QDir(config.filePath(QStringLiteral("Halvo/Quarn")))
-        .entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+  /// All that is in the configuration folder, of every program.
+  std::string FilesOfUser() {
+    QStringList found;
+    QDirIterator each(config.path(), QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot,
+                      QDirIterator::Subdirectories);
+    while (each.hasNext()) found.append(QDir(config.path()).relativeFilePath(each.next()));
+    found.sort();
+    return found.join(QLatin1Char('\n')).toStdString();
   }
 };
 
 TEST_F(Demo, AnswersACommandAndTouchesNothingOfTheUsers) {
   WriteSettings({{QStringLiteral("COM_PORT"), kPort}});
   NoteSettingsFile();
-  const QStringList before = FilesOfUser();
+  const std::string before = FilesOfUser();
   StartDemo();
   EXPECT_TRUE(Answers());
   // A change that is saved at once.
@@ -48,12 +54,17 @@ TEST_F(Demo, AnswersACommandAndTouchesNothingOfTheUsers) {
 TEST_F(Demo, RunsBesideTheProgram) {
   StartConnected("\"id\" -> line \"the user's\"");
   const auto demo = StartAnother({QStringLiteral("--demo")});
-  EXPECT_TRUE(Eventually([this] { return desktop.Windows(kTerminal).size() == 2; }));
+  terminal = WaitForWindow(QStringLiteral("^Quarn - Terminal Screeen \\(COM7\\)"));
+  EXPECT_EQ(desktop.Windows(kTerminal).size(), 2);
+  Focus(terminal);
+  EXPECT_TRUE(Answers());
   EXPECT_TRUE(instrument->Received().empty());
 }
 
-TEST_F(Demo, LeavesNoFolderBehind) {
-  const QStringList before = FilesOfUser();
+TEST_F(Demo, LeavesNothingBehindAfterAFileDialog) {
+  WriteSettings({{QStringLiteral("COM_PORT"), kPort}});
+  const std::string before = FilesOfUser();
+  ASSERT_FALSE(before.empty());
   QTemporaryDir temporary;
   QProcessEnvironment environment = program.processEnvironment();
   environment.insert(QStringLiteral("TMPDIR"), temporary.path());
@@ -61,7 +72,13 @@ TEST_F(Demo, LeavesNoFolderBehind) {
   StartDemo();
   const QDir folder(temporary.path());
   EXPECT_EQ(folder.entryList(QDir::Dirs | QDir::NoDotAndDotDot).size(), 1);
-  ChooseFromMenu(QStringLiteral("File"), QStringLiteral("Exit"));
+  // Qt's own dialog notes where it was and how it looked.
+  const QString title = QStringLiteral("^Open Quarn Configuration File$");
+  Choose(kFile, QStringLiteral("Open"));
+  ASSERT_FALSE(WaitForWindow(title).isEmpty());
+  AnswerBox(title, QStringLiteral("Escape"));
+  ASSERT_TRUE(WaitForNoWindow(title));
+  ChooseFromMenu(kFile, QStringLiteral("Exit"));
   EXPECT_TRUE(program.waitForFinished(kLongestWaitMs));
   EXPECT_EQ(folder.entryList(QDir::Dirs | QDir::NoDotAndDotDot), QStringList());
   EXPECT_EQ(FilesOfUser(), before);
