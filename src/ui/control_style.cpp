@@ -121,10 +121,8 @@ class VisibleOutlines final : public QProxyStyle {
     painter.fillRect(line, WithVisibleBorders(option.palette).color(QPalette::Window).darker(kBorderDarker));
   }
 
-  void DrawFocus(const QStyleOption& option, QPainter& painter) const {
-    // As usual, not before the keyboard is used.
-    if (!option.state.testFlag(State_KeyboardFocusChange) && styleHint(SH_UnderlineShortcut, &option) == 0)
-      return;
+  /// Always, not only once the keyboard has been used.
+  static void DrawFocus(const QStyleOption& option, QPainter& painter) {
     painter.save();
     painter.setPen(MarkOf(option));
     painter.setBrush(Qt::NoBrush);
@@ -133,7 +131,7 @@ class VisibleOutlines final : public QProxyStyle {
   }
 
   /// Fusion only changes the colour of the border.
-  void DrawFocusInside(const QStyleOption& option, QPainter& painter, int fromEdge) const {
+  static void DrawFocusInside(const QStyleOption& option, QPainter& painter, int fromEdge) {
     if (!option.state.testFlag(State_HasFocus)) return;
     QStyleOption inside = option;
     inside.rect.adjust(fromEdge, fromEdge, -fromEdge, -fromEdge);

@@ -46,7 +46,7 @@ TEST_F(AboutBox, SaysWhatTheProgramIs) {
   EXPECT_EQ(m_box.windowTitle(), QStringLiteral("About  Quarn - Serial Port Terminal "));
   EXPECT_EQ(Label(1165)->text(), QStringLiteral("Quarn  (Ver. 1.00)"));
   EXPECT_EQ(Label(1166)->text(), QStringLiteral("Serial Port Terminal"));
-  EXPECT_EQ(Label(1169)->text(), QString::fromLatin1(identity::kBuildLine));
+  EXPECT_EQ(Label(1169)->text(), QStringLiteral("Build ") + QLatin1String(identity::kBuildDate));
   EXPECT_EQ(Label(1168)->text(), QStringLiteral("Halvo"));
   EXPECT_EQ(m_box.findChild<QLabel*>(QStringLiteral("emptyLabel"))->text(), QString());
   EXPECT_EQ(m_box.findChild<QLabel*>(QStringLiteral("tagline"))->text(),

@@ -111,6 +111,13 @@ TEST_F(MainDialog, StatusLineNamesTheUserFile) {
   EXPECT_EQ(status->text(), QDir::toNativeSeparators(QStringLiteral("( /lab/<b>&amp;.qrn )")));
 }
 
+TEST_F(MainDialog, HasItsSizeInDialogUnits) {
+  const QSize wanted = MapDialogUnits(dialog.font(), {0, 0, 205, 70}).size();
+  EXPECT_EQ(dialog.width(), wanted.width());
+  constexpr int kRounding = 2;
+  EXPECT_NEAR(dialog.height() - dialog.findChild<QMenuBar*>()->height(), wanted.height(), kRounding);
+}
+
 TEST_F(MainDialog, HeadingIsBold) {
   auto* heading = Control<QLabel>(1076);
   EXPECT_EQ(heading->text(), QStringLiteral("Quarn  :  Serial Port Terminal"));

@@ -84,9 +84,10 @@ TEST_F(MainDialog, SwitchOpensAndClosesTheTerminalScreen) {
   EXPECT_TRUE(program.state.open.Contains(Window::TerminalScreen));
   ASSERT_NE(TerminalScreen(), nullptr);
   EXPECT_EQ(Switch().text(), QStringLiteral("OFF"));
-  EXPECT_TRUE(program.state.requests.refresh.Contains(Window::MainDialog));
+  EXPECT_TRUE(program.state.requests.refresh.Take(Window::MainDialog));
   QTest::mouseClick(&Switch(), Qt::LeftButton);
   EXPECT_FALSE(program.state.open.Contains(Window::TerminalScreen));
+  EXPECT_TRUE(program.state.requests.refresh.Contains(Window::MainDialog));
   EXPECT_EQ(Switch().text(), QStringLiteral("ON"));
   EXPECT_TRUE(WaitUntil([&] { return TerminalScreen() == nullptr; }));
 }

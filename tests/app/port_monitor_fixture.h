@@ -29,6 +29,8 @@ class PortMonitorTest : public AppTest {
 
 inline const QString kGone = NotAvailable("COM3");
 inline const QString kUpdated = QStringLiteral("transient/COM port list has been updated.");
+inline const QString kConnectedAgain =
+    QStringLiteral("information/: Information//Successfully connected to  \"COM3\"/");
 inline const QString kOffer =
     QStringLiteral("yes or no/: Confirmation//Do you want to connect to \"COM3\" ?/");
 

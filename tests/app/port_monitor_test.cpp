@@ -175,10 +175,21 @@ TEST_F(PortMonitorTest, AnsweredYesConnects) {
   StartMonitor();
   PlugIn(QStringLiteral("COM3"), terminal);
   messages.answers = {true};
+  // The port dialogs have the new state beside the message.
+  QStringList refreshed;
+  whileShown = [&] {
+    const WindowSet& asked = program.state.requests.refresh;
+    for (const auto& [each, name] : {std::pair{Window::PortNumber, "number"},
+                                     {Window::DetailedPortList, "list"},
+                                     {Window::PortSettings, "settings"}}) {
+      if (!asked.Contains(each)) continue;
+      EXPECT_EQ(journal.last(), kConnectedAgain) << name;
+      refreshed.append(QLatin1String(name));
+    }
+  };
   monitor.Tick();
-  EXPECT_EQ(Happened(),
-            (QStringList{kUpdated, "stop timer", kOffer,
-                         "information/: Information//Successfully connected to  \"COM3\"/", "start timer"}));
+  EXPECT_EQ(refreshed, (QStringList{"number", "list", "settings"}));
+  EXPECT_EQ(Happened(), (QStringList{kUpdated, "stop timer", kOffer, kConnectedAgain, "start timer"}));
   EXPECT_TRUE(program.connection.connected.IsSet());
   EXPECT_TRUE(program.connection.handle.IsOpen());
   EXPECT_EQ(program.state.currentPortName, QStringLiteral("COM3"));

@@ -17,7 +17,8 @@ namespace {
 TEST(SplashPage, SaysWhatIsStarting) {
   const CSplashPage splash;
   EXPECT_EQ(Control<QLabel>(splash, 1165)->text(), QStringLiteral("Quarn  (Ver. 1.00)"));
-  EXPECT_EQ(Control<QLabel>(splash, 1169)->text(), QString::fromLatin1(identity::kBuildLine));
+  EXPECT_EQ(Control<QLabel>(splash, 1169)->text(),
+            QStringLiteral("Build ") + QLatin1String(identity::kBuildDate));
   EXPECT_EQ(Control<QLabel>(splash, 1166)->text(), QStringLiteral("Serial Port Terminal"));
   EXPECT_EQ(Control<QLabel>(splash, 1168)->text(), QStringLiteral("Halvo"));
   EXPECT_FALSE(splash.findChild<QLabel*>(QStringLiteral("logo"))->pixmap(Qt::ReturnByValue).isNull());

@@ -49,6 +49,20 @@ TEST_F(StartRefused, WhileAnotherOneRuns) {
   EXPECT_TRUE(TerminalTitleBecomes(QStringLiteral("Quarn - Terminal Screeen (COM3)  N- INS")));
 }
 
+TEST_F(StartRefused, AndBringsTheFirstOneToTheFrontOfAnotherProgram) {
+  StartConnected("* -> line \"OK\"");
+  ASSERT_TRUE(MainTitleBecomes(QStringLiteral("Quarn   (COM3)")));
+  ChildProcess other;
+  other.setProcessEnvironment(desktop.Environment());
+  other.start(QStringLiteral(QUARN_DRAG_SOURCE), {});
+  Focus(WaitForWindow(QStringLiteral("^Drag Source$")));
+  const std::unique_ptr<ProgramRun> second = StartAnother();
+  Acknowledge(kPlain, {QStringLiteral("\"Quarn\" is already open !")});
+  ASSERT_TRUE(second->WaitForEnd());
+  EXPECT_TRUE(BecomesActive(WaitForWindow(kMain)));
+  End(other);
+}
+
 TEST_F(StartRefused, WithAFileThatTheFirstOneThenLoads) {
   StartConnected("* -> line \"OK\"");
   ASSERT_TRUE(MainTitleBecomes(QStringLiteral("Quarn   (COM3)")));

@@ -52,6 +52,31 @@ TEST(Identity, IsInTheDesktopEntry) {
   ExpectLines(FilledInFile("linux/quarn.desktop"), {"Name=" + kName, "Exec=quarn %f"});
 }
 
+/// The lines of a group of the desktop entry.
+std::vector<std::string> GroupOf(const std::string& text, const std::string& heading) {
+  std::vector<std::string> group;
+  bool inside = false;
+  for (const std::string& line : LinesOf(text)) {
+    if (line.starts_with('[')) {
+      inside = line == '[' + heading + ']';
+    } else if (inside && !line.empty()) {
+      group.push_back(line);
+    }
+  }
+  return group;
+}
+
+TEST(Identity, HasItsActionsInTheDesktopEntry) {
+  const std::string entry = FilledInFile("linux/quarn.desktop");
+  const std::vector<std::string> head = GroupOf(entry, "Desktop Entry");
+  EXPECT_EQ(std::count(head.begin(), head.end(), "Actions=Demo;Smaller;Guide;"), 1);
+  EXPECT_EQ(GroupOf(entry, "Desktop Action Demo"),
+            (std::vector<std::string>{"Name=Demo with a simulated instrument", "Exec=quarn --demo"}));
+  EXPECT_EQ(GroupOf(entry, "Desktop Action Smaller"),
+            (std::vector<std::string>{"Name=Start at three quarters of the size",
+                                      "Exec=env QT_SCALE_FACTOR=0.75 quarn"}));
+}
+
 TEST(Identity, IsInTheMetadata) {
   ExpectLines(FilledInFile("linux/example.halvo.quarn.metainfo.xml"),
               {"<name>" + kName + "</name>", "<developer_name>" + kMaker + "</developer_name>",

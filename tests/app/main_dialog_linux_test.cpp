@@ -1,4 +1,4 @@
-// Keys in the main dialog where the system decides which window has the keyboard.
+// The main dialog's own menu, and its keys where the system decides which window has the keyboard.
 
 #include "app/main_dialog_fixture.h"
 
@@ -30,6 +30,13 @@ TEST_F(MainDialogOnSway, TheTerminalScreenGetsEveryKeyOfTheMainDialog) {
 TEST_F(MainDialogOnSway, NoKeyGoesToATerminalScreenThatIsClosed) {
   QTest::keyClicks(&Switch(), QStringLiteral("id"));
   EXPECT_EQ(program.commandLine.Text(), QString());
+}
+
+TEST_F(MainDialog, HasTheAboutItemInItsContextMenu) {
+  QStringList items;
+  for (const QAction* action : dialog.actions()) items.append(action->text());
+  EXPECT_EQ(items, QStringList{QStringLiteral("Quarnについて(&A)...")});
+  EXPECT_EQ(dialog.contextMenuPolicy(), Qt::ActionsContextMenu);
 }
 
 TEST_F(MainDialog, AKeyOnlyTakesTheKeyboardToTheTerminalScreen) {
