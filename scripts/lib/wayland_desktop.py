@@ -30,6 +30,7 @@ NAVY_PIXELS = 60
 TERMINAL = r"Quarn - Terminal Screeen \(COM7(-NC)?\).*"
 MAIN = r"Quarn   \(COM7(-NC)?\)"
 BOX = r"Quarn : Error"
+PLAIN = r"Quarn"
 FORMAT = r"Quarn - Command Format"
 QUESTION = r"Quarn : Confirmation"
 SAVE_AS = r"Save As Quarn Configuration File"
@@ -358,6 +359,9 @@ class Trial:
         wait_until("the message", lambda: self.windows.has_keyboard(BOX))
         if self.windows.has_title(MAIN):
             raise Failed("no main window")
+        self.compositor.press("Return")
+        # Standard error is a file, so how to start is in a box too.
+        wait_until("the box that says how to start", lambda: self.windows.has_keyboard(PLAIN))
         self.compositor.press("Return")
         wait_until("the end of the program", lambda: self.program.poll() is not None)
 

@@ -23,6 +23,9 @@ enum class TerminalStream { Output, Error };
 /// false if that fails; for standard output the reason is then printed on standard error.
 bool WriteOnTerminal(const QString& text, TerminalStream stream);
 
+/// Whether what is written there is read on a terminal at once.
+bool IsTerminal(TerminalStream stream);
+
 enum class InstanceLock { Taken, TakenByAnother, Failed };
 
 /// Takes the lock for one running program per user, named "Quarn.exe". It is kept until the process ends, in

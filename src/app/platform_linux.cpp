@@ -105,6 +105,10 @@ bool WriteOnTerminal(const QString& text, TerminalStream stream) {
   return false;
 }
 
+bool IsTerminal(TerminalStream stream) {
+  return ::isatty(stream == TerminalStream::Output ? STDOUT_FILENO : STDERR_FILENO) == 1;
+}
+
 int WindowDpi(const QWidget& window) {
   const QScreen* screen = window.screen();
   if (screen == nullptr) return 0;

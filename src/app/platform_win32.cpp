@@ -95,6 +95,11 @@ bool WriteOnTerminal(const QString& text, TerminalStream stream) {
   return done;
 }
 
+bool IsTerminal(TerminalStream stream) {
+  return GetFileType(GetStdHandle(stream == TerminalStream::Output ? STD_OUTPUT_HANDLE : STD_ERROR_HANDLE)) ==
+         FILE_TYPE_CHAR;
+}
+
 int WindowDpi(const QWidget& window) {
   return static_cast<int>(GetDpiForWindow(reinterpret_cast<HWND>(window.effectiveWinId())));
 }

@@ -34,9 +34,10 @@ bool DisplayFits(Program& program, StartUpStage& stage) {
   const QString caption = QStringLiteral(": Error");
   const int scaling = ScalingPercent(stage.Dpi());
   if (!IsSupportedScaling(scaling)) {
-    stage.TellHowToStart(scaling);
+    const QString how = stage.TellHowToStart(scaling);
     program.messages->ShowErrorMessage(caption, QString(), QStringLiteral("Windows display scaling Settings"),
                                        QStringLiteral("Scaling must be 100, 125, 150 or 175(%)."));
+    if (!how.isEmpty()) program.messages->ShowPlainMessage(how);
     return false;
   }
   program.state.displayScalePercent = scaling;

@@ -25,8 +25,9 @@ class StartUpStage {
   virtual PortMonitor& Monitor() = 0;
   /// Of the main dialog's screen; 0 if there is none.
   virtual int Dpi() = 0;
-  /// Says on standard error how to start at a scaling that is supported, if there is a way.
-  virtual void TellHowToStart(int scalingPercent) = 0;
+  /// Says on standard error how to start at a scaling that is supported, if there is a way. Returns the same
+  /// line if nobody reads it there.
+  virtual QString TellHowToStart(int scalingPercent) = 0;
   /// Whether the menu bar's items do not fit on one line.
   virtual bool MenuBarWraps() = 0;
   /// In pixels.

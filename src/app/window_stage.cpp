@@ -59,9 +59,10 @@ void WindowStage::PrepareUnderSplash() {
 
 int WindowStage::Dpi() { return WindowDpi(*m_dialog); }
 
-void WindowStage::TellHowToStart(int scalingPercent) {
+QString WindowStage::TellHowToStart(int scalingPercent) {
   const QString how = HowToStartAtScaling(scalingPercent);
   if (!how.isEmpty()) WriteOnTerminal(how, TerminalStream::Error);
+  return IsTerminal(TerminalStream::Error) ? QString() : how.trimmed();
 }
 
 bool WindowStage::MenuBarWraps() { return m_dialog->MenuBarWraps(); }

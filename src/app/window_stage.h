@@ -20,7 +20,7 @@ class WindowStage final : public StartUpStage {
   MainWindow& Window() override { return *m_dialog; }
   PortMonitor& Monitor() override { return m_dialog->Monitor(); }
   int Dpi() override;
-  void TellHowToStart(int scalingPercent) override;
+  QString TellHowToStart(int scalingPercent) override;
   bool MenuBarWraps() override;
   int MessageFontHeight() override;
   void AcceptDrops() override;

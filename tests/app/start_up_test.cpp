@@ -76,6 +76,16 @@ TEST_F(StartUpTest, ARefusedScalingIsToldAfterTheSplash) {
   EXPECT_FALSE(QFile::exists(program.workingSettingsFile));
 }
 
+TEST_F(StartUpTest, HowToStartIsInABoxWhereNobodyReadsStandardError) {
+  stage.dpi = 192;
+  stage.untoldHow = QStringLiteral("quarn: this way");
+  EXPECT_EQ(Start(), StartUpResult::DisplayRefused);
+  EXPECT_EQ(Happened(), (QStringList{"lock", "splash", "dpi", "how 200",
+                                     ("error/: Error//Windows display scaling Settings/Scaling must be 100, "
+                                      "125, 150 or 175(%)."),
+                                     "plain/quarn: this way"}));
+}
+
 TEST_F(StartUpTest, KeepsTheScaling) {
   stage.dpi = 144;
   EXPECT_EQ(Start(), StartUpResult::Running);

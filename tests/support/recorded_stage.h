@@ -16,6 +16,7 @@ class RecordedStage final : public StartUpStage {
   bool wraps = false;
   int fontHeight = 12;
   QString file;
+  QString untoldHow;  ///< what nobody could read on standard error
   bool mayPlaceWindows = true;
 
   InstanceLock TakeLock(QString& reason) override {
@@ -27,7 +28,10 @@ class RecordedStage final : public StartUpStage {
   MainWindow& Window() override { return m_window; }
   PortMonitor& Monitor() override { return m_monitor; }
   int Dpi() override { return Note("dpi", dpi); }
-  void TellHowToStart(int percent) override { m_journal.append(QStringLiteral("how %1").arg(percent)); }
+  QString TellHowToStart(int percent) override {
+    m_journal.append(QStringLiteral("how %1").arg(percent));
+    return untoldHow;
+  }
   bool MenuBarWraps() override { return Note("menu bar", wraps); }
   int MessageFontHeight() override { return fontHeight; }
   void AcceptDrops() override { m_journal.append(QStringLiteral("drops")); }

@@ -4,6 +4,7 @@
 #include <QRegularExpression>
 
 #include "identity.h"
+#include "system/e2e/commands.h"
 #include "system/e2e/starts.h"
 
 namespace quarn::test {
@@ -136,6 +137,10 @@ TEST_F(StartRefused, WhereNobodyNamesAFolderForTheSettings) {
 }
 
 TEST_F(StartRefused, AtAScalingThatTheDialogsAreNotMadeFor) {
+  // On a terminal, where a line says more, there is no second box.
+  const FarEnd screen;
+  program.setProcessChannelMode(QProcess::SeparateChannels);
+  program.setStandardErrorFile(screen.NodePath());
   for (const char* factor : {"2", "1.3"}) {
     SCOPED_TRACE(factor);
     SetVariable("QT_SCALE_FACTOR", QLatin1String(factor));
@@ -173,8 +178,11 @@ TEST_F(StartRefused, AndTheLineThatItPrintsStartsIt) {
     SetVariable("QT_FONT_DPI", QLatin1String(each.dpi));
     const std::unique_ptr<ProgramRun> refused = StartAnother();
     Acknowledge(kError, {QStringLiteral("Windows display scaling Settings"), kScaling});
+    // Nobody may read standard error.
+    Acknowledge(kPlain, {QString::fromLatin1(each.line).trimmed()});
     const std::optional<ProgramEnd> end = refused->WaitForEnd();
     ASSERT_TRUE(end);
+    EXPECT_EQ(end->exitCode, 1);
     EXPECT_EQ(end->errors, QByteArray(each.line));
     const QByteArray factor = end->errors.split('=').value(1).split(' ').value(0);
     SetVariable("QT_SCALE_FACTOR", QString::fromLatin1(factor));
