@@ -1,5 +1,4 @@
 #include <QAction>
-#include <QDesktopServices>
 #include <QLayout>
 #include <QMenuBar>
 #include <QUrl>
@@ -110,7 +109,7 @@ bool CQuarnDlg::MenuBarWraps() {
 }
 
 void CQuarnDlg::ShowAbout() {
-  CAboutBox box(&QDesktopServices::openUrl, *m_program.messages);
+  CAboutBox box(&OpenPage, *m_program.messages);
   RunBox(box);
 }
 

@@ -4,6 +4,7 @@
 #include <QStringList>
 #include <functional>
 
+class QUrl;
 class QWidget;
 
 /// What the program asks of the system: one file per system implements this. The rooms below have their own.
@@ -47,9 +48,14 @@ int MessageFontHeight();
 void AddWindowMenuItem(QWidget& window, const QString& text, const QString& plainText,
                        std::function<void()> chosen);
 
+/// Opens the page in the user's browser; false if that fails. The browser has the session as it was before
+/// DesktopSession.
+bool OpenPage(const QUrl& page);
+
 /// Chooses the display of a session that has two, and keeps the program from a session bus that does not
 /// answer, and GTK from loading OpenGL, which nothing here uses. Make it before the application object, and
-/// destroy it afterwards: programs that this one starts choose for themselves.
+/// destroy it afterwards: programs that this one starts choose for themselves. Only the bus stays away, as Qt
+/// may ask for it at any time.
 class DesktopSession {
  public:
   /// `arguments`: the process's own, with the program first.

@@ -2,7 +2,9 @@
 
 #include <QAbstractNativeEventFilter>
 #include <QCoreApplication>
+#include <QDesktopServices>
 #include <QString>
+#include <QUrl>
 #include <QWidget>
 #include <cstdlib>
 #include <system_error>
@@ -123,6 +125,8 @@ void AddWindowMenuItem(QWidget& window, const QString& text, const QString& /*pl
   AppendMenuW(menu, MF_STRING, kItemId, reinterpret_cast<LPCWSTR>(text.utf16()));
   new SystemMenuItem(window, std::move(chosen));
 }
+
+bool OpenPage(const QUrl& page) { return QDesktopServices::openUrl(page); }
 
 // There is one display, no session bus and no GTK.
 DesktopSession::DesktopSession(const QStringList& /*arguments*/) : m_choseDisplay(false), m_spareGl(false) {}

@@ -1,9 +1,13 @@
 #include <gtest/gtest.h>
 
+#include <QDesktopServices>
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
+#include <QTextBrowser>
+#include <QUrl>
 #include <thread>
+#include <utility>
 
 #include "app/platform.h"
 #include "support/silent_socket_linux.h"
@@ -93,6 +97,35 @@ TEST_F(DesktopSessionTest, ABusThatDoesNotAnswerIsLeftAlone) {
   qunsetenv("DBUS_SESSION_BUS_ADDRESS");
   qputenv("XDG_RUNTIME_DIR", QFileInfo(Path("bus")).path().toLocal8Bit());
   EXPECT_EQ(BusAfterwards(), QByteArray("disabled:")) << "the session's usual place";
+}
+
+/// The bus of a program that is started to show a page, and Quarn's own afterwards.
+std::pair<QByteArray, QByteArray> BusOfBrowser() {
+  QTextBrowser browser;
+  QByteArray address = "nobody was started";
+  QObject::connect(&browser, &QTextBrowser::sourceChanged, &browser,
+                   [&address] { address = qgetenv("DBUS_SESSION_BUS_ADDRESS"); });
+  const QString scheme = QStringLiteral("quarn-page");
+  QDesktopServices::setUrlHandler(scheme, &browser, "setSource");
+  EXPECT_TRUE(OpenPage(QUrl(scheme + QStringLiteral(":page"))));
+  QDesktopServices::unsetUrlHandler(scheme);
+  return {address, qgetenv("DBUS_SESSION_BUS_ADDRESS")};
+}
+
+TEST_F(DesktopSessionTest, ABrowserHasTheBusThatQuarnLeavesAlone) {
+  const SilentSocket bus(Path("bus"));
+  const QByteArray address = "unix:path=" + Path("bus").toLocal8Bit();
+  qputenv("DBUS_SESSION_BUS_ADDRESS", address);
+  ASSERT_EQ(BusAfterwards(), QByteArray("disabled:"));
+  EXPECT_EQ(BusOfBrowser(), std::pair(address, QByteArray("disabled:")));
+  qunsetenv("DBUS_SESSION_BUS_ADDRESS");
+  qputenv("XDG_RUNTIME_DIR", QFileInfo(Path("bus")).path().toLocal8Bit());
+  ASSERT_EQ(BusAfterwards(), QByteArray("disabled:"));
+  EXPECT_EQ(BusOfBrowser(), std::pair(QByteArray(), QByteArray("disabled:")));
+  const QByteArray nobody = "unix:path=" + Path("nobody").toLocal8Bit();
+  qputenv("DBUS_SESSION_BUS_ADDRESS", nobody);
+  ASSERT_EQ(BusAfterwards(), nobody);
+  EXPECT_EQ(BusOfBrowser(), std::pair(nobody, nobody));
 }
 
 TEST_F(DesktopSessionTest, WithoutABusNoneIsSearchedForInVain) {
