@@ -12,14 +12,15 @@
 #include <utility>
 
 #include "app/path_display.h"
+#include "app/platform.h"
 #include "dialogs/terminal/function_key_table_dialog.h"
 #include "dialogs/terminal/terminal_screen.h"
 #include "identity.h"
 #include "serial/port_names.h"
 #include "ui/box_order.h"
 #include "ui/controls.h"
-#include "ui/escape_key.h"
 #include "ui/dropped_file.h"
+#include "ui/escape_key.h"
 #include "ui/pictures.h"
 #include "ui/placement.h"
 #include "ui/tool_tip.h"
@@ -63,6 +64,7 @@ CQuarnDlg::CQuarnDlg(Program& program)
   CreateMenus();
   UpdateMenuState();
   qApp->installEventFilter(this);
+  TakeSystemKeys(*this, [this] { return QApplication::activePopupWidget() == nullptr && PassKeyOn(); });
   EscapeKey::OfProgram().StayInFront();
 }
 
@@ -191,17 +193,22 @@ bool CQuarnDlg::IsForThisWindow(const QObject* receiver) const {
   return receiver->isWidgetType() && static_cast<const QWidget*>(receiver)->window() == this;
 }
 
+bool CQuarnDlg::PassKeyOn() {
+  const bool isOpen = m_program.state.open.Contains(Window::TerminalScreen);
+  if (isOpen) m_program.state.requests.focus = true;
+  return isOpen;
+}
+
 bool CQuarnDlg::eventFilter(QObject* receiver, QEvent* event) {
   if (!IsKey(*event) || QApplication::activePopupWidget() != nullptr || !IsForThisWindow(receiver)) {
     return false;
   }
   // Neither Enter nor Escape ends the program.
   bool swallow = EndsDialogs(*event);
-  if (m_program.state.open.Contains(Window::TerminalScreen)) {
-    // The key takes the keyboard to the Terminal Screen. Some systems refuse that, so it gets the key itself.
+  if (PassKeyOn()) {
+    // Some systems refuse to move the keyboard, so the Terminal Screen gets the key itself.
     if (event->type() == QEvent::KeyPress && m_terminalScreen && !MayPlaceWindows())
       m_terminalScreen->HandleKey(static_cast<const QKeyEvent&>(*event));
-    m_program.state.requests.focus = true;
     swallow = true;
   }
   if (swallow) event->accept();

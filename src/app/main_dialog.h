@@ -87,6 +87,8 @@ class CQuarnDlg final : public PolledDialog, public MainWindow {
   void ShowApart(PolledDialog& dialog);
   void ShowAt(PolledDialog& dialog, std::function<QPoint()> place);
   [[nodiscard]] bool IsForThisWindow(const QObject* receiver) const;
+  /// While the Terminal Screen is open, a key takes the keyboard there. False if it is not.
+  bool PassKeyOn();
 
   Program& m_program;
   FileChooserDialog m_chooser;

@@ -61,6 +61,29 @@ class SystemMenuItem final : public QObject, public QAbstractNativeEventFilter {
   const std::function<void()> m_chosen;
 };
 
+/// Without it Alt+F4 closes the window, and Alt+Space opens its menu as soon as the blank arrives.
+class SystemKeys final : public QObject, public QAbstractNativeEventFilter {
+ public:
+  SystemKeys(QWidget& window, std::function<bool()> take)
+      : QObject(&window), m_window(reinterpret_cast<HWND>(window.winId())), m_take(std::move(take)) {
+    QCoreApplication::instance()->installNativeEventFilter(this);
+  }
+  ~SystemKeys() override { QCoreApplication::instance()->removeNativeEventFilter(this); }
+
+  bool nativeEventFilter(const QByteArray& /*eventType*/, void* message, qintptr* result) override {
+    const MSG& event = *static_cast<const MSG*>(message);
+    const bool isKey = event.message == WM_SYSKEYDOWN && (event.wParam == VK_F4 || event.wParam == VK_SPACE);
+    const bool isBlank = event.message == WM_SYSCHAR && event.wParam == VK_SPACE;
+    if (event.hwnd != m_window || !(isKey || isBlank) || !m_take()) return false;
+    if (result != nullptr) *result = 0;
+    return true;
+  }
+
+ private:
+  const HWND m_window;
+  const std::function<bool()> m_take;
+};
+
 }  // namespace
 
 QString ReadFileArgument(const QStringList& /*arguments*/) {
@@ -125,6 +148,8 @@ void AddWindowMenuItem(QWidget& window, const QString& text, const QString& /*pl
   AppendMenuW(menu, MF_STRING, kItemId, reinterpret_cast<LPCWSTR>(text.utf16()));
   new SystemMenuItem(window, std::move(chosen));
 }
+
+void TakeSystemKeys(QWidget& window, std::function<bool()> take) { new SystemKeys(window, std::move(take)); }
 
 bool OpenPage(const QUrl& page) { return QDesktopServices::openUrl(page); }
 
