@@ -75,7 +75,7 @@ def cycle(account, port, cable, begin):
         check(process.poll() is None, f"quarn-send has ended with {process.poll()}")
         began = time.monotonic()
         cable.pull()
-        _, errors = process.communicate(timeout=60)
+        output, errors = process.communicate(timeout=60)
         took = time.monotonic() - began
     except subprocess.TimeoutExpired:
         check(False, f"quarn-send does not end when the cable is pulled during {command:.4}")
@@ -88,6 +88,9 @@ def cycle(account, port, cable, begin):
         drain(line)
         line.far.answer(RULES)
     equal(f"status ({errors})", process.returncode, 5)
+    # What came before the pull is printed, and nothing else is.
+    equal("printed", output, b"x" * len(output))
+    equal("whether anything was printed", bool(output), begin is receives)
     check(b"failed" in errors or b"not present" in errors, f"no reason: {errors}")
     check(took <= LONGEST_S, f"it took {took:.1f} s to end")
     account.settings(COM_PORT=port)
