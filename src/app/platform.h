@@ -50,7 +50,7 @@ void AddWindowMenuItem(QWidget& window, const QString& text, const QString& plai
 
 /// For keys in the window that its system acts on before Qt hears of them: Alt+F4 and Alt+Space on Windows.
 /// If `take` returns true, the key does nothing more. Does nothing where a window manager has such keys.
-void TakeSystemKeys(QWidget& window, std::function<bool()> take);
+void TakeSystemKeys(QWidget& window, const std::function<bool()>& take);
 
 /// Opens the page in the user's browser; false if that fails. The browser has the session as it was before
 /// DesktopSession.

@@ -146,6 +146,6 @@ void AddWindowMenuItem(QWidget& window, const QString& text, const QString& plai
   window.setContextMenuPolicy(Qt::ActionsContextMenu);
 }
 
-void TakeSystemKeys(QWidget& /*window*/, std::function<bool()> /*take*/) {}
+void TakeSystemKeys(QWidget& /*window*/, const std::function<bool()>& /*take*/) {}
 
 }  // namespace quarn

@@ -149,7 +149,7 @@ void AddWindowMenuItem(QWidget& window, const QString& text, const QString& /*pl
   new SystemMenuItem(window, std::move(chosen));
 }
 
-void TakeSystemKeys(QWidget& window, std::function<bool()> take) { new SystemKeys(window, std::move(take)); }
+void TakeSystemKeys(QWidget& window, const std::function<bool()>& take) { new SystemKeys(window, take); }
 
 bool OpenPage(const QUrl& page) { return QDesktopServices::openUrl(page); }
 
