@@ -147,7 +147,9 @@ TEST_F(TransactionWait, WindowsMayPaintAllTheTimeAndNobodyIsWokenForAPollThatOnl
   SetShortestTimeout();
   Serve(kRules);
   EXPECT_EQ(Run("mute"), TransactionResult::Timeout);
-  EXPECT_GE(m_host.paintingTime, std::chrono::milliseconds(540 + 500));
+  // Between two paintings a busy computer may give others the processor.
+  constexpr std::chrono::milliseconds kOthers{100};
+  EXPECT_GE(m_host.paintingTime, std::chrono::milliseconds(540 + 500) - kOthers);
   EXPECT_EQ(m_host.painted, 3 + 2 + 1)
       << "to two refreshes and the time-out, after each refresh, and at the end";
 }
