@@ -11,7 +11,7 @@ import time
 import tty
 
 from adapters import port_of
-from bench import Failed, acm, check, each_line, equal, ftdi, mute, note, read, until
+from bench import Failed, acm, check, each_line, equal, ftdi, mute, note, options, read, until
 from line_state import State
 from window import INFORMATION, QUESTION, Quarn
 
@@ -153,9 +153,11 @@ def windows_end(line):
             idle.append(seconds_to_reset(quarn))
             send_into_nothing(line, quarn, window)
             stuck.append(seconds_to_reset(quarn))
-        send_into_nothing(line, quarn, window)
-        changed = quarn.choose_port(other)
-        changed_idle = quarn.choose_port("COM11")
+        changed = changed_idle = 0.0
+        if line is mute or options["long"]:
+            send_into_nothing(line, quarn, window)
+            changed = quarn.choose_port(other)
+            changed_idle = quarn.choose_port("COM11")
         send_into_nothing(line, quarn, window)
         disconnected = seconds_to_disconnect(quarn)
         send_into_nothing(line, quarn, window)
