@@ -72,6 +72,14 @@ LineResult DemoLine::ClearError() {
 
 IoResult DemoLine::Read(char* buffer, std::size_t size) {
   std::unique_lock guard(m_mutex);
+  m_reading = true;
+  IoResult result = ReadUntilEnd(guard, buffer, size);
+  m_reading = false;
+  m_changed.notify_all();
+  return result;
+}
+
+IoResult DemoLine::ReadUntilEnd(std::unique_lock<std::mutex>& guard, char* buffer, std::size_t size) {
   ReadDeadline deadline(m_timeouts, size, LineClock::now());
   std::size_t got = 0;
   while (got < size) {
@@ -158,9 +166,10 @@ milliseconds DemoLine::Perform(const device::Step& step, const device::Command& 
 }
 
 void DemoLine::CancelIo() {
-  const std::lock_guard guard(m_mutex);
+  std::unique_lock guard(m_mutex);
   m_cancelled = true;
   m_changed.notify_all();
+  m_changed.wait(guard, [this] { return !m_reading; });
 }
 
 void DemoLine::AllowIo() {

@@ -52,6 +52,7 @@ class DemoLine final : public SerialLine {
   /// Returns how long the next step waits.
   std::chrono::milliseconds Perform(const device::Step& step, const device::Command& command,
                                     LineClock::time_point when);
+  IoResult ReadUntilEnd(std::unique_lock<std::mutex>& guard, char* buffer, std::size_t size);
   /// Moves what has come by now into the buffer.
   std::size_t Take(char* buffer, std::size_t size);
 
@@ -64,6 +65,7 @@ class DemoLine final : public SerialLine {
   std::deque<Arrival> m_coming;  ///< in the order of time
   LineClock::time_point m_answeredBy = LineClock::now();
   bool m_cancelled = false;
+  bool m_reading = false;
   bool m_closed = false;
   bool m_lost = false;
 };

@@ -110,14 +110,15 @@ class SerialLine {
   virtual LineResult ClearError() = 0;
   virtual IoResult Read(char* buffer, std::size_t size) = 0;
   virtual IoResult Write(const char* data, std::size_t size) = 0;
-  /// Ends a blocked Read or Write, and refuses every later one with LineError::Cancelled until
-  /// AllowIo is called.
+  /// Ends a Read or Write of another thread, waits until it has ended, and refuses every later one with
+  /// LineError::Cancelled until AllowIo is called. A driver that does not let go is waited for less than a
+  /// second.
   virtual void CancelIo() = 0;
   virtual void AllowIo() = 0;
   /// Restores the driver's former state and closes. Fails if the system reports a failure; the line is
   /// closed anyway. Afterwards every operation fails with LineError::Disconnected, also after AllowIo. Waits
   /// less than a second for queued bytes to be sent, and drops the rest. Returns within a second whatever the
-  /// driver does.
+  /// driver does. A second call does nothing, and succeeds.
   virtual LineResult Close() = 0;
   /// Whether the line is lost: it was hung up, its device is gone, or another device has its place. Once a
   /// read or write has found this, it does not change. May be called at any time, is fast and never waits for

@@ -97,7 +97,7 @@ class LinuxSerialLine final : public SerialLine {
     LineState reported;
     if (LineResult looked = GetState(reported); !looked) {
       // A state that cannot be checked must not stay.
-      ControlLine(m_hold.line.Get(), TCSETS2, &earlier);
+      Control(TCSETS2, &earlier);
       return looked;
     }
     if (WasTaken(state, reported, m_hold.kind == TerminalKind::PseudoTerminal)) {
@@ -185,9 +185,13 @@ class LinuxSerialLine final : public SerialLine {
   }
 
   void CancelIo() override {
-    const std::lock_guard guard(m_wakeMutex);
-    m_cancelled = true;
-    Wake();
+    {
+      const std::lock_guard guard(m_wakeMutex);
+      m_cancelled = true;
+      Wake();
+    }
+    // AllowIo clears the wake-up: until then it must have been seen.
+    const std::lock_guard ended(m_ioMutex);
   }
 
   void AllowIo() override {

@@ -323,7 +323,7 @@ LineResult Win32SerialLine::Close() {
   m_meeting->changed.wait_for(lock, 2 * kCancelPatience, [this] { return !m_inIo; });
   const auto handle = std::exchange(m_handle, nullptr);
   const auto leftBehind = std::exchange(m_leftBehind, nullptr);
-  if (!handle) return Stopped();
+  if (!handle) return {};
   if (m_inIo || (leftBehind && !leftBehind->HasEnded())) return LeftBehind();
   lock.unlock();
   return Conclude(handle->Close());

@@ -18,6 +18,11 @@ namespace {
 constexpr std::chrono::milliseconds kDrainPoll{2};
 constexpr std::chrono::milliseconds kInterruptAgain{10};
 
+timespec SpecOf(std::chrono::milliseconds time) {
+  const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(time);
+  return {seconds.count(), std::chrono::nanoseconds(time - seconds).count()};
+}
+
 }  // namespace
 
 ExclusiveMark::ExclusiveMark(ExclusiveMark&& other) noexcept : m_line(std::exchange(other.m_line, -1)) {}
@@ -72,9 +77,9 @@ WaitLimit::WaitLimit(std::chrono::milliseconds longest) {
   m_runs = signal != 0 && ::timer_create(CLOCK_MONOTONIC, &event, &m_timer) == 0;
   if (!m_runs) return;
   itimerspec times{};
-  times.it_value.tv_nsec = std::chrono::nanoseconds(longest).count();
+  times.it_value = SpecOf(longest);
   // Repeated, because a signal that arrives just before the wait does not end it.
-  times.it_interval.tv_nsec = std::chrono::nanoseconds(kInterruptAgain).count();
+  times.it_interval = SpecOf(kInterruptAgain);
   ::timer_settime(m_timer, 0, &times, nullptr);
 }
 

@@ -122,6 +122,20 @@ TEST_F(DemoLineTest, CancelIoEndsAReadAndLaterOnesUntilAllowIo) {
   EXPECT_EQ(Read(3), "SIM");
 }
 
+TEST_F(DemoLineTest, AReadThatIsCancelledEndsAlsoIfReadingIsAllowedAgainAtOnce) {
+  Serve("\"id\" -> \"SIM\"");
+  ASSERT_TRUE(m_line->SetTimeouts({}));
+  auto read = std::async(std::launch::async, [this] { return Read(kReadSize); });
+  // A thread that had no time to begin reading is not cancelled.
+  for (int attempt = 0; attempt < 5; ++attempt) {
+    if (read.wait_for(std::chrono::milliseconds(300)) == std::future_status::ready) break;
+    m_line->CancelIo();
+    m_line->AllowIo();
+  }
+  ASSERT_EQ(read.wait_for(std::chrono::seconds(20)), std::future_status::ready) << "the wake-up was lost";
+  EXPECT_EQ(m_last.failure.kind, LineError::Cancelled);
+}
+
 TEST_F(DemoLineTest, CloseEndsARead) {
   Serve("\"id\" -> \"SIM\"");
   ASSERT_TRUE(m_line->SetTimeouts({}));

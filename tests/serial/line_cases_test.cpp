@@ -119,6 +119,21 @@ TEST_F(LineCases, AReadOfTenSecondsThatIsCancelledAfterOneEndsThen) {
   EXPECT_LE(taken, 2000);
 }
 
+TEST_F(LineCases, AReadThatIsCancelledEndsAlsoIfReadingIsAllowedAgainAtOnce) {
+  Serve("");
+  ASSERT_TRUE(m_line->SetTimeouts({}));
+  auto reading = InThread([this] { return Read(32).result; });
+  // A thread that had no time to begin reading is not cancelled.
+  for (int attempt = 0; attempt < 5; ++attempt) {
+    if (reading.wait_for(milliseconds(300)) == std::future_status::ready) break;
+    m_line->CancelIo();
+    m_line->AllowIo();
+  }
+  ASSERT_TRUE(Ends(reading)) << "the wake-up was lost";
+  EXPECT_EQ(reading.get().failure.kind, LineError::Cancelled);
+  ASSERT_NO_FATAL_FAILURE(Write("id\r"));
+}
+
 /// Every value of a byte, 16 times.
 std::string EveryByteOften() {
   std::string bytes(256, '\0');
