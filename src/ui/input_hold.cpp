@@ -6,6 +6,7 @@
 #include <QEventLoop>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QPointingDevice>
 #include <QWheelEvent>
 #include <algorithm>
 #include <set>
@@ -90,11 +91,24 @@ QEvent::Type BeginningOf(int type) {
   }
 }
 
+/// The device of a kept event. It may be unplugged meanwhile, and an event needs one.
+class KeptDevice {
+ public:
+  explicit KeptDevice(const QPointerEvent& event) : m_device(event.pointingDevice()) {}
+  [[nodiscard]] const QPointingDevice* Get() const {
+    return m_device.isNull() ? QPointingDevice::primaryPointingDevice() : m_device.data();
+  }
+
+ private:
+  QPointer<const QPointingDevice> m_device;
+};
+
 std::function<std::unique_ptr<QEvent>()> MouseMaker(const QMouseEvent& event) {
   return [type = event.type(), position = event.position(), scene = event.scenePosition(),
           global = event.globalPosition(), button = event.button(), buttons = event.buttons(),
-          modifiers = event.modifiers(), device = event.pointingDevice()]() -> std::unique_ptr<QEvent> {
-    return std::make_unique<QMouseEvent>(type, position, scene, global, button, buttons, modifiers, device);
+          modifiers = event.modifiers(), device = KeptDevice(event)]() -> std::unique_ptr<QEvent> {
+    return std::make_unique<QMouseEvent>(type, position, scene, global, button, buttons, modifiers,
+                                         device.Get());
   };
 }
 
@@ -102,9 +116,9 @@ std::function<std::unique_ptr<QEvent>()> WheelMaker(const QWheelEvent& event) {
   return [position = event.position(), global = event.globalPosition(), pixels = event.pixelDelta(),
           angle = event.angleDelta(), buttons = event.buttons(), modifiers = event.modifiers(),
           phase = event.phase(), inverted = event.inverted(), source = event.source(),
-          device = event.pointingDevice()]() -> std::unique_ptr<QEvent> {
+          device = KeptDevice(event)]() -> std::unique_ptr<QEvent> {
     return std::make_unique<QWheelEvent>(position, global, pixels, angle, buttons, modifiers, phase, inverted,
-                                         source, device);
+                                         source, device.Get());
   };
 }
 

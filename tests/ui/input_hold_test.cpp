@@ -6,6 +6,7 @@
 #include <QApplication>
 #include <QBasicTimer>
 #include <QPointer>
+#include <QPointingDevice>
 #include <QPushButton>
 #include <QTest>
 #include <QWidget>
@@ -374,6 +375,28 @@ TEST(InputHold, EachClickLandsWhereItWasMade) {
   EXPECT_TRUE(clicked.isEmpty());
   QCoreApplication::processEvents();
   EXPECT_EQ(clicked.join(u','), QStringLiteral("A,B"));
+}
+
+/// A mouse that is unplugged during a long wait takes its device with it.
+TEST(InputHold, AClickOfADeviceThatIsGoneIsHandedOn) {
+  Recorder window;
+  InputHold hold;
+  hold.Begin();
+  {
+    const QPointingDevice mouse(QStringLiteral("mouse"), 1, QInputDevice::DeviceType::Mouse,
+                                QPointingDevice::PointerType::Generic, QInputDevice::Capability::Position, 1,
+                                3);
+    const QPointF place(10, 10);
+    QMouseEvent press(QEvent::MouseButtonPress, place, place, window.mapToGlobal(place), Qt::LeftButton,
+                      Qt::LeftButton, Qt::NoModifier, &mouse);
+    QCoreApplication::sendEvent(window.windowHandle(), &press);
+    QMouseEvent release(QEvent::MouseButtonRelease, place, place, window.mapToGlobal(place), Qt::LeftButton,
+                        Qt::NoButton, Qt::NoModifier, &mouse);
+    QCoreApplication::sendEvent(window.windowHandle(), &release);
+  }
+  hold.End();
+  QCoreApplication::processEvents();
+  EXPECT_EQ(window.events.join(u','), QStringLiteral("press,release"));
 }
 
 TEST(InputHold, NewerInputStaysBehindTheHeld) {
