@@ -1,5 +1,7 @@
 #include "app/connection_commands.h"
 
+#include <QScopedValueRollback>
+
 namespace quarn {
 namespace {
 
@@ -21,6 +23,7 @@ void TellPortNotAvailable(MessageOperations& messages, const QString& port) {
 }
 
 bool ConnectWithMessages(Program& program) {
+  const QScopedValueRollback underWay(program.state.portBeingChosen, true);
   const QString port = program.state.currentPortName;
   const bool connected = ConnectPort(program.settings, program.connection, program.Environment());
   program.connection.connected.Update(OpeningThat(connected));
@@ -51,6 +54,7 @@ void Disconnect(Program& program) {
 }
 
 void Reset(Program& program, MainWindow& window, const Pause& pause) {
+  const QScopedValueRollback underWay(program.state.portBeingChosen, true);
   window.SetTitle(QStringLiteral("- Resetting Port ..."));
   pause(kBeforeResetMs);
   const bool reset = ResetPort(program.settings, program.connection, program.Environment());

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "base/bounds.h"
+#include "base/printable.h"
 #include "serial/open_port.h"
 
 namespace quarn {
@@ -29,7 +30,8 @@ QString TextOf(PassedLimit passed) {
   const QString file = std::exchange(passed.file, QString());
   QString text =
       QStringLiteral("Quarn cannot go on and ends: a limit has been passed.\n\n%1.").arg(Describe(passed));
-  if (!file.isEmpty()) text += QStringLiteral("\n\nFile: ") + Breakable(QDir::toNativeSeparators(file));
+  if (!file.isEmpty())
+    text += QStringLiteral("\n\nFile: ") + Breakable(Printable(QDir::toNativeSeparators(file)));
   if (passed.line > 0) text += QStringLiteral("\nLine: %1").arg(passed.line);
   return text;
 }

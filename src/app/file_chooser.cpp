@@ -13,6 +13,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "app/platform.h"
+#include "base/printable.h"
 #include "ui/box.h"
 #include "ui/placement.h"
 
@@ -22,10 +24,15 @@ namespace {
 /// Room for every column of Qt's own dialog, on a screen that is large enough.
 constexpr QRect kChooserUnits{0, 0, 440, 240};
 
+/// Whether it is the system's dialog, and not Qt's own.
+bool IsOfSystem(const QFileDialog& dialog) {
+  return dialog.findChild<QTreeView*>(QStringLiteral("treeView")) == nullptr;
+}
+
 /// Sets the width of the columns of Qt's own dialog, after the names, to that of their texts.
 void FitColumns(QFileDialog& dialog) {
+  if (IsOfSystem(dialog)) return;
   const auto* files = dialog.findChild<QTreeView*>(QStringLiteral("treeView"));
-  if (files == nullptr) return;  // the system's dialog
   enum { Size = 1, Type, Modified };
   const QDateTime longest(QDate(2000, 12, 30), QTime(23, 59, 59));
   const QString margin = QStringLiteral("www");
@@ -97,10 +104,38 @@ QString FileChooserDialog::AskOpenFile(const FileQuestion& question) {
 }
 
 QString FileChooserDialog::AskSaveFile(const FileQuestion& question) {
+  if (SystemFileDialogAddsSuffix() || !IsOfSystem(QFileDialog(m_owner))) return AskSaveFileOnce(question);
+  return AskSaveFileAndAddSuffix(
+      question, [this](const FileQuestion& next) { return AskSaveFileOnce(next); }, m_messages);
+}
+
+QString FileChooserDialog::AskSaveFileOnce(const FileQuestion& question) {
   QFileDialog dialog(m_owner, question.title);
   dialog.setAcceptMode(QFileDialog::AcceptSave);
   dialog.setFileMode(QFileDialog::AnyFile);
   return Ask(dialog, question);
+}
+
+QString AskSaveFileAndAddSuffix(const FileQuestion& question,
+                                const std::function<QString(const FileQuestion&)>& dialog,
+                                MessageOperations& messages) {
+  FileQuestion next = question;
+  next.suffix.clear();
+  for (;;) {
+    const QString typed = dialog(next);
+    const QFileInfo file(typed);
+    if (typed.isEmpty() || file.fileName().contains(u'.')) return typed;
+    const QString path = typed + u'.' + question.suffix;
+    if (!QFileInfo::exists(path)) return path;
+    const QString name = Printable(QFileInfo(path).fileName());
+    if (messages.AskYesNo(QStringLiteral(": Confirmation"), QString(),
+                          QStringLiteral("\"%1\" already exists.").arg(name),
+                          QStringLiteral("Do you want to replace it?"), AnswerByDefault::Refuse)) {
+      return path;
+    }
+    next.initialName = path;
+    next.folder = file.absolutePath();
+  }
 }
 
 }  // namespace quarn

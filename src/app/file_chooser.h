@@ -2,6 +2,9 @@
 
 #include <QString>
 #include <QStringList>
+#include <functional>
+
+#include "base/message_operations.h"
 
 class QFileDialog;
 class QWidget;
@@ -29,21 +32,30 @@ class FileChooser {
   virtual QString AskSaveFile(const FileQuestion& question) = 0;
 };
 
+/// Asks for a file to write with `dialog`, which takes a name as it was typed, and has asked only whether the
+/// file of that name may be replaced. The suffix is added here, and the question put for the file with it.
+/// After a no the dialog is shown again. An empty text means that the person cancelled.
+QString AskSaveFileAndAddSuffix(const FileQuestion& question,
+                                const std::function<QString(const FileQuestion&)>& dialog,
+                                MessageOperations& messages);
+
 /// The system's file dialog if there is one, otherwise Qt's. It starts in the requested folder, else in the
 /// folder used last, else in the working folder, or, for a program that was started in its own folder, in the
 /// user's documents folder.
 class FileChooserDialog final : public FileChooser {
  public:
   /// The dialogs are modal to the window `owner` (not owned; may be null), which outlives them.
-  explicit FileChooserDialog(QWidget* owner) : m_owner(owner) {}
+  FileChooserDialog(QWidget* owner, MessageOperations& messages) : m_owner(owner), m_messages(messages) {}
 
   QString AskOpenFile(const FileQuestion& question) override;
   QString AskSaveFile(const FileQuestion& question) override;
 
  private:
   QString Ask(QFileDialog& dialog, const FileQuestion& question);
+  QString AskSaveFileOnce(const FileQuestion& question);
 
   QWidget* m_owner;
+  MessageOperations& m_messages;
   QString m_lastFolder;  ///< of the last file that was chosen
 };
 

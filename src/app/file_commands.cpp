@@ -35,6 +35,8 @@ void CloseConnection(Program& program) {
 }  // namespace
 
 QString LoadUserFile(Program& program, const QString& path) {
+  // Until the file's port is connected, its settings are in force and the former port is.
+  const QScopedValueRollback underWay(program.state.portBeingChosen, true);
   QString loaded = OpenUserFile(path, program.workingSettingsFile, program.settings, *program.messages);
   if (loaded.isEmpty()) return {};
   CloseConnection(program);

@@ -13,6 +13,7 @@
 
 #include "app/path_display.h"
 #include "app/platform.h"
+#include "base/printable.h"
 #include "dialogs/terminal/function_key_table_dialog.h"
 #include "dialogs/terminal/terminal_screen.h"
 #include "identity.h"
@@ -43,6 +44,9 @@ bool IsKey(const QEvent& event) {
   return event.type() == QEvent::KeyPress || event.type() == QEvent::ShortcutOverride;
 }
 
+/// A command may show boxes, which must not open while input is held, or over another box.
+bool IsFree() { return !InputHold::IsAnyHolding() && QApplication::activeModalWidget() == nullptr; }
+
 bool EndsDialogs(const QEvent& event) {
   if (event.type() == QEvent::ContextMenu) return false;
   const int key = static_cast<const QKeyEvent&>(event).key();
@@ -53,7 +57,7 @@ bool EndsDialogs(const QEvent& event) {
 
 CQuarnDlg::CQuarnDlg(Program& program)
     : m_program(program),
-      m_chooser(this),
+      m_chooser(this, *program.messages),
       m_files(program, *this, m_chooser),
       m_monitor(program, *this, PauseHoldingInput()) {
   setObjectName(QStringLiteral("CQuarnDlg"));
@@ -139,8 +143,8 @@ void CQuarnDlg::TakeStartRequest(const QString& file) {
 }
 
 int CQuarnDlg::QuietTicks() const {
-  return m_requestedFile.isEmpty() && !m_program.state.requests.refresh.Contains(Window::MainDialog) &&
-                 m_monitor.IsAtRest()
+  return m_requestedFile.isEmpty() && m_waiting.empty() &&
+                 !m_program.state.requests.refresh.Contains(Window::MainDialog) && m_monitor.IsAtRest()
              ? TickPlan::kUntilWoken
              : 0;
 }
@@ -148,11 +152,23 @@ int CQuarnDlg::QuietTicks() const {
 void CQuarnDlg::OnTick(int ticks) {
   if (m_program.state.requests.refresh.Take(Window::MainDialog)) Refresh();
   m_monitor.Tick(ticks);
-  if (m_requestedFile.isEmpty() || m_program.engine.IsBusy() || QApplication::activeModalWidget() != nullptr)
-    return;
+  if (!m_requestedFile.isEmpty()) {
+    m_waiting.emplace_back(
+        [this, file = std::exchange(m_requestedFile, QString())] { m_files.DropFiles({file}); });
+  }
+  if (m_waiting.empty() || !IsFree()) return;
+  // After this tick, as it may show a box.
   QMetaObject::invokeMethod(
-      this, [this, file = std::exchange(m_requestedFile, QString())] { m_files.DropFiles({file}); },
-      Qt::QueuedConnection);
+      this, [this, next = std::move(m_waiting.front())] { RunWhenFree(next); }, Qt::QueuedConnection);
+  m_waiting.pop_front();
+}
+
+void CQuarnDlg::RunWhenFree(std::function<void()> command) {
+  if (IsFree()) {
+    command();
+  } else {
+    m_waiting.push_back(std::move(command));
+  }
 }
 
 void CQuarnDlg::Refresh() {
@@ -178,7 +194,7 @@ void CQuarnDlg::ShowUserFile() {
     return m_status->fontMetrics().horizontalAdvance(status(path)) <= m_status->width();
   };
   // With the system's separators; the file dialogs use others.
-  const QString path = QDir::toNativeSeparators(m_program.userFile);
+  const QString path = Printable(QDir::toNativeSeparators(m_program.userFile));
   m_status->setText(status(ShortenPath(path, fits)));
   // The most important parts of a path are its two ends.
   SetPlainToolTip(*m_status, path, Qt::ElideMiddle);
@@ -249,7 +265,8 @@ void CQuarnDlg::dropEvent(QDropEvent* event) {
   if (files.isEmpty() || !AcceptAsCopy(*event)) return;
   // The other program waits for the end of the drop, so messages come after it.
   QMetaObject::invokeMethod(
-      this, [this, files] { m_files.DropFiles(files); }, Qt::QueuedConnection);
+      this, [this, files] { RunWhenFree([this, files] { m_files.DropFiles(files); }); },
+      Qt::QueuedConnection);
 }
 
 }  // namespace quarn

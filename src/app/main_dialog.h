@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QPointer>
+#include <deque>
 #include <functional>
 #include <vector>
 
@@ -65,6 +66,9 @@ class CQuarnDlg final : public PolledDialog, public MainWindow {
   struct MenuItem;
   static const std::vector<MenuItem>& MenuItems();
 
+  /// Now, or after the transaction, the pause or the box that is under way. For what is asked for otherwise
+  /// than by keys and clicks in the window, which wait by themselves.
+  void RunWhenFree(std::function<void()> command);
   void CreateMenus();
   void CreateControls();
   void Refresh();
@@ -96,6 +100,7 @@ class CQuarnDlg final : public PolledDialog, public MainWindow {
   PortMonitor m_monitor;
   InputHold m_hold;  ///< during a pause
   QString m_requestedFile;
+  std::deque<std::function<void()>> m_waiting;
   QPointer<CTerminalScreen> m_terminalScreen;
   QPointer<CSetMem> m_functionKeyTable;
   QPointer<CCommandFormat> m_commandFormat;

@@ -75,14 +75,14 @@ void CQuarnDlg::CreateMenus() {
   for (const MenuItem& item : MenuItems()) {
     QMenu* menu = menus.at(static_cast<std::size_t>(item.menu));
     if (item.group == MenuItem::Next) menu->addSeparator();
-    QAction* action =
-        menu->addAction(QString::fromLatin1(item.text), this, [this, &item] { item.run(*this); });
+    QAction* action = menu->addAction(QString::fromLatin1(item.text), this,
+                                      [this, &item] { RunWhenFree([this, &item] { item.run(*this); }); });
     action->setObjectName(QString::fromLatin1(item.name));
     m_actions.push_back(WithControlId(action, item.commandId));
   }
   layout()->setMenuBar(m_menuBar);
   AddWindowMenuItem(*this, QStringLiteral("Quarnについて(&A)..."), QStringLiteral("About Quarn(&A)..."),
-                    [this] { ShowAbout(); });
+                    [this] { RunWhenFree([this] { ShowAbout(); }); });
 }
 
 void CQuarnDlg::UpdateMenuState() {

@@ -52,6 +52,10 @@ void AddWindowMenuItem(QWidget& window, const QString& text, const QString& plai
 /// If `take` returns true, the key does nothing more. Does nothing where a window manager has such keys.
 void TakeSystemKeys(QWidget& window, const std::function<bool()>& take);
 
+/// Whether the system's file dialog adds the suffix to a typed name before it asks whether a file may be
+/// replaced.
+bool SystemFileDialogAddsSuffix();
+
 /// Opens the page in the user's browser; false if that fails. The browser has the session as it was before
 /// DesktopSession.
 bool OpenPage(const QUrl& page);

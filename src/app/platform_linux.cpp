@@ -148,4 +148,7 @@ void AddWindowMenuItem(QWidget& window, const QString& text, const QString& plai
 
 void TakeSystemKeys(QWidget& /*window*/, const std::function<bool()>& /*take*/) {}
 
+/// That of GTK does not know of it; Qt adds it afterwards.
+bool SystemFileDialogAddsSuffix() { return false; }
+
 }  // namespace quarn

@@ -153,6 +153,8 @@ void TakeSystemKeys(QWidget& window, const std::function<bool()>& take) { new Sy
 
 bool OpenPage(const QUrl& page) { return QDesktopServices::openUrl(page); }
 
+bool SystemFileDialogAddsSuffix() { return true; }
+
 // There is one display, no session bus and no GTK.
 DesktopSession::DesktopSession(const QStringList& /*arguments*/) : m_choseDisplay(false), m_spareGl(false) {}
 DesktopSession::~DesktopSession() = default;

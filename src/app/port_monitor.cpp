@@ -104,8 +104,10 @@ PortEvent PortMonitor::Update() {
 
 bool PortMonitor::IsLineLost() const {
   const PortConnection& connection = m_program.connection;
-  // A port that could not be opened again after another was refused counts as connected, and has no line.
-  return connection.connected.IsSet() && (!connection.handle.IsOpen() || connection.handle.Line()->IsLost());
+  // A port that could not be opened again after another was refused counts as connected, and has no line. If
+  // there was none before, none is lost.
+  return connection.connected.IsSet() && m_program.state.currentPortName != kNoPort &&
+         (!connection.handle.IsOpen() || connection.handle.Line()->IsLost());
 }
 
 void PortMonitor::HandleLostLine() {

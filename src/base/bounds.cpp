@@ -6,20 +6,14 @@
 #include <cstdlib>
 #include <utility>
 
+#include "base/printable.h"
+
 namespace quarn {
 
 namespace {
 
 std::atomic<BoundsErrorHandler> g_handler{nullptr};
 thread_local const QString* t_path = nullptr;
-
-/// A name that a terminal and a label can show unchanged.
-QString Printable(QString text) {
-  for (QChar& each : text) {
-    if (!each.isPrint() && !each.isSurrogate()) each = u'?';
-  }
-  return text;
-}
 
 }  // namespace
 

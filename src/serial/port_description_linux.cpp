@@ -21,7 +21,7 @@ bool IsShown(QChar unit) {
 }
 
 /// The text without invisible characters and half surrogate pairs.
-QString Printable(const QString& text) {
+QString WithoutInvisible(const QString& text) {
   QString result;
   result.reserve(text.size());
   for (qsizetype i = 0; i < text.size(); ++i) {
@@ -47,13 +47,13 @@ QString CutTo(const QString& text, qsizetype units) {
 }  // namespace
 
 QString DescriptionOf(const DescribedPort& port) {
-  QString rest = QStringLiteral(" - ") + Printable(port.node);
+  QString rest = QStringLiteral(" - ") + WithoutInvisible(port.node);
   if (!port.unavailableReason.isEmpty()) {
-    rest += QStringLiteral(", ") + Printable(port.unavailableReason);
+    rest += QStringLiteral(", ") + WithoutInvisible(port.unavailableReason);
   }
   const QString bracket = QStringLiteral(" (") + port.name + QLatin1Char(')');
   const qsizetype room = kLongestDescription - bracket.size();
-  QString head = CutTo(CutTo(Printable(port.product), room - rest.size()) + rest, room);
+  QString head = CutTo(CutTo(WithoutInvisible(port.product), room - rest.size()) + rest, room);
   // Last, so that no cut or removal can form these four characters again.
   head.replace(QLatin1String("(COM"), QLatin1String("[COM"));
   return head + bracket;

@@ -58,6 +58,11 @@ Treatment TreatmentOf(const QObject& receiver, QEvent::Type type) {
   }
 }
 
+int& HoldsNow() {
+  static int count = 0;
+  return count;
+}
+
 const QKeyEvent* AsKey(const QEvent& event) {
   const bool key = event.type() == QEvent::KeyPress || event.type() == QEvent::KeyRelease;
   return key ? static_cast<const QKeyEvent*>(&event) : nullptr;
@@ -141,10 +146,14 @@ std::function<std::unique_ptr<QEvent>()> MakerOf(const QEvent& event) {
 
 InputHold::InputHold(QObject* parent) : QObject(parent) { EscapeKey::OfProgram(); }
 
-InputHold::~InputHold() = default;
+InputHold::~InputHold() {
+  if (m_holding) --HoldsNow();
+}
+
+bool InputHold::IsAnyHolding() { return HoldsNow() > 0; }
 
 void InputHold::Begin() {
-  m_holding = true;
+  if (!std::exchange(m_holding, true)) ++HoldsNow();
   // Typed ahead, and not processed yet when the key before it started this hold.
   m_escapePressed = std::any_of(m_held.begin(), m_held.end(), [](const Held& held) {
     return held.type == QEvent::KeyPress && held.code == Qt::Key_Escape;
@@ -155,7 +164,7 @@ void InputHold::Begin() {
 }
 
 void InputHold::End() {
-  m_holding = false;
+  if (std::exchange(m_holding, false)) --HoldsNow();
   if (m_escapeUsed) DropTypeAhead();
   if (m_held.empty()) {
     QCoreApplication::instance()->removeEventFilter(this);

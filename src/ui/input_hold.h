@@ -24,6 +24,10 @@ class InputHold : public QObject {
   /// Delivers the held events, as soon as the event loop runs again and before newer input.
   void End();
   [[nodiscard]] bool IsHolding() const { return m_holding; }
+  /// Whether one of them holds. What does not come as input, such as the choice of a menu item by an
+  /// assistive tool, must look itself: a box that it opened would get no key, no click and no timer, and
+  /// would stay.
+  [[nodiscard]] static bool IsAnyHolding();
   /// Processes pending events; paints.
   void Pump();
   /// Processes events, at least the pending ones, until `isOver` is true (then true) or `until` comes (then

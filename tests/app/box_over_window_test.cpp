@@ -420,7 +420,8 @@ TEST_F(Boxes, TheMainDialogEndsTheProgramOnlyWhenTheyAreOver) {
 }
 
 TEST_F(Boxes, TheChoiceOfAFileKeepsTheMainDialog) {
-  FileChooserDialog chooser(main.get());
+  WindowMessages boxes;
+  FileChooserDialog chooser(main.get(), boxes);
   const BoxWatch watch([&](QWidget& box) {
     EXPECT_TRUE(BoxOver::IsOver(*main));
     EXPECT_FALSE(main->close());

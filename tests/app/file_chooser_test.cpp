@@ -23,6 +23,7 @@
 #include <functional>
 #include <optional>
 
+#include "support/recorded_messages.h"
 #include "support/waits.h"
 
 namespace quarn::test {
@@ -114,7 +115,8 @@ class FileChooserDialogs : public ::testing::Test {
   }
 
   QTemporaryDir folder;
-  FileChooserDialog chooser{nullptr};
+  RecordedMessages messages;
+  FileChooserDialog chooser{nullptr, messages};
   QStringList questions;
 
  private:
@@ -347,6 +349,55 @@ TEST_F(FileChooserDialogs, SaveOverwritesTheFileThatTheQuestionNamed) {
   });
   EXPECT_EQ(chooser.AskSaveFile(question), folder.filePath(QStringLiteral("old.qrn")));
   EXPECT_EQ(questions.size(), 1);
+}
+
+/// A system's dialog that takes these names, one after the other.
+class SystemDialog {
+ public:
+  explicit SystemDialog(QStringList names) : m_names(std::move(names)) {}
+  QString operator()(const FileQuestion& question) {
+    asked.append(question);
+    return m_names.isEmpty() ? QString() : m_names.takeFirst();
+  }
+  QList<FileQuestion> asked;
+
+ private:
+  QStringList m_names;
+};
+
+TEST_F(FileChooserDialogs, AFileWhoseSuffixTheSystemDoesNotKnowIsAskedAboutHere) {
+  Put(QStringLiteral("old.qrn"));
+  const QString old = folder.filePath(QStringLiteral("old"));
+  messages.answers = {true};
+  SystemDialog dialog({old});
+  EXPECT_EQ(AskSaveFileAndAddSuffix(Question(), std::ref(dialog), messages), old + QStringLiteral(".qrn"));
+  EXPECT_EQ(messages.shown,
+            QStringList{"yes or no/: Confirmation//\"old.qrn\" already exists./Do you want to replace it?"});
+  EXPECT_EQ(messages.defaults, std::vector{AnswerByDefault::Refuse});
+  ASSERT_EQ(dialog.asked.size(), 1);
+  EXPECT_EQ(dialog.asked[0].suffix, QString()) << "Qt would add it after the system has asked";
+}
+
+TEST_F(FileChooserDialogs, AfterANoTheSystemsDialogComesAgainWithTheName) {
+  Put(QStringLiteral("old.qrn"));
+  const QString fresh = folder.filePath(QStringLiteral("new"));
+  messages.answers = {false};
+  SystemDialog dialog({folder.filePath(QStringLiteral("old")), fresh});
+  EXPECT_EQ(AskSaveFileAndAddSuffix(Question(), std::ref(dialog), messages), fresh + QStringLiteral(".qrn"));
+  EXPECT_EQ(messages.shown.size(), 1);
+  ASSERT_EQ(dialog.asked.size(), 2);
+  EXPECT_EQ(dialog.asked[1].initialName, folder.filePath(QStringLiteral("old.qrn")));
+  EXPECT_EQ(dialog.asked[1].folder, folder.path());
+}
+
+TEST_F(FileChooserDialogs, AWholeNameAndACancelAreTakenFromTheSystemAsTheyAre) {
+  Put(QStringLiteral("old.qrn"));
+  const QString old = folder.filePath(QStringLiteral("old.qrn"));
+  SystemDialog whole({old});
+  EXPECT_EQ(AskSaveFileAndAddSuffix(Question(), std::ref(whole), messages), old);
+  SystemDialog cancelled({});
+  EXPECT_EQ(AskSaveFileAndAddSuffix(Question(), std::ref(cancelled), messages), QString());
+  EXPECT_EQ(messages.shown, QStringList());
 }
 
 }  // namespace

@@ -35,6 +35,18 @@ TEST_F(FileCommandsTest, LoadingClosesTheOldPortBeforeTheNewOneIsOpened) {
   EXPECT_NE(entries[before + 1].find("COM3"), std::string::npos) << entries[before + 1];
 }
 
+/// It would compare the ports with those of the settings before, and write the former port into the new file.
+TEST_F(FileCommandsTest, ThePortMonitorRestsUntilTheFilesPortIsConnected) {
+  int shown = 0;
+  messages->whileShown = [&] {
+    ++shown;
+    EXPECT_TRUE(program->state.portBeingChosen);
+  };
+  EXPECT_NE(LoadUserFile(*program, WithPort("COM3")), QString());
+  EXPECT_EQ(shown, 2);
+  EXPECT_FALSE(program->state.portBeingChosen);
+}
+
 TEST_F(FileCommandsTest, AFileThatNamesNoPortLeavesTheProgramUnconnected) {
   EXPECT_NE(LoadUserFile(*program, WithPort("NONE")), QString());
   EXPECT_EQ(messages->shown, (QStringList{kOpened, kUndefined}));

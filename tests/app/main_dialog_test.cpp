@@ -109,6 +109,9 @@ TEST_F(MainDialog, StatusLineNamesTheUserFile) {
   program.userFile = QStringLiteral("/lab/<b>&amp;.qrn");
   dialog.ShowUserFile();
   EXPECT_EQ(status->text(), QDir::toNativeSeparators(QStringLiteral("( /lab/<b>&amp;.qrn )")));
+  program.userFile = QStringLiteral("/lab/a\nb\u202Enrq.qrn");
+  dialog.ShowUserFile();
+  EXPECT_EQ(status->text(), QDir::toNativeSeparators(QStringLiteral("( /lab/a?b?nrq.qrn )")));
 }
 
 TEST_F(MainDialog, HasItsSizeInDialogUnits) {

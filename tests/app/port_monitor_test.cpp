@@ -141,6 +141,15 @@ TEST_F(PortMonitorTest, LeavesTheHandleOfAVanishedPort) {
   EXPECT_TRUE(program.connection.handle.IsOpen());
 }
 
+/// After a port was refused, the former one counts as connected, also where there was none.
+TEST_F(PortMonitorTest, MissesNoLineWhereThereWasNoPort) {
+  StartMonitor();
+  program.state.currentPortName = QStringLiteral("NONE");
+  program.connection.connected.Update(PortChange::FormerChosen);
+  for (int i = 0; i < 5; ++i) monitor.Tick();
+  EXPECT_EQ(Happened(), QStringList());
+}
+
 TEST_F(PortMonitorTest, OnlyListsOtherChanges) {
   ports.present = Adapters({"COM1", "COM3"});
   Configure(QStringLiteral("COM3"));

@@ -161,6 +161,16 @@ TEST_F(PortChoiceTest, FailureFromNoPortLeavesNone) {
   EXPECT_EQ(WorkingFile(), before);
 }
 
+/// After NO to connecting a port again, the settings in force still name it.
+TEST_F(PortChoiceTest, FailureAfterNoOpensNothing) {
+  Plug("COM3");
+  Configure("COM3");
+  program.state.currentPortName = QStringLiteral("NONE");
+  EXPECT_FALSE(Choose("COM4"));
+  EXPECT_EQ(program.state.currentPortName, "NONE");
+  EXPECT_FALSE(program.connection.handle.IsOpen());
+}
+
 TEST_F(PortChoiceTest, NoneWhileConnectedDisconnects) {
   Plug("COM3");
   ConnectTo("COM3");

@@ -180,6 +180,19 @@ TEST_F(PortSettingsDialog, DefaultConnectsThePortThatWasNotConnected) {
   EXPECT_TRUE(program.state.requests.refresh.Contains(Window::MainDialog));
 }
 
+/// The port was not wanted back, and so has no name; the settings in force still have its own.
+TEST_F(PortSettingsDialog, APortThatIsConnectedHasItsNameAgain) {
+  Plug("COM3");
+  Configure("COM3");
+  program.state.currentPortName = QStringLiteral("NONE");
+  messages.answers = {true};
+  Open();
+  Click(kDefault);
+  EXPECT_EQ(Happened(), (QStringList{kDefaultQuestion, kReset}));
+  EXPECT_TRUE(program.connection.connected.IsSet());
+  EXPECT_EQ(program.state.currentPortName, "COM3");
+}
+
 TEST_F(PortSettingsDialog, RateThatIsNotOfferedIsThatOfTheLine) {
   Plug("COM3");
   program.settings.comBps = QStringLiteral("110");

@@ -1,5 +1,7 @@
 #include "dialogs/serial/port_choice.h"
 
+#include <QScopedValueRollback>
+
 #include "dialogs/serial/port_rules.h"
 #include "settings/settings_load_save.h"
 #include "settings/settings_table.h"
@@ -31,19 +33,6 @@ void TakeAsCurrent(const DialogContext& context, const QString& port) {
   StoreValues(context.workingSettingsFile, {{keys::kComPort, port}}, context.Messages());
 }
 
-/// The port monitor pauses while this exists: until the choice is complete it would compare the opened line
-/// with the name of the previous port.
-class UnderWay {
- public:
-  explicit UnderWay(SharedState& state) : m_state(state) { m_state.portBeingChosen = true; }
-  ~UnderWay() { m_state.portBeingChosen = false; }
-  UnderWay(const UnderWay&) = delete;
-  UnderWay& operator=(const UnderWay&) = delete;
-
- private:
-  SharedState& m_state;
-};
-
 bool OpenChosen(const DialogContext& context, const QString& port) {
   context.pause(kBeforeConnectMs);
   ClosePort(context.connection);
@@ -55,7 +44,12 @@ bool OpenChosen(const DialogContext& context, const QString& port) {
 void ReopenFormer(const DialogContext& context, const QString& former) {
   context.connection.connected.Update(PortChange::Closed);
   context.state.currentPortName = former;
-  ConnectPort(context.settings, context.connection, context.environment);
+  // The chosen one may be open, without its settings: it must not stand in for the former one.
+  ClosePort(context.connection);
+  SettingsRecord settings = context.settings;
+  // They still name a port that the person did not want back.
+  settings.comPort = former;
+  ConnectPort(settings, context.connection, context.environment);
   context.connection.connected.Update(PortChange::FormerChosen);
 }
 
@@ -63,7 +57,7 @@ void ReopenFormer(const DialogContext& context, const QString& former) {
 
 bool ConnectToChosenPort(const DialogContext& context, const QString& port, FailureSentence sentence,
                          const TitleStatus& titleStatus) {
-  const UnderWay underWay(context.state);
+  const QScopedValueRollback underWay(context.state.portBeingChosen, true);
   const WaitShown wait(context.environment.waitIndicator);
   const QString former = context.state.currentPortName;
   titleStatus(QStringLiteral(" Connecting Port ... "));
@@ -83,7 +77,7 @@ bool ConnectToChosenPort(const DialogContext& context, const QString& port, Fail
 }
 
 void ChooseNoPort(const DialogContext& context) {
-  const UnderWay underWay(context.state);
+  const QScopedValueRollback underWay(context.state.portBeingChosen, true);
   PortConnection& connection = context.connection;
   if (connection.connected.IsSet()) {
     ClosePort(connection);

@@ -4,6 +4,7 @@
 #include <QGridLayout>
 #include <QLabel>
 #include <QPushButton>
+#include <QScopedValueRollback>
 #include <span>
 #include <utility>
 
@@ -130,10 +131,13 @@ void CPortSettings::Store() {
 
 bool CPortSettings::Reconnect(const SettingsRecord& settings) {
   PortConnection& connection = Context().connection;
+  const QScopedValueRollback underWay(Context().state.portBeingChosen, true);
   const WaitShown wait(Context().environment.waitIndicator);
   ClosePort(connection);
   const bool opened = ConnectPort(settings, connection, Context().environment);
   connection.connected.Update(OpeningThat(opened));
+  // After a NO to connecting it again it has no name any more.
+  if (opened) Context().state.currentPortName = settings.comPort;
   RaiseConnectionRefreshes(Requests());
   return opened;
 }
