@@ -20,6 +20,7 @@
 #include <utility>
 
 #include "serial/file_descriptor.h"
+#include "serial/limited_wait.h"
 #include "serial/line_failure_linux.h"
 #include "serial/line_parameters.h"
 #include "serial/link_path_linux.h"
@@ -54,6 +55,8 @@ IoResult EndedBy(LineFailure failure, std::size_t bytes) {
 
 /// The longest time that closing waits for bytes to be sent, however slow the line is: a person waits.
 constexpr std::chrono::milliseconds kLongestDrain{700};
+/// The longest time that it takes, with what the driver does after that.
+constexpr std::chrono::milliseconds kLongestClose{950};
 /// The longest time that it lets the driver wait in one call.
 constexpr std::chrono::milliseconds kLongestWaitInDriver{100};
 /// The longest character: a start bit, eight data bits, parity and two stop bits.
@@ -70,6 +73,32 @@ struct LineHold {
   ExclusiveMark mark;
   LowLatency latency;
 };
+
+LineFailure FailureOfLine(const QString& node, int error) {
+  LineFailure failure = FailureOf(node, error);
+  // The device existed when it was opened. A driver whose adapter is gone also gives this error.
+  if (failure.kind == LineError::NotFound) failure.kind = LineError::Disconnected;
+  return failure;
+}
+
+/// Restores what opening changed. All of these calls fail if the device is gone; then there is nothing to
+/// restore.
+///
+/// A line that echoes sends received bytes back to the instrument. So the echo flag is restored last, by a
+/// call of its own, right before the descriptor is closed.
+LineResult GiveBackAndClose(LineHold& hold, const QString& node) {
+  const WaitLimit limit(kLongestWaitInDriver);
+  const int line = hold.line.Get();
+  hold.latency.PutBack(line);
+  hold.mark.Clear();
+  termios2 quiet = hold.former;
+  if (hold.kind == TerminalKind::Uart && MakeQuiet(quiet)) {
+    ControlLineBriefly(line, TCSETS2, &quiet);
+    FlushLine(line, TCIFLUSH);
+  }
+  ControlLineBriefly(line, TCSETS2, &hold.former);
+  return hold.line.Close() ? LineResult() : LineResult(FailureOfLine(node, errno));
+}
 
 class LinuxSerialLine final : public SerialLine {
  public:
@@ -210,12 +239,17 @@ class LinuxSerialLine final : public SerialLine {
       m_closing = true;
       Wake();
     }
+    const auto end = LineClock::now() + kLongestClose;
     const std::scoped_lock both(m_ioMutex, m_lineMutex);
     if (!m_hold.line.IsValid()) return {};
-    if (m_hold.kind == TerminalKind::Uart) LetBytesGoOut();
-    const WaitLimit limit(kLongestWaitInDriver);
-    GiveBack();
-    return Conclude(m_hold.line.Close());
+    if (m_hold.kind == TerminalKind::PseudoTerminal) return GiveBackAndClose(m_hold, m_node);
+    LetBytesGoOut();
+    // A driver whose adapter does not answer may wait for seconds, and no signal ends that.
+    const auto hold = std::make_shared<LineHold>(std::move(m_hold));
+    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - LineClock::now());
+    return DoWithin(left, [hold, node = m_node] { return GiveBackAndClose(*hold, node); })
+        .value_or(
+            LineResult({LineError::Other, m_node + QStringLiteral(": the driver has not closed it yet")}));
   }
 
   bool IsLost() override {
@@ -251,22 +285,6 @@ class LinuxSerialLine final : public SerialLine {
     }
   }
 
-  /// All of these calls fail if the device is gone; then there is nothing to restore.
-  ///
-  /// A line that echoes sends received bytes back to the instrument. So the echo flag is restored last, by a
-  /// call of its own, right before the descriptor is closed.
-  void GiveBack() {
-    const int line = m_hold.line.Get();
-    m_hold.latency.PutBack(line);
-    m_hold.mark.Clear();
-    termios2 quiet = m_hold.former;
-    if (m_hold.kind == TerminalKind::Uart && MakeQuiet(quiet)) {
-      ControlLineBriefly(line, TCSETS2, &quiet);
-      FlushLine(line, TCIFLUSH);
-    }
-    ControlLineBriefly(line, TCSETS2, &m_hold.former);
-  }
-
   /// The longest time that a UART needs, if nothing stops it.
   [[nodiscard]] LineClock::duration TimeToSend(ssize_t bytes) const {
     const auto rate = std::max<std::int64_t>(m_baudRate, 1);
@@ -298,12 +316,7 @@ class LinuxSerialLine final : public SerialLine {
     return done ? LineResult() : LineResult(FailureOfLine(errno));
   }
 
-  [[nodiscard]] LineFailure FailureOfLine(int error) const {
-    LineFailure failure = FailureOf(m_node, error);
-    // The device existed when it was opened. A driver whose adapter is gone also gives this error.
-    if (failure.kind == LineError::NotFound) failure.kind = LineError::Disconnected;
-    return failure;
-  }
+  [[nodiscard]] LineFailure FailureOfLine(int error) const { return quarn::FailureOfLine(m_node, error); }
 
   /// A read or a write has failed.
   LineFailure Break(int error) {

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "serial/limited_wait.h"
 #include "serial/line_failure_win32.h"
 #include "serial/read_deadline.h"
 
@@ -19,6 +20,9 @@ constexpr unsigned long kNoThread = 164;
 
 /// How long a driver may take to end a cancelled call.
 constexpr std::chrono::milliseconds kCancelPatience{200};
+/// Closing waits for a read or write before, twice as long as for its cancellation, and so long for the
+/// driver.
+constexpr std::chrono::milliseconds kLongestClose{500};
 /// A call that was cancelled before it reached the driver is cancelled again, after this time.
 constexpr std::chrono::milliseconds kCancelAgain{1};
 /// How often the driver is asked for received bytes.
@@ -326,7 +330,13 @@ LineResult Win32SerialLine::Close() {
   if (!handle) return {};
   if (m_inIo || (leftBehind && !leftBehind->HasEnded())) return LeftBehind();
   lock.unlock();
-  return Conclude(handle->Close());
+  const auto close = [handle, device = m_device] {
+    return handle->Close() ? LineResult() : LineResult(FailureOnOpenLine(GetLastError(), device));
+  };
+  // A driver whose adapter does not answer may wait for seconds.
+  return DoWithin(kLongestClose, close)
+      .value_or(
+          LineResult({LineError::Other, m_device + QStringLiteral(": the driver has not closed it yet")}));
 }
 
 OpenResult Win32LineOpener::Open(const QString& devicePath) {

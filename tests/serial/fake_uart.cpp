@@ -161,6 +161,11 @@ void FakeUart::Closing(int descriptor) {
     m_line = -1;
     m_calls.emplace_back("close");
   }
+  if (stuckUntil.valid()) {
+    stuckUntil.wait();
+    const std::lock_guard guard(m_mutex);
+    m_calls.emplace_back("closed");
+  }
   if (holdsClose && ::nanosleep(&kDriversPatience, nullptr) != 0) {
     const std::lock_guard guard(m_mutex);
     m_calls.emplace_back("interrupted");

@@ -3,6 +3,7 @@
 #include <asm/termbits.h>
 
 #include <functional>
+#include <future>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -34,6 +35,8 @@ class FakeUart {
   /// Flow control holds the bytes in the chip: closing waits for them like a driver, for half a minute or
   /// until a signal comes.
   bool holdsClose = false;
+  /// If it is valid, closing ends when this is ready, whatever signals come: an adapter does not answer.
+  std::shared_future<void> stuckUntil;
 
   /// The state of the line before it is opened.
   void Preset(const termios2& state);

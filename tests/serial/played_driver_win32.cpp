@@ -31,7 +31,8 @@ bool PlayedDriver::IsOpen() const {
 }
 
 void PlayedDriver::NoteClosed() {
-  const Lock lock(m_mutex);
+  Lock lock(m_mutex);
+  m_changed.wait(lock, [this] { return !m_closeHeld; });
   m_handle = INVALID_HANDLE_VALUE;
 }
 
@@ -106,10 +107,16 @@ void PlayedDriver::Hold(bool heedsCancelling) {
   m_heedsCancelling = heedsCancelling;
 }
 
+void PlayedDriver::HoldClose() {
+  const Lock lock(m_mutex);
+  m_closeHeld = true;
+}
+
 void PlayedDriver::Release() {
   {
     const Lock lock(m_mutex);
     m_held = false;
+    m_closeHeld = false;
   }
   m_changed.notify_all();
 }

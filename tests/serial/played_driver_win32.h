@@ -58,6 +58,9 @@ class PlayedDriver {
   void Hold(bool heedsCancelling);
   void Release();
 
+  /// From now on it closes its handle only after Release.
+  void HoldClose();
+
   // Called by the comm calls.
   HANDLE Open(const Opening& opening);
   void NoteClosed();
@@ -95,6 +98,7 @@ class PlayedDriver {
   int m_looks = 0;
   int m_inCall = 0;
   bool m_held = false;
+  bool m_closeHeld = false;
   bool m_heedsCancelling = true;
   bool m_cancelled = false;
 };

@@ -267,6 +267,18 @@ TEST_F(UartTest, CloseDoesNotWaitForADriverThatWaitsForTheLine) {
   EXPECT_EQ(calls.back(), "interrupted");
 }
 
+TEST_F(UartTest, CloseDoesNotWaitForADriverThatNoSignalReaches) {
+  std::promise<void> answered;
+  m_uart.stuckUntil = answered.get_future().share();
+  const auto line = Line();
+  LineResult closed;
+  EXPECT_LE(MillisecondsOf([&] { closed = line->Close(); }), 2 * kLongestClose);
+  EXPECT_FALSE(closed) << "it is not closed yet";
+  EXPECT_EQ(line->Purge().Failure().kind, LineError::Disconnected);
+  answered.set_value();
+  EXPECT_TRUE(Eventually([this] { return m_uart.WasCalled("closed"); }));
+}
+
 TEST_F(UartTest, CloseLeavesTheChipTheTimeForTheLastBytes) {
   const auto line = Line();
   ASSERT_TRUE(line->SetState({.baudRate = 300}));

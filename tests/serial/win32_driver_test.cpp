@@ -207,6 +207,20 @@ TEST_F(Win32Driver, ALineWithNothingLeftBehindIsClosedAtOnce) {
   EXPECT_FALSE(m_driver.IsOpen());
 }
 
+TEST_F(Win32Driver, ADriverThatDoesNotCloseIsLeftToItself) {
+  Open();
+  m_driver.HoldClose();
+  auto closing = InThread([this] { return m_line->Close(); });
+  ASSERT_TRUE(Ends(closing));
+  const LineResult closed = closing.get();
+  EXPECT_FALSE(closed);
+  EXPECT_EQ(Reason(closed), "COM3: the driver has not closed it yet");
+  EXPECT_EQ(m_line->Purge().Failure().kind, LineError::Disconnected);
+  EXPECT_TRUE(m_driver.IsOpen());
+  m_driver.Release();
+  EXPECT_TRUE(Eventually([this] { return !m_driver.IsOpen(); }));
+}
+
 TEST_F(Win32Driver, ADeviceThatIsGoneEndsAReadThatWaits) {
   for (const DWORD error :
        {DWORD{ERROR_ACCESS_DENIED}, DWORD{ERROR_BAD_COMMAND}, DWORD{ERROR_FILE_NOT_FOUND}}) {
