@@ -50,7 +50,7 @@ add_pictures() {
   mkdir -p "$1/images"
   while read -r picture; do
     cp "docs/images/$picture" "$1/images"
-  done < <(sed -n 's:.*<image>.*/images/\(.*\)</image>:\1:p' "$GENERATED"/linux/*.metainfo.xml)
+  done < <(sed -n 's:.*<image[^>]*>.*/images/\(.*\)</image>:\1:p' "$GENERATED"/linux/*.metainfo.xml)
 }
 
 sign() {
