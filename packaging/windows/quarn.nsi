@@ -4,9 +4,10 @@
 ; Values on the command line: IDENTITY (identity.nsh), FILES (the folder to install), LISTS (files.nsh, the list
 ; of its files), SIZE (in KiB) and OUTPUT.
 ;
-; Exit codes of a silent run: 0 done; 3 a program of Quarn is running, or a file is in use; 4 Quarn is installed in
-; another folder; 5 a file could not be written or deleted. With 3 and 4 nothing is changed. (The uninstaller runs a
-; copy of itself. To get its exit code, start it with _?=FOLDER as its last argument.)
+; Exit codes of a silent run: 0 done; 2 the disk is full (this one comes from NSIS itself); 3 a program of Quarn is
+; running, or a file is in use; 4 Quarn is installed in another folder; 5 a file may not be written or deleted. With
+; 3 and 4 nothing is changed. (The uninstaller runs a copy of itself. To get its exit code, start it with _?=FOLDER as
+; its last argument.)
 
 Unicode true
 Target amd64-unicode

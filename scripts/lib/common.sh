@@ -85,8 +85,8 @@ need() {
           libxcb-xfixes0-dev libxcb-xinput-dev libxcb-xkb-dev libxkbcommon-x11-dev libatspi2.0-dev)
         ;;
       # CPack asks file(1) which files are programs.
-      package) packages+=(dpkg-dev file lintian) ;;
-      metadata) packages+=(appstream appstream-util desktop-file-utils) ;;
+      package) packages+=(dpkg-dev file lintian doc-base) ;;
+      metadata) packages+=(appstream appstream-util desktop-file-utils python3) ;;
       release) packages+=(git gnupg python3 python3-yaml binutils dpkg-dev flatpak-builder) ;;
       clean-root) packages+=(mmdebstrap) ;;
       lint) packages+=(clang-format clang-tidy) ;;

@@ -118,6 +118,43 @@ outer_geometry() {
     "$((y + $(number_after Height "$facts") + bottom))"
 }
 
+# What is behind the windows in pictures that show the desktop.
+DESKTOP_COLOUR='#c9d3dd'
+
+# has_moved WINDOW LEFT TOP
+has_moved() {
+  local left top rest
+  read -r left top rest < <(outer_geometry "$1")
+  ((left == $2 && top == $3))
+}
+
+# move_window WINDOW LEFT TOP: the corner of its frame.
+move_window() {
+  xdotool windowmove "$1" "$2" "$3"
+  wait_until 60 "the window to stand at $2, $3" has_moved "$1" "$2" "$3"
+}
+
+# arrange TERMINAL WINDOW...: the windows one below the other, and the Terminal Screen beside them.
+arrange() {
+  local terminal=$1 window left top right bottom next=20 widest=0
+  shift
+  for window in "$@"; do
+    read -r left top right bottom < <(outer_geometry "$window")
+    move_window "$window" 20 "$next"
+    next=$((next + bottom - top + 16))
+    widest=$((right - left > widest ? right - left : widest))
+  done
+  move_window "$terminal" $((20 + widest + 16)) 20
+}
+
+# desktop_picture FILE TO: the picture of some windows in the middle of a desktop. It has the shape of a screen.
+desktop_picture() {
+  local width height
+  read -r width height < <(identify -format '%w %h\n' "$1")
+  ((width <= 1440 && height <= 810)) || fail "$1 is larger than the desktop: $width x $height"
+  convert "$1" -background "$DESKTOP_COLOUR" -gravity center -extent 1440x810 "$2"
+}
+
 # shown_geometry WINDOW: the same for the part of it that is on the screen.
 shown_geometry() {
   local left top right bottom

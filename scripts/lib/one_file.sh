@@ -28,6 +28,7 @@ declare -A ONE_FILE_COMMAND=([windows]=windows [linux]=portable)
 add_licences_of_windows() {
   cp "$2/g++-mingw-w64-x86-64-posix/copyright" "$1/GCC.txt"
   cp "$2/mingw-w64-common/copyright" "$1/MinGW-w64.txt"
+  cp "$2/nsis-common/copyright" "$1/NSIS.txt"
 }
 
 add_licences_of_linux() {

@@ -5,17 +5,28 @@
 #   QUARN_SIGNING_KEY=KEY   the key of gpg that signs the list of checksums; without it nothing is signed
 
 GENERATED=$TOP/build/release/generated
+# What cmake/QuarnGuide.cmake takes where it cannot make the page.
+GUIDE_BODY=guide.body.html
 
 # release_file KIND: the name of one of the files, such as release_file setup.exe.
 release_file() { echo "quarn-$(identity release VERSION)-$1"; }
 
-# make_source REPOSITORY FOLDER [COMMIT]: the source of the commit. The same commit gives the same bytes, whatever the
-# user has configured: the files carry the time of the commit, and the packer adds neither a name nor a time.
+# make_source REPOSITORY FOLDER [COMMIT]: the source of the commit, with the guide's page for systems that cannot make
+# it. The same commit gives the same bytes, whatever the user has configured: the files carry the time of the commit,
+# and the packer adds neither a name nor a time.
 make_source() {
-  local name
+  local name made=$2.page commit=${3:-HEAD}
   name=quarn-$(identity release VERSION)
-  git -C "$1" -c tar.umask=0022 -c core.autocrlf=false -c core.eol=lf -c core.attributesFile=/dev/null \
-    archive --format=tar --prefix="$name/" "${3:-HEAD}" | gzip --best --no-name >"$2/$name-source.tar.gz"
+  rm -rf "$made"
+  mkdir -p "$made"
+  git -C "$1" show "$commit:docs/guide.md" >"$made/guide.md"
+  cmake "-DTEXT=$made/guide.md" "-DBODY=$made/$GUIDE_BODY" -P cmake/QuarnGuide.cmake
+  # As git stores files that are not programs.
+  chmod 644 "$made/$GUIDE_BODY"
+  git -C "$1" -c tar.umask=0022 -c core.autocrlf=false -c core.eol=lf -c core.attributesFile=/dev/null archive \
+    --format=tar --prefix="$name/packaging/guide/" --add-file="$made/$GUIDE_BODY" --prefix="$name/" "$commit" |
+    gzip --best --no-name >"$2/$name-source.tar.gz"
+  rm -r "$made"
 }
 
 sum_of() { sha256sum "$1" | cut -d ' ' -f 1; }
@@ -50,7 +61,7 @@ add_pictures() {
   mkdir -p "$1/images"
   while read -r picture; do
     cp "docs/images/$picture" "$1/images"
-  done < <(sed -n 's:.*<image>.*/images/\(.*\)</image>:\1:p' "$GENERATED"/linux/*.metainfo.xml)
+  done < <(sed -n 's:.*<image[^>]*>.*/images/\(.*\)</image>:\1:p' "$GENERATED"/linux/*.metainfo.xml)
 }
 
 sign() {
@@ -59,11 +70,17 @@ sign() {
     return
   fi
   gpg --batch --yes --armor --local-user "$QUARN_SIGNING_KEY" --output "$1/SHA256SUMS.asc" --detach-sign "$1/SHA256SUMS"
-  gpg --batch --verify "$1/SHA256SUMS.asc" "$1/SHA256SUMS" 2>"$1.gpg.log" || {
-    cat "$1.gpg.log"
-    fail "the signature is not valid"
-  }
   echo "signed by $QUARN_SIGNING_KEY"
+}
+
+# check_signature FOLDER: of the list of checksums, if it has one.
+check_signature() {
+  local said
+  [[ -f $1/SHA256SUMS.asc ]] || return 0
+  said=$(LC_ALL=C.UTF-8 gpg --batch --verify "$1/SHA256SUMS.asc" "$1/SHA256SUMS" 2>&1) || {
+    echo "the signature is not valid: $(sed -n 's,^gpg: ,,p' <<<"$said" | tail -n 1)"
+    return 1
+  }
 }
 
 # check_release FOLDER: prints what does not fit.
@@ -78,6 +95,7 @@ check_release() {
       return 1
     }
   done
+  check_signature "$1"
 }
 
 # write_checksums FOLDER: of all other files, in the same order in every locale.

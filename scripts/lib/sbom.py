@@ -27,6 +27,9 @@ WINDOWS_PARTS = [
     ("MinGW-w64", "mingw-w64-common"),
 ]
 
+# What the installer and the uninstaller are, beside the files that they install.
+INSTALLER_PART = ("NSIS", "nsis-common")
+
 # How the programs that are one file were linked.
 PORTABLE_BUILD, WINDOWS_BUILD = (pathlib.Path("build", each, "build.ninja") for each in ("portable", "windows"))
 
@@ -215,6 +218,8 @@ def describe(bill, path):
             for name, package in WINDOWS_PARTS:
                 bill.relate(whole, "CONTAINS" if beside else "STATIC_LINK", bill.add_part(name, package))
             bill.add_bundled_with_qt(whole, WINDOWS_BUILD)
+            if path.name.endswith("-setup.exe"):
+                bill.relate(whole, "CONTAINS", bill.add_part(*INSTALLER_PART))
 
 
 def main(arguments):

@@ -10,6 +10,12 @@ installed_folder() {
 # start_menu_has ENTRY
 start_menu_has() { compgen -G "$WINEPREFIX/drive_c/users/*/AppData/Roaming/Microsoft/Windows/Start Menu/Programs/$1.lnk" >/dev/null; }
 
+# start_menu_starts ENTRY TEXT: the entry's file has the text. Its texts have two bytes per character.
+start_menu_starts() {
+  local links=("$WINEPREFIX"/drive_c/users/*/AppData/Roaming/Microsoft/Windows/"Start Menu/Programs/$1.lnk")
+  tr -d '\0' <"${links[0]}" | grep -qaF -e "$2"
+}
+
 # registry_says KEY WORD: the default value of the key.
 registry_says() { wine reg query "$1" /ve 2>/dev/null | tr -d '\r' | grep -qF "$2"; }
 
@@ -19,6 +25,16 @@ registry_lacks() { ! registry_has "$1"; }
 
 same_files() { diff -r -x uninstall.exe "$1" "$2"; }
 
+# A file stands where a folder is to be.
+refuse_unwritable() {
+  headline "Installing where not all files can be written"
+  mkdir "$WINEPREFIX/drive_c/blocked"
+  echo "somebody's own words" >"$WINEPREFIX/drive_c/blocked/guide"
+  expect "the installer says so" status_is 5 wine "$1" /S '/D=C:\blocked'
+  expect "it is not in the list of programs" registry_lacks "$UNINSTALL_KEY"
+  if start_menu_has 'Quarn*'; then fail "the start menu has an entry"; fi
+}
+
 UNINSTALL_KEY='HKCU\Software\Microsoft\Windows\CurrentVersion\Uninstall\Quarn'
 
 install_silently() {
@@ -27,7 +43,10 @@ install_silently() {
   expect "everything is there" same_files "$2" "$(installed_folder)"
   expect "the start menu has an entry" start_menu_has Quarn
   expect "it has the guide, too" start_menu_has 'Quarn Guide'
+  expect "which leads to its page" start_menu_starts 'Quarn Guide' 'guide\index.html'
   expect "and the demo" start_menu_has 'Quarn Demo'
+  expect "which starts the program so" start_menu_starts 'Quarn Demo' --demo
+  if start_menu_starts Quarn --demo; then fail "the other entry starts the demo, too"; fi
   expect "the guide is there" test -s "$(installed_folder)/guide/index.html"
   expect "files of the kind .qrn are Quarn's" registry_says 'HKCU\Software\Classes\.qrn' Quarn.Configuration
   expect "they are described" registry_says 'HKCU\Software\Classes\Quarn.Configuration' 'Quarn configuration'
@@ -65,6 +84,27 @@ open_by_association() {
   wait "$last" || true
   for_each_class withdraw_class
   expect "the file is in force" cmp -s "$file" "$(settings_folder)/Quarn.ini"
+}
+
+# loaded_from FOLDER LOG: the files that were loaded from the folder, as Wine says it.
+loaded_from() {
+  sed -n 's/.*:loaddll:.*Loaded L"\(.*\)" at .*/\1/p' "$2" | sed 's/\\\\/\\/g' | grep -iF "$1\\" | sort -u
+}
+
+# Whoever may put a file into the program's folder must not get it loaded. Wine tells of every load.
+load_nothing_else() {
+  local folder windows_folder log=$PLACE/quarn.log
+  folder=$(installed_folder)
+  windows_folder=$(wine winepath -w "$folder" | tr -d '\r')
+  headline "What the program loads from its folder"
+  WINEDEBUG=+loaddll start_program "$folder/quarn.exe" --demo
+  wait_until 60 "the main dialog" main_title_is COM7
+  main=$window
+  wait_until 10 "the Terminal Screen" find_terminal COM7
+  end_program
+  expect "Wine has told of the system's libraries" grep -qi 'loaddll.*user32\.dll' "$log"
+  expect "from its own folder it has loaded nothing but itself" \
+    test "$(loaded_from "$windows_folder" "$log")" == "$windows_folder\quarn.exe"
 }
 
 status_is() {
@@ -125,8 +165,10 @@ uninstall_silently() {
 # play_installation SETUP PACKAGE
 play_installation() {
   plug_port com3 "Bench adapter"
+  refuse_unwritable "$1"
   install_silently "$1" "$2"
   open_by_association "$1"
+  load_nothing_else
   refuse_while_sending "$1" "$2"
   refuse_elsewhere "$1" "$2"
   uninstall_silently
