@@ -95,7 +95,7 @@ struct KeptOrCleared {
 
 class AutoClear : public TerminalFixture, public ::testing::WithParamInterface<KeptOrCleared> {};
 
-/// The line is cleared after a transaction, also one that failed, and not where none took place.
+/// The line is cleared after a transaction, also one that failed, and not where there is no port to send to.
 TEST_P(AutoClear, FollowsATransactionOnly) {
   const KeptOrCleared& given = GetParam();
   settings.autoClr = QStringLiteral("ON");
@@ -128,6 +128,17 @@ TEST_F(TerminalRequests, AnEmptyLineThatIsNotSentKeepsTheCaretWhereClearLeftIt) 
   Press(Qt::Key_Return);
   EXPECT_EQ(commandLine.CursorPos(), 0);
   EXPECT_EQ(log.LineCount(), 2);
+}
+
+TEST_F(TerminalRequests, ALineThatAFullLogDoesNotSendIsClearedTooWithAutoClear) {
+  Connect("* -> line \"OK\"");
+  settings.autoClr = QStringLiteral("ON");
+  log.AppendLogText(QByteArray("x\r").repeated(4000));
+  Open();
+  Type("id");
+  Press(Qt::Key_Return);
+  EXPECT_EQ(messages.shown, QStringList{"transient/Error: No remaining memory for log buffer"});
+  EXPECT_EQ(commandLine.Text(), QString());
 }
 
 TEST_F(TerminalRequests, SendKeepsTheLineAndAsksForNoPort) {
