@@ -156,7 +156,7 @@ class Story:
 
     @staticmethod
     def act_until(what, act, effect):
-        """Again where it had no effect: on a busy computer a menu may close as soon as it opens."""
+        """Again where it had no effect: now and then a menu closes as soon as it opens."""
         def tried():
             act()
             end = time.monotonic() + ONE_TRY_S
