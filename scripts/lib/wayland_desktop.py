@@ -35,7 +35,7 @@ FORMAT = r"Quarn - Command Format"
 QUESTION = r"Quarn : Confirmation"
 SAVE_AS = r"Save As Quarn Configuration File"
 # Where their titles are in the menu bar, in pixels from the left.
-MENUS = {"File": 15, "Port": 55, "Option": 145}
+MENUS = {"File": 15, "Port": 55, "Tools": 95, "Option": 145}
 RULES = '"slow" -> 6000 line "done"\n"mute" -> silence\n* -> line "OK"\n'
 SWAY = 'focus_follows_mouse no\nfor_window [app_id=".*"] floating enable\n'
 # So often the program starts on sway's own X server, which maps windows in the order in which they are drawn.

@@ -1,6 +1,7 @@
 #include "system/e2e/desktop.h"
 
 #include <QCoreApplication>
+#include <QFile>
 #include <QRegularExpression>
 
 #include "settings/key_store.h"
@@ -17,12 +18,26 @@ QStringList WindowManager() {
       .split(QLatin1Char(' '));
 }
 
+bool HasManager(const Desktop& desktop) {
+  return desktop
+      .Run(QStringLiteral("xprop"), {QStringLiteral("-root"), QStringLiteral("_NET_SUPPORTING_WM_CHECK")})
+      .contains("window id");
+}
+
 }  // namespace
 
 Desktop::Desktop(QSize screen) {
   if (!StartServer(screen)) qFatal("no virtual display: %s", m_server.readAllStandardError().constData());
   m_manager.setProcessEnvironment(StartBus());
   m_manager.setProcessChannelMode(QProcess::MergedChannels);
+  const QString compositor = qEnvironmentVariable("QUARN_COMPOSITOR");
+  if (compositor.isEmpty())
+    StartManager();
+  else
+    StartCompositor(compositor, screen);
+}
+
+void Desktop::StartManager() {
   const QStringList manager = WindowManager();
   const auto isThere = [this, &manager] {
     // On a loaded machine the manager may give up on a server that is slow to answer: start it again.
@@ -30,10 +45,36 @@ Desktop::Desktop(QSize screen) {
       m_manager.start(manager.value(0), manager.mid(1));
       m_manager.waitForStarted(kToolMs);
     }
-    return Run(QStringLiteral("xprop"), {QStringLiteral("-root"), QStringLiteral("_NET_SUPPORTING_WM_CHECK")})
-        .contains("window id");
+    return HasManager(*this);
   };
   if (!Eventually(isThere, kDesktopMs)) qFatal("no window manager: %s", m_manager.readAll().constData());
+}
+
+void Desktop::StartCompositor(const QString& compositor, QSize screen) {
+  QProcessEnvironment environment = m_manager.processEnvironment();
+  environment.remove(QStringLiteral("QT_QPA_PLATFORM"));
+  environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), m_session.path());
+  environment.insert(QStringLiteral("HOME"), m_session.path());
+  m_manager.setProcessEnvironment(environment);
+  // The compositor tells its session's variables to what it starts, and that ends with it.
+  const QString told = m_session.filePath(QStringLiteral("told"));
+  const QString tell = QStringLiteral("env >$0.part; mv $0.part $0; exec tail --pid=$PPID -f /dev/null");
+  m_manager.start(QStringLiteral(QUARN_NESTED_COMPOSITOR),
+                  {compositor, QString::number(screen.width()), QString::number(screen.height()),
+                   QStringLiteral("sh"), QStringLiteral("-c"), tell, told});
+  const auto isThere = [&] {
+    if (QFile file(told); m_told.isEmpty() && file.open(QIODevice::ReadOnly))
+      m_told = QString::fromLocal8Bit(file.readAll()).split(QLatin1Char('\n'));
+    return !Told(QStringLiteral("DISPLAY")).isEmpty() && HasManager(*this);
+  };
+  if (!Eventually(isThere, kDesktopMs)) qFatal("no compositor: %s", m_manager.readAll().constData());
+  // As on the virtual display: on a busy computer a key's release can come late.
+  Run(QStringLiteral("xset"), {QStringLiteral("r"), QStringLiteral("off")});
+}
+
+QString Desktop::Told(const QString& variable) const {
+  const QStringList found = m_told.filter(QRegularExpression(QStringLiteral("^%1=").arg(variable)));
+  return found.value(0).mid(variable.size() + 1);
 }
 
 QProcessEnvironment Desktop::StartBus() {
@@ -88,7 +129,24 @@ QProcessEnvironment Desktop::Environment() const {
   environment.insert(QStringLiteral("DISPLAY"), m_display);
   environment.remove(QStringLiteral("WAYLAND_DISPLAY"));
   environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
+  if (m_told.isEmpty()) return environment;
+  environment.insert(QStringLiteral("DISPLAY"), Told(QStringLiteral("DISPLAY")));
+  environment.insert(QStringLiteral("XAUTHORITY"), Told(QStringLiteral("XAUTHORITY")));
+  environment.insert(QStringLiteral("WAYLAND_DISPLAY"),
+                     m_session.filePath(Told(QStringLiteral("WAYLAND_DISPLAY"))));
+  environment.insert(QStringLiteral("XDG_SESSION_TYPE"), QStringLiteral("wayland"));
   return environment;
+}
+
+void Desktop::Input(const QStringList& arguments) const {
+  ChildProcess process;
+  QProcessEnvironment environment = Environment();
+  environment.insert(QStringLiteral("DISPLAY"), m_display);
+  environment.remove(QStringLiteral("XAUTHORITY"));
+  process.setProcessEnvironment(environment);
+  process.setStandardErrorFile(QProcess::nullDevice());
+  process.start(QStringLiteral("xdotool"), arguments);
+  process.waitForFinished(kToolMs);
 }
 
 QByteArray Desktop::Run(const QString& tool, const QStringList& arguments) const {
@@ -122,14 +180,16 @@ std::optional<QMargins> Desktop::Frame(const QString& window) const {
 std::optional<QRect> Desktop::Outer(const QString& window) const {
   const std::optional<QMargins> frame = Frame(window);
   if (!frame) return std::nullopt;
+  return Inner(window).marginsAdded(*frame);
+}
+
+QRect Desktop::Inner(const QString& window) const {
   const QString text = QString::fromLatin1(Run(QStringLiteral("xwininfo"), {QStringLiteral("-id"), window}));
   const auto value = [&](const char* name) {
     const QRegularExpression line(QStringLiteral("%1: +(-?\\d+)").arg(QLatin1String(name)));
     return line.match(text).captured(1).toInt();
   };
-  const QRect inner(value("Absolute upper-left X"), value("Absolute upper-left Y"), value("Width"),
-                    value("Height"));
-  return inner.marginsAdded(*frame);
+  return {value("Absolute upper-left X"), value("Absolute upper-left Y"), value("Width"), value("Height")};
 }
 
 EndToEnd::EndToEnd(QSize screen)
@@ -138,6 +198,8 @@ EndToEnd::EndToEnd(QSize screen)
   environment.insert(QStringLiteral("HOME"), home.path());
   environment.insert(QStringLiteral("XDG_CONFIG_HOME"), config.path());
   environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), runtime.path());
+  // Where there is Wayland too, the program chooses.
+  if (desktop.IsOnCompositor()) environment.remove(QStringLiteral("QT_QPA_PLATFORM"));
   // The program must not use the session of the user who runs the tests, and gets none of its own.
   environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"),
                      QStringLiteral("unix:path=") + runtime.filePath(QStringLiteral("no-session")));
@@ -230,13 +292,11 @@ QString EndToEnd::Title(const QString& window) {
 }
 
 void EndToEnd::Type(const QString& text) {
-  desktop.Run(QStringLiteral("xdotool"),
-              {QStringLiteral("type"), QStringLiteral("--delay"), QStringLiteral("8"), text});
+  desktop.Input({QStringLiteral("type"), QStringLiteral("--delay"), QStringLiteral("8"), text});
 }
 
 void EndToEnd::Press(const QStringList& keys) {
-  desktop.Run(QStringLiteral("xdotool"),
-              QStringList{QStringLiteral("key"), QStringLiteral("--delay"), QStringLiteral("8")} + keys);
+  desktop.Input(QStringList{QStringLiteral("key"), QStringLiteral("--delay"), QStringLiteral("8")} + keys);
 }
 
 QByteArray EndToEnd::ClipboardText() {
@@ -282,16 +342,13 @@ QByteArray EndToEnd::CopiedLog() {
 }
 
 void EndToEnd::ClickAt(const QString& window, QPoint place, int button) {
-  QStringList steps = {QStringLiteral("mousemove"), QStringLiteral("--window"), window,
-                       QString::number(place.x()), QString::number(place.y())};
-  if (button > 0) steps += {QStringLiteral("click"), QString::number(button)};
-  desktop.Run(QStringLiteral("xdotool"), steps);
+  ClickOnScreen(desktop.Inner(window).topLeft() + place, button);
 }
 
 void EndToEnd::ClickOnScreen(QPoint place, int button) {
-  desktop.Run(QStringLiteral("xdotool"),
-              {QStringLiteral("mousemove"), QString::number(place.x()), QString::number(place.y()),
-               QStringLiteral("click"), QString::number(button)});
+  QStringList steps{QStringLiteral("mousemove"), QString::number(place.x()), QString::number(place.y())};
+  if (button > 0) steps += {QStringLiteral("click"), QString::number(button)};
+  desktop.Input(steps);
 }
 
 QRect EndToEnd::Geometry(const QString& window) {

@@ -22,7 +22,8 @@ namespace quarn::test {
 
 inline constexpr QSize kUsualScreen{1280, 1024};
 
-/// A virtual X display with a window manager. Both end with the object.
+/// A virtual X display with a window manager. Both end with the object. Instead of the window manager it can
+/// have a Wayland compositor with an X server of its own, on which programs are then.
 class Desktop {
  public:
   explicit Desktop(QSize screen);
@@ -33,16 +34,25 @@ class Desktop {
   [[nodiscard]] const QString& Display() const { return m_display; }
   /// Runs a tool on the display and returns what it prints; empty when it fails.
   QByteArray Run(const QString& tool, const QStringList& arguments) const;
+  /// Moves and presses with xdotool what a person has at hand. Places are those of the screen.
+  void Input(const QStringList& arguments) const;
   /// The ids of the visible windows whose titles match; empty when there is none.
   QStringList Windows(const QString& titlePattern) const;
   /// The frame of the window manager; nullopt until it is reported.
   [[nodiscard]] std::optional<QMargins> Frame(const QString& window) const;
   /// The place of the window with its frame; nullopt until it is known.
   [[nodiscard]] std::optional<QRect> Outer(const QString& window) const;
+  /// The place of the window without its frame.
+  [[nodiscard]] QRect Inner(const QString& window) const;
   [[nodiscard]] QProcessEnvironment Environment() const;
+  [[nodiscard]] bool IsOnCompositor() const { return !m_told.isEmpty(); }
 
  private:
   bool StartServer(QSize screen);
+  void StartManager();
+  void StartCompositor(const QString& compositor, QSize screen);
+  /// The value of a variable in the compositor's session.
+  [[nodiscard]] QString Told(const QString& variable) const;
   /// The environment of the window manager, with its bus.
   QProcessEnvironment StartBus();
 
@@ -50,6 +60,8 @@ class Desktop {
   ChildProcess m_bus;
   ChildProcess m_manager;
   QString m_display;
+  QTemporaryDir m_session;
+  QStringList m_told;  ///< the variables of the compositor's session
 };
 
 /// A desktop, an account of its own (home, settings and runtime folders), an instrument as COM3, and the

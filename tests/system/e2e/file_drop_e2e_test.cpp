@@ -24,8 +24,8 @@ class Drop : public Commands {
     Focus(handle);
     const QPoint from = Geometry(handle).center();
     Mouse({QStringLiteral("mousemove")}, from);
-    for (const QString& key : held) desktop.Run(QStringLiteral("xdotool"), {QStringLiteral("keydown"), key});
-    desktop.Run(QStringLiteral("xdotool"), {QStringLiteral("mousedown"), QStringLiteral("1")});
+    for (const QString& key : held) desktop.Input({QStringLiteral("keydown"), key});
+    desktop.Input({QStringLiteral("mousedown"), QStringLiteral("1")});
     int step = 0;
     const auto nudge = [&](QPoint place) {
       step = (step + 1) % 3;
@@ -40,9 +40,9 @@ class Drop : public Commands {
       nudge(target);
       return tells("welcome");
     })) << told.toStdString();
-    desktop.Run(QStringLiteral("xdotool"), {QStringLiteral("mouseup"), QStringLiteral("1")});
+    desktop.Input({QStringLiteral("mouseup"), QStringLiteral("1")});
     EXPECT_TRUE(Eventually([&] { return tells("over"); }));
-    for (const QString& key : held) desktop.Run(QStringLiteral("xdotool"), {QStringLiteral("keyup"), key});
+    for (const QString& key : held) desktop.Input({QStringLiteral("keyup"), key});
     EXPECT_TRUE(told.endsWith("taken\nover\n")) << told.toStdString();
     End(source);
   }
@@ -50,7 +50,7 @@ class Drop : public Commands {
  private:
   void Mouse(QStringList steps, QPoint place) {
     steps += {QString::number(place.x()), QString::number(place.y())};
-    desktop.Run(QStringLiteral("xdotool"), steps);
+    desktop.Input(steps);
   }
 };
 

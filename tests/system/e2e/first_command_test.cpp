@@ -58,12 +58,12 @@ TEST_F(FirstCommand, AnEscapeThatIsHeldDownEndsEveryWaitThatBegins) {
   StartConnected("\"mute\" -> silence\n* -> line \"OK\"",
                  {{QStringLiteral("R_TIMEOUT"), QStringLiteral("OFF")}});
   Type(QStringLiteral("mute"));
-  desktop.Run(QStringLiteral("xdotool"), {QStringLiteral("keydown"), QStringLiteral("Escape")});
+  desktop.Input({QStringLiteral("keydown"), QStringLiteral("Escape")});
   Press({QStringLiteral("Return")});
   ASSERT_TRUE(TerminalTitleBecomes(QStringLiteral("Quarn - Terminal Screeen (COM3)  N- INS  [ 1-3  ]")));
   Press({QStringLiteral("Return")});
   ASSERT_TRUE(TerminalTitleBecomes(QStringLiteral("Quarn - Terminal Screeen (COM3)  N- INS  [ 1-6  ]")));
-  desktop.Run(QStringLiteral("xdotool"), {QStringLiteral("keyup"), QStringLiteral("Escape")});
+  desktop.Input({QStringLiteral("keyup"), QStringLiteral("Escape")});
   Press({QStringLiteral("ctrl+z")});
   Type(QStringLiteral("id"));
   Press({QStringLiteral("Return")});
@@ -78,9 +78,9 @@ TEST_F(FirstCommand, AnEscapeLetGoInAnotherProgramIsNotDownForEver) {
   other.start(QStringLiteral(QUARN_DRAG_SOURCE), {SettingsFile()});
   const QString window = WaitForWindow(QStringLiteral("^Drag Source$"));
   Focus(terminal);
-  desktop.Run(QStringLiteral("xdotool"), {QStringLiteral("keydown"), QStringLiteral("Escape")});
+  desktop.Input({QStringLiteral("keydown"), QStringLiteral("Escape")});
   Focus(window);
-  desktop.Run(QStringLiteral("xdotool"), {QStringLiteral("keyup"), QStringLiteral("Escape")});
+  desktop.Input({QStringLiteral("keyup"), QStringLiteral("Escape")});
   Focus(terminal);
   Type(QStringLiteral("id"));
   Press({QStringLiteral("Return")});

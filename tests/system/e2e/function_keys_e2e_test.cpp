@@ -53,10 +53,9 @@ class FunctionKeys : public Dialogs {
     const std::optional<Control> found = FindControl(kTable, button);
     ASSERT_TRUE(found);
     const QPoint place = found->place.center();
-    desktop.Run(QStringLiteral("xdotool"),
-                {QStringLiteral("mousemove"), QString::number(place.x()), QString::number(place.y()),
-                 QStringLiteral("keydown"), QStringLiteral("ctrl"), QStringLiteral("click"),
-                 QStringLiteral("1"), QStringLiteral("keyup"), QStringLiteral("ctrl")});
+    desktop.Input({QStringLiteral("mousemove"), QString::number(place.x()), QString::number(place.y()),
+                   QStringLiteral("keydown"), QStringLiteral("ctrl"), QStringLiteral("click"),
+                   QStringLiteral("1"), QStringLiteral("keyup"), QStringLiteral("ctrl")});
   }
   void AskUndo(const QString& answer) { Ask("UNDO", kUndo, kUndoQuestion, answer); }
   void Ask(const char* button, const QString& box, const QString& question, const QString& answer) {
