@@ -11,13 +11,24 @@
 #include <QStandardPaths>
 #include <QTreeView>
 #include <algorithm>
+#include <memory>
 #include <utility>
 
+#include "app/dialog_notes.h"
 #include "ui/box.h"
 #include "ui/placement.h"
 
 namespace quarn {
 namespace {
+
+/// Qt's dialog, on Windows around the system's, leaves no notes when it goes.
+struct WithoutNotes {
+  void operator()(QFileDialog* dialog) const {
+    const DialogNotesUndone undone;
+    delete dialog;
+  }
+};
+using Dialog = std::unique_ptr<QFileDialog, WithoutNotes>;
 
 /// Room for every column of Qt's own dialog, on a screen that is large enough.
 constexpr QRect kChooserUnits{0, 0, 440, 240};
@@ -84,23 +95,23 @@ QString FileChooserDialog::Ask(QFileDialog& dialog, const FileQuestion& question
 }
 
 QString FileChooserDialog::AskOpenFile(const FileQuestion& question) {
-  QFileDialog dialog(m_owner, question.title);
-  dialog.setAcceptMode(QFileDialog::AcceptOpen);
-  dialog.setFileMode(QFileDialog::ExistingFile);
+  const Dialog dialog(new QFileDialog(m_owner, question.title));
+  dialog->setAcceptMode(QFileDialog::AcceptOpen);
+  dialog->setFileMode(QFileDialog::ExistingFile);
   // A file without a suffix that was selected from the list is used unchanged.
-  QObject::connect(&dialog, &QFileDialog::currentChanged, &dialog, [&](const QString& path) {
+  QObject::connect(dialog.get(), &QFileDialog::currentChanged, dialog.get(), [&](const QString& path) {
     const QFileInfo info(path);
     const bool bare = info.isFile() && !info.fileName().contains(u'.');
-    dialog.setDefaultSuffix(bare ? QString() : question.suffix);
+    dialog->setDefaultSuffix(bare ? QString() : question.suffix);
   });
-  return Ask(dialog, question);
+  return Ask(*dialog, question);
 }
 
 QString FileChooserDialog::AskSaveFile(const FileQuestion& question) {
-  QFileDialog dialog(m_owner, question.title);
-  dialog.setAcceptMode(QFileDialog::AcceptSave);
-  dialog.setFileMode(QFileDialog::AnyFile);
-  return Ask(dialog, question);
+  const Dialog dialog(new QFileDialog(m_owner, question.title));
+  dialog->setAcceptMode(QFileDialog::AcceptSave);
+  dialog->setFileMode(QFileDialog::AnyFile);
+  return Ask(*dialog, question);
 }
 
 }  // namespace quarn

@@ -1,0 +1,10 @@
+#include "app/dialog_notes.h"
+
+namespace quarn {
+
+struct DialogNotesUndone::Notes {};
+
+DialogNotesUndone::DialogNotesUndone() = default;
+DialogNotesUndone::~DialogNotesUndone() = default;
+
+}  // namespace quarn
