@@ -6,5 +6,6 @@ struct DialogNotesUndone::Notes {};
 
 DialogNotesUndone::DialogNotesUndone() = default;
 DialogNotesUndone::~DialogNotesUndone() = default;
+void DialogNotesUndone::KeepOthers() {}
 
 }  // namespace quarn

@@ -3,6 +3,7 @@
 #include <array>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "app/dialog_notes.h"
@@ -16,16 +17,16 @@ constexpr std::array kKeys{L"Software\\QtProject", L"Software\\QtProject\\Organi
 constexpr DWORD kLongestName = 16384;
 
 /// A key of the user's registry, if it is there.
-class Key {
+class UserKey {
  public:
-  Key(const wchar_t* name, REGSAM rights) {
+  UserKey(const wchar_t* name, REGSAM rights) {
     if (RegOpenKeyExW(HKEY_CURRENT_USER, name, 0, rights, &m_key) != ERROR_SUCCESS) m_key = nullptr;
   }
-  ~Key() {
+  ~UserKey() {
     if (m_key != nullptr) RegCloseKey(m_key);
   }
-  Key(const Key&) = delete;
-  Key& operator=(const Key&) = delete;
+  UserKey(const UserKey&) = delete;
+  UserKey& operator=(const UserKey&) = delete;
   [[nodiscard]] HKEY Get() const { return m_key; }
   [[nodiscard]] bool IsThere() const { return m_key != nullptr; }
   [[nodiscard]] bool IsEmpty() const {
@@ -40,14 +41,10 @@ class Key {
   HKEY m_key = nullptr;
 };
 
-struct Value {
-  DWORD type = REG_NONE;
-  std::vector<BYTE> data;
-  bool operator==(const Value&) const = default;
-};
-using Values = std::map<std::wstring, Value>;
+/// Type and data of each value, by its name.
+using Values = std::map<std::wstring, std::pair<DWORD, std::vector<BYTE>>>;
 
-Values ValuesIn(const Key& key) {
+Values ValuesIn(const UserKey& key) {
   Values values;
   std::wstring name(kLongestName, L'\0');
   for (DWORD i = 0;; ++i) {
@@ -55,24 +52,24 @@ Values ValuesIn(const Key& key) {
     DWORD size = 0;
     if (RegEnumValueW(key.Get(), i, name.data(), &length, nullptr, nullptr, nullptr, &size) != ERROR_SUCCESS)
       return values;
-    Value value{REG_NONE, std::vector<BYTE>(size)};
+    DWORD type = REG_NONE;
+    std::vector<BYTE> data(size);
     const std::wstring found = name.substr(0, length);
-    if (RegQueryValueExW(key.Get(), found.c_str(), nullptr, &value.type, value.data.data(), &size) ==
-        ERROR_SUCCESS) {
-      value.data.resize(size);
-      values[found] = std::move(value);
+    if (RegQueryValueExW(key.Get(), found.c_str(), nullptr, &type, data.data(), &size) == ERROR_SUCCESS) {
+      data.resize(size);
+      values[found] = {type, std::move(data)};
     }
   }
 }
 
 /// Makes the values what they were.
-void Restore(const Key& key, const Values& before) {
+void Restore(const UserKey& key, const Values& before) {
   for (const auto& [name, value] : ValuesIn(key)) {
     if (!before.contains(name)) RegDeleteValueW(key.Get(), name.c_str());
   }
   for (const auto& [name, value] : before) {
-    RegSetValueExW(key.Get(), name.c_str(), 0, value.type, value.data.data(),
-                   static_cast<DWORD>(value.data.size()));
+    const auto& [type, data] = value;
+    RegSetValueExW(key.Get(), name.c_str(), 0, type, data.data(), static_cast<DWORD>(data.size()));
   }
 }
 
@@ -83,19 +80,20 @@ struct DialogNotesUndone::Notes {
   Values values{};
 };
 
-DialogNotesUndone::DialogNotesUndone() {
-  Notes notes;
-  for (std::size_t i = 0; i < kKeys.size(); ++i) notes.wasThere[i] = Key(kKeys[i], KEY_READ).IsThere();
-  notes.values = ValuesIn(Key(kKeys.back(), KEY_READ));
-  m_before = std::make_unique<const Notes>(std::move(notes));
+// The dialog makes the keys when it is made, and the values when it goes.
+DialogNotesUndone::DialogNotesUndone() : m_before(std::make_unique<Notes>()) {
+  for (std::size_t i = 0; i < kKeys.size(); ++i)
+    m_before->wasThere[i] = UserKey(kKeys[i], KEY_READ).IsThere();
 }
 
+void DialogNotesUndone::KeepOthers() { m_before->values = ValuesIn(UserKey(kKeys.back(), KEY_READ)); }
+
 DialogNotesUndone::~DialogNotesUndone() {
-  Restore(Key(kKeys.back(), KEY_READ | KEY_SET_VALUE), m_before->values);
+  Restore(UserKey(kKeys.back(), KEY_READ | KEY_SET_VALUE), m_before->values);
   // From the innermost one out. One that another program has filled meanwhile stays.
   for (std::size_t i = kKeys.size(); i-- > 0;) {
     const bool isNew = !m_before->wasThere[i];
-    if (isNew && Key(kKeys[i], KEY_READ).IsEmpty()) RegDeleteKeyW(HKEY_CURRENT_USER, kKeys[i]);
+    if (isNew && UserKey(kKeys[i], KEY_READ).IsEmpty()) RegDeleteKeyW(HKEY_CURRENT_USER, kKeys[i]);
   }
 }
 

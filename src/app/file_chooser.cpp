@@ -21,14 +21,22 @@
 namespace quarn {
 namespace {
 
-/// Qt's dialog, on Windows around the system's, leaves no notes when it goes.
-struct WithoutNotes {
-  void operator()(QFileDialog* dialog) const {
-    const DialogNotesUndone undone;
-    delete dialog;
+/// Qt's dialog, which may stand for the system's.
+class Dialog {
+ public:
+  Dialog(QWidget* owner, const QString& title) : m_dialog(std::make_unique<QFileDialog>(owner, title)) {}
+  ~Dialog() {
+    m_notes.KeepOthers();
+    m_dialog.reset();
   }
+  Dialog(const Dialog&) = delete;
+  Dialog& operator=(const Dialog&) = delete;
+  [[nodiscard]] QFileDialog& Get() const { return *m_dialog; }
+
+ private:
+  DialogNotesUndone m_notes;
+  std::unique_ptr<QFileDialog> m_dialog;
 };
-using Dialog = std::unique_ptr<QFileDialog, WithoutNotes>;
 
 /// Room for every column of Qt's own dialog, on a screen that is large enough.
 constexpr QRect kChooserUnits{0, 0, 440, 240};
@@ -95,23 +103,25 @@ QString FileChooserDialog::Ask(QFileDialog& dialog, const FileQuestion& question
 }
 
 QString FileChooserDialog::AskOpenFile(const FileQuestion& question) {
-  const Dialog dialog(new QFileDialog(m_owner, question.title));
-  dialog->setAcceptMode(QFileDialog::AcceptOpen);
-  dialog->setFileMode(QFileDialog::ExistingFile);
+  const Dialog owned(m_owner, question.title);
+  QFileDialog& dialog = owned.Get();
+  dialog.setAcceptMode(QFileDialog::AcceptOpen);
+  dialog.setFileMode(QFileDialog::ExistingFile);
   // A file without a suffix that was selected from the list is used unchanged.
-  QObject::connect(dialog.get(), &QFileDialog::currentChanged, dialog.get(), [&](const QString& path) {
+  QObject::connect(&dialog, &QFileDialog::currentChanged, &dialog, [&](const QString& path) {
     const QFileInfo info(path);
     const bool bare = info.isFile() && !info.fileName().contains(u'.');
-    dialog->setDefaultSuffix(bare ? QString() : question.suffix);
+    dialog.setDefaultSuffix(bare ? QString() : question.suffix);
   });
-  return Ask(*dialog, question);
+  return Ask(dialog, question);
 }
 
 QString FileChooserDialog::AskSaveFile(const FileQuestion& question) {
-  const Dialog dialog(new QFileDialog(m_owner, question.title));
-  dialog->setAcceptMode(QFileDialog::AcceptSave);
-  dialog->setFileMode(QFileDialog::AnyFile);
-  return Ask(*dialog, question);
+  const Dialog owned(m_owner, question.title);
+  QFileDialog& dialog = owned.Get();
+  dialog.setAcceptMode(QFileDialog::AcceptSave);
+  dialog.setFileMode(QFileDialog::AnyFile);
+  return Ask(dialog, question);
 }
 
 }  // namespace quarn
