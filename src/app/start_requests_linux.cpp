@@ -99,11 +99,11 @@ bool Send(const QByteArray& bytes, const QString& path) {
 
 class StartRequests::Receiver {
  public:
-  explicit Receiver(const std::function<void(const QString&)>& asked) {
+  explicit Receiver(std::function<void(const QString&)> asked) : m_asked(std::move(asked)) {
     for (const QString& place : Places()) {
       const QByteArray path = QFile::encodeName(place);
       FileDescriptor socket = Listen(path);
-      if (socket.IsValid()) m_ears.push_back(std::make_unique<Ear>(path, std::move(socket), asked));
+      if (socket.IsValid()) m_ears.push_back(std::make_unique<Ear>(path, std::move(socket), m_asked));
     }
   }
 
@@ -111,13 +111,13 @@ class StartRequests::Receiver {
   /// Listens at one path, whose socket goes with the object.
   class Ear {
    public:
-    /// `socket` has this path.
+    /// `socket` has this path. `asked` outlives the object.
     Ear(QByteArray path, FileDescriptor socket, const std::function<void(const QString&)>& asked)
         : m_path(std::move(path)),
           m_socket(std::move(socket)),
           m_notifier(m_socket.Get(), QSocketNotifier::Read) {
       QObject::connect(&m_notifier, &QSocketNotifier::activated, &m_notifier,
-                       [this, asked] { Receive(asked); });
+                       [this, &asked] { Receive(asked); });
     }
     ~Ear() { ::unlink(m_path.constData()); }
     Ear(const Ear&) = delete;
@@ -135,6 +135,7 @@ class StartRequests::Receiver {
     QSocketNotifier m_notifier;
   };
 
+  const std::function<void(const QString&)> m_asked;
   std::vector<std::unique_ptr<Ear>> m_ears;
 };
 

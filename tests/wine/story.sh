@@ -187,6 +187,13 @@ end_program() {
   expect "it ended well" test "$status" -eq 0
 }
 
+# is_activated WINDOW: asks for it. While a file dialog goes, a window may miss that.
+is_activated() {
+  xdotool windowactivate "$1"
+  sleep 0.3
+  window_is_active "$1"
+}
+
 # The program's own instrument, with no port of the system.
 demo() {
   headline "The demo"
@@ -205,6 +212,7 @@ demo() {
   activate "$window"
   press_keys Escape
   wait_until 20 "it to go" window_is_gone '^Open Quarn Configuration File$'
+  wait_until 20 "the main dialog to be active again" is_activated "$main"
   end_program
   expect "the settings of the person are as they were" cmp -s "$PLACE/before.ini" "$(settings_folder)/Quarn.ini"
   expect "the file dialog has noted nothing in the registry" registry_lacks 'HKCU\Software\QtProject'
