@@ -317,14 +317,23 @@ answers() {
   expect "quarn-send --raw leaves line feeds alone" cmp "$PLACE/raw" "$PLACE/expected"
 }
 
-# A window is no answer: the prompt does not wait for it.
+# A window is no answer: the prompt does not wait for it. The console stays, because its end would end the program.
 prompt_beside_window() {
+  local console
   headline "The prompt beside a window"
-  expect "the next prompt comes while the demo runs" console_says "$(dirname "$1")" 'quarn --demo & echo next' next
+  mkfifo "$PLACE/no-keys"
+  # shellcheck disable=SC2016  # for the inner shell
+  start prompt bash -c 'cd "$1" && exec script --quiet --flush --command "$2" /dev/null <>"$3"' bash \
+    "$(dirname "$1")" "'$WINE' cmd /c 'quarn --demo & echo next & pause'" "$PLACE/no-keys"
+  console=$last
   wait_until 60 "the main dialog" main_title_is COM7
-  activate "$window"
+  main=$window
+  wait_until 20 "the next prompt while the demo runs" grep -q next "$PLACE/prompt.log"
+  expect "the demo runs still" main_title_is COM7
+  wait_until 20 "the main dialog to be the active one" is_activated "$main"
   press_keys alt+F4
   wait_until 30 "the main dialog to go" window_is_gone '^Quarn   \('
+  stop "$console"
 }
 
 # quarn-send as scripts use it, with the batch file of the guide. Wine has no PowerShell.
