@@ -2,6 +2,8 @@
 
 #include <QScopedValueRollback>
 
+#include "dialogs/serial/port_messages.h"
+
 namespace quarn {
 namespace {
 
@@ -15,11 +17,6 @@ QString Error() { return QStringLiteral(": Error"); }
 void TellPortUndefined(MessageOperations& messages) {
   messages.ShowInformationMessage(Information(), QString(), QStringLiteral("COM port is undefined."),
                                   QStringLiteral("Sellect a COM port to connect."));
-}
-
-void TellPortNotAvailable(MessageOperations& messages, const QString& port) {
-  messages.ShowErrorMessage(Error(), QString(), QStringLiteral("  \"%1\" is not available.").arg(port),
-                            QStringLiteral("Check \"Detailed COM Port List\"."));
 }
 
 bool ConnectWithMessages(Program& program) {

@@ -8,8 +8,6 @@ namespace quarn {
 
 /// Shows that no port is configured.
 void TellPortUndefined(MessageOperations& messages);
-/// Shows that the configured port cannot be opened or is gone.
-void TellPortNotAvailable(MessageOperations& messages, const QString& port);
 
 /// Connects to the port in the settings and shows the result. Updates the connected mark.
 bool ConnectWithMessages(Program& program);

@@ -1,6 +1,7 @@
 // quarn.com: a console starts it for the word "quarn", because it looks for .com before .exe. A console does
 // not wait for a program with windows, whose output would come after the next prompt. This program starts
-// quarn.exe and waits until its output in the console is complete, but not for its windows.
+// quarn.exe and, if that answers in the console, waits until its output is complete. It does not wait for
+// windows.
 
 #include <windows.h>
 //
@@ -9,8 +10,12 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <span>
 #include <string>
 #include <string_view>
+#include <vector>
+
+#include "app/start_options.h"
 
 namespace {
 
@@ -33,21 +38,27 @@ class Handle {
   HANDLE m_handle = nullptr;
 };
 
-/// The destination of the program's output: this program's own, or through a pipe the console, which a
-/// program with windows cannot write to.
-class Output {
+/// A pipe to the console, which a program with windows cannot write to. One for both streams: two would be
+/// read one after the other, and a program that fills the second one would wait for ever.
+class ConsolePipe {
  public:
-  explicit Output(DWORD which) : m_own(GetStdHandle(which)) {
+  /// The stream for the program: this program's own, or the pipe if that is the console.
+  HANDLE ForProgram(DWORD which) {
+    const HANDLE own = GetStdHandle(which);
     DWORD mode = 0;
-    SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
-    if (GetConsoleMode(m_own, &mode) != FALSE) {
+    if (own == nullptr) return nullptr;
+    if (GetConsoleMode(own, &mode) == FALSE) {
+      SetHandleInformation(own, HANDLE_FLAG_INHERIT, HANDLE_FLAG_INHERIT);
+      return own;
+    }
+    m_console = own;
+    if (m_read.Get() == nullptr) {
+      SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
       CreatePipe(m_read.Place(), m_write.Place(), &inherited, 0);
       SetHandleInformation(m_read.Get(), HANDLE_FLAG_INHERIT, 0);
-    } else if (m_own != nullptr) {
-      SetHandleInformation(m_own, HANDLE_FLAG_INHERIT, HANDLE_FLAG_INHERIT);
     }
+    return m_write.Get();
   }
-  [[nodiscard]] HANDLE ForProgram() const { return m_write.Get() != nullptr ? m_write.Get() : m_own; }
   /// After the program was started: writes to the console until the program's output ends.
   void Pass() {
     if (m_read.Get() == nullptr) return;
@@ -62,11 +73,11 @@ class Output {
     const int size = static_cast<int>(text.size());
     std::wstring wide(text.size(), L'\0');
     const int units = MultiByteToWideChar(CP_ACP, 0, text.data(), size, wide.data(), size);
-    WriteConsoleW(m_own, wide.data(), static_cast<DWORD>(units), &count, nullptr);
+    WriteConsoleW(m_console, wide.data(), static_cast<DWORD>(units), &count, nullptr);
   }
 
  private:
-  HANDLE m_own;
+  HANDLE m_console = nullptr;
   Handle m_read;
   Handle m_write;
 };
@@ -88,15 +99,16 @@ std::wstring_view Arguments() {
   return line;
 }
 
-/// Whether the program answers in the console, as it does to options.
+/// Whether the program answers in the console, without a window.
 bool AsksForAnAnswer() {
   int count = 0;
   wchar_t** const arguments = CommandLineToArgvW(GetCommandLineW(), &count);
   if (arguments == nullptr) return false;
-  const bool asks = std::any_of(arguments + std::min(count, 1), arguments + count,
-                                [](const wchar_t* each) { return *each == L'-'; });
+  std::vector<std::u16string> texts;
+  for (const std::wstring_view each : std::span(arguments, static_cast<std::size_t>(count)))
+    texts.emplace_back(each.begin(), each.end());
   LocalFree(static_cast<void*>(arguments));
-  return asks;
+  return quarn::IsAnsweredAtOnce({texts.begin(), texts.end()});
 }
 
 /// A program that was started.
@@ -122,17 +134,15 @@ bool Start(const std::wstring& program, STARTUPINFOW& how, bool inherits, Starte
 
 /// Starts the program, passes on its output and returns its exit status.
 int Answer(const std::wstring& program) {
-  Output output(STD_OUTPUT_HANDLE);
-  Output error(STD_ERROR_HANDLE);
+  ConsolePipe console;
   STARTUPINFOW how{};
   how.cb = sizeof how;
   how.dwFlags = STARTF_USESTDHANDLES;
-  how.hStdOutput = output.ForProgram();
-  how.hStdError = error.ForProgram();
+  how.hStdOutput = console.ForProgram(STD_OUTPUT_HANDLE);
+  how.hStdError = console.ForProgram(STD_ERROR_HANDLE);
   Started started;
   if (!Start(program, how, true, started)) return EXIT_FAILURE;
-  output.Pass();
-  error.Pass();
+  console.Pass();
   DWORD status = EXIT_FAILURE;
   WaitForSingleObject(started.process.Get(), INFINITE);
   GetExitCodeProcess(started.process.Get(), &status);

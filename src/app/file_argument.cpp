@@ -1,10 +1,9 @@
 #include "app/file_argument.h"
 
-#include <algorithm>
-#include <array>
 #include <cstdlib>
 
 #include "app/platform.h"
+#include "app/start_options.h"
 #include "base/bounds.h"
 #include "identity.h"
 #include "terminal/render.h"
@@ -14,41 +13,14 @@ namespace {
 
 constexpr int kWrongUsage = 64;
 constexpr int kNotPrinted = 74;
-constexpr char kDemo[] = "--demo";
 
-struct QtOption {
-  const char16_t* name;  ///< behind one dash or two
-  bool takesValue;
-};
-/// Options that Qt's application object takes from the arguments; the session manager passes one of them.
-constexpr std::array<QtOption, 18> kQtOptions = {{{u"display", true},
-                                                  {u"dograb", false},
-                                                  {u"geometry", true},
-                                                  {u"icon", true},
-                                                  {u"nograb", false},
-                                                  {u"platform", true},
-                                                  {u"platformpluginpath", true},
-                                                  {u"platformtheme", true},
-                                                  {u"plugin", true},
-                                                  {u"qwindowgeometry", true},
-                                                  {u"qwindowicon", true},
-                                                  {u"qwindowtitle", true},
-                                                  {u"reverse", false},
-                                                  {u"session", true},
-                                                  {u"style", true},
-                                                  {u"stylesheet", true},
-                                                  {u"title", true},
-                                                  {u"widgetcount", false}}};
-
-/// The number of words of the option that starts here; 0 if it is not one of Qt's.
-qsizetype WordsOfQtOption(QStringView word) {
-  const QStringView name = word.mid(word.startsWith(u"--") ? 2 : 1);
-  const qsizetype equals = name.indexOf(u'=');
-  const QStringView bare = equals < 0 ? name : name.first(equals);
-  const auto* const found = std::ranges::find_if(
-      kQtOptions, [bare](const QtOption& each) { return bare == QStringView(each.name); });
-  if (found == kQtOptions.end()) return 0;
-  return found->takesValue && equals < 0 ? 2 : 1;
+Words WordsOf(const QStringList& arguments) {
+  Words words;
+  for (const QString& each : arguments) {
+    const QStringView view(each);
+    words.emplace_back(view.utf16(), static_cast<std::size_t>(view.size()));
+  }
+  return words;
 }
 
 QString Usage() {
@@ -77,7 +49,8 @@ QString WithinPathLimit(QString name) {
 
 QString AnswerOnTerminal(const QStringList& arguments) {
   const QString name = QString::fromLatin1(identity::kName);
-  if (arguments.contains(QStringLiteral("--help"))) {
+  const Words words = WordsOf(arguments);
+  if (HasOption(words, kHelpOption)) {
     return QStringLiteral(
                "%1: a terminal for serial ports.\n"
                "\n"
@@ -90,22 +63,18 @@ QString AnswerOnTerminal(const QStringList& arguments) {
                "%3")
         .arg(name, Usage(), FileArgumentNote());
   }
-  if (arguments.contains(QStringLiteral("--version"))) {
+  if (HasOption(words, kVersionOption)) {
     return QStringLiteral("%1, build %2\n")
         .arg(QString::fromLatin1(identity::kNameAndVersion), QString::fromLatin1(identity::kBuildDate));
   }
   return {};
 }
 
-bool IsDemo(const QStringList& arguments) { return arguments.contains(QLatin1String(kDemo)); }
+bool IsDemo(const QStringList& arguments) { return HasOption(WordsOf(arguments), kDemoOption); }
 
 QString WrongOption(const QStringList& arguments) {
-  for (qsizetype i = 1; i < arguments.size() && arguments[i].startsWith(u'-');) {
-    const qsizetype words = arguments[i] == QLatin1String(kDemo) ? 1 : WordsOfQtOption(arguments[i]);
-    if (words == 0) return arguments[i];
-    i += words;
-  }
-  return {};
+  const std::u16string_view wrong = FirstWrongOption(WordsOf(arguments));
+  return QStringView(wrong.data(), static_cast<qsizetype>(wrong.size())).toString();
 }
 
 std::optional<int> AnswerAtOnce(const QStringList& arguments) {

@@ -20,8 +20,7 @@ QString AnswerOnTerminal(const QStringList& arguments);
 /// Whether the program shows itself with the simulated instrument and settings of its own.
 bool IsDemo(const QStringList& arguments);
 
-/// The first word that begins with "-" and is not an option of the program or of Qt; empty if there is none.
-/// A file with such a name must be given with its folder.
+/// As in start_options.h.
 QString WrongOption(const QStringList& arguments);
 
 /// Handles options that need no window, on the terminal, and returns the exit status; nullopt if a window

@@ -11,8 +11,10 @@
 #include <QStandardPaths>
 #include <QTreeView>
 #include <algorithm>
+#include <memory>
 #include <utility>
 
+#include "app/dialog_notes.h"
 #include "app/platform.h"
 #include "base/printable.h"
 #include "ui/box.h"
@@ -20,6 +22,23 @@
 
 namespace quarn {
 namespace {
+
+/// Qt's dialog, which may stand for the system's.
+class Dialog {
+ public:
+  Dialog(QWidget* owner, const QString& title) : m_dialog(std::make_unique<QFileDialog>(owner, title)) {}
+  ~Dialog() {
+    m_notes.KeepOthers();
+    m_dialog.reset();
+  }
+  Dialog(const Dialog&) = delete;
+  Dialog& operator=(const Dialog&) = delete;
+  [[nodiscard]] QFileDialog& Get() const { return *m_dialog; }
+
+ private:
+  DialogNotesUndone m_notes;
+  std::unique_ptr<QFileDialog> m_dialog;
+};
 
 /// Room for every column of Qt's own dialog, on a screen that is large enough.
 constexpr QRect kChooserUnits{0, 0, 440, 240};
@@ -91,7 +110,8 @@ QString FileChooserDialog::Ask(QFileDialog& dialog, const FileQuestion& question
 }
 
 QString FileChooserDialog::AskOpenFile(const FileQuestion& question) {
-  QFileDialog dialog(m_owner, question.title);
+  const Dialog owned(m_owner, question.title);
+  QFileDialog& dialog = owned.Get();
   dialog.setAcceptMode(QFileDialog::AcceptOpen);
   dialog.setFileMode(QFileDialog::ExistingFile);
   // A file without a suffix that was selected from the list is used unchanged.
@@ -104,13 +124,15 @@ QString FileChooserDialog::AskOpenFile(const FileQuestion& question) {
 }
 
 QString FileChooserDialog::AskSaveFile(const FileQuestion& question) {
-  if (SystemFileDialogAddsSuffix() || !IsOfSystem(QFileDialog(m_owner))) return AskSaveFileOnce(question);
+  if (SystemFileDialogAddsSuffix() || !IsOfSystem(Dialog(m_owner, question.title).Get()))
+    return AskSaveFileOnce(question);
   return AskSaveFileAndAddSuffix(
       question, [this](const FileQuestion& next) { return AskSaveFileOnce(next); }, m_messages);
 }
 
 QString FileChooserDialog::AskSaveFileOnce(const FileQuestion& question) {
-  QFileDialog dialog(m_owner, question.title);
+  const Dialog owned(m_owner, question.title);
+  QFileDialog& dialog = owned.Get();
   dialog.setAcceptMode(QFileDialog::AcceptSave);
   dialog.setFileMode(QFileDialog::AnyFile);
   return Ask(dialog, question);

@@ -5,6 +5,7 @@
 #include <optional>
 #include <utility>
 
+#include "app/ending_signals.h"
 #include "app/fatal_limits.h"
 #include "app/file_argument.h"
 #include "app/platform.h"
@@ -13,6 +14,7 @@
 #include "app/window_stage.h"
 #include "demo/demo_folder.h"
 #include "demo/demo_ports.h"
+#include "serial/open_port.h"
 #include "serial/platform_serial.h"
 #include "settings/data_folder.h"
 #include "terminal/standard_streams.h"
@@ -52,6 +54,22 @@ Workplace OfDemo(const quarn::DemoFolder& demo) {
           std::make_unique<quarn::DemoPortSource>()};
 }
 
+/// Shows the windows until the person, or a signal, ends the program. Returns the exit status.
+int Run(Workplace place, const QStringList& arguments, std::optional<quarn::DemoFolder>& demo) {
+  quarn::Program program(place.folder, std::move(place.opener), std::move(place.ports),
+                         std::make_unique<quarn::WindowMessages>(), std::make_unique<quarn::WaitCursor>());
+  const quarn::FatalLimits limits(program);
+  quarn::WindowStage stage(program, arguments);
+  // Nobody is asked. No setting is lost, because what a window changes is in the file at once.
+  const quarn::EndingSignals signals([&] {
+    ClosePort(program.connection);
+    stage.EndRequests();
+    demo.reset();
+  });
+  if (StartUp(program, stage) != quarn::StartUpResult::Running) return EXIT_FAILURE;
+  return QApplication::exec();
+}
+
 }  // namespace
 
 int main(int argc, char* argv[]) {
@@ -78,10 +96,5 @@ int main(int argc, char* argv[]) {
     quarn::WindowMessages().ShowPlainMessage(place.whyNoFolder);
     return EXIT_FAILURE;
   }
-  quarn::Program program(place.folder, std::move(place.opener), std::move(place.ports),
-                         std::make_unique<quarn::WindowMessages>(), std::make_unique<quarn::WaitCursor>());
-  const quarn::FatalLimits limits(program);
-  quarn::WindowStage stage(program, QApplication::arguments());
-  if (StartUp(program, stage) != quarn::StartUpResult::Running) return EXIT_FAILURE;
-  return QApplication::exec();
+  return Run(std::move(place), QApplication::arguments(), demo);
 }

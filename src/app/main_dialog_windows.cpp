@@ -33,15 +33,7 @@ QRect PlaceOn(const QRect& screen, const QWidget& window) {
 
 }  // namespace
 
-DialogContext CQuarnDlg::Context() {
-  return {.settings = m_program.settings,
-          .workingSettingsFile = m_program.workingSettingsFile,
-          .connection = m_program.connection,
-          .state = m_program.state,
-          .portSource = *m_program.portSource,
-          .environment = m_program.Environment(),
-          .pause = PauseHoldingInput()};
-}
+DialogContext CQuarnDlg::Context() { return m_program.Context(PauseHoldingInput()); }
 
 Pause CQuarnDlg::PauseHoldingInput() {
   return [this](int ms) { m_hold.HoldFor(ms); };

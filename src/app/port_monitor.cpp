@@ -1,8 +1,9 @@
 #include "app/port_monitor.h"
 
+#include <QScopedValueRollback>
 #include <algorithm>
 
-#include "app/connection_commands.h"
+#include "dialogs/serial/port_choice.h"
 #include "dialogs/serial/port_rules.h"
 #include "serial/port_list.h"
 #include "settings/setting_values.h"
@@ -64,11 +65,10 @@ void PortMonitor::Tick(int ticks) {
   m_ticks += static_cast<std::uint32_t>(ticks);
   const std::optional<QList<Port>> ports = m_program.portSource->Ports();
   m_seenRevision = m_program.portSource->Revision();
-  m_updating = true;
+  const QScopedValueRollback updating(m_updating, true);
   if (ports && ports->size() != m_program.connection.portNames.size()) Update();
   m_lostTicks = IsLineLost() ? m_lostTicks + 1 : 0;
   if (m_lostTicks >= kLossSettled) HandleLostLine();
-  m_updating = false;
 }
 
 PortEvent PortMonitor::Update() {
@@ -171,11 +171,8 @@ void PortMonitor::OfferToConnect(const QString& port) {
     current = NoPort();
     return;
   }
-  m_program.messages->ShowInformationMessage(QStringLiteral(": Information"), QString(),
-                                             QStringLiteral("Successfully connected to  \"%1\"").arg(port),
-                                             QString());
-  current = port;
-  StoreValues(m_program.workingSettingsFile, {{keys::kComPort, port}}, *m_program.messages);
+  TellConnectedTo(*m_program.messages, port);
+  TakeAsCurrent(m_program.Context(m_pause), port);
 }
 
 bool PortMonitor::ConnectWhenFree(const SettingsRecord& settings) {

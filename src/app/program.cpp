@@ -17,4 +17,14 @@ Program::Program(QString folder, std::unique_ptr<SerialLineOpener> lineOpener,
       waitIndicator(std::move(indicator)),
       engine(connection) {}
 
+DialogContext Program::Context(Pause pause) {
+  return {.settings = settings,
+          .workingSettingsFile = workingSettingsFile,
+          .connection = connection,
+          .state = state,
+          .portSource = *portSource,
+          .environment = Environment(),
+          .pause = std::move(pause)};
+}
+
 }  // namespace quarn

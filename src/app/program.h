@@ -6,6 +6,7 @@
 
 #include "base/message_operations.h"
 #include "base/wait_indicator.h"
+#include "dialogs/dialog_context.h"
 #include "dialogs/shared_state.h"
 #include "serial/open_port.h"
 #include "serial/port_connection.h"
@@ -24,6 +25,8 @@ struct Program {
           std::unique_ptr<MessageOperations> messageOperations, std::unique_ptr<WaitIndicator> indicator);
 
   [[nodiscard]] PortEnvironment Environment() const { return {*opener, *messages, *waitIndicator}; }
+  /// What dialogs work on.
+  [[nodiscard]] DialogContext Context(Pause pause);
 
   const QString dataFolder;  ///< ends with a separator
   const QString workingSettingsFile;

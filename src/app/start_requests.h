@@ -6,9 +6,9 @@
 
 namespace quarn {
 
-/// Receives what later starts of the same user ask of this program, which holds the lock: to come to the
-/// front, and to open a file. Make one at most, in a thread with an event loop. Where the system refuses what
-/// it takes, nothing is received.
+/// Receives what later starts of the same user ask of this program: to come to the front, and to open a file.
+/// Make one at most, in a thread with an event loop, as soon as the lock is taken: what is asked before the
+/// loop runs waits for it. Where the system refuses what it takes, nothing is received.
 class StartRequests {
  public:
   /// `asked` is called from the event loop, also while a box is shown. `file`: an absolute path, or empty.

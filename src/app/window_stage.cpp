@@ -1,9 +1,10 @@
 #include "app/window_stage.h"
 
+#include <QApplication>
 #include <QEventLoop>
 #include <QFileInfo>
-#include <QGuiApplication>
 #include <QLayout>
+#include <QScopedValueRollback>
 #include <QTimer>
 #include <QWindow>
 #include <utility>
@@ -11,6 +12,7 @@
 #include "app/file_argument.h"
 #include "app/platform.h"
 #include "app/splash_page.h"
+#include "ui/box_order.h"
 #include "ui/placement.h"
 #include "ui/window_system.h"
 
@@ -34,7 +36,21 @@ WindowStage::WindowStage(Program& program, QStringList arguments)
 
 /// A demo shares nothing with another program that runs.
 InstanceLock WindowStage::TakeLock(QString& reason) {
-  return IsDemo(m_arguments) ? InstanceLock::Taken : TakeInstanceLock(reason);
+  if (IsDemo(m_arguments)) return InstanceLock::Taken;
+  const InstanceLock lock = TakeInstanceLock(reason);
+  if (lock == InstanceLock::Taken) m_requests.emplace([this](const QString& file) { TakeRequest(file); });
+  return lock;
+}
+
+/// The main dialog handles it. Before that is shown, only a box of the start can come to the front.
+void WindowStage::TakeRequest(const QString& file) {
+  if (m_isDialogShown && !m_waitingFile) {
+    m_dialog->TakeStartRequest(file);
+    return;
+  }
+  if (!m_waitingFile || !file.isEmpty()) m_waitingFile = file;
+  QWidget* const box = QApplication::activeModalWidget();
+  if (box != nullptr && !m_isSplashUp) BringToFront(*box);
 }
 
 void WindowStage::AskRunningProgram() {
@@ -45,6 +61,7 @@ void WindowStage::AskRunningProgram() {
 void WindowStage::ShowSplash() {
   CSplashPage splash;
   QTimer::singleShot(0, &splash, [this] { PrepareUnderSplash(); });
+  const QScopedValueRollback up(m_isSplashUp, true);
   splash.exec();
 }
 
@@ -85,9 +102,12 @@ void WindowStage::ShowMainDialog() {
   const bool isBeside = m_program.state.open.Contains(quarn::Window::TerminalScreen);
   if (isBeside && !MayPlaceWindows() && !IsOnWayland()) WaitForKeyboard();
   m_dialog->show();
-  if (!IsDemo(m_arguments)) {
-    m_requests.emplace([this](const QString& file) { m_dialog->TakeStartRequest(file); });
-  }
+  m_isDialogShown = true;
+  // From the event loop, when the start is complete and the dialog ticks.
+  const auto handOn = [this] {
+    if (m_waitingFile) m_dialog->TakeStartRequest(*std::exchange(m_waitingFile, std::nullopt));
+  };
+  QMetaObject::invokeMethod(m_dialog.get(), handOn, Qt::QueuedConnection);
 }
 
 bool WindowStage::MayPlaceWindows() { return quarn::MayPlaceWindows(); }

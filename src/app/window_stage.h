@@ -29,13 +29,21 @@ class WindowStage final : public StartUpStage {
   void ShowMainDialog() override;
   bool MayPlaceWindows() override;
 
+  /// From now on no later start reaches this program.
+  void EndRequests() { m_requests.reset(); }
+
  private:
   void PrepareUnderSplash();
+  void TakeRequest(const QString& file);
 
   Program& m_program;
   const QStringList m_arguments;
-  std::unique_ptr<CQuarnDlg> m_dialog;      ///< from the splash on
-  std::optional<StartRequests> m_requests;  ///< while the dialog is shown
+  std::unique_ptr<CQuarnDlg> m_dialog;  ///< from the splash on
+  bool m_isSplashUp = false;
+  bool m_isDialogShown = false;
+  /// The file of the last request that named one; empty if none did. nullopt: nothing waits for the dialog.
+  std::optional<QString> m_waitingFile;
+  std::optional<StartRequests> m_requests;  ///< from the lock on
 };
 
 }  // namespace quarn

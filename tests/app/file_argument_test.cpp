@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "app/platform.h"
+#include "app/start_options.h"
 #include "identity.h"
 
 namespace quarn {
@@ -86,6 +87,26 @@ TEST(WrongOption, IsNoValueOfAnOptionThatTakesOne) {
   }
   for (const char* name : {"dograb", "nograb", "reverse", "widgetcount"}) {
     EXPECT_EQ(WrongOption({u"quarn"_s, QLatin1Char('-') + QLatin1String(name), wrong}), wrong) << name;
+  }
+}
+
+TEST(IsAnsweredAtOnce, IsWhatNeedsNoWindow) {
+  for (const Words& words : {Words{u"quarn", u"--help"},
+                             {u"quarn", u"a.qrn", u"--version"},
+                             {u"quarn", u"--demo", u"--help"},
+                             {u"quarn", u"-h"},
+                             {u"quarn", u"--demo", u"--foo"},
+                             {u"quarn", u"-style", u"fusion", u"--foo"}}) {
+    EXPECT_TRUE(IsAnsweredAtOnce(words)) << QStringView(words.back()).toLatin1().constData();
+  }
+  for (const Words& words : {Words{u"quarn"},
+                             {},
+                             {u"quarn", u"a.qrn"},
+                             {u"quarn", u"--demo"},
+                             {u"quarn", u"-style", u"fusion"},
+                             {u"quarn", u"-platform=x", u"--demo"},
+                             {u"quarn", u"C:\\my", u"-", u"files\\a.qrn"}}) {
+    EXPECT_FALSE(IsAnsweredAtOnce(words)) << (words.empty() ? 0 : words.size());
   }
 }
 

@@ -1,3 +1,5 @@
+#include <new>
+
 #include "app/port_monitor_fixture.h"
 
 namespace quarn::test {
@@ -109,6 +111,18 @@ TEST_F(PortMonitorTest, KeepsTheListWhenItCannotBeHad) {
   monitor.Tick();
   EXPECT_EQ(program.connection.portNames.size(), 2);
   EXPECT_EQ(Happened(), QStringList());
+}
+
+TEST_F(PortMonitorTest, LooksAgainAfterAMessageThatCouldNotBeShown) {
+  StartMonitor();
+  ports.present = Adapters(1);
+  whileShown = [] { throw std::bad_alloc(); };
+  EXPECT_THROW(monitor.Tick(), std::bad_alloc);
+  whileShown = {};
+  Happened();
+  ports.present = Adapters(2);
+  monitor.Tick();
+  EXPECT_EQ(Happened(), QStringList{kUpdated});
 }
 
 TEST_F(PortMonitorTest, TellsOfTheConnectedPortsDisappearanceOnce) {

@@ -1,44 +1,7 @@
-#include "app/start_requests.h"
+#include "app/start_requests_fixture.h"
 
-#include <gtest/gtest.h>
-
-#include <QStringList>
-#include <QTemporaryDir>
-#include <optional>
-#include <thread>
-
-#include "support/waits.h"
-
-namespace quarn {
+namespace quarn::test {
 namespace {
-
-using test::WaitUntil;
-
-class StartRequestsTest : public testing::Test {
- protected:
-  // A session of its own: where the system has a folder for it, requests go through there.
-  StartRequestsTest() { qputenv("XDG_RUNTIME_DIR", m_session.path().toLocal8Bit()); }
-  ~StartRequestsTest() override {
-    m_former.isNull() ? qunsetenv("XDG_RUNTIME_DIR") : qputenv("XDG_RUNTIME_DIR", m_former);
-  }
-  void Listen() {
-    m_requests.emplace([this](const QString& file) { m_asked.append(file); });
-  }
-  /// As another process does: the thread that receives is free meanwhile.
-  bool Ask(const QString& file) {
-    const qsizetype before = m_asked.size();
-    std::optional<bool> answered;
-    std::thread other([&] { answered = AskRunningProgram(file); });
-    WaitUntil([&] { return m_asked.size() > before; });
-    other.join();
-    return answered.value_or(false);
-  }
-
-  const QByteArray m_former = qgetenv("XDG_RUNTIME_DIR");
-  QTemporaryDir m_session;
-  std::optional<StartRequests> m_requests;
-  QStringList m_asked;
-};
 
 TEST_F(StartRequestsTest, ReachTheProgramThatRuns) {
   Listen();
@@ -63,4 +26,4 @@ TEST_F(StartRequestsTest, TheNextProgramTakesOver) {
 }
 
 }  // namespace
-}  // namespace quarn
+}  // namespace quarn::test

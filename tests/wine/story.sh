@@ -142,6 +142,24 @@ second_instance() {
   expect "the first one is connected to COM3" main_title_is COM3
 }
 
+# A file that is handed over before the main dialog is there.
+early_second_start() {
+  headline "A second start while a box of the first one waits"
+  settings_with "$PLACE/none.ini" COM_PORT=NONE MEM0=other
+  cp "$PLACE/none.ini" "$(settings_folder)/Quarn.ini"
+  start_program "$1"
+  wait_until 60 "the box of the start" find_window '^Quarn : Information$'
+  start third wine "$1" 'C:\handed over.qrn'
+  acknowledge Quarn
+  wait "$last" || true
+  acknowledge 'Quarn : Information'
+  wait_until 20 "the first one to open the file of the second" settings_say MEM0=id
+  wait_until 20 "the title to name COM3" main_title_is COM3
+  main=$window
+  wait_until 20 "the box that it is connected to go" window_is_gone '^Quarn : Infomation$'
+  end_program
+}
+
 unplug_and_plug() {
   headline "Unplugging and plugging in"
   unplug_port com3
@@ -169,6 +187,13 @@ end_program() {
   expect "it ended well" test "$status" -eq 0
 }
 
+# is_activated WINDOW: asks for it. While a file dialog goes, a window may miss that.
+is_activated() {
+  xdotool windowactivate "$1"
+  sleep 0.3
+  window_is_active "$1"
+}
+
 # The program's own instrument, with no port of the system.
 demo() {
   headline "The demo"
@@ -182,8 +207,15 @@ demo() {
   open_terminal_menu
   press_keys Down Down Return
   wait_until 10 "the log on the clipboard" clipboard_is '[meas?]|+1.2345E+00 V|'
+  menu 20 o
+  wait_until 20 "the file dialog" find_window '^Open Quarn Configuration File$'
+  activate "$window"
+  press_keys Escape
+  wait_until 20 "it to go" window_is_gone '^Open Quarn Configuration File$'
+  wait_until 20 "the main dialog to be active again" is_activated "$main"
   end_program
   expect "the settings of the person are as they were" cmp -s "$PLACE/before.ini" "$(settings_folder)/Quarn.ini"
+  expect "the file dialog has noted nothing in the registry" registry_lacks 'HKCU\Software\QtProject'
 }
 
 # take_picture PROGRAM: for people. With frames by Wine, in the manner of Windows, and in Windows' font: both only here,
@@ -253,7 +285,7 @@ wire_has_more_than() { (($(wc -c <"$LINES/port-$1.received") > $2)); }
 
 # on_console FOLDER LINE: what the system's command interpreter shows of the line on a terminal, begun in the folder.
 on_console() {
-  (cd "$1" && script --quiet --command "'$WINE' cmd /c '$2'" /dev/null </dev/null >"$PLACE/console.screen" 2>&1) || true
+  (cd "$1" && timeout 60 script --quiet --command "'$WINE' cmd /c '$2'" /dev/null </dev/null >"$PLACE/console.screen" 2>&1) || true
   # Without what places the cursor, and without blanks at the ends.
   sed 's/\x1b\[[0-9;?]*[A-Za-z]//g; s/[ \r]*$//' "$PLACE/console.screen" | grep .
 }
@@ -267,6 +299,10 @@ answers() {
   answer=$(wine "$1" --version | tr -d '\r')
   expect "the version is told" test "$answer" == "$(identity windows NAME)  (Ver. $(identity windows VERSION)), build $(identity windows BUILD_DATE)"
   expect "the next prompt comes after it" console_says "$(dirname "$1")" 'quarn --version & echo next' "$answer"$'\nnext'
+  # More than a pipe holds.
+  printf -v long '%6000s' ''
+  answer=$(on_console "$(dirname "$1")" "quarn --${long// /x} & echo next")
+  expect "a long answer on standard error holds nobody up" test "${answer##*$'\n'}" == next
   answer=$(wine "$1" --help | tr -d '\r')
   expect "the usage is told" test "${answer#*usage: quarn}" != "$answer"
   expect "and that quarn.exe does not read a file's name" test "${answer#*not quarn.exe}" != "$answer"
@@ -279,6 +315,25 @@ answers() {
   wine "${1%quarn.exe}quarn-send.exe" --port COM3 --settings "Z:$PLACE/lf.qrn" --raw id >"$PLACE/raw"
   printf 'SIM-1 bench instrument, firmware 1.00\n' >"$PLACE/expected"
   expect "quarn-send --raw leaves line feeds alone" cmp "$PLACE/raw" "$PLACE/expected"
+}
+
+# A window is no answer: the prompt does not wait for it. The console stays, because its end would end the program.
+prompt_beside_window() {
+  local console
+  headline "The prompt beside a window"
+  mkfifo "$PLACE/no-keys"
+  # shellcheck disable=SC2016  # for the inner shell
+  start prompt bash -c 'cd "$1" && exec script --quiet --flush --command "$2" /dev/null <>"$3"' bash \
+    "$(dirname "$1")" "'$WINE' cmd /c 'quarn --demo & echo next & pause'" "$PLACE/no-keys"
+  console=$last
+  wait_until 60 "the main dialog" main_title_is COM7
+  main=$window
+  wait_until 20 "the next prompt while the demo runs" grep -q next "$PLACE/prompt.log"
+  expect "the demo runs still" main_title_is COM7
+  wait_until 20 "the main dialog to be the active one" is_activated "$main"
+  press_keys alt+F4
+  wait_until 30 "the main dialog to go" window_is_gone '^Quarn   \('
+  stop "$console"
 }
 
 # quarn-send as scripts use it, with the batch file of the guide. Wine has no PowerShell.
@@ -316,8 +371,10 @@ play_story() {
   second_instance "$1"
   unplug_and_plug
   end_program
+  early_second_start "$1"
   demo "$1"
   answers "$1"
+  prompt_beside_window "$1"
   scripts_of_the_guide "$1"
   silence "$1"
   unplug_port com3

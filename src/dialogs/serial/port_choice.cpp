@@ -11,26 +11,10 @@ namespace {
 
 constexpr int kBeforeConnectMs = 500;  // the title is seen, and the device comes to rest
 
-void TellConnected(const DialogContext& context, const QString& port) {
+template <class Message>
+void Tell(const DialogContext& context, const Message& message) {
   const WaitInterrupted box(context.environment.waitIndicator);
-  context.Messages().ShowInformationMessage(QStringLiteral(": Information"), QString(),
-                                            QStringLiteral("Successfully connected to  \"%1\"").arg(port),
-                                            QString());
-}
-
-void TellFailed(const DialogContext& context, const QString& port, FailureSentence sentence) {
-  const WaitInterrupted box(context.environment.waitIndicator);
-  QString text = QStringLiteral("Failed to connect to \"%1\"").arg(port);
-  if (sentence == FailureSentence::WithFullStop) text += QLatin1Char('.');
-  context.Messages().ShowErrorMessage(QStringLiteral(": Error"), QString(), text,
-                                      QStringLiteral("Check \"Detailed COM Port List\"."));
-}
-
-/// Makes this the current port, also for the next start.
-void TakeAsCurrent(const DialogContext& context, const QString& port) {
-  context.settings.comPort = port;
-  context.state.currentPortName = port;
-  StoreValues(context.workingSettingsFile, {{keys::kComPort, port}}, context.Messages());
+  message();
 }
 
 bool OpenChosen(const DialogContext& context, const QString& port) {
@@ -65,15 +49,21 @@ bool ConnectToChosenPort(const DialogContext& context, const QString& port, Fail
   if (opened) {
     context.connection.connected.Update(PortChange::Opened);
     titleStatus(QString());
-    TellConnected(context, port);
+    Tell(context, [&] { TellConnectedTo(context.Messages(), port); });
     TakeAsCurrent(context, port);
   } else {
-    TellFailed(context, port, sentence);
+    Tell(context, [&] { TellFailedToConnect(context.Messages(), port, sentence); });
     ReopenFormer(context, former);
   }
   titleStatus(QString());
   RaiseConnectionRefreshes(context.state.requests);
   return opened;
+}
+
+void TakeAsCurrent(const DialogContext& context, const QString& port) {
+  context.settings.comPort = port;
+  context.state.currentPortName = port;
+  StoreValues(context.workingSettingsFile, {{keys::kComPort, port}}, context.Messages());
 }
 
 void ChooseNoPort(const DialogContext& context) {

@@ -8,6 +8,7 @@
 #include <span>
 #include <utility>
 
+#include "dialogs/serial/port_messages.h"
 #include "settings/setting_values.h"
 #include "settings/settings_load_save.h"
 #include "ui/controls.h"
@@ -145,10 +146,7 @@ bool CPortSettings::Reconnect(const SettingsRecord& settings) {
 void CPortSettings::Set() {
   PutLineValues(m_working, Context().settings);
   if (Context().connection.connected.IsSet() && !Reconnect(Context().settings)) {
-    Context().Messages().ShowErrorMessage(
-        QStringLiteral(": Error"), QString(),
-        QStringLiteral("  \"%1\" is not available.").arg(Context().state.currentPortName),
-        QStringLiteral("Check \"Detailed COM Port List\"."));
+    TellPortNotAvailable(Context().Messages(), Context().state.currentPortName);
   }
   Store();
 }

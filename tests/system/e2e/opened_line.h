@@ -7,7 +7,9 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+#include <QByteArray>
 #include <QFile>
+#include <type_traits>
 
 namespace quarn::test {
 
@@ -26,6 +28,18 @@ class OpenedLine {
   [[nodiscard]] bool Stop() const { return ioctl(m_descriptor, TCXONC, TCOOFF) == 0; }
   [[nodiscard]] unsigned int Speed() const { return Settings().c_ospeed; }
   [[nodiscard]] bool HasTwoStopBits() const { return (Settings().c_cflag & CSTOPB) != 0; }
+  /// `speed`: a constant of the system's, such as B4800.
+  [[nodiscard]] bool SetSpeed(unsigned int speed) const {
+    termios2 settings = Settings();
+    settings.c_cflag = (settings.c_cflag & ~static_cast<unsigned int>(CBAUD)) | speed;
+    return ioctl(m_descriptor, TCSETS2, &settings) == 0;
+  }
+  /// All its settings, to be compared with others.
+  [[nodiscard]] QByteArray State() const {
+    const termios2 settings = Settings();
+    static_assert(std::has_unique_object_representations_v<termios2>);
+    return {reinterpret_cast<const char*>(&settings), sizeof settings};
+  }
 
  private:
   [[nodiscard]] termios2 Settings() const {
