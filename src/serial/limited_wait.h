@@ -1,17 +1,31 @@
 #pragma once
 
 #include <chrono>
-#include <functional>
+#include <exception>
+#include <future>
+#include <memory>
 #include <optional>
+#include <thread>
 
 #include "serial/serial_line.h"
 
 namespace quarn {
 
-/// Does the work in a thread of its own, and waits for it at most so long. Nothing is returned if it takes
-/// longer: the thread then goes on alone, so the work must own all that it uses. Where the system has no
-/// thread or memory for this, the work is done here and may take its time.
-std::optional<LineResult> DoWithin(std::chrono::milliseconds longest,
-                                   const std::function<LineResult()>& work);
+/// Does the work, which returns a LineResult, in a thread of its own, and waits for it at most so long.
+/// Nothing is returned if it takes longer: the thread then goes on alone, so the work must own all that it
+/// uses. Where the system has no thread or memory for this, the work is done here and may take its time.
+template <class Work>
+std::optional<LineResult> DoWithin(std::chrono::milliseconds longest, const Work& work) {
+  std::future<LineResult> result;
+  try {
+    std::packaged_task<LineResult()> task(work);
+    result = task.get_future();
+    std::thread(std::move(task)).detach();
+  } catch (const std::exception&) {
+    return work();
+  }
+  if (result.wait_for(longest) != std::future_status::ready) return std::nullopt;
+  return result.get();
+}
 
 }  // namespace quarn

@@ -14,7 +14,9 @@
 #include <array>
 #include <atomic>
 #include <cerrno>
+#include <memory>
 #include <mutex>
+#include <new>
 #include <optional>
 #include <thread>
 #include <utility>
@@ -245,9 +247,19 @@ class LinuxSerialLine final : public SerialLine {
     if (m_hold.kind == TerminalKind::PseudoTerminal) return GiveBackAndClose(m_hold, m_node);
     LetBytesGoOut();
     // A driver whose adapter does not answer may wait for seconds, and no signal ends that.
-    const auto hold = std::make_shared<LineHold>(std::move(m_hold));
+    std::shared_ptr<LineHold> hold;
+    try {
+      hold = std::make_shared<LineHold>(std::move(m_hold));
+    } catch (const std::bad_alloc&) {
+      return GiveBackAndClose(m_hold, m_node);
+    }
+    m_hold.wake = std::move(hold->wake);  // other threads may still use it
     const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - LineClock::now());
-    return DoWithin(left, [hold, node = m_node] { return GiveBackAndClose(*hold, node); })
+    const auto close = [hold, node = m_node] {
+      LineHold whole = std::move(*hold);  // all of it is released when this returns
+      return GiveBackAndClose(whole, node);
+    };
+    return DoWithin(left, close)
         .value_or(
             LineResult({LineError::Other, m_node + QStringLiteral(": the driver has not closed it yet")}));
   }

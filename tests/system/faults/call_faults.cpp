@@ -32,7 +32,8 @@ CallFaults::~CallFaults() { g_faults = nullptr; }
 
 CallFaults* CallFaults::Current() {
   CallFaults* faults = g_faults;
-  const bool looks = faults != nullptr && faults->m_thread == std::this_thread::get_id();
+  const bool looks =
+      faults != nullptr && (faults->m_plan.everyThread || faults->m_thread == std::this_thread::get_id());
   return looks && !faults->m_eventUnderWay ? faults : nullptr;
 }
 

@@ -12,12 +12,13 @@ class DiskJournal;
 
 /// Which system call fails, and how the others behave.
 struct FaultPlan {
-  int failing = 0;          ///< the number of the call that fails, counted from 1; 0: none
-  int error = 0;            ///< its error
-  int interruptions = 0;    ///< how often each call that can wait is interrupted before it succeeds
-  bool byteByByte = false;  ///< a read or write moves a single byte
-  bool byHalves = false;    ///< a write moves half of its bytes
-  int pauseMs = 0;          ///< how long each write and each flush takes
+  int failing = 0;           ///< the number of the call that fails, counted from 1; 0: none
+  int error = 0;             ///< its error
+  int interruptions = 0;     ///< how often each call that can wait is interrupted before it succeeds
+  bool byteByByte = false;   ///< a read or write moves a single byte
+  bool byHalves = false;     ///< a write moves half of its bytes
+  int pauseMs = 0;           ///< how long each write and each flush takes
+  bool everyThread = false;  ///< also the calls of threads that the operation waits for
   /// Called right before the call `failing`, which is then made normally.
   std::function<void()> event;
 };

@@ -100,6 +100,9 @@ class FaultRun {
     Play(std::array{0}, plan);
   }
 
+  /// For an operation that leaves a part of its work to another thread, and waits for it.
+  void CountEveryThread() { m_everyThread = true; }
+
  private:
   /// Runs the operation once with a plan in which no call fails finally.
   void PlayThrough(const FaultPlan& plan) {
@@ -141,7 +144,8 @@ class FaultRun {
     return contents;
   }
 
-  bool Strikes(const FaultPlan& plan, std::map<std::string, int>& seen) {
+  bool Strikes(FaultPlan plan, std::map<std::string, int>& seen) {
+    plan.everyThread = m_everyThread;
     m_arrange();
     Fault fault;
     {
@@ -158,6 +162,7 @@ class FaultRun {
     return fault.struck;
   }
 
+  bool m_everyThread = false;
   std::string m_name;
   std::string m_place;
   Arrange m_arrange;

@@ -109,6 +109,7 @@ class LineFaults : public testing::TestWithParam<TerminalKind> {
     };
     // These faults concern only the line.
     FaultRun run(name + what, m_far.NodePath(), arrange, act, checkAll);
+    run.CountEveryThread();
     run.Play(kLineErrors);
     run.PlayHeldUp();
     // Most of these allocate nothing.
