@@ -144,10 +144,10 @@ QString AskSaveFileAndAddSuffix(const FileQuestion& question,
   FileQuestion next = question;
   next.suffix.clear();
   for (;;) {
-    const QString typed = dialog(next);
+    QString typed = dialog(next);
     const QFileInfo file(typed);
     if (typed.isEmpty() || file.fileName().contains(u'.')) return typed;
-    const QString path = typed + u'.' + question.suffix;
+    QString path = typed + u'.' + question.suffix;
     if (!QFileInfo::exists(path)) return path;
     const QString name = Printable(QFileInfo(path).fileName());
     if (messages.AskYesNo(QStringLiteral(": Confirmation"), QString(),
