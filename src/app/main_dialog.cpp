@@ -159,8 +159,14 @@ void CQuarnDlg::OnTick(int ticks) {
   if (m_waiting.empty() || !IsFree()) return;
   // After this tick, as it may show a box.
   QMetaObject::invokeMethod(
-      this, [this, next = std::move(m_waiting.front())] { RunWhenFree(next); }, Qt::QueuedConnection);
-  m_waiting.pop_front();
+      this,
+      [this] {
+        if (m_waiting.empty() || !IsFree()) return;
+        const auto next = std::move(m_waiting.front());
+        m_waiting.pop_front();
+        next();
+      },
+      Qt::QueuedConnection);
 }
 
 void CQuarnDlg::RunWhenFree(std::function<void()> command) {

@@ -1,5 +1,6 @@
 #include "demo/demo_line.h"
 
+#include <QScopeGuard>
 #include <algorithm>
 #include <cstring>
 #include <utility>
@@ -73,10 +74,11 @@ LineResult DemoLine::ClearError() {
 IoResult DemoLine::Read(char* buffer, std::size_t size) {
   std::unique_lock guard(m_mutex);
   m_reading = true;
-  IoResult result = ReadUntilEnd(guard, buffer, size);
-  m_reading = false;
-  m_changed.notify_all();
-  return result;
+  const auto over = qScopeGuard([this] {
+    m_reading = false;
+    m_changed.notify_all();
+  });
+  return ReadUntilEnd(guard, buffer, size);
 }
 
 IoResult DemoLine::ReadUntilEnd(std::unique_lock<std::mutex>& guard, char* buffer, std::size_t size) {

@@ -17,14 +17,20 @@ namespace quarn {
 template <class Work>
 std::optional<LineResult> DoWithin(std::chrono::milliseconds longest, const Work& work) {
   std::future<LineResult> result;
+  std::thread thread;
   try {
     std::packaged_task<LineResult()> task(work);
     result = task.get_future();
-    std::thread(std::move(task)).detach();
+    thread = std::thread(std::move(task));
   } catch (const std::exception&) {
     return work();
   }
-  if (result.wait_for(longest) != std::future_status::ready) return std::nullopt;
+  // Not detached before: on Windows such a thread was seen to vanish before it had run.
+  if (result.wait_for(longest) != std::future_status::ready) {
+    thread.detach();
+    return std::nullopt;
+  }
+  thread.join();
   return result.get();
 }
 

@@ -111,8 +111,8 @@ class SerialLine {
   virtual IoResult Read(char* buffer, std::size_t size) = 0;
   virtual IoResult Write(const char* data, std::size_t size) = 0;
   /// Ends a Read or Write of another thread, waits until it has ended, and refuses every later one with
-  /// LineError::Cancelled until AllowIo is called. A driver that does not let go is waited for less than a
-  /// second.
+  /// LineError::Cancelled until AllowIo is called. On Windows, where a driver need not let go, it waits less
+  /// than a second.
   virtual void CancelIo() = 0;
   virtual void AllowIo() = 0;
   /// Restores the driver's former state and closes. Fails if the system reports a failure; the line is

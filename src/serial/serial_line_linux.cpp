@@ -59,6 +59,8 @@ IoResult EndedBy(LineFailure failure, std::size_t bytes) {
 constexpr std::chrono::milliseconds kLongestDrain{700};
 /// The longest time that it takes, with what the driver does after that.
 constexpr std::chrono::milliseconds kLongestClose{950};
+/// It waits so long for the driver even if another thread's call has taken all that time.
+constexpr std::chrono::milliseconds kShortestWaitForDriver{100};
 /// The longest time that it lets the driver wait in one call.
 constexpr std::chrono::milliseconds kLongestWaitInDriver{100};
 /// The longest character: a start bit, eight data bits, parity and two stop bits.
@@ -81,6 +83,18 @@ LineFailure FailureOfLine(const QString& node, int error) {
   // The device existed when it was opened. A driver whose adapter is gone also gives this error.
   if (failure.kind == LineError::NotFound) failure.kind = LineError::Disconnected;
   return failure;
+}
+
+/// Bytes that are not sent in time are dropped: the driver would wait for them at the close. `sentBy`: when
+/// the chip has sent all bytes that were written.
+void LetBytesGoOut(int line, const LineTimeouts& timeouts, LineClock::time_point sentBy) {
+  const auto now = LineClock::now();
+  const auto longest = now + kLongestDrain;
+  const auto deadline = WriteDeadline(timeouts, QueuedOutput(line), now).value_or(longest);
+  // The last bytes may still be in the chip's buffer. They must be sent at their own rate.
+  if (DrainOutput(line, std::min(deadline, longest))) {
+    std::this_thread::sleep_until(std::min(sentBy, longest));
+  }
 }
 
 /// Restores what opening changed. All of these calls fail if the device is gone; then there is nothing to
@@ -219,7 +233,7 @@ class LinuxSerialLine final : public SerialLine {
     {
       const std::lock_guard guard(m_wakeMutex);
       m_cancelled = true;
-      Wake();
+      if (!m_closing) Wake();
     }
     // AllowIo clears the wake-up: until then it must have been seen.
     const std::lock_guard ended(m_ioMutex);
@@ -245,23 +259,23 @@ class LinuxSerialLine final : public SerialLine {
     const std::scoped_lock both(m_ioMutex, m_lineMutex);
     if (!m_hold.line.IsValid()) return {};
     if (m_hold.kind == TerminalKind::PseudoTerminal) return GiveBackAndClose(m_hold, m_node);
-    LetBytesGoOut();
     // A driver whose adapter does not answer may wait for seconds, and no signal ends that.
     std::shared_ptr<LineHold> hold;
     try {
       hold = std::make_shared<LineHold>(std::move(m_hold));
     } catch (const std::bad_alloc&) {
+      LetBytesGoOut(m_hold.line.Get(), Timeouts(), m_sentBy);
       return GiveBackAndClose(m_hold, m_node);
     }
     m_hold.wake = std::move(hold->wake);  // other threads may still use it
-    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - LineClock::now());
-    const auto close = [hold, node = m_node] {
-      LineHold whole = std::move(*hold);  // all of it is released when this returns
+    const auto close = [hold, node = m_node, timeouts = Timeouts(), sentBy = m_sentBy] {
+      LineHold whole = std::move(*hold);
+      LetBytesGoOut(whole.line.Get(), timeouts, sentBy);
       return GiveBackAndClose(whole, node);
     };
-    return DoWithin(left, close)
-        .value_or(
-            LineResult({LineError::Other, m_node + QStringLiteral(": the driver has not closed it yet")}));
+    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - LineClock::now());
+    if (const auto closed = DoWithin(std::max(left, kShortestWaitForDriver), close)) return *closed;
+    return LineResult({LineError::Other, m_node + QStringLiteral(": the driver has not closed it yet")});
   }
 
   bool IsLost() override {
@@ -283,18 +297,6 @@ class LinuxSerialLine final : public SerialLine {
     // This fails only if the counter is full, and then the reader is awake already.
     [[maybe_unused]] const ssize_t written =
         RetryOnEintr([&] { return ::write(m_hold.wake.Get(), &one, sizeof one); });
-  }
-
-  /// Bytes that are not sent in time are dropped: the driver would wait for them at the close.
-  void LetBytesGoOut() {
-    const int line = m_hold.line.Get();
-    const auto now = LineClock::now();
-    const auto longest = now + kLongestDrain;
-    const auto deadline = WriteDeadline(Timeouts(), QueuedOutput(line), now).value_or(longest);
-    // The last bytes may still be in the chip's buffer. They must be sent at their own rate.
-    if (DrainOutput(line, std::min(deadline, longest))) {
-      std::this_thread::sleep_until(std::min(m_sentBy, longest));
-    }
   }
 
   /// The longest time that a UART needs, if nothing stops it.

@@ -334,9 +334,8 @@ LineResult Win32SerialLine::Close() {
     return handle->Close() ? LineResult() : LineResult(FailureOnOpenLine(GetLastError(), device));
   };
   // A driver whose adapter does not answer may wait for seconds.
-  return DoWithin(kLongestClose, close)
-      .value_or(
-          LineResult({LineError::Other, m_device + QStringLiteral(": the driver has not closed it yet")}));
+  if (const auto closed = DoWithin(kLongestClose, close)) return *closed;
+  return LineResult({LineError::Other, m_device + QStringLiteral(": the driver has not closed it yet")});
 }
 
 OpenResult Win32LineOpener::Open(const QString& devicePath) {

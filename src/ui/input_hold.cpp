@@ -139,7 +139,13 @@ std::function<std::unique_ptr<QEvent>()> MakerOf(const QEvent& event) {
     default:
       break;
   }
-  return [kept = std::shared_ptr<QEvent>(event.clone())] { return std::unique_ptr<QEvent>(kept->clone()); };
+  const std::shared_ptr<QEvent> kept(event.clone());
+  if (!event.isPointerEvent()) return [kept] { return std::unique_ptr<QEvent>(kept->clone()); };
+  // Of a touch screen: without it they mean nothing.
+  return [kept, device = QPointer<const QPointingDevice>(
+                    static_cast<const QPointerEvent&>(event).pointingDevice())] {
+    return std::unique_ptr<QEvent>(device.isNull() ? nullptr : kept->clone());
+  };
 }
 
 }  // namespace
@@ -215,7 +221,8 @@ void InputHold::HandOn() {
     if (held.receiver.isNull()) continue;
     // Its effect may delete the window to which this hold belongs.
     const QPointer<InputHold> self(this);
-    QCoreApplication::sendEvent(held.receiver, held.make().get());
+    if (const std::unique_ptr<QEvent> event = held.make())
+      QCoreApplication::sendEvent(held.receiver, event.get());
     if (self.isNull()) return;
   }
   m_handingOn = false;

@@ -53,8 +53,8 @@ class InputHold : public QObject {
     QPointer<QObject> receiver;
     int type;
     int code;  ///< the key or the button; 0 when there is none
-    /// Creates the event again. A pointer event must not be copied and kept: copies share their position with
-    /// the device, whose next move changes all of them.
+    /// Creates the event again; none if its device is gone. A pointer event must not be copied and kept:
+    /// copies share their position with the device, whose next move changes all of them.
     std::function<std::unique_ptr<QEvent>()> make;
   };
   void Keep(QObject* receiver, const QEvent& event);

@@ -9,6 +9,7 @@
 #include <QTimer>
 
 #include "app/file_chooser.h"
+#include "support/recorded_messages.h"
 
 namespace quarn::test {
 namespace {
@@ -36,7 +37,8 @@ QStringList Notes() {
 void AskAndCancel() {
   QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
   const QTemporaryDir folder;
-  FileChooserDialog chooser(nullptr);
+  RecordedMessages messages;
+  FileChooserDialog chooser(nullptr, messages);
   QTimer timer;
   bool wasShown = false;
   QObject::connect(&timer, &QTimer::timeout, &timer, [&wasShown] {

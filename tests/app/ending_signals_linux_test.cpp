@@ -13,6 +13,11 @@ namespace {
 
 void TellClosed() { std::fputs("closed", stderr); }
 
+/// Whoever started this process may have had them ignored.
+void HandleAsUsual() {
+  for (const int each : {SIGINT, SIGTERM, SIGHUP}) ::signal(each, SIG_DFL);
+}
+
 /// In a process of its own.
 [[noreturn]] void RunWith(const EndingSignals& /*signals*/) {
   QEventLoop().exec();
@@ -23,6 +28,7 @@ TEST(EndingSignalsDeathTest, TheFirstOneClosesAndEndsTheProgram) {
   for (const int each : {SIGINT, SIGTERM, SIGHUP}) {
     EXPECT_EXIT(
         {
+          HandleAsUsual();
           const EndingSignals signals(TellClosed);
           ::raise(each);
           RunWith(signals);
@@ -34,6 +40,7 @@ TEST(EndingSignalsDeathTest, TheFirstOneClosesAndEndsTheProgram) {
 TEST(EndingSignalsDeathTest, TheSecondOneWaitsForNothing) {
   EXPECT_EXIT(
       {
+        HandleAsUsual();
         const EndingSignals signals([] {
           ::raise(SIGTERM);
           std::exit(EXIT_FAILURE);

@@ -161,15 +161,15 @@ void FakeUart::Closing(int descriptor) {
     m_line = -1;
     m_calls.emplace_back("close");
   }
-  if (stuckUntil.valid()) {
-    stuckUntil.wait();
-    const std::lock_guard guard(m_mutex);
-    m_calls.emplace_back("closed");
-  }
   if (holdsClose && ::nanosleep(&kDriversPatience, nullptr) != 0) {
     const std::lock_guard guard(m_mutex);
     m_calls.emplace_back("interrupted");
   }
+  if (!stuckUntil.valid()) return;
+  stuckUntil.wait();
+  // The last look at this object: the test may end now.
+  const std::lock_guard guard(m_mutex);
+  m_calls.emplace_back("closed");
 }
 
 }  // namespace quarn

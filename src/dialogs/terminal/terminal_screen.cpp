@@ -120,7 +120,10 @@ void CTerminalScreen::CreateMenu() {
   };
   m_menu->addAction(QStringLiteral("Copy Log - Page"), this, [copy] { copy(&OperationLog::CopyLogPage); });
   m_menu->addAction(QStringLiteral("Copy Log - All "), this, [copy] { copy(&OperationLog::CopyLogAll); });
-  m_menu->addAction(QStringLiteral("Clear All Log Entries "), this, [this] { ClearAllLogEntries(); });
+  m_menu->addAction(QStringLiteral("Clear All Log Entries "), this, [this] {
+    // Its question would get no key while a transaction waits, and the answer comes into the log then.
+    if (!InputHold::IsAnyHolding()) ClearAllLogEntries();
+  });
   m_menu->addSeparator();
   const auto open = [this](const QString& text, const std::function<void()>& dialog) {
     m_menu->addAction(text, this, [&dialog] { dialog(); })->setEnabled(dialog != nullptr);
