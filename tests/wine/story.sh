@@ -70,7 +70,7 @@ first_start() {
   plug_port com3 "Bench adapter"
   start_program "$1"
   acknowledge 'Quarn : Warning'
-  expect "the settings are made" test -s "$(settings_folder)/Quarn.ini"
+  wait_until 30 "the settings to be made" test -s "$(settings_folder)/Quarn.ini"
   acknowledge 'Quarn : Information'
   wait_until 30 "the main dialog" main_title_is NONE
   main=$window
