@@ -1,11 +1,13 @@
 #pragma once
 
 #include <chrono>
+#include <condition_variable>
 #include <exception>
-#include <future>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <thread>
+#include <utility>
 
 #include "serial/serial_line.h"
 
@@ -16,22 +18,39 @@ namespace quarn {
 /// uses. Where the system has no thread or memory for this, the work is done here and may take its time.
 template <class Work>
 std::optional<LineResult> DoWithin(std::chrono::milliseconds longest, const Work& work) {
-  std::future<LineResult> result;
+  struct Outcome {
+    std::mutex mutex;
+    std::condition_variable known;
+    std::optional<LineResult> result;
+  };
+  std::shared_ptr<Outcome> outcome;
   std::thread thread;
   try {
-    std::packaged_task<LineResult()> task(work);
-    result = task.get_future();
-    thread = std::thread(std::move(task));
+    outcome = std::make_shared<Outcome>();
+    thread = std::thread([outcome, work] {
+      LineResult result;
+      try {
+        result = work();
+      } catch (const std::exception&) {
+        result = LineFailure{LineError::Other};
+      }
+      const std::lock_guard guard(outcome->mutex);
+      outcome->result = std::move(result);
+      outcome->known.notify_all();
+    });
   } catch (const std::exception&) {
     return work();
   }
+  std::unique_lock guard(outcome->mutex);
+  const bool inTime = outcome->known.wait_for(guard, longest, [&] { return outcome->result.has_value(); });
+  guard.unlock();
   // Not detached before: on Windows such a thread was seen to vanish before it had run.
-  if (result.wait_for(longest) != std::future_status::ready) {
+  if (!inTime) {
     thread.detach();
     return std::nullopt;
   }
   thread.join();
-  return result.get();
+  return outcome->result;
 }
 
 }  // namespace quarn
