@@ -143,6 +143,8 @@ void CQuarnDlg::TakeStartRequest(const QString& file) {
 }
 
 int CQuarnDlg::QuietTicks() const {
+  // No tick comes meanwhile, and the transaction uses the line.
+  if (InputHold::IsAnyHolding()) return TickPlan::kUntilWoken;
   return m_requestedFile.isEmpty() && m_waiting.empty() &&
                  !m_program.state.requests.refresh.Contains(Window::MainDialog) && m_monitor.IsAtRest()
              ? TickPlan::kUntilWoken

@@ -119,7 +119,10 @@ LineResult GiveBackAndClose(LineHold& hold, const QString& node) {
 class LinuxSerialLine final : public SerialLine {
  public:
   LinuxSerialLine(QString node, LineHold hold)
-      : m_node(std::move(node)), m_hold(std::move(hold)), m_baudRate(m_hold.former.c_ospeed) {}
+      : m_node(std::move(node)),
+        m_nodePath(QFile::encodeName(m_node)),
+        m_hold(std::move(hold)),
+        m_baudRate(m_hold.former.c_ospeed) {}
   ~LinuxSerialLine() override { Close(); }
   LinuxSerialLine(const LinuxSerialLine&) = delete;
   LinuxSerialLine& operator=(const LinuxSerialLine&) = delete;
@@ -348,7 +351,7 @@ class LinuxSerialLine final : public SerialLine {
   /// Whether the device that was opened is no longer the one under its name.
   [[nodiscard]] bool HasLostItsNode() const {
     struct stat node {};
-    if (::stat(QFile::encodeName(m_node).constData(), &node) != 0) return errno == ENOENT;
+    if (::stat(m_nodePath.constData(), &node) != 0) return errno == ENOENT;
     return !S_ISCHR(node.st_mode) || node.st_rdev != m_hold.device;
   }
 
@@ -357,6 +360,7 @@ class LinuxSerialLine final : public SerialLine {
   }
 
   const QString m_node;
+  const QByteArray m_nodePath;  ///< the same, encoded: it is looked at often
   LineHold m_hold;
   std::atomic<std::uint32_t> m_baudRate;
   LineClock::time_point m_sentBy;  ///< when a UART has sent all written bytes; under m_ioMutex

@@ -8,8 +8,10 @@
 #include "serial/port_list.h"
 #include "settings/settings_table.h"
 #include "support/dialog_controls.h"
+#include "support/scripted_line.h"
 #include "support/waits.h"
 #include "support/window_places.h"
+#include "ui/input_hold.h"
 
 namespace quarn::test {
 namespace {
@@ -78,6 +80,39 @@ TEST_F(MainDialogLive, SleepsUntilThePortsChange) {
   EXPECT_TRUE(WaitUntil([&] { return program.connection.portNames.size() == 1; }));
   EXPECT_EQ(Happened(), QStringList{"transient/COM port list has been updated."});
   EXPECT_GE(dialog.Monitor().TickCount(), before + 5) << "those that were slept over count";
+}
+
+/// Counts how often somebody asks whether it is lost.
+class WatchedLine final : public ScriptedLine {
+ public:
+  using ScriptedLine::ScriptedLine;
+  int looks = 0;
+  bool IsLost() override {
+    ++looks;
+    return ScriptedLine::IsLost();
+  }
+};
+
+TEST_F(MainDialogLive, LeavesTheLineToATransaction) {
+  Configure(QStringLiteral("COM3"));
+  Journal calls;
+  const auto line = std::make_shared<WatchedLine>(calls);
+  program.connection.handle = PortHandle(line);
+  program.connection.connected.Update(PortChange::Opened);
+  ports.revision = 1;
+  ASSERT_TRUE(WaitUntil([this] { return dialog.Monitor().IsAtRest(); }));
+  const int atRest = line->looks;
+  ASSERT_TRUE(WaitUntil([&] { return line->looks > atRest; })) << "each sleep looks";
+  InputHold transaction;
+  transaction.Begin();
+  const int before = line->looks;
+  transaction.HoldFor(3 * PolledDialog::kTickMs);
+  EXPECT_EQ(line->looks, before);
+  line->lost = true;
+  transaction.End();
+  EXPECT_TRUE(WaitUntil([this] { return !journal.isEmpty(); }));
+  EXPECT_TRUE(Happened().first().contains(QStringLiteral("\"COM3\" is not available.")));
+  program.connection.handle = PortHandle();
 }
 
 TEST_F(MainDialogLive, TheListFollowsAChoiceByNumber) {
