@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """What the program costs as a whole, measured from outside; alone, or in turn with others.
 
-    bench/program_bench.py PROGRAM --settings FILE [--runs N] [--idle SECONDS] [--one-file PROGRAM] [--beside LIBRARY]
+    bench/program_bench.py PROGRAM --settings FILE [--runs N] [--idle SECONDS] [--one-file PROGRAM]
+                           [--beside LIBRARY | --sessions]
 
 scripts/bench starts this on a virtual display, with what it needs of scripts/lib/display.sh.
 
@@ -13,10 +14,13 @@ With a connected port (a pseudo-terminal) and the window in which commands are t
   switches  context switches a second in that time, all threads
   answer    CPU milliseconds for a command of two characters that is typed, sent and answered with 64 bytes; what
             the program takes in that time anyway is not counted
+With --sessions only start and memory are measured, in several sessions: one without a session bus, one whose bus
+does not answer, and GNOME's with Qt's theme for it.
+
 Before each run there is an unmeasured one, so that the files are warm. The last line says what the rest of the
 computer did meanwhile.
 """
-import argparse, os, pathlib, re, select, signal, statistics, subprocess, sys, tempfile, threading, time, tty
+import argparse, os, pathlib, re, select, signal, socket, statistics, subprocess, sys, tempfile, threading, time, tty
 from dataclasses import dataclass, field
 
 LIMIT_S = 30
@@ -70,6 +74,16 @@ def others(modem_lines):
                                                        for part in ("red", "green", "blue", "alpha"))}),
         Program("putty", ["putty", "-serial", "{port}", "-sercfg", "115200,8,n,1,N"], "PuTTY"),
     ]
+
+
+def in_sessions(name, program, settings, silent_bus):
+    """The program in the sessions that people have; the first is the one that the others are compared with."""
+    def session(kind, **environment):
+        made = quarn(f"{name}, {kind}", program, settings)
+        made.environment.update(environment)
+        return made
+    return [session("no bus"), session("silent bus", DBUS_SESSION_BUS_ADDRESS=f"unix:path={silent_bus}"),
+            session("GNOME", XDG_CURRENT_DESKTOP="GNOME")]
 
 
 def in_shell(function, *words):
@@ -189,6 +203,7 @@ def computer_ms():
 
 
 def measure(program, windows, idle_s):
+    """Without idle time, only start and memory."""
     # The window manager may not yet have noticed that the last run's windows are gone.
     windows.wait(lambda: not windows.came, "the last run's windows to go")
     run = Run(program, windows)
@@ -196,7 +211,8 @@ def measure(program, windows, idle_s):
         start = (run.wait_for(program.main) - run.began) * 1000 - program.own_waits_ms
         run.wait_for(program.typed_in or program.main)
         if not idle_s:
-            return None
+            time.sleep(1)
+            return (start, run.pss_mib()), 0
         if program.opening_keys:
             time.sleep(1)
             press_keys(program.opening_keys)
@@ -236,29 +252,38 @@ def main():
     options.add_argument("--one-file", metavar="PROGRAM", help="measure this program too; Qt is inside it")
     options.add_argument("--beside", metavar="LIBRARY",
                          help="measure the other programs too; LIBRARY is what modem_lines.c is built into")
+    options.add_argument("--sessions", action="store_true", help="measure start and memory in several sessions")
     given = options.parse_args()
     settings = pathlib.Path(given.settings).read_text()
-    programs = [quarn("quarn", given.program, settings)]
-    if given.one_file:
-        programs.append(quarn("one file", given.one_file, settings))
+    own = {"quarn": given.program, **({"one file": given.one_file} if given.one_file else {})}
+    silent = socket.socket(socket.AF_UNIX)
+    folder = tempfile.TemporaryDirectory()
+    silent.bind(f"{folder.name}/bus")
+    silent.listen(128)
+    programs = [made for name, path in own.items()
+                for made in (in_sessions(name, path, settings, silent.getsockname()) if given.sessions
+                             else [quarn(name, path, settings)])]
     if given.beside:
         programs += others(given.beside)
+    idle_s = 0 if given.sessions else given.idle
     rows, rests = {each.name: [] for each in programs}, []
     windows = Windows()
     try:
         for _ in range(given.runs):
             for each in programs:
                 measure(each, windows, 0)
-                figures, rest = measure(each, windows, given.idle)
+                figures, rest = measure(each, windows, idle_s)
                 rows[each.name].append(figures)
                 rests.append(rest)
     finally:
         windows.end()
+    wide = max(map(len, rows)) + 2
     for name, runs in rows.items():
         for (figure, unit), values in zip(FIGURES, zip(*runs)):
-            print(f"{name:9}{figure:9}{statistics.median(values):8.2f} {unit:5}"
+            print(f"{name:{wide}}{figure:9}{statistics.median(values):8.2f} {unit:5}"
                   f"(from {min(values):.2f} to {max(values):.2f}, {len(values)} runs)")
-    print(f"the rest of the computer: {statistics.median(rests):.0f} ms/s, at most {max(rests):.0f}")
+    if idle_s:
+        print(f"the rest of the computer: {statistics.median(rests):.0f} ms/s, at most {max(rests):.0f}")
     if given.one_file and given.beside:
         tell_goals({name: [statistics.median(values) for values in zip(*runs)] for name, runs in rows.items()})
 
