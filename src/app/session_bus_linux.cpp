@@ -22,7 +22,7 @@ namespace {
 
 constexpr char kFolder[] = "XDG_RUNTIME_DIR";
 /// docs/performance.md has the times of real answers.
-constexpr int kIdleAnswerMs = 10;
+constexpr int kIdleAnswerMs = 5;
 constexpr int kBusyAnswerMs = 300;
 
 /// The socket of the session bus; nothing if its address is of another kind, or there is none.

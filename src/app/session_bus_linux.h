@@ -13,8 +13,8 @@ constexpr char kBusAddress[] = "DBUS_SESSION_BUS_ADDRESS";
 /// Whether the session has no bus, and no program that the D-Bus library would start to get one.
 bool NobodyHasBus();
 
-/// Whether the session's bus listens and does not answer in time. An idle computer's bus has 10 ms. A busy
-/// computer's has 300 ms: `isBusy` is asked again every 10 ms. False if nobody listens, or the bus is reached
+/// Whether the session's bus listens and does not answer in time. An idle computer's bus has 5 ms. A busy
+/// computer's has 300 ms: `isBusy` is asked again every 5 ms. False if nobody listens, or the bus is reached
 /// in another way than by a local socket: then Qt learns that at once.
 bool IsBusSilent(const std::function<bool()>& isBusy);
 
