@@ -3,6 +3,7 @@
 #include <QFile>
 #include <filesystem>
 
+#include "base/system_path.h"
 #include "settings/data_folder.h"
 
 // Q_INIT_RESOURCE declares a function of the global namespace and cannot stand in another.
@@ -18,7 +19,7 @@ DemoFolder::DemoFolder() {
     m_whyNot = QString::fromStdString(error.message());
     return;
   }
-  m_folder.emplace(QString::fromStdU16String(above.u16string()) + QStringLiteral("/quarn-demo-XXXXXX"));
+  m_folder.emplace(NameOf(above) + QStringLiteral("/quarn-demo-XXXXXX"));
   if (!m_folder->isValid()) {
     m_whyNot = m_folder->errorString();
     return;

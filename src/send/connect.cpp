@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <vector>
 
+#include "base/system_path.h"
 #include "send/exit_status.h"
 #include "send/failure_text.h"
 #include "send/interruption.h"
@@ -24,7 +25,7 @@ QString WhyNotListed(const QString& portsFolder) {
   std::vector<std::filesystem::directory_iterator> open;
   for (int i = 0; i < kMostOpenAtATime; ++i) {
     std::error_code error;
-    open.emplace_back(portsFolder.toStdU16String(), error);
+    open.emplace_back(SystemPath(portsFolder), error);
     if (error == std::errc::no_such_file_or_directory) break;
     if (error) return portsFolder + QStringLiteral(": ") + QString::fromStdString(error.message());
   }

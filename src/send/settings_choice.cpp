@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include "base/system_path.h"
 #include "send/connect.h"
 #include "send/standard_output.h"
 #include "serial/line_parameters.h"
@@ -20,7 +21,7 @@ namespace {
 QString WhyNotReadable(const QString& path) {
   using std::filesystem::file_type;
   std::error_code error;
-  switch (std::filesystem::status(path.toStdU16String(), error).type()) {
+  switch (std::filesystem::status(SystemPath(path), error).type()) {
     case file_type::regular:
       break;
     case file_type::not_found:
@@ -48,7 +49,7 @@ QString ChosenFile(const Options& options, const QString& dataFolder) {
 
 bool HasWorkingFile(const QString& dataFolder) {
   std::error_code error;
-  return std::filesystem::status(WorkingSettingsFile(dataFolder).toStdU16String(), error).type() !=
+  return std::filesystem::status(SystemPath(WorkingSettingsFile(dataFolder)), error).type() !=
          std::filesystem::file_type::not_found;
 }
 

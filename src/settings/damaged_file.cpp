@@ -7,6 +7,7 @@
 #include <optional>
 #include <system_error>
 
+#include "base/system_path.h"
 #include "settings/data_folder.h"
 #include "settings/key_store.h"
 #include "settings/settings_table.h"
@@ -42,9 +43,14 @@ bool KeepDamagedFile(const QString& path) {
 
 bool MoveToDamagedFile(const QString& path) {
   std::error_code error;
-  std::filesystem::rename(path.toStdU16String(), DamagedFileOf(path).toStdU16String(), error);
-  // Something else takes its place next.
-  if (!error) return FlushNamesBeside(path);
+  const QString kept = DamagedFileOf(path);
+  std::filesystem::rename(SystemPath(path), SystemPath(kept), error);
+  if (!error) {
+    // So that the next one can replace it.
+    QFile::setPermissions(kept, QFile::permissions(kept) | QFile::WriteOwner);
+    // Something else takes its place next.
+    return FlushNamesBeside(path);
+  }
   qCDebug(lcDamaged) << "cannot move" << path << QString::fromStdString(error.message());
   return false;
 }

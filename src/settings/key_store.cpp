@@ -9,6 +9,7 @@
 #include <system_error>
 
 #include "base/bounds.h"
+#include "base/system_path.h"
 #include "settings/settings_table.h"
 #include "settings/settings_text.h"
 
@@ -54,16 +55,18 @@ bool IsReadOnly(const QFileInfo& info) {
 }
 
 /// The path at the end of a chain of links; nullopt if the system does not say. A link that is not recognised
-/// would be replaced by a file.
+/// would be replaced by a file. Nor does it if a link's target is no text.
 std::optional<QString> EndOfLinks(const QString& path) {
   constexpr int kMostLinks = 40;
-  std::filesystem::path end(path.toStdU16String());
+  std::filesystem::path end = SystemPath(path);
   for (int links = 0; links < kMostLinks; ++links) {
     std::error_code error;
     const auto type = std::filesystem::symlink_status(end, error).type();
     if (type == std::filesystem::file_type::none) return std::nullopt;
     if (type != std::filesystem::file_type::symlink) {
-      return links == 0 ? path : QString::fromStdU16String(end.u16string());
+      if (links == 0) return path;
+      const QString name = NameOf(end);
+      return SystemPath(name) == end ? std::optional(name) : std::nullopt;
     }
     const std::filesystem::path target = std::filesystem::read_symlink(end, error);
     if (error) return std::nullopt;
@@ -75,7 +78,7 @@ std::optional<QString> EndOfLinks(const QString& path) {
 /// Replaces the file at the path, which must not be a link. Logs the reason on failure.
 bool ReplaceFile(const QString& path, const QByteArray& bytes, QString& reason) {
   std::error_code error;
-  const auto type = std::filesystem::status(path.toStdU16String(), error).type();
+  const auto type = std::filesystem::status(SystemPath(path), error).type();
   const bool replaces = type == std::filesystem::file_type::regular;
   // A replacement would replace anything that is there: a folder, a pipe, a device.
   const QFileInfo info(path);
@@ -90,8 +93,9 @@ bool ReplaceFile(const QString& path, const QByteArray& bytes, QString& reason) 
   // A buffered write would fail only inside commit(), which then renames the incomplete file anyway.
   const bool open = file.open(QIODevice::WriteOnly | QIODevice::Unbuffered);
   // Opening does this too, but not if it cannot examine the old file: then the new one would have no
-  // permissions.
-  const bool permitted = open && (!replaces || file.setPermissions(info.permissions()));
+  // permissions. Some file systems have the same for all files, and refuse to set any.
+  const bool permitted = open && (!replaces || file.setPermissions(info.permissions()) ||
+                                  file.permissions() == info.permissions());
   const bool written = permitted && file.write(bytes) == bytes.size() && file.commit();
   if (!written) reason = file.errorString();
   return written;

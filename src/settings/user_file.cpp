@@ -8,6 +8,7 @@
 #include <system_error>
 
 #include "base/bounds.h"
+#include "base/system_path.h"
 #include "settings/damaged_file.h"
 #include "settings/key_store.h"
 #include "settings/settings_load_save.h"
@@ -119,8 +120,8 @@ QString OpenUserFile(const QString& userFile, const QString& workingFile, Settin
   if (!LoadChecked(workingFile, record)) {
     TellError(messages, QStringLiteral("Invalid file format."),
               QStringLiteral("Could not load file contents."));
+    // The record was left alone; it may hold stored commands that the file does not have yet.
     PutBack(workingFile, backup);
-    LoadChecked(workingFile, record);
     return {};
   }
   record.loadedMarker = QStringLiteral("TRUE");
@@ -134,7 +135,7 @@ bool HoldSameSettings(const QString& userFile, const QString& workingFile) {
 
 bool CopySettingsFile(const QString& from, const QString& to) {
   std::error_code error;
-  if (std::filesystem::equivalent(from.toStdU16String(), to.toStdU16String(), error)) return false;
+  if (std::filesystem::equivalent(SystemPath(from), SystemPath(to), error)) return false;
   const std::optional<QByteArray> bytes = ReadWholeBytes(from);
   return bytes && WriteWholeBytes(to, *bytes);
 }

@@ -1,3 +1,4 @@
+#include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -104,6 +105,21 @@ TEST_F(KeyStoreLinux, FollowsASymbolicLinkAndKeepsIt) {
   EXPECT_TRUE(UpdateValue(link, keys::kMem[0], QStringLiteral("new")));
   EXPECT_EQ(ReadValue(real, keys::kMem[0]), QStringLiteral("new"));
   EXPECT_TRUE(QFileInfo(link).isSymLink());
+}
+
+TEST_F(KeyStoreLinux, ALinkWhoseTargetIsNoTextIsReadAndNotWritten) {
+  const QByteArray real = Utf8(Path(QStringLiteral("caf"))) + "\xe9";
+  const QByteArray text = ".BEGIN\nMEM0=old\n.END\n";
+  const int file = ::open(real.constData(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+  ASSERT_EQ(::write(file, text.constData(), static_cast<std::size_t>(text.size())), text.size());
+  ::close(file);
+  const QString link = Path(QStringLiteral("link"));
+  ASSERT_EQ(symlink(real, Utf8(link)), 0);
+  EXPECT_EQ(ReadValue(link, keys::kMem[0]), QStringLiteral("old"));
+  EXPECT_FALSE(WriteWholeText(link, QStringLiteral("new")));
+  EXPECT_EQ(ReadValue(link, keys::kMem[0]), QStringLiteral("old"));
+  EXPECT_TRUE(QFileInfo(link).isSymLink());
+  ::unlink(real);  // nothing of Qt's can
 }
 
 TEST_F(KeyStoreLinux, ALinkToNothingIsNothing) {

@@ -152,7 +152,11 @@ TEST_F(UserFile, AChangeMadeWhileTheQuestionIsUpOutlivesARejection) {
   EXPECT_EQ(Open(user), QString());
   EXPECT_EQ(messages.shown, (QStringList{kMayUpdate, kUpdated, kNotLoaded}));
   EXPECT_EQ(ReadValue(working, keys::kComPort), QStringLiteral("COM9"));
-  EXPECT_EQ(record.comPort, QStringLiteral("COM9"));
+}
+
+TEST_F(UserFile, ARejectionLeavesWhatIsInForceAndNotInTheFile) {
+  record.mem[3] = QStringLiteral("not saved yet");
+  ExpectRefused(WithEntry("COM_PORT=NONE", "COM_PORT=COM100"), {kNotLoaded});
 }
 
 TEST_F(UserFile, AFolderInPlaceOfTheWorkingFileIsAFailedCopy) {

@@ -295,6 +295,17 @@ TEST_F(WorkingFile, PreparingMakesTheFolderAndTakesAbandonedFilesAway) {
   EXPECT_EQ(DamagedBytes(), QByteArray("STARTUP_STATE and more"));
 }
 
+TEST_F(WorkingFile, TheNextDamagedFileCanReplaceOneThatWasReadOnly) {
+  const QString data = folder.path() + QLatin1Char('/');
+  for (const char* bytes : {"STARTUP_STATE one", "STARTUP_STATE two"}) {
+    Write(QByteArray(bytes));
+    ASSERT_TRUE(QFile::setPermissions(path, QFile::ReadOwner));
+    PrepareWorkingFile(data);
+    EXPECT_EQ(DamagedBytes(), QByteArray(bytes));
+    EXPECT_TRUE(QFile::permissions(DamagedFileOf(path)) & QFile::WriteOwner);
+  }
+}
+
 TEST_F(WorkingFile, PreparingKeepsAFileOfTheLargestSize) {
   const QString data = folder.path() + QLatin1Char('/');
   Write(SoundFileOfSize(16384));
