@@ -2,7 +2,8 @@
 
 namespace quarn {
 
-/// Shows that the program is busy (the hourglass cursor). Plain, so that every layer may use it.
+/// Shows that the program is busy (the hourglass cursor). Over a box it waits for the person, so boxes show
+/// the usual cursor. Plain, so that every layer may use it.
 class WaitIndicator {
  public:
   virtual ~WaitIndicator() = default;
@@ -17,18 +18,6 @@ class WaitShown {
   ~WaitShown() { m_indicator.Restore(); }
   WaitShown(const WaitShown&) = delete;
   WaitShown& operator=(const WaitShown&) = delete;
-
- private:
-  WaitIndicator& m_indicator;
-};
-
-/// Hides the indicator while the object exists, because the program waits for the user.
-class WaitInterrupted {
- public:
-  explicit WaitInterrupted(WaitIndicator& indicator) : m_indicator(indicator) { m_indicator.Restore(); }
-  ~WaitInterrupted() { m_indicator.Show(); }
-  WaitInterrupted(const WaitInterrupted&) = delete;
-  WaitInterrupted& operator=(const WaitInterrupted&) = delete;
 
  private:
   WaitIndicator& m_indicator;

@@ -42,6 +42,22 @@ class InFrontOf final : public QObject {
   QPointer<QWidget> m_window;
 };
 
+/// The usual cursor while it exists, if the hourglass is shown.
+class UsualCursor {
+ public:
+  UsualCursor() {
+    if (m_waits) QGuiApplication::setOverrideCursor(Qt::ArrowCursor);
+  }
+  ~UsualCursor() {
+    if (m_waits) QGuiApplication::restoreOverrideCursor();
+  }
+  UsualCursor(const UsualCursor&) = delete;
+  UsualCursor& operator=(const UsualCursor&) = delete;
+
+ private:
+  const bool m_waits = QGuiApplication::overrideCursor() != nullptr;
+};
+
 /// Records whether a box had the keyboard when it closed.
 class LastLook final : public QObject {
  public:
@@ -112,6 +128,7 @@ int RunBox(QDialog& box) {
   const BoxOver over(window);
   const InFrontOf inFront(box, window);
   const LastLook look(box);
+  const UsualCursor cursor;
   const int result = box.exec();
   // Not every system returns the keyboard focus automatically.
   QWidget* const left = below.data();

@@ -18,6 +18,7 @@
 #include "support/scripted_line.h"
 #include "support/waits.h"
 #include "ui/box.h"
+#include "ui/wait_cursor.h"
 #include "ui/window_messages.h"
 
 namespace quarn::test {
@@ -300,6 +301,44 @@ TEST_F(Boxes, TheListThatOnePortTooManyClosesIsThereUntilTheyAreOver) {
   EXPECT_EQ(told, (QStringList{QStringLiteral("Too many COM ports to display in the detailed list.\nThe "
                                               "\"Detailed COM Port List\" will be closed."),
                                kText}));
+}
+
+TEST_F(Boxes, ShowTheUsualCursorWhileTheProgramWaits) {
+  const auto shape = [] { return QGuiApplication::overrideCursor()->shape(); };
+  WaitCursor wait;
+  wait.Show();
+  int shown = 0;
+  const BoxWatch watch([&](QWidget& /*box*/) {
+    ++shown;
+    ASSERT_NE(QGuiApplication::overrideCursor(), nullptr);
+    EXPECT_EQ(shape(), Qt::ArrowCursor);
+  });
+  for (const BoxCase& kind : kBoxes) {
+    SCOPED_TRACE(kind.name);
+    kind.show();
+    ASSERT_NE(QGuiApplication::overrideCursor(), nullptr);
+    EXPECT_EQ(shape(), Qt::WaitCursor);
+  }
+  EXPECT_EQ(static_cast<std::size_t>(shown), kBoxes.size());
+  wait.Restore();
+  EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
+}
+
+TEST_F(Boxes, KeepATransactionThatIsAskedForWaiting) {
+  const QPointer<QDialog> terminal = Open(command::kTerminalScreen);
+  ASSERT_FALSE(terminal.isNull());
+  QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("id"));
+  bool over = false;
+  const BoxWatch watch([&](QWidget& /*box*/) {
+    real.state.requests.send = true;
+    LetWindowsTick();
+    EXPECT_EQ(real.log.LineCount(), 0);
+    EXPECT_TRUE(real.state.requests.send);
+    over = true;
+  });
+  WindowMessages().ShowErrorMessage(kSuffix, kText, {}, {});
+  EXPECT_TRUE(over);
+  EXPECT_TRUE(WaitUntil([&] { return real.log.LineCount() > 0; }));
 }
 
 TEST_F(Boxes, OverAnotherWindowLetARequestThrough) {

@@ -11,12 +11,6 @@ namespace {
 
 constexpr int kBeforeConnectMs = 500;  // the title is seen, and the device comes to rest
 
-template <class Message>
-void Tell(const DialogContext& context, const Message& message) {
-  const WaitInterrupted box(context.environment.waitIndicator);
-  message();
-}
-
 bool OpenChosen(const DialogContext& context, const QString& port) {
   context.pause(kBeforeConnectMs);
   ClosePort(context.connection);
@@ -49,10 +43,10 @@ bool ConnectToChosenPort(const DialogContext& context, const QString& port, Fail
   if (opened) {
     context.connection.connected.Update(PortChange::Opened);
     titleStatus(QString());
-    Tell(context, [&] { TellConnectedTo(context.Messages(), port); });
+    TellConnectedTo(context.Messages(), port);
     TakeAsCurrent(context, port);
   } else {
-    Tell(context, [&] { TellFailedToConnect(context.Messages(), port, sentence); });
+    TellFailedToConnect(context.Messages(), port, sentence);
     ReopenFormer(context, former);
   }
   titleStatus(QString());

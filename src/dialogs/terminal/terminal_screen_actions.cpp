@@ -206,7 +206,9 @@ void CTerminalScreen::SendIfTyped() {
 
 void CTerminalScreen::Transact() {
   const ExecuteContext context{m_context.engine, m_context.settings, m_context.log, m_context.commandLine};
-  const TransactionResult result = ExecuteCommand(context, *this, m_context.commandLine.Text()).result;
+  // A copy: the line may change before the answer is logged.
+  const QString command = m_context.commandLine.Text();
+  const TransactionResult result = ExecuteCommand(context, *this, command).result;
   RedrawLogRows();
   if (result == TransactionResult::Aborted) {
     // Earlier send requests of other windows are dropped like keys typed ahead.
@@ -270,18 +272,20 @@ void CTerminalScreen::Look(int ticks) {
 
 void CTerminalScreen::PerformRequests() {
   WindowRequests& requests = Requests();
+  // A box needs the keys and timers that a transaction holds.
+  const bool mayTransact = QApplication::activeModalWidget() == nullptr;
   if (Take(requests.focus)) TakeFocus();
   if (Take(requests.clearLog)) {
     m_context.commandLine.Reset();
     ResetLog();
     ShowCommandLine();
   }
-  if (Take(requests.sendAction)) PressSend();
+  if (mayTransact && Take(requests.sendAction)) PressSend();
   if (IsRefreshTaken()) RefreshAll();
   if (const std::optional<int> index = std::exchange(requests.functionKey, std::nullopt)) {
     LoadStoredCommand(*index, requests.functionKeyCtrl);
   }
-  if (Take(requests.send)) SendIfTyped();
+  if (mayTransact && Take(requests.send)) SendIfTyped();
 }
 
 void CTerminalScreen::wheelEvent(QWheelEvent* event) {
