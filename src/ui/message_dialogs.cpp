@@ -107,6 +107,17 @@ QString Spoken(const std::vector<MessageLine>& lines) {
   return texts.join(QLatin1Char('\n'));
 }
 
+/// Whether this repeats a key that answers a box: it has been held down since before the box opened. Keys
+/// that move the focus or scroll may repeat.
+bool IsHeldAnswer(const QEvent& event) {
+  if (event.type() != QEvent::KeyPress) return false;
+  const auto& key = static_cast<const QKeyEvent&>(event);
+  // Below Escape, the first of the other keys, are those that type a character.
+  const bool answers =
+      key.key() <= Qt::Key_Escape || key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter;
+  return key.isAutoRepeat() && answers;
+}
+
 }  // namespace
 
 QString MessageCaption(const QString& suffix) {
@@ -185,6 +196,7 @@ QHBoxLayout* MessageDialog::AddButtons(const std::vector<MessageButton>& buttons
       done(result != 0 ? Accepted : Rejected);
     });
     row->addWidget(button);
+    button->installEventFilter(this);
     m_buttons.push_back(button);
     const bool agrees = each.result != 0;
     if (agrees == (byDefault != AnswerByDefault::Refuse)) m_defaultButton = button;
@@ -201,6 +213,7 @@ void MessageDialog::showEvent(QShowEvent* event) {
 }
 
 void MessageDialog::keyPressEvent(QKeyEvent* event) {
+  if (IsHeldAnswer(*event)) return;
   if (QPushButton* button = ButtonOfKey(*event)) {
     button->click();
   } else {
@@ -208,11 +221,15 @@ void MessageDialog::keyPressEvent(QKeyEvent* event) {
   }
 }
 
+bool MessageDialog::eventFilter(QObject* watched, QEvent* event) {
+  return IsHeldAnswer(*event) || PlacedDialog::eventFilter(watched, event);
+}
+
 QPushButton* MessageDialog::ButtonOfKey(const QKeyEvent& event) const {
-  // With Shift or Alt it is still the letter. A key held down since before the box opened does not answer.
+  // With Shift or Alt it is still the letter.
   const Qt::KeyboardModifiers others = event.modifiers() & ~(Qt::ShiftModifier | Qt::AltModifier);
   if (m_comesByItself && !m_typedBefore.hasExpired()) return nullptr;
-  if (m_buttons.size() < 2 || others != Qt::NoModifier || event.isAutoRepeat()) return nullptr;
+  if (m_buttons.size() < 2 || others != Qt::NoModifier) return nullptr;
   const auto found = std::find_if(m_buttons.begin(), m_buttons.end(), [&event](const QPushButton* button) {
     return button->text().front().unicode() == event.key();
   });
@@ -284,6 +301,7 @@ void COneshotMsgPos::timerEvent(QTimerEvent* event) {
 }
 
 void COneshotMsgPos::keyPressEvent(QKeyEvent* event) {
+  if (IsHeldAnswer(*event)) return;
   // There is no button for Enter; it closes the box as Escape does.
   if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
     accept();

@@ -34,8 +34,9 @@ struct MessageButton {
 
 /// A small modal box: lines from top to bottom (empty ones take no space), buttons from left to right. The
 /// default answer's button has the focus. If there are two buttons, the first letter of a button presses it,
-/// but not in the first half second of a box that opens without a user action. The box grows with its text up
-/// to nine tenths of the screen; longer lines wrap, and taller boxes scroll. Nothing is clipped.
+/// but not in the first half second of a box that opens without a user action. A key that has been held down
+/// since before the box opened does not answer. The box grows with its text up to nine tenths of the screen;
+/// longer lines wrap, and taller boxes scroll. Nothing is clipped.
 class MessageDialog : public PlacedDialog {
  public:
   /// 0 until a button sets it; also 0 after the close box or Escape.
@@ -47,6 +48,7 @@ class MessageDialog : public PlacedDialog {
                 AnswerByDefault byDefault = AnswerByDefault::Agree, bool warningPicture = false);
   void showEvent(QShowEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
   void Place() override;
 
   std::optional<QPoint> m_position;
