@@ -1,11 +1,43 @@
 #include "ui/accessible.h"
 
+#include <QAbstractButton>
 #include <QFontMetrics>
 #include <algorithm>
 
 #include "ui/static_text.h"
 
 namespace quarn {
+
+AccessibleChoice::AccessibleChoice(QAbstractButton* button)
+    : QAccessibleWidget(button, button->autoExclusive() ? QAccessible::RadioButton : QAccessible::CheckBox,
+                        button->text()) {}
+
+QAbstractButton* AccessibleChoice::Button() const { return qobject_cast<QAbstractButton*>(object()); }
+
+QAccessible::State AccessibleChoice::state() const {
+  QAccessible::State state = QAccessibleWidget::state();
+  const QAbstractButton* button = Button();
+  state.checkable = true;
+  state.checked = button != nullptr && button->isChecked();
+  return state;
+}
+
+QStringList AccessibleChoice::actionNames() const {
+  QStringList names = QAccessibleWidget::actionNames();
+  const QAbstractButton* button = Button();
+  if (button != nullptr && button->isEnabled()) names.prepend(toggleAction());
+  return names;
+}
+
+void AccessibleChoice::doAction(const QString& actionName) {
+  QAbstractButton* button = Button();
+  if (button == nullptr || actionName != toggleAction()) {
+    QAccessibleWidget::doAction(actionName);
+  } else if (button->isEnabled()) {
+    // Not at once: while input is held, no timer runs, and the click waits as one of the mouse does.
+    button->animateClick();
+  }
+}
 
 AccessibleLine::AccessibleLine(StaticText* line) : QAccessibleWidget(line) {}
 

@@ -2,6 +2,9 @@
 
 #include <QAccessible>
 #include <QAccessibleWidget>
+#include <QStringList>
+
+class QAbstractButton;
 
 namespace quarn {
 
@@ -17,6 +20,21 @@ void MakeAccessibleAs() {
     return true;
   }();
 }
+
+/// The interface of a radio button or a check box for assistive tools. Their "toggle" is a click: the mark
+/// alone would change nothing but the picture.
+class AccessibleChoice final : public QAccessibleWidget {
+ public:
+  explicit AccessibleChoice(QAbstractButton* button);
+
+  [[nodiscard]] QAccessible::State state() const override;
+  [[nodiscard]] QStringList actionNames() const override;
+  void doAction(const QString& actionName) override;
+
+ private:
+  /// Null while the widget is being destroyed.
+  [[nodiscard]] QAbstractButton* Button() const;
+};
 
 class StaticText;
 

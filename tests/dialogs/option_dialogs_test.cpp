@@ -1,3 +1,4 @@
+#include <QAccessible>
 #include <array>
 
 #include "dialogs/option_dialog_fixture.h"
@@ -64,6 +65,26 @@ TEST_F(ScreenOption, SpaceSwitchesEveryBox) {
     Press(Qt::Key_Space);
     EXPECT_EQ(File(), before) << box.text;
   }
+}
+
+TEST_F(ScreenOption, AnAssistiveToolsToggleIsAClick) {
+  settings.autoClr = QStringLiteral("OFF");
+  Open();
+  for (const int id : {1071, 1069}) {
+    QAccessibleInterface* const choice = QAccessible::queryAccessibleInterface(&Button(id));
+    ASSERT_NE(choice, nullptr);
+    EXPECT_EQ(choice->role(), id == 1071 ? QAccessible::CheckBox : QAccessible::RadioButton);
+    EXPECT_EQ(choice->text(QAccessible::Name), Button(id).text());
+    EXPECT_FALSE(choice->state().checked);
+    QAccessibleActionInterface* const actions = choice->actionInterface();
+    ASSERT_NE(actions, nullptr);
+    ASSERT_TRUE(actions->actionNames().contains(QAccessibleActionInterface::toggleAction()));
+    actions->doAction(QAccessibleActionInterface::toggleAction());
+    EXPECT_TRUE(WaitUntil([&] { return Button(id).isChecked(); }));
+    EXPECT_TRUE(choice->state().checked);
+  }
+  EXPECT_EQ(settings.autoClr, QStringLiteral("ON"));
+  EXPECT_EQ(settings.bkColor, QStringLiteral("BLACK"));
 }
 
 TEST_F(ScreenOption, HidingTheFunctionKeysWritesOff) {

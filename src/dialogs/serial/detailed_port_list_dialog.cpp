@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "dialogs/serial/port_choice.h"
+#include "ui/accessible.h"
 #include "ui/controls.h"
 #include "ui/placement.h"
 #include "ui/tool_tip.h"
@@ -71,6 +72,7 @@ void CPortDetails::CreateControls() {
 }
 
 void CPortDetails::CreateRow(int index) {
+  MakeAccessibleAs<QRadioButton, AccessibleChoice>();
   Row& row = m_rows[static_cast<std::size_t>(index)];
   const RowIds& ids = kRowIds[static_cast<std::size_t>(index)];
   row.radio = WithControlId(new QRadioButton(m_scroll->widget()), ids.radio);

@@ -4,6 +4,7 @@
 #include <QRadioButton>
 #include <utility>
 
+#include "ui/accessible.h"
 #include "ui/controls.h"
 
 namespace quarn {
@@ -24,6 +25,8 @@ OptionButtons::OptionButtons(QWidget& dialog, std::span<const OptionButton> tabl
 QAbstractButton* OptionButtons::Create(QWidget& dialog, const OptionButton& option) {
   const QString text =
       QString::fromLatin1(option.text).replace(QStringLiteral("%1"), QString::number(option.value.number));
+  MakeAccessibleAs<QRadioButton, AccessibleChoice>();
+  MakeAccessibleAs<QCheckBox, AccessibleChoice>();
   QAbstractButton* button = nullptr;
   if (option.kind == OptionButton::Radio) {
     button = new QRadioButton(text, &dialog);
