@@ -45,7 +45,7 @@ TEST_F(PortSettingsDialog, FailedReopenAfterSetIsReportedAndTheSettingsAreStored
   whileShown = [this] {
     EXPECT_EQ(program.settings.comBps, "19200");
     EXPECT_FALSE(program.connection.connected.IsSet());
-    EXPECT_EQ(indicator.depth, 0);
+    EXPECT_EQ(WorkingFile(), SavedFile({{"COM_PORT", "COM3"}, {"COM_BPS", "19200"}})) << "already";
   };
   Click(kSetLine);
   EXPECT_EQ(Happened(), QStringList{NotAvailable("COM3")});

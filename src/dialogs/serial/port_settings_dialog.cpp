@@ -144,11 +144,11 @@ bool CPortSettings::Reconnect(const SettingsRecord& settings) {
 }
 
 void CPortSettings::Set() {
-  PutLineValues(m_working, Context().settings);
+  // Before the line, whose failure has a box.
+  Store();
   if (Context().connection.connected.IsSet() && !Reconnect(Context().settings)) {
     TellPortNotAvailable(Context().Messages(), Context().state.currentPortName);
   }
-  Store();
 }
 
 void CPortSettings::RestoreDefaults() {
