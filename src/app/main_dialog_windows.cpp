@@ -45,6 +45,7 @@ void CQuarnDlg::OpenTerminalScreen() {
   if (m_terminalScreen && !m_terminalScreen->close()) {
     m_terminalScreen->WantAgain();
     ShowSwitch();
+    m_program.state.requests.refresh.Add(Window::MainDialog);
     return;
   }
   // What was to be sent while there was no command line to be seen is forgotten.
