@@ -10,7 +10,7 @@ namespace quarn {
 enum class KeyAction : std::uint8_t {
   Default,  ///< default handling of the dialog (Tab, Alt with a letter, ...)
   Swallow,
-  Character,  ///< insert the key's character, then default handling of the dialog
+  Character,  ///< insert the key's character
   Send,
   ScrollDown,
   ScrollUp,

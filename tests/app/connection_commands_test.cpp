@@ -65,8 +65,10 @@ TEST_F(ConnectionCommands, DisconnectAsksAndKeepsThePort) {
   EXPECT_FALSE(program.connection.connected.IsSet());
   EXPECT_TRUE(program.connection.handle.IsNull());
   EXPECT_EQ(program.state.currentPortName, QStringLiteral("COM3"));
-  EXPECT_TRUE(program.state.requests.refresh.Contains(Window::MainDialog));
-  EXPECT_TRUE(program.state.requests.refresh.Contains(Window::TerminalScreen));
+  for (const Window each : {Window::MainDialog, Window::TerminalScreen, Window::PortNumber,
+                            Window::DetailedPortList, Window::PortSettings}) {
+    EXPECT_TRUE(program.state.requests.refresh.Contains(each)) << static_cast<int>(each);
+  }
   Connect(program);
   EXPECT_TRUE(program.connection.connected.IsSet());
 }

@@ -1,6 +1,7 @@
 #include <new>
 
 #include "app/port_monitor_fixture.h"
+#include "settings/settings_table.h"
 
 namespace quarn::test {
 namespace {
@@ -181,6 +182,7 @@ TEST_F(PortMonitorTest, OnlyListsOtherChanges) {
 }
 
 TEST_F(PortMonitorTest, AnsweredNoForgetsThePort) {
+  WriteSettings(program.workingSettingsFile, {{"COM_PORT", "COM3"}});
   Configure(QStringLiteral("COM3"));
   StartMonitor();
   ports.present = Adapters({"COM3"});
@@ -189,6 +191,8 @@ TEST_F(PortMonitorTest, AnsweredNoForgetsThePort) {
   EXPECT_EQ(Happened(), (QStringList{kUpdated, "stop timer", kOffer, "start timer"}));
   EXPECT_FALSE(program.connection.connected.IsSet());
   EXPECT_EQ(program.state.currentPortName, QStringLiteral("NONE"));
+  EXPECT_EQ(ReadValue(program.workingSettingsFile, keys::kComPort), QStringLiteral("COM3"))
+      << "the next start uses the port again";
 }
 
 TEST_F(PortMonitorTest, AnsweredYesConnects) {
@@ -240,6 +244,7 @@ TEST_F(PortMonitorTest, ConnectsAnewWhatItLeftOpen) {
 }
 
 TEST_F(PortMonitorTest, TellsWhenThePortThatCameBackCannotBeOpened) {
+  WriteSettings(program.workingSettingsFile, {{"COM_PORT", "COM3"}});
   Configure(QStringLiteral("COM3"));
   StartMonitor();
   ports.present = Adapters({"COM3"});  // listed, but there is no device behind it
@@ -248,6 +253,8 @@ TEST_F(PortMonitorTest, TellsWhenThePortThatCameBackCannotBeOpened) {
   EXPECT_EQ(Happened(), (QStringList{kUpdated, "stop timer", kOffer, kGone, "start timer"}));
   EXPECT_FALSE(program.connection.connected.IsSet());
   EXPECT_EQ(program.state.currentPortName, QStringLiteral("NONE"));
+  EXPECT_EQ(ReadValue(program.workingSettingsFile, keys::kComPort), QStringLiteral("COM3"))
+      << "the next start uses the port again";
 }
 
 TEST_F(PortMonitorTest, ThirtyOnePortsCloseTheDetailedList) {

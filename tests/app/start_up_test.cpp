@@ -169,6 +169,21 @@ TEST_F(StartUpTest, AFileThatCannotBeLoadedLeadsToTheWorkingSettings) {
   EXPECT_EQ(program.settings.loadedMarker, QStringLiteral("TRUE"));
 }
 
+TEST_F(StartUpTest, WithAFileOnTheCommandLineTheWorkingFileIsOnlyLoaded) {
+  MakeUserFile({{"COM_PORT", "COM100"}});
+  QFile file(program.workingSettingsFile);
+  ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+  ASSERT_GT(file.write("STARTUP_STATE\n"), 0);
+  file.close();
+  EXPECT_EQ(Start(), StartUpResult::Running);
+  const QString invalid =
+      QStringLiteral("information/: Warning//Initial file is invalid./Starting with default settings.");
+  EXPECT_EQ(Happened(), (kUntilCommandLine +
+                         QStringList{kLoading, kNotLoaded, invalid, kInternal, "place 3 3", kUndefined,
+                                     "show", "terminal"} +
+                         kEnd));
+}
+
 TEST_F(StartUpTest, KeepsAWorkingFileOfTheLargestSizeAndTakesALargerOneAway) {
   MakeFolders();
   for (const qsizetype size : {16384, 16385}) {

@@ -81,6 +81,12 @@ TEST_F(LogText, WrappingCountsWhatIsSpelledOut) {
             "[id]\r" + QByteArray("<0xa5>").repeated(8) + "\r!\r");
 }
 
+TEST_F(LogText, WhatIsSpelledOutIsBrokenLikeOtherText) {
+  const QByteArray most(47, 'x');
+  EXPECT_EQ(TextOfResponse(most + "\x02"), "[id]\r" + most + "<\rSTX>\r");
+  EXPECT_EQ(TextOfResponse(most.first(46) + "\xa5"), "[id]\r" + most.first(46) + "<0\rxa5>\r");
+}
+
 TEST_F(LogText, TheCommandIsEchoedUnwrappedAsItWasRendered) {
   const QByteArray command = QByteArray("\xc2\xb5").repeated(100);
   EXPECT_EQ(LogTextOf({.result = TransactionResult::Timeout}, command, m_settings),

@@ -97,8 +97,17 @@ TEST(OperationLog, AViewAtTheVeryEndKeepsTheNewestLineInSight) {
   EXPECT_EQ(log.TopLine(), 99);
   log.AppendLogText("a\rb\r");
   EXPECT_EQ(log.LineCount(), 102);
-  EXPECT_LT(log.TopLine(), log.LineCount());
-  EXPECT_EQ(log.RowText(101 - log.TopLine(), kOff), QStringLiteral("b\r"));
+  EXPECT_EQ(log.TopLine(), 101);
+  EXPECT_EQ(log.RowText(0, kOff), QStringLiteral("b\r"));
+}
+
+TEST(OperationLog, AViewBelowTheNewestLinesMovesOnByThoseThatCame) {
+  OperationLog log;
+  Fill(log, 100);
+  for (int i = 0; i < 11; ++i) log.ScrollLogDown();
+  EXPECT_EQ(log.TopLine(), 79);
+  log.AppendLogText("a\rb\r");
+  EXPECT_EQ(log.TopLine(), 81);
 }
 
 TEST(OperationLog, TheLastFreeSlotTakesTheFirstLineAndTheRestIsDropped) {

@@ -24,6 +24,16 @@ TEST(ClassifyKey, EditingKeys) {
   EXPECT_EQ(ActionOf(Qt::Key_Insert), KeyAction::ToggleInsert);
 }
 
+TEST(ClassifyKey, EditingKeysMeanTheSameWithControlAndShift) {
+  for (const int key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Down, Qt::Key_Up, Qt::Key_Left, Qt::Key_Right,
+                        Qt::Key_Space, Qt::Key_Delete, Qt::Key_Backspace, Qt::Key_F11, Qt::Key_Insert}) {
+    const KeyAction alone = ActionOf(key);
+    EXPECT_NE(alone, KeyAction::Swallow);
+    EXPECT_EQ(ActionOf(key, Qt::ControlModifier), alone) << key;
+    EXPECT_EQ(ActionOf(key, Qt::ShiftModifier), alone) << key;
+  }
+}
+
 TEST(ClassifyKey, FunctionKeysNameTheStoredCommand) {
   for (int n = 0; n < 10; ++n) {
     for (const Qt::KeyboardModifiers modifiers :
