@@ -20,7 +20,7 @@ void TellPortUndefined(MessageOperations& messages) {
 }
 
 bool ConnectWithMessages(Program& program) {
-  const QScopedValueRollback underWay(program.state.portBeingChosen, true);
+  const QScopedValueRollback underWay(program.state.portBeingChanged, true);
   const QString port = program.state.currentPortName;
   const bool connected = ConnectPort(program.settings, program.connection, program.Environment());
   program.connection.connected.Update(OpeningThat(connected));
@@ -51,7 +51,7 @@ void Disconnect(Program& program) {
 }
 
 void Reset(Program& program, MainWindow& window, const Pause& pause) {
-  const QScopedValueRollback underWay(program.state.portBeingChosen, true);
+  const QScopedValueRollback underWay(program.state.portBeingChanged, true);
   window.SetTitle(QStringLiteral("- Resetting Port ..."));
   pause(kBeforeResetMs);
   const bool reset = ResetPort(program.settings, program.connection, program.Environment());

@@ -44,7 +44,7 @@ void TellBeforeTheEnd(const PassedLimit& passed) {
   ClosePort(program->connection);
   program->connection.connected.Update(PortChange::Closed);
   // Behind the box no ports are listed and none is connected.
-  program->state.portBeingChosen = true;
+  program->state.portBeingChanged = true;
   program->messages->ShowPlainMessage(TextOf(passed));
 }
 

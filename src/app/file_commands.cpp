@@ -36,7 +36,7 @@ void CloseConnection(Program& program) {
 
 QString LoadUserFile(Program& program, const QString& path) {
   // Until the file's port is connected, its settings are in force and the former port is.
-  const QScopedValueRollback underWay(program.state.portBeingChosen, true);
+  const QScopedValueRollback underWay(program.state.portBeingChanged, true);
   QString loaded = OpenUserFile(path, program.workingSettingsFile, program.settings, *program.messages);
   if (loaded.isEmpty()) return {};
   CloseConnection(program);

@@ -57,7 +57,7 @@ bool PortMonitor::IsAtRest() const {
 void PortMonitor::Tick(int ticks) {
   // A message of the last change may still be shown, or one of a port being chosen: later changes are seen
   // when it is closed.
-  if (m_updating || m_program.state.portBeingChosen) return;
+  if (m_updating || m_program.state.portBeingChanged) return;
   if (m_startDelay > 0) {
     --m_startDelay;
     return;

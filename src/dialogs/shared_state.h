@@ -102,7 +102,7 @@ inline void RaiseCloseRequests(WindowRequests& requests) {
 /// The state that all windows share; one instance for the life of the process.
 struct SharedState {
   QString currentPortName = NoPort();  ///< kNoPort when no port is configured
-  bool portBeingChosen = false;        ///< while a command opens or closes the port; the port monitor rests
+  bool portBeingChanged = false;       ///< while a command opens or closes the port; the port monitor rests
   int displayScalePercent = 100;       ///< 100, 125, 150 or 175
   WindowRequests requests;
   /// The modeless windows that are open. While one is, no second one is made.

@@ -40,11 +40,11 @@ TEST_F(FileCommandsTest, ThePortMonitorRestsUntilTheFilesPortIsConnected) {
   int shown = 0;
   messages->whileShown = [&] {
     ++shown;
-    EXPECT_TRUE(program->state.portBeingChosen);
+    EXPECT_TRUE(program->state.portBeingChanged);
   };
   EXPECT_NE(LoadUserFile(*program, WithPort("COM3")), QString());
   EXPECT_EQ(shown, 2);
-  EXPECT_FALSE(program->state.portBeingChosen);
+  EXPECT_FALSE(program->state.portBeingChanged);
 }
 
 TEST_F(FileCommandsTest, AFileThatNamesNoPortLeavesTheProgramUnconnected) {

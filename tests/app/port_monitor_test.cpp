@@ -86,11 +86,11 @@ TEST_F(PortMonitorTest, DoesNotRestOverAChangeItHasNotLookedAt) {
   ports.revision = 1;
   StartMonitor();
   monitor.Tick();
-  program.state.portBeingChosen = true;
+  program.state.portBeingChanged = true;
   ports.revision = 2;
   monitor.Tick();
   EXPECT_FALSE(monitor.IsAtRest());
-  program.state.portBeingChosen = false;
+  program.state.portBeingChanged = false;
   monitor.Tick();
   EXPECT_TRUE(monitor.IsAtRest());
 }
@@ -307,12 +307,12 @@ TEST_F(PortMonitorTest, AChangeWhileAPortIsBeingChosenWaitsForTheChoice) {
   Configure(QStringLiteral("COM3"));
   program.connection.connected.Update(PortChange::Opened);
   StartMonitor();
-  program.state.portBeingChosen = true;
+  program.state.portBeingChanged = true;
   ports.present = Adapters({"COM1"});
   for (int i = 0; i < 3; ++i) monitor.Tick();
   EXPECT_EQ(Happened(), QStringList());
   EXPECT_EQ(program.connection.portNames.size(), 2);
-  program.state.portBeingChosen = false;
+  program.state.portBeingChanged = false;
   monitor.Tick();
   EXPECT_EQ(Happened(), (QStringList{kUpdated, "stop timer", kGone, "start timer"}));
   EXPECT_EQ(program.connection.portNames.size(), 1);

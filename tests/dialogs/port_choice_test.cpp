@@ -65,12 +65,12 @@ TEST_F(PortChoiceTest, ThePortIsTakenWhenItsMessageIsGone) {
     EXPECT_EQ(program.state.currentPortName, "NONE");
     EXPECT_EQ(program.settings.comPort, "NONE");
     EXPECT_EQ(WorkingFile(), before);
-    EXPECT_TRUE(program.state.portBeingChosen);
+    EXPECT_TRUE(program.state.portBeingChanged);
   };
   EXPECT_TRUE(Choose("COM4"));
   EXPECT_EQ(program.state.currentPortName, "COM4");
   EXPECT_EQ(WorkingFile(), FileWith({{"COM_PORT", "COM4"}}));
-  EXPECT_FALSE(program.state.portBeingChosen);
+  EXPECT_FALSE(program.state.portBeingChanged);
 }
 
 TEST_F(PortChoiceTest, TheFormerPortIsOpenedWhenTheMessageOfAFailureIsGone) {
@@ -79,11 +79,11 @@ TEST_F(PortChoiceTest, TheFormerPortIsOpenedWhenTheMessageOfAFailureIsGone) {
   whileShown = [this] {
     EXPECT_FALSE(program.connection.handle.IsOpen());
     EXPECT_EQ(program.state.currentPortName, "COM3");
-    EXPECT_TRUE(program.state.portBeingChosen);
+    EXPECT_TRUE(program.state.portBeingChanged);
   };
   EXPECT_FALSE(Choose("COM4"));
   EXPECT_TRUE(program.connection.handle.IsOpen());
-  EXPECT_FALSE(program.state.portBeingChosen);
+  EXPECT_FALSE(program.state.portBeingChanged);
 }
 
 TEST_F(PortChoiceTest, TheWaitIsShownThroughout) {
@@ -193,11 +193,11 @@ TEST_F(PortChoiceTest, NoneIsTakenWhenItsMessageIsGone) {
     EXPECT_EQ(program.state.currentPortName, "COM3");
     EXPECT_EQ(program.settings.comPort, "COM3");
     EXPECT_EQ(WorkingFile(), before);
-    EXPECT_TRUE(program.state.portBeingChosen);
+    EXPECT_TRUE(program.state.portBeingChanged);
   };
   ChooseNoPort(Context());
   EXPECT_EQ(Happened().size(), 1);
-  EXPECT_FALSE(program.state.portBeingChosen);
+  EXPECT_FALSE(program.state.portBeingChanged);
 }
 
 TEST_F(PortChoiceTest, NoneWhileNotConnectedForgetsThePort) {

@@ -35,7 +35,7 @@ void ReopenFormer(const DialogContext& context, const QString& former) {
 
 bool ConnectToChosenPort(const DialogContext& context, const QString& port, FailureSentence sentence,
                          const TitleStatus& titleStatus) {
-  const QScopedValueRollback underWay(context.state.portBeingChosen, true);
+  const QScopedValueRollback underWay(context.state.portBeingChanged, true);
   const WaitShown wait(context.environment.waitIndicator);
   const QString former = context.state.currentPortName;
   titleStatus(QStringLiteral(" Connecting Port ... "));
@@ -61,7 +61,7 @@ void TakeAsCurrent(const DialogContext& context, const QString& port) {
 }
 
 void ChooseNoPort(const DialogContext& context) {
-  const QScopedValueRollback underWay(context.state.portBeingChosen, true);
+  const QScopedValueRollback underWay(context.state.portBeingChanged, true);
   PortConnection& connection = context.connection;
   if (connection.connected.IsSet()) {
     ClosePort(connection);

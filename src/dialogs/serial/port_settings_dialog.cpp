@@ -132,7 +132,7 @@ void CPortSettings::Store() {
 
 bool CPortSettings::Reconnect(const SettingsRecord& settings) {
   PortConnection& connection = Context().connection;
-  const QScopedValueRollback underWay(Context().state.portBeingChosen, true);
+  const QScopedValueRollback underWay(Context().state.portBeingChanged, true);
   const WaitShown wait(Context().environment.waitIndicator);
   ClosePort(connection);
   const bool opened = ConnectPort(settings, connection, Context().environment);
