@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "serial/line_parameters.h"
-#include "serial/serial_line_linux.h"
+#include "serial/open_line_linux.h"
 #include "support/served_instrument.h"
 #include "terminal/execute_command.h"
 #include "ui/input_hold.h"

@@ -2,10 +2,10 @@
 #include <QFile>
 
 #include "serial/link_path_linux.h"
+#include "serial/open_line_linux.h"
 #include "serial/platform_serial.h"
 #include "serial/port_folder_linux.h"
 #include "serial/port_source_linux.h"
-#include "serial/serial_line_linux.h"
 
 namespace quarn {
 

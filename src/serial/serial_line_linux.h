@@ -1,23 +1,15 @@
 #pragma once
 
 #include <QString>
+#include <memory>
 
+#include "serial/line_hold_linux.h"
 #include "serial/serial_line.h"
 
 namespace quarn {
 
-/// Opens the lines that the links of a ports folder name.
-class LinuxLineOpener final : public SerialLineOpener {
- public:
-  explicit LinuxLineOpener(QString portsFolder) : m_portsFolder(std::move(portsFolder)) {}
-  OpenResult Open(const QString& devicePath) override;
-
- private:
-  QString m_portsFolder;
-};
-
-/// Opens a terminal device by its node, for instance "/dev/ttyUSB0", exclusively and as a binary line.
-/// The line's former state is restored when it is closed.
-OpenResult OpenTerminalDevice(const QString& node);
+/// The line of a terminal device that has been opened and is raw. `node`: its name, for messages and to see
+/// whether the device is still there.
+std::shared_ptr<SerialLine> LineOf(const QString& node, LineHold hold);
 
 }  // namespace quarn

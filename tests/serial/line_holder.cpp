@@ -8,7 +8,7 @@
 #include <cstdio>
 #include <string_view>
 
-#include "serial/serial_line_linux.h"
+#include "serial/open_line_linux.h"
 
 namespace {
 

@@ -14,8 +14,8 @@
 #include "serial/file_descriptor.h"
 #include "serial/holder.h"
 #include "serial/line_test_support.h"
+#include "serial/open_line_linux.h"
 #include "serial/open_terminal_linux.h"
-#include "serial/serial_line_linux.h"
 
 namespace quarn {
 namespace {

@@ -9,7 +9,7 @@
 #include "device/pseudo_terminal.h"
 #include "serial/file_descriptor.h"
 #include "serial/line_test_support.h"
-#include "serial/serial_line_linux.h"
+#include "serial/open_line_linux.h"
 
 namespace quarn {
 namespace {

@@ -11,7 +11,7 @@
 
 #include "device/pseudo_terminal.h"
 #include "serial/line_test_support.h"
-#include "serial/serial_line_linux.h"
+#include "serial/open_line_linux.h"
 
 namespace quarn {
 

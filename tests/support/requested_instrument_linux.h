@@ -1,6 +1,6 @@
 #pragma once
 
-#include "serial/serial_line_linux.h"
+#include "serial/open_line_linux.h"
 #include "support/requested_instrument.h"
 
 namespace quarn::test {

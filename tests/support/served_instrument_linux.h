@@ -9,7 +9,7 @@
 #include <utility>
 
 #include "device/instrument.h"
-#include "serial/serial_line_linux.h"
+#include "serial/open_line_linux.h"
 
 namespace quarn::test {
 

@@ -9,8 +9,8 @@
 #include "serial/fake_uart.h"
 #include "serial/line_failure_linux.h"
 #include "serial/line_test_support.h"
+#include "serial/open_line_linux.h"
 #include "serial/open_terminal_linux.h"
-#include "serial/serial_line_linux.h"
 #include "system/faults/fault_run.h"
 
 namespace quarn::test {
