@@ -9,10 +9,16 @@
 namespace quarn {
 
 AccessibleChoice::AccessibleChoice(QAbstractButton* button)
-    : QAccessibleWidget(button, button->autoExclusive() ? QAccessible::RadioButton : QAccessible::CheckBox,
-                        button->text()) {}
+    : QAccessibleWidget(button, button->autoExclusive() ? QAccessible::RadioButton : QAccessible::CheckBox) {}
 
 QAbstractButton* AccessibleChoice::Button() const { return qobject_cast<QAbstractButton*>(object()); }
+
+QString AccessibleChoice::text(QAccessible::Text kind) const {
+  const QString given = QAccessibleWidget::text(kind);
+  const QAbstractButton* button = Button();
+  if (kind != QAccessible::Name || !given.isEmpty() || button == nullptr) return given;
+  return button->text().remove(u'&');
+}
 
 QAccessible::State AccessibleChoice::state() const {
   QAccessible::State state = QAccessibleWidget::state();

@@ -27,6 +27,7 @@ class AccessibleChoice final : public QAccessibleWidget {
  public:
   explicit AccessibleChoice(QAbstractButton* button);
 
+  [[nodiscard]] QString text(QAccessible::Text kind) const override;
   [[nodiscard]] QAccessible::State state() const override;
   [[nodiscard]] QStringList actionNames() const override;
   void doAction(const QString& actionName) override;

@@ -74,6 +74,8 @@ TEST_F(ScreenOption, AnAssistiveToolsToggleIsAClick) {
     QAccessibleInterface* const choice = QAccessible::queryAccessibleInterface(&Button(id));
     ASSERT_NE(choice, nullptr);
     EXPECT_EQ(choice->role(), id == 1071 ? QAccessible::CheckBox : QAccessible::RadioButton);
+    EXPECT_EQ(choice->text(QAccessible::Name), Button(id).accessibleName());
+    Button(id).setAccessibleName(QString());
     EXPECT_EQ(choice->text(QAccessible::Name), Button(id).text());
     EXPECT_FALSE(choice->state().checked);
     QAccessibleActionInterface* const actions = choice->actionInterface();
