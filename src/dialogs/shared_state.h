@@ -21,7 +21,8 @@ enum class Window {
   ScreenOption,
   MainOption,
 };
-inline constexpr std::size_t kWindowCount = 9;
+inline constexpr std::size_t kWindowCount =
+    static_cast<std::size_t>(Window::MainOption) + 1;  // the last of them
 
 class WindowSet {
  public:

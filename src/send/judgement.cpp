@@ -3,10 +3,33 @@
 #include <algorithm>
 
 namespace quarn::send {
+namespace {
+
+/// A command that cannot be sent, or does not fit into a log, is refused before it comes here.
+Verdict VerdictOf(TransactionResult result) {
+  switch (result) {
+    case TransactionResult::Received:
+      return Verdict::Received;
+    case TransactionResult::Timeout:
+      return Verdict::Timeout;
+    case TransactionResult::InvalidData:
+      return Verdict::Empty;
+    case TransactionResult::Overflow:
+      return Verdict::Truncated;
+    case TransactionResult::Aborted:
+    case TransactionResult::AlreadyRunning:
+    case TransactionResult::NotSendable:
+    case TransactionResult::LogFull:
+      return Verdict::Aborted;
+  }
+  return Verdict::Aborted;
+}
+
+}  // namespace
 
 Verdict Judge(const TransactionOutcome& outcome, const std::optional<QRegularExpression>& expected) {
   if (outcome.lineFailed || outcome.cutOff) return Verdict::LineFailed;
-  const auto verdict = static_cast<Verdict>(outcome.result);
+  const Verdict verdict = VerdictOf(outcome.result);
   if (verdict != Verdict::Received || !expected) return verdict;
   const QString text = QString::fromLatin1(ResponseText({.outcome = outcome}));
   return expected->match(text).hasMatch() ? Verdict::Received : Verdict::Unexpected;

@@ -18,9 +18,9 @@ std::unique_ptr<PortSource> CreatePortSource(const QString& /*portsFolder*/) {
 }
 
 /// Whether there is such a port shows when it is opened. Nothing else is ever opened: a name can also be that
-/// of a disk.
+/// of a disk, and COM07 that of a file.
 QString FindPortDevice(const QString& /*portsFolder*/, const QString& port) {
-  static const QRegularExpression name(QStringLiteral("\\ACOM[0-9]{1,9}\\z"));
+  static const QRegularExpression name(QStringLiteral("\\ACOM[1-9][0-9]{0,8}\\z"));
   return name.match(port).hasMatch() ? DevicePathOf(port) : QString();
 }
 

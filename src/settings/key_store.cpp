@@ -75,7 +75,7 @@ std::optional<QString> EndOfLinks(const QString& path) {
   return std::nullopt;
 }
 
-/// Replaces the file at the path, which must not be a link. Logs the reason on failure.
+/// Replaces the file at the path, which must not be a link. On failure `reason` says why.
 bool ReplaceFile(const QString& path, const QByteArray& bytes, QString& reason) {
   std::error_code error;
   const auto type = std::filesystem::status(SystemPath(path), error).type();
@@ -146,6 +146,14 @@ std::optional<QString> ReadValue(const QString& path, SettingsKey key) {
   const BoundsFile file(path);
   const std::optional<QString> text = ReadText(path);
   return text ? FindValue(*text, key) : std::nullopt;
+}
+
+QList<std::optional<QString>> ReadValues(const QString& path, const QList<SettingsKey>& keys) {
+  const BoundsFile file(path);
+  const std::optional<QString> text = ReadText(path);
+  QList<std::optional<QString>> values;
+  for (const SettingsKey key : keys) values.append(text ? FindValue(*text, key) : std::nullopt);
+  return values;
 }
 
 bool UpdateValue(const QString& path, SettingsKey key, const QString& value) {

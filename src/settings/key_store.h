@@ -42,6 +42,10 @@ bool WriteWholeText(const QString& path, const QString& text);
 /// than 1023 characters is fatal.
 [[nodiscard]] std::optional<QString> ReadValue(const QString& path, SettingsKey key);
 
+/// The same for several keys, in their order. All values are those of one moment, also while another program
+/// replaces the file.
+[[nodiscard]] QList<std::optional<QString>> ReadValues(const QString& path, const QList<SettingsKey>& keys);
+
 /// Replaces the value of the first line that begins with the key; never adds a key. Returns false and writes
 /// nothing if ".END" comes before the key or the file has more than 16383 characters. Returns true in every
 /// other case, even if the file could not be read or written: such a failure is only logged. An updated text

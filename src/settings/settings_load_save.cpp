@@ -14,8 +14,12 @@ LoadResult LoadSettings(const QString& path, SettingsRecord& record) {
   if (ClassifyPath(path) != PathKind::File) return LoadResult::NoFile;
   SettingsRecord loaded = record;
   bool complete = true;
-  for (const Setting* setting : SettingsInLoadOrder()) {
-    const std::optional<QString> value = ReadValue(path, setting->key);
+  const auto settings = SettingsInLoadOrder();
+  QList<SettingsKey> keys;
+  for (const Setting* setting : settings) keys.append(setting->key);
+  const QList<std::optional<QString>> values = ReadValues(path, keys);
+  for (qsizetype i = 0; const Setting* setting : settings) {
+    const std::optional<QString>& value = values[i++];
     if (!value || (value->isEmpty() && setting->whenEmpty == EmptyValue::Refused)) {
       complete = false;
     } else {

@@ -30,7 +30,7 @@ enum class LoadResult {
 bool SaveAllSettings(const QString& path, const SettingsRecord& record);
 
 /// Whether a COM_PORT text can be a port: "NONE", or "COM" and one or two more characters, none of them from
-/// "(" to "/". The length is that in the system's 8-bit encoding; the characters need not be digits.
+/// "(" to "/". The length is that of file names in bytes; the characters need not be digits.
 [[nodiscard]] bool ValidatePortName(const QString& name);
 
 // How the windows write what the user has selected or typed. If the next start could not read the result,

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstring>
 
+#include "base/printable.h"
 #include "terminal/control_bytes.h"
 #include "terminal/system_encoding.h"
 
@@ -44,13 +45,6 @@ std::array<Spelling, 256> AllSpellings() {
     spellings[byte] = SpellingOf(static_cast<unsigned char>(byte));
   }
   return spellings;
-}
-
-/// Whether it is visible as a character of its own on its line.
-bool IsPrintable(char32_t character) {
-  const QChar::Category category = QChar::category(character);
-  return QChar::isPrint(character) && category != QChar::Separator_Line &&
-         category != QChar::Separator_Paragraph;
 }
 
 /// The character at `next`, which moves behind it. Half a surrogate pair counts as the replacement character.

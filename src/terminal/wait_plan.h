@@ -13,8 +13,8 @@ int BufferSizeForTimeout(const QString& comBuf);
 /// COM_BUF in bytes, as the limit of a response; unknown text gives 1024.
 int ResponseLimit(const QString& comBuf);
 
-/// The response time-out in polls of 10 ms: four seconds' worth of the largest buffer at 1200 bps, scaled
-/// by speed and buffer size, and never below 50.
+/// The response time-out in polls of 10 ms: 4000 for the largest buffer at 1200 bps, scaled by speed and
+/// buffer size, and never below 50. Polls that refresh the window, every twentieth, do not count.
 int TimeoutPolls(const SettingsRecord& settings);
 
 /// The command line's text while waiting for a response: for the first five refreshes the command, from the

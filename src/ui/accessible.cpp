@@ -14,7 +14,7 @@ AccessibleChoice::AccessibleChoice(QAbstractButton* button)
 QAbstractButton* AccessibleChoice::Button() const { return qobject_cast<QAbstractButton*>(object()); }
 
 QString AccessibleChoice::text(QAccessible::Text kind) const {
-  const QString given = QAccessibleWidget::text(kind);
+  QString given = QAccessibleWidget::text(kind);
   const QAbstractButton* button = Button();
   if (kind != QAccessible::Name || !given.isEmpty() || button == nullptr) return given;
   return button->text().remove(u'&');

@@ -7,6 +7,8 @@
 #include <QWidget>
 #include <algorithm>
 
+#include "base/printable.h"
+
 namespace quarn {
 namespace {
 
@@ -23,7 +25,7 @@ QString OnOneLine(QString text) {
       each = QChar(static_cast<char16_t>(kPictures + each.unicode()));
     } else if (each.unicode() == kDelete) {
       each = QChar(kPictureOfDelete);
-    } else if (!each.isPrint() && !each.isSurrogate()) {
+    } else if (!IsPrintable(each.unicode()) && !each.isSurrogate()) {
       each = QChar::ReplacementCharacter;
     }
   }

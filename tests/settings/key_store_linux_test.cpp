@@ -245,6 +245,33 @@ void ExpectNothingBetween(const QString& path, const std::function<void()>& oper
   EXPECT_EQ(reader.Others(), 0);
 }
 
+TEST_F(KeyStoreLinux, ALoadTakesTheValuesOfOneMoment) {
+  const QString path = WithBytes(NormalisedBytes(SortedDefaults()));
+  SettingsRecord one;
+  ASSERT_EQ(LoadSettings(path, one), LoadResult::Loaded);
+  SettingsRecord other = one;
+  other.comBits = QStringLiteral("7");
+  other.startDisp = QStringLiteral("OFF");
+  std::atomic<bool> isOver = false;
+  std::thread writer([&] {
+    for (bool first = false; !isOver; first = !first) SaveAllSettings(path, first ? one : other);
+  });
+  constexpr int kEnough = 50;
+  int ones = 0;
+  int others = 0;
+  int mixed = 0;
+  while ((ones < kEnough || others < kEnough) && mixed == 0) {
+    SettingsRecord loaded = one;
+    EXPECT_EQ(LoadSettings(path, loaded), LoadResult::Loaded);
+    const bool isOther = loaded.comBits == other.comBits;
+    ++(isOther ? others : ones);
+    if (isOther != (loaded.startDisp == other.startDisp)) ++mixed;
+  }
+  isOver = true;
+  writer.join();
+  EXPECT_EQ(mixed, 0);
+}
+
 TEST_F(KeyStoreLinux, AReaderNeverSeesHalfOfAnOperation) {
   const QString path = WithBytes(NormalisedBytes(SortedDefaults()));
   SettingsRecord record;

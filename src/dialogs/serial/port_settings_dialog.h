@@ -26,7 +26,7 @@ class CPortSettings final : public PortDialog {
   void PickItem(int field);
   /// Applies the working values to the current settings and to the working settings file.
   void Store();
-  /// Closes the line and reopens it with the current settings.
+  /// Closes the line and opens it with these settings.
   bool Reconnect(const SettingsRecord& settings);
   void Set();
   void RestoreDefaults();
