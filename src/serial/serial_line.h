@@ -118,7 +118,7 @@ class SerialLine {
   /// Restores the driver's former state and closes. Fails if the system reports a failure; the line is
   /// closed anyway. Afterwards every operation fails with LineError::Disconnected, also after AllowIo. Waits
   /// less than a second for queued bytes to be sent, and drops the rest. Returns within a second whatever the
-  /// driver does. A second call does nothing, and succeeds.
+  /// driver does, if the system has a thread for it. A second call does nothing, and succeeds.
   virtual LineResult Close() = 0;
   /// Whether the line is lost: it was hung up, its device is gone, or another device has its place. Once a
   /// read or write has found this, it does not change. May be called at any time, is fast and never waits for
