@@ -107,17 +107,6 @@ QString Spoken(const std::vector<MessageLine>& lines) {
   return texts.join(QLatin1Char('\n'));
 }
 
-/// Whether this repeats a key that answers a box: it has been held down since before the box opened. Keys
-/// that move the focus or scroll may repeat.
-bool IsHeldAnswer(const QEvent& event) {
-  if (event.type() != QEvent::KeyPress) return false;
-  const auto& key = static_cast<const QKeyEvent&>(event);
-  // Below Escape, the first of the other keys, are those that type a character.
-  const bool answers =
-      key.key() <= Qt::Key_Escape || key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter;
-  return key.isAutoRepeat() && answers;
-}
-
 }  // namespace
 
 QString MessageCaption(const QString& suffix) {
@@ -213,7 +202,7 @@ void MessageDialog::showEvent(QShowEvent* event) {
 }
 
 void MessageDialog::keyPressEvent(QKeyEvent* event) {
-  if (IsHeldAnswer(*event)) return;
+  if (IsHeldSinceBefore(*event)) return;
   if (QPushButton* button = ButtonOfKey(*event)) {
     button->click();
   } else {
@@ -222,14 +211,21 @@ void MessageDialog::keyPressEvent(QKeyEvent* event) {
 }
 
 bool MessageDialog::eventFilter(QObject* watched, QEvent* event) {
-  return IsHeldAnswer(*event) || PlacedDialog::eventFilter(watched, event);
+  const bool isHeld = event->type() == QEvent::KeyPress && IsHeldSinceBefore(static_cast<QKeyEvent&>(*event));
+  return isHeld || PlacedDialog::eventFilter(watched, event);
+}
+
+bool MessageDialog::IsHeldSinceBefore(const QKeyEvent& event) const {
+  const bool answers =
+      event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter || event.key() == Qt::Key_Escape;
+  return m_comesByItself && answers && event.isAutoRepeat();
 }
 
 QPushButton* MessageDialog::ButtonOfKey(const QKeyEvent& event) const {
-  // With Shift or Alt it is still the letter.
+  // With Shift or Alt it is still the letter. A key held down since before the box opened does not answer.
   const Qt::KeyboardModifiers others = event.modifiers() & ~(Qt::ShiftModifier | Qt::AltModifier);
   if (m_comesByItself && !m_typedBefore.hasExpired()) return nullptr;
-  if (m_buttons.size() < 2 || others != Qt::NoModifier) return nullptr;
+  if (m_buttons.size() < 2 || others != Qt::NoModifier || event.isAutoRepeat()) return nullptr;
   const auto found = std::find_if(m_buttons.begin(), m_buttons.end(), [&event](const QPushButton* button) {
     return button->text().front().unicode() == event.key();
   });
@@ -301,7 +297,6 @@ void COneshotMsgPos::timerEvent(QTimerEvent* event) {
 }
 
 void COneshotMsgPos::keyPressEvent(QKeyEvent* event) {
-  if (IsHeldAnswer(*event)) return;
   // There is no button for Enter; it closes the box as Escape does.
   if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
     accept();

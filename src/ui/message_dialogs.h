@@ -34,9 +34,9 @@ struct MessageButton {
 
 /// A small modal box: lines from top to bottom (empty ones take no space), buttons from left to right. The
 /// default answer's button has the focus. If there are two buttons, the first letter of a button presses it,
-/// but not in the first half second of a box that opens without a user action. A key that has been held down
-/// since before the box opened does not answer. The box grows with its text up to nine tenths of the screen;
-/// longer lines wrap, and taller boxes scroll. Nothing is clipped.
+/// but not in the first half second of a box that opens without a user action; keys held down since before do
+/// not answer such a box. The box grows with its text up to nine tenths of the screen; longer lines wrap, and
+/// taller boxes scroll. Nothing is clipped.
 class MessageDialog : public PlacedDialog {
  public:
   /// 0 until a button sets it; also 0 after the close box or Escape.
@@ -57,6 +57,9 @@ class MessageDialog : public PlacedDialog {
   /// The lines below each other, within `room`.
   QWidget* CreateText(const std::vector<MessageLine>& lines, QSize room);
   QHBoxLayout* AddButtons(const std::vector<MessageButton>& buttons, AnswerByDefault byDefault);
+  /// Whether the key would answer a box that opened without a user action, and was meant for the window
+  /// before. A box that a key has opened is answered by its repeats, as everywhere.
+  [[nodiscard]] bool IsHeldSinceBefore(const QKeyEvent& event) const;
   /// The button that this key presses wherever the focus is; null if there is none.
   [[nodiscard]] QPushButton* ButtonOfKey(const QKeyEvent& event) const;
 
