@@ -10,7 +10,6 @@
 #include <exception>
 #include <fstream>
 #include <optional>
-#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -58,12 +57,15 @@ Options ParseArguments(int argc, char** argv) {
 
 quarn::device::Rules LoadRules(const std::optional<std::string>& path) {
   if (!path) return quarn::device::BuiltInRules();
+  constexpr std::size_t kMostBytes = 1 << 20;  // /dev/zero would fill the memory
   std::ifstream file(*path, std::ios::binary);
-  std::ostringstream text;
-  if (file.peek() != std::ifstream::traits_type::eof()) text << file.rdbuf();
-  if (!file.is_open() || file.bad() || text.bad()) throw std::runtime_error(*path + ": cannot be read");
+  std::string text(kMostBytes + 1, '\0');
+  file.read(text.data(), static_cast<std::streamsize>(text.size()));
+  if (!file.is_open() || file.bad()) throw std::runtime_error(*path + ": cannot be read");
+  text.resize(static_cast<std::size_t>(file.gcount()));
+  if (text.size() > kMostBytes) throw std::runtime_error(*path + ": more than 1 MiB");
   try {
-    return quarn::device::ParseRules(text.str());
+    return quarn::device::ParseRules(text);
   } catch (const std::runtime_error& error) {
     throw std::runtime_error(*path + ": " + error.what());
   }

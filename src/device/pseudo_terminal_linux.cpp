@@ -19,11 +19,11 @@ namespace {
   throw std::system_error(errno, std::generic_category(), what);
 }
 
-void MakeRaw(int fd) {
+bool MakeRaw(int fd) {
   termios state{};
-  if (tcgetattr(fd, &state) != 0) Throw("tcgetattr");
+  if (tcgetattr(fd, &state) != 0) return false;
   cfmakeraw(&state);
-  if (tcsetattr(fd, TCSANOW, &state) != 0) Throw("tcsetattr");
+  return tcsetattr(fd, TCSANOW, &state) == 0;
 }
 
 void CloseQuietly(int& fd) {
@@ -51,11 +51,10 @@ PseudoTerminal::PseudoTerminal() {
   }
   m_nodePath = name.data();
   m_near = ::open(m_nodePath.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
-  if (m_near < 0) {
-    CloseQuietly(m_far);
+  if (m_near < 0 || !MakeRaw(m_near)) {
+    HangUp();
     Throw(m_nodePath);
   }
-  MakeRaw(m_near);
 }
 
 PseudoTerminal::~PseudoTerminal() { HangUp(); }

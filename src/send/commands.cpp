@@ -41,13 +41,22 @@ std::optional<char> ByteOfHex(const QByteArray& digits) {
 /// Text of two bytes per character, as some editors and shells of Windows write it.
 bool IsUtf16(const QByteArray& text) { return text.startsWith("\xFF\xFE") || text.startsWith("\xFE\xFF"); }
 
+/// Commands of many days; /dev/zero would fill the memory.
+constexpr qint64 kMostBytes = 16 << 20;
+
+FileContent Limited(FileContent content) {
+  if (content.bytes.size() <= kMostBytes) return content;
+  return {.failure = QStringLiteral("more than 16 MiB")};
+}
+
 FileContent ReadStandardInput() {
   TakeBytesAsTheyAre();
   constexpr std::size_t kPiece = 4096;
   FileContent content;
   std::array<char, kPiece> piece{};
   std::size_t count = 0;
-  while ((count = std::fread(piece.data(), 1, piece.size(), stdin)) > 0) {
+  while (content.bytes.size() <= kMostBytes &&
+         (count = std::fread(piece.data(), 1, piece.size(), stdin)) > 0) {
     content.bytes.append(piece.data(), static_cast<qsizetype>(count));
   }
   if (std::ferror(stdin) != 0) {
@@ -151,12 +160,12 @@ std::optional<QByteArray> Unescaped(const QByteArray& text, QByteArray& wrong) {
 }
 
 FileContent ReadCommandFile(const std::optional<QString>& name) {
-  if (!name) return ReadStandardInput();
+  if (!name) return Limited(ReadStandardInput());
   QFile file(*name);
   if (!file.open(QIODevice::ReadOnly)) return {.failure = file.errorString()};
-  FileContent content{.bytes = file.readAll()};
+  FileContent content{.bytes = file.read(kMostBytes + 1)};
   if (file.error() != QFileDevice::NoError) content.failure = file.errorString();
-  return content;
+  return Limited(std::move(content));
 }
 
 Commands CollectCommands(const Options& options, const ReadFile& read) {

@@ -24,7 +24,7 @@ struct FileContent {
   QByteArray bytes{};
   QString failure{};
 };
-/// Reads a file; without a name standard input.
+/// Reads a file of at most 16 MiB; without a name standard input.
 using ReadFile = std::function<FileContent(const std::optional<QString>& name)>;
 FileContent ReadCommandFile(const std::optional<QString>& name);
 

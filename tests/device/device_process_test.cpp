@@ -78,6 +78,9 @@ TEST_F(DeviceProcess, SaysWhatIsWrongWithTheRules) {
   Start({QStringLiteral("--rules"), path});
   EXPECT_EQ(ExitCode(), 1);
   EXPECT_EQ(Complaint(), "quarn-device: " + path.toLocal8Bit() + ": line 2: a text in quotes is expected\n");
+  Start({QStringLiteral("--rules"), QStringLiteral("/dev/zero")});
+  EXPECT_EQ(ExitCode(), 1);
+  EXPECT_EQ(Complaint(), "quarn-device: /dev/zero: more than 1 MiB\n");
   Start({QStringLiteral("--rules"), folder.filePath(QStringLiteral("none"))});
   EXPECT_EQ(ExitCode(), 1);
   EXPECT_TRUE(Complaint().contains("cannot be read"));

@@ -59,6 +59,12 @@ TEST_F(SendInput, NothingIsSentIfOneOfThemCannotBe) {
   EXPECT_EQ(missing.err, "quarn-send: " + Path("none.txt").toUtf8() + ": No such file or directory\n");
   const Outcome folder = Send({QStringLiteral("id"), QStringLiteral("--file"), Path("Halvo")});
   EXPECT_EQ(folder.exitCode, 5) << folder.err.constData();
+  const Outcome endless = Send({QStringLiteral("--file"), QStringLiteral("/dev/zero")});
+  EXPECT_EQ(endless.exitCode, 5);
+  EXPECT_EQ(endless.err, "quarn-send: /dev/zero: more than 16 MiB\n");
+  const Outcome piped = Shell(R"sh("$0" - </dev/zero)sh");
+  EXPECT_EQ(piped.exitCode, 5);
+  EXPECT_EQ(piped.err, "quarn-send: standard input: more than 16 MiB\n");
   const Outcome closed = Shell(R"sh(exec "$0" - <&-)sh");
   EXPECT_NE(closed.exitCode, 0) << closed.err.constData();
   EXPECT_EQ(m_instrument.Received(), "");
