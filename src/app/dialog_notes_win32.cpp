@@ -2,6 +2,7 @@
 
 #include <array>
 #include <map>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -77,7 +78,7 @@ void Restore(const UserKey& key, const Values& before) {
 
 struct DialogNotesUndone::Notes {
   std::array<bool, kKeys.size()> wasThere{};
-  Values values{};
+  std::optional<Values> values{};  ///< nothing: there has been no dialog
 };
 
 // The dialog makes the keys when it is made, and the values when it goes.
@@ -89,7 +90,7 @@ DialogNotesUndone::DialogNotesUndone() : m_before(std::make_unique<Notes>()) {
 void DialogNotesUndone::KeepOthers() { m_before->values = ValuesIn(UserKey(kKeys.back(), KEY_READ)); }
 
 DialogNotesUndone::~DialogNotesUndone() {
-  Restore(UserKey(kKeys.back(), KEY_READ | KEY_SET_VALUE), m_before->values);
+  if (m_before->values) Restore(UserKey(kKeys.back(), KEY_READ | KEY_SET_VALUE), *m_before->values);
   // From the innermost one out. One that another program has filled meanwhile stays.
   for (std::size_t i = kKeys.size(); i-- > 0;) {
     const bool isNew = !m_before->wasThere[i];

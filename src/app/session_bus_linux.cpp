@@ -86,11 +86,8 @@ bool IsBusSilent(const std::function<bool()>& isBusy) {
   const Call call = AskBus(bus, *name);
   // A queue of callers that is full is a silence as well.
   if (call != Call::Asked) return call == Call::Queued;
-  const QDeadlineTimer end(kBusyAnswerMs);
-  while (!IsAnswered(bus, kIdleAnswerMs)) {
-    if (end.hasExpired() || !isBusy()) return !IsAnswered(bus, 0);
-  }
-  return false;
+  if (IsAnswered(bus, kIdleAnswerMs)) return false;
+  return !IsAnswered(bus, isBusy() ? kBusyAnswerMs - kIdleAnswerMs : 0);
 }
 
 bool IsComputerBusy() {

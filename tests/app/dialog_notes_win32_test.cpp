@@ -8,6 +8,7 @@
 #include <QTemporaryDir>
 #include <QTimer>
 
+#include "app/dialog_notes.h"
 #include "app/file_chooser.h"
 #include "support/recorded_messages.h"
 
@@ -31,6 +32,16 @@ QStringList Notes() {
     found.append(key + u'=' + notes.value(key).toStringList().join(u'|'));
   }
   return found;
+}
+
+/// Another program that uses Qt has notes.
+void MakeNotesOfOthers() {
+  RegDeleteTreeW(HKEY_CURRENT_USER, kKey);
+  QSettings others(QSettings::UserScope, QStringLiteral("QtProject"));
+  others.setValue(QStringLiteral("FileDialog/lastVisited"), QStringLiteral("file:///C:/elsewhere"));
+  others.setValue(QStringLiteral("FileDialog/history"),
+                  QStringList{QStringLiteral("file:///C:/one"), QStringLiteral("file:///C:/two")});
+  others.setValue(QStringLiteral("Other/value"), 7);
 }
 
 /// Asks for a file, and is answered with Escape.
@@ -67,16 +78,11 @@ TEST(DialogNotes, AFileDialogLeavesNothingInTheRegistry) {
 }
 
 TEST(DialogNotes, AFileDialogLeavesThoseOfOtherProgramsAsTheyAre) {
-  RegDeleteTreeW(HKEY_CURRENT_USER, kKey);
-  {
-    QSettings others(QSettings::UserScope, QStringLiteral("QtProject"));
-    others.setValue(QStringLiteral("FileDialog/lastVisited"), QStringLiteral("file:///C:/elsewhere"));
-    others.setValue(QStringLiteral("FileDialog/history"),
-                    QStringList{QStringLiteral("file:///C:/one"), QStringLiteral("file:///C:/two")});
-    others.setValue(QStringLiteral("Other/value"), 7);
-  }
+  MakeNotesOfOthers();
   const QStringList before = Notes();
   ASSERT_EQ(before.size(), 3);
+  { const DialogNotesUndone noDialogCame; }
+  EXPECT_EQ(Notes(), before);
   AskAndCancel();
   EXPECT_EQ(Notes(), before);
   RegDeleteTreeW(HKEY_CURRENT_USER, kKey);
