@@ -56,13 +56,16 @@ void TellSettingsTooLong(MessageOperations& messages) {
                                   QStringLiteral("Shorten the texts of the Function Key Table."));
 }
 
+bool UpdateIfFits(const QString& path, const QList<NewValue>& values) {
+  if (!UpdateFits(path, values)) return false;
+  UpdateValues(path, values);
+  return true;
+}
+
 bool StoreValues(const QString& path, const QList<NewValue>& values, MessageOperations& messages) {
-  if (UpdateFits(path, values)) {
-    UpdateValues(path, values);
-    return true;
-  }
-  TellSettingsTooLong(messages);
-  return false;
+  const bool stored = UpdateIfFits(path, values);
+  if (!stored) TellSettingsTooLong(messages);
+  return stored;
 }
 
 bool StoreAllSettings(const QString& path, const SettingsRecord& record, MessageOperations& messages) {

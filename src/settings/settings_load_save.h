@@ -34,8 +34,12 @@ bool SaveAllSettings(const QString& path, const SettingsRecord& record);
 [[nodiscard]] bool ValidatePortName(const QString& name);
 
 // How the windows write what the user has selected or typed. If the next start could not read the result,
-// nothing is written and a message says so; updating the current settings is the caller's task.
-// User-interface thread only: a message runs an event loop.
+// nothing is written; updating the current settings is the caller's task.
+
+/// Writes the values, replacing the file once. Returns false if they were refused.
+bool UpdateIfFits(const QString& path, const QList<NewValue>& values);
+
+// The same with a message if the values are refused. User-interface thread only: it runs an event loop.
 
 /// Shows that the settings were not saved because they would not fit into their file.
 void TellSettingsTooLong(MessageOperations& messages);

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "settings/key_store.h"
+#include "settings/settings_load_save.h"
 #include "settings/settings_table.h"
 
 namespace quarn {
@@ -90,8 +90,7 @@ bool FunctionKeyTable::CanSave() const { return m_settings.mem != m_savedText; }
 bool FunctionKeyTable::Save(const QString& settingsFile) {
   QList<NewValue> values;
   for (std::size_t i = 0; i < m_editText.size(); ++i) values.append({keys::kMem[i], m_editText[i]});
-  if (!UpdateFits(settingsFile, values)) return false;
-  UpdateValues(settingsFile, values);
+  if (!UpdateIfFits(settingsFile, values)) return false;
   m_savedText = m_editText;
   return true;
 }
