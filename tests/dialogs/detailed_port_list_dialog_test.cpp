@@ -1,5 +1,7 @@
 #include "dialogs/serial/detailed_port_list_dialog.h"
 
+#include <QAccessible>
+
 #include "dialogs/detailed_port_list_fixture.h"
 #include "support/waits.h"
 
@@ -38,6 +40,19 @@ TEST_F(DetailedPortListDialog, SetIsForTheConfiguredPortWhileItIsNotConnected) {
   Click(kSetId);
   EXPECT_EQ(Happened(), (QStringList{"pause 500", ChoiceConnected("COM3")}));
   EXPECT_FALSE(Button(kSetId).isEnabled());
+}
+
+TEST_F(DetailedPortListDialog, AnAssistiveToolsToggleIsAClick) {
+  Plug("COM3");
+  Plug("COM4");
+  ConnectTo("COM3");
+  Open();
+  QAccessibleInterface* const choice = QAccessible::queryAccessibleInterface(&Radio(1));
+  ASSERT_NE(choice, nullptr);
+  ASSERT_NE(choice->actionInterface(), nullptr);
+  choice->actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
+  EXPECT_TRUE(WaitUntil([&] { return Button(kSetId).isEnabled(); })) << "SET is for what has been clicked";
+  EXPECT_EQ(Checked(), QList<int>{1});
 }
 
 TEST_F(DetailedPortListDialog, ClickedRowIsConnectedBySet) {

@@ -220,8 +220,8 @@ TEST(LatencyTimerOf, IsNotKnownOfEveryDriver) {
 TEST(FindPortDevice, TakesTheNamesOfPortsAlone) {
   EXPECT_EQ(FindPortDevice({}, QStringLiteral("COM4")), QStringLiteral("COM4"));
   EXPECT_EQ(FindPortDevice({}, QStringLiteral("COM12")), QStringLiteral("\\\\.\\COM12"));
-  for (const char* name :
-       {"", "COM", "com4", "COM4 ", "COM-4", "LPT1", "C:", "PhysicalDrive0", "\\\\.\\COM4"}) {
+  for (const char* name : {"", "COM", "COM0", "COM07", "com4", "COM4 ", "COM-4", "LPT1",
+                           "C:", "PhysicalDrive0", "\\\\.\\COM4"}) {
     EXPECT_EQ(FindPortDevice({}, QString::fromLatin1(name)), QString()) << name;
   }
 }
