@@ -30,8 +30,11 @@ std::string LastingNameOf(const std::string& node, const SystemRoots& roots) {
   for (const char* kind : {"/serial/by-id", "/serial/by-path"}) {
     std::vector<std::string> names;
     std::error_code ignored;
-    for (const auto& each : std::filesystem::directory_iterator(roots.dev + kind, ignored)) {
-      if (ResolvePath({}, each.path().string()).node == node) names.push_back(each.path().string());
+    // A loop over a range would throw if the folder cannot be read to its end.
+    for (auto each = std::filesystem::directory_iterator(roots.dev + kind, ignored);
+         each != std::filesystem::directory_iterator(); each.increment(ignored)) {
+      const std::string name = each->path().string();
+      if (ResolvePath({}, name).node == node) names.push_back(name);
     }
     if (!names.empty()) return *std::min_element(names.begin(), names.end());
   }
