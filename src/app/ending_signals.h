@@ -9,6 +9,9 @@ namespace quarn {
 /// this they would end it in the middle of its work, with the line as it was set for an instrument. A signal
 /// that was ignored at the start stays ignored. Does nothing where the system has no such signals.
 ///
+/// On Linux it also releases what has to be released when the thread that made it calls exit, as Qt does when
+/// the display has gone.
+///
 /// Make one, after the application object and in its thread. A signal that comes when the object is gone
 /// changes nothing, because the program is at its end then.
 class EndingSignals {

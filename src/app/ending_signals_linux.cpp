@@ -1,3 +1,4 @@
+#include <pthread.h>
 #include <signal.h>
 #include <sys/eventfd.h>
 #include <unistd.h>
@@ -7,6 +8,7 @@
 #include <atomic>
 #include <cerrno>
 #include <cstdint>
+#include <cstdlib>
 #include <optional>
 #include <utility>
 
@@ -50,25 +52,40 @@ void HandleUnlessIgnored(int signal) {
 }  // namespace
 
 class EndingSignals::Watch {
+  static inline Watch* s_present = nullptr;
+
+  /// Qt calls exit when the display has gone. Not in another thread, which this one may wait for.
+  static void CloseAtExit() {
+    Watch* const watch = std::exchange(s_present, nullptr);
+    if (watch != nullptr && ::pthread_equal(::pthread_self(), watch->m_thread) != 0) watch->m_close();
+  }
+
  public:
   /// The descriptor stays open until the process ends, like the handlers that use it.
   explicit Watch(std::function<void()> close) : m_close(std::move(close)) {
+    s_present = this;
+    [[maybe_unused]] static const int registered = std::atexit(&CloseAtExit);
     g_wake = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
     if (g_wake < 0) return;
     m_notifier.emplace(g_wake, QSocketNotifier::Read);
     QObject::connect(&*m_notifier, &QSocketNotifier::activated, &*m_notifier, [this] { End(); });
     for (const int each : kSignals) HandleUnlessIgnored(each);
   }
+  ~Watch() { s_present = nullptr; }
+  Watch(const Watch&) = delete;
+  Watch& operator=(const Watch&) = delete;
 
  private:
   void End() {
     m_notifier->setEnabled(false);
+    s_present = nullptr;
     m_close();
     ::raise(g_signal);
     ::_exit(kEndedBySignal + g_signal);
   }
 
   const std::function<void()> m_close;
+  const pthread_t m_thread = ::pthread_self();
   std::optional<QSocketNotifier> m_notifier;
 };
 

@@ -79,6 +79,8 @@ int main(int argc, char* argv[]) {
   auto session = std::make_unique<quarn::DesktopSession>(arguments);
   const QApplication application(argc, argv);
   session.reset();
+  // All texts are English.
+  QApplication::setLayoutDirection(Qt::LeftToRight);
   const std::unique_ptr<quarn::ModalOrder> order = quarn::KeepModalInFront();
   quarn::UseVisibleOutlines();
   quarn::KeepControlsWhole();

@@ -7,6 +7,7 @@
 #include <QEventLoop>
 #include <cstdio>
 #include <cstdlib>
+#include <thread>
 
 namespace quarn {
 namespace {
@@ -35,6 +36,27 @@ TEST(EndingSignalsDeathTest, TheFirstOneClosesAndEndsTheProgram) {
         },
         ::testing::KilledBySignal(each), "closed");
   }
+}
+
+TEST(EndingSignalsDeathTest, AnExitFromWithinClosesToo) {
+  EXPECT_EXIT(
+      {
+        const EndingSignals signals(TellClosed);
+        std::exit(3);
+      },
+      ::testing::ExitedWithCode(3), "closed");
+  EXPECT_EXIT(
+      {
+        { const EndingSignals signals(TellClosed); }
+        std::exit(3);
+      },
+      ::testing::ExitedWithCode(3), "^$");
+  EXPECT_EXIT(
+      {
+        const EndingSignals signals(TellClosed);
+        std::thread([] { std::exit(3); }).join();
+      },
+      ::testing::ExitedWithCode(3), "^$");
 }
 
 TEST(EndingSignalsDeathTest, TheSecondOneWaitsForNothing) {
