@@ -16,13 +16,18 @@ void Notice(int signal) {
   (void)std::signal(signal, SIG_DFL);
 }
 
+/// nohup, and a shell that starts something in the background, have signals ignored.
+void NoticeUnlessIgnored(int signal) {
+  if (std::signal(signal, Notice) == SIG_IGN) (void)std::signal(signal, SIG_IGN);
+}
+
 }  // namespace
 
 void NoticeInterruption() {
-  (void)std::signal(SIGINT, Notice);
-  (void)std::signal(SIGTERM, Notice);
+  NoticeUnlessIgnored(SIGINT);
+  NoticeUnlessIgnored(SIGTERM);
 #ifdef SIGHUP
-  (void)std::signal(SIGHUP, Notice);
+  NoticeUnlessIgnored(SIGHUP);
 #endif
 }
 

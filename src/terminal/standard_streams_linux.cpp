@@ -9,7 +9,9 @@
 namespace quarn {
 
 void OccupyStandardStreams() {
+  // Writing then fails with a reason, and the line is given back.
   (void)std::signal(SIGPIPE, SIG_IGN);
+  (void)std::signal(SIGXFSZ, SIG_IGN);
   for (const int stream : std::array{STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
     // The lowest free descriptor number is the stream's own. It is opened in the wrong direction, so that
     // using it fails, and closed for child processes.

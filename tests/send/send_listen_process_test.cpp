@@ -73,6 +73,19 @@ TEST_F(SendListen, ABusyPortIsWaitedFor) {
   EXPECT_EQ(process.exitCode(), 0);
 }
 
+TEST_F(SendListen, AnIgnoredSignalDoesNotEndIt) {
+  const auto ignore = [] {
+    for (const int each : {SIGINT, SIGHUP}) (void)std::signal(each, SIG_IGN);
+  };
+  QProcess process;
+  Start(process, QStringLiteral(QUARN_SEND), {QStringLiteral("late"), QStringLiteral("id")}, ignore);
+  ASSERT_TRUE(Eventually([this] { return m_instrument.Received() == "late\r\n"; }));
+  for (const int each : {SIGINT, SIGHUP}) ASSERT_EQ(::kill(static_cast<pid_t>(process.processId()), each), 0);
+  ASSERT_TRUE(process.waitForFinished(kPatienceMs));
+  EXPECT_EQ(process.exitCode(), 0) << process.readAllStandardError().constData();
+  EXPECT_EQ(m_instrument.Received(), "late\r\nid\r\n");
+}
+
 TEST_F(SendListen, CtrlCEndsTheWaitForAPort) {
   const OpenResult mine = OpenTerminalDevice(m_instrument.NodePath());
   ASSERT_TRUE(mine.line);
