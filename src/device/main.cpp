@@ -71,11 +71,19 @@ quarn::device::Rules LoadRules(const std::optional<std::string>& path) {
   }
 }
 
-/// Blocks the signals that end the program in every thread, so that one thread can wait for them.
+/// Ends the wait for the others.
+constexpr int kWakeUp = SIGUSR1;
+
+/// Blocks the signals that end the program in every thread, so that one thread can wait for them. Those that
+/// are ignored, as nohup has it, stay so.
 sigset_t BlockEndingSignals() {
   sigset_t signals;
   sigemptyset(&signals);
-  for (const int each : {SIGINT, SIGTERM, SIGHUP}) sigaddset(&signals, each);
+  sigaddset(&signals, kWakeUp);
+  for (const int each : {SIGINT, SIGTERM, SIGHUP}) {
+    struct sigaction present {};
+    if (sigaction(each, nullptr, &present) != 0 || present.sa_handler != SIG_IGN) sigaddset(&signals, each);
+  }
   pthread_sigmask(SIG_BLOCK, &signals, nullptr);
   return signals;
 }
@@ -115,8 +123,10 @@ void OccupyStandardStreams() {
 }
 
 int Serve(const Options& options) {
+  // First, because a pipe may keep it waiting.
+  const quarn::device::Rules rules = LoadRules(options.rules);
   const sigset_t signals = BlockEndingSignals();
-  quarn::device::Instrument instrument(LoadRules(options.rules));
+  quarn::device::Instrument instrument(rules);
   std::optional<quarn::device::NodeLink> link;
   if (options.link) link.emplace(*options.link, instrument.NodePath());
   Print(instrument.NodePath() + '\n');
@@ -127,7 +137,7 @@ int Serve(const Options& options) {
   });
   instrument.Run();
   // A rule may have hung up; wake the watcher then.
-  pthread_kill(watcher.native_handle(), SIGHUP);
+  pthread_kill(watcher.native_handle(), kWakeUp);
   watcher.join();
   return EXIT_SUCCESS;
 }

@@ -28,7 +28,8 @@ class PseudoTerminal {
   std::string m_nodePath;
 };
 
-/// A symbolic link that exists as long as the object. Replaces another link of that name, but nothing else.
+/// A symbolic link that exists as long as the object. Replaces another link of that name if that one leads
+/// nowhere or to a pseudo-terminal, but nothing else.
 /// Throws std::system_error.
 class NodeLink {
  public:

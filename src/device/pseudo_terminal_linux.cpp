@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <stdlib.h>
 #include <sys/stat.h>
+#include <sys/sysmacros.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -64,11 +65,25 @@ void PseudoTerminal::HangUp() {
   CloseQuietly(m_far);
 }
 
+namespace {
+
+/// A link of an instrument that has ended: it leads nowhere, or to a pseudo-terminal.
+bool IsReplaceable(const std::string& link) {
+  struct stat end {};
+  if (::stat(link.c_str(), &end) != 0) return errno == ENOENT;
+  constexpr unsigned kFirstPseudoTerminal = 136;  // major numbers of the kernel's list of devices
+  constexpr unsigned kLastPseudoTerminal = 143;
+  const unsigned kind = major(end.st_rdev);
+  return S_ISCHR(end.st_mode) && kind >= kFirstPseudoTerminal && kind <= kLastPseudoTerminal;
+}
+
+}  // namespace
+
 NodeLink::NodeLink(std::string linkPath, const std::string& target)
     : m_linkPath(std::move(linkPath)), m_target(target) {
   namespace fs = std::filesystem;
   MakeFolderAbove(m_linkPath);
-  if (fs::is_symlink(m_linkPath)) fs::remove(m_linkPath);
+  if (fs::is_symlink(m_linkPath) && IsReplaceable(m_linkPath)) fs::remove(m_linkPath);
   if (::symlink(m_target.c_str(), m_linkPath.c_str()) != 0) Throw(m_linkPath);
 }
 

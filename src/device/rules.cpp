@@ -148,6 +148,8 @@ const Rule* FindRule(const Rules& rules, std::string_view command) {
 }
 
 Rules ParseRules(std::string_view text) {
+  constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+  if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
   Rules rules;
   for (int number = 1; !text.empty(); ++number) {
     const std::size_t end = std::min(text.find('\n'), text.size());

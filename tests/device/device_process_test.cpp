@@ -1,8 +1,11 @@
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/stat.h>
 
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 
 namespace {
@@ -67,6 +70,39 @@ TEST_F(DeviceProcess, ReplacesAnOldLinkButNothingElse) {
   EXPECT_EQ(ExitCode(), 1);
   EXPECT_TRUE(Complaint().contains(link.toLocal8Bit()));
   EXPECT_TRUE(QFileInfo(link).isFile());
+  // A person's own link to a device.
+  ASSERT_TRUE(QFile::remove(link));
+  ASSERT_TRUE(QFile::link(QStringLiteral("/dev/null"), link));
+  Start({QStringLiteral("--link"), link});
+  EXPECT_EQ(ExitCode(), 1);
+  EXPECT_TRUE(Complaint().endsWith(": File exists\n"));
+  EXPECT_EQ(QFile::symLinkTarget(link), QStringLiteral("/dev/null"));
+}
+
+TEST_F(DeviceProcess, AnIgnoredSignalDoesNotEndIt) {
+  device.setChildProcessModifier([] { ::signal(SIGHUP, SIG_IGN); });
+  Start({QStringLiteral("--link"), link});
+  const QString node = Node();
+  // A signal that is blocked and ignored would still end its wait.
+  QFile status(QStringLiteral("/proc/%1/status").arg(device.processId()));
+  ASSERT_TRUE(status.open(QIODevice::ReadOnly));
+  const QString masks = QString::fromLatin1(status.readAll());
+  static const QRegularExpression withoutHangup(QStringLiteral("SigBlk:\\s*[0-9a-f]*[02468ace]\\s"));
+  EXPECT_TRUE(withoutHangup.match(masks).hasMatch()) << masks.toStdString();
+  ASSERT_EQ(::kill(static_cast<pid_t>(device.processId()), SIGHUP), 0);
+  device.terminate();
+  EXPECT_EQ(ExitCode(), 0);
+  EXPECT_FALSE(QFileInfo(link).isSymLink());
+}
+
+TEST_F(DeviceProcess, ASignalEndsItWhileItReadsItsRules) {
+  const QString pipe = folder.filePath(QStringLiteral("pipe"));
+  ASSERT_EQ(::mkfifo(pipe.toLocal8Bit().constData(), S_IRWXU), 0);
+  Start({QStringLiteral("--rules"), pipe});
+  ASSERT_TRUE(device.waitForStarted());
+  device.terminate();
+  EXPECT_TRUE(device.waitForFinished());
+  EXPECT_EQ(device.exitStatus(), QProcess::CrashExit) << "by the signal itself";
 }
 
 TEST_F(DeviceProcess, SaysWhatIsWrongWithTheRules) {
