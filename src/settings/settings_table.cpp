@@ -16,15 +16,18 @@ constexpr Setting Text(SettingsKey key, QStringView defaultValue, QString R::*fi
   return {key, defaultValue, field, field, loadPlace, savePlace, EmptyValue::Refused};
 }
 
-/// A stored command may be empty, and comes after all other settings.
+/// The stored commands come after all other settings.
+constexpr int kFirstCommandPlace = kLoadedSettingCount - kStoredCommandCount + 1;
+
+/// A stored command may be empty.
 constexpr Setting Command(int index, QStringView defaultValue) {
   const SettingsField field = SettingsField::StoredCommand(index);
   return {keys::kMem[static_cast<std::size_t>(index)],
           defaultValue,
           field,
           field,
-          19 + index,
-          19 + index,
+          kFirstCommandPlace + index,
+          kFirstCommandPlace + index,
           EmptyValue::Allowed};
 }
 
@@ -77,7 +80,10 @@ constexpr bool IsComplete(const std::array<const Setting*, kLoadedSettingCount>&
 
 constexpr auto kLoadOrder = InOrderOf(&Setting::loadPlace);
 constexpr auto kSaveOrder = InOrderOf(&Setting::savePlace);
-static_assert(IsComplete(kLoadOrder) && IsComplete(kSaveOrder));
+static_assert(IsComplete(kLoadOrder),
+              "a place in the order of loading is missing, because another is used twice");
+static_assert(IsComplete(kSaveOrder),
+              "a place in the order of saving is missing, because another is used twice");
 
 }  // namespace
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <cstddef>
 #include <functional>
 #include <span>
 #include <vector>
@@ -14,10 +15,13 @@ class QWidget;
 
 namespace quarn {
 
+/// In one row, for one setting.
+inline constexpr std::size_t kMostRadioButtons = 4;
+
 /// One button of an option dialog, and the setting it stands for.
 struct OptionButton {
   enum Kind { Radio, Check };
-  int controlId;
+  int controlId;  ///< another one for each control of a dialog
   Kind kind;
   const char* text;  ///< "%1" in it is the number of the value
   const char* name;  ///< object name

@@ -10,7 +10,7 @@
 namespace quarn {
 namespace {
 
-constexpr int kColumns = 6;  ///< a label, at most four radio buttons, and the room to the right
+constexpr int kColumns = kMostRadioButtons + 2;  ///< with a label, and the room to the right
 
 /// A label's words without the hyphens before its buttons.
 QString WordsOf(QString label) {

@@ -1,6 +1,9 @@
 #include "dialogs/settings/options.h"
 
 #include <array>
+#include <cstddef>
+#include <span>
+#include <string_view>
 
 #include "settings/setting_values.h"
 
@@ -14,6 +17,26 @@ constexpr OptionBinding kTimeout{&SettingsRecord::rTimeout, keys::kRTimeout};
 
 using enum OptionButton::Kind;
 
+/// The key's text as a type that is compared at compile time.
+constexpr auto KeyOf(const OptionButton& option) {
+  const QStringView text = option.binding.key.Text();
+  return std::basic_string_view(text.utf16(), static_cast<std::size_t>(text.size()));
+}
+
+/// A table that a dialog can show: no control's number comes twice, and a row has room for its radio buttons.
+constexpr bool CanBeShown(std::span<const OptionButton> table) {
+  std::size_t inRow = 0;
+  for (std::size_t i = 0; i < table.size(); ++i) {
+    const bool sameRow = i > 0 && table[i].kind == Radio && KeyOf(table[i]) == KeyOf(table[i - 1]);
+    inRow = sameRow ? inRow + 1 : 1;
+    if (inRow > kMostRadioButtons) return false;
+    for (std::size_t j = 0; j < i; ++j) {
+      if (table[i].controlId == table[j].controlId) return false;
+    }
+  }
+  return true;
+}
+
 constexpr std::array kFormatButtons{
     OptionButton{1015, Radio, "CR", "delimiterCr", kDelimiter, values::kCr, StoreOption},
     OptionButton{1021, Radio, "LF", "delimiterLf", kDelimiter, values::kLf, StoreOption},
@@ -26,6 +49,8 @@ constexpr std::array kFormatButtons{
     OptionButton{1020, Radio, "LOW", "portSpeedLow", kSpeed, values::kLowSpeed, ChangePortSpeed},
     OptionButton{1088, Check, " Apply Response Timeout", "responseTimeout", kTimeout, {}, StoreOption},
 };
+
+static_assert(CanBeShown(kFormatButtons));
 
 constexpr std::array kFormatLabels{
     OptionLabel{keys::kDelimiter, "Delimiter   -----"},
@@ -67,6 +92,8 @@ constexpr std::array kScreenButtons{
     OptionButton{1068, Radio, "System", "colourSystem", kColour, values::kSystemColours, StoreShownOption},
 };
 
+static_assert(CanBeShown(kScreenButtons));
+
 constexpr std::array kScreenLabels{
     OptionLabel{keys::kInputMax, "Max Command Length  -----"},
     OptionLabel{keys::kBkColor, "Background Color  -----------"},
@@ -88,6 +115,8 @@ constexpr std::array kMainButtons{
     OptionButton{1073, Radio, "TOP - LEFT", "topLeft", kPosition, values::kTopLeft, StoreOption},
     OptionButton{1074, Radio, "TOP - RIGHT", "topRight", kPosition, values::kTopRight, StoreOption},
 };
+
+static_assert(CanBeShown(kMainButtons));
 
 constexpr std::array kMainLabels{OptionLabel{keys::kMainPos, "Startup Display Position  ---"}};
 
