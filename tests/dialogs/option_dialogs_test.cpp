@@ -1,4 +1,5 @@
 #include <QAccessible>
+#include <QCheckBox>
 #include <array>
 
 #include "dialogs/option_dialog_fixture.h"
@@ -37,6 +38,7 @@ constexpr std::array kBoxes{
 
 TEST_F(ScreenOption, EveryBoxWritesItsKey) {
   Open();
+  EXPECT_EQ(dialog->findChildren<QCheckBox*>().size(), static_cast<qsizetype>(kBoxes.size()));
   for (const Box& box : kBoxes) {
     const bool on = settings.*box.field == u"ON";
     const QByteArray line = QByteArray(box.key) + (settings.*box.field).toLatin1();

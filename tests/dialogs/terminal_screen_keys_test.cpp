@@ -155,6 +155,8 @@ TEST_F(TerminalKeys, ComposedTextIsTyped) {
   commit(u"\u00e9");
   commit(u"^ x");
   EXPECT_EQ(commandLine.Text(), QStringLiteral("a\u00e9^ x"));
+  commit(u"\a\u001b\u007f\r\n");
+  EXPECT_EQ(commandLine.Text(), QStringLiteral("a\u00e9^ x")) << "control characters are not typed";
   Press(Qt::Key_Insert);
   for (int i = 0; i < 5; ++i) Press(Qt::Key_Left);
   commit(u"b");

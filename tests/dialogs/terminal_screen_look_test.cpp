@@ -185,6 +185,9 @@ TEST_F(TerminalLook, TheContextMenu) {
   }
   EXPECT_EQ(texts.join(u'\n'), QStringLiteral("Copy Log - Page\nCopy Log - All \nClear All Log Entries \n-\n"
                                               "Function Key Table\n-\nOption"));
+  EXPECT_FALSE(MenuItem("Function Key Table")->isEnabled()) << "nothing was given that opens it";
+  EXPECT_FALSE(MenuItem("Option")->isEnabled());
+  EXPECT_TRUE(MenuItem("Clear All Log Entries ")->isEnabled());
   EXPECT_EQ(window->ContextMenu().title(), QStringLiteral("Menu "));
   QContextMenuEvent event(QContextMenuEvent::Mouse, QPoint(100, 100), window->mapToGlobal(QPoint(100, 100)));
   QApplication::sendEvent(window, &event);

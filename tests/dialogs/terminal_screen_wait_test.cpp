@@ -122,17 +122,38 @@ TEST_F(TerminalWait, EscapeTakesTheEntersTypedAheadWithIt) {
   EXPECT_EQ(window->SendCounter(), 2U);
 }
 
+TEST_F(TerminalWait, TheLogIsNotClearedMeanwhile) {
+  Connect("\"id\" -> line \"SIM-1\"\n\"slow\" -> 200 line \"late\"");
+  Open();
+  Type("id");
+  Press(Qt::Key_Return);
+  ASSERT_EQ(log.LineCount(), 2);
+  commandLine.Reset();
+  Type("slow");
+  messages.answers = {true};
+  OnceReceived("id\rslow\r", [this] { MenuItem("Clear All Log Entries ")->trigger(); });
+  Press(Qt::Key_Return);
+  EXPECT_EQ(messages.shown, QStringList());
+  EXPECT_EQ(log.LineCount(), 4);
+}
+
 TEST_F(TerminalWait, EscapeTakesWhatAnotherWindowHadAskedToSendWithIt) {
   Connect("* -> silence");
   Open();
   Type("mute");
-  OnceReceived("mute\r", [this] { QTest::keyClick(window->windowHandle(), Qt::Key_Escape); });
+  OnceReceived("mute\r", [this] {
+    state.requests.sendAction = true;
+    QTest::keyClick(window->windowHandle(), Qt::Key_Escape);
+  });
   // SEND and Enter in the table of stored commands, within one tick.
   state.requests.sendAction = true;
   state.requests.send = true;
   ASSERT_TRUE(Until([this] { return log.LineCount() == 3; }));
   EXPECT_FALSE(state.requests.send);
+  EXPECT_FALSE(state.requests.sendAction);
+  Tick();
   EXPECT_EQ(instrument->Received(), "mute\r");
+  EXPECT_EQ(window->SendCounter(), 0U);
 }
 
 TEST_F(TerminalWait, AnEscapeThatIsDownAbortsTheCommandThatBegins) {

@@ -1,6 +1,7 @@
 #include "serial/line_parameters.h"
 
 #include "serial/line_test_support.h"
+#include "settings/setting_values.h"
 
 namespace quarn {
 namespace {
@@ -9,6 +10,9 @@ TEST(LineParameters, EveryListedRateIsTakenAsItIs) {
   for (const std::uint32_t rate : {110U, 300U, 600U, 1200U, 2400U, 4800U, 9600U, 14400U, 19200U, 38400U,
                                    56000U, 57600U, 115200U, 128000U, 256000U}) {
     EXPECT_EQ(BaudRateOf(QString::number(rate)), rate);
+  }
+  for (const SettingValue& each : values::kBitRates) {
+    EXPECT_EQ(BaudRateOf(each.text.toString()), static_cast<std::uint32_t>(each.number));
   }
 }
 

@@ -6,13 +6,9 @@
 #include <QString>
 #include <chrono>
 #include <future>
-#include <ostream>
 #include <thread>
 
-/// Found by GoogleTest, so that a failed comparison shows text instead of bytes.
-inline void PrintTo(const QString& text, std::ostream* out) {
-  *out << '"' << text.toUtf8().constData() << '"';
-}
+#include "support/readable_text.h"
 
 namespace quarn {
 

@@ -55,6 +55,17 @@ INSTANTIATE_TEST_SUITE_P(Files, KeyStoreFixtures,
 
 using KeyStoreFixtureFiles = SettingsFileTest;
 
+TEST_F(KeyStoreFixtureFiles, WhatIsBrokenInOneWayLacksNoKey) {
+  for (const char* name : {"broken_delimiter_empty.qrn", "broken_port_after_end.qrn",
+                           "broken_blank_before_port.qrn", "hostile_oversize.qrn", "old_keys.ini"}) {
+    const QByteArray bytes = BytesOf(WithFixture(QString::fromLatin1(name)));
+    for (const Setting* setting : SettingsInLoadOrder()) {
+      EXPECT_TRUE(bytes.contains(setting->key.Text().toUtf8()))
+          << name << " is refused for want of " << setting->key.Text().toString().toStdString();
+    }
+  }
+}
+
 TEST_F(KeyStoreFixtureFiles, AnotherEditorsFileIsNormalisedByItsFirstUpdate) {
   const QString path = WithFixture(QStringLiteral("foreign_editor.qrn"));
   EXPECT_EQ(ReadValue(path, keys::kComPort), QStringLiteral("COM3"));

@@ -7,16 +7,16 @@
 #include <QStringList>
 #include <QTemporaryDir>
 #include <algorithm>
-#include <ostream>
 
+#include "settings/settings_load_save.h"
 #include "settings/settings_record.h"
-
-/// Found by GoogleTest, so that a failed comparison shows text instead of bytes.
-inline void PrintTo(const QString& text, std::ostream* out) {
-  *out << '"' << text.toUtf8().constData() << '"';
-}
+#include "support/readable_text.h"
 
 namespace quarn {
+
+inline void PrintTo(LoadResult result, std::ostream* out) {
+  *out << (result == LoadResult::Loaded ? "loaded" : result == LoadResult::NoFile ? "no file" : "incomplete");
+}
 
 /// A folder of its own for each test.
 class SettingsFileTest : public testing::Test {

@@ -8,6 +8,7 @@
 #include <QLabel>
 #include <QTest>
 
+#include "support/readable_text.h"
 #include "support/waits.h"
 #include "ui/controls.h"
 

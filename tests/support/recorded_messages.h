@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "base/message_operations.h"
+#include "support/readable_text.h"
 
 namespace quarn::test {
 
