@@ -26,7 +26,7 @@ from dataclasses import dataclass, field
 LIMIT_S = 30
 COMMANDS = 40
 COMMAND_S = 0.3  # long enough for the silence that ends an answer
-ANSWER = bytes(range(0x21, 0x21 + 64))
+ANSWER_BYTES = 64
 FIGURES = (("start", "ms"), ("memory", "MiB"), ("idle", "ms/s"), ("switches", "1/s"), ("answer", "ms"))
 GOALS = {"start": 0.7, "memory": 0.8, "answer": 1.0}
 
@@ -136,6 +136,7 @@ class Run:
 
     def __init__(self, program, windows):
         self.program, self.windows = program, windows
+        self.answers = 0
         self.folder = tempfile.TemporaryDirectory()
         home = pathlib.Path(self.folder.name)
         (home / "run").mkdir(mode=0o700)
@@ -184,7 +185,10 @@ class Run:
             if not select.select([self.far_end], [], [], LIMIT_S)[0]:
                 sys.exit(f"the command of {self.program.name} did not reach the line")
             asked += os.read(self.far_end, 256)
-        os.write(self.far_end, ANSWER + self.program.line_end)
+        self.answers += 1
+        # Each is another: a row of the log that shows the same text as before is not painted.
+        answer = b"%08d" % self.answers + bytes(range(0x21, 0x21 + ANSWER_BYTES - 8))
+        os.write(self.far_end, answer + self.program.line_end)
         time.sleep(max(0, due - time.perf_counter()))
 
     def end(self):
