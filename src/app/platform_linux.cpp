@@ -52,7 +52,11 @@ InstanceLock LockIn(const QString& folder, QString& reason) {
   const QString path = QDir(folder).filePath(QStringLiteral("Quarn.exe.lock"));
   const InstanceLock lock = LockFile(QFile::encodeName(path));
   if (lock == InstanceLock::Failed) {
-    reason = path + QStringLiteral(": ") + QString::fromStdString(std::generic_category().message(errno));
+    // A folder that is missing could not be made, and that has another reason.
+    const int error = errno;
+    const bool folderFailed = error == ENOENT && !MakeDataFolder(folder);
+    reason = (folderFailed ? folder : path) + QStringLiteral(": ") +
+             QString::fromStdString(std::generic_category().message(folderFailed ? errno : error));
   }
   return lock;
 }

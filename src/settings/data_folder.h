@@ -13,9 +13,9 @@ QString DataFolder();
 QString WhyNoDataFolder();
 
 /// Creates the data folder and missing folders above it, for this user alone. Called by programs that write
-/// settings, at the start. Existing folders do not change. A failure shows when the first file is written
-/// there.
-void MakeDataFolder(const QString& dataFolder);
+/// settings, at the start. Existing folders do not change. Returns whether it is there; on Linux errno says
+/// why not.
+bool MakeDataFolder(const QString& dataFolder);
 
 /// The working settings file in a data folder.
 inline QString WorkingSettingsFile(const QString& dataFolder) {

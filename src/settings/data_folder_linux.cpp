@@ -16,13 +16,15 @@ namespace {
 
 constexpr mode_t kPrivate = 0700;
 
+bool MakeOneFolder(const QString& path) {
+  return ::mkdir(QFile::encodeName(path).constData(), kPrivate) == 0 || errno == EEXIST;
+}
+
 /// An absolute path without a separator at its end.
-void MakeFolder(const QString& path) {
-  if (::mkdir(QFile::encodeName(path).constData(), kPrivate) == 0 || errno != ENOENT) return;
+bool MakeFolder(const QString& path) {
+  if (MakeOneFolder(path)) return true;
   const QString above = path.left(path.lastIndexOf(QLatin1Char('/')));
-  if (above.isEmpty()) return;
-  MakeFolder(above);
-  ::mkdir(QFile::encodeName(path).constData(), kPrivate);
+  return errno == ENOENT && !above.isEmpty() && MakeFolder(above) && MakeOneFolder(path);
 }
 
 /// Calls it again while signals interrupt it.
@@ -54,7 +56,7 @@ QString WhyNoDataFolder() {
   return QStringLiteral("There is no folder for the settings: HOME does not name one from / on.");
 }
 
-void MakeDataFolder(const QString& dataFolder) { MakeFolder(QDir::cleanPath(dataFolder)); }
+bool MakeDataFolder(const QString& dataFolder) { return MakeFolder(QDir::cleanPath(dataFolder)); }
 
 bool FlushNamesBeside(const QString& path) {
   const QByteArray folder = QFile::encodeName(QFileInfo(path).path() + u'/');

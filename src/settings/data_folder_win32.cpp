@@ -20,7 +20,7 @@ QString WhyNoDataFolder() {
   return QStringLiteral("There is no folder for the settings: Windows names none for application data.");
 }
 
-void MakeDataFolder(const QString& dataFolder) { QDir().mkpath(dataFolder); }
+bool MakeDataFolder(const QString& dataFolder) { return QDir().mkpath(dataFolder); }
 
 bool FlushNamesBeside(const QString& /*path*/) {
   // The file system logs renamings in their order.

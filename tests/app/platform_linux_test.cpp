@@ -231,6 +231,11 @@ TEST_F(InstanceLockTest, SaysWhyItFails) {
   EXPECT_EQ(TakeInstanceLock(reason), InstanceLock::Failed);
   EXPECT_EQ(reason, m_folder.filePath(QStringLiteral("Quarn.exe.lock: Is a directory")));
   Set("XDG_RUNTIME_DIR", QByteArray());
+  // Not even an administrator makes a folder there.
+  Set("XDG_CONFIG_HOME", "/sys");
+  EXPECT_EQ(TakeInstanceLock(reason), InstanceLock::Failed);
+  EXPECT_TRUE(reason.startsWith(QStringLiteral("/sys/Halvo/Quarn"))) << reason.toStdString();
+  EXPECT_FALSE(reason.contains(QStringLiteral("No such file"))) << reason.toStdString();
   Set("XDG_CONFIG_HOME", QByteArray());
   Set("HOME", ".");
   EXPECT_EQ(TakeInstanceLock(reason), InstanceLock::Failed);
