@@ -220,6 +220,8 @@ class Reader {
 
 }  // namespace
 
+std::span<const OptionName> KnownOptions() { return kNames; }
+
 Options ParseArguments(const Arguments& arguments) { return Reader(arguments).Read(); }
 
 }  // namespace quarn::send

@@ -7,8 +7,10 @@
 #include <chrono>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <vector>
 
+#include "send/option_words.h"
 #include "send/platform.h"
 
 namespace quarn::send {
@@ -69,6 +71,10 @@ struct Options {
 /// standard input. Commands of files come before those of words.
 Options ParseArguments(const Arguments& arguments);
 
+/// The names that ParseArguments knows.
+std::span<const OptionName> KnownOptions();
+
+/// The help: every option, in lines of at most 80 characters.
 extern const char kUsage[];
 
 }  // namespace quarn::send

@@ -1,5 +1,7 @@
 #include "send/send_options.h"
 
+#include <QRegularExpression>
+
 #include "send/option_values.h"
 #include "serial/line_test_support.h"
 
@@ -236,6 +238,15 @@ TEST(ParseArguments, HelpAndVersionNeedNoCommand) {
   EXPECT_EQ(Parse("--help").error, QString());
   EXPECT_TRUE(Parse("--version").version);
   EXPECT_EQ(Parse("--version").error, QString());
+}
+
+TEST(Usage, NamesEveryOptionInLinesThatFitATerminal) {
+  const QString usage = QString::fromLatin1(kUsage);
+  for (const OptionName& each : KnownOptions()) {
+    const QRegularExpression name(QStringLiteral("--%1(?![a-z-])").arg(QLatin1String(each.name)));
+    EXPECT_TRUE(usage.contains(name)) << each.name;
+  }
+  for (const QString& line : usage.split(u'\n')) EXPECT_LE(line.size(), 80) << line.toStdString();
 }
 
 }  // namespace
