@@ -76,7 +76,10 @@ TEST_F(SendBytes, OutputThatCannotBeWrittenIs74WithTheReason) {
 
 TEST_F(SendBytes, WithoutAPlaceToPrintNoFurtherCommandIsSent) {
   EXPECT_EQ(Shell("exec \"$0\" id id >/dev/full").exitCode, 74);
-  const Outcome limited = Shell("ulimit -f 0; exec \"$0\" id id >\"$XDG_CONFIG_HOME\"/out");
+  // So large that a sanitizer can still make its own files. A block has 512 or 1024 bytes.
+  const Outcome limited = Shell(
+      "truncate --size 2G \"$XDG_CONFIG_HOME\"/out; ulimit -f 2097152; exec \"$0\" id id "
+      ">>\"$XDG_CONFIG_HOME\"/out");
   EXPECT_EQ(limited.exitCode, 74);
   EXPECT_EQ(limited.err, "quarn-send: standard output: File too large\n");
   EXPECT_EQ(m_instrument.Received(), "id\r\nid\r\n");
