@@ -8,6 +8,8 @@
 #include <QRegularExpression>
 #include <QTemporaryDir>
 
+#include "serial/line_test_support.h"
+
 namespace {
 
 constexpr int kLimitMs = 20000;
@@ -84,11 +86,14 @@ TEST_F(DeviceProcess, AnIgnoredSignalDoesNotEndIt) {
   Start({QStringLiteral("--link"), link});
   const QString node = Node();
   // A signal that is blocked and ignored would still end its wait.
-  QFile status(QStringLiteral("/proc/%1/status").arg(device.processId()));
-  ASSERT_TRUE(status.open(QIODevice::ReadOnly));
-  const QString masks = QString::fromLatin1(status.readAll());
-  static const QRegularExpression withoutHangup(QStringLiteral("SigBlk:\\s*[0-9a-f]*[02468ace]\\s"));
-  EXPECT_TRUE(withoutHangup.match(masks).hasMatch()) << masks.toStdString();
+  // While a thread is being made, all are blocked for a moment.
+  const QString status = QStringLiteral("/proc/%1/status").arg(device.processId());
+  EXPECT_TRUE(quarn::Eventually([&status] {
+    QFile masks(status);
+    static const QRegularExpression withoutHangup(QStringLiteral("SigBlk:\\s*[0-9a-f]*[02468ace]\\s"));
+    return masks.open(QIODevice::ReadOnly) &&
+           withoutHangup.match(QString::fromLatin1(masks.readAll())).hasMatch();
+  }));
   ASSERT_EQ(::kill(static_cast<pid_t>(device.processId()), SIGHUP), 0);
   device.terminate();
   EXPECT_EQ(ExitCode(), 0);
